@@ -1,0 +1,30 @@
+# What every target of the project shares: warnings, sanitizers, and how the shipped library is put together.
+
+function(ks_hmi_configure_target target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+                                           -Woverloaded-virtual)
+  if(KS_HMI_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(KS_HMI_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${KS_HMI_SANITIZE} -fno-omit-frame-pointer
+                                             -fno-sanitize-recover=all)
+    target_link_options(${target} PRIVATE -fsanitize=${KS_HMI_SANITIZE})
+  endif()
+endfunction()
+
+# The rooms that make up libks_hmi_foundation.so; each lists its own sources.
+function(ks_hmi_add_foundation_library)
+  add_library(ks_hmi_foundation SHARED)
+  foreach(room IN ITEMS foundation signals bindings)
+    add_subdirectory(${room})
+  endforeach()
+  target_include_directories(ks_hmi_foundation PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation>)
+  target_compile_definitions(ks_hmi_foundation PRIVATE KS_HMI_BUILDING)
+  target_link_libraries(ks_hmi_foundation PUBLIC host Boost::headers PRIVATE ${KS_HMI_PLATFORM_TARGET})
+  target_link_options(ks_hmi_foundation PRIVATE -Wl,--no-undefined)
+  set_target_properties(ks_hmi_foundation PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  ks_hmi_configure_target(ks_hmi_foundation)
+endfunction()
