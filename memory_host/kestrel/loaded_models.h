@@ -1,0 +1,72 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/api.h"
+#include "host/hv_array.h"
+#include "memory_host/kestrel/model.h"
+
+namespace kestrel {
+
+/// A model that is open, with the host objects that hold its signals and its observers. Both are set
+/// by whoever opens the model and released when it is unloaded; null until then.
+class OX_API LoadedModel {
+public:
+    explicit LoadedModel(Model model);
+
+    Model& model() noexcept { return m_model; }
+    const Model& model() const noexcept { return m_model; }
+
+    /// Borrowed: a 1x1 "Kestrel.HMI.InstrumentedSignals" object, or null.
+    hvArray* signals() noexcept { return m_signals.get(); }
+    const hvArray* signals() const noexcept { return m_signals.get(); }
+    void setSignals(HvArrayPtr signals) noexcept { m_signals = std::move(signals); }
+
+    /// Borrowed: a 1x1 "Kestrel.HMI.StreamingClients" object, or null.
+    hvArray* clients() noexcept { return m_clients.get(); }
+    const hvArray* clients() const noexcept { return m_clients.get(); }
+    void setClients(HvArrayPtr clients) noexcept { m_clients = std::move(clients); }
+
+private:
+    Model m_model;
+    HvArrayPtr m_signals;
+    HvArrayPtr m_clients;
+};
+
+/// A block and the loaded model that it is in. Both null when nothing was found.
+struct LoadedBlock {
+    LoadedModel* owner = nullptr;
+    const Block* block = nullptr;
+    explicit operator bool() const noexcept { return block != nullptr; }
+};
+
+/// The models that are open in this process.
+class OX_API Models {
+public:
+    /// Opens a model: every block gets a handle that no block had before in this process. The result
+    /// lives until the model is unloaded. Throws `ModelError` when one of that name is open.
+    LoadedModel& load(Model model);
+    /// Releases the model's host objects, then the model. False when no model of that name is open.
+    bool unload(std::u16string_view name);
+    void unloadAll() noexcept;
+
+    /// Null when no such model is open.
+    LoadedModel* find(std::u16string_view name) noexcept;
+    /// The block of that handle in any open model.
+    LoadedBlock findByHandle(double blockHandle) noexcept;
+    /// Renames an open model; its host objects are not told. False when `oldName` is not open. Throws
+    /// `ModelError` when `newName` is bad or belongs to another open model.
+    bool rename(std::u16string_view oldName, std::u16string newName);
+    const std::vector<std::unique_ptr<LoadedModel>>& all() const noexcept { return m_models; }
+
+private:
+    std::vector<std::unique_ptr<LoadedModel>> m_models;
+};
+
+/// The one registry of this process.
+OX_API Models& loadedModels() noexcept;
+
+}  // namespace kestrel

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "host/api.h"
+
+/// The modelling environment's side of the memory host: models, their blocks and who has them open.
+/// Thread: the interpreter thread only.
+namespace kestrel {
+
+/// A model that cannot be as asked. The text names the thing; `subject` is the offending text alone.
+class OX_API ModelError : public std::runtime_error {
+public:
+    ModelError(const std::string& text, std::string subject);
+    /// UTF-8: a path, an identifier or a model name.
+    const std::string& subject() const noexcept { return m_subject; }
+
+private:
+    std::string m_subject;
+};
+
+/// A state inside a chart: its path below the chart ("Cruise/Hold") and its identifier within the chart.
+struct ChartState {
+    std::u16string path;
+    std::uint32_t ssid = 0;
+};
+
+/// A datum inside a chart.
+struct ChartData {
+    std::u16string name;
+    std::uint32_t ssid = 0;
+};
+
+/// What a chart block contains. The chart itself answers to the identifier 0.
+struct Chart {
+    std::vector<ChartState> states;
+    std::vector<ChartData> data;
+};
+
+/// One block. Paths and element identifiers are relative to the model (no model name in front).
+struct Block {
+    std::u16string path;                  ///< "Engine/Throttle"
+    std::string eid;                      ///< UTF-8; stays with the block wherever it moves
+    double handle = 0.0;                  ///< fractional, new at each load; 0.0 while the model is not loaded
+    std::vector<std::u16string> outputs;  ///< names of the output ports; port number = position, from 1
+    std::optional<Chart> chart;
+};
+
+/// A model: its name and its blocks in the order they were added. Look-ups by path, element
+/// identifier and handle take constant time. Blocks stay where they are in memory.
+class OX_API Model {
+public:
+    /// Throws `ModelError` for a name that is empty or contains '/' or ':'.
+    explicit Model(std::u16string name);
+    Model(Model&&) noexcept;
+    Model& operator=(Model&&) noexcept;
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
+    ~Model();
+
+    const std::u16string& name() const noexcept { return m_name; }
+    /// Throws as the constructor; the name is then unchanged.
+    void rename(std::u16string name);
+
+    /// Appends a block. Throws `ModelError` for an empty or taken path and for an empty or taken
+    /// element identifier; the model is then unchanged. The parent need not exist.
+    const Block& add(Block block);
+    /// Gives the block at `path` and all blocks below it ("path/...") new paths. Throws `ModelError`
+    /// when there is no such block, the new path is empty, lies below the old one, or any path that
+    /// would result is taken; the model is then unchanged. Returns how many blocks moved.
+    std::size_t move(std::u16string_view path, std::u16string_view newPath);
+    /// Replaces the names of a block's output ports. Throws `ModelError` when there is no such block.
+    void setOutputs(std::u16string_view path, std::vector<std::u16string> outputs);
+
+    const std::deque<Block>& blocks() const noexcept { return m_blocks; }
+    /// Null when there is none.
+    const Block* findByPath(std::u16string_view path) const noexcept;
+    const Block* findByEid(std::string_view eid) const noexcept;
+    const Block* findByHandle(double handle) const noexcept;
+    /// The name in front: "Model/Engine/Throttle".
+    std::u16string fullPath(const Block& block) const;
+
+private:
+    friend class Models;
+    void assignHandles(double (*nextHandle)());
+
+    std::u16string m_name;
+    std::deque<Block> m_blocks;
+    // The keys view the texts inside the blocks, whose addresses are stable.
+    std::unordered_map<std::u16string_view, Block*> m_byPath;
+    std::unordered_map<std::string_view, Block*> m_byEid;
+    std::unordered_map<double, Block*> m_byHandle;
+};
+
+}  // namespace kestrel
