@@ -1,0 +1,12 @@
+#pragma once
+
+#include "foundation/export.h"
+
+/// The library's entry points, called by the host from its main thread.
+extern "C" {
+/// Registers the library's host classes under "Kestrel.HMI"; the first call only, also when that one failed.
+/// Errors of the object system propagate.
+KS_HMI_EXPORT void OXInitialize_ks_hmi_foundation();
+/// Does nothing: what was registered belongs to the host.
+KS_HMI_EXPORT void OXTerminate_ks_hmi_foundation();
+}

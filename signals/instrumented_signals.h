@@ -1,0 +1,153 @@
+#pragma once
+
+#include <bitset>
+#include <boost/smart_ptr/shared_ptr.hpp>
+#include <boost/unordered/unordered_flat_map.hpp>
+#include <boost/unordered/unordered_flat_set.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "foundation/export.h"
+#include "host/engine.h"
+#include "host/hv_array.h"
+#include "signals/signal_specification.h"
+#include "signals/source_key_index.h"
+
+namespace ks_hmi {
+
+/// The instrumented signals of one model: an ordered list of records, with the indexes that answer whether
+/// a port or a chart's activity is observed without walking the list.
+///
+/// Positions are 0-based. A position outside the set raises the host's exception "InvalidElementIndex"
+/// with the number of signals; nothing is changed then. A null record is refused with a host exception
+/// before anything changes. Records are shared: with the index, and with callers that hold a pointer.
+/// Thread: the host's interpreter thread.
+class KS_HMI_EXPORT InstrumentedSignals {
+public:
+    using SignalPtr = boost::shared_ptr<SignalSpecification>;
+
+    InstrumentedSignals();
+    ~InstrumentedSignals();
+    InstrumentedSignals(const InstrumentedSignals&) = delete;
+    InstrumentedSignals& operator=(const InstrumentedSignals&) = delete;
+
+    // ---- the list ----
+
+    std::u16string getModelName() const;
+    /// The index is not rebuilt, although its keys include the model's name: entries made under the old name
+    /// answer no more until `updateObservedPortMap`.
+    void setModelName(const std::u16string& newName);
+    std::size_t getCount() const;
+    /// The record at `index`, not owned; it lives as long as somebody shares it.
+    SignalSpecification* get(std::size_t index) const;
+    void add(SignalPtr spec);
+    /// Inserts before `index`; the count itself is a valid position, at which it appends.
+    void insert(std::size_t index, SignalPtr spec);
+    /// Replaces the record at `index`. The old record leaves the port index only: a chart signal's entry in
+    /// the chart index stays, on purpose.
+    void set(std::size_t index, SignalPtr spec);
+    /// Removes the record at `index`. Other signals on the same block path and output port lose their index
+    /// entries with it, until `updateObservedPortMap`; of two chart signals on the same activity, removing one
+    /// clears the activity for both.
+    void remove(std::size_t index);
+    /// Removes the first signal that is the same signal as `spec`; does nothing when there is none. The chart
+    /// index is not touched, on purpose, unlike by `remove` by position.
+    void remove(const SignalSpecification& spec);
+    /// The same signals in the same order; model names and indexes take no part. False for null.
+    bool isEqual(const InstrumentedSignals* other) const;
+    /// A new host object with clones of the signals, leaving out those not to be saved when asked to. Its
+    /// port index still refers to this set's records, on purpose: a path query on the copy resolves the
+    /// originals until `updateObservedPortMap`. Throws when the host refuses the new object.
+    HvArrayPtr copy(bool excludeUnsaved) const;
+
+    // ---- persistence ----
+
+    /// A new N x 1 struct array with one element per signal, those excluded from saving included.
+    HvArrayPtr getPersistenceData() const;
+    /// Appends a signal per element, on purpose: what the set held stays in front. When an element cannot be
+    /// read, the ones before it stay and the error propagates.
+    void setFromPersistenceData(const hvArray* data);
+
+    // ---- the host object around a set ----
+
+    /// The set behind element 0 of a host object array, not owned; null for a null or empty value and for
+    /// objects of another class.
+    static InstrumentedSignals* getFromHvArray(const hvArray* object);
+    /// True for null and empty values, else exactly for one object of class "Kestrel.HMI.InstrumentedSignals".
+    static bool isValidType(const hvArray* value);
+    /// Has the host rebind the signals of the set behind `object`. A failure becomes a warning; rebinding is
+    /// no longer pending afterwards in every case. Nothing happens for null.
+    static void applyRebindingRules(hvArray* object, bool flag);
+
+    /// While rebinding is pending, signals whose cached handle is stale still answer for their path and port.
+    void setRebindingPending(bool pending);
+    bool isRebindingPending() const;
+
+    // ---- the observed-port index ----
+
+    /// Enters the signal under its path key and, once its handle is resolved, under its handle key; a chart
+    /// signal goes to the chart index. Entering a signal twice gives it two entries, on purpose.
+    void addToObservedPortMap(const SignalPtr& spec);
+    /// Erases the entries of the signal's block path and output port, and those of its cached handle and port,
+    /// whichever signals they belong to. A chart signal has no effect.
+    void removeFromObservedPortMap(const SignalPtr& spec);
+    /// Rebuilds the index from the list. The chart containers are added to, not emptied first.
+    void updateObservedPortMap();
+    /// Whether the port index holds any entry; chart signals never count.
+    bool isAnyPortObserved() const;
+    /// Replaces the cache of observed engine ports. Every change to the list or the index empties it.
+    void cacheKSPorts(const std::vector<ksPort*>& ports);
+    bool isKSPortObserved(const ksPort* port) const;
+    /// By block handle and port. A handle of NaN is never observed. Does not allocate.
+    bool isPortObserved(double blockHandle, int portIdx) const;
+    /// By handle and port, else by path and port. The first match of a signal that has no handle yet records
+    /// this one in it, gives it a second entry under its path key (on purpose, harmless), and empties the
+    /// cache of engine ports. With `portIdx` 0 nothing is recorded; a handle of 0.0 or NaN resolves nothing
+    /// that could be found by handle.
+    bool isPortObserved(double blockHandle, const std::u16string& blockPath, const std::u16string& subPath,
+                        int outputPortIndex, int portIdx, int logicalPortIndex);
+    /// The same with the signal's own values. False for null.
+    bool isPortObserved(SignalSpecification* spec);
+
+    // ---- chart activity ----
+
+    /// Whether the domain type is "cw_state", "cw_chart" or "cw_data".
+    bool isChartworkDomain(const std::u16string& domainType) const;
+    /// Enters a chart signal by its "Activity" and "SSID" parameters; an unknown activity is not recorded.
+    void addToObservedCWObjectCache(const SignalPtr& spec);
+    /// Takes a chart signal's activity out again; the chart object's entry stays, on purpose, without the bit.
+    void removeFromObservedCWObject(const SignalPtr& spec);
+    /// Append the model's name, `eid`, `ssid` (and `activity`) to `list`, which is not cleared.
+    void constructCWLookupStr(std::vector<std::string>& list, const std::string& eid, const std::string& ssid) const;
+    void constructCWLookupStrUsingActivity(std::vector<std::string>& list, const std::string& eid,
+                                           const std::string& ssid, const std::string& activity) const;
+    void addToObservedCWActivity(const std::string& eid, const std::string& ssid, const std::string& activity);
+    void removeObservedCWActivity(const std::string& eid, const std::string& ssid, const std::string& activity);
+    /// Whether the activity of the chart object is observed; `eidPath` may carry the model's name and ":".
+    /// Does not allocate.
+    bool isCWActivityObserved(const std::u16string& eidPath, double ssid, const std::u16string& activity) const;
+    /// Whether any activity of the chart object is. Asking about an unknown object leaves an empty entry
+    /// behind, on purpose; it is harmless to every query.
+    bool isAnyCWActivityObserved(const std::u16string& eidPath, double ssid);
+    /// The chart signals of this set that `other` (may be null) does not observe, in order. Chart-level
+    /// signals (SSID "0") match by identifier and activity, all others by identifier and SSID.
+    std::vector<SignalPtr> setDifference_cw(const InstrumentedSignals* other) const;
+
+private:
+    static constexpr std::size_t kActivityBits = 4;
+
+    std::u16string m_modelName;
+    std::vector<SignalPtr> m_signals;
+    SourceKeyIndex m_observedPortMap;
+    boost::unordered_flat_set<std::uint64_t> m_cachedKSPorts;
+    boost::unordered_flat_map<std::uint64_t, bool> m_observedCWActivity;
+    boost::unordered_flat_map<std::uint64_t, std::bitset<kActivityBits>> m_observedCWObjectCache;
+    bool m_rebindingPending = false;
+
+    static const std::unordered_map<std::string, std::size_t> m_cwActivityBitMask;
+};
+
+}  // namespace ks_hmi

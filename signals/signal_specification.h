@@ -1,0 +1,163 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "foundation/export.h"
+#include "host/hv_array.h"
+
+namespace ks_hmi {
+
+/// One instrumented signal of a model: a block output port, or a chart's state, activity or data,
+/// told apart by the domain type, whose values are streamed to dashboards, viewers and recorders.
+///
+/// Paths and identifiers are held relative to the model. Port numbers are 1-based, 0 means none.
+/// A block handle of 0.0 means that none is cached. Records are copied with `clone` only.
+/// Failures of host calls by name become host warnings and give an empty result; failures of host
+/// value operations are thrown as the host's exception. Thread: the host's interpreter thread.
+class KS_HMI_EXPORT SignalSpecification {
+public:
+    using DomainParamsMap = std::unordered_map<std::u16string, std::u16string>;
+    using BlockUUIDMap = std::unordered_map<std::string, std::string>;
+
+    /// A record with the defaults that the members show.
+    SignalSpecification();
+    /// Reads element `index` (0-based) of a persisted struct array, or the host object `data` (its
+    /// element 0, whatever `index` is), whose references lose the leading `modelName`.
+    /// Throws the host's exception when a field cannot be read, naming the field and the 1-based element.
+    SignalSpecification(const hvArray* data, std::size_t index, const std::u16string& modelName);
+    ~SignalSpecification();
+    SignalSpecification& operator=(const SignalSpecification&) = delete;
+
+    /// An independent record with every member copied, the runtime-only ones and the order of the
+    /// domain parameters included.
+    std::unique_ptr<SignalSpecification> clone() const;
+
+    // ---- the persisted form ----
+
+    /// The names of the struct's fields in order, NUL-terminated, valid as long as the library is loaded.
+    static const char* const* getStructFields();
+    /// How many of them a struct has: 20 with the runtime fields, 16 (the first ones) as persisted.
+    static int getNumStructFields(bool withRuntimeFields);
+
+    /// Writes the 16 persisted fields of element `index` of `s`, which has them, replacing what was there;
+    /// a non-empty `modelName` is put in front of the block path and the element identifier.
+    void createStructData(hvArray* s, std::size_t index, const std::u16string& modelName) const;
+    /// Writes element `index` of `s` as it is saved: references relative to the model, and the block path
+    /// freshly aligned by the host for `modelName`. When the host cannot align it, the path is saved empty,
+    /// on purpose: the warning has been given, and a path that is no longer true is not kept.
+    void getPersistenceData(hvArray* s, std::size_t index, std::u16string modelName) const;
+    /// Reads element `index` of a persisted struct array by field name. The runtime-only members keep their
+    /// values, even when the struct has such fields. "LogicalPortIndex_" and the three flags may be missing
+    /// and keep their values, the domain type, visual type and parameters may be and become empty; any other
+    /// missing field, and a number field that holds no number, throws the host's exception and leaves what
+    /// was read before it.
+    void setFromPersistentData(const hvArray* s, std::size_t index);
+
+    // ---- the host's forms ----
+
+    /// The signal as the host's object of class "Kestrel.HMI.SignalSpecification", or with `asStruct` as a 1x1
+    /// struct of 20 fields. Null when the host refuses to construct the object. An object for a signal without
+    /// a cached handle keeps the class's own defaults for handle and port, on purpose.
+    HvArrayPtr getHOSObject(const std::u16string& modelName, bool asStruct) const;
+    /// Reads the properties of element 0 of a host object and takes `modelName` off the references. An empty
+    /// "CachedBlockHandle_" leaves handle and port at their values.
+    void setFromHOS(const hvArray* object, const std::u16string& modelName);
+    /// The block's full path as the modelling environment knows it now; empty when the host cannot tell.
+    std::u16string getAlignedBlockPath(const std::u16string& modelName) const;
+
+    /// A 1x1 struct with one character field per domain parameter, in the map's order. Names are not checked.
+    HvArrayPtr getDomainParamsAsHvArray() const;
+    /// Replaces the record's own domain parameters by the fields of `value`; an empty value leaves none.
+    /// The map argument is ignored, on purpose: every caller passes that very map.
+    void extractDomainParamsFromHvArray(const hvArray* value, DomainParamsMap& ignored);
+    /// The parameter's value, or the empty text when there is none; adds nothing.
+    std::u16string getValueForDomainParams(const std::u16string& name) const;
+
+    // ---- comparing ----
+
+    /// All persisted members are equal. The runtime-only ones are not compared. The domain parameters are
+    /// compared in the maps' own orders, on purpose: equal contents in another order are unequal, which may
+    /// befall a record that was read back once it has two parameters. False for null.
+    bool isEqual(const SignalSpecification* other) const;
+    /// Both records denote the same source port: equal cached handles and ports, else, also when the handles
+    /// differ (on purpose), equal port numbers, block path and sub-path. False for null.
+    bool isSameSignal(const SignalSpecification* other) const;
+
+    // ---- changing ----
+
+    /// Does nothing, by design: the record holds no model name.
+    void renameModel(const std::u16string& oldName, const std::u16string& newName);
+    /// Takes a leading `modelName` off the block path and the element identifier.
+    void stripModelName(const std::u16string& modelName);
+    void setCachedInfo(double blockHandle, int portIdx);
+    /// Sets the output port and the cached port; the logical port is left unchanged on purpose.
+    void renumberPortIndex(int portIndex);
+
+    // ---- identity ----
+
+    /// Hash of the texts joined with nothing between them. Hashes are equal within one process only.
+    static std::uint64_t getInfoHashFromStringList(std::vector<std::string> texts);
+    /// Hash of "model/path$$subPath$$port", the port being the logical one when it is 1 or more, else the output port.
+    static std::uint64_t getNonCachedInfoHash(const std::u16string& blockPath, const std::u16string& subPath,
+                                              int outputPortIndex, int logicalPortIndex,
+                                              const std::u16string& modelName);
+    /// Hash of "handle$$port", the handle as "%.17g" writes it. Does not allocate.
+    static std::uint64_t getCachedInfoHash(double blockHandle, int portIdx);
+    /// The path key of this record in that model.
+    std::uint64_t getSourceKeyNonCached(const std::u16string& modelName) const;
+    /// The handle key of this record.
+    std::uint64_t getSourceKeyCached() const;
+
+    /// Whether the process-wide map has a UUID for the block's port. Handles that differ beyond the sixth
+    /// decimal share an entry, on purpose.
+    static bool isInBlockHandleUUIDmap(const int& port, const double& handle);
+    /// Sets the map's entry for the block's port; an empty UUID is an entry like any other.
+    static void addToBlockHandleUUIDmap(const int& port, const double& handle, const std::string& uuid);
+    /// The map's UUID for the block's port, minted and entered when there is none; without `useMap` a fresh one
+    /// that is entered nowhere. Throws Boost's entropy error when the system has no randomness to give.
+    static std::string getUUIDFromBlockHandle(const int& port, const double& handle, const bool& useMap);
+    /// A new record for a block's output port, with the UUID that the map has for it or a fresh one, which is
+    /// not entered in the map on purpose. References may carry the model's name and are stored without it.
+    static std::unique_ptr<SignalSpecification> createSigSpecFromPort(const std::u16string& blockPath,
+                                                                      const std::string& eid, int portIdx,
+                                                                      int logicalPortIdx, double blockHandle,
+                                                                      const std::u16string& modelName,
+                                                                      bool excludeForSave);
+    /// The map itself. It outlives models and only grows.
+    static BlockUUIDMap& getBlockUUIDmap();
+
+    // ---- the members, open to sets and host classes ----
+
+    std::string m_uuid;
+    std::u16string m_blockPath;   ///< relative to the model
+    std::string m_eid;            ///< relative to the model
+    std::u16string m_subPath;     ///< below the block, e.g. inside a chart
+    std::u16string m_signalName;  ///< as shown to the user
+    std::u16string m_subSysPath;  ///< of the enclosing subsystem
+    std::u16string m_domainType;  ///< empty for an output port
+    std::u16string m_visualType;  ///< kind of display that the signal feeds
+    DomainParamsMap m_domainParams;
+    std::int32_t m_outputPortIndex = 0;
+    std::int32_t m_logicalPortIndex = 0;
+    std::int32_t m_decimation = 1;  ///< keep every n-th sample
+    std::int32_t m_maxPoints = 0;
+    bool m_targetBufferedStreaming = false;
+    bool m_isFrameBased = false;
+    bool m_hideInPLV = false;
+    double m_cachedBlockHandle = 0.0;  ///< runtime only; valid for one load of the model
+    std::int32_t m_cachedPortIdx = 0;  ///< runtime only; 0 until the handle is resolved
+    std::string m_bindingRule;         ///< runtime only
+    bool m_excludeForSave = false;     ///< runtime only
+
+private:
+    SignalSpecification(const SignalSpecification&);
+
+    static BlockUUIDMap m_blockUUIDmap;
+};
+
+}  // namespace ks_hmi
