@@ -1,0 +1,156 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "host/api.h"
+#include "host/hv_array.h"
+#include "host/object_system.h"
+#include "memory_host/orvex/ledger.h"
+
+/// What a host value is made of. For the memory host itself; everybody else uses the host's operations.
+namespace orvex {
+
+/// The lengths of a value, at least two; trailing lengths of 1 beyond the second are dropped.
+class OX_API Dimensions {
+public:
+    Dimensions(std::size_t rows, std::size_t columns) noexcept : m_two{rows, columns} {}
+    /// A single length N means N x 1. Throws for an empty list and for more elements than memory can hold.
+    explicit Dimensions(std::span<const std::size_t> lengths);
+
+    std::size_t count() const noexcept { return m_more.empty() ? m_two.size() : m_more.size(); }
+    const std::size_t* data() const noexcept { return m_more.empty() ? m_two.data() : m_more.data(); }
+    std::span<const std::size_t> lengths() const noexcept { return {data(), count()}; }
+    std::size_t elements() const noexcept;
+    /// "2x3x4"
+    std::string text() const;
+
+private:
+    std::array<std::size_t, 2> m_two{};
+    std::vector<std::size_t> m_more;  ///< all of them, when there are more than two
+};
+
+/// The elements of a numeric or logical array; a single one needs no storage of its own.
+template <typename T>
+class Buffer {
+public:
+    explicit Buffer(std::size_t size = 1) : m_many(size > 1 ? std::make_unique<T[]>(size) : nullptr), m_size(size) {}
+    Buffer(const Buffer& other) : Buffer(other.m_size) { std::copy_n(other.data(), std::max(m_size, kOne), data()); }
+    Buffer(Buffer&&) noexcept = default;
+    Buffer& operator=(const Buffer&) = delete;
+    Buffer& operator=(Buffer&&) noexcept = default;
+
+    std::size_t size() const noexcept { return m_size; }
+    const T* data() const noexcept { return m_many ? m_many.get() : &m_one; }
+    T* data() noexcept { return m_many ? m_many.get() : &m_one; }
+
+private:
+    static constexpr std::size_t kOne = 1;
+    T m_one{};
+    std::unique_ptr<T[]> m_many;
+    std::size_t m_size;
+};
+
+/// The values in a struct or cell array; null where there is none. A copy refers to the same values,
+/// which nobody changes while they are in a container.
+class OX_API Children {
+public:
+    explicit Children(std::size_t count = 0) : m_values(count) {}
+    Children(const Children& other);
+    Children(Children&&) noexcept = default;
+    Children& operator=(const Children&) = delete;
+    Children& operator=(Children&&) noexcept = default;
+
+    std::size_t size() const noexcept { return m_values.size(); }
+    const HvArrayPtr& operator[](std::size_t position) const noexcept { return m_values[position]; }
+    HvArrayPtr& operator[](std::size_t position) noexcept { return m_values[position]; }
+
+private:
+    std::vector<HvArrayPtr> m_values;
+};
+
+using FieldNames = std::vector<std::string>;
+
+struct StructData {
+    std::shared_ptr<const FieldNames> names;
+    Children values;  ///< the fields of the first element, then those of the second, ...
+
+    /// Position of the name, or -1.
+    int fieldNumber(std::string_view name) const noexcept;
+};
+struct CellData {
+    Children cells;
+};
+using Objects = std::vector<hos::ObjectInterface>;
+
+using Payload =
+    std::variant<Buffer<double>, Buffer<bool>, std::u16string, Buffer<float>, Buffer<std::int8_t>, Buffer<std::uint8_t>,
+                 Buffer<std::int16_t>, Buffer<std::uint16_t>, Buffer<std::int32_t>, Buffer<std::uint32_t>,
+                 Buffer<std::int64_t>, Buffer<std::uint64_t>, StructData, CellData, Objects>;
+
+}  // namespace orvex
+
+struct hvArray {
+    hvArray(hvClassID classId, orvex::Dimensions dimensions, std::shared_ptr<orvex::Payload> data,
+            const orvex::Site& site) noexcept;
+
+    hvClassID m_class;
+    hvVariableScope m_scope = hvSCOPE_NONE;
+    bool m_fromFile = false;
+    /// In a struct or a cell, which owns it.
+    bool m_isContained = false;
+    /// Owners: copies of a container share what is in it, and a running call keeps its inputs.
+    mutable std::uint32_t m_owners = 1;
+    orvex::Dimensions m_dimensions;
+    /// Shared by copies until one of them is written.
+    std::shared_ptr<orvex::Payload> m_payload;
+    /// Neighbours in the local scope; a value outside it has none.
+    hvArray* m_scopePrevious = nullptr;
+    hvArray* m_scopeNext = nullptr;
+    orvex::LedgerEntry m_ledger;
+};
+
+namespace orvex {
+
+/// A new value. `payload` has as many elements as `dimensions` say. No counting point for faults.
+OX_API HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload payload, const Site& site);
+/// An object array; counts as creating a value.
+OX_API HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const Site& site = "omCreateHOSArray");
+/// An empty double array, 0x0.
+OX_API HvArrayPtr makeEmpty(const Site& site = "[]");
+
+/// The payload as T, or null for null and for a value of another class.
+template <typename T>
+const T* payloadOf(const hvArray* value) noexcept {
+    return value ? std::get_if<T>(value->m_payload.get()) : nullptr;
+}
+/// The payload for writing, copied first when it is shared; null as `payloadOf`.
+template <typename T>
+T* writablePayloadOf(hvArray* value) {
+    if (!payloadOf<T>(value)) return nullptr;
+    if (value->m_payload.use_count() > 1) value->m_payload = std::make_shared<Payload>(*value->m_payload);
+    return std::get_if<T>(value->m_payload.get());
+}
+/// The objects of an object array, borrowed; null for any other value.
+inline const Objects* objectsOf(const hvArray* value) noexcept { return payloadOf<Objects>(value); }
+
+/// Class and size for messages: "double 1x1", "struct 2x1", "null".
+OX_API std::string describeValue(const hvArray* value);
+
+/// Marks a struct array as read from a saved file (its class word is then 18). Throws for any other value.
+OX_API void markAsPersisted(hvArray* structArray);
+
+/// Becomes one more owner of the value; `giveUp` ends it without touching the local scope.
+void share(const hvArray* value) noexcept;
+void giveUp(const hvArray* value) noexcept;
+
+}  // namespace orvex

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "host/api.h"
+
+namespace orvex {
+
+/// A library that is loaded into the host and initialised, as the environment does it. What the library
+/// handed over (classes, functions) is code of the library: release the object system
+/// (`releaseObjectSystem`) and every object of its classes before unloading.
+class OX_API LoadedLibrary {
+public:
+    LoadedLibrary() noexcept = default;
+    /// Loads `pathOrSoname` (libNAME.so, with or without a version behind) and calls its
+    /// `OXInitialize_NAME`. Throws `kssvIException` naming the file and what is missing when it cannot
+    /// be loaded or has no such entry point; what the entry point throws passes through. The library
+    /// is closed again in every such case.
+    explicit LoadedLibrary(const std::string& pathOrSoname);
+    LoadedLibrary(LoadedLibrary&&) noexcept;
+    LoadedLibrary& operator=(LoadedLibrary&&) noexcept;
+    ~LoadedLibrary();
+
+    bool isLoaded() const noexcept { return m_handle != nullptr; }
+    /// "NAME".
+    const std::string& name() const noexcept { return m_name; }
+    /// Address of an exported symbol, or null.
+    void* symbol(const char* symbolName) const noexcept;
+    /// Calls `OXTerminate_NAME` where there is one and closes the library. Does nothing the second time.
+    void unload() noexcept;
+
+private:
+    std::string m_name;
+    void* m_handle = nullptr;
+};
+
+}  // namespace orvex

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/api.h"
+
+/// Warnings that the host showed. Thread: the interpreter thread only.
+namespace orvex {
+
+struct Warning {
+    std::string catalogue;
+    std::string key;
+    std::string text;  ///< UTF-8
+};
+
+/// The warnings since the start or the last `clearWarnings`, oldest first.
+OX_API const std::vector<Warning>& warnings() noexcept;
+OX_API void clearWarnings() noexcept;
+
+using WarningSink = std::function<void(const Warning&)>;
+/// Has each further warning shown by `sink` as it is recorded; an empty one shows nothing (as at the
+/// start). What the sink throws is dropped. Returns the sink that was in use.
+OX_API WarningSink setWarningSink(WarningSink sink) noexcept;
+
+/// Records a warning and shows it. Lost when there is no memory for it.
+OX_API void warn(Warning warning) noexcept;
+
+}  // namespace orvex
