@@ -1,0 +1,87 @@
+# Installing what is missing, and only that. Sourced by ./dev, which defines say, die and have.
+
+build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev libfmt-dev libgtest-dev)
+lint_packages=(clang-format clang-tidy)
+
+works_with_cxx20() {
+    have "$1" && printf '#include <concepts>\n#include <span>\n' | "$1" -std=c++20 -fsyntax-only -x c++ - >/dev/null 2>&1
+}
+
+cmake_is_recent() {
+    have cmake && [[ $(printf '3.25\n%s\n' "$(cmake --version | awk 'NR == 1 { print $3 }')" | sort -V | head -n 1) == 3.25 ]]
+}
+
+boost_is_recent() {
+    local prefix
+    for prefix in "${BOOST_ROOT:-}" "${Boost_ROOT:-}" /usr /usr/local; do
+        [[ -n $prefix && -r $prefix/include/boost/version.hpp ]] || continue
+        # The first one found counts, as it does for the compiler.
+        [[ $(awk '$2 == "BOOST_VERSION" { print $3 }' "$prefix/include/boost/version.hpp") -ge 108100 ]]
+        return
+    done
+    return 1
+}
+
+has_package() { [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]; }
+
+# is_there PACKAGE: whether what the package is for is on this machine, wherever it came from.
+is_there() {
+    case $1 in
+        g++) works_with_cxx20 "${CXX:-c++}" || works_with_cxx20 g++ || works_with_cxx20 clang++ ;;
+        cmake) cmake_is_recent ;;
+        ninja-build) have ninja ;;
+        pkg-config | clang-format | clang-tidy) have "$1" ;;
+        libboost1.81-dev) boost_is_recent ;;
+        *) ! have dpkg-query || has_package "$1" ;;
+    esac
+}
+
+# other_boost: the installed Boost development packages that libboost1.81-dev would replace.
+other_boost() {
+    dpkg-query -W -f '${db:Status-Status} ${Package}\n' 'libboost-dev' 'libboost1.*-dev' 2>/dev/null |
+        awk '$1 == "installed" && $2 ~ /^libboost(1\.[0-9]+)?-dev$/ && $2 != "libboost1.81-dev" { print $2 }'
+}
+
+refuse_to_replace_boost() {
+    local installed
+    installed=$(other_boost)
+    [[ -n $installed ]] || return 0
+    die "libboost1.81-dev is needed, and these packages are in its way: ${installed//$'\n'/ }
+  Nothing has been changed. Either
+  - unpack Boost 1.81 or later somewhere and set BOOST_ROOT to that place, or
+  - work in a container or on a machine without them, or
+  - if nothing else here needs them, replace them yourself: apt-get install libboost1.81-dev"
+}
+
+as_root() {
+    if [[ $(id -u) == 0 ]]; then
+        "$@"
+    elif have sudo; then
+        sudo "$@"
+    else
+        die "installing packages needs root, and there is no sudo here; as root, run:
+  apt-get install --no-install-recommends ${missing[*]}"
+    fi
+}
+
+# need_packages PACKAGE...: installs those that are missing; removes and replaces nothing.
+need_packages() {
+    local package
+    missing=()
+    for package in "$@"; do is_there "$package" || missing+=("$package"); done
+    ((${#missing[@]})) || return 0
+    if ! have apt-get || ! have dpkg-query; then
+        printf 'dev: not found here, and no apt to install them with (Debian names): %s\n' "${missing[*]}" >&2
+        printf 'dev: going on; if the build does not find them either, install them and start again\n' >&2
+        return 0
+    fi
+    if [[ " ${missing[*]} " == *" libboost1.81-dev "* ]]; then refuse_to_replace_boost; fi
+    say "installing: ${missing[*]}"
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get update -q </dev/null ||
+        printf 'dev: the package lists could not be refreshed; trying with those that are here\n' >&2
+    as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -q -y --no-install-recommends --no-remove "${missing[@]}" </dev/null ||
+        die "apt could not install: ${missing[*]}
+  What it said is above. This system must offer these packages, or what they are for must be
+  installed some other way (Boost 1.81 or later: set BOOST_ROOT)."
+}
