@@ -34,7 +34,7 @@ public:
     virtual std::vector<std::string> displayedProperties() const = 0;
 
 protected:
-    COSObject();
+    explicit COSObject(const orvex::Site& site);
 
 private:
     orvex::LedgerEntry m_ledgerEntry;

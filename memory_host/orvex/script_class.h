@@ -47,14 +47,16 @@ struct ScriptClass {
 /// Makes the class known. Throws the host's exception when a class of that full name exists, native
 /// or scripted, and when the superclass does not.
 OX_API void defineScriptClass(ScriptClass definition);
-/// Null when there is none.
-OX_API const ScriptClass* findScriptClass(std::string_view fullName) noexcept;
+/// The class with what it has from its superclasses, or null. Its objects keep it alive.
+OX_API std::shared_ptr<const ScriptClass> findScriptClass(std::string_view fullName) noexcept;
+/// Forgets all script classes; they live on while objects of them do.
+OX_API void releaseScriptClasses() noexcept;
 
 /// An object of a script class: a handle to a bag of properties.
 class OX_API ScriptObject final : public hos::COSObject {
 public:
     /// An object with initial values; the constructor function is not called.
-    explicit ScriptObject(const ScriptClass& scriptClass);
+    explicit ScriptObject(std::shared_ptr<const ScriptClass> scriptClass);
     ~ScriptObject() override;
 
     const std::string& className() const noexcept override;
@@ -70,15 +72,20 @@ public:
     void store(std::string_view name, HvArrayPtr value);
     /// What was last assigned, borrowed until the next assignment; null while it is the initial value.
     const hvArray* stored(std::string_view name) const;
+    const ScriptClass& scriptClass() const noexcept { return *m_class; }
 
 private:
     std::size_t slotOf(std::string_view name) const;
 
-    const ScriptClass& m_class;
+    std::shared_ptr<const ScriptClass> m_class;
     std::vector<HvArrayPtr> m_values;
 };
 
 /// Constructs an object of a script class as a script does, and wraps it as a 1x1 value.
-OX_API HvArrayPtr constructScriptObject(const ScriptClass& scriptClass, std::span<const hvArray* const> arguments);
+OX_API HvArrayPtr constructScriptObject(const std::shared_ptr<const ScriptClass>& scriptClass,
+                                        std::span<const hvArray* const> arguments);
+/// The script object that is element 0 of a value, borrowed. Throws the host's exception when the value
+/// is no object of that class.
+OX_API ScriptObject& requireScriptObject(const hvArray* value, std::string_view fullClassName);
 
 }  // namespace orvex

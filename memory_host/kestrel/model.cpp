@@ -1,0 +1,126 @@
+#include "memory_host/kestrel/model.h"
+
+#include <unordered_set>
+#include <utility>
+
+#include "host/text.h"
+
+namespace kestrel {
+
+namespace {
+
+std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+
+void checkName(const std::u16string& name) {
+    const std::string text = fl::i18n::to_string(name);
+    if (name.empty()) throw ModelError("A model needs a name.", text);
+    if (name.find_first_of(u"/:") != std::u16string::npos)
+        throw ModelError("The model name " + quoted(text) + " contains '/' or ':', which separate names.", text);
+}
+
+[[noreturn]] void throwNoBlock(const std::u16string& modelName, std::u16string_view path) {
+    const std::string text = fl::i18n::to_string(std::u16string(path));
+    throw ModelError("Model " + quoted(fl::i18n::to_string(modelName)) + " has no block " + quoted(text) + ".", text);
+}
+
+[[noreturn]] void throwTaken(const std::u16string& modelName, const char* what, const std::string& text) {
+    throw ModelError(
+        "Model " + quoted(fl::i18n::to_string(modelName)) + " has a block with the " + what + " " + quoted(text) + ".",
+        text);
+}
+
+bool isBelow(std::u16string_view path, std::u16string_view parent) {
+    return path.size() > parent.size() && path.starts_with(parent) && path[parent.size()] == u'/';
+}
+
+}  // namespace
+
+ModelError::ModelError(const std::string& text, std::string subject)
+    : std::runtime_error(text), m_subject(std::move(subject)) {}
+
+Model::Model(std::u16string name) : m_name(std::move(name)) { checkName(m_name); }
+Model::Model(Model&&) noexcept = default;
+Model& Model::operator=(Model&&) noexcept = default;
+Model::~Model() = default;
+
+void Model::rename(std::u16string name) {
+    checkName(name);
+    m_name = std::move(name);
+}
+
+const Block& Model::add(Block block) {
+    if (block.path.empty()) throw ModelError("A block needs a path.", block.eid);
+    if (block.eid.empty()) {
+        const std::string text = fl::i18n::to_string(block.path);
+        throw ModelError("The block " + quoted(text) + " needs an element identifier.", text);
+    }
+    if (findByPath(block.path)) throwTaken(m_name, "path", fl::i18n::to_string(block.path));
+    if (findByEid(block.eid)) throwTaken(m_name, "element identifier", block.eid);
+    block.handle = 0.0;
+    Block& added = m_blocks.emplace_back(std::move(block));
+    m_byPath.emplace(added.path, &added);
+    m_byEid.emplace(added.eid, &added);
+    return added;
+}
+
+std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
+    if (!findByPath(path)) throwNoBlock(m_name, path);
+    const std::string text = fl::i18n::to_string(std::u16string(newPath));
+    if (newPath.empty()) throw ModelError("A block needs a path to move to.", text);
+    if (isBelow(newPath, path)) throw ModelError("A block cannot move below itself, to " + quoted(text) + ".", text);
+
+    std::vector<std::pair<Block*, std::u16string>> moving;
+    std::unordered_set<const Block*> isMoving;
+    for (Block& block : m_blocks) {
+        if (block.path != path && !isBelow(block.path, path)) continue;
+        moving.emplace_back(&block, std::u16string(newPath) + block.path.substr(path.size()));
+        isMoving.insert(&block);
+    }
+    for (const auto& [block, movedPath] : moving) {
+        const Block* there = findByPath(movedPath);
+        if (there && !isMoving.contains(there)) throwTaken(m_name, "path", fl::i18n::to_string(movedPath));
+    }
+    std::vector<decltype(m_byPath)::node_type> entries;
+    entries.reserve(moving.size());
+    for (const auto& [block, movedPath] : moving) entries.push_back(m_byPath.extract(block->path));
+    for (std::size_t i = 0; i < moving.size(); ++i) {
+        moving[i].first->path = std::move(moving[i].second);
+        entries[i].key() = moving[i].first->path;
+        m_byPath.insert(std::move(entries[i]));
+    }
+    return moving.size();
+}
+
+void Model::setOutputs(std::u16string_view path, std::vector<std::u16string> outputs) {
+    const auto found = m_byPath.find(path);
+    if (found == m_byPath.end()) throwNoBlock(m_name, path);
+    found->second->outputs = std::move(outputs);
+}
+
+const Block* Model::findByPath(std::u16string_view path) const noexcept {
+    const auto found = m_byPath.find(path);
+    return found == m_byPath.end() ? nullptr : found->second;
+}
+
+const Block* Model::findByEid(std::string_view eid) const noexcept {
+    const auto found = m_byEid.find(eid);
+    return found == m_byEid.end() ? nullptr : found->second;
+}
+
+const Block* Model::findByHandle(double handle) const noexcept {
+    const auto found = m_byHandle.find(handle);
+    return found == m_byHandle.end() ? nullptr : found->second;
+}
+
+std::u16string Model::fullPath(const Block& block) const { return m_name + u"/" + block.path; }
+
+void Model::assignHandles(double (*nextHandle)()) {
+    m_byHandle.clear();
+    m_byHandle.reserve(m_blocks.size());
+    for (Block& block : m_blocks) {
+        block.handle = nextHandle();
+        m_byHandle.emplace(block.handle, &block);
+    }
+}
+
+}  // namespace kestrel
