@@ -64,7 +64,8 @@ private:
 /// which nobody changes while they are in a container.
 class OX_API Children {
 public:
-    explicit Children(std::size_t count = 0) : m_values(count) {}
+    Children() = default;
+    explicit Children(std::size_t count) : m_values(count) {}
     Children(const Children& other);
     Children(Children&&) noexcept = default;
     Children& operator=(const Children&) = delete;

@@ -14,8 +14,8 @@ public:
     LoadedLibrary() noexcept = default;
     /// Loads `pathOrSoname` (libNAME.so, with or without a version behind) and calls its
     /// `OXInitialize_NAME`. Throws `kssvIException` naming the file and what is missing when it cannot
-    /// be loaded or has no such entry point; what the entry point throws passes through. The library
-    /// is closed again in every such case.
+    /// be loaded or has no such entry point. A failure of the entry point is thrown as `kssvIException`
+    /// (want of memory as `std::bad_alloc`). The library is closed again in every such case.
     explicit LoadedLibrary(const std::string& pathOrSoname);
     LoadedLibrary(LoadedLibrary&&) noexcept;
     LoadedLibrary& operator=(LoadedLibrary&&) noexcept;

@@ -1,0 +1,176 @@
+#include <cstring>
+#include <limits>
+
+#include "memory_host/orvex/faults.h"
+#include "memory_host/orvex/field_names.h"
+#include "memory_host/orvex/functions.h"
+#include "memory_host/orvex/hv_array_impl.h"
+#include "memory_host/orvex/utf.h"
+
+hvArray::hvArray(hvClassID classId, orvex::Dimensions dimensions, std::shared_ptr<orvex::Payload> data,
+                 const orvex::Site& site) noexcept
+    : m_class(classId),
+      m_dimensions(std::move(dimensions)),
+      m_payload(std::move(data)),
+      m_ledger(
+          orvex::LedgerKind::value, this,
+          [](const void* thing) { return orvex::describeValue(static_cast<const hvArray*>(thing)); }, site) {}
+
+namespace orvex {
+
+HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload payload, const Site& site) {
+    auto data = std::make_shared<Payload>(std::move(payload));
+    return HvArrayPtr(new hvArray(classId, std::move(dimensions), std::move(data), site));
+}
+
+HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    if (objects.size() != dimensions.elements())
+        raise("InvalidDimensions", "An object array of " + dimensions.text() + " cannot hold " +
+                                       std::to_string(objects.size()) + " objects.");
+    return makeValue(hvOBJECT_CLASS, std::move(dimensions), std::move(objects), site);
+}
+
+HvArrayPtr makeEmpty(const Site& site) { return makeValue(hvDOUBLE_CLASS, Dimensions(0, 0), Buffer<double>(0), site); }
+
+namespace {
+
+/// `number` zeros of the class.
+Payload zerosOf(hvClassID classId, std::size_t number) {
+    switch (classId) {
+        case hvDOUBLE_CLASS:
+            return Buffer<double>(number);
+        case hvSINGLE_CLASS:
+            return Buffer<float>(number);
+        case hvINT8_CLASS:
+            return Buffer<std::int8_t>(number);
+        case hvUINT8_CLASS:
+            return Buffer<std::uint8_t>(number);
+        case hvINT16_CLASS:
+            return Buffer<std::int16_t>(number);
+        case hvUINT16_CLASS:
+            return Buffer<std::uint16_t>(number);
+        case hvINT32_CLASS:
+            return Buffer<std::int32_t>(number);
+        case hvUINT32_CLASS:
+            return Buffer<std::uint32_t>(number);
+        case hvINT64_CLASS:
+            return Buffer<std::int64_t>(number);
+        case hvUINT64_CLASS:
+            return Buffer<std::uint64_t>(number);
+        case hvLOGICAL_CLASS:
+            return Buffer<bool>(number);
+        case hvCHAR_CLASS:
+            return std::u16string(number, u'\0');
+        default:
+            raise("WrongClass", "Class " + std::to_string(classId) + " is no numeric class.");
+    }
+}
+
+hvArray* createNumeric(Dimensions dimensions, hvClassID classId, hvComplexity complexity, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    if (complexity != hvREAL) raise("InvalidArgument", "Only real values can be created.");
+    const std::size_t elements = dimensions.elements();
+    return makeValue(classId, std::move(dimensions), zerosOf(classId, elements), site).release();
+}
+
+hvArray* createText(std::u16string text, const Site& site) {
+    const Dimensions row(1, text.size());
+    return makeValue(hvCHAR_CLASS, row, std::move(text), site).release();
+}
+
+template <typename T>
+hvArray* createScalar(hvClassID classId, T value, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    Buffer<T> one;
+    *one.data() = value;
+    return makeValue(classId, Dimensions(1, 1), std::move(one), site).release();
+}
+
+hvArray* createStruct(std::span<const std::size_t> dims, std::span<const char* const> names, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    // The fields are one dimension more as far as memory goes.
+    std::vector<std::size_t> all(dims.begin(), dims.end());
+    all.push_back(names.size());
+    const std::size_t values = dims.empty() ? 0 : Dimensions(all).elements();
+    return makeValue(hvSTRUCT_CLASS, Dimensions(dims), StructData{sharedFieldNames(names), Children(values)}, site)
+        .release();
+}
+
+void requirePresent(const void* pointer, std::size_t count, const char* what) {
+    if (!pointer && count > 0) raise("InvalidArgument", std::string("The ") + what + " is missing (null).");
+}
+
+std::span<const std::size_t> dimensionList(std::size_t ndim, const std::size_t* dims) {
+    requirePresent(dims, ndim, "list of dimensions");
+    return {dims, ndim};
+}
+
+}  // namespace
+}  // namespace orvex
+
+using orvex::Dimensions;
+using orvex::faults::Operation;
+
+hvArray* hvCreateStructArray(std::size_t ndim, const std::size_t* dims, int nfields, const char* const* fieldNames) {
+    if (nfields < 0) orvex::raise("InvalidArgument", "A struct cannot have " + std::to_string(nfields) + " fields.");
+    const auto fields = static_cast<std::size_t>(nfields);
+    orvex::requirePresent(fieldNames, fields, "list of field names");
+    return orvex::createStruct(orvex::dimensionList(ndim, dims), {fieldNames, fields}, "hvCreateStructArray");
+}
+
+hvArray* hvCreateString(const char* text) {
+    orvex::faults::point(Operation::createValue);
+    orvex::requirePresent(text, 1, "text");
+    return orvex::createText(orvex::utf16Of(text), "hvCreateString");
+}
+
+hvArray* hvCreateDoubleScalar(double value) {
+    return orvex::createScalar(hvDOUBLE_CLASS, value, "hvCreateDoubleScalar");
+}
+
+hvArray* hvCreateLogicalScalar(bool value) {
+    return orvex::createScalar(hvLOGICAL_CLASS, value, "hvCreateLogicalScalar");
+}
+
+hvArray* hvCreateNumericScalar(hvClassID classID, hvComplexity complexity) {
+    return orvex::createNumeric(Dimensions(1, 1), classID, complexity, "hvCreateNumericScalar");
+}
+
+hvArray* hvCreateNumericMatrix(std::size_t m, std::size_t n, hvClassID classID, hvComplexity complexity) {
+    const std::array dims{m, n};
+    return orvex::createNumeric(Dimensions(dims), classID, complexity, "hvCreateNumericMatrix");
+}
+
+hvArray* hvCreateCellArray(std::size_t ndim, const std::size_t* dims) {
+    orvex::faults::point(Operation::createValue);
+    Dimensions dimensions(orvex::dimensionList(ndim, dims));
+    const std::size_t cells = dimensions.elements();
+    return orvex::makeValue(hvCELL_CLASS, std::move(dimensions), orvex::CellData{orvex::Children(cells)},
+                            "hvCreateCellArray")
+        .release();
+}
+
+namespace matrix {
+
+hvArray* create_struct(std::span<const std::size_t> dims, std::span<const char* const> fieldNames) {
+    return orvex::createStruct(dims, fieldNames, "matrix::create_struct");
+}
+
+hvArray* create(const char* text, std::size_t length) {
+    orvex::faults::point(Operation::createValue);
+    orvex::requirePresent(text, length, "text");
+    return orvex::createText(orvex::utf16Of({text, length}), "matrix::create");
+}
+
+hvArray* create(const char16_t* text, std::size_t length) {
+    orvex::faults::point(Operation::createValue);
+    orvex::requirePresent(text, length, "text");
+    return orvex::createText(text ? std::u16string(text, length) : std::u16string(), "matrix::create");
+}
+
+hvArray* create_numeric(std::span<const std::size_t> dims, hvClassID classID, hvComplexity complexity) {
+    return orvex::createNumeric(Dimensions(dims), classID, complexity, "matrix::create_numeric");
+}
+
+}  // namespace matrix
