@@ -16,7 +16,7 @@ boost_is_recent() {
     for prefix in "${BOOST_ROOT:-}" "${Boost_ROOT:-}" /usr /usr/local; do
         [[ -n $prefix && -r $prefix/include/boost/version.hpp ]] || continue
         # The first one found counts, as it does for the compiler.
-        [[ $(awk '$2 == "BOOST_VERSION" { print $3 }' "$prefix/include/boost/version.hpp") -ge 108100 ]]
+        [[ $(awk '$1 == "#define" && $2 == "BOOST_VERSION" { print $3 }' "$prefix/include/boost/version.hpp") -ge 108100 ]]
         return
     done
     return 1

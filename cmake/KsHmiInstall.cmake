@@ -1,0 +1,66 @@
+# What is installed, in three components: ks_hmi_foundation (library, headers, packages for CMake and
+# pkg-config), memory_host (the in-memory host) and kshmi (the tool).
+
+include(CMakePackageConfigHelpers)
+set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
+set(KS_HMI_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ks_hmi_foundation")
+
+function(ks_hmi_install_library)
+  install(TARGETS ks_hmi_foundation host EXPORT ks_hmi_foundation COMPONENT ks_hmi_foundation
+    NAMELINK_COMPONENT ks_hmi_foundation)
+  install(EXPORT ks_hmi_foundation NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
+    FILE ks_hmi_foundation-targets.cmake COMPONENT ks_hmi_foundation)
+  set_target_properties(ks_hmi_foundation PROPERTIES INSTALL_RPATH "$ORIGIN")
+
+  file(STRINGS "${PROJECT_SOURCE_DIR}/cmake/exported_headers.txt" headers)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exported_headers.txt")
+  foreach(header IN LISTS headers)
+    get_filename_component(room "${header}" DIRECTORY)
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${KS_HMI_INCLUDE_DIR}/${room}"
+      COMPONENT ks_hmi_foundation)
+  endforeach()
+
+  configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/ks_hmi_foundation-config.cmake.in"
+    "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config.cmake" INSTALL_DESTINATION ${KS_HMI_PACKAGE_DIR})
+  write_basic_package_version_file("${PROJECT_BINARY_DIR}/ks_hmi_foundation-config-version.cmake"
+    COMPATIBILITY SameMinorVersion)
+  install(FILES "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config.cmake"
+    "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config-version.cmake"
+    DESTINATION ${KS_HMI_PACKAGE_DIR} COMPONENT ks_hmi_foundation)
+  ks_hmi_install_pkg_config(ks_hmi_foundation ks_hmi_foundation)
+endfunction()
+
+function(ks_hmi_install_memory_host)
+  install(TARGETS memory_host EXPORT ks_hmi_memory_host COMPONENT memory_host NAMELINK_COMPONENT memory_host)
+  install(EXPORT ks_hmi_memory_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
+    FILE memory_host-targets.cmake COMPONENT memory_host)
+  set_target_properties(memory_host PROPERTIES INSTALL_RPATH "$ORIGIN")
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/memory_host/" DESTINATION "${KS_HMI_INCLUDE_DIR}/memory_host"
+    COMPONENT memory_host FILES_MATCHING PATTERN "*.h")
+  ks_hmi_install_pkg_config(ks_hmi_memory_host memory_host)
+endfunction()
+
+function(ks_hmi_install_tool)
+  file(RELATIVE_PATH to_libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+  set_target_properties(kshmi PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  install(TARGETS kshmi COMPONENT kshmi)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation/examples"
+    COMPONENT kshmi FILES_MATCHING PATTERN "*.json")
+endfunction()
+
+# The installed directories are written relative to the file itself, so that a prefix given to
+# `cmake --install` holds.
+function(ks_hmi_install_pkg_config name component)
+  file(RELATIVE_PATH KS_HMI_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+    COMPONENT ${component})
+endfunction()
+
+ks_hmi_install_library()
+if(TARGET memory_host)
+  ks_hmi_install_memory_host()
+endif()
+if(TARGET kshmi)
+  ks_hmi_install_tool()
+endif()
