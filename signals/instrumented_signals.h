@@ -43,6 +43,8 @@ public:
     std::size_t getCount() const;
     /// The record at `index`, not owned; it lives as long as somebody shares it.
     SignalSpecification* get(std::size_t index) const;
+    /// The same, shared: it outlives what a host call may do to the set.
+    SignalPtr share(std::size_t index) const;
     void add(SignalPtr spec);
     /// Inserts before `index`; the count itself is a valid position, at which it appends.
     void insert(std::size_t index, SignalPtr spec);

@@ -35,6 +35,22 @@ public:
         chain.last = node;
     }
 
+    /// Takes back the last `insert` of that key.
+    void eraseNewest(std::uint64_t key) noexcept {
+        const auto slot = m_keys.find(key);
+        if (slot == m_keys.end()) return;
+        Slot& chain = slot->second;
+        if (chain.last == kNone) {
+            m_keys.erase(slot);
+            return;
+        }
+        std::uint32_t previous = kNone;
+        for (std::uint32_t node = chain.next; node != chain.last; node = m_further[node].next) previous = node;
+        (previous == kNone ? chain.next : m_further[previous].next) = kNone;
+        freeNode(chain.last);
+        chain.last = previous;
+    }
+
     /// The first entry under the key that `matches`, or null. Valid until the index changes.
     template <class Matches>
     const SignalPtr* find(std::uint64_t key, Matches matches) const {

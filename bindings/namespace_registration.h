@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+
+#include "bindings/instrumented_signals_class.h"
+#include "foundation/zeroed_storage.h"
+#include "host/object_system.h"
+
+/// Registration of the library's host classes. Each entry point includes this once and so has, on purpose, a
+/// private pair of namespace descriptions in its own unit.
+namespace ks_hmi_foundation {
+namespace {
+
+constexpr int kClassAccess = 0;
+constexpr int kClassMutability = 2;
+
+void addClasses(hos::COSNamespace& hostNamespace) {
+    hostNamespace.addClass(std::make_unique<InstrumentedSignalsCOSClassInfo>(), kClassAccess, kClassMutability);
+}
+
+class HMIHOSNamespaceInfo final : public hos::COSNamespaceInfo, public ZeroedStorage {
+public:
+    const char* getName() const override { return "HMI"; }
+    void loadContents(hos::COSNamespace& hostNamespace) const override { addClasses(hostNamespace); }
+};
+
+class KESTRELHOSNamespaceInfo final : public hos::COSNamespaceInfo, public ZeroedStorage {
+public:
+    const char* getName() const override { return "Kestrel"; }
+    void loadContents(hos::COSNamespace& hostNamespace) const override {
+        hostNamespace.addInnerNamespace(std::make_unique<HMIHOSNamespaceInfo>());
+    }
+};
+
+hos::COSNamespace* findNamespace(const char* fullName) {
+    return hos::COSNamespace::getNamespace(hos::internal::makeInterned(fullName));
+}
+
+/// Registers on the first call with `isRegistered` still false; a failure is not retried.
+void registerHostClassesOnce(bool& isRegistered) {
+    if (isRegistered) return;
+    isRegistered = true;
+    hos::COSNamespace* const kestrel = findNamespace("Kestrel");
+    if (kestrel == nullptr) {
+        // The rest arrives on purpose when the host first loads the new namespace's contents.
+        hos::COSNamespace::addNamespace(std::make_unique<KESTRELHOSNamespaceInfo>());
+        return;
+    }
+    hos::COSNamespace* const hmi = findNamespace("Kestrel.HMI");
+    if (hmi == nullptr) {
+        kestrel->addInnerNamespace(std::make_unique<HMIHOSNamespaceInfo>());
+        return;
+    }
+    addClasses(*hmi);
+}
+
+}  // namespace
+}  // namespace ks_hmi_foundation

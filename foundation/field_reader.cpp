@@ -1,0 +1,74 @@
+#include "foundation/field_reader.h"
+
+#include <cmath>
+#include <limits>
+
+#include "foundation/errors.h"
+#include "foundation/host_value.h"
+
+namespace ks_hmi_foundation {
+
+namespace errors = plv_hmi_foundation::errors;
+
+namespace {
+
+bool holdsNumber(const hvArray* value) noexcept {
+    switch (hvGetClassID(value)) {
+        case hvUNKNOWN_CLASS:
+        case hvSTRUCT_CLASS:
+        case hvCHAR_CLASS:
+        case hvCELL_CLASS:
+        case hvOBJECT_CLASS:
+            return false;
+        default:
+            return !hvIsEmpty(value);
+    }
+}
+
+}  // namespace
+
+std::int32_t toInt32(double number) noexcept {
+    using Limits = std::numeric_limits<std::int32_t>;
+    if (std::isnan(number)) return 0;
+    if (number <= Limits::min()) return Limits::min();
+    if (number >= Limits::max()) return Limits::max();
+    return static_cast<std::int32_t>(number);
+}
+
+const hvArray* FieldSource::require(const char* name) {
+    const hvArray* const value = find(name);
+    if (value == nullptr) errors::raise(errors::MissingField(name, elementNumber()));
+    return value;
+}
+
+double FieldSource::numberIn(const hvArray* value, const char* name) const {
+    if (!holdsNumber(value)) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
+    const double* const doubles = hvGetDoubles(value);
+    return doubles != nullptr ? doubles[0] : hvGetScalar(value);
+}
+
+std::u16string FieldSource::text(const char* name) { return textOf(require(name)); }
+
+std::string FieldSource::narrowText(const char* name) { return narrowTextOf(require(name)); }
+
+double FieldSource::number(const char* name) { return numberIn(require(name), name); }
+
+std::int32_t FieldSource::integer(const char* name) { return toInt32(number(name)); }
+
+// NaN differs from 0.0 and so reads as true.
+bool FieldSource::flag(const char* name) { return number(name) != 0.0; }
+
+void FieldSource::readIfPresent(const char* name, std::int32_t& member) {
+    if (const hvArray* const value = find(name)) member = toInt32(numberIn(value, name));
+}
+
+void FieldSource::readIfPresent(const char* name, bool& member) {
+    if (const hvArray* const value = find(name)) member = numberIn(value, name) != 0.0;
+}
+
+const hvArray* ObjectProperties::find(const char* name) {
+    m_value = inLocalScope(HvArrayPtr(hvGetPropertyShared(m_object, 0, name)));
+    return m_value.get();
+}
+
+}  // namespace ks_hmi_foundation

@@ -1,0 +1,130 @@
+#include <algorithm>
+#include <optional>
+
+#include "foundation/key_text.h"
+#include "foundation/model_prefix.h"
+#include "host/text.h"
+#include "signals/instrumented_signals.h"
+
+namespace ks_hmi {
+
+using ks_hmi_foundation::KeyText;
+
+const std::unordered_map<std::string, std::size_t> InstrumentedSignals::m_cwActivityBitMask = {
+    {"Self", 0}, {"Child", 1}, {"Leaf", 2}, {"Data", 3}};
+
+namespace {
+
+constexpr const char16_t* kActivity = u"Activity";
+constexpr const char16_t* kSSID = u"SSID";
+
+std::string parameter(const SignalSpecification& spec, const char16_t* name) {
+    return fl::i18n::to_string(spec.getValueForDomainParams(name));
+}
+
+// Adds the same texts as `constructCWLookupStr` lists, without allocating.
+void addObjectKey(KeyText& key, const std::u16string& modelName, const std::u16string& eidPath, double ssid) {
+    KeyText eid;
+    eid.add(eidPath);
+    key.add(modelName);
+    key.add(ks_hmi_foundation::withoutModelPrefix<char>(eid.text(), key.text(), ks_hmi_foundation::kEIDSeparator));
+    key.addGeneral17(ssid);
+}
+
+bool observesSameChartObject(const SignalSpecification& a, const SignalSpecification& b) {
+    const std::u16string ssid = a.getValueForDomainParams(kSSID);
+    if (a.m_eid != b.m_eid || ssid != b.getValueForDomainParams(kSSID)) return false;
+    const bool isChartLevel = ssid == u"0";
+    return !isChartLevel || a.getValueForDomainParams(kActivity) == b.getValueForDomainParams(kActivity);
+}
+
+}  // namespace
+
+bool InstrumentedSignals::isChartworkDomain(const std::u16string& domainType) const {
+    return domainType == u"cw_state" || domainType == u"cw_chart" || domainType == u"cw_data";
+}
+
+void InstrumentedSignals::constructCWLookupStr(std::vector<std::string>& list, const std::string& eid,
+                                               const std::string& ssid) const {
+    list.push_back(fl::i18n::to_string(m_modelName));
+    list.push_back(eid);
+    list.push_back(ssid);
+}
+
+void InstrumentedSignals::constructCWLookupStrUsingActivity(std::vector<std::string>& list, const std::string& eid,
+                                                            const std::string& ssid,
+                                                            const std::string& activity) const {
+    constructCWLookupStr(list, eid, ssid);
+    list.push_back(activity);
+}
+
+void InstrumentedSignals::addToObservedCWObjectCache(const SignalPtr& spec) {
+    const std::string activity = parameter(*spec, kActivity);
+    const auto bit = m_cwActivityBitMask.find(activity);
+    if (bit == m_cwActivityBitMask.end()) return;
+    const std::string ssid = parameter(*spec, kSSID);
+    std::vector<std::string> list;
+    constructCWLookupStr(list, spec->m_eid, ssid);
+    // The activity goes in before the bit is set: when it cannot, nothing has changed but an empty entry.
+    auto& activities = m_observedCWObjectCache[SignalSpecification::getInfoHashFromStringList(std::move(list))];
+    addToObservedCWActivity(spec->m_eid, ssid, activity);
+    activities.set(bit->second);
+}
+
+void InstrumentedSignals::removeFromObservedCWObject(const SignalPtr& spec) {
+    const std::string activity = parameter(*spec, kActivity);
+    const auto bit = m_cwActivityBitMask.find(activity);
+    if (bit == m_cwActivityBitMask.end()) return;
+    const std::string ssid = parameter(*spec, kSSID);
+    std::vector<std::string> list;
+    constructCWLookupStr(list, spec->m_eid, ssid);
+    // The object's entry stays on purpose, also when no bit is left.
+    auto& activities = m_observedCWObjectCache[SignalSpecification::getInfoHashFromStringList(std::move(list))];
+    removeObservedCWActivity(spec->m_eid, ssid, activity);
+    activities.reset(bit->second);
+}
+
+void InstrumentedSignals::addToObservedCWActivity(const std::string& eid, const std::string& ssid,
+                                                  const std::string& activity) {
+    std::vector<std::string> list;
+    constructCWLookupStrUsingActivity(list, eid, ssid, activity);
+    m_observedCWActivity[SignalSpecification::getInfoHashFromStringList(std::move(list))] = true;
+}
+
+void InstrumentedSignals::removeObservedCWActivity(const std::string& eid, const std::string& ssid,
+                                                   const std::string& activity) {
+    std::vector<std::string> list;
+    constructCWLookupStrUsingActivity(list, eid, ssid, activity);
+    m_observedCWActivity.erase(SignalSpecification::getInfoHashFromStringList(std::move(list)));
+}
+
+bool InstrumentedSignals::isCWActivityObserved(const std::u16string& eidPath, double ssid,
+                                               const std::u16string& activity) const {
+    KeyText key;
+    addObjectKey(key, m_modelName, eidPath, ssid);
+    return m_observedCWActivity.contains(key.add(activity).hash());
+}
+
+bool InstrumentedSignals::isAnyCWActivityObserved(const std::u16string& eidPath, double ssid) {
+    KeyText key;
+    addObjectKey(key, m_modelName, eidPath, ssid);
+    // Insert if absent, on purpose: the empty entry left for an unknown object changes no answer.
+    return m_observedCWObjectCache[key.hash()].any();
+}
+
+std::vector<InstrumentedSignals::SignalPtr> InstrumentedSignals::setDifference_cw(
+    const InstrumentedSignals* other) const {
+    std::vector<SignalPtr> difference;
+    for (const SignalPtr& signal : m_signals) {
+        if (!isChartworkDomain(signal->m_domainType)) continue;
+        const auto matches = [&](const SignalPtr& candidate) {
+            return isChartworkDomain(candidate->m_domainType) && observesSameChartObject(*signal, *candidate);
+        };
+        const bool isObserved =
+            other != nullptr && std::any_of(other->m_signals.begin(), other->m_signals.end(), matches);
+        if (!isObserved) difference.push_back(signal);
+    }
+    return difference;
+}
+
+}  // namespace ks_hmi

@@ -1,0 +1,100 @@
+#include "signals/instrumented_signals.h"
+
+#include <algorithm>
+
+#include "foundation/errors.h"
+#include "foundation/rollback.h"
+
+namespace ks_hmi {
+
+namespace errors = plv_hmi_foundation::errors;
+using ks_hmi_foundation::Rollback;
+
+namespace {
+
+std::ptrdiff_t offset(std::size_t index) { return static_cast<std::ptrdiff_t>(index); }
+
+void requireRecord(const InstrumentedSignals::SignalPtr& spec) {
+    if (!spec) errors::raise(errors::NullRecord());
+}
+
+}  // namespace
+
+InstrumentedSignals::InstrumentedSignals() = default;
+InstrumentedSignals::~InstrumentedSignals() = default;
+
+std::u16string InstrumentedSignals::getModelName() const { return m_modelName; }
+
+void InstrumentedSignals::setModelName(const std::u16string& newName) {
+    std::u16string name = newName;
+    m_modelName.swap(name);
+    // The index keeps its keys on purpose: who needs it under the new name calls `updateObservedPortMap`.
+    for (const SignalPtr& signal : m_signals) signal->renameModel(name, m_modelName);
+}
+
+std::size_t InstrumentedSignals::getCount() const { return m_signals.size(); }
+
+SignalSpecification* InstrumentedSignals::get(std::size_t index) const { return share(index).get(); }
+
+InstrumentedSignals::SignalPtr InstrumentedSignals::share(std::size_t index) const {
+    errors::requirePosition(index, m_signals.size());
+    return m_signals[index];
+}
+
+void InstrumentedSignals::add(SignalPtr spec) { insert(m_signals.size(), std::move(spec)); }
+
+void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
+    requireRecord(spec);
+    // The end is a valid position here, on purpose, unlike for the other operations.
+    if (index > m_signals.size()) errors::raise(errors::InvalidElementIndex(static_cast<long>(m_signals.size())));
+    m_signals.insert(m_signals.begin() + offset(index), spec);
+    Rollback unlisted([&]() noexcept { m_signals.erase(m_signals.begin() + offset(index)); });
+    m_cachedKSPorts.clear();
+    addToObservedPortMap(spec);
+    unlisted.commit();
+}
+
+void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {
+    requireRecord(spec);
+    errors::requirePosition(index, m_signals.size());
+    // A replaced chart signal keeps its entry in the chart index on purpose, unlike one that is removed.
+    removeFromObservedPortMap(m_signals[index]);
+    addToObservedPortMap(spec);
+    m_signals[index].swap(spec);
+    m_cachedKSPorts.clear();
+}
+
+void InstrumentedSignals::remove(std::size_t index) {
+    errors::requirePosition(index, m_signals.size());
+    const SignalPtr signal = m_signals[index];
+    if (isChartworkDomain(signal->m_domainType)) {
+        removeFromObservedCWObject(signal);
+    } else {
+        removeFromObservedPortMap(signal);
+        m_cachedKSPorts.clear();
+    }
+    m_signals.erase(m_signals.begin() + offset(index));
+}
+
+void InstrumentedSignals::remove(const SignalSpecification& spec) {
+    const auto match = std::find_if(m_signals.begin(), m_signals.end(),
+                                    [&](const SignalPtr& signal) { return spec.isSameSignal(signal.get()); });
+    if (match == m_signals.end()) return;
+    const SignalPtr signal = *match;
+    m_cachedKSPorts.clear();
+    // The chart index is left alone on purpose, also for a chart signal, unlike by a removal by position.
+    removeFromObservedPortMap(signal);
+    m_signals.erase(match);
+}
+
+bool InstrumentedSignals::isEqual(const InstrumentedSignals* other) const {
+    return other != nullptr &&
+           std::equal(m_signals.begin(), m_signals.end(), other->m_signals.begin(), other->m_signals.end(),
+                      [](const SignalPtr& a, const SignalPtr& b) { return a->isEqual(b.get()); });
+}
+
+void InstrumentedSignals::setRebindingPending(bool pending) { m_rebindingPending = pending; }
+
+bool InstrumentedSignals::isRebindingPending() const { return m_rebindingPending; }
+
+}  // namespace ks_hmi

@@ -1,0 +1,94 @@
+#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
+
+#include "foundation/key_text.h"
+#include "signals/signal_specification.h"
+
+namespace ks_hmi {
+
+using ks_hmi_foundation::KeyText;
+
+SignalSpecification::BlockUUIDMap SignalSpecification::m_blockUUIDmap;
+
+namespace {
+
+constexpr std::string_view kKeySeparator = "$$";
+
+// Six decimals on purpose: handles that differ beyond them share an entry.
+std::string portKey(int port, double handle) {
+    return std::string(KeyText().add(port).add("-").addFixed6(handle).text());
+}
+
+std::string mintUUID() {
+    static boost::uuids::random_generator_pure generate;
+    return boost::uuids::to_string(generate());
+}
+
+}  // namespace
+
+std::uint64_t SignalSpecification::getInfoHashFromStringList(std::vector<std::string> texts) {
+    KeyText key;
+    for (const std::string& text : texts) key.add(text);
+    return key.hash();
+}
+
+std::uint64_t SignalSpecification::getNonCachedInfoHash(const std::u16string& blockPath, const std::u16string& subPath,
+                                                        int outputPortIndex, int logicalPortIndex,
+                                                        const std::u16string& modelName) {
+    const int port = logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex;
+    KeyText key;
+    if (!modelName.empty()) key.add(modelName).add("/");
+    return key.add(blockPath).add(kKeySeparator).add(subPath).add(kKeySeparator).add(port).hash();
+}
+
+std::uint64_t SignalSpecification::getCachedInfoHash(double blockHandle, int portIdx) {
+    return KeyText().addGeneral17(blockHandle).add(kKeySeparator).add(portIdx).hash();
+}
+
+std::uint64_t SignalSpecification::getSourceKeyNonCached(const std::u16string& modelName) const {
+    return getNonCachedInfoHash(m_blockPath, m_subPath, m_outputPortIndex, m_logicalPortIndex, modelName);
+}
+
+std::uint64_t SignalSpecification::getSourceKeyCached() const {
+    return getCachedInfoHash(m_cachedBlockHandle, m_cachedPortIdx);
+}
+
+bool SignalSpecification::isInBlockHandleUUIDmap(const int& port, const double& handle) {
+    return m_blockUUIDmap.contains(portKey(port, handle));
+}
+
+void SignalSpecification::addToBlockHandleUUIDmap(const int& port, const double& handle, const std::string& uuid) {
+    m_blockUUIDmap.insert_or_assign(portKey(port, handle), uuid);
+}
+
+std::string SignalSpecification::getUUIDFromBlockHandle(const int& port, const double& handle, const bool& useMap) {
+    if (!useMap) return mintUUID();
+    std::string key = portKey(port, handle);
+    if (const auto found = m_blockUUIDmap.find(key); found != m_blockUUIDmap.end()) return found->second;
+    std::string uuid = mintUUID();
+    return m_blockUUIDmap.emplace(std::move(key), std::move(uuid)).first->second;
+}
+
+std::unique_ptr<SignalSpecification> SignalSpecification::createSigSpecFromPort(const std::u16string& blockPath,
+                                                                                const std::string& eid, int portIdx,
+                                                                                int logicalPortIdx, double blockHandle,
+                                                                                const std::u16string& modelName,
+                                                                                bool excludeForSave) {
+    auto spec = std::make_unique<SignalSpecification>();
+    spec->m_blockPath = blockPath;
+    spec->m_eid = eid;
+    spec->m_outputPortIndex = portIdx;
+    spec->m_logicalPortIndex = logicalPortIdx;
+    spec->m_cachedPortIdx = portIdx;
+    spec->m_cachedBlockHandle = blockHandle;
+    spec->stripModelName(modelName);
+    // A fresh UUID stays out of the map on purpose: only those who ask for the map enter one.
+    const auto known = m_blockUUIDmap.find(portKey(portIdx, blockHandle));
+    spec->m_uuid = known != m_blockUUIDmap.end() ? known->second : mintUUID();
+    spec->m_excludeForSave = excludeForSave;
+    return spec;
+}
+
+SignalSpecification::BlockUUIDMap& SignalSpecification::getBlockUUIDmap() { return m_blockUUIDmap; }
+
+}  // namespace ks_hmi
