@@ -1,0 +1,220 @@
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <vector>
+
+#include "host/text.h"
+#include "memory_host/orvex/hv_array_impl.h"
+#include "tests/memory_host/ledger_test_base.h"
+
+namespace {
+
+using HostValues = LedgerTest;
+
+double fieldOf(const HvArrayPtr& value, std::size_t index, const char* name) {
+    return hvGetScalar(hvGetField(value.get(), index, name));
+}
+
+TEST_F(HostValues, dimensionsAreReal) {
+    struct Case {
+        std::vector<std::size_t> given, expected;
+        std::size_t elements;
+    };
+    const Case cases[] = {
+        {{3}, {3, 1}, 3},
+        {{0}, {0, 1}, 0},
+        {{2, 3, 4}, {2, 3, 4}, 24},
+        {{2, 0, 4}, {2, 0, 4}, 0},
+        {{2, 3, 1, 1}, {2, 3}, 6},
+        {{1, 1, 2}, {1, 1, 2}, 2},
+        {{SIZE_MAX, 0, SIZE_MAX}, {SIZE_MAX, 0, SIZE_MAX}, 0},
+    };
+    for (const Case& c : cases) {
+        const HvArrayPtr numeric(matrix::create_numeric(c.given, hvINT16_CLASS, hvREAL));
+        const HvArrayPtr cells(hvCreateCellArray(c.given.size(), c.given.data()));
+        for (const hvArray* value : {numeric.get(), cells.get()}) {
+            const std::size_t* dims = hvGetDimensions(value);
+            EXPECT_EQ(std::vector(dims, dims + hvGetNumberOfDimensions(value)), c.expected);
+            EXPECT_EQ(hvGetNumberOfElements(value), c.elements);
+            EXPECT_EQ(hvIsEmpty(value), c.elements == 0);
+        }
+    }
+}
+
+TEST_F(HostValues, sharedCopyKeepsItsDataWhenTheOtherIsWritten) {
+    const HvArrayPtr original = structOf(2);
+    hvSetField(original.get(), 1, "b", number(1).release());
+    const HvArrayPtr copy(hvCreateSharedDataCopy(original.get()));
+    EXPECT_EQ(hvGetField(copy.get(), 1, "b"), hvGetField(original.get(), 1, "b"));
+
+    hvReplaceField(copy.get(), 1, "b", number(2).release());
+    hvReplaceField(original.get(), 0, "a", number(3).release());
+    EXPECT_EQ(fieldOf(original, 1, "b"), 1);
+    EXPECT_EQ(fieldOf(copy, 1, "b"), 2);
+    EXPECT_EQ(hvGetField(copy.get(), 0, "a"), nullptr);
+
+    const HvArrayPtr one = text("ab");
+    const HvArrayPtr other(hvCreateSharedDataCopy(one.get()));
+    static_cast<char16_t*>(hvGetDataForWriting(other.get()))[0] = u'x';
+    EXPECT_EQ(hvArrayToStdString(one.get()) + hvArrayToStdString(other.get()), "abxb");
+}
+
+TEST_F(HostValues, fieldOfSharedDataOutlivesTheOtherCopy) {
+    HvArrayPtr original = structOf(1);
+    hvSetField(original.get(), 0, "a", number(7).release());
+    HvArrayPtr copy(hvCreateSharedDataCopy(original.get()));
+    const hvArray* borrowed = hvGetField(copy.get(), 0, "a");
+    hvReplaceField(copy.get(), 0, "b", number(8).release());
+    original.reset();
+    EXPECT_EQ(hvGetScalar(borrowed), 7);
+    EXPECT_EQ(borrowed, hvGetField(copy.get(), 0, "a"));
+}
+
+TEST_F(HostValues, deepCopySharesNothingAndKeepsTheOrigin) {
+    const HvArrayPtr outer = structOf(1);
+    HvArrayPtr inner = structOf(1);
+    hvSetField(inner.get(), 0, "a", number(4).release());
+    hvSetField(outer.get(), 0, "b", inner.release());
+    orvex::markAsPersisted(outer.get());
+
+    const HvArrayPtr copy(hvCreateDeepCopy(outer.get()));
+    const hvArray* copiedInner = hvGetField(copy.get(), 0, "b");
+    EXPECT_NE(copiedInner, hvGetField(outer.get(), 0, "b"));
+    EXPECT_NE(hvGetField(copiedInner, 0, "a"), hvGetField(hvGetField(outer.get(), 0, "b"), 0, "a"));
+    EXPECT_EQ(hvGetScalar(hvGetField(copiedInner, 0, "a")), 4);
+    EXPECT_EQ(hvGetClassWord(copy.get()), 18u);
+    EXPECT_EQ(hvGetClassID(copy.get()), hvSTRUCT_CLASS);
+    EXPECT_EQ(hvGetClassWord(copiedInner), 2u);
+}
+
+TEST_F(HostValues, nullAndForeignValuesAreNeverUndefinedBehaviour) {
+    const HvArrayPtr cell(hvCreateCellArray(1, std::array<std::size_t, 1>{2}.data()));
+    for (const hvArray* value : {static_cast<const hvArray*>(nullptr), static_cast<const hvArray*>(cell.get())}) {
+        EXPECT_EQ(hvGetField(value, 0, "a"), nullptr);
+        EXPECT_EQ(hvGetNumberOfFields(value), 0);
+        EXPECT_EQ(hvGetCell(value, 2), nullptr);
+        EXPECT_EQ(hvGetData(value), nullptr);
+        EXPECT_EQ(hvGetLogicals(value), nullptr);
+        EXPECT_FALSE(hvIsLogicalScalarTrue(value));
+        EXPECT_FALSE(hvIsA(value, "cell"));
+        EXPECT_FALSE(failureOf([&] { hvGetScalar(value); }).empty());
+        EXPECT_FALSE(failureOf([&] { hvArrayToStdString(value); }).empty());
+    }
+    EXPECT_EQ(hvGetCell(cell.get(), 1), nullptr);
+    const HvArrayPtr records = structOf(1);
+    EXPECT_EQ(hvGetField(records.get(), 1, "a"), nullptr);
+    EXPECT_EQ(hvGetField(records.get(), 0, nullptr), nullptr);
+    EXPECT_EQ(hvGetFieldNameByNumber(records.get(), 2), nullptr);
+    EXPECT_STREQ(hvGetFieldNameByNumber(records.get(), 1), "b");
+}
+
+TEST_F(HostValues, misuseIsRefusedAndNamed) {
+    const HvArrayPtr records = structOf(2);
+    const HvArrayPtr scalar = number(1);
+    const HvArrayPtr cell(hvCreateCellArray(1, std::array<std::size_t, 1>{1}.data()));
+    hvArray* const stored = number(5).release();
+    hvSetCell(cell.get(), 0, stored);
+    const std::array repeated{"a", "a"};
+    const std::array<std::size_t, 2> huge{SIZE_MAX, 2};
+    const std::pair<std::function<void()>, std::string> cases[] = {
+        {[&] { hvReplaceField(records.get(), 0, "c", number(1).release()); },
+         "UnknownField: There is no field \"c\" in a struct with these fields: a, b."},
+        {[&] { hvReplaceField(records.get(), 2, "a", number(1).release()); },
+         "IndexOutOfRange: There is no element 3 of 2."},
+        {[&] { hvReplaceField(scalar.get(), 0, "a", number(1).release()); },
+         "WrongClass: Fields are set in a struct, not in double 1x1."},
+        {[&] { hvReplaceField(records.get(), 0, "a", stored); },
+         "InvalidArgument: A value in a container, or the container itself, cannot be stored; store a copy."},
+        {[&] { hvSetCell(cell.get(), 1, number(1).release()); }, "IndexOutOfRange: There is no cell 2 of 1."},
+        {[&] { hvCreateStructArray(1, std::array<std::size_t, 1>{1}.data(), 2, repeated.data()); },
+         "InvalidFieldName: A struct cannot have two fields of the name \"a\"."},
+        {[&] { hvCreateCellArray(2, huge.data()); }, "TooLarge: An array of 18446744073709551615x2 is too large."},
+        {[&] { hvCreateCellArray(0, nullptr); }, "InvalidDimensions: An array needs at least one dimension."},
+        {[&] { hvCreateNumericScalar(hvSTRUCT_CLASS, hvREAL); }, "WrongClass: Class 2 is no numeric class."},
+        {[&] { hvCreateNumericScalar(hvDOUBLE_CLASS, hvCOMPLEX); },
+         "InvalidArgument: Only real values can be created."},
+        {[&] { orvex::markAsPersisted(scalar.get()); },
+         "WrongClass: Only a struct is read as a saved record, not double 1x1."},
+    };
+    for (const auto& [action, message] : cases) EXPECT_EQ(failureOf(action), message);
+    EXPECT_EQ(hvGetScalar(hvGetCell(cell.get(), 0)), 5);
+}
+
+template <typename T>
+std::int64_t asInteger(hvClassID classId, T value) {
+    const HvArrayPtr scalar(hvCreateNumericScalar(classId, hvREAL));
+    std::memcpy(hvGetDataForWriting(scalar.get()), &value, sizeof value);
+    return hvGetScalarInt(scalar.get());
+}
+
+TEST_F(HostValues, integersAreTruncatedAndSaturated) {
+    constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
+    constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
+    const std::pair<double, std::int64_t> cases[] = {
+        {-1.9, -1},
+        {1.9, 1},
+        {std::nan(""), 0},
+        {1e300, kMost},
+        {-1e300, kLeast},
+        {9223372036854775808.0, kMost},
+        {-9223372036854775808.0, kLeast},
+        {INFINITY, kMost},
+        {4294967296.0, 4294967296},
+    };
+    for (const auto& [given, expected] : cases) EXPECT_EQ(asInteger(hvDOUBLE_CLASS, given), expected) << given;
+    EXPECT_EQ(asInteger(hvSINGLE_CLASS, -1e30f), kLeast);
+    EXPECT_EQ(asInteger(hvUINT64_CLASS, std::uint64_t{UINT64_MAX}), kMost);
+    EXPECT_EQ(asInteger(hvINT64_CLASS, kLeast), kLeast);
+    EXPECT_EQ(asInteger(hvUINT8_CLASS, std::uint8_t{200}), 200);
+    EXPECT_EQ(hvGetScalarInt(HvArrayPtr(hvCreateLogicalScalar(true)).get()), 1);
+    EXPECT_EQ(hvGetScalar(text("A").get()), 65);
+    EXPECT_EQ(failureOf([] { hvGetScalar(text("").get()); }), "EmptyValue: A number is needed here, not char 1x0.");
+}
+
+TEST_F(HostValues, logicalScalarTrueIsOneTrueLogicalOnly) {
+    const HvArrayPtr two(hvCreateNumericMatrix(1, 2, hvLOGICAL_CLASS, hvREAL));
+    *static_cast<bool*>(hvGetDataForWriting(two.get())) = true;
+    EXPECT_FALSE(hvIsLogicalScalarTrue(two.get()));
+    EXPECT_FALSE(hvIsLogicalScalarTrue(number(1).get()));
+    EXPECT_FALSE(hvIsLogicalScalarTrue(HvArrayPtr(hvCreateLogicalScalar(false)).get()));
+    EXPECT_TRUE(hvIsLogicalScalarTrue(HvArrayPtr(hvCreateLogicalScalar(true)).get()));
+}
+
+TEST(HostText, illFormedUtf8GivesOneReplacementForEachMaximalSubpart) {
+    const std::pair<const char*, std::u16string> cases[] = {
+        {"", u""},
+        {"a\u00e9\u20ac\U0001F600z", u"a\u00e9\u20ac\U0001F600z"},
+        {"\xC0\xAF", u"\uFFFD\uFFFD"},
+        {"\xE0\x80\x80", u"\uFFFD\uFFFD\uFFFD"},
+        {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
+        {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+        {"\xF0\x9F\x98z", u"\uFFFDz"},
+        {"\xE2\x82", u"\uFFFD"},
+        {"\x80\xFF\xF4\x8F\xBF\xBF", u"\uFFFD\uFFFD\U0010FFFF"},
+    };
+    for (const auto& [given, expected] : cases) EXPECT_EQ(fl::i18n::to_ustring(given), expected);
+    EXPECT_EQ(fl::i18n::to_ustring(nullptr), u"");
+}
+
+TEST(HostText, loneSurrogatesAreReplacedAndEverythingElseComesBack) {
+    const std::u16string lone{u'a', 0xDC00, 0xD83D, u'b', 0xD83D};
+    EXPECT_EQ(fl::i18n::to_string(lone),
+              "a\xEF\xBF\xBD\xEF\xBF\xBD"
+              "b\xEF\xBF\xBD");
+    const std::u16string whole = u"\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF";
+    EXPECT_EQ(fl::i18n::to_ustring(fl::i18n::to_string(whole).c_str()), whole);
+    EXPECT_EQ(fl::i18n::to_string(whole, {"UTF-8", true}), fl::i18n::to_string(whole));
+    EXPECT_NE(failureOf([] { fl::i18n::to_string(u"", {"latin-1", true}); }).find("latin-1"), std::string::npos);
+}
+
+TEST_F(HostValues, charactersAreKeptExactly) {
+    const std::u16string units{u'a', u'\0', 0xD800, u'\u00e9'};
+    EXPECT_EQ(matrix::get_ustring(text(units).get()), units);
+    EXPECT_EQ(hvArrayToStdString(text(std::string("a\0b", 3)).get()), std::string("a\0b", 3));
+    EXPECT_EQ(hvGetDimensions(text("").get())[0], 1u);
+    EXPECT_EQ(hvGetClassWord(HvArrayPtr(hvCreateString("x")).get()), 4u);
+}
+
+}  // namespace
