@@ -6,8 +6,8 @@ set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
 set(KS_HMI_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ks_hmi_foundation")
 
 function(ks_hmi_install_library)
-  install(TARGETS ks_hmi_foundation host EXPORT ks_hmi_foundation COMPONENT ks_hmi_foundation
-    NAMELINK_COMPONENT ks_hmi_foundation)
+  install(TARGETS ks_hmi_foundation host EXPORT ks_hmi_foundation
+    LIBRARY COMPONENT ks_hmi_foundation)
   install(EXPORT ks_hmi_foundation NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
     FILE ks_hmi_foundation-targets.cmake COMPONENT ks_hmi_foundation)
   set_target_properties(ks_hmi_foundation PROPERTIES INSTALL_RPATH "$ORIGIN")
@@ -31,7 +31,8 @@ function(ks_hmi_install_library)
 endfunction()
 
 function(ks_hmi_install_memory_host)
-  install(TARGETS memory_host EXPORT ks_hmi_memory_host COMPONENT memory_host NAMELINK_COMPONENT memory_host)
+  install(TARGETS memory_host EXPORT ks_hmi_memory_host
+    LIBRARY COMPONENT memory_host)
   install(EXPORT ks_hmi_memory_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
     FILE memory_host-targets.cmake COMPONENT memory_host)
   set_target_properties(memory_host PROPERTIES INSTALL_RPATH "$ORIGIN")
