@@ -54,6 +54,7 @@ public:
     HvArrayPtr getProperty(std::string_view name) const override;
     void setProperty(std::string_view name, const hvArray* value) override;
     void* nativeInstance(std::string_view fullClassName) const noexcept override;
+    std::vector<std::string> propertyNames() const override;
     std::vector<std::string> displayedProperties() const override;
 
 private:

@@ -99,6 +99,12 @@ void NativeObject::setProperty(std::string_view name, const hvArray* value) {
     property.setValue(m_instance, assigned);
 }
 
+std::vector<std::string> NativeObject::propertyNames() const {
+    std::vector<std::string> names;
+    for (const auto& property : m_class->properties()) names.push_back(*property->getName().text());
+    return names;
+}
+
 std::vector<std::string> NativeObject::displayedProperties() const {
     std::vector<std::string> names;
     for (const auto& property : m_class->properties())

@@ -30,6 +30,8 @@ public:
     virtual void setProperty(std::string_view name, const hvArray* value) = 0;
     /// The instance paired with the object; null when its class is another or has no native side.
     virtual void* nativeInstance(std::string_view fullClassName) const noexcept = 0;
+    /// Names of the properties that hold the object's state, in order.
+    virtual std::vector<std::string> propertyNames() const = 0;
     /// Names of the properties that are shown when the object is displayed, in order.
     virtual std::vector<std::string> displayedProperties() const = 0;
 

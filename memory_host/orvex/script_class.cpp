@@ -95,12 +95,14 @@ void ScriptObject::setProperty(std::string_view name, const hvArray* value) {
 
 void* ScriptObject::nativeInstance(std::string_view) const noexcept { return nullptr; }
 
-std::vector<std::string> ScriptObject::displayedProperties() const {
+std::vector<std::string> ScriptObject::propertyNames() const {
     std::vector<std::string> names;
     for (const ScriptProperty& property : m_class->properties)
         if (!property.computed) names.push_back(property.name);
     return names;
 }
+
+std::vector<std::string> ScriptObject::displayedProperties() const { return propertyNames(); }
 
 void ScriptObject::store(std::string_view name, HvArrayPtr value) {
     if (value) hvSetArrayScope(value.get(), nullptr);

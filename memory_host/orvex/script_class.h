@@ -23,11 +23,11 @@ class ScriptObject;
 struct ScriptProperty {
     std::string name;
     /// Makes the value that an object has before any assignment; unset means a 0x0 double.
-    std::function<HvArrayPtr()> initial;
+    std::function<HvArrayPtr()> initial = {};
     /// An assignment from a script to a property that is not settable is refused.
     bool settable = true;
     /// When set, reading calls it instead of answering what was assigned.
-    std::function<HvArrayPtr(const ScriptObject&)> computed;
+    std::function<HvArrayPtr(const ScriptObject&)> computed = {};
 };
 
 struct ScriptClass {
@@ -65,6 +65,7 @@ public:
     /// As a script does it: a property that is not settable is refused.
     void setProperty(std::string_view name, const hvArray* value) override;
     void* nativeInstance(std::string_view fullClassName) const noexcept override;
+    std::vector<std::string> propertyNames() const override;
     std::vector<std::string> displayedProperties() const override;
 
     /// As the class's own code does it: stores the value (null: back to the initial value) whether or

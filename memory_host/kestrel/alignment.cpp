@@ -1,0 +1,51 @@
+#include "memory_host/kestrel/alignment.h"
+
+#include "host/text.h"
+#include "memory_host/kestrel/host_values.h"
+
+namespace kestrel {
+
+namespace {
+
+std::u16string modelOfEid(std::string_view fullEid) {
+    return fl::i18n::to_ustring(std::string(fullEid.substr(0, fullEid.find(':'))).c_str());
+}
+
+template <class Text>
+Text afterFirst(Text text, typename Text::value_type separator) {
+    const std::size_t at = text.find(separator);
+    return at == Text::npos ? Text() : text.substr(at + 1);
+}
+
+[[noreturn]] void refuse(const std::u16string& modelName, const std::string& reference) {
+    const bool isOpen = loadedModels().find(modelName) != nullptr;
+    orvex::raise(isOpen ? "BlockNotFound" : "ModelNotOpen",
+                 "The block " + reference + " cannot be found: " +
+                     (isOpen ? "the model " + quoted(modelName) + " has no such block."
+                             : "no model named " + quoted(modelName) + " is open."));
+}
+
+}  // namespace
+
+LoadedBlock findByFullEid(std::string_view fullEid) {
+    LoadedModel* owner = loadedModels().find(modelOfEid(fullEid));
+    const Block* block = owner ? owner->model().findByEid(afterFirst(fullEid, ':')) : nullptr;
+    return block ? LoadedBlock{owner, block} : LoadedBlock{};
+}
+
+LoadedBlock findByFullPath(std::u16string_view fullPath) {
+    LoadedModel* owner = loadedModels().find(modelOfPath(fullPath));
+    const Block* block = owner ? owner->model().findByPath(afterFirst(fullPath, u'/')) : nullptr;
+    return block ? LoadedBlock{owner, block} : LoadedBlock{};
+}
+
+std::u16string_view modelOfPath(std::u16string_view fullPath) { return fullPath.substr(0, fullPath.find(u'/')); }
+
+LoadedBlock requireBlock(std::string_view fullEid, std::u16string_view fullPath) {
+    const LoadedBlock found = fullEid.empty() ? findByFullPath(fullPath) : findByFullEid(fullEid);
+    if (found) return found;
+    if (fullEid.empty()) refuse(std::u16string(modelOfPath(fullPath)), quoted(fullPath));
+    refuse(modelOfEid(fullEid), "\"" + std::string(fullEid) + "\"");
+}
+
+}  // namespace kestrel

@@ -1,0 +1,16 @@
+#include "memory_host/kestrel/host_side.h"
+
+#include "memory_host/kestrel/host_definitions.h"
+#include "memory_host/kestrel/loaded_models.h"
+
+namespace kestrel {
+
+void installHostSide() {
+    defineSignalSpecification();
+    defineIsEqual();
+    defineRebinding();
+}
+
+void releaseHostSide() noexcept { loadedModels().unloadAll(); }
+
+}  // namespace kestrel

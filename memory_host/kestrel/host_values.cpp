@@ -1,0 +1,76 @@
+#include "memory_host/kestrel/host_values.h"
+
+#include <utility>
+#include <vector>
+
+#include "host/text.h"
+#include "memory_host/orvex/hv_array_impl.h"
+
+namespace kestrel {
+
+HvArrayPtr textValue(std::u16string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
+HvArrayPtr emptyText() { return textValue({}); }
+HvArrayPtr numberValue(double number) { return HvArrayPtr(hvCreateDoubleScalar(number)); }
+HvArrayPtr logicalValue(bool truth) { return HvArrayPtr(hvCreateLogicalScalar(truth)); }
+
+HvArrayPtr uint32Value(std::uint32_t number) {
+    HvArrayPtr value(hvCreateNumericScalar(hvUINT32_CLASS, hvREAL));
+    *static_cast<std::uint32_t*>(hvGetDataForWriting(value.get())) = number;
+    return value;
+}
+
+HvArrayPtr emptyNumber() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
+
+HvArrayPtr emptyCell() {
+    constexpr std::size_t kDimensions[] = {0, 0};
+    return HvArrayPtr(hvCreateCellArray(2, kDimensions));
+}
+
+std::u16string textOf(const hvArray* value) {
+    return hvGetClassID(value) == hvCHAR_CLASS ? matrix::get_ustring(value) : std::u16string();
+}
+
+std::string utf8Of(const hvArray* value) {
+    return hvGetClassID(value) == hvCHAR_CLASS ? hvArrayToStdString(value) : std::string();
+}
+
+std::u16string textProperty(const hvArray* object, const char* name) {
+    return textOf(HvArrayPtr(hvGetPropertyShared(object, 0, name)).get());
+}
+
+double numberProperty(const hvArray* object, const char* name) {
+    const HvArrayPtr value(hvGetPropertyShared(object, 0, name));
+    return hvIsEmpty(value.get()) ? 0.0 : hvGetScalar(value.get());
+}
+
+std::string quoted(std::u16string_view text) { return "\"" + fl::i18n::to_string(std::u16string(text)) + "\""; }
+
+HvArrayPtr callForOne(std::string_view name, std::initializer_list<const hvArray*> ins) {
+    std::vector<HvArrayPtr> results = orvex::callByName(name, std::span(ins.begin(), ins.size()), 1);
+    return std::move(results.front());
+}
+
+void requireInputs(const orvex::Call& call, std::size_t count) {
+    if (call.ins.size() == count) return;
+    orvex::raise("WrongNumberOfInputs", "\"" + std::string(call.name) + "\" takes " + std::to_string(count) +
+                                            " arguments, and " + std::to_string(call.ins.size()) + " were given.");
+}
+
+void fillFromStruct(orvex::ScriptObject& self, const hvArray* data, std::span<const char* const> fields) {
+    if (hvGetClassID(data) != hvSTRUCT_CLASS || hvGetNumberOfElements(data) != 1)
+        orvex::raise("TypeMismatch", "The constructor of class " + self.className() + " takes a 1x1 struct, and " +
+                                         orvex::describeValue(data) + " was given.");
+    for (const char* field : fields) {
+        const hvArray* value = hvGetField(data, 0, field);
+        if (!value)
+            orvex::raise("MissingField", "The struct for an object of class " + self.className() +
+                                             " has no value in the field \"" + field + "\".");
+        self.store(field, HvArrayPtr(hvCreateSharedDataCopy(value)));
+    }
+}
+
+void defineOnce(orvex::ScriptClass definition) {
+    if (!orvex::findScriptClass(definition.fullName)) orvex::defineScriptClass(std::move(definition));
+}
+
+}  // namespace kestrel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "host/hv_array.h"
+#include "memory_host/orvex/functions.h"
+#include "memory_host/orvex/script_class.h"
+
+/// Making and reading host values on the modelling side.
+namespace kestrel {
+
+HvArrayPtr textValue(std::u16string_view text);
+HvArrayPtr emptyText();
+HvArrayPtr numberValue(double number);
+HvArrayPtr logicalValue(bool truth);
+HvArrayPtr uint32Value(std::uint32_t number);
+/// 0x0.
+HvArrayPtr emptyNumber();
+/// 0x0.
+HvArrayPtr emptyCell();
+
+/// The text of a character array; empty for any other value.
+std::u16string textOf(const hvArray* value);
+/// The same as UTF-8.
+std::string utf8Of(const hvArray* value);
+/// The text of a property of an object's first element.
+std::u16string textProperty(const hvArray* object, const char* name);
+/// The first element of a property as a number; 0.0 when it is empty.
+double numberProperty(const hvArray* object, const char* name);
+
+/// In quotes, for messages.
+std::string quoted(std::u16string_view text);
+
+/// Calls with one result. Throws as the call does.
+HvArrayPtr callForOne(std::string_view name, std::initializer_list<const hvArray*> ins);
+/// Throws the host's exception unless the call has exactly that many inputs.
+void requireInputs(const orvex::Call& call, std::size_t count);
+/// Fills an object's properties from the fields of the same names of a 1x1 struct. Throws the host's
+/// exception, naming the class and the field, for any other value and for a field that is missing.
+void fillFromStruct(orvex::ScriptObject& self, const hvArray* data, std::span<const char* const> fields);
+/// Defines the class unless it is defined.
+void defineOnce(orvex::ScriptClass definition);
+
+}  // namespace kestrel

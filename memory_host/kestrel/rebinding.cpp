@@ -1,0 +1,88 @@
+#include <optional>
+
+#include "host/text.h"
+#include "memory_host/kestrel/alignment.h"
+#include "memory_host/kestrel/host_definitions.h"
+#include "memory_host/kestrel/host_values.h"
+
+// "applyRebindingRules": brings the handles that signals have cached in step with the open models.
+namespace kestrel {
+
+namespace {
+
+/// What a signal has cached: the block's handle (nothing: unresolved), the port and the rule that found it.
+struct Binding {
+    std::optional<double> handle;
+    double port = 0.0;
+    std::u16string rule;
+    bool operator==(const Binding&) const = default;
+};
+
+Binding currentBinding(const hvArray* signal) {
+    const HvArrayPtr handle(hvGetPropertyShared(signal, 0, "CachedBlockHandle_"));
+    Binding binding{.handle = std::nullopt, .port = 0.0, .rule = textProperty(signal, "BindingRule_")};
+    if (hvIsEmpty(handle.get()) || hvGetScalar(handle.get()) == 0.0) return binding;
+    binding.handle = hvGetScalar(handle.get());
+    binding.port = numberProperty(signal, "CachedPortIdx_");
+    return binding;
+}
+
+/// A block whose ports have become too few does not resolve a port; charts are observed as a whole.
+bool hasPort(const LoadedBlock& found, const hvArray* signal) {
+    if (!textProperty(signal, "DomainType_").empty()) return true;
+    return numberProperty(signal, "OutputPortIndex_") <= static_cast<double>(found.block->outputs.size());
+}
+
+Binding boundTo(const LoadedBlock& found, const hvArray* signal, const char16_t* rule) {
+    return {.handle = found.block->handle, .port = numberProperty(signal, "OutputPortIndex_"), .rule = rule};
+}
+
+Binding rebind(const hvArray* signal) {
+    const std::u16string eid = textProperty(signal, "EID_");
+    if (const LoadedBlock found = findByFullEid(fl::i18n::to_string(eid)); found && hasPort(found, signal))
+        return boundTo(found, signal, u"eid");
+    const std::u16string path = textProperty(signal, "BlockPath_");
+    if (const LoadedBlock found = findByFullPath(path); found && hasPort(found, signal))
+        return boundTo(found, signal, u"path");
+    return {};
+}
+
+Binding forgetWhenStale(const Binding& binding) {
+    if (!binding.handle || loadedModels().findByHandle(*binding.handle)) return binding;
+    return {};
+}
+
+void assign(hvArray* signal, const Binding& binding) {
+    const HvArrayPtr handle = binding.handle ? numberValue(*binding.handle) : emptyNumber();
+    const HvArrayPtr port = binding.handle ? numberValue(binding.port) : emptyNumber();
+    hvSetProperty(signal, 0, "BindingRule_", textValue(binding.rule).get());
+    hvSetProperty(signal, 0, "CachedBlockHandle_", handle.get());
+    hvSetProperty(signal, 0, "CachedPortIdx_", port.get());
+}
+
+/// With `all` every signal is bound anew: by its element identifier (rule "eid"), else by its path (rule
+/// "path"); one whose port is found neither way is left unresolved, with no rule. Without, only the
+/// signals are left unresolved whose handle belongs to no open block. Signals are changed one after the
+/// other through the set's own methods; after a failure those before it stay changed.
+void applyRebindingRules(orvex::Call& call) {
+    requireInputs(call, 2);
+    const hvArray* set = call.ins[0];
+    const bool all = hvIsLogicalScalarTrue(call.ins[1]);
+    const double count = numberProperty(set, "Count");
+    for (double position = 1.0; position <= count; ++position) {
+        const HvArrayPtr where = numberValue(position);
+        const HvArrayPtr signal = callForOne("get", {set, where.get()});
+        const Binding before = currentBinding(signal.get());
+        const Binding after = all ? rebind(signal.get()) : forgetWhenStale(before);
+        if (after == before) continue;
+        assign(signal.get(), after);
+        const hvArray* ins[] = {set, where.get(), signal.get()};
+        orvex::callByName("set", ins, 0);
+    }
+}
+
+}  // namespace
+
+void defineRebinding() { orvex::defineFunction("applyRebindingRules", applyRebindingRules, 0); }
+
+}  // namespace kestrel

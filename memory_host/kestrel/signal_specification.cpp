@@ -1,0 +1,79 @@
+#include <array>
+
+#include "memory_host/kestrel/alignment.h"
+#include "memory_host/kestrel/host_definitions.h"
+#include "memory_host/kestrel/host_values.h"
+
+// The host class that shows one signal.
+namespace kestrel {
+
+namespace {
+
+constexpr const char* kClassName = "Kestrel.HMI.SignalSpecification";
+
+constexpr std::array kPersistedFields = {
+    "UUID",        "BlockPath_",  "EID_",          "SubPath_",    "OutputPortIndex_",         "LogicalPortIndex_",
+    "SignalName_", "SubSysPath_", "Decimation_",   "MaxPoints_",  "TargetBufferedStreaming_", "IsFrameBased_",
+    "HideInPLV_",  "DomainType_", "DomainParams_", "VisualType_",
+};
+
+HvArrayPtr zero() { return numberValue(0.0); }
+HvArrayPtr one() { return numberValue(1.0); }
+HvArrayPtr no() { return logicalValue(false); }
+
+HvArrayPtr noParameters() {
+    constexpr std::size_t kDimensions[] = {1, 1};
+    return HvArrayPtr(hvCreateStructArray(2, kDimensions, 0, nullptr));
+}
+
+std::vector<orvex::ScriptProperty> properties() {
+    return {
+        {"UUID", emptyText},
+        {"BlockPath_", emptyText},
+        {"EID_", emptyText},
+        {"SubPath_", emptyText},
+        {"OutputPortIndex_", zero},
+        {"LogicalPortIndex_", zero},
+        {"SignalName_", emptyText},
+        {"SubSysPath_", emptyText},
+        {"Decimation_", one},
+        {"MaxPoints_", zero},
+        {"TargetBufferedStreaming_", zero},
+        {"IsFrameBased_", zero},
+        {"HideInPLV_", zero},
+        {"DomainType_", emptyText},
+        {"DomainParams_", noParameters},
+        {"VisualType_", emptyText},
+        {"BindingRule_", emptyText},
+        {"CachedBlockHandle_", emptyNumber},
+        {"CachedPortIdx_", emptyNumber},
+        {"ExcludeForSave_", no},
+    };
+}
+
+void construct(orvex::ScriptObject& self, std::span<const hvArray* const> arguments) {
+    if (arguments.empty()) return;
+    if (arguments.size() != 1)
+        orvex::raise("TooManyInputs", std::string("The constructor of class ") + kClassName + " takes one struct.");
+    fillFromStruct(self, arguments.front(), kPersistedFields);
+}
+
+void getAlignedBlockPath(orvex::Call& call) {
+    requireInputs(call, 1);
+    const orvex::ScriptObject& self = orvex::requireScriptObject(call.ins[0], kClassName);
+    const LoadedBlock found = requireBlock(utf8Of(self.stored("EID_")), textOf(self.stored("BlockPath_")));
+    call.outs[0] = textValue(found.owner->model().fullPath(*found.block));
+}
+
+}  // namespace
+
+void defineSignalSpecification() {
+    orvex::ScriptClass definition;
+    definition.fullName = kClassName;
+    definition.properties = properties();
+    definition.construct = construct;
+    definition.methods["getAlignedBlockPath"] = getAlignedBlockPath;
+    defineOnce(std::move(definition));
+}
+
+}  // namespace kestrel
