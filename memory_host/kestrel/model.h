@@ -47,11 +47,11 @@ struct Chart {
 
 /// One block. Paths and element identifiers are relative to the model (no model name in front).
 struct Block {
-    std::u16string path;                  ///< "Engine/Throttle"
-    std::string eid;                      ///< UTF-8; stays with the block wherever it moves
-    double handle = 0.0;                  ///< fractional, new at each load; 0.0 while the model is not loaded
-    std::vector<std::u16string> outputs;  ///< names of the output ports; port number = position, from 1
-    std::optional<Chart> chart;
+    std::u16string path;                       ///< "Engine/Throttle"
+    std::string eid;                           ///< UTF-8; stays with the block wherever it moves
+    double handle = 0.0;                       ///< fractional, new at each load; 0.0 while the model is not loaded
+    std::vector<std::u16string> outputs = {};  ///< names of the output ports; port number = position, from 1
+    std::optional<Chart> chart = {};
 };
 
 /// A model: its name and its blocks in the order they were added. Look-ups by path, element

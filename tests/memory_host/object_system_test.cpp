@@ -1,0 +1,417 @@
+#include "host/object_system.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/hv_array.h"
+#include "host/messages.h"
+#include "host/services.h"
+#include "memory_host/orvex/class_members.h"
+#include "memory_host/orvex/faults.h"
+#include "memory_host/orvex/ledger.h"
+#include "memory_host/orvex/objects.h"
+#include "memory_host/orvex/script_class.h"
+
+namespace {
+
+using hos::internal::makeInterned;
+
+/// What the library under test sees happening, in order.
+std::vector<std::string> g_events;
+
+struct Counter {
+    std::uint32_t count = 0;
+    std::u16string name;
+};
+
+std::string failureOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const kssvIException& failure) {
+        return failure.what();
+    }
+    return "(no failure)";
+}
+
+class CounterProperty final : public hos::COSPropInfo {
+public:
+    CounterProperty(const char* name, const char* type, int setAccess)
+        : m_name(makeInterned(name)), m_type(makeInterned(type)), m_setAccess(setAccess) {}
+    hos::InternedName getName() const override { return m_name; }
+    const hos::COSType* getType() const override { return hos::COSTypeRepository::getType(m_type); }
+    int getGetAccess() const override { return hos::kPublicAccess; }
+    int getSetAccess() const override { return m_setAccess; }
+    void getValue(const void* instance, hos::PropValue& value) const override {
+        const auto& counter = *static_cast<const Counter*>(instance);
+        value.number = counter.count;
+        value.text = counter.name;
+        if (*m_type.text() == "any") value.array = hvCreateDoubleScalar(counter.count);
+        g_events.push_back("get");
+    }
+    void setValue(void* instance, const hos::PropValue& value) const override {
+        static_cast<Counter*>(instance)->name = value.text;
+        static_cast<Counter*>(instance)->count = static_cast<std::uint32_t>(value.number);
+    }
+    void releaseValue(hos::PropValue& value) const override {
+        THvArrayDeleter::destroy(std::exchange(value.array, nullptr));
+        g_events.push_back("release");
+    }
+    bool isHidden() const override { return false; }
+    bool isTransient() const override { return false; }
+    bool isDependent() const override { return false; }
+    bool isWarnOnCopyError() const override { return false; }
+    bool isAbortedOnEqualAssignment() const override { return false; }
+    bool isNotifiedOnRead() const override { return false; }
+    bool isCopied() const override { return true; }
+    bool isNotifiedOnWrite() const override { return false; }
+    bool isDisplayed() const override { return *m_type.text() != "any"; }
+    bool isNeverAmbiguous() const override { return false; }
+    bool isCaseInsensitive() const override { return false; }
+    bool isOfferedForCompletion() const override { return false; }
+
+private:
+    hos::InternedName m_name;
+    hos::InternedName m_type;
+    int m_setAccess;
+};
+
+using Body = std::function<void(hos::Invocation&)>;
+
+class CounterMethod final : public hos::COSMethodInfo {
+public:
+    CounterMethod(const char* name, const std::vector<const char*>& inputs, const std::vector<const char*>& outputs,
+                  Body body, int optional = 0, bool isStaticMethod = false)
+        : m_name(makeInterned(name)),
+          m_signature(hos::COSMethodSignature::createMethodSignature()),
+          m_body(std::move(body)),
+          m_isStatic(isStaticMethod) {
+        for (const char* type : inputs) m_signature->appendInputType(makeInterned(type));
+        for (const char* type : outputs) m_signature->appendOutputType(makeInterned(type));
+        m_signature->setOptionalArguments(optional);
+    }
+    hos::InternedName getName() const override { return m_name; }
+    const hos::COSMethodSignature& getSignature() const override { return *m_signature; }
+    void invoke(hos::Invocation& call) const override { m_body(call); }
+    bool isStatic() const override { return m_isStatic; }
+
+private:
+    hos::InternedName m_name;
+    std::unique_ptr<hos::COSMethodSignature> m_signature;
+    Body m_body;
+    bool m_isStatic;
+};
+
+constexpr const char* kCounter = "Lib.Tools.Counter";
+
+void constructCounter(hos::Invocation& call) {
+    const hvArray* self = std::get<HvArrayPtr>(call.results[0]).get();
+    auto* counter = static_cast<Counter*>(hos::getNativeInstance(omGetArrayElement(self, 0), makeInterned(kCounter)));
+    if (!call.arguments.empty()) counter->name = std::get<std::u16string>(call.arguments[0]);
+    call.resultCount = 1;
+}
+
+void giveTrue(hos::Invocation& call) {
+    call.results[0] = true;
+    call.resultCount = 1;
+}
+
+void giveNoObject(hos::Invocation& call) {
+    call.results[0] = HvArrayPtr();
+    call.resultCount = 1;
+}
+
+void giveNumber(hos::Invocation& call) {
+    call.results[0] = HvArrayPtr(hvCreateDoubleScalar(1.0));
+    call.resultCount = 1;
+}
+
+class CounterClass final : public hos::COSClassInfo {
+public:
+    ~CounterClass() override { g_events.push_back("class info gone"); }
+    const char* getName() const override { return "Counter"; }
+    void defineMembers(hos::COSClass& hostClass) const override {
+        g_events.push_back("members");
+        const auto property = [&](const char* name, const char* type, int access) {
+            hostClass.addProperty(std::make_unique<CounterProperty>(name, type, access));
+        };
+        property("Name", "unicodeString", hos::kSettableAccess);
+        property("Count", "uint32 scalar", hos::kReadOnlyAccess);
+        property("State", "any", hos::kReadOnlyAccess);
+        const auto method = [&](auto&&... parts) {
+            hostClass.addMethod(std::make_unique<CounterMethod>(std::forward<decltype(parts)>(parts)...));
+        };
+        using Types = std::vector<const char*>;
+        method("Counter", Types{"unicodeString"}, Types{kCounter}, constructCounter, 1);
+        for (const char* type : {"double scalar", "uint32 scalar", "int32 scalar", "logical scalar", "unicodeString",
+                                 "asciiString", kCounter, "No.Such.Class"})
+            method((std::string("take ") + type).c_str(), Types{kCounter, type}, Types{}, [](hos::Invocation&) {});
+        method("isGood", Types{kCounter, "", "logical scalar"}, Types{"logical scalar"}, giveTrue, 1);
+        method("noObject", Types{kCounter}, Types{kCounter}, giveNoObject);
+        method("wrongResult", Types{kCounter}, Types{kCounter}, giveNumber);
+        method("make", Types{}, Types{"any"}, giveNumber, 0, true);
+    }
+    void* createInstance() const override {
+        g_events.push_back("created");
+        return new Counter;
+    }
+    void destroyInstance(void* instance) const override {
+        g_events.push_back("destroyed");
+        delete static_cast<Counter*>(instance);
+    }
+    bool isReferenceClass() const override { return true; }
+    bool canThisClassFormArrays() const override { return true; }
+    bool areClassPropertiesAllowed() const override { return true; }
+};
+
+using Contents = std::function<void(hos::COSNamespace&)>;
+
+class NamespaceInfo final : public hos::COSNamespaceInfo {
+public:
+    NamespaceInfo(const char* name, Contents contents) : m_name(name), m_contents(std::move(contents)) {}
+    ~NamespaceInfo() override { g_events.push_back(m_name + " info gone"); }
+    const char* getName() const override { return m_name.c_str(); }
+    void loadContents(hos::COSNamespace& hostNamespace) const override {
+        g_events.push_back(m_name + " loads");
+        m_contents(hostNamespace);
+    }
+
+private:
+    std::string m_name;
+    Contents m_contents;
+};
+
+void addCounter(hos::COSNamespace& tools) { tools.addClass(std::make_unique<CounterClass>(), 0, 2); }
+
+void addTools(hos::COSNamespace& lib) { lib.addInnerNamespace(std::make_unique<NamespaceInfo>("Tools", addCounter)); }
+
+class ObjectSystem : public testing::Test {
+protected:
+    void SetUp() override {
+        g_events.clear();
+        hos::COSNamespace::addNamespace(std::make_unique<NamespaceInfo>("Lib", addTools));
+    }
+    void TearDown() override {
+        m_held.clear();
+        orvex::releaseObjectSystem();
+        EXPECT_EQ(orvex::liveCounts(), m_before) << orvex::describeLive();
+    }
+
+    HvArrayPtr call(const char* name, std::vector<const hvArray*> ins, int nOut = 1) {
+        hvArray* outs[1] = {nullptr};
+        kssvFEVAL(nOut, outs, static_cast<int>(ins.size()), ins.data(), name);
+        return HvArrayPtr(outs[0]);
+    }
+    HvArrayPtr construct() { return call(kCounter, {}); }
+    const hvArray* hold(hvArray* value) { return m_held.emplace_back(value).get(); }
+
+private:
+    orvex::LedgerCounts m_before = orvex::liveCounts();
+    std::vector<HvArrayPtr> m_held;
+};
+
+using Events = std::vector<std::string>;
+
+TEST_F(ObjectSystem, loadsWhatALookUpPassesThroughAndNoMore) {
+    EXPECT_NE(hos::COSNamespace::getNamespace(makeInterned("Lib")), nullptr);
+    EXPECT_EQ(g_events, Events{});
+    EXPECT_NE(hos::COSNamespace::getNamespace(makeInterned("Lib.Tools")), nullptr);
+    EXPECT_EQ(hos::COSNamespace::getNamespace(makeInterned("Lib.Other")), nullptr);
+    EXPECT_EQ(hos::COSNamespace::getNamespace(makeInterned("Nothing.At.All")), nullptr);
+    EXPECT_EQ(g_events, Events{"Lib loads"});
+    construct();
+    EXPECT_EQ(g_events, (Events{"Lib loads", "Tools loads", "members", "created", "destroyed"}));
+}
+
+TEST_F(ObjectSystem, refusesASecondDefinitionAndKeepsTheFirst) {
+    const auto addLib = [] { hos::COSNamespace::addNamespace(std::make_unique<NamespaceInfo>("Lib", addTools)); };
+    EXPECT_NE(failureOf(addLib).find("\"Lib\" is defined already"), std::string::npos);
+    hos::COSNamespace* lib = hos::COSNamespace::getNamespace(makeInterned("Lib"));
+    EXPECT_NE(failureOf([&] { addTools(*lib); }).find("\"Lib.Tools\" is defined already"), std::string::npos);
+    hos::COSNamespace* tools = hos::COSNamespace::getNamespace(makeInterned("Lib.Tools"));
+    g_events.clear();
+    EXPECT_NE(failureOf([&] { addCounter(*tools); }).find("\"Lib.Tools.Counter\" is defined already"),
+              std::string::npos);
+    EXPECT_EQ(g_events, (Events{"Tools loads", "class info gone"}));
+    EXPECT_TRUE(hvIsA(construct().get(), kCounter));
+}
+
+TEST_F(ObjectSystem, aLoadThatFailsIsTakenBackAndTriedAgain) {
+    bool fails = true;
+    const auto contents = [&](hos::COSNamespace& flaky) {
+        addCounter(flaky);
+        if (fails) throw std::runtime_error("not now");
+    };
+    hos::COSNamespace::addNamespace(std::make_unique<NamespaceInfo>("Flaky", contents));
+    const auto lookUp = [] { return hos::COSNamespace::getNamespace(makeInterned("Flaky.Inner")); };
+    EXPECT_THROW(lookUp(), std::runtime_error);
+    fails = false;
+    EXPECT_EQ(lookUp(), nullptr);
+    EXPECT_EQ(g_events, (Events{"Flaky loads", "class info gone", "Flaky loads"}));
+}
+
+TEST_F(ObjectSystem, destroysTheInstanceWithTheLastReference) {
+    HvArrayPtr object = construct();
+    HvArrayPtr copy(hvCreateDeepCopy(object.get()));
+    hos::ObjectInterface pin = omGetArrayElement(copy.get(), 0);
+    g_events.clear();
+    object.reset();
+    copy.reset();
+    orvex::releaseObjectSystem();
+    EXPECT_EQ(g_events, (Events{"Tools info gone", "Lib info gone"}));
+    EXPECT_NE(hos::getNativeInstance(pin, makeInterned(kCounter)), nullptr);
+    EXPECT_EQ(hos::getNativeInstance(pin, makeInterned("Lib.Tools.Other")), nullptr);
+    pin.reset();
+    EXPECT_EQ(g_events.back(), "class info gone");
+}
+
+TEST_F(ObjectSystem, takesOptionalArgumentsAndNoOtherNumber) {
+    const HvArrayPtr name(hvCreateString("left"));
+    const HvArrayPtr named = call(kCounter, {name.get()});
+    EXPECT_EQ(hvArrayToStdString(HvArrayPtr(hvGetProperty(named.get(), 0, "Name")).get()), "left");
+    EXPECT_TRUE(hvIsLogicalScalarTrue(call("isGood", {named.get(), name.get()}).get()));
+    EXPECT_EQ(failureOf([&] { call("isGood", {named.get()}); }),
+              "Too few arguments for method \"isGood\" of class Lib.Tools.Counter: 1 given, at least 2 needed.");
+    EXPECT_EQ(failureOf([&] {
+                  call(kCounter, {name.get(), name.get()});
+              }),
+              "Too many arguments for the constructor of class Lib.Tools.Counter: 2 given, at most 1 taken.");
+    EXPECT_NE(failureOf([&] {
+                  call("take asciiString", {named.get(), name.get()});
+              }).find("it has 0"),
+              std::string::npos);
+    EXPECT_EQ(hvGetScalar(call("Lib.Tools.Counter.make", {}).get()), 1.0);
+    EXPECT_NE(failureOf([&] { call("make", {named.get()}); }).find("make"), std::string::npos);
+}
+
+TEST_F(ObjectSystem, convertsByDeclaredTypeOrSaysWhyNot) {
+    const auto number = [&](double value) { return hold(hvCreateDoubleScalar(value)); };
+    const auto text = [&](const char* value) { return hold(hvCreateString(value)); };
+    const hvArray* truth = hold(hvCreateLogicalScalar(true));
+    const hvArray* byte = hold(hvCreateNumericScalar(hvUINT8_CLASS, hvREAL));
+    const hvArray* row = hold(hvCreateNumericMatrix(1, 3, hvDOUBLE_CLASS, hvREAL));
+    HvArrayPtr big(hvCreateNumericScalar(hvUINT64_CLASS, hvREAL));
+    *static_cast<std::uint64_t*>(hvGetDataForWriting(big.get())) = (std::uint64_t{1} << 53) + 1;
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const HvArrayPtr object = construct();
+
+    struct Case {
+        const char* type;
+        const hvArray* value;
+        const char* given;  ///< as the refusal names it; null when it converts
+    };
+    const Case cases[] = {
+        {"double scalar", number(nan), nullptr},
+        {"double scalar", truth, nullptr},
+        {"double scalar", row, "double 1x3"},
+        {"double scalar", text("1"), "char 1x1"},
+        {"double scalar", big.get(), "uint64 1x1 with the value 9007199254740993"},
+        {"uint32 scalar", number(4294967295.0), nullptr},
+        {"uint32 scalar", byte, nullptr},
+        {"uint32 scalar", number(4294967296.0), "double 1x1 with the value 4294967296"},
+        {"uint32 scalar", number(-1.0), "double 1x1 with the value -1"},
+        {"uint32 scalar", number(1.5), "double 1x1 with the value 1.5"},
+        {"uint32 scalar", number(nan), "double 1x1 with the value nan"},
+        {"int32 scalar", number(-2147483648.0), nullptr},
+        {"int32 scalar", number(2147483648.0), "double 1x1 with the value 2147483648"},
+        {"int32 scalar", big.get(), "uint64 1x1 with the value 9007199254740993"},
+        {"logical scalar", number(0.5), nullptr},
+        {"logical scalar", number(nan), "double 1x1 with the value nan"},
+        {"unicodeString", text(""), nullptr},
+        {"unicodeString", text("\xC3\xA4"), nullptr},
+        {"unicodeString", number(1.0), "double 1x1 with the value 1"},
+        {"asciiString", text("plain"), nullptr},
+        {"asciiString", text("\xC3\xA4"), "char 1x1"},
+        {kCounter, object.get(), nullptr},
+        {kCounter, truth, "logical 1x1 with the value 1"},
+    };
+    for (const Case& row_ : cases) {
+        const std::string method = std::string("take ") + row_.type;
+        const std::string expected = !row_.given ? "(no failure)"
+                                                 : "Argument 2 of method \"" + method +
+                                                       "\" of class Lib.Tools.Counter must be of type \"" + row_.type +
+                                                       "\", and " + row_.given + " was given.";
+        EXPECT_EQ(failureOf([&] { call(method.c_str(), {object.get(), row_.value}, 0); }), expected);
+    }
+    EXPECT_NE(failureOf([&] {
+                  call("take No.Such.Class", {object.get(), truth}, 0);
+              }).find("neither a type"),
+              std::string::npos);
+}
+
+TEST_F(ObjectSystem, checksResultsAndGivesAnEmptyDoubleForNoObject) {
+    const HvArrayPtr object = construct();
+    const HvArrayPtr none = call("noObject", {object.get()});
+    EXPECT_STREQ(hvGetClassName(none.get()), "double");
+    EXPECT_TRUE(hvIsEmpty(none.get()));
+    EXPECT_NE(failureOf([&] { call("wrongResult", {object.get()}); }).find("Result 1 of method \"wrongResult\""),
+              std::string::npos);
+}
+
+TEST_F(ObjectSystem, releasesEachPropertyValueOnceAlsoWhenTheCopyFails) {
+    const HvArrayPtr object = construct();
+    g_events.clear();
+    EXPECT_EQ(hvGetScalar(HvArrayPtr(hvGetProperty(object.get(), 0, "State")).get()), 0.0);
+    EXPECT_EQ(g_events, (Events{"get", "release"}));
+    std::size_t operations = 0;
+    {
+        orvex::FaultInjection counting;
+        HvArrayPtr(hvGetProperty(object.get(), 0, "State"));
+        operations = counting.operations();
+    }
+    g_events.clear();
+    const orvex::FaultInjection lastFails({.failAt = operations});
+    EXPECT_THROW(hvGetProperty(object.get(), 0, "State"), kssvIException);
+    EXPECT_EQ(g_events, (Events{"get", "release"}));
+}
+
+TEST_F(ObjectSystem, enforcesAccessAndTypesOfProperties) {
+    const HvArrayPtr object = construct();
+    const HvArrayPtr number(hvCreateDoubleScalar(7.0));
+    const HvArrayPtr text(hvCreateString("right"));
+    const auto assign = [&](const char* name, const hvArray* value) {
+        return failureOf([&] { hvSetProperty(object.get(), 0, name, value); });
+    };
+    EXPECT_EQ(assign("Count", number.get()), "The property \"Count\" of class Lib.Tools.Counter is read-only.");
+    EXPECT_EQ(assign("Name", number.get()),
+              "The value for property \"Name\" of class Lib.Tools.Counter must be of type \"unicodeString\", and "
+              "double 1x1 with the value 7 was given.");
+    EXPECT_EQ(assign("Colour", number.get()), "There is no property \"Colour\" of class Lib.Tools.Counter.");
+    EXPECT_EQ(assign("Name", text.get()), "(no failure)");
+    EXPECT_EQ(orvex::displayObject(object.get()), "Lib.Tools.Counter\n  Name: 'right'\n  Count: 0");
+    EXPECT_NE(failureOf([&] { hvGetProperty(number.get(), 0, "Name"); }).find("is no object"), std::string::npos);
+    EXPECT_NE(failureOf([&] { hvGetProperty(object.get(), 1, "Name"); }).find("index 1 of 1"), std::string::npos);
+}
+
+TEST_F(ObjectSystem, scriptClassesShareANamespaceWithoutMakingIt) {
+    orvex::ScriptClass base;
+    base.fullName = "Script.Base";
+    base.properties = {{"Fixed", [] { return HvArrayPtr(hvCreateDoubleScalar(4.0)); }, false}};
+    base.methods["half"] = [](orvex::Call& half) {
+        const HvArrayPtr fixed(hvGetProperty(half.ins[0], 0, "Fixed"));
+        half.outs[0] = HvArrayPtr(hvCreateDoubleScalar(hvGetScalar(fixed.get()) / 2.0));
+    };
+    orvex::defineScriptClass(base);
+    orvex::ScriptClass derived;
+    derived.fullName = "Script.Derived";
+    derived.superclass = "Script.Base";
+    derived.properties = {{"Free"}};
+    orvex::defineScriptClass(derived);
+
+    EXPECT_EQ(hos::COSNamespace::getNamespace(makeInterned("Script")), nullptr);
+    const HvArrayPtr object = call("Script.Derived", {});
+    EXPECT_TRUE(hvIsA(object.get(), "Script.Base"));
+    EXPECT_EQ(hvGetScalar(call("half", {object.get()}).get()), 2.0);
+    EXPECT_NE(failureOf([&] { hvSetProperty(object.get(), 0, "Fixed", object.get()); }).find("read-only"),
+              std::string::npos);
+    EXPECT_TRUE(hvIsEmpty(HvArrayPtr(hvGetProperty(object.get(), 0, "Free")).get()));
+    EXPECT_NE(failureOf([&] { orvex::defineScriptClass(base); }).find("defined already"), std::string::npos);
+}
+
+}  // namespace
