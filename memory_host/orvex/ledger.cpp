@@ -3,6 +3,9 @@
 #include <cxxabi.h>
 #include <dlfcn.h>
 
+#include <array>
+#include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 
@@ -34,13 +37,16 @@ std::string demangled(const char* symbol) {
     return status == 0 && text ? text.get() : symbol;
 }
 
-/// The function that holds the code address, else the file.
+/// The function that holds the code address, else the file and the offset in it (for a symboliser).
 std::string placeOf(const void* address) {
     Dl_info info{};
     // One byte back: the return address of a call at a function's end belongs to the next function.
     if (!address || dladdr(static_cast<const char*>(address) - 1, &info) == 0) return "unknown code";
     if (info.dli_sname) return demangled(info.dli_sname);
-    return info.dli_fname ? info.dli_fname : "unknown code";
+    const auto offset = reinterpret_cast<std::uintptr_t>(address) - reinterpret_cast<std::uintptr_t>(info.dli_fbase);
+    std::array<char, 32> suffix{};
+    std::snprintf(suffix.data(), suffix.size(), "+0x%jx", static_cast<std::uintmax_t>(offset));
+    return (info.dli_fname ? info.dli_fname : "unknown code") + std::string(suffix.data());
 }
 
 }  // namespace

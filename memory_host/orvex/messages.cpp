@@ -23,7 +23,7 @@ struct kssvIException::State {
 };
 
 kssvIException::kssvIException(resource_core::BaseMsgID id, std::string text)
-    : m_state(std::make_shared<const State>(State{std::move(id), std::move(text)})) {}
+    : m_state(std::make_shared<const State>(State{id, std::move(text)})) {}
 
 kssvIException::kssvIException(const kssvIException&) noexcept = default;
 kssvIException::~kssvIException() = default;

@@ -1,5 +1,5 @@
-#include <cstring>
-#include <limits>
+#include <array>
+#include <utility>
 
 #include "memory_host/orvex/faults.h"
 #include "memory_host/orvex/field_names.h"

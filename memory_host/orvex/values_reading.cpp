@@ -1,4 +1,4 @@
-#include <cstring>
+#include <array>
 
 #include "memory_host/orvex/hv_array_impl.h"
 #include "memory_host/orvex/objects.h"
