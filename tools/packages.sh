@@ -22,6 +22,10 @@ boost_is_recent() {
     return 1
 }
 
+# For systems that have no such packages to ask for.
+declare -A headers=([libcli11-dev]=CLI/CLI.hpp [libfmt-dev]=fmt/format.h [libgtest-dev]=gtest/gtest.h)
+has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -E -x c++ - >/dev/null 2>&1; }
+
 has_package() { [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]; }
 
 # is_there PACKAGE: whether what the package is for is on this machine, wherever it came from.
@@ -32,7 +36,7 @@ is_there() {
         ninja-build) have ninja ;;
         pkg-config | clang-format | clang-tidy) have "$1" ;;
         libboost1.81-dev) boost_is_recent ;;
-        *) ! have dpkg-query || has_package "$1" ;;
+        *) if have dpkg-query; then has_package "$1"; else has_header "${headers[$1]}"; fi ;;
     esac
 }
 
