@@ -6,5 +6,13 @@ namespace kestrel {
 void defineSignalSpecification();
 void defineIsEqual();
 void defineRebinding();
+void defineSignalClient();
+void defineModelObservers();
+void defineInterfaceManager();
+void defineObserverFunctions();
+void definePortQueries();
+
+/// Forgets the renames and events recorded so far.
+void clearRecords() noexcept;
 
 }  // namespace kestrel

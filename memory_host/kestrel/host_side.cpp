@@ -9,6 +9,11 @@ void installHostSide() {
     defineSignalSpecification();
     defineIsEqual();
     defineRebinding();
+    defineSignalClient();
+    defineModelObservers();
+    defineInterfaceManager();
+    defineObserverFunctions();
+    definePortQueries();
 }
 
 void releaseHostSide() noexcept { loadedModels().unloadAll(); }

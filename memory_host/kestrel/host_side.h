@@ -25,7 +25,7 @@ struct HmiEvent {
     std::u16string event;
     std::u16string path;
 };
-/// Everything since the start or the last `releaseHostSide`, oldest first.
+/// Both: everything since the start or the last `releaseHostSide`, oldest first.
 OX_API const std::vector<ModelRename>& recordedRenames() noexcept;
 OX_API const std::vector<HmiEvent>& recordedEvents() noexcept;
 

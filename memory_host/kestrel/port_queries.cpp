@@ -1,0 +1,161 @@
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/text.h"
+#include "memory_host/kestrel/alignment.h"
+#include "memory_host/kestrel/host_definitions.h"
+#include "memory_host/kestrel/host_values.h"
+
+// What an editor asks of a model as a whole: its observed ports, and the blocks that carry badges.
+namespace kestrel {
+
+namespace {
+
+constexpr const char* kModelClass = "Kestrel.Model";
+
+/// One observed port with the signal that observes it.
+struct ObservedPort {
+    HvArrayPtr signal;
+    LoadedBlock block;
+};
+
+bool flagProperty(const hvArray* object, const char* name) { return numberProperty(object, name) != 0.0; }
+
+bool isChart(const hvArray* signal) { return textProperty(signal, "DomainType_").starts_with(u"cw_"); }
+
+LoadedBlock blockOf(const hvArray* signal) {
+    const std::u16string eid = textProperty(signal, "EID_");
+    return eid.empty() ? findByFullPath(textProperty(signal, "BlockPath_")) : findByFullEid(fl::i18n::to_string(eid));
+}
+
+LoadedModel& requireModel(const hvArray* modelObject) {
+    const std::u16string name = textOf(orvex::requireScriptObject(modelObject, kModelClass).stored("Name"));
+    LoadedModel* open = loadedModels().find(name);
+    if (!open) orvex::raise("ModelNotOpen", "No model named " + quoted(name) + " is open.");
+    return *open;
+}
+
+/// The port signals of the model's set whose block is in an open model, in the set's order.
+std::vector<ObservedPort> observedPorts(const LoadedModel& open) {
+    std::vector<ObservedPort> ports;
+    const double count = open.signals() ? numberProperty(open.signals(), "Count") : 0.0;
+    for (double position = 1.0; position <= count; ++position) {
+        HvArrayPtr signal = callForOne("get", {open.signals(), numberValue(position).get()});
+        if (isChart(signal.get())) continue;
+        if (const LoadedBlock block = blockOf(signal.get())) ports.push_back({std::move(signal), block});
+    }
+    return ports;
+}
+
+bool isAtOrBelow(std::u16string_view path, std::u16string_view parent) {
+    return parent.empty() || path == parent ||
+           (path.starts_with(parent) && path.size() > parent.size() && path[parent.size()] == u'/');
+}
+
+template <class Text>
+HvArrayPtr textColumn(const std::vector<ObservedPort>& ports, Text text) {
+    const std::size_t count = ports.size();
+    HvArrayPtr column(hvCreateCellArray(1, &count));
+    for (std::size_t i = 0; i < count; ++i) hvSetCell(column.get(), i, textValue(text(ports[i])).release());
+    return column;
+}
+
+template <class Number>
+HvArrayPtr numberColumn(const std::vector<ObservedPort>& ports, Number number) {
+    HvArrayPtr column(hvCreateNumericMatrix(ports.size(), 1, hvDOUBLE_CLASS, hvREAL));
+    auto* data = static_cast<double*>(hvGetDataForWriting(column.get()));
+    for (const ObservedPort& port : ports) *data++ = number(port);
+    return column;
+}
+
+HvArrayPtr textColumn(const std::vector<ObservedPort>& ports, const char* property) {
+    return textColumn(ports, [&](const ObservedPort& port) { return textProperty(port.signal.get(), property); });
+}
+
+HvArrayPtr numberColumn(const std::vector<ObservedPort>& ports, const char* property) {
+    return numberColumn(ports, [&](const ObservedPort& port) { return numberProperty(port.signal.get(), property); });
+}
+
+std::u16string fullPathOf(const ObservedPort& port) { return port.block.owner->model().fullPath(*port.block.block); }
+
+/// Leaves what the five arguments of "getObservedPorts" ask for.
+void filter(std::vector<ObservedPort>& ports, const orvex::Call& call) {
+    const std::u16string below = textOf(call.ins[1]);
+    const std::u16string visualType = textOf(call.ins[2]);
+    const bool withHidden = hvIsLogicalScalarTrue(call.ins[3]);
+    const bool withUnsaved = hvIsLogicalScalarTrue(call.ins[4]);
+    std::erase_if(ports, [&](const ObservedPort& port) {
+        const hvArray* signal = port.signal.get();
+        return !isAtOrBelow(fullPathOf(port), below) ||
+               (!visualType.empty() && textProperty(signal, "VisualType_") != visualType) ||
+               (!withHidden && flagProperty(signal, "HideInPLV_")) ||
+               (!withUnsaved && flagProperty(signal, "ExcludeForSave_"));
+    });
+}
+
+/// Inputs: the model's object; a full path (only blocks at or below it; empty: all); a display kind (only
+/// signals that feed it; empty: all); whether to list signals that the viewer hides; whether to list those
+/// that are not saved.
+/// Outputs, N x 1, in the order of the signals: UUID, block handle, output port, decimation, maximum
+/// points, frame based, buffered on the target, signal name, hidden in the viewer, full path of the block
+/// as it is now. Texts are cells, all else doubles. Charts have no ports and are not listed, nor are signals
+/// whose block is gone.
+void getObservedPorts(orvex::Call& call) {
+    requireInputs(call, 5);
+    std::vector<ObservedPort> ports = observedPorts(requireModel(call.ins[0]));
+    filter(ports, call);
+    std::array<HvArrayPtr, 10> results = {
+        textColumn(ports, "UUID"),
+        numberColumn(ports, [](const ObservedPort& port) { return port.block.block->handle; }),
+        numberColumn(ports, "OutputPortIndex_"),
+        numberColumn(ports, "Decimation_"),
+        numberColumn(ports, "MaxPoints_"),
+        numberColumn(ports, "IsFrameBased_"),
+        numberColumn(ports, "TargetBufferedStreaming_"),
+        textColumn(ports, "SignalName_"),
+        numberColumn(ports, "HideInPLV_"),
+        textColumn(ports, fullPathOf),
+    };
+    std::move(results.begin(),
+              results.begin() + static_cast<std::ptrdiff_t>(std::min(results.size(), call.outs.size())),
+              call.outs.begin());
+}
+
+/// Input: the model's object. Output: the handles of the blocks with an observed port, 1 x N, ascending,
+/// each once.
+void getPortsWithBadges(orvex::Call& call) {
+    requireInputs(call, 1);
+    std::vector<double> handles;
+    for (const ObservedPort& port : observedPorts(requireModel(call.ins[0])))
+        handles.push_back(port.block.block->handle);
+    std::sort(handles.begin(), handles.end());
+    handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
+    HvArrayPtr row(hvCreateNumericMatrix(1, handles.size(), hvDOUBLE_CLASS, hvREAL));
+    std::copy(handles.begin(), handles.end(), static_cast<double*>(hvGetDataForWriting(row.get())));
+    call.outs[0] = std::move(row);
+}
+
+void constructModel(orvex::ScriptObject& self, std::span<const hvArray* const> arguments) {
+    const std::u16string name = arguments.size() == 1 ? textOf(arguments[0]) : std::u16string();
+    if (!loadedModels().find(name))
+        orvex::raise("ModelNotOpen", std::string("The constructor of class ") + kModelClass +
+                                         " takes the name of an open model, and " + quoted(name) + " is none.");
+    self.store("Name", textValue(name));
+}
+
+}  // namespace
+
+void definePortQueries() {
+    orvex::ScriptClass definition;
+    definition.fullName = kModelClass;
+    definition.properties = {{"Name", emptyText, false}};
+    definition.construct = constructModel;
+    defineOnce(std::move(definition));
+    orvex::defineFunction("getObservedPorts", getObservedPorts, 10);
+    orvex::defineFunction("getPortsWithBadges", getPortsWithBadges, 1);
+}
+
+}  // namespace kestrel

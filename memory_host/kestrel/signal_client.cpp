@@ -1,0 +1,61 @@
+#include <array>
+
+#include "memory_host/kestrel/host_definitions.h"
+#include "memory_host/kestrel/host_values.h"
+#include "memory_host/kestrel/signal_lookup.h"
+
+// The host class that shows one observer of a signal.
+namespace kestrel {
+
+namespace {
+
+constexpr std::array kFields = {
+    "UUID",          "ModelPath_",      "ModelPathEID_", "SourceModel_",      "SignalUUID_",
+    "ObserverType_", "ObserverParams_", "UpdateRate_",   "DimensionChannel_", "ObserveImaginaryPart_",
+    "BusLeafPath_",
+};
+
+HvArrayPtr one() { return uint32Value(1); }
+HvArrayPtr no() { return logicalValue(false); }
+
+/// The object of the observed signal; a 0x0 double when no open model that the client names has it.
+HvArrayPtr signalInfo(const orvex::ScriptObject& self) {
+    HvArrayPtr signal = findSignal(modelsOfClient(self), textOf(self.stored("SignalUUID_")));
+    return signal ? std::move(signal) : emptyNumber();
+}
+
+std::vector<orvex::ScriptProperty> properties() {
+    return {
+        {"UUID", emptyText},
+        {"ModelPath_", emptyCell},
+        {"ModelPathEID_", emptyCell},
+        {"SourceModel_", emptyText},
+        {"SignalUUID_", emptyText},
+        {"ObserverType_", emptyText},
+        {"ObserverParams_", emptyNumber},
+        {"UpdateRate_", one},
+        {"DimensionChannel_", one},
+        {"ObserveImaginaryPart_", no},
+        {"BusLeafPath_", emptyText},
+        {"SignalInfo", {}, false, signalInfo},
+    };
+}
+
+void construct(orvex::ScriptObject& self, std::span<const hvArray* const> arguments) {
+    if (arguments.empty()) return;
+    if (arguments.size() != 1)
+        orvex::raise("TooManyInputs", "The constructor of class " + self.className() + " takes one struct.");
+    fillFromStruct(self, arguments.front(), kFields);
+}
+
+}  // namespace
+
+void defineSignalClient() {
+    orvex::ScriptClass definition;
+    definition.fullName = kSignalClientClass;
+    definition.properties = properties();
+    definition.construct = construct;
+    defineOnce(std::move(definition));
+}
+
+}  // namespace kestrel

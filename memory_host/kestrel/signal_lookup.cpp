@@ -1,0 +1,52 @@
+#include "memory_host/kestrel/signal_lookup.h"
+
+#include <algorithm>
+
+#include "memory_host/kestrel/alignment.h"
+#include "memory_host/kestrel/host_values.h"
+
+namespace kestrel {
+
+namespace {
+
+std::u16string uuidAt(const hvArray* set, double position) {
+    return textOf(callForOne("getUUID", {set, numberValue(position).get()}).get());
+}
+
+}  // namespace
+
+std::vector<std::u16string> modelsOfClient(const hos::COSObject& client) {
+    std::vector<std::u16string> names;
+    const auto include = [&](std::u16string name) {
+        if (!name.empty() && std::find(names.begin(), names.end(), name) == names.end())
+            names.push_back(std::move(name));
+    };
+    include(textOf(client.getProperty("SourceModel_").get()));
+    const HvArrayPtr path = client.getProperty("ModelPath_");
+    for (std::size_t i = 0; i < hvGetNumberOfElements(path.get()); ++i)
+        include(std::u16string(modelOfPath(textOf(hvGetCell(path.get(), i)))));
+    return names;
+}
+
+std::vector<std::u16string> signalUuids(const LoadedModel& open) {
+    std::vector<std::u16string> uuids;
+    if (!open.signals()) return uuids;
+    const double count = numberProperty(open.signals(), "Count");
+    uuids.reserve(static_cast<std::size_t>(count));
+    for (double position = 1.0; position <= count; ++position) uuids.push_back(uuidAt(open.signals(), position));
+    return uuids;
+}
+
+HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, std::u16string_view uuid) {
+    if (uuid.empty()) return nullptr;
+    for (const std::u16string& name : modelNames) {
+        const LoadedModel* open = loadedModels().find(name);
+        const hvArray* set = open ? open->signals() : nullptr;
+        const double count = set ? numberProperty(set, "Count") : 0.0;
+        for (double position = 1.0; position <= count; ++position)
+            if (uuidAt(set, position) == uuid) return callForOne("get", {set, numberValue(position).get()});
+    }
+    return nullptr;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/hv_array.h"
+#include "memory_host/kestrel/loaded_models.h"
+#include "memory_host/orvex/objects.h"
+
+/// Finding the signal that an observer watches, through the signal sets of the open models.
+namespace kestrel {
+
+/// Full name of the host class of one observer.
+inline constexpr const char* kSignalClientClass = "Kestrel.HMI.SignalClient";
+
+/// The models in which a client's signal is looked for, each once: the source model, then the models in
+/// front of the elements of its model path.
+std::vector<std::u16string> modelsOfClient(const hos::COSObject& client);
+
+/// UUIDs of a model's signals in the set's order; empty while the model has no set.
+std::vector<std::u16string> signalUuids(const LoadedModel& open);
+
+/// The object of the signal with that UUID in the first of the models that has it; null when none does.
+HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, std::u16string_view uuid);
+
+}  // namespace kestrel
