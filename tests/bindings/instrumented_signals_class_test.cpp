@@ -1,0 +1,133 @@
+#include <limits>
+
+#include "tests/support/host_test.h"
+
+using namespace ks_test;
+using ks_hmi::InstrumentedSignals;
+using ks_hmi::SignalSpecification;
+
+namespace {
+
+class InstrumentedSignalsClass : public ModelTest {
+protected:
+    HvArrayPtr signal(const char16_t* path, int portIndex) const {
+        return port(path, portIndex)->getHOSObject(u"m1", false);
+    }
+    std::string errorOf(const char* method, std::initializer_list<const hvArray*> inputs) {
+        return raisedBy([&] { call(method, inputs, 0); });
+    }
+};
+
+TEST_F(InstrumentedSignalsClass, constructorNamesTheModelWhenAsked) {
+    EXPECT_EQ(hvArrayToStdString(property(object(), "Model").get()), "m1");
+    const auto unnamed = call("Kestrel.HMI.InstrumentedSignals", {});
+    EXPECT_EQ(hvGetNumberOfElements(property(unnamed.get(), "Model").get()), 0U);
+    EXPECT_EQ(hvGetScalar(property(unnamed.get(), "Count").get()), 0.0);
+    EXPECT_NE(errorOf("Kestrel.HMI.InstrumentedSignals", {text("a").get(), text("b").get()}), "");
+}
+
+TEST_F(InstrumentedSignalsClass, elementsAreReachedByOneBasedPositions) {
+    call("add", {object(), signal(u"Gain", 1).get()}, 0);
+    call("add", {object(), signal(u"Sub/Switch", 2).get()}, 0);
+    EXPECT_EQ(hvGetScalar(property(object(), "Count").get()), 2.0);
+    EXPECT_EQ(set().get(1)->m_blockPath, u"Sub/Switch") << "stored relative to the model";
+    call("set", {object(), number(1).get(), signal(u"Sub/Chart", 1).get()}, 0);
+    const auto second = call("get", {object(), number(2).get()});
+    EXPECT_EQ(hvArrayToStdString(property(second.get(), "BlockPath_").get()), "m1/Sub/Switch");
+    const auto asStruct = call("get", {object(), number(1).get(), logical(true).get()});
+    EXPECT_EQ(hvGetNumberOfFields(asStruct.get()), 20);
+    EXPECT_EQ(hvArrayToStdString(call("getUUID", {object(), number(2).get()}).get()), set().get(1)->m_uuid);
+    call("remove", {object(), number(1).get()}, 0);
+    EXPECT_EQ(set().getCount(), 1U);
+}
+
+TEST_F(InstrumentedSignalsClass, positionZeroAndTooLargeOnesRaiseTheCount) {
+    call("add", {object(), signal(u"Gain", 1).get()}, 0);
+    const auto spec = signal(u"Gain", 1);
+    for (const double index : {0.0, 2.0, 4294967295.0}) {
+        const auto position = number(index);
+        EXPECT_EQ(errorOf("get", {object(), position.get()}), "InvalidElementIndex 1");
+        EXPECT_EQ(errorOf("getUUID", {object(), position.get()}), "InvalidElementIndex 1");
+        EXPECT_EQ(errorOf("remove", {object(), position.get()}), "InvalidElementIndex 1");
+        EXPECT_EQ(errorOf("set", {object(), position.get(), spec.get()}), "InvalidElementIndex 1");
+    }
+    for (const double index : {-1.0, 1.5, 4294967296.0, std::numeric_limits<double>::quiet_NaN()}) {
+        const std::string error = errorOf("remove", {object(), number(index).get()});
+        EXPECT_NE(error, "");
+        EXPECT_EQ(error.find("InvalidElementIndex"), std::string::npos) << "refused before the set sees it";
+    }
+    EXPECT_EQ(set().getCount(), 1U);
+}
+
+TEST_F(InstrumentedSignalsClass, queriesForwardToTheSet) {
+    set().add(resolvedPort(u"Gain", 1, 12.5));
+    set().add(chartItem(u"cw_state", u"7", u"Self"));
+    const auto truth = [&](const char* method, std::initializer_list<const hvArray*> inputs) {
+        const auto result = call(method, inputs);
+        EXPECT_EQ(hvGetClassID(result.get()), hvLOGICAL_CLASS);
+        return hvIsLogicalScalarTrue(result.get());
+    };
+    EXPECT_TRUE(truth("isPortObserved", {object(), resolvedPort(u"x", 1, 12.5)->getHOSObject(u"m1", false).get()}));
+    EXPECT_FALSE(truth("isPortObserved", {object(), signal(u"Sub/Switch", 1).get()}));
+    EXPECT_TRUE(truth("isGivenPortObserved", {object(), number(12.5).get(), number(1).get()}));
+    EXPECT_FALSE(truth("isGivenPortObserved", {object(), number(12.5).get(), number(-1).get()}));
+    EXPECT_TRUE(
+        truth("isGivenCWActivityObserved", {object(), text("m1:4").get(), number(7).get(), text("Self").get()}));
+    EXPECT_FALSE(
+        truth("isGivenCWActivityObserved", {object(), text("m1:4").get(), number(7).get(), text("Leaf").get()}));
+    EXPECT_TRUE(truth("isAnyCWActivityObserved", {object(), text("m1:4").get(), number(7).get()}));
+    EXPECT_FALSE(truth("isAnyCWActivityObserved", {object(), text("m1:5").get(), number(7).get()}));
+}
+
+TEST_F(InstrumentedSignalsClass, staticMethodsKeepTheUuidsOfPorts) {
+    const auto uuidOf = [&](double handle, double portIndex, bool useMap) {
+        return hvArrayToStdString(call("Kestrel.HMI.InstrumentedSignals.getUUIDForBlock",
+                                       {number(handle).get(), number(portIndex).get(), logical(useMap).get()})
+                                      .get());
+    };
+    call("Kestrel.HMI.InstrumentedSignals.setUUIDForBlock",
+         {number(7.25).get(), number(2).get(), text("my-uuid").get()}, 0);
+    EXPECT_EQ(SignalSpecification::getBlockUUIDmap().at("2-7.250000"), "my-uuid");
+    EXPECT_EQ(uuidOf(7.25, 2, true), "my-uuid");
+    EXPECT_NE(uuidOf(7.25, 2, false), "my-uuid");
+    EXPECT_EQ(uuidOf(7.25, 3, true), uuidOf(7.25, 3, true));
+}
+
+TEST_F(InstrumentedSignalsClass, persistenceGoesFromOneObjectToAnother) {
+    set().add(port(u"Gain", 1));
+    const auto saved = property(object(), "Persistence");
+    const auto other = call("Kestrel.HMI.InstrumentedSignals", {text("m1").get()});
+    hvSetProperty(other.get(), 0, "Persistence", saved.get());
+    hvSetProperty(other.get(), 0, "Persistence", saved.get());
+    auto& loaded = *InstrumentedSignals::getFromHvArray(other.get());
+    ASSERT_EQ(loaded.getCount(), 2U);
+    EXPECT_TRUE(loaded.get(1)->isEqual(set().get(0)));
+}
+
+TEST_F(InstrumentedSignalsClass, readOnlyPropertiesRefuseAssignment) {
+    HvArrayPtr target(hvCreateSharedDataCopy(object()));
+    EXPECT_NE(raisedBy([&] { hvSetProperty(target.get(), 0, "Model", text("m2").get()); }), "");
+    EXPECT_NE(raisedBy([&] { hvSetProperty(target.get(), 0, "Count", number(3).get()); }), "");
+    EXPECT_EQ(set().getModelName(), u"m1");
+}
+
+TEST_F(InstrumentedSignalsClass, aScriptMayRemoveTheSignalThatIsBeingHandedOut) {
+    set().add(port(u"Gain", 1));
+    const auto meddling = orvex::registerFunction("Kestrel.HMI.SignalSpecification", [&](orvex::Call& c) {
+        while (set().getCount() > 0) set().remove(std::size_t{0});
+        orvex::raise("refused", std::string("with ") + std::to_string(c.ins.size()));
+    });
+    const auto result = call("get", {object(), number(1).get()});
+    EXPECT_TRUE(hvIsEmpty(result.get())) << "a 0x0 double stands for the object that was refused";
+    EXPECT_EQ(orvex::warnings().size(), 1U);
+}
+
+TEST_F(InstrumentedSignalsClass, argumentsThatAreNoObjectsOfTheClassAreRefused) {
+    const auto one = number(1);
+    EXPECT_NE(errorOf("add", {object(), one.get()}), "");
+    EXPECT_NE(errorOf("add", {object(), object()}), "");
+    EXPECT_NE(errorOf("get", {object()}), "");
+    EXPECT_EQ(set().getCount(), 0U);
+}
+
+}  // namespace

@@ -1,0 +1,83 @@
+#include <gtest/gtest.h>
+
+#include "host/object_system.h"
+#include "memory_host/kestrel/host_side.h"
+#include "memory_host/orvex/class_members.h"
+#include "memory_host/orvex/functions.h"
+#include "memory_host/orvex/ledger.h"
+#include "memory_host/orvex/library_loader.h"
+
+/// The library as a host loads it: this program does not link it.
+
+namespace {
+
+constexpr const char* kClass = "Kestrel.HMI.InstrumentedSignals";
+
+hos::COSNamespace* find(const char* name) { return hos::COSNamespace::getNamespace(hos::internal::makeInterned(name)); }
+
+class ForeignNamespace final : public hos::COSNamespaceInfo {
+public:
+    explicit ForeignNamespace(const char* name) : m_name(name) {}
+    const char* getName() const override { return m_name; }
+
+private:
+    const char* m_name;
+};
+
+bool canConstruct() {
+    const auto made = orvex::callByName(kClass, {}, 1);
+    return hvIsA(made[0].get(), kClass);
+}
+
+class LibraryEntry : public ::testing::TestWithParam<int> {
+protected:
+    ~LibraryEntry() override {
+        kestrel::releaseHostSide();
+        orvex::releaseObjectSystem();
+        EXPECT_EQ(orvex::liveCounts(), orvex::LedgerCounts{}) << orvex::describeLive();
+    }
+};
+
+TEST_P(LibraryEntry, registersBesideTheNamespacesThatAreThere) {
+    const int foreignNamespaces = GetParam();
+    if (foreignNamespaces > 0) hos::COSNamespace::addNamespace(std::make_unique<ForeignNamespace>("Kestrel"));
+    if (foreignNamespaces > 1) find("Kestrel")->addInnerNamespace(std::make_unique<ForeignNamespace>("HMI"));
+    kestrel::installHostSide();
+    orvex::LoadedLibrary library(KS_HMI_LIBRARY_FILE);
+    EXPECT_TRUE(canConstruct());
+    EXPECT_NE(find("Kestrel.HMI"), nullptr);
+    kestrel::releaseHostSide();
+    orvex::releaseObjectSystem();
+    library.unload();
+}
+
+INSTANTIATE_TEST_SUITE_P(WithForeignNamespaces, LibraryEntry, ::testing::Values(0, 1, 2));
+
+TEST_F(LibraryEntry, registersOnceAndLeavesItAllToTheHostAtTheEnd) {
+    kestrel::installHostSide();
+    orvex::LoadedLibrary library(KS_HMI_LIBRARY_FILE);
+    const auto initialize = reinterpret_cast<void (*)()>(library.symbol("OXInitialize_ks_hmi_foundation"));
+    const auto terminate = reinterpret_cast<void (*)()>(library.symbol("OXTerminate_ks_hmi_foundation"));
+    ASSERT_TRUE(initialize && terminate);
+    initialize();
+    terminate();
+    EXPECT_TRUE(canConstruct());
+    kestrel::releaseHostSide();
+    orvex::releaseObjectSystem();
+    initialize();
+    EXPECT_EQ(find("Kestrel"), nullptr) << "the second call does nothing, whatever the namespaces are";
+    library.unload();
+}
+
+TEST_F(LibraryEntry, isLoadedUsedAndUnloadedAgainAndAgain) {
+    for (int i = 0; i < 20; ++i) {
+        kestrel::installHostSide();
+        orvex::LoadedLibrary library(KS_HMI_LIBRARY_FILE);
+        EXPECT_TRUE(canConstruct());
+        kestrel::releaseHostSide();
+        orvex::releaseObjectSystem();
+        library.unload();
+    }
+}
+
+}  // namespace

@@ -1,0 +1,218 @@
+#include "signals/instrumented_signals.h"
+
+#include "tests/support/host_test.h"
+
+using namespace ks_test;
+using ks_hmi::InstrumentedSignals;
+using ks_hmi::SignalSpecification;
+
+namespace {
+
+class InstrumentedSignalsTest : public ModelTest {
+protected:
+    std::vector<std::u16string> paths(const InstrumentedSignals& signals) const {
+        std::vector<std::u16string> result;
+        for (std::size_t i = 0; i < signals.getCount(); ++i) result.push_back(signals.get(i)->m_blockPath);
+        return result;
+    }
+    using Paths = std::vector<std::u16string>;
+};
+
+TEST_F(InstrumentedSignalsTest, positionsOutsideTheSetRaiseTheCountAndChangeNothing) {
+    for (std::size_t count : {0U, 3U}) {
+        while (set().getCount() < count) set().add(port(u"Gain", 1));
+        const std::string error = "InvalidElementIndex " + std::to_string(count);
+        for (const std::size_t index : {count, count + 1, SIZE_MAX}) {
+            EXPECT_EQ(raisedBy([&] { set().get(index); }), error);
+            EXPECT_EQ(raisedBy([&] { set().set(index, port(u"Other", 1)); }), error);
+            EXPECT_EQ(raisedBy([&] { set().remove(index); }), error);
+            if (index != count) {
+                EXPECT_EQ(raisedBy([&] { set().insert(index, port(u"Other", 1)); }), error);
+            }
+        }
+        EXPECT_EQ(set().getCount(), count);
+    }
+    set().insert(3, port(u"End", 1));
+    set().insert(0, port(u"Front", 1));
+    EXPECT_EQ(paths(set()), (Paths{u"Front", u"Gain", u"Gain", u"Gain", u"End"}));
+}
+
+TEST_F(InstrumentedSignalsTest, nullRecordsAreRefused) {
+    set().add(port(u"Gain", 1));
+    EXPECT_EQ(raisedBy([&] { set().add(nullptr); }), "NullRecord");
+    EXPECT_EQ(raisedBy([&] { set().insert(0, nullptr); }), "NullRecord");
+    EXPECT_EQ(raisedBy([&] { set().set(0, nullptr); }), "NullRecord");
+    EXPECT_EQ(paths(set()), (Paths{u"Gain"}));
+    EXPECT_FALSE(set().isPortObserved(nullptr));
+    EXPECT_FALSE(set().isEqual(nullptr));
+}
+
+TEST_F(InstrumentedSignalsTest, removalByValueTakesTheFirstMatchOnly) {
+    for (const char16_t* const path : {u"A", u"Gain", u"B", u"Gain"}) set().add(port(path, 1));
+    set().remove(*set().get(3));
+    EXPECT_EQ(paths(set()), (Paths{u"A", u"B", u"Gain"}));
+    set().remove(*port(u"absent", 1));
+    EXPECT_EQ(set().getCount(), 3U);
+}
+
+TEST_F(InstrumentedSignalsTest, setReplacesAlsoByARecordTakenFromTheSet) {
+    set().add(port(u"A", 1));
+    set().add(port(u"B", 1));
+    set().set(0, set().share(1));
+    EXPECT_EQ(paths(set()), (Paths{u"B", u"B"}));
+    EXPECT_FALSE(set().isPortObserved(0.0, u"A", u"", 1, 0, 0));
+    EXPECT_TRUE(set().isPortObserved(0.0, u"B", u"", 1, 0, 0));
+    set().set(1, set().share(1));
+    EXPECT_TRUE(set().isPortObserved(0.0, u"B", u"", 1, 0, 0));
+}
+
+TEST_F(InstrumentedSignalsTest, equalityIsByOrderAndIgnoresTheModelName) {
+    const auto otherObject = call("Kestrel.HMI.InstrumentedSignals", {text("m2").get()});
+    auto& other = *InstrumentedSignals::getFromHvArray(otherObject.get());
+    EXPECT_TRUE(set().isEqual(&other));
+    const auto a = port(u"A", 1);
+    const auto b = port(u"B", 1);
+    set().add(a->clone());
+    EXPECT_FALSE(set().isEqual(&other));
+    set().add(b->clone());
+    other.add(b->clone());
+    other.add(a->clone());
+    EXPECT_FALSE(set().isEqual(&other));
+    other.remove(std::size_t{0});
+    other.add(b->clone());
+    EXPECT_TRUE(set().isEqual(&other));
+}
+
+TEST_F(InstrumentedSignalsTest, persistenceKeepsOrderAndAppends) {
+    set().add(port(u"Gain", 1, "1"));
+    set().add(resolvedPort(u"Sub/Switch", 2, 7.5));
+    set().get(1)->m_excludeForSave = true;
+    const auto saved = set().getPersistenceData();
+    ASSERT_EQ(hvGetNumberOfElements(saved.get()), 2U);
+    EXPECT_EQ(hvGetDimensions(saved.get())[0], 2U);
+    EXPECT_EQ(hvGetNumberOfFields(saved.get()), 16);
+    set().setFromPersistenceData(saved.get());
+    EXPECT_EQ(paths(set()), (Paths{u"Gain", u"Sub/Switch", u"Gain", u"Sub/Switch"}));
+    EXPECT_TRUE(set().get(2)->isEqual(set().get(0)));
+    EXPECT_EQ(set().get(3)->m_cachedPortIdx, 0);
+    EXPECT_EQ(set().getModelName(), u"m1");
+
+    const auto none = call("Kestrel.HMI.InstrumentedSignals", {});
+    const auto empty = InstrumentedSignals::getFromHvArray(none.get())->getPersistenceData();
+    EXPECT_TRUE(hvIsEmpty(empty.get()));
+    EXPECT_EQ(hvGetNumberOfFields(empty.get()), 16);
+    set().setFromPersistenceData(empty.get());
+    set().setFromPersistenceData(nullptr);
+    EXPECT_EQ(set().getCount(), 4U);
+}
+
+TEST_F(InstrumentedSignalsTest, anUnreadableElementLeavesTheOnesBeforeIt) {
+    for (const char16_t* const path : {u"Gain", u"Sub/Switch", u"Sub/Chart"}) set().add(port(path, 1));
+    const auto saved = set().getPersistenceData();
+    hvReplaceField(saved.get(), 1, "Decimation_", nullptr);
+    EXPECT_EQ(raisedBy([&] { set().setFromPersistenceData(saved.get()); }), "MissingField Decimation_ 2");
+    EXPECT_EQ(set().getCount(), 4U);
+}
+
+TEST_F(InstrumentedSignalsTest, savingSurvivesScriptsThatChangeTheSet) {
+    set().add(port(u"Gain", 1, "1"));
+    set().add(port(u"Sub/Switch", 1, "3"));
+    const orvex::FunctionRegistration meddling = orvex::registerFunction("getAlignedBlockPath", [&](orvex::Call& c) {
+        while (set().getCount() > 0) set().remove(std::size_t{0});
+        c.outs[0] = text("m1/moved");
+    });
+    const auto saved = set().getPersistenceData();
+    EXPECT_EQ(hvGetNumberOfElements(saved.get()), 2U);
+    EXPECT_EQ(hvArrayToStdString(hvGetField(saved.get(), 1, "BlockPath_")), "moved");
+    EXPECT_EQ(set().getCount(), 0U);
+}
+
+TEST_F(InstrumentedSignalsTest, copyClonesTheListAndSharesTheIndexUntilItIsRebuilt) {
+    set().add(port(u"Gain", 1));
+    set().add(port(u"Sub/Switch", 1));
+    set().get(1)->m_excludeForSave = true;
+    set().setRebindingPending(true);
+    const auto all = set().copy(false);
+    const auto saved = set().copy(true);
+    auto& copied = *InstrumentedSignals::getFromHvArray(all.get());
+    EXPECT_TRUE(copied.isEqual(&set()));
+    EXPECT_EQ(copied.getModelName(), u"m1");
+    EXPECT_FALSE(copied.isRebindingPending());
+    EXPECT_EQ(paths(*InstrumentedSignals::getFromHvArray(saved.get())), (Paths{u"Gain"}));
+
+    EXPECT_TRUE(copied.isPortObserved(4.5, u"Gain", u"", 1, 1, 0));
+    EXPECT_EQ(set().get(0)->m_cachedBlockHandle, 4.5) << "the copied index resolves the original";
+    EXPECT_EQ(copied.get(0)->m_cachedPortIdx, 0);
+    copied.updateObservedPortMap();
+    EXPECT_TRUE(copied.isPortObserved(5.5, u"Gain", u"", 1, 1, 0));
+    EXPECT_EQ(copied.get(0)->m_cachedBlockHandle, 5.5);
+}
+
+TEST_F(InstrumentedSignalsTest, copyOntoItselfEndsAndAForeignResultIsRefused) {
+    set().add(port(u"Gain", 1));
+    {
+        const orvex::FunctionRegistration same =
+            orvex::registerFunction("Kestrel.HMI.InstrumentedSignals",
+                                    [&](orvex::Call& c) { c.outs[0].reset(hvCreateSharedDataCopy(object())); });
+        set().copy(false);
+        EXPECT_EQ(set().getCount(), 2U);
+    }
+    const orvex::FunctionRegistration foreign =
+        orvex::registerFunction("Kestrel.HMI.InstrumentedSignals", [&](orvex::Call& c) { c.outs[0] = number(1); });
+    EXPECT_EQ(raisedBy([&] { set().copy(false); }), "InvalidObject Kestrel.HMI.InstrumentedSignals");
+}
+
+TEST_F(InstrumentedSignalsTest, chartContainersAreCopiedOnlyWhileAnActivityIsObserved) {
+    const auto observedInCopy = [&] {
+        const auto copy = set().copy(false);
+        return InstrumentedSignals::getFromHvArray(copy.get())->isAnyCWActivityObserved(u"m1:4", 7);
+    };
+    set().add(chartItem(u"cw_state", u"7", u"Self"));
+    EXPECT_TRUE(observedInCopy());
+    set().removeObservedCWActivity("4", "7", "Self");
+    EXPECT_TRUE(set().isAnyCWActivityObserved(u"m1:4", 7));
+    EXPECT_FALSE(observedInCopy());
+}
+
+TEST_F(InstrumentedSignalsTest, typeTestAndLookupAcceptNothingOrOneObjectOfTheClass) {
+    struct Row {
+        HvArrayPtr value;
+        bool isValid;
+    };
+    const std::size_t two[] = {1, 2};
+    const Row rows[] = {
+        {nullptr, true},
+        {emptyDouble(), true},
+        {number(1), false},
+        {text("m1"), false},
+        {HvArrayPtr(hvCreateCellArray(2, two)), false},
+        {port(u"Gain", 1)->getHOSObject(u"m1", false), false},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(InstrumentedSignals::isValidType(row.value.get()), row.isValid) << &row - rows;
+        EXPECT_EQ(InstrumentedSignals::getFromHvArray(row.value.get()), nullptr) << &row - rows;
+    }
+    EXPECT_TRUE(InstrumentedSignals::isValidType(object()));
+}
+
+TEST_F(InstrumentedSignalsTest, rebindingIsNoLongerPendingWhateverTheHostDoes) {
+    bool flag = false;
+    HvArrayPtr target(hvCreateSharedDataCopy(object()));
+    const auto pendingAfter = [&](orvex::HostFunction function) {
+        const auto registration = orvex::registerFunction("applyRebindingRules", std::move(function));
+        set().setRebindingPending(true);
+        InstrumentedSignals::applyRebindingRules(target.get(), true);
+        return set().isRebindingPending();
+    };
+    EXPECT_FALSE(pendingAfter([&](orvex::Call& c) { flag = hvIsLogicalScalarTrue(c.ins[1]); }));
+    EXPECT_TRUE(flag);
+    EXPECT_TRUE(orvex::warnings().empty());
+    EXPECT_FALSE(pendingAfter([](orvex::Call&) { orvex::raise("no", "no"); }));
+    EXPECT_EQ(orvex::warnings().size(), 1U);
+    InstrumentedSignals::applyRebindingRules(nullptr, true);
+    const auto notASet = number(1);
+    const auto accepting = orvex::registerFunction("applyRebindingRules", [](orvex::Call&) {});
+    InstrumentedSignals::applyRebindingRules(notASet.get(), false);
+}
+
+}  // namespace

@@ -1,0 +1,106 @@
+#include <boost/container_hash/hash.hpp>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <set>
+
+#include "host/text.h"
+#include "tests/support/host_test.h"
+
+using namespace ks_test;
+using ks_hmi::SignalSpecification;
+
+namespace {
+
+std::string format(const char* how, double value) {
+    std::vector<char> buffer(400);
+    std::snprintf(buffer.data(), buffer.size(), how, value);
+    return buffer.data();
+}
+
+std::uint64_t hashOf(const std::string& key) { return boost::hash<std::string>()(key); }
+
+class SignalIdentity : public HostTest {};
+
+TEST_F(SignalIdentity, hashesAreThoseOfTheKeyTexts) {
+    EXPECT_EQ(SignalSpecification::getCachedInfoHash(12.0, 1), hashOf("12$$1"));
+    EXPECT_EQ(SignalSpecification::getCachedInfoHash(0.1, -10), hashOf("0.10000000000000001$$-10"));
+    EXPECT_EQ(SignalSpecification::getCachedInfoHash(-std::nan(""), 1), hashOf("-nan$$1"));
+    EXPECT_EQ(SignalSpecification::getCachedInfoHash(INFINITY, 1), hashOf("inf$$1"));
+    EXPECT_EQ(SignalSpecification::getNonCachedInfoHash(u"Sub/Gain", u"", 1, 0, u"m1"), hashOf("m1/Sub/Gain$$$$1"));
+    EXPECT_EQ(SignalSpecification::getNonCachedInfoHash(u"Gain", u"s", 1, 3, u""), hashOf("Gain$$s$$3"));
+    EXPECT_EQ(SignalSpecification::getInfoHashFromStringList({"ab", "c"}), hashOf("abc"));
+    EXPECT_EQ(SignalSpecification::getInfoHashFromStringList({}), hashOf(""));
+}
+
+TEST_F(SignalIdentity, anyDoubleAndAnyTextHashAsThePlainFormDoes) {
+    std::mt19937_64 random(20260711);
+    for (int i = 0; i < 20000; ++i) {
+        const std::uint64_t bits = random();
+        double handle = 0.0;
+        std::memcpy(&handle, &bits, sizeof handle);
+        if (i % 2 == 0) handle = static_cast<double>(bits % 4096) / 1024.0;
+        const int port = static_cast<std::int32_t>(random());
+        ASSERT_EQ(SignalSpecification::getCachedInfoHash(handle, port),
+                  hashOf(format("%.17g", handle) + "$$" + std::to_string(port)));
+
+        std::u16string path(random() % (i % 100 == 0 ? 2000 : 40), u'\0');
+        for (char16_t& unit : path) unit = static_cast<char16_t>(i % 3 == 0 ? random() : 0xD7F0 + random() % 0x830);
+        ASSERT_EQ(
+            SignalSpecification::getNonCachedInfoHash(path, u"\xD800", port, 0, path),
+            hashOf((path.empty() ? "" : utf8(path) + "/") + utf8(path) + "$$\xEF\xBF\xBD$$" + std::to_string(port)));
+    }
+}
+
+TEST_F(SignalIdentity, portKeysHaveSixDecimals) {
+    auto& map = SignalSpecification::getBlockUUIDmap();
+    const std::string uuid = SignalSpecification::getUUIDFromBlockHandle(2, 7.25, true);
+    EXPECT_EQ(SignalSpecification::getUUIDFromBlockHandle(2, 7.25, true), uuid);
+    EXPECT_EQ(map.at("2-7.250000"), uuid);
+    EXPECT_NE(SignalSpecification::getUUIDFromBlockHandle(2, 7.25, false), uuid);
+    EXPECT_EQ(map.size(), 1U);
+    SignalSpecification::addToBlockHandleUUIDmap(-1, 0.0, "u");
+    SignalSpecification::addToBlockHandleUUIDmap(1, 1.0000001, "v");
+    SignalSpecification::addToBlockHandleUUIDmap(1, 1e308, "w");
+    EXPECT_EQ(map.at("-1-0.000000"), "u");
+    EXPECT_TRUE(SignalSpecification::isInBlockHandleUUIDmap(1, 1.0));
+    EXPECT_EQ(map.at("1-" + format("%f", 1e308)), "w");
+    SignalSpecification::addToBlockHandleUUIDmap(5, 5.0, "");
+    EXPECT_EQ(SignalSpecification::getUUIDFromBlockHandle(5, 5.0, true), "") << "an empty UUID is an entry";
+}
+
+TEST_F(SignalIdentity, mintsRandomVersionFourUuids) {
+    std::set<std::string> seen;
+    for (int i = 0; i < 100; ++i) {
+        const std::string uuid = SignalSpecification::getUUIDFromBlockHandle(1, 1.0, false);
+        ASSERT_EQ(uuid.size(), 36U);
+        ASSERT_EQ(uuid.find_first_not_of("0123456789abcdef-"), std::string::npos);
+        ASSERT_EQ(uuid[14], '4');
+        ASSERT_NE(std::strchr("89ab", uuid[19]), nullptr);
+        seen.insert(uuid);
+    }
+    EXPECT_EQ(seen.size(), 100U);
+}
+
+TEST_F(SignalIdentity, aNewRecordTakesThePortsUuidAndStoresRelativeReferences) {
+    SignalSpecification::addToBlockHandleUUIDmap(1, 12.0, "u1");
+    const auto create = [](int port) {
+        return SignalSpecification::createSigSpecFromPort(u"m1/Sub/Gain", "m1:3", port, 2, 12.0, u"m1", true);
+    };
+    const auto spec = create(1);
+    EXPECT_EQ(spec->m_uuid, "u1");
+    EXPECT_EQ(spec->m_blockPath, u"Sub/Gain");
+    EXPECT_EQ(spec->m_eid, "3");
+    EXPECT_EQ(spec->m_outputPortIndex, 1);
+    EXPECT_EQ(spec->m_cachedPortIdx, 1);
+    EXPECT_EQ(spec->m_logicalPortIndex, 2);
+    EXPECT_EQ(spec->m_cachedBlockHandle, 12.0);
+    EXPECT_EQ(spec->m_decimation, 1);
+    EXPECT_TRUE(spec->m_excludeForSave);
+    EXPECT_EQ(create(2)->m_uuid.size(), 36U);
+    EXPECT_EQ(SignalSpecification::getBlockUUIDmap().size(), 1U) << "a fresh UUID is not entered";
+}
+
+}  // namespace

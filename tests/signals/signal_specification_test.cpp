@@ -1,0 +1,321 @@
+#include "signals/signal_specification.h"
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <span>
+
+#include "tests/support/host_test.h"
+
+using namespace ks_test;
+using ks_hmi::SignalSpecification;
+
+namespace {
+
+using Members = SignalSpecification;
+
+class SignalSpecificationTest : public ModelTest {
+protected:
+    static HvArrayPtr emptyStruct(int fields = 16, std::size_t elements = 1) {
+        return HvArrayPtr(hvCreateStructArray(1, &elements, fields, SignalSpecification::getStructFields()));
+    }
+    static std::unique_ptr<SignalSpecification> filled() {
+        auto spec = port(u"Sub/Switch", 2, "3");
+        spec->m_uuid = "11111111-2222-4333-8444-555555555555";
+        spec->m_subPath = u"inner";
+        spec->m_signalName = u"höhe";
+        spec->m_subSysPath = u"Sub";
+        spec->m_visualType = u"line";
+        spec->m_domainParams = {{u"SSID", u"7"}};
+        spec->m_logicalPortIndex = 3;
+        spec->m_decimation = 4;
+        spec->m_maxPoints = 500;
+        spec->m_targetBufferedStreaming = spec->m_hideInPLV = true;
+        return spec;
+    }
+};
+
+TEST_F(SignalSpecificationTest, persistedElementReadsBackEqual) {
+    const auto spec = filled();
+    const auto data = emptyStruct(16, 2);
+    spec->getPersistenceData(data.get(), 1, u"m1");
+    EXPECT_TRUE(spec->isEqual(std::make_unique<SignalSpecification>(data.get(), 1, u"other").get()));
+    EXPECT_EQ(hvGetClassID(hvGetField(data.get(), 1, "HideInPLV_")), hvDOUBLE_CLASS);
+    EXPECT_EQ(hvGetField(data.get(), 0, "UUID"), nullptr);
+    EXPECT_TRUE(orvex::warnings().empty());
+}
+
+TEST_F(SignalSpecificationTest, savedPathIsTheAlignedOneAndEmptyWhenTheHostCannotAlign) {
+    const auto spec = filled();
+    const auto data = emptyStruct();
+    spec->m_blockPath = u"stale/path";
+    spec->getPersistenceData(data.get(), 0, u"m1");
+    EXPECT_EQ(matrix::get_ustring(hvGetField(data.get(), 0, "BlockPath_")), u"Sub/Switch");
+    EXPECT_EQ(hvArrayToStdString(hvGetField(data.get(), 0, "EID_")), "3");
+
+    spec->m_eid = "99";
+    spec->getPersistenceData(data.get(), 0, u"m1");
+    EXPECT_EQ(matrix::get_ustring(hvGetField(data.get(), 0, "BlockPath_")), u"");
+    EXPECT_EQ(orvex::warnings().size(), 1U);
+}
+
+TEST_F(SignalSpecificationTest, readsWhatOlderAndForeignWritersLeave) {
+    struct Row {
+        const char* field;
+        HvArrayPtr value;
+        std::function<bool(const Members&)> holds;
+    };
+    const auto uint8 = [](std::uint8_t v) {
+        HvArrayPtr value(hvCreateNumericScalar(hvUINT8_CLASS, hvREAL));
+        *static_cast<std::uint8_t*>(hvGetDataForWriting(value.get())) = v;
+        return value;
+    };
+    Row rows[] = {
+        {"OutputPortIndex_", number(3.9), [](const Members& s) { return s.m_outputPortIndex == 3; }},
+        {"OutputPortIndex_", number(-1.5), [](const Members& s) { return s.m_outputPortIndex == -1; }},
+        {"OutputPortIndex_", number(NAN), [](const Members& s) { return s.m_outputPortIndex == 0; }},
+        {"Decimation_", number(1e300), [](const Members& s) { return s.m_decimation == INT32_MAX; }},
+        {"Decimation_", number(-INFINITY), [](const Members& s) { return s.m_decimation == INT32_MIN; }},
+        {"MaxPoints_", uint8(200), [](const Members& s) { return s.m_maxPoints == 200; }},
+        {"MaxPoints_", logical(true), [](const Members& s) { return s.m_maxPoints == 1; }},
+        {"HideInPLV_", number(2.0), [](const Members& s) { return s.m_hideInPLV; }},
+        {"IsFrameBased_", number(NAN), [](const Members& s) { return s.m_isFrameBased; }},
+        {"TargetBufferedStreaming_", number(-0.0), [](const Members& s) { return !s.m_targetBufferedStreaming; }},
+        {"SignalName_", number(5), [](const Members& s) { return s.m_signalName.empty(); }},
+        {"UUID", number(5), [](const Members& s) { return s.m_uuid.empty(); }},
+        {"DomainParams_", number(5), [](const Members& s) { return s.m_domainParams.empty(); }},
+        {"LogicalPortIndex_", nullptr, [](const Members& s) { return s.m_logicalPortIndex == 0; }},
+        {"HideInPLV_", nullptr, [](const Members& s) { return !s.m_hideInPLV; }},
+        {"DomainType_", nullptr, [](const Members& s) { return s.m_domainType.empty(); }},
+        {"DomainParams_", nullptr, [](const Members& s) { return s.m_domainParams.empty(); }},
+    };
+    for (Row& row : rows) {
+        const auto data = emptyStruct();
+        filled()->createStructData(data.get(), 0, u"");
+        hvReplaceField(data.get(), 0, row.field, row.value.release());
+        const SignalSpecification read(data.get(), 0, u"");
+        EXPECT_TRUE(row.holds(read)) << row.field;
+    }
+}
+
+TEST_F(SignalSpecificationTest, refusesMissingAndUnreadableFieldsByNameAndElement) {
+    struct Row {
+        const char* field;
+        HvArrayPtr value;
+        const char* error;
+    };
+    const std::size_t one = 1;
+    std::vector<Row> rows;
+    for (const char* const field : {"UUID", "EID_", "OutputPortIndex_", "BlockPath_", "SubPath_", "SubSysPath_",
+                                    "SignalName_", "Decimation_", "MaxPoints_"}) {
+        rows.push_back({field, nullptr, "MissingField"});
+    }
+    rows.push_back({"Decimation_", HvArrayPtr(hvCreateCellArray(1, &one)), "InvalidFieldValue"});
+    rows.push_back({"MaxPoints_", emptyDouble(), "InvalidFieldValue"});
+    rows.push_back({"OutputPortIndex_", text("1"), "InvalidFieldValue"});
+    rows.push_back({"LogicalPortIndex_", emptyDouble(), "InvalidFieldValue"});
+    for (Row& row : rows) {
+        const auto data = emptyStruct(16, 3);
+        filled()->createStructData(data.get(), 2, u"");
+        hvReplaceField(data.get(), 2, row.field, row.value.release());
+        EXPECT_EQ(raisedBy([&] { SignalSpecification(data.get(), 2, u""); }),
+                  std::string(row.error) + " " + row.field + " 3");
+    }
+    EXPECT_NE(raisedBy([&] { SignalSpecification(nullptr, 0, u""); }), "");
+}
+
+TEST_F(SignalSpecificationTest, runtimeFieldsTravelInTheRuntimeStructOnly) {
+    auto spec = filled();
+    spec->setCachedInfo(12.5, 2);
+    spec->m_bindingRule = "rule";
+    spec->m_excludeForSave = true;
+    const auto runtime = spec->getHOSObject(u"m1", true);
+    EXPECT_EQ(hvGetNumberOfFields(runtime.get()), 20);
+    EXPECT_EQ(hvArrayToStdString(hvGetField(runtime.get(), 0, "BlockPath_")), "m1/Sub/Switch");
+    EXPECT_EQ(hvArrayToStdString(hvGetField(runtime.get(), 0, "EID_")), "m1:3");
+    EXPECT_EQ(hvGetScalar(hvGetField(runtime.get(), 0, "CachedBlockHandle_")), 12.5);
+    EXPECT_TRUE(hvIsLogicalScalarTrue(hvGetField(runtime.get(), 0, "ExcludeForSave_")));
+
+    const SignalSpecification read(runtime.get(), 0, u"m1");
+    EXPECT_EQ(read.m_cachedBlockHandle, 0.0);
+    EXPECT_EQ(read.m_blockPath, u"m1/Sub/Switch") << "persisted data is taken as relative already";
+    EXPECT_FALSE(read.m_excludeForSave);
+
+    const auto wide = emptyStruct(20);
+    spec->createStructData(wide.get(), 0, u"");
+    for (int i = 16; i < 20; ++i) {
+        EXPECT_EQ(hvGetField(wide.get(), 0, SignalSpecification::getStructFields()[i]), nullptr);
+    }
+}
+
+TEST_F(SignalSpecificationTest, hostObjectReadsBackEqualWithTheRuntimeMembers) {
+    auto spec = filled();
+    spec->m_bindingRule = "rule";
+    spec->m_excludeForSave = true;
+    spec->setCachedInfo(12.5, 2);
+    const auto object = spec->getHOSObject(u"m1", false);
+    const SignalSpecification read(object.get(), 0, u"m1");
+    EXPECT_TRUE(read.isEqual(spec.get()));
+    EXPECT_EQ(read.m_cachedBlockHandle, 12.5);
+    EXPECT_EQ(read.m_cachedPortIdx, 2);
+    EXPECT_EQ(read.m_bindingRule, "rule");
+    EXPECT_TRUE(read.m_excludeForSave);
+
+    hvSetProperty(object.get(), 0, "CachedBlockHandle_", emptyDouble().get());
+    hvSetProperty(object.get(), 0, "ExcludeForSave_", number(1).get());
+    const SignalSpecification unresolved(object.get(), 0, u"m1");
+    EXPECT_EQ(unresolved.m_cachedBlockHandle, 0.0);
+    EXPECT_EQ(unresolved.m_cachedPortIdx, 0) << "the port is read only beside a handle";
+    EXPECT_FALSE(unresolved.m_excludeForSave) << "only a logical true excludes";
+}
+
+TEST_F(SignalSpecificationTest, refusedConstructionGivesNullAndOneWarning) {
+    const auto spec = filled();
+    const orvex::FunctionRegistration refusing =
+        orvex::registerFunction("Kestrel.HMI.SignalSpecification", [](orvex::Call&) { orvex::raise("no", "no"); });
+    EXPECT_EQ(spec->getHOSObject(u"m1", false), nullptr);
+    EXPECT_EQ(spec->getAlignedBlockPath(u"m1"), u"");
+    EXPECT_EQ(orvex::warnings().size(), 2U);
+}
+
+TEST_F(SignalSpecificationTest, equalityComparesThePersistedMembersOnly) {
+    const std::function<void(Members&)> differences[] = {
+        [](Members& s) { s.m_uuid += 'x'; },
+        [](Members& s) { s.m_blockPath += u'x'; },
+        [](Members& s) { s.m_eid += 'x'; },
+        [](Members& s) { s.m_subPath += u'x'; },
+        [](Members& s) { s.m_signalName += u'x'; },
+        [](Members& s) { s.m_subSysPath += u'x'; },
+        [](Members& s) { s.m_domainType += u'x'; },
+        [](Members& s) { s.m_visualType += u'x'; },
+        [](Members& s) { ++s.m_outputPortIndex; },
+        [](Members& s) { ++s.m_logicalPortIndex; },
+        [](Members& s) { ++s.m_decimation; },
+        [](Members& s) { ++s.m_maxPoints; },
+        [](Members& s) { s.m_isFrameBased ^= true; },
+        [](Members& s) { s.m_hideInPLV ^= true; },
+        [](Members& s) { s.m_targetBufferedStreaming ^= true; },
+        [](Members& s) { s.m_domainParams[u"SSID"] = u"8"; },
+        [](Members& s) { s.m_domainParams[u"More"]; },
+        [](Members& s) { s.m_domainParams.clear(); },
+    };
+    const auto spec = filled();
+    for (std::size_t i = 0; i < std::size(differences); ++i) {
+        const auto other = spec->clone();
+        ASSERT_TRUE(spec->isEqual(other.get()));
+        differences[i](*other);
+        EXPECT_FALSE(spec->isEqual(other.get())) << "difference " << i;
+        EXPECT_FALSE(other->isEqual(spec.get())) << "difference " << i;
+    }
+    const auto other = spec->clone();
+    other->setCachedInfo(1.5, 9);
+    other->m_bindingRule = "x";
+    other->m_excludeForSave = true;
+    EXPECT_TRUE(spec->isEqual(other.get()));
+    EXPECT_FALSE(spec->isEqual(nullptr));
+}
+
+TEST_F(SignalSpecificationTest, cloneKeepsEveryMemberAndTheOrderOfTheParameters) {
+    auto spec = filled();
+    for (char16_t c = u'a'; c <= u'z'; ++c) spec->m_domainParams[std::u16string(1, c)] = u"v";
+    spec->setCachedInfo(3.5, 2);
+    spec->m_bindingRule = "rule";
+    spec->m_excludeForSave = true;
+    const auto copy = spec->clone();
+    EXPECT_TRUE(copy->isEqual(spec.get()));
+    EXPECT_EQ(copy->m_cachedBlockHandle, 3.5);
+    EXPECT_EQ(copy->m_cachedPortIdx, 2);
+    EXPECT_EQ(copy->m_bindingRule, "rule");
+    EXPECT_TRUE(copy->m_excludeForSave);
+}
+
+TEST_F(SignalSpecificationTest, sameSignalFollowsHandlesThenPaths) {
+    struct Row {
+        double handleA, handleB;
+        int cachedB;
+        std::u16string pathB, subPathB;
+        int outputB, logicalB;
+        bool same;
+    };
+    const Row rows[] = {
+        {12.0, 13.0, 1, u"p", u"s", 1, 0, true},  // a mismatch of handles falls through to the paths
+        {12.0, 12.0, 1, u"q", u"t", 5, 5, true}, {12.0, 12.0, 2, u"q", u"s", 1, 0, false},
+        {0.0, 12.0, 1, u"p", u"s", 1, 0, true},  {0.0, 0.0, 1, u"q", u"s", 1, 0, false},
+        {0.0, 0.0, 1, u"p", u"s", 1, 2, false},  {0.0, 0.0, 1, u"p", u"s", 2, 0, false},
+        {0.0, 0.0, 1, u"p", u"t", 1, 0, false},  {NAN, NAN, 1, u"q", u"s", 1, 0, false},
+    };
+    for (const Row& row : rows) {
+        SignalSpecification a;
+        SignalSpecification b;
+        a.m_blockPath = u"p";
+        a.m_subPath = u"s";
+        a.m_outputPortIndex = 1;
+        a.setCachedInfo(row.handleA, 1);
+        b.m_uuid = "irrelevant";
+        b.m_blockPath = row.pathB;
+        b.m_subPath = row.subPathB;
+        b.m_outputPortIndex = row.outputB;
+        b.m_logicalPortIndex = row.logicalB;
+        b.setCachedInfo(row.handleB, row.cachedB);
+        EXPECT_EQ(a.isSameSignal(&b), row.same) << &row - rows;
+        EXPECT_EQ(b.isSameSignal(&a), row.same) << &row - rows;
+    }
+}
+
+TEST_F(SignalSpecificationTest, mutatorsTouchNothingElse) {
+    auto spec = filled();
+    const auto before = spec->clone();
+    spec->renameModel(u"m1", u"m2");
+    EXPECT_TRUE(spec->isEqual(before.get()));
+    spec->renumberPortIndex(4);
+    EXPECT_EQ(spec->m_outputPortIndex, 4);
+    EXPECT_EQ(spec->m_cachedPortIdx, 4);
+    EXPECT_EQ(spec->m_logicalPortIndex, before->m_logicalPortIndex);
+    EXPECT_EQ(spec->getValueForDomainParams(u"absent"), u"");
+    EXPECT_EQ(spec->m_domainParams.size(), 1U);
+}
+
+TEST_F(SignalSpecificationTest, domainParametersConvertBothWaysAndReplaceWhatWasThere) {
+    SignalSpecification spec;
+    spec.m_domainParams = {{u"Gain", u"2"}, {u"Unit", u"V"}};
+    const auto data = spec.getDomainParamsAsHvArray();
+    EXPECT_EQ(hvGetNumberOfFields(data.get()), 2);
+    EXPECT_EQ(hvArrayToStdString(hvGetField(data.get(), 0, "Unit")), "V");
+    SignalSpecification other;
+    other.m_domainParams = {{u"Old", u"1"}};
+    SignalSpecification::DomainParamsMap ignored = {{u"kept", u"1"}};
+    other.extractDomainParamsFromHvArray(data.get(), ignored);
+    EXPECT_EQ(other.m_domainParams, spec.m_domainParams);
+    EXPECT_EQ(ignored.size(), 1U);
+    other.extractDomainParamsFromHvArray(emptyDouble().get(), ignored);
+    EXPECT_TRUE(other.m_domainParams.empty());
+    EXPECT_EQ(hvGetNumberOfElements(SignalSpecification().getDomainParamsAsHvArray().get()), 1U);
+}
+
+TEST_F(SignalSpecificationTest, fieldTableStandsInItsOrder) {
+    const char* const names[] = {"UUID",
+                                 "BlockPath_",
+                                 "EID_",
+                                 "SubPath_",
+                                 "OutputPortIndex_",
+                                 "LogicalPortIndex_",
+                                 "SignalName_",
+                                 "SubSysPath_",
+                                 "Decimation_",
+                                 "MaxPoints_",
+                                 "TargetBufferedStreaming_",
+                                 "IsFrameBased_",
+                                 "HideInPLV_",
+                                 "DomainType_",
+                                 "DomainParams_",
+                                 "VisualType_",
+                                 "BindingRule_",
+                                 "CachedBlockHandle_",
+                                 "CachedPortIdx_",
+                                 "ExcludeForSave_"};
+    ASSERT_EQ(SignalSpecification::getNumStructFields(true), 20);
+    EXPECT_EQ(SignalSpecification::getNumStructFields(false), 16);
+    for (int i = 0; i < 20; ++i) EXPECT_STREQ(SignalSpecification::getStructFields()[i], names[i]);
+}
+
+}  // namespace

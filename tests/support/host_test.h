@@ -1,0 +1,117 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "host/messages.h"
+#include "host/text.h"
+#include "memory_host/kestrel/host_side.h"
+#include "memory_host/kestrel/loaded_models.h"
+#include "memory_host/orvex/faults.h"
+#include "memory_host/orvex/functions.h"
+#include "memory_host/orvex/ledger.h"
+#include "memory_host/orvex/library_loader.h"
+#include "memory_host/orvex/warnings.h"
+#include "signals/instrumented_signals.h"
+
+/// What all tests of the library share: the host with the library loaded into it, and an empty ledger at the end.
+namespace ks_test {
+
+inline std::string utf8(const std::u16string& text) { return fl::i18n::to_string(text); }
+
+inline HvArrayPtr text(const char* value) { return HvArrayPtr(hvCreateString(value)); }
+inline HvArrayPtr text(const std::u16string& value) { return HvArrayPtr(matrix::create(value.data(), value.size())); }
+inline HvArrayPtr number(double value) { return HvArrayPtr(hvCreateDoubleScalar(value)); }
+inline HvArrayPtr logical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }
+inline HvArrayPtr emptyDouble() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
+
+/// Calls the host by name as a script would; the first result, null when there is none.
+inline HvArrayPtr call(const char* name, std::initializer_list<const hvArray*> inputs, int results = 1) {
+    return std::move(orvex::callByName(name, {inputs.begin(), inputs.size()}, results)[0]);
+}
+inline HvArrayPtr property(const hvArray* object, const char* name) {
+    return HvArrayPtr(hvGetProperty(object, 0, name));
+}
+
+/// The key of the host exception that `action` throws, with its arguments ("MissingField UUID 2"); "" when none.
+template <class Action>
+std::string raisedBy(Action action) {
+    try {
+        action();
+        return "";
+    } catch (const kssvIException& error) {
+        std::string result = error.messageId().key();
+        for (const auto& argument : error.messageId().arguments()) {
+            result += ' ';
+            if (const auto* const integer = std::get_if<std::int64_t>(&argument)) result += std::to_string(*integer);
+            if (const auto* const narrow = std::get_if<std::string>(&argument)) result += *narrow;
+        }
+        return result;
+    }
+}
+
+class HostTest : public ::testing::Test {
+protected:
+    HostTest() {
+        static const orvex::LoadedLibrary library("libks_hmi_foundation.so.0");
+        kestrel::installHostSide();
+        ks_hmi::SignalSpecification::getBlockUUIDmap().clear();
+        orvex::clearWarnings();
+    }
+
+    /// Runs after the members of the fixtures derived from it are gone.
+    ~HostTest() override {
+        kestrel::releaseHostSide();
+        orvex::clearWarnings();
+        EXPECT_EQ(orvex::liveCounts(), orvex::LedgerCounts{}) << orvex::describeLive();
+    }
+};
+
+/// A loaded model "m1" with a few blocks, and a set made for it as a script makes one.
+class ModelTest : public HostTest {
+protected:
+    ModelTest() : m_object(call("Kestrel.HMI.InstrumentedSignals", {text("m1").get()})) {
+        kestrel::Model model(u"m1");
+        model.add({u"Gain", "1", 0.0, {u"out"}, {}});
+        model.add({u"Sub", "2", 0.0, {}, {}});
+        model.add({u"Sub/Switch", "3", 0.0, {u"a", u"b", u"c"}, {}});
+        model.add({u"Sub/Chart", "4", 0.0, {u"y"}, kestrel::Chart{{{u"On", 7}, {u"Off", 8}}, {{u"level", 9}}}});
+        kestrel::loadedModels().load(std::move(model));
+    }
+
+    const hvArray* object() const { return m_object.get(); }
+    ks_hmi::InstrumentedSignals& set() const { return *ks_hmi::InstrumentedSignals::getFromHvArray(m_object.get()); }
+    static double handleOf(const char16_t* path) {
+        return kestrel::loadedModels().find(u"m1")->model().findByPath(path)->handle;
+    }
+
+    /// A record for a port that is not resolved yet.
+    static std::unique_ptr<ks_hmi::SignalSpecification> port(const std::u16string& path, int portIndex,
+                                                             const std::string& eid = "") {
+        auto spec = ks_hmi::SignalSpecification::createSigSpecFromPort(path, eid, portIndex, 0, 0.0, u"m1", false);
+        spec->m_cachedPortIdx = 0;
+        return spec;
+    }
+    static std::unique_ptr<ks_hmi::SignalSpecification> resolvedPort(const std::u16string& path, int portIndex,
+                                                                     double handle) {
+        auto spec = port(path, portIndex);
+        spec->setCachedInfo(handle, portIndex);
+        return spec;
+    }
+    static std::unique_ptr<ks_hmi::SignalSpecification> chartItem(const std::u16string& domain,
+                                                                  const std::u16string& ssid,
+                                                                  const std::u16string& activity) {
+        auto spec = port(u"Sub/Chart", 0, "4");
+        spec->m_domainType = domain;
+        spec->m_domainParams = {{u"SSID", ssid}, {u"Activity", activity}};
+        return spec;
+    }
+
+private:
+    HvArrayPtr m_object;
+};
+
+}  // namespace ks_test
