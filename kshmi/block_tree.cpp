@@ -1,0 +1,123 @@
+#include "kshmi/block_tree.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "kshmi/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using kestrel::Block;
+using Segments = std::vector<std::u16string_view>;
+
+constexpr std::size_t kIndent = 2;
+constexpr std::size_t kWidestName = 48;
+
+Segments segmentsOf(std::u16string_view path) {
+    Segments segments;
+    for (std::size_t slash = path.find(u'/'); slash != std::u16string_view::npos; slash = path.find(u'/')) {
+        segments.push_back(path.substr(0, slash));
+        path.remove_prefix(slash + 1);
+    }
+    segments.push_back(path);
+    return segments;
+}
+
+struct Node {
+    Segments segments;
+    const Block* block;
+};
+
+std::vector<Node> sortedNodes(const kestrel::Model& model) {
+    std::vector<Node> nodes;
+    nodes.reserve(model.blocks().size());
+    for (const Block& block : model.blocks()) nodes.push_back({segmentsOf(block.path), &block});
+    std::sort(nodes.begin(), nodes.end(), [](const Node& a, const Node& b) { return a.segments < b.segments; });
+    return nodes;
+}
+
+struct Line {
+    std::string name;
+    std::string badges;
+};
+
+class TreePrinter {
+public:
+    TreePrinter(const Session& session, const Output& output) : m_session(session), m_output(output) {}
+
+    std::vector<Line> lines(std::size_t most) {
+        Segments previous;
+        for (const Node& node : sortedNodes(m_session.model())) {
+            addMissingParents(previous, node.segments);
+            add(node.segments.size() - 1, printable(node.segments.back()), ports(*node.block));
+            if (node.block->chart) addChart(*node.block, node.segments.size());
+            previous = node.segments;
+            if (m_lines.size() > most) break;
+        }
+        return std::move(m_lines);
+    }
+
+private:
+    void add(std::size_t depth, const std::string& name, std::string badges) {
+        m_lines.push_back({std::string(depth * kIndent, ' ') + name, std::move(badges)});
+    }
+
+    void addMissingParents(const Segments& previous, const Segments& segments) {
+        std::size_t common = 0;
+        while (common + 1 < segments.size() && common < previous.size() && previous[common] == segments[common])
+            ++common;
+        for (; common + 1 < segments.size(); ++common) add(common, printable(segments[common]) + "/", "");
+    }
+
+    std::string ports(const Block& block) const {
+        std::string text;
+        for (int port = 1; port <= static_cast<int>(block.outputs.size()); ++port)
+            text += (port > 1 ? "  " : "") + badge(m_session.isObserved(block, port), m_output) + " " +
+                    std::to_string(port) + " " + printable(portName({&block, port, std::nullopt}));
+        return text;
+    }
+
+    void addChart(const Block& block, std::size_t depth) {
+        addItem(block, {u"cw_chart", u"", 0}, depth, "(chart)");
+        for (const auto& state : block.chart->states)
+            addItem(block, {u"cw_state", state.path, state.ssid}, depth, "(state) " + printable(state.path));
+        for (const auto& datum : block.chart->data)
+            addItem(block, {u"cw_data", datum.name, datum.ssid}, depth, "(data) " + printable(datum.name));
+    }
+
+    void addItem(const Block& block, const ChartItem& item, std::size_t depth, const std::string& name) {
+        std::string observed;
+        for (const char16_t* const activity : kActivities)
+            if (m_session.isObserved(block, item, activity)) observed += " " + toUtf8(activity);
+        add(depth, name, badge(m_session.isAnyObserved(block, item), m_output) + observed);
+    }
+
+    const Session& m_session;
+    const Output& m_output;
+    std::vector<Line> m_lines;
+};
+
+}  // namespace
+
+std::string badge(bool isObserved, const Output& output) {
+    if (!isObserved) return "[ ]";
+    return output.isTerminal ? "\x1b[32m[x]\x1b[0m" : "[x]";
+}
+
+void printBlockTree(const Session& session, const Output& output, std::size_t most) {
+    const std::vector<Line> lines = TreePrinter(session, output).lines(most);
+    std::size_t width = 0;
+    for (const Line& line : lines) width = std::max(width, std::min(displayWidth(line.name), kWidestName));
+    for (std::size_t i = 0; i < std::min(most, lines.size()); ++i) {
+        const Line& line = lines[i];
+        const std::size_t padding = width - std::min(width, displayWidth(line.name)) + kIndent;
+        output.out << line.name << (line.badges.empty() ? "" : std::string(padding, ' ') + line.badges) << '\n';
+    }
+    if (lines.size() > most)
+        output.out << "... \"kshmi show\" prints all " << session.model().blocks().size() << " blocks\n";
+}
+
+}  // namespace kshmi

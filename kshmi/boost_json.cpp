@@ -1,0 +1,2 @@
+// The JSON parser's out-of-line parts, compiled once.
+#include <boost/json/src.hpp>

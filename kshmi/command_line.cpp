@@ -1,0 +1,177 @@
+#include "kshmi/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <exception>
+#include <functional>
+#include <limits>
+#include <new>
+#include <optional>
+
+#include "kshmi/commands.h"
+#include "kshmi/error.h"
+
+namespace kshmi {
+
+namespace {
+
+constexpr const char* kReferenceHelp =
+    "block/path:port (number or name, 1 if left out), chart/State, chart/datum, or a chart with --activity or --ssid; "
+    "the model's name may stand in front";
+constexpr int kLargest = std::numeric_limits<int>::max();
+
+using Run = std::function<int(const Output&)>;
+
+CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file) {
+    CLI::App* const command = app.add_subcommand(name, help);
+    command->footer(std::string("Examples:\n") + examples);
+    command->add_option("MODEL", file, "model file")->required();
+    return command;
+}
+
+CLI::Option* addReferences(CLI::App& command, std::vector<std::string>& references) {
+    return command.add_option("REF", references, kReferenceHelp);
+}
+
+void addReferenceOptions(CLI::App& command, ReferenceOptions& options) {
+    command.add_option("--activity", options.activity, "activity of a chart item: Self, Child, Leaf or Data");
+    command.add_option("--ssid", options.ssid, "the chart item's identifier within its chart; 0 is the chart itself");
+}
+
+void addPatterns(CLI::App& command, Selection& selection) {
+    command.add_option("--all", selection.all, "everything whose full path matches the pattern; may be repeated")
+        ->type_name("GLOB")
+        ->allow_extra_args(false);
+    command.add_option("--except", selection.except, "but not what matches this one; may be repeated")
+        ->type_name("GLOB")
+        ->allow_extra_args(false);
+}
+
+void requireSelection(const Selection& selection, bool isOtherwiseSelected) {
+    const bool isAnything = !selection.references.empty() || !selection.all.empty() || isOtherwiseSelected;
+    if (!isAnything) throw Error("nothing to work on; name a REF or give --all 'GLOB'");
+    if (!selection.except.empty() && selection.all.empty()) throw Error("--except narrows --all; give --all 'GLOB'");
+}
+
+void addSettings(CLI::App& command, SignalSettings& settings) {
+    command.add_option("--name", settings.name, "signal name; the port's or chart item's name if left out");
+    command.add_option("--decimation", settings.decimation, "keep every n-th sample")->check(CLI::Range(1, kLargest));
+    command.add_option("--max-points", settings.maxPoints, "most points to keep, 0 for any number")
+        ->check(CLI::Range(0, kLargest));
+    command.add_flag("--frame-based", settings.isFrameBased, "the signal is frame based");
+    command.add_flag("--hide", settings.isHidden, "do not show it in the signal viewer");
+    command.add_flag("--exclude-from-save", settings.isExcludedFromSave, "leave it out when the model is saved");
+    command.add_flag("--buffered", settings.isBuffered, "stream it buffered from the target");
+    command.add_option("--visual-type", settings.visualType, "kind of display that it feeds");
+}
+
+void addMark(CLI::App& app, MarkArguments& arguments, Run& run) {
+    CLI::App* const command =
+        addCommand(app, "mark", "Mark ports and chart items as signals and save the model",
+                   "  kshmi mark cruise.json Sensors/Speed:1 --name speed --decimation 10\n"
+                   "  kshmi mark cruise.json 'Control/Mode/Engaged' --activity Child\n"
+                   "  kshmi mark cruise.json --all 'cruise/Sensors/*' --except '*:valid' --dry-run",
+                   arguments.file);
+    addReferences(*command, arguments.selection.references);
+    addPatterns(*command, arguments.selection);
+    addReferenceOptions(*command, arguments.selection.options);
+    addSettings(*command, arguments.settings);
+    command->add_flag("--again", arguments.isAgain, "add a further signal where one is");
+    command->add_flag("--dry-run", arguments.isDryRun, "say what would change and change nothing");
+    command->callback([&] {
+        run = [&](const Output& output) {
+            requireSelection(arguments.selection, false);
+            return runMark(arguments, output);
+        };
+    });
+}
+
+void addUnmark(CLI::App& app, UnmarkArguments& arguments, Run& run) {
+    CLI::App* const command =
+        addCommand(app, "unmark", "Remove all signals on ports and chart items and save the model",
+                   "  kshmi unmark cruise.json Sensors/Speed:1\n"
+                   "  kshmi unmark cruise.json --all 'cruise/Plant/*'\n"
+                   "  kshmi unmark cruise.json --dangling",
+                   arguments.file);
+    addReferences(*command, arguments.selection.references);
+    addPatterns(*command, arguments.selection);
+    addReferenceOptions(*command, arguments.selection.options);
+    command->add_flag("--dangling", arguments.isDangling, "remove signals whose block, port or chart item is gone");
+    command->add_flag("--dry-run", arguments.isDryRun, "say what would change and change nothing");
+    command->callback([&] {
+        run = [&](const Output& output) {
+            requireSelection(arguments.selection, arguments.isDangling);
+            return runUnmark(arguments, output);
+        };
+    });
+}
+
+void addQuery(CLI::App& app, QueryArguments& arguments, Run& run) {
+    CLI::App* const command =
+        addCommand(app, "query", "Tell whether ports and chart items are observed; exit 1 if any is not",
+                   "  kshmi query cruise.json Sensors/Speed:valid\n"
+                   "  kshmi query cruise.json Control/Mode --activity Child --json",
+                   arguments.file);
+    addReferences(*command, arguments.references)->required();
+    addReferenceOptions(*command, arguments.options);
+    command->add_flag("--json", arguments.isJson, "print JSON");
+    command->callback([&] { run = [&](const Output& output) { return runQuery(arguments, output); }; });
+}
+
+void addShow(CLI::App& app, ShowArguments& arguments, Run& run) {
+    CLI::App* const command = addCommand(app, "show", "List a model's signals and its blocks with what is observed",
+                                         "  kshmi show cruise.json\n  kshmi show cruise.json --json", arguments.file);
+    command->add_flag("--json", arguments.isJson, "print JSON");
+    command->callback([&] { run = [&](const Output& output) { return runShow(arguments, output); }; });
+}
+
+/// All that the command line may say.
+struct Arguments {
+    std::string tourFile;
+    MarkArguments mark;
+    UnmarkArguments unmark;
+    QueryArguments query;
+    ShowArguments show;
+};
+
+void describe(CLI::App& app, Arguments& arguments, Run& run) {
+    app.set_version_flag("--version", "kshmi " KSHMI_VERSION);
+    app.require_subcommand(1);
+    app.footer("\"kshmi COMMAND --help\" explains a command, with examples.");
+    CLI::App* const tour = addCommand(app, "tour", "Show the main job on a copy of a model, step by step",
+                                      "  kshmi tour cruise.json", arguments.tourFile);
+    tour->callback([&] { run = [&](const Output& output) { return runTour(arguments.tourFile, output); }; });
+    addShow(app, arguments.show, run);
+    addMark(app, arguments.mark, run);
+    addUnmark(app, arguments.unmark, run);
+    addQuery(app, arguments.query, run);
+}
+
+int run(std::vector<std::string> words, const Output& output) {
+    CLI::App app("Marks signals in model files and tells what is observed", "kshmi");
+    Arguments arguments;
+    Run command;
+    describe(app, arguments, command);
+    std::reverse(words.begin(), words.end());
+    try {
+        app.parse(std::move(words));
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, output.out, output.err) == 0 ? kSuccess : kFailure;
+    }
+    return command(output);
+}
+
+}  // namespace
+
+int runCommandLine(std::vector<std::string> arguments, const Output& output) noexcept {
+    try {
+        return run(std::move(arguments), output);
+    } catch (const std::bad_alloc&) {
+        output.err << "kshmi: not enough memory\n";
+    } catch (const std::exception& exception) {
+        output.err << "kshmi: " << exception.what() << '\n';
+    }
+    return kFailure;
+}
+
+}  // namespace kshmi

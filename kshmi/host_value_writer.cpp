@@ -1,0 +1,200 @@
+#include "kshmi/host_value_writer.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "kshmi/error.h"
+#include "kshmi/host_value_builder.h"
+#include "kshmi/number_text.h"
+#include "kshmi/text.h"
+
+namespace kshmi {
+
+namespace {
+
+bool hasSize(const hvArray* value, std::size_t rows, std::size_t columns) {
+    const std::size_t* const lengths = hvGetDimensions(value);
+    return hvGetNumberOfDimensions(value) == 2 && lengths[0] == rows && lengths[1] == columns;
+}
+
+bool isColumn(const hvArray* value) { return hvGetNumberOfDimensions(value) == 2 && hvGetDimensions(value)[1] == 1; }
+
+std::u16string_view charsOf(const hvArray* value) { return {hvGetChars(value), hvGetNumberOfElements(value)}; }
+
+std::vector<const char*> fieldNames(const hvArray* value) {
+    std::vector<const char*> names;
+    for (int i = 0; i < hvGetNumberOfFields(value); ++i) names.push_back(hvGetFieldNameByNumber(value, i));
+    return names;
+}
+
+template <typename T>
+std::uint64_t widened(const char* data, std::size_t index) {
+    T element{};
+    std::memcpy(&element, data + index * sizeof(T), sizeof(T));
+    return static_cast<std::uint64_t>(element);
+}
+
+std::uint64_t bitsAt(const hvArray* value, std::size_t index) {
+    const auto* const data = static_cast<const char*>(hvGetData(value));
+    switch (hvGetClassID(value)) {
+        case hvINT8_CLASS:
+            return widened<std::int8_t>(data, index);
+        case hvINT16_CLASS:
+            return widened<std::int16_t>(data, index);
+        case hvINT32_CLASS:
+            return widened<std::int32_t>(data, index);
+        case hvLOGICAL_CLASS:
+        case hvUINT8_CLASS:
+            return widened<std::uint8_t>(data, index);
+        case hvCHAR_CLASS:
+        case hvUINT16_CLASS:
+            return widened<std::uint16_t>(data, index);
+        case hvSINGLE_CLASS:
+        case hvUINT32_CLASS:
+            return widened<std::uint32_t>(data, index);
+        default:
+            return widened<std::uint64_t>(data, index);
+    }
+}
+
+/// Whether the value's plain JSON form says everything about it.
+bool isPlain(const hvArray* value) {
+    switch (hvGetClassID(value)) {
+        case hvDOUBLE_CLASS:
+            return hasSize(value, 1, 1) && std::isfinite(*hvGetDoubles(value));
+        case hvLOGICAL_CLASS:
+            return hasSize(value, 1, 1);
+        case hvCHAR_CLASS:
+            return hasSize(value, 1, hvGetNumberOfElements(value)) && isWellFormed(charsOf(value));
+        case hvCELL_CLASS:
+            return isColumn(value);
+        case hvSTRUCT_CLASS:
+            return hasSize(value, 1, 1) &&
+                   (hvGetNumberOfFields(value) == 0 || *hvGetFieldNameByNumber(value, 0) != '$');
+        default:
+            return false;
+    }
+}
+
+template <typename Append>
+void appendList(std::string& out, std::size_t count, Append append) {
+    out += '[';
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i > 0) out += ", ";
+        append(i);
+    }
+    out += ']';
+}
+
+void appendFields(std::string& out, const hvArray* value, const std::vector<const char*>& names) {
+    out += '{';
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i > 0) out += ", ";
+        appendJsonText(out, std::string_view(names[i]));
+        out += ": ";
+        appendJsonValue(out, hvGetField(value, 0, names[i]));
+    }
+    out += '}';
+}
+
+void appendCells(std::string& out, const hvArray* value) {
+    appendList(out, hvGetNumberOfElements(value), [&](std::size_t i) { appendJsonValue(out, hvGetCell(value, i)); });
+}
+
+void appendPlain(std::string& out, const hvArray* value) {
+    switch (hvGetClassID(value)) {
+        case hvDOUBLE_CLASS:
+            out += textOfNumber(*hvGetDoubles(value));
+            break;
+        case hvCHAR_CLASS:
+            appendJsonText(out, charsOf(value));
+            break;
+        case hvCELL_CLASS:
+            appendCells(out, value);
+            break;
+        case hvSTRUCT_CLASS:
+            appendFields(out, value, fieldNames(value));
+            break;
+        default:
+            out += textOfElement(hvGetClassID(value), bitsAt(value, 0));
+    }
+}
+
+void appendStructArray(std::string& out, const hvArray* value) {
+    const std::vector<const char*> names = fieldNames(value);
+    out += R"(, "fields": )";
+    appendList(out, names.size(), [&](std::size_t i) { appendJsonText(out, std::string_view(names[i])); });
+    out += R"(, "data": )";
+    appendList(out, names.size() * hvGetNumberOfElements(value), [&](std::size_t i) {
+        appendJsonValue(out, hvGetField(value, i / names.size(), names[i % names.size()]));
+    });
+}
+
+void appendTagged(std::string& out, const hvArray* value) {
+    const hvClassID classId = hvGetClassID(value);
+    if (classOfName(nameOfClass(classId)) == hvUNKNOWN_CLASS)
+        throw Error(std::string("a value of class ") + hvGetClassName(value) + " cannot be saved in a model file");
+    out += fmt::format(R"({{"$class": "{}", "size": )", nameOfClass(classId));
+    appendList(out, hvGetNumberOfDimensions(value),
+               [&](std::size_t i) { out += std::to_string(hvGetDimensions(value)[i]); });
+    if (classId == hvSTRUCT_CLASS) {
+        appendStructArray(out, value);
+    } else {
+        out += R"(, "data": )";
+        if (classId == hvCELL_CLASS)
+            appendCells(out, value);
+        else if (classId == hvCHAR_CLASS && isWellFormed(charsOf(value)))
+            appendJsonText(out, charsOf(value));
+        else
+            appendList(out, hvGetNumberOfElements(value),
+                       [&](std::size_t i) { out += textOfElement(classId, bitsAt(value, i)); });
+    }
+    out += '}';
+}
+
+}  // namespace
+
+void appendJsonText(std::string& out, std::string_view utf8) {
+    constexpr char kFirstUnescaped = 0x20;
+    out += '"';
+    for (const char c : utf8) {
+        if (c == '"' || c == '\\')
+            out += {'\\', c};
+        else if (c == '\n')
+            out += "\\n";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c >= 0 && c < kFirstUnescaped)
+            out += fmt::format("\\u{:04x}", static_cast<int>(c));
+        else
+            out += c;
+    }
+    out += '"';
+}
+
+void appendJsonText(std::string& out, std::u16string_view text) { appendJsonText(out, toUtf8(text)); }
+
+void appendJsonValue(std::string& out, const hvArray* value) {
+    if (!value)
+        out += "null";
+    else if (isPlain(value))
+        appendPlain(out, value);
+    else
+        appendTagged(out, value);
+}
+
+void appendJsonFieldsSorted(std::string& out, const hvArray* value) {
+    if (hvGetClassID(value) != hvSTRUCT_CLASS || !isPlain(value)) return appendJsonValue(out, value);
+    std::vector<const char*> names = fieldNames(value);
+    std::sort(names.begin(), names.end(), [](const char* a, const char* b) { return std::strcmp(a, b) < 0; });
+    const bool wouldReadAsTagged = !names.empty() && *names.front() == '$';
+    if (wouldReadAsTagged) return appendJsonValue(out, value);
+    appendFields(out, value, names);
+}
+
+}  // namespace kshmi

@@ -1,0 +1,21 @@
+#include <unistd.h>
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "kshmi/command_line.h"
+#include "kshmi/host_process.h"
+
+int main(int argc, char** argv) {
+    std::ios::sync_with_stdio(false);
+    const kshmi::Output output{std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1};
+    int code = kshmi::runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc), output);
+    if (!kshmi::leaveHost(std::cerr)) code = kshmi::kFailure;
+    std::cout.flush();
+    if (!std::cout) {
+        std::cerr << "kshmi: the output cannot be written\n";
+        code = kshmi::kFailure;
+    }
+    return code;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "kshmi/signal_source.h"
+#include "memory_host/kestrel/model.h"
+
+namespace kshmi {
+
+/// What the command line says besides the reference itself.
+struct ReferenceOptions {
+    std::string activity;               ///< empty when not given
+    std::optional<std::uint32_t> ssid;  ///< of a chart item
+};
+
+/// Finds what a reference names. It is literal: "block/path:port" (port by number or name, 1 when left
+/// out), "chart/State path", "chart/datum", or a chart's path together with an activity or an SSID; the
+/// model's name may stand in front. The longest block path that fits is taken, since names may contain
+/// ":". Throws `Error` that names the reference and what there is instead.
+SignalSource resolveReference(const kestrel::Model& model, std::string_view reference, const ReferenceOptions& options);
+
+/// The activity to use for a chart item. Throws `Error` for one that charts do not have.
+std::u16string activityFor(const ChartItem& item, const ReferenceOptions& options);
+
+}  // namespace kshmi

@@ -1,0 +1,62 @@
+#include "kshmi/script.h"
+
+#include <initializer_list>
+#include <span>
+#include <vector>
+
+#include "memory_host/orvex/functions.h"
+
+namespace kshmi::script {
+
+namespace {
+
+constexpr const char* kSetClass = "Kestrel.HMI.InstrumentedSignals";
+
+HvArrayPtr call(const std::string& name, int outputs, std::initializer_list<const hvArray*> inputs) {
+    std::vector<HvArrayPtr> results = orvex::callByName(name, std::span(inputs.begin(), inputs.size()), outputs);
+    return std::move(results.at(0));
+}
+
+HvArrayPtr numberValue(double number) { return HvArrayPtr(hvCreateDoubleScalar(number)); }
+
+}  // namespace
+
+HvArrayPtr newSet(const std::u16string& modelName) {
+    const HvArrayPtr name(matrix::create(modelName.data(), modelName.size()));
+    return call(kSetClass, 1, {name.get()});
+}
+
+void add(const hvArray* set, const hvArray* signal) { call("add", 0, {set, signal}); }
+
+void remove(const hvArray* set, std::size_t position) {
+    const HvArrayPtr where = numberValue(static_cast<double>(position));
+    call("remove", 0, {set, where.get()});
+}
+
+HvArrayPtr get(const hvArray* set, std::size_t position) {
+    const HvArrayPtr where = numberValue(static_cast<double>(position));
+    return call("get", 1, {set, where.get()});
+}
+
+std::string uuidOf(const hvArray* set, std::size_t position) {
+    const HvArrayPtr where = numberValue(static_cast<double>(position));
+    return hvArrayToStdString(call("getUUID", 1, {set, where.get()}).get());
+}
+
+void rememberUuid(double blockHandle, int port, const std::string& uuid) {
+    const HvArrayPtr handle = numberValue(blockHandle);
+    const HvArrayPtr portNumber = numberValue(port);
+    const HvArrayPtr text(matrix::create(uuid.data(), uuid.size()));
+    call(std::string(kSetClass) + ".setUUIDForBlock", 0, {handle.get(), portNumber.get(), text.get()});
+}
+
+std::size_t count(const hvArray* set) {
+    const HvArrayPtr value(hvGetProperty(set, 0, "Count"));
+    return static_cast<std::size_t>(hvGetScalarInt(value.get()));
+}
+
+HvArrayPtr persistence(const hvArray* set) { return HvArrayPtr(hvGetPropertyShared(set, 0, "Persistence")); }
+
+void setPersistence(hvArray* set, const hvArray* saved) { hvSetProperty(set, 0, "Persistence", saved); }
+
+}  // namespace kshmi::script

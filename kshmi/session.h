@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "host/hv_array.h"
+#include "kshmi/model_file.h"
+#include "kshmi/signal_checks.h"
+#include "kshmi/signal_source.h"
+#include "memory_host/kestrel/loaded_models.h"
+#include "signals/instrumented_signals.h"
+
+namespace kshmi {
+
+/// A model file that is open: its model loaded in the host, its signals in a set made as a script makes
+/// it. The model is unloaded with the session. The host must have been entered.
+class Session {
+public:
+    enum class Opening {
+        strict,   ///< a signal that does not fit the model is refused
+        lenient,  ///< signals whose block, port or chart item is gone are let in
+    };
+
+    /// Throws `Error` for a file that cannot be opened.
+    explicit Session(std::string path, Opening opening = Opening::strict);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    const std::string& path() const noexcept { return m_path; }
+    kestrel::Model& model() noexcept { return m_loaded->model(); }
+    const kestrel::Model& model() const noexcept { return m_loaded->model(); }
+    /// The set's host object, for scripts.
+    hvArray* set() noexcept { return m_loaded->signals(); }
+    /// The set itself, for editors and engines.
+    ks_hmi::InstrumentedSignals& signals() const { return *m_signals; }
+    /// Signals that were let in although what they are on is gone, in order.
+    const std::vector<SignalFault>& dangling() const noexcept { return m_dangling; }
+    /// Clients in the file, which are kept as they are.
+    std::size_t clientCount() const noexcept { return m_clients.size(); }
+
+    /// Whether the block's output port is observed. Records nothing in the set.
+    bool isObserved(const kestrel::Block& block, int port) const;
+    /// Whether the activity of the chart item is.
+    bool isObserved(const kestrel::Block& block, const ChartItem& item, const std::u16string& activity) const;
+    /// Whether any activity of the chart item is.
+    bool isAnyObserved(const kestrel::Block& block, const ChartItem& item) const;
+
+    /// Writes the model with the signals that are to be saved. Returns how many were left out because they
+    /// are excluded from saving. Throws `Error`; the file is then as it was.
+    std::size_t save();
+
+private:
+    void read(Opening opening);
+    void giveSignals(const ModelFile& file);
+    void check(const std::vector<ModelFile::SignalLines>& lines, Opening opening);
+    void rebindMoved();
+
+    std::string m_path;
+    kestrel::LoadedModel* m_loaded = nullptr;
+    ks_hmi::InstrumentedSignals* m_signals = nullptr;
+    std::vector<HvArrayPtr> m_clients;
+    std::vector<SignalFault> m_dangling;
+};
+
+}  // namespace kshmi

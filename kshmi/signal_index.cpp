@@ -1,0 +1,31 @@
+#include "kshmi/signal_index.h"
+
+#include <functional>
+
+#include "kshmi/marking.h"
+
+namespace kshmi {
+
+SignalIndex::SignalIndex(const Session& session) {
+    m_positions.reserve(session.signals().getCount());
+    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
+        m_positions[keyOf(sourceOf(session.model(), *session.signals().get(i)))].push_back(i);
+}
+
+const std::vector<std::size_t>& SignalIndex::on(const SignalSource& source) const {
+    static const std::vector<std::size_t> s_none;
+    const auto found = m_positions.find(keyOf(source));
+    return found == m_positions.end() ? s_none : found->second;
+}
+
+std::size_t SignalIndex::Hash::operator()(const Key& key) const noexcept {
+    constexpr std::size_t kSpread = 0x9E3779B97F4A7C15U;
+    return std::hash<const void*>()(key.block) ^ (static_cast<std::size_t>(key.place) * kSpread);
+}
+
+SignalIndex::Key SignalIndex::keyOf(const SignalSource& source) noexcept {
+    const std::int64_t place = source.item ? -1 - std::int64_t{source.item->ssid} : source.port;
+    return {source.block, place};
+}
+
+}  // namespace kshmi

@@ -1,0 +1,57 @@
+#include "kshmi/signal_source.h"
+
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+#include "kshmi/text.h"
+
+namespace kshmi {
+
+std::u16string fullName(const kestrel::Model& model, const SignalSource& source) {
+    const std::u16string block = model.fullPath(*source.block);
+    if (!source.item) return block + u":" + toUtf16(std::to_string(source.port));
+    return source.item->subPath.empty() ? block : block + u"/" + source.item->subPath;
+}
+
+std::u16string portName(const SignalSource& source) {
+    const auto port = static_cast<std::size_t>(source.port);
+    return port >= 1 && port <= source.block->outputs.size() ? source.block->outputs[port - 1] : std::u16string();
+}
+
+std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t ssid) {
+    if (!block.chart) return std::nullopt;
+    if (ssid == 0) return ChartItem{u"cw_chart", u"", 0};
+    for (const kestrel::ChartState& state : block.chart->states)
+        if (state.ssid == ssid) return ChartItem{u"cw_state", state.path, state.ssid};
+    for (const kestrel::ChartData& datum : block.chart->data)
+        if (datum.ssid == ssid) return ChartItem{u"cw_data", datum.name, datum.ssid};
+    return std::nullopt;
+}
+
+bool isChartSignal(const ks_hmi::SignalSpecification& signal) {
+    const std::u16string& domain = signal.m_domainType;
+    return domain == u"cw_chart" || domain == u"cw_state" || domain == u"cw_data";
+}
+
+const kestrel::Block* blockOf(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal) {
+    return signal.m_eid.empty() ? model.findByPath(signal.m_blockPath) : model.findByEid(signal.m_eid);
+}
+
+std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal) {
+    const std::string text = toUtf8(signal.getValueForDomainParams(u"SSID"));
+    std::uint32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, code] = std::from_chars(text.data(), end, number);
+    // The library compares the texts, so only the plain digits name the item.
+    if (code != std::errc() || stop != end || text != std::to_string(number)) return std::nullopt;
+    return number;
+}
+
+bool isActivity(std::u16string_view name) {
+    return std::find(std::begin(kActivities), std::end(kActivities), name) != std::end(kActivities);
+}
+
+std::u16string defaultActivity(const ChartItem& item) { return item.domainType == u"cw_data" ? u"Data" : u"Self"; }
+
+}  // namespace kshmi

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "memory_host/kestrel/model.h"
+#include "signals/signal_specification.h"
+
+namespace kshmi {
+
+/// A chart, or a state or datum in it.
+struct ChartItem {
+    std::u16string domainType;  ///< "cw_chart", "cw_state" or "cw_data"
+    std::u16string subPath;     ///< state path or datum name; empty for the chart itself
+    std::uint32_t ssid = 0;
+};
+
+/// What a signal can come from: an output port of a block, or a chart item.
+struct SignalSource {
+    const kestrel::Block* block = nullptr;
+    int port = 0;  ///< 1-based; 0 for a chart item
+    std::optional<ChartItem> item;
+};
+
+/// "model/block/path:2" or "model/chart/State".
+std::u16string fullName(const kestrel::Model& model, const SignalSource& source);
+/// The port's name in the model, empty for a chart item and a port that the block does not have.
+std::u16string portName(const SignalSource& source);
+
+/// The item of that identifier in a chart block, the chart itself for 0; nothing when there is none.
+std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t ssid);
+
+bool isChartSignal(const ks_hmi::SignalSpecification& signal);
+/// The block that the signal is on, by element identifier, by path only when it has none; null when it is gone.
+const kestrel::Block* blockOf(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal);
+/// The "SSID" parameter as a number, nothing when it is none.
+std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal);
+
+inline constexpr const char16_t* kActivities[] = {u"Self", u"Child", u"Leaf", u"Data"};
+bool isActivity(std::u16string_view name);
+/// What is observed of an item when nothing is said: "Data" for data, else "Self".
+std::u16string defaultActivity(const ChartItem& item);
+
+}  // namespace kshmi

@@ -1,0 +1,72 @@
+#include "kshmi/text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "host/hv_array.h"
+#include "host/text.h"
+
+namespace kshmi {
+
+namespace {
+
+constexpr unsigned char kDelete = 0x7F;
+constexpr unsigned char kFirstVisible = 0x20;
+
+bool isContinuation(char c) noexcept { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
+
+/// Whether the two bytes are one of the control characters U+0080 to U+009F.
+bool isHighControl(unsigned char first, unsigned char second) noexcept { return first == 0xC2 && second < 0xA0; }
+
+}  // namespace
+
+std::u16string toUtf16(std::string_view text) {
+    const HvArrayPtr value(matrix::create(text.data(), text.size()));
+    return matrix::get_ustring(value.get());
+}
+
+std::string toUtf8(std::u16string_view text) { return fl::i18n::to_string(std::u16string(text)); }
+
+bool isWellFormed(std::u16string_view text) noexcept {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] < 0xD800 || text[i] > 0xDFFF) continue;
+        const bool isPair = text[i] < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+        if (!isPair) return false;
+        ++i;
+    }
+    return true;
+}
+
+std::string printable(std::string_view text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0xFF);
+        if (byte == '\n')
+            result += "\\n";
+        else if (byte == '\t')
+            result += "\\t";
+        else if (byte < kFirstVisible || byte == kDelete)
+            result += fmt::format("\\x{:02x}", byte);
+        else if (isHighControl(byte, next))
+            result += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[++i]));
+        else
+            result += text[i];
+    }
+    return result;
+}
+
+std::string printable(std::u16string_view text) { return printable(toUtf8(text)); }
+std::string quoted(std::string_view text) { return '"' + printable(text) + '"'; }
+std::string quoted(std::u16string_view text) { return quoted(toUtf8(text)); }
+
+std::size_t displayWidth(std::string_view text) noexcept {
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) { return !isContinuation(c); }));
+}
+
+std::string counted(std::size_t count, std::string_view singular) {
+    return fmt::format("{} {}{}", count, singular, count == 1 ? "" : "s");
+}
+
+}  // namespace kshmi

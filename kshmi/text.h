@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Texts of the tool: UTF-8 outside, UTF-16 towards the host.
+namespace kshmi {
+
+/// UTF-8 to UTF-16, NULs included; ill-formed sequences become U+FFFD.
+std::u16string toUtf16(std::string_view text);
+std::string toUtf8(std::u16string_view text);
+
+/// Whether every surrogate has its partner.
+bool isWellFormed(std::u16string_view text) noexcept;
+
+/// The text with control characters escaped ("\n", "\x1b"), so that a name cannot drive a terminal.
+std::string printable(std::string_view text);
+std::string printable(std::u16string_view text);
+/// The same in double quotes.
+std::string quoted(std::string_view text);
+std::string quoted(std::u16string_view text);
+
+/// Number of code points, which is the width in columns for most scripts.
+std::size_t displayWidth(std::string_view text) noexcept;
+
+/// "1 signal", "2 signals".
+std::string counted(std::size_t count, std::string_view singular);
+
+}  // namespace kshmi

@@ -1,0 +1,77 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "kshmi/change_report.h"
+#include "kshmi/commands.h"
+#include "kshmi/error.h"
+#include "kshmi/glob.h"
+#include "kshmi/host_process.h"
+#include "kshmi/signal_index.h"
+#include "kshmi/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using Positions = std::vector<std::size_t>;
+
+Positions referenced(const Session& session, const Selection& selection) {
+    Positions positions;
+    if (selection.references.empty()) return positions;
+    const SignalIndex index(session);
+    for (const std::string& reference : selection.references) {
+        const SignalSource source = resolveReference(session.model(), reference, selection.options);
+        const std::u16string activity = source.item ? activityFor(*source.item, selection.options) : u"";
+        const std::size_t before = positions.size();
+        for (const std::size_t position : index.on(source)) {
+            const auto& signal = *session.signals().get(position);
+            const bool isOther = source.item && !selection.options.activity.empty() &&
+                                 signal.getValueForDomainParams(u"Activity") != activity;
+            if (!isOther) positions.push_back(position);
+        }
+        if (positions.size() == before)
+            throw Error(quoted(reference) + ": is not marked; \"kshmi show\" lists the signals");
+    }
+    return positions;
+}
+
+Positions matching(const Session& session, const Selection& selection) {
+    const Globs all(selection.all);
+    const Globs except(selection.except);
+    Positions positions;
+    for (std::size_t i = 0; !all.isEmpty() && i < session.signals().getCount(); ++i) {
+        const SignalSource source = sourceOf(session.model(), *session.signals().get(i));
+        const bool isMatch = source.block && all.matches(session.model(), source);
+        if (isMatch && !except.matches(session.model(), source)) positions.push_back(i);
+    }
+    return positions;
+}
+
+std::string describe(const Session& session, std::size_t position) {
+    const ks_hmi::SignalSpecification& signal = *session.signals().get(position);
+    const SignalSource source = sourceOf(session.model(), signal);
+    const std::string what =
+        source.block ? printable(fullName(session.model(), source)) : printable(signal.m_blockPath) + " (gone)";
+    return fmt::format("signal {}, {} on {}", position + 1, quoted(signal.m_signalName), what);
+}
+
+}  // namespace
+
+int runUnmark(const UnmarkArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    Session session(arguments.file, arguments.isDangling ? Session::Opening::lenient : Session::Opening::strict);
+    Positions positions = referenced(session, arguments.selection);
+    for (const std::size_t position : matching(session, arguments.selection)) positions.push_back(position);
+    for (const SignalFault& fault : session.dangling()) positions.push_back(fault.position);
+    std::sort(positions.begin(), positions.end());
+    positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+
+    ChangeReport report(output, arguments.isDryRun);
+    for (const std::size_t position : positions) report.change("remove", "removed", describe(session, position));
+    removeSignals(session, std::move(positions));
+    report.finish(session);
+    return kSuccess;
+}
+
+}  // namespace kshmi
