@@ -42,7 +42,10 @@ bool Models::unload(std::u16string_view name) {
     return true;
 }
 
-void Models::unloadAll() noexcept { m_models.clear(); }
+void Models::unloadAll() noexcept {
+    const std::vector<std::unique_ptr<LoadedModel>> closing = std::move(m_models);
+    m_models.clear();
+}
 
 LoadedModel* Models::find(std::u16string_view name) noexcept {
     for (const auto& open : m_models)
@@ -65,7 +68,8 @@ bool Models::rename(std::u16string_view oldName, std::u16string newName) {
 }
 
 Models& loadedModels() noexcept {
-    static Models s_models;
+    // Never destroyed: at the end of the process the code behind the models' objects may be gone already.
+    static Models& s_models = *new Models;
     return s_models;
 }
 

@@ -96,13 +96,6 @@ void filter(std::vector<ObservedPort>& ports, const orvex::Call& call) {
     });
 }
 
-/// Inputs: the model's object; a full path (only blocks at or below it; empty: all); a display kind (only
-/// signals that feed it; empty: all); whether to list signals that the viewer hides; whether to list those
-/// that are not saved.
-/// Outputs, N x 1, in the order of the signals: UUID, block handle, output port, decimation, maximum
-/// points, frame based, buffered on the target, signal name, hidden in the viewer, full path of the block
-/// as it is now. Texts are cells, all else doubles. Charts have no ports and are not listed, nor are signals
-/// whose block is gone.
 void getObservedPorts(orvex::Call& call) {
     requireInputs(call, 5);
     std::vector<ObservedPort> ports = observedPorts(requireModel(call.ins[0]));
@@ -124,8 +117,6 @@ void getObservedPorts(orvex::Call& call) {
               call.outs.begin());
 }
 
-/// Input: the model's object. Output: the handles of the blocks with an observed port, 1 x N, ascending,
-/// each once.
 void getPortsWithBadges(orvex::Call& call) {
     requireInputs(call, 1);
     std::vector<double> handles;
