@@ -152,6 +152,10 @@ int run(std::vector<std::string> words, const Output& output) {
     Arguments arguments;
     Run command;
     describe(app, arguments, command);
+    if (words.empty()) {
+        output.err << app.help();
+        return kFailure;
+    }
     std::reverse(words.begin(), words.end());
     try {
         app.parse(std::move(words));
