@@ -10,3 +10,11 @@ KS_HMI_EXPORT void OXInitialize_ks_hmi_foundation();
 /// Does nothing: what was registered belongs to the host.
 KS_HMI_EXPORT void OXTerminate_ks_hmi_foundation();
 }
+
+namespace ks_hmi::testAPI {
+
+/// The same registration on demand, with its own memory of having been called: after the host's initialisation
+/// it registers once more, and whatever the host does with a repeated class is what the caller sees.
+KS_HMI_EXPORT void addStreamingClientHOSNamespace();
+
+}  // namespace ks_hmi::testAPI

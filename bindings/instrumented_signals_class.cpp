@@ -1,10 +1,7 @@
 #include "bindings/instrumented_signals_class.h"
 
-#include <memory>
-
 #include "bindings/instrumented_signals_methods.h"
 #include "bindings/instrumented_signals_properties.h"
-#include "signals/instrumented_signals.h"
 
 namespace ks_hmi_foundation {
 
@@ -24,14 +21,6 @@ void InstrumentedSignalsCOSClassInfo::defineMembers(hos::COSClass& hostClass) co
     hostClass.addMethod(std::make_unique<InstrumentedSignalAddToPortUUIDmap>());
     hostClass.addMethod(std::make_unique<InstrumentedSignalGetUUIDForBlock>());
     hostClass.addMethod(std::make_unique<InstrumentedSignalsGetUUID>());
-}
-
-void* InstrumentedSignalsCOSClassInfo::createInstance() const {
-    return std::make_unique<ks_hmi::InstrumentedSignals>().release();
-}
-
-void InstrumentedSignalsCOSClassInfo::destroyInstance(void* instance) const {
-    const std::unique_ptr<ks_hmi::InstrumentedSignals> set(static_cast<ks_hmi::InstrumentedSignals*>(instance));
 }
 
 }  // namespace ks_hmi_foundation

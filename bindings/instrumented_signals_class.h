@@ -1,20 +1,15 @@
 #pragma once
 
-#include "foundation/zeroed_storage.h"
-#include "host/object_system.h"
+#include "bindings/set_class.h"
+#include "signals/instrumented_signals.h"
 
 namespace ks_hmi_foundation {
 
 /// Describes the host class "Kestrel.HMI.InstrumentedSignals", whose objects each own one native set.
-class InstrumentedSignalsCOSClassInfo final : public hos::COSClassInfo, public ZeroedStorage {
+class InstrumentedSignalsCOSClassInfo final : public SetClassInfo<ks_hmi::InstrumentedSignals> {
 public:
     const char* getName() const override { return "InstrumentedSignals"; }
     void defineMembers(hos::COSClass& hostClass) const override;
-    void* createInstance() const override;
-    void destroyInstance(void* instance) const override;
-    bool isReferenceClass() const override { return true; }
-    bool canThisClassFormArrays() const override { return true; }
-    bool areClassPropertiesAllowed() const override { return true; }
 };
 
 }  // namespace ks_hmi_foundation

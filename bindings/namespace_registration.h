@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "bindings/instrumented_signals_class.h"
+#include "bindings/streaming_clients_class.h"
 #include "foundation/zeroed_storage.h"
 #include "host/object_system.h"
 
@@ -16,6 +17,7 @@ constexpr int kClassMutability = 2;
 
 void addClasses(hos::COSNamespace& hostNamespace) {
     hostNamespace.addClass(std::make_unique<InstrumentedSignalsCOSClassInfo>(), kClassAccess, kClassMutability);
+    hostNamespace.addClass(std::make_unique<StreamingClientsCOSClassInfo>(), kClassAccess, kClassMutability);
 }
 
 class HMIHOSNamespaceInfo final : public hos::COSNamespaceInfo, public ZeroedStorage {

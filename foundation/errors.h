@@ -57,4 +57,10 @@ public:
 /// Raises `InvalidElementIndex` unless `index` is less than `count`.
 void requirePosition(std::size_t index, std::size_t count);
 
+/// Raises `NullRecord` for a null pointer.
+template <class Pointer>
+void requireRecord(const Pointer& record) {
+    if (!record) raise(NullRecord());
+}
+
 }  // namespace plv_hmi_foundation::errors

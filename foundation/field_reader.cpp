@@ -41,8 +41,12 @@ const hvArray* FieldSource::require(const char* name) {
     return value;
 }
 
-double FieldSource::numberIn(const hvArray* value, const char* name) const {
+void FieldSource::requireNumber(const hvArray* value, const char* name) const {
     if (!holdsNumber(value)) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
+}
+
+double FieldSource::numberIn(const hvArray* value, const char* name) const {
+    requireNumber(value, name);
     const double* const doubles = hvGetDoubles(value);
     return doubles != nullptr ? doubles[0] : hvGetScalar(value);
 }
@@ -57,6 +61,34 @@ std::int32_t FieldSource::integer(const char* name) { return toInt32(number(name
 
 // NaN differs from 0.0 and so reads as true.
 bool FieldSource::flag(const char* name) { return number(name) != 0.0; }
+
+template <class Text>
+std::vector<Text> FieldSource::cellsOf(const char* name, Text (*read)(const hvArray*)) {
+    const hvArray* const cells = require(name);
+    if (hvGetClassID(cells) != hvCELL_CLASS) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
+    std::vector<Text> result(hvGetNumberOfElements(cells));
+    for (std::size_t i = 0; i < result.size(); ++i) result[i] = read(hvGetCell(cells, i));
+    return result;
+}
+
+std::vector<std::u16string> FieldSource::texts(const char* name) { return cellsOf(name, &textOf); }
+
+std::vector<std::string> FieldSource::narrowTexts(const char* name) { return cellsOf(name, &narrowTextOf); }
+
+std::uint64_t FieldSource::widened(const char* name) {
+    const hvArray* const value = find(name);
+    if (value == nullptr) return 0;
+    requireNumber(value, name);
+    const auto low = static_cast<std::int32_t>(hvGetScalarInt(value));
+    return static_cast<std::uint64_t>(std::int64_t{low});
+}
+
+bool FieldSource::truth(const char* name) {
+    const hvArray* const value = find(name);
+    if (hvIsEmpty(value)) return false;
+    if (const bool* const logicals = hvGetLogicals(value)) return logicals[0];
+    return numberIn(value, name) != 0.0;
+}
 
 void FieldSource::readIfPresent(const char* name, std::int32_t& member) {
     if (const hvArray* const value = find(name)) member = toInt32(numberIn(value, name));

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "host/hv_array.h"
 
@@ -28,13 +29,26 @@ public:
     std::int32_t integer(const char* name);
     bool flag(const char* name);
     double number(const char* name);
+    // One text per cell, empty for a cell that holds no characters; a value that is no cell array raises
+    // `InvalidFieldValue`.
+    std::vector<std::u16string> texts(const char* name);
+    std::vector<std::string> narrowTexts(const char* name);
+    /// An owned copy of the field's value, of whatever class.
+    virtual HvArrayPtr copyOf(const char* name) = 0;
+    /// The low 32 bits as a signed number, widened with its sign; 0 when the field is missing.
+    std::uint64_t widened(const char* name);
+    /// A logical's first element, else whether the number is not 0.0; false when missing or empty.
+    bool truth(const char* name);
 
     // A missing field keeps the member's value.
     void readIfPresent(const char* name, std::int32_t& member);
     void readIfPresent(const char* name, bool& member);
 
-protected:
+private:
     double numberIn(const hvArray* value, const char* name) const;
+    void requireNumber(const hvArray* value, const char* name) const;
+    template <class Text>
+    std::vector<Text> cellsOf(const char* name, Text (*read)(const hvArray*));
 };
 
 /// Element `index` (0-based) of a struct array. Borrows it.
@@ -42,6 +56,7 @@ class SavedElement final : public FieldSource {
 public:
     SavedElement(const hvArray* structArray, std::size_t index) noexcept : m_struct(structArray), m_index(index) {}
     const hvArray* find(const char* name) override { return hvGetField(m_struct, m_index, name); }
+    HvArrayPtr copyOf(const char* name) override { return HvArrayPtr(hvCreateDeepCopy(require(name))); }
     std::size_t elementNumber() const noexcept override { return m_index + 1; }
 
 private:
@@ -54,6 +69,7 @@ class ObjectProperties final : public FieldSource {
 public:
     explicit ObjectProperties(const hvArray* object) noexcept : m_object(object) {}
     const hvArray* find(const char* name) override;
+    HvArrayPtr copyOf(const char* name) override { return HvArrayPtr(hvGetProperty(m_object, 0, name)); }
     std::size_t elementNumber() const noexcept override { return 1; }
 
 private:

@@ -9,6 +9,7 @@ namespace {
 constexpr std::uint32_t kStructWord = 2;
 constexpr std::uint32_t kTextWord = 4;
 constexpr std::uint32_t kIgnoredBit = 0x10;
+constexpr std::size_t kScalar[] = {1, 1};
 
 }  // namespace
 
@@ -21,6 +22,12 @@ HvArrayPtr makeDouble(double value) { return HvArrayPtr(hvCreateDoubleScalar(val
 HvArrayPtr makeLogical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }
 
 HvArrayPtr makeFlag(bool value) { return makeDouble(value ? 1.0 : 0.0); }
+
+HvArrayPtr makeEmpty() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
+
+HvArrayPtr makeScalarStruct(std::span<const char* const> fieldNames) {
+    return HvArrayPtr(matrix::create_struct(kScalar, fieldNames));
+}
 
 void setField(hvArray* structArray, std::size_t index, const char* name, HvArrayPtr value) {
     hvReplaceField(structArray, index, name, value.release());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,10 @@ HvArrayPtr makeDouble(double value);
 HvArrayPtr makeLogical(bool value);
 /// 1.0 or 0.0: saved models carry flags as doubles.
 HvArrayPtr makeFlag(bool value);
+/// A 0x0 double, which stands for a value that is not there.
+HvArrayPtr makeEmpty();
+/// A 1x1 struct with those fields, all empty.
+HvArrayPtr makeScalarStruct(std::span<const char* const> fieldNames);
 
 /// Replaces the field's value, releasing what was there; takes `value` over also when that fails.
 void setField(hvArray* structArray, std::size_t index, const char* name, HvArrayPtr value);

@@ -14,10 +14,6 @@ namespace {
 
 std::ptrdiff_t offset(std::size_t index) { return static_cast<std::ptrdiff_t>(index); }
 
-void requireRecord(const InstrumentedSignals::SignalPtr& spec) {
-    if (!spec) errors::raise(errors::NullRecord());
-}
-
 }  // namespace
 
 InstrumentedSignals::InstrumentedSignals() = default;
@@ -44,7 +40,7 @@ InstrumentedSignals::SignalPtr InstrumentedSignals::share(std::size_t index) con
 void InstrumentedSignals::add(SignalPtr spec) { insert(m_signals.size(), std::move(spec)); }
 
 void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
-    requireRecord(spec);
+    errors::requireRecord(spec);
     // The end is a valid position here, on purpose, unlike for the other operations.
     if (index > m_signals.size()) errors::raise(errors::InvalidElementIndex(static_cast<long>(m_signals.size())));
     m_signals.insert(m_signals.begin() + offset(index), spec);
@@ -55,7 +51,7 @@ void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
 }
 
 void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {
-    requireRecord(spec);
+    errors::requireRecord(spec);
     errors::requirePosition(index, m_signals.size());
     // A replaced chart signal keeps its entry in the chart index on purpose, unlike one that is removed.
     removeFromObservedPortMap(m_signals[index]);

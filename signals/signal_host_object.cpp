@@ -14,11 +14,6 @@ using namespace ks_hmi_foundation;
 namespace {
 
 constexpr const char* kSignalSpecificationClass = "Kestrel.HMI.SignalSpecification";
-constexpr std::size_t kScalar[] = {1, 1};
-
-HvArrayPtr makeScalarStruct(std::span<const char* const> fieldNames) {
-    return HvArrayPtr(matrix::create_struct(kScalar, fieldNames));
-}
 
 void setProperty(hvArray* object, const char* name, const HvArrayPtr& value) {
     hvSetProperty(object, 0, name, value.get());

@@ -1,0 +1,71 @@
+#include "foundation/errors.h"
+#include "foundation/host_call.h"
+#include "foundation/host_value.h"
+#include "foundation/native_object.h"
+#include "observers/streaming_clients.h"
+
+namespace ks_hmi {
+
+using namespace ks_hmi_foundation;
+
+namespace {
+
+constexpr const char* kStreamingClientsClass = "Kestrel.HMI.StreamingClients";
+
+HvArrayPtr scalarObject(const hvArray* objects, std::size_t index) {
+    return HvArrayPtr(omCreateHOSScalar(omGetArrayElement(objects, index)));
+}
+
+}  // namespace
+
+HvArrayPtr StreamingClients::copy() const {
+    HvArrayPtr object = std::move(callHost<1>(kStreamingClientsClass, {})[0]);
+    auto& other = requireNativeObject<StreamingClients>(object.get(), kStreamingClientsClass);
+    std::vector<ClientPtr> clones;
+    clones.reserve(m_clients.size());
+    for (const ClientPtr& client : m_clients) clones.emplace_back(client->clone());
+    other.m_modelName = m_modelName;
+    other.m_knownModelName = m_knownModelName;
+    other.m_clients.swap(clones);
+    return object;
+}
+
+bool StreamingClients::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kStreamingClientsClass); }
+
+StreamingClients* StreamingClients::getFromHvArray(const hvArray* value) {
+    return nativeObject<StreamingClients>(value, kStreamingClientsClass);
+}
+
+void StreamingClients::validateAndRemoveUnused(const hvArray* value) {
+    StreamingClients* const clients = getFromHvArray(value);
+    if (clients == nullptr) return;
+    clients->m_knownModelName = clients->m_modelName;
+    tryCallHost<0>("validateAndRemoveUnused", {value});
+}
+
+void StreamingClients::handleModelRename(const hvArray* value) {
+    const StreamingClients* const clients = getFromHvArray(value);
+    if (clients == nullptr || clients->m_knownModelName == clients->m_modelName) return;
+    const HvArrayPtr oldName = makeText(clients->m_knownModelName);
+    const HvArrayPtr newName = makeText(clients->m_modelName);
+    const auto manager = tryCallHost<1>("Kestrel.HMI.InterfaceMgr.getInterfaceMgr", {});
+    if (!manager || !(*manager)[0]) return;
+    // The known name stays on purpose: it catches up when the set is validated.
+    tryCallHost<0>("renameModel", {(*manager)[0].get(), oldName.get(), newName.get()});
+}
+
+void StreamingClients::getAlignedObservers(const hvArray* value, std::vector<ClientPtr>& out) {
+    out.clear();
+    if (getFromHvArray(value) == nullptr) return;
+    const auto result = tryCallHost<1>("getAlignedObservers", {value});
+    if (!result) return;
+    const hvArray* const observers = (*result)[0].get();
+    const std::u16string modelName = requireNativeObject<StreamingClients>(value, kStreamingClientsClass).m_modelName;
+    std::vector<ClientPtr> aligned(hvGetNumberOfElements(observers));
+    for (std::size_t i = 0; i < aligned.size(); ++i) {
+        aligned[i] = std::make_unique<SignalClient>(scalarObject(observers, i).get(), 0, modelName);
+    }
+    out.swap(aligned);
+}
+
+}  // namespace ks_hmi
