@@ -96,8 +96,10 @@ void checkNames(const std::vector<std::string>& names) {
     std::sort(sorted.begin(), sorted.end());
     if (const auto twice = std::adjacent_find(sorted.begin(), sorted.end()); twice != sorted.end())
         throw Error("the key " + quoted(*twice) + " stands there twice; remove one");
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
+        if (name.empty()) throw Error("a key is empty; name the field");
         if (name.find('\0') != std::string::npos) throw Error("the key " + quoted(name) + " contains a NUL character");
+    }
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <limits>
 #include <utility>
 
+#include "host/messages.h"
 #include "kshmi/error.h"
 #include "kshmi/host_value_builder.h"
 #include "kshmi/model_file.h"
@@ -226,6 +227,8 @@ void ModelFileReader::build(Event event) {
         event();
     } catch (const Error& error) {
         m_file.fail(pointer() + m_value.pointer(), error.what());
+    } catch (const kssvIException& refusal) {
+        m_file.fail(pointer() + m_value.pointer(), refusal.what());
     }
     if (m_value.isComplete()) deliverValue();
 }

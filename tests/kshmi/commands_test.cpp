@@ -1,0 +1,168 @@
+#include "tests/kshmi/kshmi_test.h"
+
+namespace kshmi {
+namespace {
+
+using testing::contains;
+using testing::kModel;
+using testing::replaced;
+
+class Commands : public testing::KshmiTest {
+protected:
+    Commands() { write(kModel); }
+    int query(std::vector<std::string> words) const {
+        words.insert(words.begin(), {"query", path()});
+        return run(std::move(words)).code;
+    }
+};
+
+TEST_F(Commands, referencesNameWhatTheySay) {
+    const std::vector<std::pair<std::string, std::string>> references{
+        {"A", "m/A:1"},
+        {"m/A", "m/A:1"},
+        {"A:valid", "m/A:2"},
+        {"m/A:2", "m/A:2"},
+        {"A/B:1", "m/A/B:1:1"},  // the block of that name, not the port
+        {"A/B:1:y", "m/A/B:1:1"},
+        {"A/B:p", "m/A/B:1"},
+        {"Logic/On/Fast", "m/Logic/On/Fast"},
+        {"m/Logic/limit", "m/Logic/limit"},
+        {"Logic", "m/Logic"},
+    };
+    for (const auto& [reference, name] : references)
+        EXPECT_TRUE(contains(run({"query", path(), reference}).out, "observed      " + name + "\n") ||
+                    contains(run({"query", path(), reference}).out, "not observed  " + name + "\n"))
+            << reference;
+
+    const std::vector<std::pair<std::string, std::string>> refusals{
+        {"C", "no such block"},
+        {"A:3", "has no output port 3; it has 1 (y), 2 (valid)"},
+        {"A:0", "no output port 0"},
+        {"Logic:1", "it has none"},
+        {"Logic/Off", "\"Off\""},
+        {"Logic/Both", "give --ssid"},
+        {"", "no such block"},
+        {"*", "no such block"},
+        {"\x1b[2J", "\"\\x1b[2J\": the"},
+    };
+    for (const auto& [reference, message] : refusals) {
+        const testing::Finished finished = run({"query", path(), "--", reference});
+        EXPECT_EQ(finished.code, 2) << reference;
+        EXPECT_TRUE(contains(finished.err, message)) << finished.err;
+    }
+}
+
+TEST_F(Commands, queryTellsByItsExitCode) {
+    EXPECT_EQ(query({"A", "Logic/On/Fast"}), 0);
+    EXPECT_EQ(query({"A", "A:2"}), 1);
+    EXPECT_EQ(query({"A", "nowhere"}), 2);
+    EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Self"}), 0);
+    EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Leaf"}), 1);
+    EXPECT_EQ(query({"Logic", "--ssid", "4"}), 0);
+    EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Idle"}), 2);
+    EXPECT_EQ(query({"A", "--activity", "Self"}), 2);
+    EXPECT_EQ(query({}), 2);
+    EXPECT_EQ(run({"query", path(), "A", "--json"}).out, "[\n  {\"source\": \"m/A:1\", \"observed\": true}\n]\n");
+}
+
+TEST_F(Commands, markAddsWhatIsAskedForAndTheFileSaysSo) {
+    EXPECT_EQ(run({"mark", path(), "A/B:q", "--name", "flow", "--decimation", "3", "--max-points", "7", "--hide",
+                   "--frame-based", "--buffered", "--visual-type", "dial"})
+                  .code,
+              0);
+    for (const char* line : {"\"BlockPath_\": \"A/B\"", "\"EID_\": \"3\"", "\"OutputPortIndex_\": 2",
+                             "\"SignalName_\": \"flow\"", "\"SubSysPath_\": \"A\"", "\"Decimation_\": 3",
+                             "\"MaxPoints_\": 7", "\"TargetBufferedStreaming_\": 1", "\"HideInPLV_\": 1", "\"dial\""})
+        EXPECT_TRUE(contains(read(), line)) << line;
+    EXPECT_EQ(query({"A/B:q"}), 0);
+    EXPECT_EQ(query({"A/B:p"}), 1);
+
+    EXPECT_EQ(run({"mark", path(), "Logic", "Logic/limit"}).code, 0);
+    EXPECT_TRUE(contains(read(), R"("DomainParams_": {"Activity": "Self", "SSID": "0"})"));
+    EXPECT_TRUE(contains(read(), R"("DomainParams_": {"Activity": "Data", "SSID": "7"})"));
+    EXPECT_EQ(query({"Logic", "--activity", "Self"}), 0);
+}
+
+TEST_F(Commands, whatIsMarkedStaysUnlessAgainIsSaid) {
+    const testing::Finished finished = run({"mark", path(), "A", "Logic/On/Fast"});
+    EXPECT_EQ(finished.code, 0);
+    EXPECT_TRUE(contains(finished.out, "already marked m/A:1 (y)\nalready marked m/Logic/On/Fast (Self)\n"));
+    EXPECT_EQ(read(), kModel);
+    EXPECT_TRUE(contains(run({"mark", path(), "A", "--again"}).out, "saved with 3 signals"));
+    EXPECT_TRUE(contains(run({"unmark", path(), "A"}).out, "saved with 1 signal\n"));
+}
+
+TEST_F(Commands, dryRunsChangeNothing) {
+    EXPECT_TRUE(contains(run({"mark", path(), "--all", "*", "--dry-run"}).out, "would mark m/A:2 (valid)"));
+    EXPECT_TRUE(contains(run({"unmark", path(), "A", "--dry-run"}).out, "would remove signal 1"));
+    EXPECT_EQ(read(), kModel);
+}
+
+TEST_F(Commands, signalsExcludedFromSavingAreLeftOutAndTheUserIsTold) {
+    const testing::Finished finished = run({"mark", path(), "A:2", "--exclude-from-save"});
+    EXPECT_TRUE(contains(finished.out, "1 signal excluded from saving was left out")) << finished.out;
+    EXPECT_EQ(read(), kModel);
+}
+
+TEST_F(Commands, patternsMatchFullPathsNumbersAndNames) {
+    EXPECT_TRUE(contains(run({"mark", path(), "--all", "m/A*", "--except", "*:q"}).out, "saved with 5 signals"));
+    EXPECT_EQ(query({"A:2", "A/B:1:1", "A/B:p"}), 0);
+    EXPECT_EQ(query({"A/B:q"}), 1);
+    EXPECT_EQ(run({"mark", path(), "--all", "A*"}).code, 2);
+    EXPECT_EQ(run({"mark", path(), "A", "--except", "A*"}).code, 2);
+    EXPECT_TRUE(contains(run({"unmark", path(), "--all", "m/Logic/*", "--all", "*:2"}).out, "saved with 3 signals"));
+    EXPECT_EQ(run({"unmark", path(), "--all", "m/Logic/*"}).code, 0);
+    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 2);
+}
+
+TEST_F(Commands, danglingSignalsAreRemovedOnDemand) {
+    write(replaced(kModel, "\"EID_\": \"1\"", "\"EID_\": \"9\""));
+    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 2);
+    const testing::Finished finished = run({"unmark", path(), "--dangling"});
+    EXPECT_EQ(finished.code, 0) << finished.err;
+    EXPECT_TRUE(contains(finished.out, "on A (gone)")) << finished.out;
+    EXPECT_EQ(finished.err, "");
+    EXPECT_EQ(query({"Logic/On/Fast"}), 0);
+}
+
+TEST_F(Commands, signalsFollowAMovedBlock) {
+    write(replaced(kModel, "{\"path\": \"A\", ", "{\"path\": \"Z\", "));
+    EXPECT_EQ(query({"Z"}), 0);
+    EXPECT_TRUE(contains(run({"mark", path(), "Z"}).out, "already marked"));
+    EXPECT_EQ(run({"mark", path(), "Z:2"}).code, 0);
+    EXPECT_FALSE(contains(read(), "\"BlockPath_\": \"A\""));
+}
+
+TEST_F(Commands, showListsSignalsAndBlocks) {
+    const testing::Finished shown = run({"show", path()});
+    EXPECT_TRUE(contains(shown.out, "1  A                 1  y          speed \"ü\"  port"));
+    EXPECT_TRUE(contains(shown.out, "[x] 1 y  [ ] 2 valid"));
+    EXPECT_TRUE(contains(shown.out, "(state) On/Fast  [x] Self"));
+    EXPECT_TRUE(contains(run({"show", path(), "--json"}).out, R"({"name": "valid", "observed": false})"));
+}
+
+TEST_F(Commands, tourTellsTheMainJobOnACopy) {
+    const testing::Finished tour = run({"tour", path()});
+    EXPECT_EQ(tour.code, 0) << tour.err;
+    EXPECT_EQ(tour.err, "");
+    EXPECT_EQ(read(), kModel);
+    for (const char* part : {"m/A:2 (valid): marked already, nothing added", "handles are new",
+                             "by handle not observed; by path observed; by handle again observed",
+                             "marked again: observed, the same UUID"})
+        EXPECT_TRUE(contains(tour.out, part)) << part << tour.out;
+    write("{\"kestrelModel\": 1, \"name\": \"e\", \"blocks\": [], \"signals\": [], \"clients\": []}");
+    EXPECT_EQ(run({"tour", path()}).code, 0);
+}
+
+TEST_F(Commands, usageErrorsAreErrors) {
+    EXPECT_EQ(run({}).code, 2);
+    EXPECT_EQ(run({"paint"}).code, 2);
+    EXPECT_EQ(run({"mark", path()}).code, 2);
+    EXPECT_EQ(run({"mark", path(), "A", "--decimation", "0"}).code, 2);
+    EXPECT_EQ(run({"mark", path(), "A", "--frobnicate"}).code, 2);
+    EXPECT_EQ(run({"--version"}).code, 0);
+    EXPECT_TRUE(contains(run({"mark", "--help"}).out, "Examples:"));
+}
+
+}  // namespace
+}  // namespace kshmi

@@ -1,0 +1,133 @@
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+
+#include "tests/kshmi/kshmi_test.h"
+
+namespace kshmi {
+namespace {
+
+using testing::contains;
+using testing::kModel;
+using testing::replaced;
+
+class ModelFiles : public testing::KshmiTest {
+protected:
+    /// Saves the file without a change that would show in it.
+    void resave() const { EXPECT_EQ(run({"mark", path(), "A:valid", "--exclude-from-save"}).err, ""); }
+};
+
+TEST_F(ModelFiles, savingWhatWasLoadedGivesTheSameBytes) {
+    write(kModel);
+    resave();
+    EXPECT_EQ(read(), kModel);
+}
+
+TEST_F(ModelFiles, orderOfKeysAndLayoutDoNotMatter) {
+    const std::string clients = kModel.substr(kModel.find("  \"clients\""));
+    std::string text = replaced(kModel, ",\n" + clients, "\n}");
+    text = replaced(text, "{\n  \"kestrelModel\"", "{" + replaced(clients, "  ]\n}\n", "],") + "\"kestrelModel\"");
+    text = replaced(text, R"("Activity": "Self", "SSID": "4")", R"("SSID": "4",  "Activity": "\u0053elf")");
+    write(replaced(text, R"("path": "A", "eid": "1")", R"("eid": "1", "path": "A")"));
+    resave();
+    EXPECT_EQ(read(), kModel);
+}
+
+TEST_F(ModelFiles, optionalFieldsMayBeLeftOut) {
+    std::string text = replaced(kModel, "      \"LogicalPortIndex_\": 0,\n", "");
+    text = replaced(text, "      \"DomainType_\": \"\",\n      \"DomainParams_\": {},\n", "");
+    write(text);
+    resave();
+    EXPECT_EQ(read(), kModel);
+}
+
+TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
+    struct Refusal {
+        const char* what;
+        const char* with;
+        const char* message;
+    };
+    const Refusal refusals[] = {
+        {"\"name\": \"m\",", "\"name\" \"m\",", ":3:10: not JSON"},
+        {"  ]\n}\n", "  ]\n", "ends too early"},
+        {"  ]\n}\n", "  ]\n} 1", "follows the document"},
+        {"\"kestrelModel\": 1", "\"kestrelModel\": 2", ":2: /kestrelModel: this program reads version 1"},
+        {"  \"name\": \"m\",\n", "", "the key \"name\" is missing"},
+        {"\"name\": \"m\"", "\"name\": \"m/n\"", ":3: /name: "},
+        {"\"name\": \"m\"", "\"name\": 5", "/name: the number 5 stands where a text belongs"},
+        {"\"name\": \"m\"", "\"name\": \"m\", \"name\": \"m\"", "/name: this key is there twice"},
+        {"\"eid\": \"2\"", "\"eid\": \"1\"", ":6: /blocks/1/eid: "},
+        {"\"eid\": \"2\"", "\"eid\": \"\"", ":6: /blocks/1/eid: "},
+        {"\"path\": \"A/B:1\"", "\"path\": \"A\"", ":6: /blocks/1/path: "},
+        {"\"path\": \"A/B:1\"", "\"path\": \"A\\u0000\"", "/blocks/1/path: contains a NUL"},
+        {"\"eid\": \"2\", ", "", ":6: /blocks/1: the key \"eid\" is missing"},
+        {"\"eid\": \"2\"", "\"eid\": \"2\", \"color~/\": 3", "/blocks/1/color~0~1: this key is unknown"},
+        {"\"ssid\": 5", "\"ssid\": 4", "/blocks/3/chart: the SSID 4 is there twice"},
+        {"\"ssid\": 5", "\"ssid\": 0", "/blocks/3/chart/states/1/ssid: "},
+        {"[\"p\", \"q\"]", "[\"p\", true]", "/blocks/2/outputs/1: true or false stands where a text"},
+        {"\"SubPath_\": \"\"", "\"SubPath\": \"\"", "/signals/0/SubPath: this key is unknown"},
+        {"      \"MaxPoints_\": 100,\n", "", ":11: /signals/0/MaxPoints_: "},
+        {"\"MaxPoints_\": 100", "\"MaxPoints_\": [1]", ":21: /signals/0/MaxPoints_: "},
+        {"\"MaxPoints_\": 100", "\"MaxPoints_\": 1e999", ":21: /signals/0/MaxPoints_: the number 1e999"},
+        {"\"VisualType_\": \"scope\"", "\"VisualType_\": 3", ":27: /signals/0/VisualType_: double 1x1 stands where"},
+        {"\"DomainParams_\": {}", "\"DomainParams_\": {\"a\": 1}", "/signals/0/DomainParams_: struct 1x1"},
+        {"\"EID_\": \"1\"", "\"EID_\": \"9\"", ":14: /signals/0/EID_: the model has no block"},
+        {"\"EID_\": \"1\"", "\"EID_\": \"9\"", "unmark FILE --dangling"},
+        {"\"BlockPath_\": \"A\",\n      \"EID_\": \"1\"", "\"BlockPath_\": \"Z\",\n      \"EID_\": \"\"",
+         "/signals/0/BlockPath_: "},
+        {"\"OutputPortIndex_\": 1", "\"OutputPortIndex_\": 3", "/signals/0/OutputPortIndex_: the block \"A\" has no"},
+        {"\"UUID\": \"u-2\"", "\"UUID\": \"u-1\"", ":30: /signals/1/UUID: another signal"},
+        {"\"UUID\": \"u-2\"", "\"UUID\": \"\"", "/signals/1/UUID: the signal has no UUID"},
+        {"\"SSID\": \"4\"", "\"SSID\": \"6\"", "/signals/1/DomainParams_: the chart \"Logic\" has no item"},
+        {"\"SSID\": \"4\"", "\"SSID\": \"04\"", "/signals/1/DomainParams_: \"SSID\" is no plain"},
+        {"\"Activity\": \"Self\"", "\"Activity\": \"Idle\"", "/signals/1/DomainParams_: the activity \"Idle\""},
+        {"    {}\n", "    3\n", "/clients/1: a client is an object"},
+        {"[\"NaN\", 1]", "[\"NaN\"]", "/clients/0/Zeta_: \"data\" has 1 element"},
+    };
+    for (const Refusal& refusal : refusals) {
+        const std::string text = replaced(kModel, refusal.what, refusal.with);
+        write(text);
+        const testing::Finished finished = run({"mark", path(), "A:2"});
+        EXPECT_EQ(finished.code, 2) << refusal.with;
+        EXPECT_TRUE(contains(finished.err, refusal.message)) << refusal.message << "\n" << finished.err;
+        EXPECT_TRUE(contains(finished.err, "kshmi: " + path() + ":")) << finished.err;
+        EXPECT_EQ(read(), text);
+    }
+}
+
+TEST_F(ModelFiles, whatCannotBeReadIsNamed) {
+    EXPECT_TRUE(contains(run({"show", path("absent")}).err, "No such file"));
+    EXPECT_TRUE(contains(run({"show", path(".")}).err, "is a directory"));
+    EXPECT_TRUE(contains(run({"tour", path("absent")}).err, "cannot be copied"));
+}
+
+TEST_F(ModelFiles, aFailedSaveLeavesTheOldFileAndNothingElse) {
+    write(kModel);
+    rlimit before{};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{100, before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    const testing::Finished finished = run({"mark", path(), "A:2"});
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(finished.code, 2);
+    EXPECT_TRUE(contains(finished.err, "the file is as it was: writing failed: File too large")) << finished.err;
+    EXPECT_EQ(read(), kModel);
+    EXPECT_EQ(fileCount(), 1U);
+}
+
+TEST_F(ModelFiles, aSaveFollowsALinkAndKeepsPermissions) {
+    write(kModel);
+    ::chmod(path().c_str(), 0640);
+    std::filesystem::create_symlink("model.json", path("link"));
+    EXPECT_EQ(run({"mark", path("link"), "A:2"}).code, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
+    EXPECT_TRUE(contains(read(), "\"OutputPortIndex_\": 2"));
+    EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(path()).permissions()), 0640U);
+    EXPECT_EQ(fileCount(), 2U);
+}
+
+}  // namespace
+}  // namespace kshmi
