@@ -16,6 +16,9 @@ void installHostSide() {
     definePortQueries();
 }
 
-void releaseHostSide() noexcept { loadedModels().unloadAll(); }
+void releaseHostSide() noexcept {
+    loadedModels().unloadAll();
+    clearRecords();
+}
 
 }  // namespace kestrel

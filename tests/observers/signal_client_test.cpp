@@ -1,0 +1,272 @@
+#include "observers/signal_client.h"
+
+#include <cmath>
+#include <functional>
+
+#include "tests/support/host_test.h"
+
+using namespace ks_test;
+using ks_hmi::SignalClient;
+
+namespace {
+
+HvArrayPtr uint32(std::uint32_t value) {
+    HvArrayPtr scalar(hvCreateNumericScalar(hvUINT32_CLASS, hvREAL));
+    *static_cast<std::uint32_t*>(hvGetDataForWriting(scalar.get())) = value;
+    return scalar;
+}
+
+HvArrayPtr params(const char* modelName) {
+    const char* const fields[] = {"ModelName", "Color"};
+    const std::size_t one = 1;
+    HvArrayPtr value(hvCreateStructArray(1, &one, 2, fields));
+    hvReplaceField(value.get(), 0, "ModelName", text(modelName).release());
+    return value;
+}
+
+class SignalClientTest : public ModelTest {
+protected:
+    static HvArrayPtr emptyStruct(std::size_t elements = 1) {
+        return HvArrayPtr(hvCreateStructArray(1, &elements, SignalClient::getNumStructFields(),
+                                              SignalClient::getStructFields().data()));
+    }
+    static std::unique_ptr<SignalClient> filled() {
+        auto client = std::make_unique<SignalClient>();
+        client->m_uuid = "c1";
+        client->m_sourceModel = u"sub";
+        client->m_signalUUID = "s1";
+        client->m_observerType = "scope";
+        client->m_modelPath = {u"Sub/Model", u"inner/Block"};
+        client->m_modelPathEID = {"2", "inner:7"};
+        client->m_observerParams = params("m1");
+        client->m_updateRate = 10;
+        client->m_dimensionChannel = 3;
+        client->m_observeImaginaryPart = true;
+        client->m_busLeafPath = "a.b";
+        return client;
+    }
+    static std::unique_ptr<SignalClient> reload(const SignalClient& client) {
+        const auto data = emptyStruct();
+        client.getPersistenceData(data.get(), 0);
+        return std::make_unique<SignalClient>(data.get(), 0, u"");
+    }
+    /// A client of the signal that the model's set holds for that path, with the set known to the host.
+    std::unique_ptr<SignalClient> clientOf(const std::u16string& path) {
+        set().add(resolvedPort(path, 2, 7.5));
+        auto& signal = *set().get(0);
+        signal.m_decimation = 4;
+        signal.m_maxPoints = 100;
+        signal.m_subPath = u"part";
+        kestrel::loadedModels().find(u"m1")->setSignals(HvArrayPtr(hvCreateSharedDataCopy(object())));
+        auto client = std::make_unique<SignalClient>();
+        client->m_signalUUID = signal.m_uuid;
+        client->m_sourceModel = u"m1";
+        client->m_modelPath = {u"Sub"};
+        return client;
+    }
+    struct Aligned {
+        std::vector<std::u16string> path = {u"old"};
+        std::u16string subPath = u"old";
+        friend bool operator==(const Aligned&, const Aligned&) = default;
+    };
+    static Aligned aligned(SignalClient& client) {
+        Aligned result;
+        client.getAlignedBlockPath(u"m1", result.path, result.subPath);
+        return result;
+    }
+};
+
+TEST_F(SignalClientTest, persistedElementReadsBackEqual) {
+    const auto client = filled();
+    EXPECT_TRUE(reload(*client)->isEqual(client.get()));
+    const SignalClient fresh;
+    EXPECT_EQ(fresh.m_updateRate, 1U);
+    EXPECT_EQ(fresh.m_dimensionChannel, 1U);
+    EXPECT_TRUE(reload(fresh)->isEqual(&fresh));
+    EXPECT_TRUE(fresh.isEqual(reload(fresh).get()));
+}
+
+TEST_F(SignalClientTest, structCarriesTheModelsNameOnTheFirstPathOnly) {
+    const auto data = emptyStruct();
+    const auto client = filled();
+    client->createStructData(data.get(), 0, u"m");
+    const auto field = [&](const char* name) { return hvGetField(data.get(), 0, name); };
+    const auto cell = [&](const char* name, std::size_t i) { return hvArrayToStdString(hvGetCell(field(name), i)); };
+    EXPECT_EQ(cell("ModelPath_", 0), "m/Sub/Model");
+    EXPECT_EQ(cell("ModelPath_", 1), "inner/Block");
+    EXPECT_EQ(cell("ModelPathEID_", 0), "m:2");
+    EXPECT_EQ(cell("ModelPathEID_", 1), "inner:7");
+    EXPECT_EQ(hvArrayToStdString(field("SourceModel_")), "sub");
+    EXPECT_EQ(hvGetClassID(field("UpdateRate_")), hvUINT32_CLASS);
+    EXPECT_EQ(hvGetClassID(field("ObserveImaginaryPart_")), hvLOGICAL_CLASS);
+    EXPECT_EQ(hvGetDimensions(field("ModelPath_"))[0], 2U);
+    client->m_modelPath.clear();
+    client->createStructData(data.get(), 0, u"m");
+    EXPECT_EQ(hvArrayToStdString(field("SourceModel_")), "m");
+    client->getPersistenceData(data.get(), 0);
+    EXPECT_EQ(hvArrayToStdString(field("SourceModel_")), "");
+}
+
+TEST_F(SignalClientTest, readsWhatOlderAndForeignWritersLeave) {
+    struct Row {
+        const char* field;
+        HvArrayPtr value;
+        std::function<bool(const SignalClient&)> holds;
+    };
+    const std::size_t two = 2;
+    Row rows[] = {
+        {"UpdateRate_", nullptr, [](const auto& c) { return c.m_updateRate == 0; }},
+        {"DimensionChannel_", nullptr, [](const auto& c) { return c.m_dimensionChannel == 0; }},
+        {"ObserveImaginaryPart_", nullptr, [](const auto& c) { return !c.m_observeImaginaryPart; }},
+        {"BusLeafPath_", nullptr, [](const auto& c) { return c.m_busLeafPath.empty(); }},
+        {"UpdateRate_", number(2.9), [](const auto& c) { return c.m_updateRate == 2; }},
+        {"UpdateRate_", uint32(4294967295U), [](const auto& c) { return c.m_updateRate == UINT64_MAX; }},
+        {"ObserveImaginaryPart_", number(2.0), [](const auto& c) { return c.m_observeImaginaryPart; }},
+        {"ObserveImaginaryPart_", number(NAN), [](const auto& c) { return c.m_observeImaginaryPart; }},
+        {"ObserveImaginaryPart_", emptyDouble(), [](const auto& c) { return !c.m_observeImaginaryPart; }},
+        {"SourceModel_", number(1), [](const auto& c) { return c.m_sourceModel.empty(); }},
+        {"ModelPath_", HvArrayPtr(hvCreateCellArray(1, &two)),
+         [](const auto& c) { return c.m_modelPath == std::vector<std::u16string>(2); }},
+    };
+    for (Row& row : rows) {
+        const auto data = emptyStruct();
+        filled()->getPersistenceData(data.get(), 0);
+        hvReplaceField(data.get(), 0, row.field, row.value.release());
+        EXPECT_TRUE(row.holds(SignalClient(data.get(), 0, u""))) << &row - rows;
+    }
+    SignalClient widened;
+    widened.m_updateRate = UINT64_MAX;
+    EXPECT_EQ(reload(widened)->m_updateRate, UINT64_MAX) << "the low 32 bits survive";
+}
+
+TEST_F(SignalClientTest, refusesMissingAndUnreadableFieldsByNameAndElement) {
+    struct Row {
+        const char* field;
+        HvArrayPtr value;
+        const char* error;
+    };
+    std::vector<Row> rows;
+    for (std::size_t i = 0; i < 7; ++i) rows.push_back({SignalClient::getStructFields()[i], nullptr, "MissingField"});
+    rows.push_back({"ModelPath_", text("m/p"), "InvalidFieldValue"});
+    rows.push_back({"ModelPathEID_", emptyDouble(), "InvalidFieldValue"});
+    rows.push_back({"UpdateRate_", text("fast"), "InvalidFieldValue"});
+    rows.push_back({"DimensionChannel_", emptyDouble(), "InvalidFieldValue"});
+    for (Row& row : rows) {
+        const auto data = emptyStruct(2);
+        filled()->getPersistenceData(data.get(), 1);
+        hvReplaceField(data.get(), 1, row.field, row.value.release());
+        EXPECT_EQ(raisedBy([&] { SignalClient(data.get(), 1, u""); }), std::string(row.error) + " " + row.field + " 2");
+    }
+}
+
+TEST_F(SignalClientTest, equalityComparesEveryPersistedMember) {
+    const std::function<void(SignalClient&)> differences[] = {
+        [](auto& c) { ++c.m_updateRate; },
+        [](auto& c) { ++c.m_dimensionChannel; },
+        [](auto& c) { c.m_busLeafPath += 'x'; },
+        [](auto& c) { c.m_observeImaginaryPart ^= true; },
+        [](auto& c) { c.m_uuid += 'x'; },
+        [](auto& c) { c.m_signalUUID += 'x'; },
+        [](auto& c) { c.m_sourceModel += u'x'; },
+        [](auto& c) { c.m_observerType += 'x'; },
+        [](auto& c) { c.m_modelPath.pop_back(); },
+        [](auto& c) { c.m_modelPathEID[1] += 'x'; },
+        [](auto& c) { c.m_observerParams = params("m2"); },
+        [](auto& c) { c.m_observerParams.reset(); },
+    };
+    const auto client = filled();
+    for (const auto& differ : differences) {
+        const auto other = client->clone();
+        ASSERT_TRUE(client->isEqual(other.get()));
+        differ(*other);
+        EXPECT_FALSE(client->isEqual(other.get())) << &differ - differences;
+    }
+    const auto other = client->clone();
+    other->m_signalSpec = std::make_unique<ks_hmi::SignalSpecification>();
+    EXPECT_TRUE(client->isEqual(other.get()));
+    EXPECT_EQ(other->clone()->m_signalSpec, nullptr);
+    EXPECT_FALSE(client->isEqual(nullptr));
+    EXPECT_EQ(SignalClient().clone()->m_observerParams, nullptr);
+
+    const auto failing = orvex::registerFunction("isequal", [](orvex::Call&) { orvex::raise("no", "no"); });
+    EXPECT_EQ(raisedBy([&] { client->isEqual(client->clone().get()); }), "no no");
+    EXPECT_TRUE(SignalClient().isEqual(SignalClient().clone().get())) << "without parameters the host is not asked";
+}
+
+TEST_F(SignalClientTest, renamingFollowsTheSourceModelAndAlwaysTheParameters) {
+    struct Row {
+        const char16_t *source, *expected;
+    };
+    for (const Row& row : {Row{u"a", u"b"}, Row{u"", u"b"}, Row{u"c", u"c"}}) {
+        const auto client = filled();
+        client->m_sourceModel = row.source;
+        client->renameModel(u"a", u"b");
+        EXPECT_EQ(client->m_sourceModel, row.expected);
+        EXPECT_EQ(hvArrayToStdString(hvGetField(client->m_observerParams.get(), 0, "ModelName")), "b");
+        EXPECT_EQ(client->m_modelPath[0], u"Sub/Model");
+    }
+    SignalClient without;
+    without.m_observerParams = number(1);
+    without.renameModel(u"a", u"b");
+    EXPECT_EQ(hvGetScalar(without.m_observerParams.get()), 1.0);
+}
+
+TEST_F(SignalClientTest, deprecatedKindsMatchExactly) {
+    SignalClient client;
+    EXPECT_FALSE(client.isDeprecatedObserver());
+    client.m_observerType = "hmi_web_widget_observer";
+    EXPECT_TRUE(client.isDeprecatedObserver());
+    client.m_observerType += " ";
+    EXPECT_FALSE(client.isDeprecatedObserver());
+}
+
+TEST_F(SignalClientTest, hostObjectReadsBackEqualAndRelative) {
+    const auto client = filled();
+    const auto object = client->getHOSObject(u"m1");
+    EXPECT_EQ(hvArrayToStdString(hvGetCell(property(object.get(), "ModelPath_").get(), 0)), "m1/Sub/Model");
+    const SignalClient read(object.get(), 0, u"m1");
+    EXPECT_TRUE(read.isEqual(client.get()));
+    EXPECT_EQ(read.m_modelPath[0], u"Sub/Model");
+    EXPECT_EQ(read.m_modelPathEID[1], "inner:7");
+}
+
+TEST_F(SignalClientTest, answersFromTheObservedSignalAndKeepsIt) {
+    const auto client = clientOf(u"Sub/Switch");
+    EXPECT_EQ(client->getAlignedPortIndex(u"m1"), 2);
+    EXPECT_EQ(client->getDecimation(u"m1"), 4);
+    EXPECT_EQ(client->getMaxPoints(u"m1"), 100);
+    EXPECT_EQ(aligned(*client), (Aligned{{u"m1/Sub", u"m1/Sub/Switch"}, u"part"}));
+
+    set().remove(std::size_t{0});
+    orvex::FaultInjection calls;
+    EXPECT_EQ(client->getDecimation(u"m1"), 4) << "looked up once and kept";
+    EXPECT_EQ(calls.operations(), 0U);
+    client->m_modelPath.clear();
+    EXPECT_EQ(aligned(*client).path, (std::vector<std::u16string>{u"m1/Sub/Switch"}));
+    kestrel::loadedModels().find(u"m1")->model().move(u"Sub", u"Moved");
+    EXPECT_EQ(aligned(*client).path, (std::vector<std::u16string>{})) << "no identifier to find the moved block by";
+}
+
+TEST_F(SignalClientTest, withoutASignalTheAnswersAreFixedAndNothingIsKept) {
+    const auto expectFixedAnswers = [&](SignalClient& client) {
+        EXPECT_EQ(client.getAlignedPortIndex(u"m1"), 0);
+        EXPECT_EQ(client.getDecimation(u"m1"), 1);
+        EXPECT_EQ(client.getMaxPoints(u"m1"), 0);
+        EXPECT_EQ(aligned(client), (Aligned{{}, u""}));
+        EXPECT_EQ(client.m_signalSpec, nullptr);
+    };
+    const auto client = clientOf(u"Sub/Switch");
+    {
+        const auto refusing =
+            orvex::registerFunction("Kestrel.HMI.SignalClient", [](orvex::Call&) { orvex::raise("no", "no"); });
+        expectFixedAnswers(*client);
+        EXPECT_EQ(orvex::warnings().size(), 4U);
+    }
+    const std::string uuid = client->m_signalUUID;
+    client->m_signalUUID = "gone";
+    expectFixedAnswers(*client);
+    client->m_signalUUID = uuid;
+    EXPECT_EQ(client->getDecimation(u"m1"), 4) << "the host is asked again";
+}
+
+}  // namespace

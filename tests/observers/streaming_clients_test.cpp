@@ -1,0 +1,311 @@
+#include "observers/streaming_clients.h"
+
+#include "observers/hmi_engine_utils.h"
+#include "observers/model_observers.h"
+#include "tests/support/failure_sweep.h"
+
+using namespace ks_test;
+using ks_hmi::ModelObservers;
+using ks_hmi::SignalClient;
+using ks_hmi::StreamingClients;
+
+namespace {
+
+class StreamingClientsTest : public ModelTest {
+protected:
+    StreamingClientsTest() : m_clientsObject(call("Kestrel.HMI.StreamingClients", {})) {}
+
+    const hvArray* clientsObject() const { return m_clientsObject.get(); }
+    StreamingClients& clients() const { return *StreamingClients::getFromHvArray(m_clientsObject.get()); }
+    static std::unique_ptr<SignalClient> client(const std::string& uuid, const std::string& signalUUID = "") {
+        auto result = std::make_unique<SignalClient>();
+        result->m_uuid = uuid;
+        result->m_signalUUID = signalUUID;
+        result->m_sourceModel = u"m1";
+        result->m_modelPath = {u"Sub"};
+        result->m_modelPathEID = {"2"};
+        return result;
+    }
+    std::string uuids() const {
+        std::string result;
+        for (std::size_t i = 0; i < clients().getCount(); ++i) result += clients().get(i)->m_uuid + " ";
+        return result;
+    }
+    std::string errorOf(const char* method, std::initializer_list<const hvArray*> inputs) {
+        return raisedBy([&] { call(method, inputs, 0); });
+    }
+
+    static void aligned(SignalClient& observer) {
+        std::vector<std::u16string> path;
+        std::u16string subPath;
+        observer.getAlignedBlockPath(u"m1", path, subPath);
+    }
+    void alignedObservers() const {
+        std::vector<StreamingClients::ClientPtr> out;
+        StreamingClients::getAlignedObservers(clientsObject(), out);
+    }
+    static void split(const hvArray* bundle) {
+        HvArrayPtr signals;
+        HvArrayPtr clientsOut;
+        ModelObservers(bundle).getSignalsAndClients(signals, clientsOut);
+    }
+
+private:
+    HvArrayPtr m_clientsObject;
+};
+
+TEST_F(StreamingClientsTest, positionsOutsideTheSetRaiseTheCountAndChangeNothing) {
+    for (const char* const uuid : {"a", "b", "c"}) clients().add(client(uuid));
+    for (const std::size_t index : {std::size_t{3}, SIZE_MAX}) {
+        EXPECT_EQ(raisedBy([&] { clients().get(index); }), "InvalidElementIndex 3");
+        EXPECT_EQ(raisedBy([&] { clients().set(index, client("x")); }), "InvalidElementIndex 3");
+        EXPECT_EQ(raisedBy([&] { clients().remove(index); }), "InvalidElementIndex 3");
+    }
+    EXPECT_EQ(raisedBy([&] { clients().add(nullptr); }), "NullRecord");
+    EXPECT_EQ(raisedBy([&] { clients().set(0, nullptr); }), "NullRecord");
+    EXPECT_EQ(uuids(), "a b c ");
+    clients().remove(0);
+    clients().set(1, client("d"));
+    EXPECT_EQ(uuids(), "b d ");
+}
+
+TEST_F(StreamingClientsTest, persistenceAppendsAndEqualityIsByOrder) {
+    clients().add(client("a"));
+    clients().add(client("b"));
+    const auto saved = property(clientsObject(), "Persistence");
+    EXPECT_EQ(hvGetNumberOfFields(saved.get()), 11);
+    const auto other = call("Kestrel.HMI.StreamingClients", {text("m2").get()});
+    hvSetProperty(other.get(), 0, "Persistence", saved.get());
+    auto& loaded = *StreamingClients::getFromHvArray(other.get());
+    EXPECT_TRUE(loaded.isEqual(&clients()));
+    loaded.add(loaded.share(0));
+    loaded.remove(0);
+    EXPECT_FALSE(loaded.isEqual(&clients()));
+    EXPECT_FALSE(loaded.isEqual(nullptr));
+    hvSetProperty(other.get(), 0, "Persistence", saved.get());
+    EXPECT_EQ(loaded.getCount(), 4U);
+    hvReplaceField(saved.get(), 1, "UUID", nullptr);
+    EXPECT_EQ(raisedBy([&] { loaded.setFromPersistenceData(saved.get()); }), "MissingField UUID 2");
+    EXPECT_EQ(loaded.getCount(), 5U);
+    const auto none = call("Kestrel.HMI.StreamingClients", {});
+    EXPECT_EQ(hvGetNumberOfFields(property(none.get(), "Persistence").get()), 11);
+}
+
+TEST_F(StreamingClientsTest, theManagerIsToldTheNameThatTheHostKnewEachTime) {
+    clients().add(client("a"));
+    StreamingClients::handleModelRename(clientsObject());
+    clients().setModelName(u"a");
+    StreamingClients::handleModelRename(clientsObject());
+    EXPECT_TRUE(kestrel::recordedRenames().empty()) << "the first naming is known at once";
+    clients().setModelName(u"b");
+    clients().setModelName(u"c");
+    StreamingClients::handleModelRename(clientsObject());
+    StreamingClients::handleModelRename(clientsObject());
+    ASSERT_EQ(kestrel::recordedRenames().size(), 2U);
+    EXPECT_EQ(kestrel::recordedRenames()[1].oldName, u"a");
+    EXPECT_EQ(kestrel::recordedRenames()[1].newName, u"c");
+    EXPECT_EQ(clients().get(0)->m_sourceModel, u"m1");
+    orvex::clearWarnings();
+    const auto keeping = orvex::registerFunction("validateAndRemoveUnused", [](orvex::Call&) {});
+    StreamingClients::validateAndRemoveUnused(clientsObject());
+    StreamingClients::handleModelRename(clientsObject());
+    EXPECT_EQ(kestrel::recordedRenames().size(), 2U);
+    EXPECT_TRUE(orvex::warnings().empty());
+}
+
+TEST_F(StreamingClientsTest, refusalsOfTheHostEndQuietlyWithAWarning) {
+    clients().setModelName(u"a");
+    clients().setModelName(u"b");
+    std::vector<StreamingClients::ClientPtr> out(2);
+    struct Row {
+        const char* function;
+        std::function<void()> operation;
+    };
+    const Row rows[] = {
+        {"Kestrel.HMI.InterfaceMgr.getInterfaceMgr", [&] { StreamingClients::handleModelRename(clientsObject()); }},
+        {"renameModel", [&] { StreamingClients::handleModelRename(clientsObject()); }},
+        {"validateAndRemoveUnused", [&] { StreamingClients::validateAndRemoveUnused(clientsObject()); }},
+        {"getAlignedObservers", [&] { StreamingClients::getAlignedObservers(clientsObject(), out); }},
+    };
+    for (const Row& row : rows) {
+        orvex::clearWarnings();
+        const auto refusing = orvex::registerFunction(row.function, [](orvex::Call&) { orvex::raise("no", "no"); });
+        EXPECT_EQ(raisedBy(row.operation), "") << row.function;
+        EXPECT_EQ(orvex::warnings().size(), 1U) << row.function;
+    }
+    EXPECT_TRUE(out.empty());
+    EXPECT_TRUE(kestrel::recordedRenames().empty());
+    {
+        clients().setModelName(u"c");
+        const auto absent = orvex::registerFunction("Kestrel.HMI.InterfaceMgr.getInterfaceMgr", [](orvex::Call&) {});
+        orvex::clearWarnings();
+        StreamingClients::handleModelRename(clientsObject());
+        EXPECT_TRUE(orvex::warnings().empty()) << "no manager, nobody to tell";
+    }
+    const auto refusing =
+        orvex::registerFunction("Kestrel.HMI.StreamingClients", [](orvex::Call&) { orvex::raise("no", "no"); });
+    EXPECT_EQ(raisedBy([&] { clients().copy(); }), "no no");
+}
+
+TEST_F(StreamingClientsTest, validationDropsDeprecatedAndDanglingClients) {
+    set().add(port(u"Gain", 1, "1"));
+    kestrel::loadedModels().find(u"m1")->setSignals(HvArrayPtr(hvCreateSharedDataCopy(object())));
+    const std::string uuid = set().get(0)->m_uuid;
+    clients().setModelName(u"m1");
+    clients().add(client("gone", "no such signal"));
+    clients().add(client("kept", uuid));
+    clients().add(client("old", uuid));
+    clients().get(2)->m_observerType = "hmi_web_widget_observer";
+    StreamingClients::validateAndRemoveUnused(clientsObject());
+    EXPECT_EQ(uuids(), "kept ");
+    EXPECT_TRUE(orvex::warnings().empty());
+}
+
+TEST_F(StreamingClientsTest, alignedObserversAreNewClientsWithRelativePaths) {
+    clients().setModelName(u"m1");
+    clients().add(client("a"));
+    clients().add(client("b"));
+    kestrel::loadedModels().find(u"m1")->model().move(u"Sub", u"Moved");
+    std::vector<StreamingClients::ClientPtr> out(5);
+    StreamingClients::getAlignedObservers(clientsObject(), out);
+    ASSERT_EQ(out.size(), 2U);
+    EXPECT_EQ(out[1]->m_uuid, "b");
+    EXPECT_EQ(out[1]->m_modelPath[0], u"Moved");
+    EXPECT_EQ(clients().get(1)->m_modelPath[0], u"Sub");
+    StreamingClients::getAlignedObservers(emptyDouble().get(), out);
+    EXPECT_TRUE(out.empty());
+}
+
+TEST_F(StreamingClientsTest, copyIsDeepAndKeepsBothNames) {
+    clients().setModelName(u"a");
+    clients().setModelName(u"b");
+    clients().add(client("x"));
+    const auto copied = clients().copy();
+    auto& copy = *StreamingClients::getFromHvArray(copied.get());
+    EXPECT_TRUE(copy.isEqual(&clients()));
+    EXPECT_NE(copy.get(0), clients().get(0));
+    StreamingClients::handleModelRename(copied.get());
+    ASSERT_EQ(kestrel::recordedRenames().size(), 1U);
+    EXPECT_EQ(kestrel::recordedRenames()[0].oldName, u"a");
+}
+
+TEST_F(StreamingClientsTest, hostClassRenamesAndReachesElementsByOneBasedPositions) {
+    const auto given = client("x")->getHOSObject(u"m1");
+    hvSetProperty(HvArrayPtr(hvCreateSharedDataCopy(clientsObject())).get(), 0, "Model", text("m1").get());
+    EXPECT_EQ(clients().getModelName(), u"m1");
+    call("add", {clientsObject(), given.get()}, 0);
+    EXPECT_EQ(clients().get(0)->m_modelPath[0], u"Sub") << "stored relative to the model";
+    const auto read = call("get", {clientsObject(), number(1).get()});
+    EXPECT_TRUE(hvIsA(read.get(), "Kestrel.HMI.SignalClient"));
+    EXPECT_EQ(hvArrayToStdString(hvGetCell(property(read.get(), "ModelPath_").get(), 0)), "m1/Sub");
+    hvSetProperty(given.get(), 0, "UUID", text("y").get());
+    call("set", {clientsObject(), number(1).get(), given.get()}, 0);
+    EXPECT_EQ(uuids(), "y ");
+    for (const double index : {0.0, 2.0}) {
+        const auto position = number(index);
+        EXPECT_EQ(errorOf("get", {clientsObject(), position.get()}), "InvalidElementIndex 1");
+        EXPECT_EQ(errorOf("remove", {clientsObject(), position.get()}), "InvalidElementIndex 1");
+        EXPECT_EQ(errorOf("set", {clientsObject(), position.get(), given.get()}), "InvalidElementIndex 1");
+    }
+    EXPECT_NE(errorOf("get", {clientsObject(), number(1).get(), logical(true).get()}), "") << "no optional argument";
+    EXPECT_NE(raisedBy([&] { hvSetProperty(read.get(), 0, "Count", number(1).get()); }), "");
+    call("remove", {clientsObject(), number(1).get()}, 0);
+    EXPECT_EQ(hvGetScalar(property(clientsObject(), "Count").get()), 0.0);
+}
+
+TEST_F(StreamingClientsTest, bundlesValidateTheScalarFirst) {
+    const auto isEmptyBundle = [](const hvArray* value) {
+        HvArrayPtr signals = number(1);
+        HvArrayPtr clientsOut = number(1);
+        ModelObservers(value).getSignalsAndClients(signals, clientsOut);
+        return !signals && !clientsOut;
+    };
+    EXPECT_TRUE(isEmptyBundle(nullptr));
+    EXPECT_TRUE(isEmptyBundle(emptyDouble().get()));
+    const HvArrayPtr pair(hvCreateNumericMatrix(1, 2, hvDOUBLE_CLASS, hvREAL));
+    EXPECT_EQ(raisedBy([&] { ModelObservers{pair.get()}; }), "SignalObserversSetParamNonScalar");
+    EXPECT_EQ(raisedBy([&] { ModelObservers{number(1).get()}; }), "SignalObserversSetParamInvalidType");
+    EXPECT_EQ(raisedBy([&] { ModelObservers{object()}; }), "SignalObserversSetParamInvalidType");
+}
+
+TEST_F(StreamingClientsTest, bundlesSplitIntoWhatTheyWereBuiltFrom) {
+    EXPECT_EQ(ModelObservers::createFromSignalsAndClients(nullptr, nullptr), nullptr);
+    const auto bundle = ModelObservers::createFromSignalsAndClients(nullptr, clientsObject());
+    HvArrayPtr signals;
+    HvArrayPtr clientsOut;
+    ModelObservers(bundle.get()).getSignalsAndClients(signals, clientsOut);
+    EXPECT_EQ(hvGetClassID(signals.get()), hvDOUBLE_CLASS);
+    EXPECT_TRUE(hvIsEmpty(signals.get()));
+    EXPECT_EQ(StreamingClients::getFromHvArray(clientsOut.get()), &clients());
+
+    const auto refuse = [](orvex::Call&) { orvex::raise("no", "no"); };
+    const auto refusingSplit = orvex::registerFunction("getSignalsAndClients", refuse);
+    const auto refusingBuild =
+        orvex::registerFunction("Kestrel.HMI.ModelObservers.createFromSignalsAndClients", refuse);
+    ModelObservers(bundle.get()).getSignalsAndClients(signals, clientsOut);
+    EXPECT_TRUE(!signals && !clientsOut);
+    EXPECT_EQ(ModelObservers::createFromSignalsAndClients(object(), nullptr), nullptr);
+    EXPECT_EQ(orvex::warnings().size(), 2U);
+}
+
+TEST_F(StreamingClientsTest, parameterNoticesAreSentAndNeverHeardOfWhenTheyFail) {
+    ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain");
+    ks_hmi::HMIEngineUtils::updateParamsForBlock(u"");
+    ASSERT_EQ(kestrel::recordedEvents().size(), 2U);
+    EXPECT_EQ(kestrel::recordedEvents()[0].event, u"block_param_change");
+    EXPECT_EQ(kestrel::recordedEvents()[0].path, u"m1/Gain");
+    sweepHostFailures(
+        "notice", [] { ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain"); },
+        [](const std::string& where) {
+            EXPECT_TRUE(orvex::warnings().empty()) << where;
+            EXPECT_EQ(orvex::liveCounts().diagnostics, 0U) << where;
+        });
+    orvex::undefineFunction("Kestrel.HMI.kshmi");
+    ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain");
+    EXPECT_TRUE(orvex::warnings().empty());
+    orvex::defineFunction(
+        "Kestrel.HMI.kshmi", [](orvex::Call&) {}, 0);
+}
+
+TEST_F(StreamingClientsTest, hostFailuresLeaveTheSetIntact) {
+    set().add(port(u"Gain", 1, "1"));
+    kestrel::loadedModels().find(u"m1")->setSignals(HvArrayPtr(hvCreateSharedDataCopy(object())));
+    clients().setModelName(u"m1");
+    clients().add(client("a", set().get(0)->m_uuid));
+    clients().get(0)->m_observerParams = number(3);
+    const auto bundle = ModelObservers::createFromSignalsAndClients(object(), clientsObject());
+    const auto clientObject = clients().get(0)->getHOSObject(u"m1");
+    const auto saved = clients().getPersistenceData();
+    const auto one = number(1);
+    struct Row {
+        const char* name;
+        std::function<void()> operation;
+    };
+    const Row rows[] = {
+        {"signal of a client", [&] { clients().get(0)->clone()->getDecimation(u"m1"); }},
+        {"aligned path", [&] { aligned(*clients().get(0)->clone()); }},
+        {"isEqual", [&] { clients().isEqual(&clients()); }},
+        {"read an object", [&] { SignalClient(clientObject.get(), 0, u"m1"); }},
+        {"read an element", [&] { SignalClient(saved.get(), 0, u""); }},
+        {"getPersistenceData", [&] { clients().getPersistenceData(); }},
+        {"copy", [&] { clients().copy(); }},
+        {"getAlignedObservers", [&] { alignedObservers(); }},
+        {"host get",
+         [&] {
+             call("get", {clientsObject(), one.get()});
+         }},
+        {"split", [&] { split(bundle.get()); }},
+        {"build", [&] { ModelObservers::createFromSignalsAndClients(object(), nullptr); }},
+        {"handleModelRename", [&] { StreamingClients::handleModelRename(clientsObject()); }},
+    };
+    clients().setModelName(u"m2");
+    const orvex::LedgerCounts before = orvex::liveCounts();
+    for (const Row& row : rows) {
+        sweepHostFailures(row.name, row.operation, [&](const std::string& where) {
+            ASSERT_EQ(uuids(), "a ") << where;
+            EXPECT_EQ(orvex::liveCounts(), before) << where << "\n" << orvex::describeLive();
+        });
+    }
+}
+
+}  // namespace
