@@ -20,7 +20,7 @@ endfunction()
 # The rooms that make up libks_hmi_foundation.so; each lists its own sources.
 function(ks_hmi_add_foundation_library)
   add_library(ks_hmi_foundation SHARED)
-  foreach(room IN ITEMS foundation signals observers bindings)
+  foreach(room IN ITEMS foundation signals observers streamout bindings)
     add_subdirectory(${room})
   endforeach()
   target_include_directories(ks_hmi_foundation PUBLIC

@@ -1,0 +1,103 @@
+#include "streamout/stream_out_block_registry.h"
+
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace streamout {
+
+class StreamOutBlockRegistry::Impl {
+public:
+    void registerBlock(const BlockContextPtr& ctx);
+    void unregisterBlock(const BlockContextPtr& ctx);
+    BlockContextSet getRegisteredBlocks() const;
+    bool isBlockAlreadyRegistered(const std::string& blockId) const;
+    BlockContextPtr getBlockForBlockId(const std::string& blockId) const;
+    void clear();
+
+private:
+    using BlocksById = std::unordered_map<std::string, BlockContextPtr>;
+
+    BlockContextSet m_registeredBlocks;
+    BlocksById m_blocksById;
+    mutable std::mutex m_mutex;
+};
+
+void StreamOutBlockRegistry::Impl::registerBlock(const BlockContextPtr& ctx) {
+    const std::lock_guard lock(m_mutex);
+    const auto [position, isNew] = m_registeredBlocks.insert(ctx);
+    try {
+        m_blocksById.try_emplace(ctx->getBlockId(), ctx);
+    } catch (...) {
+        if (isNew) m_registeredBlocks.erase(position);
+        throw;
+    }
+}
+
+void StreamOutBlockRegistry::Impl::unregisterBlock(const BlockContextPtr& ctx) {
+    // Declared before the lock, so that contexts die after it is released.
+    BlockContextSet::node_type block;
+    BlocksById::node_type entry;
+    const std::lock_guard lock(m_mutex);
+    // Asked first: a context that fails to answer stays registered.
+    const std::string blockId = ctx->getBlockId();
+    block = m_registeredBlocks.extract(ctx);
+    entry = m_blocksById.extract(blockId);
+}
+
+StreamOutBlockRegistry::BlockContextSet StreamOutBlockRegistry::Impl::getRegisteredBlocks() const {
+    const std::lock_guard lock(m_mutex);
+    return m_registeredBlocks;
+}
+
+bool StreamOutBlockRegistry::Impl::isBlockAlreadyRegistered(const std::string& blockId) const {
+    const std::lock_guard lock(m_mutex);
+    return m_blocksById.contains(blockId);
+}
+
+StreamOutBlockRegistry::BlockContextPtr StreamOutBlockRegistry::Impl::getBlockForBlockId(
+    const std::string& blockId) const {
+    const std::lock_guard lock(m_mutex);
+    const auto found = m_blocksById.find(blockId);
+    return found == m_blocksById.end() ? nullptr : found->second;
+}
+
+void StreamOutBlockRegistry::Impl::clear() {
+    BlockContextSet blocks;
+    BlocksById byId;
+    const std::lock_guard lock(m_mutex);
+    blocks.swap(m_registeredBlocks);
+    byId.swap(m_blocksById);
+}
+
+StreamOutBlockRegistry::StreamOutBlockRegistry() : m_impl(std::make_unique<Impl>()) {}
+
+// Cleared here, not by the implementation's own end: contexts that die now may still use the registry.
+StreamOutBlockRegistry::~StreamOutBlockRegistry() { m_impl->clear(); }
+
+std::string StreamOutBlockRegistry::getPluginName() {
+    static const std::string name = "StreamOutBlockRegistry";
+    return name;
+}
+
+void StreamOutBlockRegistry::registerBlock(BlockContextPtr ctx) {
+    if (ctx) m_impl->registerBlock(ctx);
+}
+
+void StreamOutBlockRegistry::unregisterBlock(BlockContextPtr ctx) {
+    if (ctx) m_impl->unregisterBlock(ctx);
+}
+
+StreamOutBlockRegistry::BlockContextSet StreamOutBlockRegistry::getRegisteredBlocks() const {
+    return m_impl->getRegisteredBlocks();
+}
+
+bool StreamOutBlockRegistry::isBlockAlreadyRegistered(std::string blockId) const {
+    return m_impl->isBlockAlreadyRegistered(blockId);
+}
+
+StreamOutBlockRegistry::BlockContextPtr StreamOutBlockRegistry::getBlockForBlockId(const std::string& blockId) const {
+    return m_impl->getBlockForBlockId(blockId);
+}
+
+}  // namespace streamout
