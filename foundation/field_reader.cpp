@@ -1,39 +1,11 @@
 #include "foundation/field_reader.h"
 
-#include <cmath>
-#include <limits>
-
 #include "foundation/errors.h"
 #include "foundation/host_value.h"
 
 namespace ks_hmi_foundation {
 
 namespace errors = plv_hmi_foundation::errors;
-
-namespace {
-
-bool holdsNumber(const hvArray* value) noexcept {
-    switch (hvGetClassID(value)) {
-        case hvUNKNOWN_CLASS:
-        case hvSTRUCT_CLASS:
-        case hvCHAR_CLASS:
-        case hvCELL_CLASS:
-        case hvOBJECT_CLASS:
-            return false;
-        default:
-            return !hvIsEmpty(value);
-    }
-}
-
-}  // namespace
-
-std::int32_t toInt32(double number) noexcept {
-    using Limits = std::numeric_limits<std::int32_t>;
-    if (std::isnan(number)) return 0;
-    if (number <= Limits::min()) return Limits::min();
-    if (number >= Limits::max()) return Limits::max();
-    return static_cast<std::int32_t>(number);
-}
 
 const hvArray* FieldSource::require(const char* name) {
     const hvArray* const value = find(name);
@@ -42,13 +14,13 @@ const hvArray* FieldSource::require(const char* name) {
 }
 
 void FieldSource::requireNumber(const hvArray* value, const char* name) const {
-    if (!holdsNumber(value)) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
+    if (!numberAt(value, 0)) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
 }
 
 double FieldSource::numberIn(const hvArray* value, const char* name) const {
-    requireNumber(value, name);
-    const double* const doubles = hvGetDoubles(value);
-    return doubles != nullptr ? doubles[0] : hvGetScalar(value);
+    const std::optional<double> number = numberAt(value, 0);
+    if (!number) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
+    return *number;
 }
 
 std::u16string FieldSource::text(const char* name) { return textOf(require(name)); }

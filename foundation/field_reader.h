@@ -77,7 +77,4 @@ private:
     HvArrayPtr m_value;
 };
 
-/// Truncates toward zero and saturates; NaN is 0.
-std::int32_t toInt32(double number) noexcept;
-
 }  // namespace ks_hmi_foundation

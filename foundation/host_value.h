@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -32,6 +35,12 @@ bool isText(const hvArray* value) noexcept;
 std::u16string textOf(const hvArray* value);
 /// The same in UTF-8.
 std::string narrowTextOf(const hvArray* value);
+
+/// Element `index` (0-based) of a numeric or logical array as a double; nothing when there is no such number.
+std::optional<double> numberAt(const hvArray* value, std::size_t index) noexcept;
+
+/// Truncates toward zero and saturates; NaN is 0.
+std::int32_t toInt32(double number) noexcept;
 
 /// Registers the value with the running host call and hands it back; the holder still releases it first.
 HvArrayPtr inLocalScope(HvArrayPtr value) noexcept;

@@ -6,6 +6,7 @@
 #include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -28,6 +29,21 @@ namespace ks_hmi {
 class KS_HMI_EXPORT InstrumentedSignals {
 public:
     using SignalPtr = boost::shared_ptr<SignalSpecification>;
+
+    /// One observed port, as the host's "getObservedPorts" lists it. Each field names the result (1 to 10) that
+    /// it is filled from; the flags stand together in front of the texts, on purpose.
+    struct Source {
+        std::string uuid;                      ///< result 1: of the signal that observes the port
+        double blockHandle = 0.0;              ///< result 2
+        std::int32_t outputPortIndex = 0;      ///< result 3; 1-based
+        std::int32_t decimation = 0;           ///< result 4
+        std::int32_t maxPoints = 0;            ///< result 5
+        bool isFrameBased = false;             ///< result 6
+        bool targetBufferedStreaming = false;  ///< result 7
+        bool hideInPLV = false;                ///< result 9
+        std::u16string signalName;             ///< result 8
+        std::u16string blockPath;              ///< result 10; the full path, model name in front
+    };
 
     InstrumentedSignals();
     ~InstrumentedSignals();
@@ -137,6 +153,30 @@ public:
     /// The chart signals of this set that `other` (may be null) does not observe, in order. Chart-level
     /// signals (SSID "0") match by identifier and activity, all others by identifier and SSID.
     std::vector<SignalPtr> setDifference_cw(const InstrumentedSignals* other) const;
+
+    // ---- what an editor asks of a whole model; the host answers, the indexes take no part ----
+
+    /// Fills `out` with the observed ports of the host's model object. The texts and flags are the host function's:
+    /// a full path to list below and a kind of display (empty for all), and whether hidden signals and those not
+    /// to be saved are listed. `out` becomes empty when the host refuses (a warning) and is unchanged when
+    /// something is thrown. Integers truncate toward zero and saturate, NaN is 0 and a true flag; what a
+    /// result does not hold keeps the field's default.
+    static void getObservedPorts(const hvArray* modelObject, const char* belowPath, const char* visualType,
+                                 std::vector<Source>& out, bool withHidden, bool withUnsaved);
+    /// Adds the handles of the blocks that carry badges to `out`, which is not cleared. Unchanged for a null or empty
+    /// model object, without asking the host, and when the host refuses (a warning). NaN has no place in the order
+    /// and is skipped.
+    static void getPortsWithBadges(const hvArray* modelObject, std::set<double>& out);
+
+    /// Lets the signals of one block follow its output ports: entry k (0-based) of `newNumbers` is the new 1-based
+    /// number of old port k + 1, 0 for a deleted port, whose signals leave the set; a negative number is taken as
+    /// any other, and ports beyond the list stay. Path and identifier carry the model's name. A signal belongs to
+    /// the block by its cached handle, else its path, else its identifier: a handle of 0.0 matches every
+    /// unresolved signal, an empty identifier every signal without one. A signal that was never resolved has a
+    /// cached port afterwards, and so counts as resolved to its old handle (0.0). Logical ports keep their numbers,
+    /// and a signal with one is still found under it. The index is rebuilt when anything changed.
+    void renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& eid,
+                       std::vector<int> newNumbers);
 
 private:
     static constexpr std::size_t kActivityBits = 4;

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "foundation/rollback.h"
 #include "signals/instrumented_signals.h"
 
@@ -45,8 +47,11 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
 }
 
 void InstrumentedSignals::updateObservedPortMap() {
-    m_observedPortMap.clear();
+    SourceKeyIndex old;
+    std::swap(old, m_observedPortMap);
+    Rollback rebuilding([&]() noexcept { std::swap(old, m_observedPortMap); });
     for (const SignalPtr& signal : m_signals) addToObservedPortMap(signal);
+    rebuilding.commit();
 }
 
 bool InstrumentedSignals::isAnyPortObserved() const { return !m_observedPortMap.isEmpty(); }
