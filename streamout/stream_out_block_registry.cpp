@@ -6,14 +6,54 @@
 
 namespace streamout {
 
+// Bodies inside the class: inline members are not exported.
 class StreamOutBlockRegistry::Impl {
 public:
-    void registerBlock(const BlockContextPtr& ctx);
-    void unregisterBlock(const BlockContextPtr& ctx);
-    BlockContextSet getRegisteredBlocks() const;
-    bool isBlockAlreadyRegistered(const std::string& blockId) const;
-    BlockContextPtr getBlockForBlockId(const std::string& blockId) const;
-    void clear();
+    void registerBlock(const BlockContextPtr& ctx) {
+        const std::lock_guard lock(m_mutex);
+        const auto [position, isNew] = m_registeredBlocks.insert(ctx);
+        try {
+            m_blocksById.try_emplace(ctx->getBlockId(), ctx);
+        } catch (...) {
+            if (isNew) m_registeredBlocks.erase(position);
+            throw;
+        }
+    }
+
+    void unregisterBlock(const BlockContextPtr& ctx) {
+        // Declared before the lock, so that contexts die after it is released.
+        BlockContextSet::node_type block;
+        BlocksById::node_type entry;
+        const std::lock_guard lock(m_mutex);
+        // Asked first: a context that fails to answer stays registered.
+        const std::string blockId = ctx->getBlockId();
+        block = m_registeredBlocks.extract(ctx);
+        entry = m_blocksById.extract(blockId);
+    }
+
+    BlockContextSet getRegisteredBlocks() const {
+        const std::lock_guard lock(m_mutex);
+        return m_registeredBlocks;
+    }
+
+    bool isBlockAlreadyRegistered(const std::string& blockId) const {
+        const std::lock_guard lock(m_mutex);
+        return m_blocksById.contains(blockId);
+    }
+
+    BlockContextPtr getBlockForBlockId(const std::string& blockId) const {
+        const std::lock_guard lock(m_mutex);
+        const auto found = m_blocksById.find(blockId);
+        return found == m_blocksById.end() ? nullptr : found->second;
+    }
+
+    void clear() {
+        BlockContextSet blocks;
+        BlocksById byId;
+        const std::lock_guard lock(m_mutex);
+        blocks.swap(m_registeredBlocks);
+        byId.swap(m_blocksById);
+    }
 
 private:
     using BlocksById = std::unordered_map<std::string, BlockContextPtr>;
@@ -22,53 +62,6 @@ private:
     BlocksById m_blocksById;
     mutable std::mutex m_mutex;
 };
-
-void StreamOutBlockRegistry::Impl::registerBlock(const BlockContextPtr& ctx) {
-    const std::lock_guard lock(m_mutex);
-    const auto [position, isNew] = m_registeredBlocks.insert(ctx);
-    try {
-        m_blocksById.try_emplace(ctx->getBlockId(), ctx);
-    } catch (...) {
-        if (isNew) m_registeredBlocks.erase(position);
-        throw;
-    }
-}
-
-void StreamOutBlockRegistry::Impl::unregisterBlock(const BlockContextPtr& ctx) {
-    // Declared before the lock, so that contexts die after it is released.
-    BlockContextSet::node_type block;
-    BlocksById::node_type entry;
-    const std::lock_guard lock(m_mutex);
-    // Asked first: a context that fails to answer stays registered.
-    const std::string blockId = ctx->getBlockId();
-    block = m_registeredBlocks.extract(ctx);
-    entry = m_blocksById.extract(blockId);
-}
-
-StreamOutBlockRegistry::BlockContextSet StreamOutBlockRegistry::Impl::getRegisteredBlocks() const {
-    const std::lock_guard lock(m_mutex);
-    return m_registeredBlocks;
-}
-
-bool StreamOutBlockRegistry::Impl::isBlockAlreadyRegistered(const std::string& blockId) const {
-    const std::lock_guard lock(m_mutex);
-    return m_blocksById.contains(blockId);
-}
-
-StreamOutBlockRegistry::BlockContextPtr StreamOutBlockRegistry::Impl::getBlockForBlockId(
-    const std::string& blockId) const {
-    const std::lock_guard lock(m_mutex);
-    const auto found = m_blocksById.find(blockId);
-    return found == m_blocksById.end() ? nullptr : found->second;
-}
-
-void StreamOutBlockRegistry::Impl::clear() {
-    BlockContextSet blocks;
-    BlocksById byId;
-    const std::lock_guard lock(m_mutex);
-    blocks.swap(m_registeredBlocks);
-    byId.swap(m_blocksById);
-}
 
 StreamOutBlockRegistry::StreamOutBlockRegistry() : m_impl(std::make_unique<Impl>()) {}
 
