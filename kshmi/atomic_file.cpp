@@ -31,7 +31,7 @@ AtomicFile::AtomicFile(const std::string& path) : m_path(path) {
     std::error_code code;
     const auto real = std::filesystem::weakly_canonical(path, code);
     m_target = code ? path : real.string();
-    m_temporary = directoryOf(m_target) + "/." + std::filesystem::path(m_target).filename().string() + ".XXXXXX";
+    m_temporary = directoryOf(m_target) + "/.kshmi-XXXXXX";
     m_descriptor = ::mkostemp(m_temporary.data(), O_CLOEXEC);
     if (m_descriptor < 0) {
         m_temporary.clear();

@@ -106,9 +106,18 @@ bool Session::isAnyObserved(const kestrel::Block& block, const ChartItem& item) 
     return signals().isAnyCWActivityObserved(fullEid(model(), block), item.ssid);
 }
 
+// A signal that the host cannot align is saved without its path; no file is to lose paths to that.
+void Session::requirePaths(const hvArray* saved) const {
+    for (std::size_t i = 0; i < hvGetNumberOfElements(saved); ++i)
+        if (hvIsEmpty(hvGetField(saved, i, "BlockPath_")))
+            throw Error(m_path + ": not saved, the file is as it was: the host cannot tell where the block of signal " +
+                        std::to_string(i + 1) + " is; try again");
+}
+
 std::size_t Session::save() {
     const HvArrayPtr copy = signals().copy(/*excludeUnsaved=*/true);
     const HvArrayPtr saved = script::persistence(copy.get());
+    requirePaths(saved.get());
     writeModelFile(m_path, model(), saved.get(), m_clients);
     return signals().getCount() - hvGetNumberOfElements(saved.get());
 }

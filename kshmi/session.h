@@ -56,6 +56,7 @@ private:
     void giveSignals(const ModelFile& file);
     void check(const std::vector<ModelFile::SignalLines>& lines, Opening opening);
     void rebindMoved();
+    void requirePaths(const hvArray* saved) const;
 
     std::string m_path;
     kestrel::LoadedModel* m_loaded = nullptr;
