@@ -1,12 +1,15 @@
 # What is installed, in three components: ks_hmi_foundation (library, headers, packages for CMake and
-# pkg-config), memory_host (the in-memory host) and kshmi (the tool).
+# pkg-config), memory_host (the in-memory host) and tool (kshmi, which installs itself, and its examples).
 
 include(CMakePackageConfigHelpers)
 set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
 set(KS_HMI_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ks_hmi_foundation")
 
 function(ks_hmi_install_library)
-  install(TARGETS ks_hmi_foundation host EXPORT ks_hmi_foundation
+  install(TARGETS host EXPORT ks_hmi_host)
+  install(EXPORT ks_hmi_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
+    FILE host-targets.cmake COMPONENT ks_hmi_foundation)
+  install(TARGETS ks_hmi_foundation EXPORT ks_hmi_foundation
     LIBRARY COMPONENT ks_hmi_foundation)
   install(EXPORT ks_hmi_foundation NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
     FILE ks_hmi_foundation-targets.cmake COMPONENT ks_hmi_foundation)
@@ -41,12 +44,9 @@ function(ks_hmi_install_memory_host)
   ks_hmi_install_pkg_config(ks_hmi_memory_host memory_host)
 endfunction()
 
-function(ks_hmi_install_tool)
-  file(RELATIVE_PATH to_libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
-  set_target_properties(kshmi PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
-  install(TARGETS kshmi COMPONENT kshmi)
+function(ks_hmi_install_examples)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation/examples"
-    COMPONENT kshmi FILES_MATCHING PATTERN "*.json")
+    COMPONENT tool FILES_MATCHING PATTERN "*.json")
 endfunction()
 
 # The installed directories are written relative to the file itself, so that a prefix given to
@@ -63,5 +63,5 @@ if(TARGET memory_host)
   ks_hmi_install_memory_host()
 endif()
 if(TARGET kshmi)
-  ks_hmi_install_tool()
+  ks_hmi_install_examples()
 endif()
