@@ -7,9 +7,11 @@
 #include <limits>
 #include <new>
 #include <optional>
+#include <string_view>
 
 #include "kshmi/commands.h"
 #include "kshmi/error.h"
+#include "kshmi/text.h"
 
 namespace kshmi {
 
@@ -173,7 +175,7 @@ int runCommandLine(std::vector<std::string> arguments, const Output& output) noe
     } catch (const std::bad_alloc&) {
         output.err << "kshmi: not enough memory\n";
     } catch (const std::exception& exception) {
-        output.err << "kshmi: " << exception.what() << '\n';
+        output.err << "kshmi: " << printable(std::string_view(exception.what())) << '\n';
     }
     return kFailure;
 }
