@@ -1,6 +1,5 @@
 #include "streamout/file_recording_context.h"
 
-#include <boost/variant/get.hpp>
 #include <filesystem>
 #include <utility>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <boost/variant/variant.hpp>
+#include <boost/variant.hpp>
 #include <string>
 #include <unordered_map>
 #include <vector>
