@@ -4,8 +4,8 @@ function(ks_hmi_configure_target target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
                                            -Woverloaded-virtual)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # This compiler sees overlaps and overflows in std::string's own code that are not there.
-    target_compile_options(${target} PRIVATE -Wno-restrict -Wno-stringop-overflow)
+    # This compiler sees overlaps in std::string's own concatenation that are not there.
+    target_compile_options(${target} PRIVATE -Wno-restrict)
   endif()
   if(KS_HMI_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
