@@ -28,6 +28,7 @@ std::u16string_view charsOf(const hvArray* value) { return {hvGetChars(value), h
 
 std::vector<const char*> fieldNames(const hvArray* value) {
     std::vector<const char*> names;
+    names.reserve(static_cast<std::size_t>(hvGetNumberOfFields(value)));
     for (int i = 0; i < hvGetNumberOfFields(value); ++i) names.push_back(hvGetFieldNameByNumber(value, i));
     return names;
 }
