@@ -33,7 +33,9 @@ void ChangeReport::finish(Session& session) {
     } else {
         const std::size_t leftOut = session.save();
         const std::size_t saved = session.signals().getCount() - leftOut;
-        m_output.out << fmt::format("{}: saved with {}\n", file, counted(saved, "signal"));
+        const std::size_t clients = session.clients().getCount();
+        m_output.out << fmt::format("{}: saved with {}{}\n", file, counted(saved, "signal"),
+                                    clients > 0 ? " and " + counted(clients, "client") : "");
         if (leftOut > 0)
             m_output.out << fmt::format("{} excluded from saving {} left out of the file\n", counted(leftOut, "signal"),
                                         leftOut == 1 ? "was" : "were");

@@ -11,7 +11,6 @@
 #include "kshmi/model_file_shapes.h"
 #include "kshmi/number_text.h"
 #include "kshmi/text.h"
-#include "signals/signal_specification.h"
 
 namespace kshmi {
 
@@ -48,7 +47,7 @@ private:
         Place place;
         bool isArray;
         std::uint32_t keysSeen = 0;
-        std::size_t position = 0;  ///< of the element in an array; of the key in the rules or the signal's fields
+        std::size_t position = 0;  ///< of the element in an array; of the key in the rules or the record's fields
         std::string key{};
     };
 
@@ -58,7 +57,11 @@ private:
     void end(void (JsonSink::*event)());
     void enter(Place place, bool isArray);
     void leave();
-    void signalKey(Frame& frame, std::string_view name);
+    static bool isRecord(Place place) noexcept { return place == Place::signal || place == Place::client; }
+    RecordTable& records(Place place) noexcept {
+        return m_parts.records(place == Place::signal ? RecordKind::signal : RecordKind::client);
+    }
+    void recordKey(Frame& frame, std::string_view name);
     void setText(std::u16string text);
     void setNumber(double value);
     std::uint32_t ssidOf(double value) const;
@@ -81,11 +84,11 @@ private:
 
 const Rule& ModelFileReader::expected() const noexcept {
     static constexpr Rule kTop{"", Kind::object, Place::document};
-    static constexpr Rule kSignalField{"", Kind::value};
+    static constexpr Rule kRecordField{"", Kind::value};
     if (m_frames.empty()) return kTop;
     const Frame& frame = m_frames.back();
     if (frame.isArray) return shapes::elementOf(frame.place);
-    return frame.place == Place::signal ? kSignalField : shapes::keysOf(frame.place)[frame.position];
+    return isRecord(frame.place) ? kRecordField : shapes::keysOf(frame.place)[frame.position];
 }
 
 void ModelFileReader::begin(Kind kind, void (JsonSink::*event)()) {
@@ -120,7 +123,8 @@ void ModelFileReader::enter(Place place, bool isArray) {
             m_parts.block().chart->data.emplace_back();
             break;
         case Place::signal:
-            m_parts.beginSignal();
+        case Place::client:
+            records(place).begin();
             break;
         default:
             break;
@@ -142,7 +146,7 @@ void ModelFileReader::key(std::string_view name) {
     if (m_valueDepth > 0) return build([&] { m_value.key(name); });
     Frame& frame = m_frames.back();
     frame.key = name;
-    if (frame.place == Place::signal) return signalKey(frame, name);
+    if (isRecord(frame.place)) return recordKey(frame, name);
     const auto rules = shapes::keysOf(frame.place);
     for (frame.position = 0; frame.position < rules.size(); ++frame.position)
         if (rules[frame.position].key == name) break;
@@ -152,11 +156,12 @@ void ModelFileReader::key(std::string_view name) {
     frame.keysSeen |= bit;
 }
 
-void ModelFileReader::signalKey(Frame& frame, std::string_view name) {
-    frame.position = signalFieldNumber(name);
-    if (frame.position == ModelFile::kSignalFields) m_file.fail(pointer(), "this key is unknown; remove it");
-    if (m_parts.hasSignalField(frame.position)) m_file.fail(pointer(), "this key is there twice; remove one");
-    m_parts.noteSignalField(frame.position);
+void ModelFileReader::recordKey(Frame& frame, std::string_view name) {
+    RecordTable& table = records(frame.place);
+    frame.position = fieldNumber(table.kind(), name);
+    if (frame.position == fieldsOf(table.kind()).size()) m_file.fail(pointer(), "this key is unknown; remove it");
+    if (table.hasField(frame.position)) m_file.fail(pointer(), "this key is there twice; remove one");
+    table.noteField(frame.position);
 }
 
 void ModelFileReader::string(std::string_view text) {
@@ -235,10 +240,7 @@ void ModelFileReader::build(Event event) {
 
 void ModelFileReader::deliverValue() {
     const Frame& frame = m_frames.back();
-    if (frame.place == Place::signal)
-        m_parts.setSignalField(frame.position, m_value.take(), pointer());
-    else
-        m_parts.addClient(m_value.take(), pointer());
+    records(frame.place).setField(frame.position, m_value.take(), pointer());
     advance();
 }
 

@@ -21,11 +21,11 @@ constexpr std::array<Rule, 2> kState{{{"path", Kind::text}, {"ssid", Kind::numbe
 constexpr std::array<Rule, 2> kDatum{{{"name", Kind::text}, {"ssid", Kind::number}}};
 
 constexpr Rule kText{"", Kind::text};
-constexpr Rule kValue{"", Kind::value};
 constexpr Rule kBlockElement{"", Kind::object, Place::block};
 constexpr Rule kStateElement{"", Kind::object, Place::state};
 constexpr Rule kDatumElement{"", Kind::object, Place::datum};
 constexpr Rule kSignalElement{"", Kind::object, Place::signal};
+constexpr Rule kClientElement{"", Kind::object, Place::client};
 
 }  // namespace
 
@@ -59,7 +59,7 @@ const Rule& elementOf(Place array) noexcept {
         case Place::signals:
             return kSignalElement;
         default:
-            return kValue;
+            return kClientElement;
     }
 }
 

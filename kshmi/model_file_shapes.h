@@ -23,6 +23,7 @@ enum class Place : std::uint8_t {
     signals,
     signal,
     clients,
+    client,
 };
 
 enum class Kind : std::uint8_t { text, number, object, array, value };
@@ -35,7 +36,7 @@ struct Rule {
     bool isRequired = true;
 };
 
-/// The keys of an object. Empty for arrays, and for signals, whose keys the library names.
+/// The keys of an object. Empty for arrays, and for signals and clients, whose keys the library names.
 std::span<const Rule> keysOf(Place object) noexcept;
 /// What an array's elements are.
 const Rule& elementOf(Place array) noexcept;

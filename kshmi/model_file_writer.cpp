@@ -3,7 +3,6 @@
 #include "kshmi/atomic_file.h"
 #include "kshmi/host_value_writer.h"
 #include "kshmi/model_file.h"
-#include "signals/signal_specification.h"
 
 namespace kshmi {
 
@@ -60,6 +59,9 @@ std::string blockLine(const kestrel::Block& block) {
     return line + "}";
 }
 
+/// Fields whose class the library sets, whatever it was: plain numbers lose nothing.
+bool isCountField(std::string_view name) { return name == "UpdateRate_" || name == "DimensionChannel_"; }
+
 /// One field per line.
 std::string structLines(const hvArray* value, std::size_t element) {
     std::string lines = "    {";
@@ -71,6 +73,8 @@ std::string structLines(const hvArray* value, std::size_t element) {
         const hvArray* const field = hvGetField(value, element, name.data());
         if (name == "DomainParams_")
             appendJsonFieldsSorted(lines, field);
+        else if (isCountField(name))
+            lines += std::to_string(hvGetScalarInt(field));
         else
             appendJsonValue(lines, field);
     }
@@ -80,7 +84,7 @@ std::string structLines(const hvArray* value, std::size_t element) {
 }  // namespace
 
 void writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                    const std::vector<HvArrayPtr>& clients) {
+                    const hvArray* clients) {
     AtomicFile file(path);
     std::string head = "{\n  \"kestrelModel\": 1,\n  \"name\": ";
     appendJsonText(head, std::u16string_view(model.name()));
@@ -95,7 +99,7 @@ void writeModelFile(const std::string& path, const kestrel::Model& model, const 
     records.close(",\n");
 
     Listing observers(file, "clients");
-    for (const HvArrayPtr& client : clients) observers.next(structLines(client.get(), 0));
+    for (std::size_t i = 0; i < hvGetNumberOfElements(clients); ++i) observers.next(structLines(clients, i));
     observers.close("\n}\n");
     file.commit();
 }

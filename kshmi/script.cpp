@@ -11,22 +11,32 @@ namespace kshmi::script {
 namespace {
 
 constexpr const char* kSetClass = "Kestrel.HMI.InstrumentedSignals";
+constexpr const char* kClientSetClass = "Kestrel.HMI.StreamingClients";
+constexpr const char* kModelClass = "Kestrel.Model";
 
 HvArrayPtr call(const std::string& name, int outputs, std::initializer_list<const hvArray*> inputs) {
     std::vector<HvArrayPtr> results = orvex::callByName(name, std::span(inputs.begin(), inputs.size()), outputs);
     return std::move(results.at(0));
 }
 
+HvArrayPtr textValue(const std::u16string& text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
 HvArrayPtr numberValue(double number) { return HvArrayPtr(hvCreateDoubleScalar(number)); }
 
 }  // namespace
 
-HvArrayPtr newSet(const std::u16string& modelName) {
-    const HvArrayPtr name(matrix::create(modelName.data(), modelName.size()));
-    return call(kSetClass, 1, {name.get()});
+HvArrayPtr newSet(const std::u16string& modelName) { return call(kSetClass, 1, {textValue(modelName).get()}); }
+
+HvArrayPtr newClientSet(const std::u16string& modelName) {
+    return call(kClientSetClass, 1, {textValue(modelName).get()});
 }
 
-void add(const hvArray* set, const hvArray* signal) { call("add", 0, {set, signal}); }
+void renameClientSet(hvArray* set, const std::u16string& modelName) {
+    hvSetProperty(set, 0, "Model", textValue(modelName).get());
+}
+
+HvArrayPtr modelObject(const std::u16string& modelName) { return call(kModelClass, 1, {textValue(modelName).get()}); }
+
+void add(const hvArray* set, const hvArray* record) { call("add", 0, {set, record}); }
 
 void remove(const hvArray* set, std::size_t position) {
     const HvArrayPtr where = numberValue(static_cast<double>(position));

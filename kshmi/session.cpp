@@ -1,5 +1,7 @@
 #include "kshmi/session.h"
 
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <variant>
 
@@ -52,32 +54,50 @@ Session::~Session() {
 void Session::read(Opening opening) {
     ModelFile file = readModelFile(m_path);
     m_loaded = &kestrel::loadedModels().load(std::move(file.model));
-    m_clients = std::move(file.clients);
-    m_loaded->setSignals(script::newSet(model().name()));
-    m_signals = ks_hmi::InstrumentedSignals::getFromHvArray(set());
-    if (!m_signals) throw Error(m_path + ": the host made no set for the model's signals");
-    giveSignals(file);
+    makeSets();
+    give(set(), file.signals.get(), RecordKind::signal, file.signalLines);
+    give(clientSet(), file.clients.get(), RecordKind::client, file.clientLines);
     check(file.signalLines, opening);
+    checkClients(file.clientLines);
     rebindMoved();
 }
 
-void Session::giveSignals(const ModelFile& file) {
+void Session::makeSets() {
+    m_loaded->setSignals(script::newSet(model().name()));
+    m_loaded->setClients(script::newClientSet(model().name()));
+    m_signals = ks_hmi::InstrumentedSignals::getFromHvArray(set());
+    m_clients = ks_hmi::StreamingClients::getFromHvArray(clientSet());
+    if (!m_signals || !m_clients) throw Error(m_path + ": the host made no set for the model's signals or clients");
+}
+
+void Session::give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const {
     try {
-        script::setPersistence(set(), file.signals.get());
+        script::setPersistence(set, records);
     } catch (const kssvIException& exception) {
         const RefusedField refused = refusedField(exception.messageId());
         if (refused.element == 0) throw;
-        throw Error(atSignal(m_path, file.signalLines, refused.element - 1, refused.field, exception.what()));
+        throw Error(atRecord(m_path, kind, lines, refused.element - 1, refused.field, exception.what()));
     }
 }
 
-void Session::check(const std::vector<ModelFile::SignalLines>& lines, Opening opening) {
+void Session::checkClients(const std::vector<RecordLines>& lines) const {
+    std::unordered_set<std::string_view> uuids;
+    for (std::size_t i = 0; i < clients().getCount(); ++i) {
+        const std::string& uuid = clients().get(i)->m_uuid;
+        if (!uuid.empty() && uuids.insert(uuid).second) continue;
+        const std::string text =
+            uuid.empty() ? "the client has no UUID" : "another client has the UUID " + quoted(uuid);
+        throw Error(atRecord(m_path, RecordKind::client, lines, i, "UUID", text + "; correct it or remove the client"));
+    }
+}
+
+void Session::check(const std::vector<RecordLines>& lines, Opening opening) {
     for (SignalFault& fault : faultsOf(signals(), model())) {
         if (!fault.isDangling || opening == Opening::strict) {
             const std::string remedy =
                 fault.isDangling ? "; correct it, or remove such signals with \"kshmi unmark FILE --dangling\""
                                  : "; correct it or remove the signal";
-            throw Error(atSignal(m_path, lines, fault.position, fault.field, fault.text + remedy));
+            throw Error(atRecord(m_path, RecordKind::signal, lines, fault.position, fault.field, fault.text + remedy));
         }
         m_dangling.push_back(std::move(fault));
     }
@@ -118,7 +138,8 @@ std::size_t Session::save() {
     const HvArrayPtr copy = signals().copy(/*excludeUnsaved=*/true);
     const HvArrayPtr saved = script::persistence(copy.get());
     requirePaths(saved.get());
-    writeModelFile(m_path, model(), saved.get(), m_clients);
+    const HvArrayPtr savedClients = script::persistence(clientSet());
+    writeModelFile(m_path, model(), saved.get(), savedClients.get());
     return signals().getCount() - hvGetNumberOfElements(saved.get());
 }
 

@@ -9,12 +9,13 @@
 #include "kshmi/signal_checks.h"
 #include "kshmi/signal_source.h"
 #include "memory_host/kestrel/loaded_models.h"
+#include "observers/streaming_clients.h"
 #include "signals/instrumented_signals.h"
 
 namespace kshmi {
 
-/// A model file that is open: its model loaded in the host, its signals in a set made as a script makes
-/// it. The model is unloaded with the session. The host must have been entered.
+/// A model file that is open: its model loaded in the host, its signals and clients in sets made as a script
+/// makes them. The model is unloaded with the session. The host must have been entered.
 class Session {
 public:
     enum class Opening {
@@ -31,14 +32,17 @@ public:
     const std::string& path() const noexcept { return m_path; }
     kestrel::Model& model() noexcept { return m_loaded->model(); }
     const kestrel::Model& model() const noexcept { return m_loaded->model(); }
-    /// The set's host object, for scripts.
+    /// The host object of the set of signals, for scripts.
     hvArray* set() noexcept { return m_loaded->signals(); }
     /// The set itself, for editors and engines.
     ks_hmi::InstrumentedSignals& signals() const { return *m_signals; }
     /// Signals that were let in although what they are on is gone, in order.
     const std::vector<SignalFault>& dangling() const noexcept { return m_dangling; }
-    /// Clients in the file, which are kept as they are.
-    std::size_t clientCount() const noexcept { return m_clients.size(); }
+    /// The host object of the set of clients, for scripts. Clients may watch what no open model has.
+    hvArray* clientSet() noexcept { return m_loaded->clients(); }
+    const hvArray* clientSet() const noexcept { return m_loaded->clients(); }
+    /// That set itself.
+    ks_hmi::StreamingClients& clients() const { return *m_clients; }
 
     /// Whether the block's output port is observed. Records nothing in the set.
     bool isObserved(const kestrel::Block& block, int port) const;
@@ -47,21 +51,23 @@ public:
     /// Whether any activity of the chart item is.
     bool isAnyObserved(const kestrel::Block& block, const ChartItem& item) const;
 
-    /// Writes the model with the signals that are to be saved. Returns how many were left out because they
-    /// are excluded from saving. Throws `Error`; the file is then as it was.
+    /// Writes the model with its clients and the signals that are to be saved. Returns how many were left out because
+    /// they are excluded from saving. Throws `Error`; the file is then as it was.
     std::size_t save();
 
 private:
     void read(Opening opening);
-    void giveSignals(const ModelFile& file);
-    void check(const std::vector<ModelFile::SignalLines>& lines, Opening opening);
+    void makeSets();
+    void give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const;
+    void checkClients(const std::vector<RecordLines>& lines) const;
+    void check(const std::vector<RecordLines>& lines, Opening opening);
     void rebindMoved();
     void requirePaths(const hvArray* saved) const;
 
     std::string m_path;
     kestrel::LoadedModel* m_loaded = nullptr;
     ks_hmi::InstrumentedSignals* m_signals = nullptr;
-    std::vector<HvArrayPtr> m_clients;
+    ks_hmi::StreamingClients* m_clients = nullptr;
     std::vector<SignalFault> m_dangling;
 };
 

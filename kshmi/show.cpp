@@ -49,7 +49,7 @@ void printText(const Session& session, const Output& output) {
     const std::size_t count = session.signals().getCount();
     output.out << fmt::format("model {}: {}, {}, {}\n", printable(session.model().name()),
                               counted(session.model().blocks().size(), "block"), counted(count, "signal"),
-                              counted(session.clientCount(), "client"));
+                              counted(session.clients().getCount(), "client"));
     if (count > 0) {
         TextTable table({{"#", kRight},
                          {"BLOCK"},
@@ -156,7 +156,7 @@ void printJson(const Session& session, std::ostream& out) {
         appendBlock(text, session, block);
         separator = ",\n  ";
     }
-    out << text << fmt::format("],\n\"clients\": {}}}\n", session.clientCount());
+    out << text << fmt::format("],\n\"clients\": {}}}\n", session.clients().getCount());
 }
 
 }  // namespace

@@ -89,7 +89,7 @@ TEST_F(Commands, whatIsMarkedStaysUnlessAgainIsSaid) {
     EXPECT_TRUE(contains(finished.out, "already marked m/A:1 (y)\nalready marked m/Logic/On/Fast (Self)\n"));
     EXPECT_EQ(read(), kModel);
     EXPECT_TRUE(contains(run({"mark", path(), "A", "--again"}).out, "saved with 3 signals"));
-    EXPECT_TRUE(contains(run({"unmark", path(), "A"}).out, "saved with 1 signal\n"));
+    EXPECT_TRUE(contains(run({"unmark", path(), "A"}).out, "saved with 1 signal and 2 clients\n"));
 }
 
 TEST_F(Commands, dryRunsChangeNothing) {

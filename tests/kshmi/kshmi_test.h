@@ -74,7 +74,8 @@ inline std::string replaced(std::string text, const std::string& what, const std
 
 inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
-/// A model in canonical form: a block with ':' in its name, a chart, a port signal and a chart signal.
+/// A model in canonical form: a block with ':' in its name, a chart, a port signal and a chart signal,
+/// a client of the port signal and a client that is both of a deprecated kind and dangling.
 inline const std::string kModel = R"({
   "kestrelModel": 1,
   "name": "m",
@@ -124,10 +125,31 @@ inline const std::string kModel = R"({
   ],
   "clients": [
     {
-      "Zeta_": {"$class": "double", "size": [1, 2], "data": ["NaN", 1]},
-      "Alpha_": [null, -0.0, "x"]
+      "UUID": "c-1",
+      "ModelPath_": ["A"],
+      "ModelPathEID_": ["1"],
+      "SourceModel_": "m",
+      "SignalUUID_": "u-1",
+      "ObserverType_": "ks_scope_observer",
+      "ObserverParams_": {"ModelName": "m", "range": {"$class": "double", "size": [1, 2], "data": ["NaN", 1]}},
+      "UpdateRate_": 1,
+      "DimensionChannel_": 4294967295,
+      "ObserveImaginaryPart_": true,
+      "BusLeafPath_": "bus.leaf"
     },
-    {}
+    {
+      "UUID": "c-2",
+      "ModelPath_": [],
+      "ModelPathEID_": [],
+      "SourceModel_": "",
+      "SignalUUID_": "u-9",
+      "ObserverType_": "hmi_web_widget_observer",
+      "ObserverParams_": [null, -0.0, "x"],
+      "UpdateRate_": 0,
+      "DimensionChannel_": 1,
+      "ObserveImaginaryPart_": false,
+      "BusLeafPath_": ""
+    }
   ]
 }
 )";

@@ -42,6 +42,22 @@ TEST_F(ModelFiles, optionalFieldsMayBeLeftOut) {
     EXPECT_EQ(read(), kModel);
 }
 
+TEST_F(ModelFiles, clientsMayLackTheirLastFieldsAndAreSavedWithAllOfThem) {
+    std::string text = replaced(kModel, ",\n      \"UpdateRate_\": 0", "");
+    text = replaced(
+        text, "\"DimensionChannel_\": 1,\n      \"ObserveImaginaryPart_\": false,\n      \"BusLeafPath_\": \"\"\n",
+        "\"DimensionChannel_\": {\"$class\": \"uint32\", \"size\": [1, 1], \"data\": [1]}\n");
+    write(text);
+    resave();
+    EXPECT_EQ(read(), kModel);
+}
+
+TEST_F(ModelFiles, aClientWithoutAModelPathLosesItsSourceModel) {
+    write(replaced(kModel, "\"SourceModel_\": \"\"", "\"SourceModel_\": \"other\""));
+    resave();
+    EXPECT_EQ(read(), kModel);
+}
+
 TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
     struct Refusal {
         const char* what;
@@ -82,8 +98,19 @@ TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
         {"\"SSID\": \"4\"", "\"SSID\": \"6\"", "/signals/1/DomainParams_: the chart \"Logic\" has no item"},
         {"\"SSID\": \"4\"", "\"SSID\": \"04\"", "/signals/1/DomainParams_: \"SSID\" is no plain"},
         {"\"Activity\": \"Self\"", "\"Activity\": \"Idle\"", "/signals/1/DomainParams_: the activity \"Idle\""},
-        {"    {}\n", "    3\n", "/clients/1: a client is an object"},
-        {"[\"NaN\", 1]", "[\"NaN\"]", "/clients/0/Zeta_: \"data\" has 1 element"},
+        {"\"clients\": [\n", "\"clients\": [\n3,", "/clients/0: the number 3 stands where an object"},
+        {"[\"NaN\", 1]", "[\"NaN\"]", "/clients/0/ObserverParams_/range: \"data\" has 1 element"},
+        {"\"SignalUUID_\": \"u-9\"", "\"SignalUuid\": \"u-9\"", ":67: /clients/1/SignalUuid: this key is unknown"},
+        {"      \"SignalUUID_\": \"u-9\",\n", "", ":62: /clients/1/SignalUUID_: "},
+        {"\"UUID\": \"c-2\"", "\"UUID\": \"c-1\"", ":63: /clients/1/UUID: another client has"},
+        {"\"UUID\": \"c-2\"", "\"UUID\": \"\"", ":63: /clients/1/UUID: the client has no UUID"},
+        {"[\"A\"]", "[3]", ":51: /clients/0/ModelPath_: cell 1x1 stands where an array of texts"},
+        {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1.5", "/clients/0/UpdateRate_: double 1x1 stands where a whole"},
+        {"\"UpdateRate_\": 1", "\"UpdateRate_\": 4294967296", "number from 0 to 4294967295"},
+        {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1, \"UpdateRate_\": 2",
+         "/clients/0/UpdateRate_: this key is there twice"},
+        {"Part_\": true", "Part_\": \"on\"", "/clients/0/ObserveImaginaryPart_: char 1x2 stands where true or false"},
+        {"\"bus.leaf\"", "\"bus\\u0000leaf\"", "/clients/0/BusLeafPath_: char 1x8 stands where a text without NUL"},
     };
     for (const Refusal& refusal : refusals) {
         const std::string text = replaced(kModel, refusal.what, refusal.with);
