@@ -181,9 +181,19 @@ public:
 private:
     static constexpr std::size_t kActivityBits = 4;
 
+    /// One hash multimap in two tables: no path key ever equals a handle key.
+    struct ObservedPortMap {
+        SourceKeyIndex<std::uint64_t, IdentityHash> byPath;
+        SourceKeyIndex<HandleKey, HandleKeyHash> byHandle;
+    };
+
+    std::uint64_t pathKey(const std::u16string& blockPath, const std::u16string& subPath, int outputPortIndex,
+                          int logicalPortIndex) const;
+    std::uint64_t pathKey(const SignalSpecification& spec) const;
+
     std::u16string m_modelName;
     std::vector<SignalPtr> m_signals;
-    SourceKeyIndex m_observedPortMap;
+    ObservedPortMap m_observedPortMap;
     boost::unordered_flat_set<std::uint64_t> m_cachedKSPorts;
     boost::unordered_flat_map<std::uint64_t, bool> m_observedCWActivity;
     boost::unordered_flat_map<std::uint64_t, std::bitset<kActivityBits>> m_observedCWObjectCache;

@@ -1,11 +1,13 @@
 #include <utility>
 
 #include "foundation/rollback.h"
+#include "foundation/text_hash.h"
 #include "signals/instrumented_signals.h"
 
 namespace ks_hmi {
 
 using ks_hmi_foundation::Rollback;
+using ks_hmi_foundation::TextHash;
 
 namespace {
 
@@ -13,21 +15,29 @@ std::uint64_t identity(const ksPort* port) { return reinterpret_cast<std::uintpt
 
 }  // namespace
 
+// Equal for equal texts of the non-cached source key, which `SignalSpecification` gives to those who ask for it.
+std::uint64_t InstrumentedSignals::pathKey(const std::u16string& blockPath, const std::u16string& subPath,
+                                           int outputPortIndex, int logicalPortIndex) const {
+    const int port = logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex;
+    return TextHash().add(m_modelName).add(blockPath).add(subPath).add(static_cast<std::uint32_t>(port)).value();
+}
+
+std::uint64_t InstrumentedSignals::pathKey(const SignalSpecification& spec) const {
+    return pathKey(spec.m_blockPath, spec.m_subPath, spec.m_outputPortIndex, spec.m_logicalPortIndex);
+}
+
 void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
     if (isChartworkDomain(spec->m_domainType)) {
         addToObservedCWObjectCache(spec);
         return;
     }
     // No look for an earlier entry, on purpose: a signal entered twice is there twice.
-    const std::uint64_t pathKey = spec->getSourceKeyNonCached(m_modelName);
-    const std::uint64_t handleKey = spec->m_cachedPortIdx != 0 ? spec->getSourceKeyCached() : 0;
-    if (pathKey == 0 && handleKey == 0) return;
+    const std::uint64_t key = pathKey(*spec);
     m_cachedKSPorts.clear();
-    if (pathKey != 0) m_observedPortMap.insert(pathKey, spec);
-    Rollback pathEntry([&]() noexcept {
-        if (pathKey != 0) m_observedPortMap.eraseNewest(pathKey);
-    });
-    if (handleKey != 0) m_observedPortMap.insert(handleKey, spec);
+    m_observedPortMap.byPath.insert(key, spec);
+    if (spec->m_cachedPortIdx == 0) return;
+    Rollback pathEntry([&]() noexcept { m_observedPortMap.byPath.eraseNewest(key); });
+    m_observedPortMap.byHandle.insert({spec->m_cachedBlockHandle, spec->m_cachedPortIdx}, spec);
     pathEntry.commit();
 }
 
@@ -35,26 +45,28 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
     const SignalPtr removed = spec;
     if (isChartworkDomain(removed->m_domainType)) return;
     // By port and not by record, on purpose: all signals on the block's port leave the index together.
-    std::size_t erased =
-        m_observedPortMap.eraseIf(removed->getSourceKeyNonCached(m_modelName), [&](const SignalSpecification& entry) {
-            return entry.m_outputPortIndex == removed->m_outputPortIndex && entry.m_blockPath == removed->m_blockPath;
-        });
-    erased += m_observedPortMap.eraseIf(removed->getSourceKeyCached(), [&](const SignalSpecification& entry) {
-        return entry.m_cachedPortIdx == removed->m_cachedPortIdx &&
-               entry.m_cachedBlockHandle == removed->m_cachedBlockHandle;
+    std::size_t erased = m_observedPortMap.byPath.eraseIf(pathKey(*removed), [&](const SignalSpecification& entry) {
+        return entry.m_outputPortIndex == removed->m_outputPortIndex && entry.m_blockPath == removed->m_blockPath;
     });
+    erased += m_observedPortMap.byHandle.eraseIf({removed->m_cachedBlockHandle, removed->m_cachedPortIdx},
+                                                 [&](const SignalSpecification& entry) {
+                                                     return entry.m_cachedPortIdx == removed->m_cachedPortIdx &&
+                                                            entry.m_cachedBlockHandle == removed->m_cachedBlockHandle;
+                                                 });
     if (erased != 0) m_cachedKSPorts.clear();
 }
 
 void InstrumentedSignals::updateObservedPortMap() {
-    SourceKeyIndex old;
+    ObservedPortMap old;
     std::swap(old, m_observedPortMap);
     Rollback rebuilding([&]() noexcept { std::swap(old, m_observedPortMap); });
     for (const SignalPtr& signal : m_signals) addToObservedPortMap(signal);
     rebuilding.commit();
 }
 
-bool InstrumentedSignals::isAnyPortObserved() const { return !m_observedPortMap.isEmpty(); }
+bool InstrumentedSignals::isAnyPortObserved() const {
+    return !m_observedPortMap.byPath.isEmpty() || !m_observedPortMap.byHandle.isEmpty();
+}
 
 void InstrumentedSignals::cacheKSPorts(const std::vector<ksPort*>& ports) {
     m_cachedKSPorts.clear();
@@ -66,8 +78,7 @@ bool InstrumentedSignals::isKSPortObserved(const ksPort* port) const {
 }
 
 bool InstrumentedSignals::isPortObserved(double blockHandle, int portIdx) const {
-    const std::uint64_t key = SignalSpecification::getCachedInfoHash(blockHandle, portIdx);
-    return m_observedPortMap.find(key, [&](const SignalSpecification& entry) {
+    return m_observedPortMap.byHandle.find({blockHandle, portIdx}, [&](const SignalSpecification& entry) {
         return entry.m_cachedPortIdx == portIdx && entry.m_cachedBlockHandle == blockHandle;
     }) != nullptr;
 }
@@ -76,14 +87,13 @@ bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16strin
                                          const std::u16string& subPath, int outputPortIndex, int portIdx,
                                          int logicalPortIndex) {
     if (isPortObserved(blockHandle, portIdx)) return true;
-    const std::uint64_t key =
-        SignalSpecification::getNonCachedInfoHash(blockPath, subPath, outputPortIndex, logicalPortIndex, m_modelName);
     const auto observes = [&](const SignalSpecification& entry) {
         if (entry.m_outputPortIndex != outputPortIndex || entry.m_blockPath != blockPath) return false;
         const bool isUnresolved = entry.m_cachedPortIdx == 0;
         return portIdx == 0 || isUnresolved || (m_rebindingPending && entry.m_cachedPortIdx == portIdx);
     };
-    const SignalPtr* const found = m_observedPortMap.find(key, observes);
+    const SignalPtr* const found =
+        m_observedPortMap.byPath.find(pathKey(blockPath, subPath, outputPortIndex, logicalPortIndex), observes);
     if (found == nullptr) return false;
     if (portIdx == 0 || (*found)->m_cachedPortIdx != 0) return true;
     const SignalPtr signal = *found;

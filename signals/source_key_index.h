@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <boost/smart_ptr/shared_ptr.hpp>
 #include <boost/unordered/unordered_flat_map.hpp>
 #include <cstddef>
@@ -7,13 +8,41 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/text_hash.h"
+
 namespace ks_hmi {
 
 class SignalSpecification;
 
+/// The key of a signal's cached block handle and port: the handle's bits, so that +0 and -0 are different keys.
+/// The record itself decides whether it matches, and so NaN never does.
+struct HandleKey {
+    std::uint64_t bits;
+    std::int32_t port;
+
+    HandleKey(double blockHandle, std::int32_t portIdx) noexcept
+        : bits(std::bit_cast<std::uint64_t>(blockHandle)), port(portIdx) {}
+    friend bool operator==(const HandleKey&, const HandleKey&) = default;
+};
+
+struct HandleKeyHash {
+    using is_avalanching = void;
+    std::size_t operator()(const HandleKey& key) const noexcept {
+        const std::uint64_t port = static_cast<std::uint32_t>(key.port);
+        return ks_hmi_foundation::foldedProduct(key.bits ^ 0xA0761D6478BD642FULL, port ^ 0xE7037ED1A0B428DBULL);
+    }
+};
+
+/// For keys that are well mixed hashes already.
+struct IdentityHash {
+    using is_avalanching = void;
+    std::size_t operator()(std::uint64_t key) const noexcept { return key; }
+};
+
 /// A hash multimap from source keys to signals. Equal keys hold several entries, duplicates included, and
 /// are walked in the order of insertion. The first entry of a key stands in the flat table itself, further
 /// ones are chained in a pool. Adding and erasing give the strong guarantee; only adding can throw.
+template <class Key, class Hash>
 class SourceKeyIndex {
 public:
     using SignalPtr = boost::shared_ptr<SignalSpecification>;
@@ -26,7 +55,7 @@ public:
         m_free = kNone;
     }
 
-    void insert(std::uint64_t key, const SignalPtr& signal) {
+    void insert(const Key& key, const SignalPtr& signal) {
         const auto [slot, isNew] = m_keys.try_emplace(key, Slot{signal, kNone, kNone});
         if (isNew) return;
         const std::uint32_t node = takeNode(signal);
@@ -36,7 +65,7 @@ public:
     }
 
     /// Takes back the last `insert` of that key.
-    void eraseNewest(std::uint64_t key) noexcept {
+    void eraseNewest(const Key& key) noexcept {
         const auto slot = m_keys.find(key);
         if (slot == m_keys.end()) return;
         Slot& chain = slot->second;
@@ -53,7 +82,7 @@ public:
 
     /// The first entry under the key that `matches`, or null. Valid until the index changes.
     template <class Matches>
-    const SignalPtr* find(std::uint64_t key, Matches matches) const {
+    const SignalPtr* find(const Key& key, Matches matches) const {
         const auto slot = m_keys.find(key);
         if (slot == m_keys.end()) return nullptr;
         if (matches(*slot->second.first)) return &slot->second.first;
@@ -65,7 +94,7 @@ public:
 
     /// Erases the entries under the key that `matches`; returns how many there were.
     template <class Matches>
-    std::size_t eraseIf(std::uint64_t key, Matches matches) {
+    std::size_t eraseIf(const Key& key, Matches matches) {
         const auto slot = m_keys.find(key);
         if (slot == m_keys.end()) return 0;
         Slot& chain = slot->second;
@@ -136,7 +165,7 @@ private:
         freeNode(second);
     }
 
-    boost::unordered_flat_map<std::uint64_t, Slot> m_keys;
+    boost::unordered_flat_map<Key, Slot, Hash> m_keys;
     std::vector<Node> m_further;
     std::uint32_t m_free = kNone;
 };

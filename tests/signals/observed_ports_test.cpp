@@ -139,7 +139,7 @@ struct PlainIndex {
 TEST_F(ObservedPorts, indexAgreesWithAPlainListOverRandomSequences) {
     for (unsigned seed = 1; seed <= 200; ++seed) {
         std::mt19937 random(seed);
-        ks_hmi::SourceKeyIndex index;
+        ks_hmi::SourceKeyIndex<std::uint64_t, ks_hmi::IdentityHash> index;
         PlainIndex plain;
         for (int step = 0; step < 150; ++step) {
             const std::uint64_t key = random() % 7;
