@@ -29,6 +29,11 @@ std::string FieldSource::narrowText(const char* name) { return narrowTextOf(requ
 
 double FieldSource::number(const char* name) { return numberIn(require(name), name); }
 
+std::optional<double> FieldSource::numberUnlessEmpty(const char* name) {
+    const hvArray* const value = require(name);
+    return hvIsEmpty(value) ? std::nullopt : std::optional(numberIn(value, name));
+}
+
 std::int32_t FieldSource::integer(const char* name) { return toInt32(number(name)); }
 
 // NaN differs from 0.0 and so reads as true.

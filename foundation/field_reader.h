@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,7 @@ public:
     std::int32_t integer(const char* name);
     bool flag(const char* name);
     double number(const char* name);
+    std::optional<double> numberUnlessEmpty(const char* name);
     // One text per cell, empty for a cell that holds no characters; a value that is no cell array raises
     // `InvalidFieldValue`.
     std::vector<std::u16string> texts(const char* name);

@@ -14,8 +14,22 @@ namespace ks_hmi_foundation {
 
 namespace {
 
-// The largest double in fixed notation: sign, 309 digits, point, 6 decimals.
-constexpr std::size_t kLongestNumber = 1 + 309 + 1 + 6;
+constexpr std::size_t kLongestInt = 1 + 10;
+// Sign, 17 digits and a point, exponent.
+constexpr std::size_t kLongestGeneral = 1 + 18 + 5;
+// The largest double: sign, 309 digits, point, 6 decimals.
+constexpr std::size_t kLongestFixed = 1 + 309 + 1 + 6;
+
+constexpr std::size_t kMostBytesPerUnit = 3;
+
+// At least as many bytes as the text takes: halves of a pair count as what a lone one becomes.
+std::size_t utf8Bound(std::u16string_view text) {
+    std::size_t length = 0;
+    for (const char16_t unit : text) {
+        length += unit < 0x80 ? 1U : unit < 0x800 ? 2U : kMostBytesPerUnit;
+    }
+    return length;
+}
 
 char32_t takeCodePoint(std::u16string_view text, std::size_t& at) {
     const char16_t unit = text[at++];
@@ -78,7 +92,7 @@ char* putExactDecimal(char* to, double number) {
     std::uint64_t scale = kPowersOf5[static_cast<std::size_t>(decimals)] << decimals;
     if (digits >= kLeastTooLong || digits < scale) return nullptr;
     if (std::signbit(number)) *to++ = '-';
-    to = std::to_chars(to, to + kLongestNumber, digits / scale).ptr;
+    to = std::to_chars(to, to + kSignificantDigits, digits / scale).ptr;
     if (decimals == 0) return to;
     *to++ = '.';
     return putFraction(to, digits % scale, decimals);
@@ -94,7 +108,8 @@ KeyText& KeyText::add(std::string_view utf8) {
 }
 
 KeyText& KeyText::add(std::u16string_view text) {
-    char* to = reserve(3 * text.size());
+    const bool fitsInAnyCase = kMostBytesPerUnit * text.size() <= m_capacity - m_size;
+    char* to = reserve(fitsInAnyCase ? 0 : utf8Bound(text));
     for (std::size_t at = 0; at < text.size();) {
         if (text[at] < 0x80) {
             *to++ = static_cast<char>(text[at++]);
@@ -107,24 +122,24 @@ KeyText& KeyText::add(std::u16string_view text) {
 }
 
 KeyText& KeyText::add(int number) {
-    char* const to = reserve(kLongestNumber);
-    advanceTo(std::to_chars(to, to + kLongestNumber, number).ptr);
+    char* const to = reserve(kLongestInt);
+    advanceTo(std::to_chars(to, to + kLongestInt, number).ptr);
     return *this;
 }
 
 KeyText& KeyText::addGeneral17(double number) {
-    char* const to = reserve(kLongestNumber);
+    char* const to = reserve(kLongestGeneral);
     const char* end = putExactDecimal(to, number);
     if (end == nullptr) {
-        end = std::to_chars(to, to + kLongestNumber, number, std::chars_format::general, kSignificantDigits).ptr;
+        end = std::to_chars(to, to + kLongestGeneral, number, std::chars_format::general, kSignificantDigits).ptr;
     }
     advanceTo(end);
     return *this;
 }
 
 KeyText& KeyText::addFixed6(double number) {
-    char* const to = reserve(kLongestNumber);
-    advanceTo(std::to_chars(to, to + kLongestNumber, number, std::chars_format::fixed, 6).ptr);
+    char* const to = reserve(kLongestFixed);
+    advanceTo(std::to_chars(to, to + kLongestFixed, number, std::chars_format::fixed, 6).ptr);
     return *this;
 }
 

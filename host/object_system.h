@@ -240,5 +240,5 @@ public:
 
 /// Element `index` of a host object array; null when the value is no object or has no such element.
 OX_API hos::ObjectInterface omGetArrayElement(const hvArray* objectArray, std::size_t index) noexcept;
-/// A 1x1 value wrapping one host object.
+/// A 1x1 value wrapping one host object. Throws for a null object.
 OX_API hvArray* omCreateHOSScalar(const hos::ObjectInterface& object);

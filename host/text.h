@@ -5,6 +5,7 @@
 #include "host/api.h"
 
 /// Text conversion. Ill-formed sequences become U+FFFD; nothing here throws but for memory.
+/// May be called from any thread.
 namespace fl::i18n {
 
 /// An explicit converter from UTF-16 to a named encoding; only "UTF-8" is known. Constant-initialised

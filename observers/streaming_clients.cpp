@@ -15,12 +15,15 @@ StreamingClients::~StreamingClients() = default;
 
 std::u16string StreamingClients::getModelName() const { return m_modelName; }
 
-void StreamingClients::setModelName(const std::u16string& name) {
+void StreamingClients::setModelName(const std::u16string& newName) {
+    const std::u16string name = newName;
     std::u16string oldName = name;
     std::u16string knownName = m_modelName.empty() ? name : m_knownModelName;
     m_modelName.swap(oldName);
     m_knownModelName.swap(knownName);
-    for (const ClientPtr& client : m_clients) client->renameModel(oldName, m_modelName);
+    // Values that are replaced may run scripts when they go: a snapshot is renamed.
+    const std::vector<ClientPtr> clients = m_clients;
+    for (const ClientPtr& client : clients) client->renameModel(oldName, name);
 }
 
 std::size_t StreamingClients::getCount() const { return m_clients.size(); }
@@ -44,7 +47,7 @@ StreamingClients::ClientPtr StreamingClients::share(std::size_t index) const {
 }
 
 void StreamingClients::remove(std::size_t index) {
-    errors::requirePosition(index, m_clients.size());
+    const ClientPtr removed = share(index);
     m_clients.erase(m_clients.begin() + static_cast<std::ptrdiff_t>(index));
 }
 
@@ -59,7 +62,8 @@ bool StreamingClients::isEqual(const StreamingClients* other) const {
 
 HvArrayPtr StreamingClients::getPersistenceData() const {
     static const std::span<const char* const> fields = SignalClient::getStructFields();
-    return persistRecords(m_clients, fields, [](const SignalClient& client, hvArray* s, std::size_t i) {
+    const std::vector<ClientPtr> clients = m_clients;
+    return persistRecords(clients, fields, [](const SignalClient& client, hvArray* s, std::size_t i) {
         client.getPersistenceData(s, i);
     });
 }

@@ -21,9 +21,9 @@ HvArrayPtr scalarObject(const hvArray* objects, std::size_t index) {
 HvArrayPtr StreamingClients::copy() const {
     HvArrayPtr object = std::move(callHost<1>(kStreamingClientsClass, {})[0]);
     auto& other = requireNativeObject<StreamingClients>(object.get(), kStreamingClientsClass);
-    std::vector<ClientPtr> clones;
-    clones.reserve(m_clients.size());
-    for (const ClientPtr& client : m_clients) clones.emplace_back(client->clone());
+    // Copying parameters may run scripts, which may change this set: a snapshot is cloned.
+    std::vector<ClientPtr> clones = m_clients;
+    for (ClientPtr& client : clones) client = client->clone();
     other.m_modelName = m_modelName;
     other.m_knownModelName = m_knownModelName;
     other.m_clients.swap(clones);
@@ -33,7 +33,8 @@ HvArrayPtr StreamingClients::copy() const {
 bool StreamingClients::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kStreamingClientsClass); }
 
 StreamingClients* StreamingClients::getFromHvArray(const hvArray* value) {
-    return nativeObject<StreamingClients>(value, kStreamingClientsClass);
+    static const hos::InternedName className = hos::internal::makeInterned(kStreamingClientsClass);
+    return nativeObject<StreamingClients>(value, className);
 }
 
 void StreamingClients::validateAndRemoveUnused(const hvArray* value) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "foundation/errors.h"
 #include "foundation/key_text.h"
 #include "foundation/model_prefix.h"
 #include "host/text.h"
@@ -59,6 +60,7 @@ void InstrumentedSignals::constructCWLookupStrUsingActivity(std::vector<std::str
 }
 
 void InstrumentedSignals::addToObservedCWObjectCache(const SignalPtr& spec) {
+    plv_hmi_foundation::errors::requireRecord(spec);
     const std::string activity = parameter(*spec, kActivity);
     const auto bit = m_cwActivityBitMask.find(activity);
     if (bit == m_cwActivityBitMask.end()) return;
@@ -72,6 +74,7 @@ void InstrumentedSignals::addToObservedCWObjectCache(const SignalPtr& spec) {
 }
 
 void InstrumentedSignals::removeFromObservedCWObject(const SignalPtr& spec) {
+    plv_hmi_foundation::errors::requireRecord(spec);
     const std::string activity = parameter(*spec, kActivity);
     const auto bit = m_cwActivityBitMask.find(activity);
     if (bit == m_cwActivityBitMask.end()) return;

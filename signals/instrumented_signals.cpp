@@ -45,7 +45,7 @@ void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
     if (index > m_signals.size()) errors::raise(errors::InvalidElementIndex(static_cast<long>(m_signals.size())));
     m_signals.insert(m_signals.begin() + offset(index), spec);
     Rollback unlisted([&]() noexcept { m_signals.erase(m_signals.begin() + offset(index)); });
-    m_cachedKSPorts.clear();
+    forgetKSPorts();
     addToObservedPortMap(spec);
     unlisted.commit();
 }
@@ -53,11 +53,19 @@ void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
 void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {
     errors::requireRecord(spec);
     errors::requirePosition(index, m_signals.size());
+    if (isChartworkDomain(spec->m_domainType)) {
+        addToObservedPortMap(spec);
+        removeFromObservedPortMap(m_signals[index]);
+    } else {
+        // With the room made first nothing can fail between taking the old entries out and putting the new ones in.
+        m_observedPortMap.byPath.makeRoom();
+        m_observedPortMap.byHandle.makeRoom();
+        removeFromObservedPortMap(m_signals[index]);
+        addToObservedPortMap(spec);
+    }
     // A replaced chart signal keeps its entry in the chart index on purpose, unlike one that is removed.
-    removeFromObservedPortMap(m_signals[index]);
-    addToObservedPortMap(spec);
     m_signals[index].swap(spec);
-    m_cachedKSPorts.clear();
+    forgetKSPorts();
 }
 
 void InstrumentedSignals::remove(std::size_t index) {
@@ -67,7 +75,7 @@ void InstrumentedSignals::remove(std::size_t index) {
         removeFromObservedCWObject(signal);
     } else {
         removeFromObservedPortMap(signal);
-        m_cachedKSPorts.clear();
+        forgetKSPorts();
     }
     m_signals.erase(m_signals.begin() + offset(index));
 }
@@ -77,7 +85,7 @@ void InstrumentedSignals::remove(const SignalSpecification& spec) {
                                     [&](const SignalPtr& signal) { return spec.isSameSignal(signal.get()); });
     if (match == m_signals.end()) return;
     const SignalPtr signal = *match;
-    m_cachedKSPorts.clear();
+    forgetKSPorts();
     // The chart index is left alone on purpose, also for a chart signal, unlike by a removal by position.
     removeFromObservedPortMap(signal);
     m_signals.erase(match);

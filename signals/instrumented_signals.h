@@ -53,8 +53,9 @@ public:
     // ---- the list ----
 
     std::u16string getModelName() const;
-    /// The index is not rebuilt, although its keys include the model's name: entries made under the old name
-    /// answer no more until `updateObservedPortMap`.
+    /// The index is not rebuilt, although its keys include the model's name: path and chart entries made under the
+    /// old name answer no more until `updateObservedPortMap`. Until then a record that is removed lives on in its
+    /// orphaned path entry; orphaned chart entries stay for good.
     void setModelName(const std::u16string& newName);
     std::size_t getCount() const;
     /// The record at `index`, not owned; it lives as long as somebody shares it.
@@ -64,12 +65,12 @@ public:
     void add(SignalPtr spec);
     /// Inserts before `index`; the count itself is a valid position, at which it appends.
     void insert(std::size_t index, SignalPtr spec);
-    /// Replaces the record at `index`. The old record leaves the port index only: a chart signal's entry in
-    /// the chart index stays, on purpose.
+    /// Replaces the record at `index`, or changes nothing when that fails. The old record leaves the port index only
+    /// (as by `removeFromObservedPortMap`): a chart signal's entry in the chart index stays, on purpose.
     void set(std::size_t index, SignalPtr spec);
-    /// Removes the record at `index`. Other signals on the same block path and output port lose their index
-    /// entries with it, until `updateObservedPortMap`; of two chart signals on the same activity, removing one
-    /// clears the activity for both.
+    /// Removes the record at `index`. Other signals under the same path key (path, sub-path and port) or the same
+    /// cached handle and port lose those index entries with it, until `updateObservedPortMap`; of two chart signals on
+    /// the same activity, removing one clears the activity for both.
     void remove(std::size_t index);
     /// Removes the first signal that is the same signal as `spec`; does nothing when there is none. The chart
     /// index is not touched, on purpose, unlike by `remove` by position.
@@ -109,22 +110,25 @@ public:
     /// Enters the signal under its path key and, once its handle is resolved, under its handle key; a chart
     /// signal goes to the chart index. Entering a signal twice gives it two entries, on purpose.
     void addToObservedPortMap(const SignalPtr& spec);
-    /// Erases the entries of the signal's block path and output port, and those of its cached handle and port,
-    /// whichever signals they belong to. A chart signal has no effect.
+    /// Erases the entries under the signal's path key that have its block path and output port, and those of its
+    /// cached handle and port, whichever signals they belong to. A chart signal has no effect.
     void removeFromObservedPortMap(const SignalPtr& spec);
-    /// Rebuilds the index from the list. The chart containers are added to, not emptied first.
+    /// Rebuilds the index from the list, or leaves it as it was when that fails. The chart containers are added to,
+    /// not emptied first.
     void updateObservedPortMap();
     /// Whether the port index holds any entry; chart signals never count.
     bool isAnyPortObserved() const;
-    /// Replaces the cache of observed engine ports. Every change to the list or the index empties it.
+    /// Replaces the cache of observed engine ports. Every change to the list or the index empties it, but for the
+    /// removal by position of a chart signal and a rebuild that enters no port.
     void cacheKSPorts(const std::vector<ksPort*>& ports);
     bool isKSPortObserved(const ksPort* port) const;
     /// By block handle and port. A handle of NaN is never observed. Does not allocate.
     bool isPortObserved(double blockHandle, int portIdx) const;
     /// By handle and port, else by path and port. The first match of a signal that has no handle yet records
     /// this one in it, gives it a second entry under its path key (on purpose, harmless), and empties the
-    /// cache of engine ports. With `portIdx` 0 nothing is recorded; a handle of 0.0 or NaN resolves nothing
-    /// that could be found by handle.
+    /// cache of engine ports. With `portIdx` 0 nothing is recorded. A handle of 0.0 or NaN uses the signal up: it
+    /// counts as resolved, and its real handle answers only while rebinding is pending; with 0.0 every later
+    /// query with handle 0.0 and that port is true, whatever its path, while NaN is never found.
     bool isPortObserved(double blockHandle, const std::u16string& blockPath, const std::u16string& subPath,
                         int outputPortIndex, int portIdx, int logicalPortIndex);
     /// The same with the signal's own values. False for null.
@@ -144,8 +148,8 @@ public:
                                            const std::string& ssid, const std::string& activity) const;
     void addToObservedCWActivity(const std::string& eid, const std::string& ssid, const std::string& activity);
     void removeObservedCWActivity(const std::string& eid, const std::string& ssid, const std::string& activity);
-    /// Whether the activity of the chart object is observed; `eidPath` may carry the model's name and ":".
-    /// Does not allocate.
+    /// Whether the activity of the chart object is observed; `eidPath` may carry the model's name and ":". Does not
+    /// allocate, but for texts of hundreds of characters.
     bool isCWActivityObserved(const std::u16string& eidPath, double ssid, const std::u16string& activity) const;
     /// Whether any activity of the chart object is. Asking about an unknown object leaves an empty entry
     /// behind, on purpose; it is harmless to every query.
@@ -175,6 +179,8 @@ public:
     /// unresolved signal, an empty identifier every signal without one. A signal that was never resolved has a
     /// cached port afterwards, and so counts as resolved to its old handle (0.0). Logical ports keep their numbers,
     /// and a signal with one is still found under it. The index is rebuilt when anything changed.
+    /// A failure leaves list, numbers and port index as they were; chart activities of deleted signals may be gone
+    /// then until `updateObservedPortMap`.
     void renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& eid,
                        std::vector<int> newNumbers);
 
@@ -187,6 +193,7 @@ private:
         SourceKeyIndex<HandleKey, HandleKeyHash> byHandle;
     };
 
+    void forgetKSPorts() noexcept;
     std::uint64_t pathKey(const std::u16string& blockPath, const std::u16string& subPath, int outputPortIndex,
                           int logicalPortIndex) const;
     std::uint64_t pathKey(const SignalSpecification& spec) const;

@@ -15,25 +15,35 @@ namespace {
 
 constexpr const char* kInstrumentedSignalsClass = "Kestrel.HMI.InstrumentedSignals";
 
+hos::InternedName className() {
+    static const hos::InternedName name = hos::internal::makeInterned(kInstrumentedSignalsClass);
+    return name;
+}
+
 }  // namespace
 
 HvArrayPtr InstrumentedSignals::copy(bool excludeUnsaved) const {
     HvArrayPtr object = std::move(callHost<1>(kInstrumentedSignalsClass, {})[0]);
     auto& other = requireNativeObject<InstrumentedSignals>(object.get(), kInstrumentedSignalsClass);
-    other.m_modelName = m_modelName;
-    // Bounded by the count at the start: should the host hand this very set back, the clones are not cloned again.
-    const std::size_t count = m_signals.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        const SignalPtr signal = m_signals[i];
-        if (excludeUnsaved && signal->m_excludeForSave) continue;
-        other.m_signals.push_back(SignalPtr(signal->clone()));
+    // Everything is copied aside, so that a failure leaves the other set as it was; the count is that of the start,
+    // should the host hand this very set back.
+    std::vector<SignalPtr> clones;
+    for (const SignalPtr& signal : m_signals) {
+        if (!excludeUnsaved || !signal->m_excludeForSave) clones.emplace_back(signal->clone());
     }
+    std::u16string modelName = m_modelName;
+    ObservedPortMap observedPorts = m_observedPortMap;
+    auto activities = m_observedCWActivity;
+    auto chartObjects = m_observedCWObjectCache;
+
+    other.m_signals.insert(other.m_signals.end(), clones.begin(), clones.end());
+    other.m_modelName.swap(modelName);
     if (&other == this) return object;
     // The copied index refers to this set's records on purpose; `updateObservedPortMap` makes it follow the clones.
-    other.m_observedPortMap = m_observedPortMap;
-    if (!m_observedCWActivity.empty()) {
-        other.m_observedCWActivity = m_observedCWActivity;
-        other.m_observedCWObjectCache = m_observedCWObjectCache;
+    std::swap(other.m_observedPortMap, observedPorts);
+    if (!activities.empty()) {
+        other.m_observedCWActivity.swap(activities);
+        other.m_observedCWObjectCache.swap(chartObjects);
     }
     return object;
 }
@@ -55,15 +65,15 @@ void InstrumentedSignals::setFromPersistenceData(const hvArray* data) {
 }
 
 InstrumentedSignals* InstrumentedSignals::getFromHvArray(const hvArray* object) {
-    return nativeObject<InstrumentedSignals>(object, kInstrumentedSignalsClass);
+    return nativeObject<InstrumentedSignals>(object, className());
 }
 
 bool InstrumentedSignals::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kInstrumentedSignalsClass); }
 
 void InstrumentedSignals::applyRebindingRules(hvArray* object, bool flag) {
     if (object == nullptr) return;
-    Rollback settled([&]() noexcept {
-        if (InstrumentedSignals* const set = getFromHvArray(object)) set->m_rebindingPending = false;
+    Rollback settled([object, name = className()]() noexcept {
+        if (auto* const set = nativeObject<InstrumentedSignals>(object, name)) set->m_rebindingPending = false;
     });
     const HvArrayPtr flagValue = makeLogical(flag);
     hvSetArrayScope(flagValue.get(), nullptr);

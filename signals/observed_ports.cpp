@@ -1,11 +1,13 @@
 #include <utility>
 
+#include "foundation/errors.h"
 #include "foundation/rollback.h"
 #include "foundation/text_hash.h"
 #include "signals/instrumented_signals.h"
 
 namespace ks_hmi {
 
+namespace errors = plv_hmi_foundation::errors;
 using ks_hmi_foundation::Rollback;
 using ks_hmi_foundation::TextHash;
 
@@ -26,14 +28,20 @@ std::uint64_t InstrumentedSignals::pathKey(const SignalSpecification& spec) cons
     return pathKey(spec.m_blockPath, spec.m_subPath, spec.m_outputPortIndex, spec.m_logicalPortIndex);
 }
 
+void InstrumentedSignals::forgetKSPorts() noexcept {
+    // Clearing walks the whole table, so an empty one is left alone.
+    if (!m_cachedKSPorts.empty()) m_cachedKSPorts.clear();
+}
+
 void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
+    errors::requireRecord(spec);
     if (isChartworkDomain(spec->m_domainType)) {
         addToObservedCWObjectCache(spec);
         return;
     }
     // No look for an earlier entry, on purpose: a signal entered twice is there twice.
     const std::uint64_t key = pathKey(*spec);
-    m_cachedKSPorts.clear();
+    forgetKSPorts();
     m_observedPortMap.byPath.insert(key, spec);
     if (spec->m_cachedPortIdx == 0) return;
     Rollback pathEntry([&]() noexcept { m_observedPortMap.byPath.eraseNewest(key); });
@@ -42,6 +50,7 @@ void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
 }
 
 void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
+    errors::requireRecord(spec);
     const SignalPtr removed = spec;
     if (isChartworkDomain(removed->m_domainType)) return;
     // By port and not by record, on purpose: all signals on the block's port leave the index together.
@@ -53,7 +62,7 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
                                                      return entry.m_cachedPortIdx == removed->m_cachedPortIdx &&
                                                             entry.m_cachedBlockHandle == removed->m_cachedBlockHandle;
                                                  });
-    if (erased != 0) m_cachedKSPorts.clear();
+    if (erased != 0) forgetKSPorts();
 }
 
 void InstrumentedSignals::updateObservedPortMap() {
@@ -69,8 +78,9 @@ bool InstrumentedSignals::isAnyPortObserved() const {
 }
 
 void InstrumentedSignals::cacheKSPorts(const std::vector<ksPort*>& ports) {
-    m_cachedKSPorts.clear();
-    for (const ksPort* const port : ports) m_cachedKSPorts.insert(identity(port));
+    boost::unordered_flat_set<std::uint64_t> cached(ports.size());
+    for (const ksPort* const port : ports) cached.insert(identity(port));
+    m_cachedKSPorts.swap(cached);
 }
 
 bool InstrumentedSignals::isKSPortObserved(const ksPort* port) const {

@@ -1,11 +1,27 @@
-#include <unordered_set>
-
 #include "foundation/model_path.h"
+#include "foundation/rollback.h"
 #include "signals/instrumented_signals.h"
 
 namespace ks_hmi {
 
 using namespace ks_hmi_foundation;
+
+namespace {
+
+/// A record listed twice is renumbered once: both entries set the same number.
+struct Renumbering {
+    InstrumentedSignals::SignalPtr signal;
+    int newNumber;
+    int oldNumber;
+    int oldCachedPort;
+
+    void undo() const noexcept {
+        signal->m_outputPortIndex = oldNumber;
+        signal->m_cachedPortIdx = oldCachedPort;
+    }
+};
+
+}  // namespace
 
 void InstrumentedSignals::renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& eid,
                                         std::vector<int> newNumbers) {
@@ -15,27 +31,32 @@ void InstrumentedSignals::renumberPorts(double blockHandle, const std::u16string
         return signal.m_cachedBlockHandle == blockHandle || signal.m_blockPath == path || signal.m_eid == shortEid;
     };
 
-    std::vector<std::size_t> deleted;
-    std::unordered_set<const SignalSpecification*> renumbered;
-    for (std::size_t i = 0; i < m_signals.size(); ++i) {
-        const SignalPtr signal = m_signals[i];
+    std::vector<SignalPtr> remaining;
+    std::vector<SignalPtr> deleted;
+    std::vector<Renumbering> moved;
+    for (const SignalPtr& signal : m_signals) {
+        const int port = signal->m_outputPortIndex;
         // Ports below 1 wrap round to positions beyond every list.
-        const auto port = static_cast<std::size_t>(signal->m_outputPortIndex) - 1;
-        if (!belongsToBlock(*signal) || port >= newNumbers.size() || renumbered.contains(signal.get())) continue;
-        const int newNumber = newNumbers[port];
-        if (newNumber == 0) {
-            deleted.push_back(i);
-        } else if (newNumber != signal->m_outputPortIndex) {
-            renumbered.insert(signal.get());
-            removeFromObservedPortMap(signal);
-            signal->renumberPortIndex(newNumber);
-            addToObservedPortMap(signal);
-        }
+        const auto entry = static_cast<std::size_t>(port) - 1;
+        const int newNumber = belongsToBlock(*signal) && entry < newNumbers.size() ? newNumbers[entry] : port;
+        (newNumber == 0 && port != 0 ? deleted : remaining).push_back(signal);
+        if (newNumber != 0 && newNumber != port) moved.push_back({signal, newNumber, port, signal->m_cachedPortIdx});
     }
-    for (auto position = deleted.rbegin(); position != deleted.rend(); ++position) remove(*position);
-    if (deleted.empty() && renumbered.empty()) return;
-    m_cachedKSPorts.clear();
+    if (deleted.empty() && moved.empty()) return;
+
+    // The index is rebuilt below, so only the chart index needs to be told of each deleted signal.
+    for (auto signal = deleted.rbegin(); signal != deleted.rend(); ++signal) {
+        if (isChartworkDomain((*signal)->m_domainType)) removeFromObservedCWObject(*signal);
+    }
+    for (const Renumbering& move : moved) move.signal->renumberPortIndex(move.newNumber);
+    m_signals.swap(remaining);
+    Rollback renumbered([&]() noexcept {
+        m_signals.swap(remaining);
+        for (const Renumbering& move : moved) move.undo();
+    });
     updateObservedPortMap();
+    renumbered.commit();
+    forgetKSPorts();
 }
 
 }  // namespace ks_hmi

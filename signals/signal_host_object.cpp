@@ -65,8 +65,8 @@ void SignalSpecification::setFromHOS(const hvArray* object, const std::u16string
     m_isFrameBased = properties.flag("IsFrameBased_");
     m_hideInPLV = properties.flag("HideInPLV_");
     m_bindingRule = properties.narrowText("BindingRule_");
-    if (!hvIsEmpty(properties.find("CachedBlockHandle_"))) {
-        m_cachedBlockHandle = properties.number("CachedBlockHandle_");
+    if (const auto handle = properties.numberUnlessEmpty("CachedBlockHandle_")) {
+        m_cachedBlockHandle = *handle;
         m_cachedPortIdx = properties.integer("CachedPortIdx_");
     }
     m_excludeForSave = hvIsLogicalScalarTrue(properties.require("ExcludeForSave_"));

@@ -18,7 +18,8 @@ namespace ks_hmi {
 /// Paths and identifiers are held relative to the model. Port numbers are 1-based, 0 means none.
 /// A block handle of 0.0 means that none is cached. Records are copied with `clone` only.
 /// Failures of host calls by name become host warnings and give an empty result; failures of host
-/// value operations are thrown as the host's exception. Thread: the host's interpreter thread.
+/// value operations are thrown as the host's exception. A caller that asks the host keeps the record alive
+/// (`InstrumentedSignals::share`): scripts may change the set it is in. Thread: the host's interpreter thread.
 class KS_HMI_EXPORT SignalSpecification {
 public:
     using DomainParamsMap = std::unordered_map<std::u16string, std::u16string>;
@@ -102,7 +103,8 @@ public:
 
     /// Hash of the texts joined with nothing between them. Hashes are equal within one process only.
     static std::uint64_t getInfoHashFromStringList(std::vector<std::string> texts);
-    /// Hash of "model/path$$subPath$$port", the port being the logical one when it is 1 or more, else the output port.
+    /// Hash of "model/path$$subPath$$port" (without "model/" for an empty name), the port being the logical one when it
+    /// is 1 or more, else the output port.
     static std::uint64_t getNonCachedInfoHash(const std::u16string& blockPath, const std::u16string& subPath,
                                               int outputPortIndex, int logicalPortIndex,
                                               const std::u16string& modelName);

@@ -64,6 +64,12 @@ public:
         chain.last = node;
     }
 
+    /// After this one `insert` cannot throw, also when entries are erased before it.
+    void makeRoom() {
+        if (m_keys.size() >= m_keys.max_load()) m_keys.reserve(2 * m_keys.size() + 1);
+        if (m_further.size() == m_further.capacity()) m_further.reserve(2 * m_further.size() + 1);
+    }
+
     /// Takes back the last `insert` of that key.
     void eraseNewest(const Key& key) noexcept {
         const auto slot = m_keys.find(key);

@@ -73,6 +73,22 @@ TEST_F(HostFailures, leaveTheSetIntactWhateverFails) {
     }
 }
 
+TEST_F(HostFailures, replaceAllOrNothing) {
+    const auto replaceByChartSignal = [] {
+        InstrumentedSignals signals;
+        signals.add(resolvedPort(u"Gain", 1, 12.5));
+        const auto observesGain = [&] { return signals.isPortObserved(12.5, 1); };
+        try {
+            signals.set(0, chartItem(u"cw_state", u"8", u"Self"));
+        } catch (...) {
+            EXPECT_TRUE(observesGain());
+            throw;
+        }
+        EXPECT_FALSE(observesGain());
+    };
+    EXPECT_GT(sweepHostFailures("set", replaceByChartSignal, [](const std::string&) {}), 0U);
+}
+
 TEST_F(HostFailures, addAllOrNothing) {
     const auto specObject = port(u"Sub/Switch", 3, "3")->getHOSObject(u"m1", false);
     sweepHostFailures(

@@ -42,6 +42,10 @@ TEST_F(InstrumentedSignalsTest, nullRecordsAreRefused) {
     EXPECT_EQ(raisedBy([&] { set().add(nullptr); }), "NullRecord");
     EXPECT_EQ(raisedBy([&] { set().insert(0, nullptr); }), "NullRecord");
     EXPECT_EQ(raisedBy([&] { set().set(0, nullptr); }), "NullRecord");
+    EXPECT_EQ(raisedBy([&] { set().addToObservedPortMap(nullptr); }), "NullRecord");
+    EXPECT_EQ(raisedBy([&] { set().removeFromObservedPortMap(nullptr); }), "NullRecord");
+    EXPECT_EQ(raisedBy([&] { set().addToObservedCWObjectCache(nullptr); }), "NullRecord");
+    EXPECT_EQ(raisedBy([&] { set().removeFromObservedCWObject(nullptr); }), "NullRecord");
     EXPECT_EQ(paths(set()), (Paths{u"Gain"}));
     EXPECT_FALSE(set().isPortObserved(nullptr));
     EXPECT_FALSE(set().isEqual(nullptr));

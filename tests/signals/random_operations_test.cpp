@@ -1,0 +1,90 @@
+#include <cstdlib>
+#include <iostream>
+#include <optional>
+
+#include "tests/support/compared_sets.h"
+
+using namespace ks_test;
+
+namespace {
+
+constexpr std::size_t kSteps = 50;
+constexpr int kMostShrinkingRuns = 2000;
+
+/// Where a sequence went wrong, and how.
+struct Failure {
+    std::size_t step;
+    std::string text;
+};
+
+std::optional<Failure> play(const std::vector<Operation>& operations, Totals& totals) {
+    ComparedSets sets(totals);
+    for (std::size_t step = 0; step < operations.size(); ++step) {
+        try {
+            sets.apply(operations[step]);
+        } catch (const Disagreement& error) {
+            return Failure{step, error.what()};
+        } catch (const kssvIException& error) {
+            return Failure{step, "The set raised " + error.messageId().key()};
+        } catch (const std::exception& error) {
+            return Failure{step, std::string("The set threw ") + error.what()};
+        }
+    }
+    return std::nullopt;
+}
+
+/// Leaves operations out one by one, as long as it still goes wrong.
+std::string shortest(std::vector<Operation> operations, Failure failure) {
+    Totals ignored;
+    operations.resize(failure.step + 1);
+    int runs = 0;
+    for (bool isShorter = true; isShorter;) {
+        isShorter = false;
+        for (std::size_t i = operations.size(); i-- > 0 && runs < kMostShrinkingRuns; ++runs) {
+            std::vector<Operation> fewer = operations;
+            fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(i));
+            const auto stillFails = play(fewer, ignored);
+            if (!stillFails) continue;
+            fewer.resize(stillFails->step + 1);
+            operations = std::move(fewer);
+            failure = *stillFails;
+            isShorter = true;
+            i = std::min(i, operations.size());
+        }
+    }
+    std::string result = failure.text + " after:\n";
+    for (const Operation& operation : operations) result += "  " + describe(operation) + "\n";
+    return result;
+}
+
+unsigned fromEnvironment(const char* name, unsigned otherwise) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
+}
+
+class RandomOperations : public HostTest {};
+
+// KS_HMI_RANDOM_SEQUENCES says how many sequences are played, KS_HMI_RANDOM_SEED which seed is the first.
+TEST_F(RandomOperations, theSetAgreesWithItsPlainModel) {
+    // Paths are aligned to what they are, so that saving needs no open model.
+    const auto aligned = orvex::registerFunction("getAlignedBlockPath",
+                                                 [](orvex::Call& c) { c.outs[0] = property(c.ins[0], "BlockPath_"); });
+    const unsigned first = fromEnvironment("KS_HMI_RANDOM_SEED", 1);
+    const unsigned count = fromEnvironment("KS_HMI_RANDOM_SEQUENCES", 50);
+    Totals totals;
+    for (unsigned seed = first; seed < first + count; ++seed) {
+        Draws draws(seed);
+        std::vector<Operation> operations;
+        while (operations.size() < kSteps) operations.push_back(draws.operation());
+        ++totals.sequences;
+        if (const auto failure = play(operations, totals))
+            FAIL() << "Seed " << seed << ": " << shortest(operations, *failure);
+    }
+    EXPECT_TRUE(orvex::warnings().empty());
+    RecordProperty("sequences", std::to_string(totals.sequences));
+    RecordProperty("steps", std::to_string(totals.steps));
+    std::cout << totals.sequences << " sequences, " << totals.steps << " steps, " << totals.questions << " questions, "
+              << totals.yes << " of them answered yes\n";
+}
+
+}  // namespace
