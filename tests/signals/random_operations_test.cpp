@@ -70,7 +70,7 @@ TEST_F(RandomOperations, theSetAgreesWithItsPlainModel) {
     const auto aligned = orvex::registerFunction("getAlignedBlockPath",
                                                  [](orvex::Call& c) { c.outs[0] = property(c.ins[0], "BlockPath_"); });
     const unsigned first = fromEnvironment("KS_HMI_RANDOM_SEED", 1);
-    const unsigned count = fromEnvironment("KS_HMI_RANDOM_SEQUENCES", 50);
+    const unsigned count = fromEnvironment("KS_HMI_RANDOM_SEQUENCES", 40);
     Totals totals;
     for (unsigned seed = first; seed < first + count; ++seed) {
         Draws draws(seed);
