@@ -1,5 +1,5 @@
 # What is installed, in three components: ks_hmi_foundation (library, headers, packages for CMake and
-# pkg-config), memory_host (the in-memory host) and tool (kshmi, which installs itself, and its examples).
+# pkg-config), memory_host (the in-memory host) and tool (kshmi and its examples).
 
 include(CMakePackageConfigHelpers)
 set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
@@ -44,7 +44,10 @@ function(ks_hmi_install_memory_host)
   ks_hmi_install_pkg_config(ks_hmi_memory_host memory_host)
 endfunction()
 
-function(ks_hmi_install_examples)
+function(ks_hmi_install_tool)
+  file(RELATIVE_PATH to_libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+  set_target_properties(kshmi PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  install(TARGETS kshmi COMPONENT tool)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation/examples"
     COMPONENT tool FILES_MATCHING PATTERN "*.json")
 endfunction()
@@ -63,5 +66,5 @@ if(TARGET memory_host)
   ks_hmi_install_memory_host()
 endif()
 if(TARGET kshmi)
-  ks_hmi_install_examples()
+  ks_hmi_install_tool()
 endif()
