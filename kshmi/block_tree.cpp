@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kshmi/script.h"
 #include "kshmi/text.h"
 
 namespace kshmi {
@@ -46,13 +47,15 @@ struct Line {
 
 class TreePrinter {
 public:
-    TreePrinter(const Session& session, const Output& output) : m_session(session), m_output(output) {}
+    TreePrinter(const Session& session, const Output& output)
+        : m_session(session), m_output(output), m_badges(blocksWithBadges(session)) {}
 
     std::vector<Line> lines(std::size_t most) {
         Segments previous;
         for (const Node& node : sortedNodes(m_session.model())) {
             addMissingParents(previous, node.segments);
-            add(node.segments.size() - 1, printable(node.segments.back()), ports(*node.block));
+            const char* const mark = m_badges.contains(node.block->handle) ? " *" : "";
+            add(node.segments.size() - 1, printable(node.segments.back()) + mark, ports(*node.block));
             if (node.block->chart) addChart(*node.block, node.segments.size());
             previous = node.segments;
             if (m_lines.size() > most) break;
@@ -97,6 +100,7 @@ private:
 
     const Session& m_session;
     const Output& m_output;
+    std::set<double> m_badges;
     std::vector<Line> m_lines;
 };
 
@@ -105,6 +109,12 @@ private:
 std::string badge(bool isObserved, const Output& output) {
     if (!isObserved) return "[ ]";
     return output.isTerminal ? "\x1b[32m[x]\x1b[0m" : "[x]";
+}
+
+std::set<double> blocksWithBadges(const Session& session) {
+    std::set<double> handles;
+    ks_hmi::InstrumentedSignals::getPortsWithBadges(script::modelObject(session.model().name()).get(), handles);
+    return handles;
 }
 
 void printBlockTree(const Session& session, const Output& output, std::size_t most) {

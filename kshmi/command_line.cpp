@@ -3,12 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
-#include <functional>
 #include <limits>
 #include <new>
 #include <optional>
 #include <string_view>
 
+#include "kshmi/command_options.h"
 #include "kshmi/commands.h"
 #include "kshmi/error.h"
 #include "kshmi/text.h"
@@ -17,43 +17,7 @@ namespace kshmi {
 
 namespace {
 
-constexpr const char* kReferenceHelp =
-    "block/path:port (number or name, 1 if left out), chart/State, chart/datum, or a chart with --activity or --ssid; "
-    "the model's name may stand in front";
 constexpr int kLargest = std::numeric_limits<int>::max();
-
-using Run = std::function<int(const Output&)>;
-
-CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file) {
-    CLI::App* const command = app.add_subcommand(name, help);
-    command->footer(std::string("Examples:\n") + examples);
-    command->add_option("MODEL", file, "model file")->required();
-    return command;
-}
-
-CLI::Option* addReferences(CLI::App& command, std::vector<std::string>& references) {
-    return command.add_option("REF", references, kReferenceHelp);
-}
-
-void addReferenceOptions(CLI::App& command, ReferenceOptions& options) {
-    command.add_option("--activity", options.activity, "activity of a chart item: Self, Child, Leaf or Data");
-    command.add_option("--ssid", options.ssid, "the chart item's identifier within its chart; 0 is the chart itself");
-}
-
-void addPatterns(CLI::App& command, Selection& selection) {
-    command.add_option("--all", selection.all, "everything whose full path matches the pattern; may be repeated")
-        ->type_name("GLOB")
-        ->allow_extra_args(false);
-    command.add_option("--except", selection.except, "but not what matches this one; may be repeated")
-        ->type_name("GLOB")
-        ->allow_extra_args(false);
-}
-
-void requireSelection(const Selection& selection, bool isOtherwiseSelected) {
-    const bool isAnything = !selection.references.empty() || !selection.all.empty() || isOtherwiseSelected;
-    if (!isAnything) throw Error("nothing to work on; name a REF or give --all 'GLOB'");
-    if (!selection.except.empty() && selection.all.empty()) throw Error("--except narrows --all; give --all 'GLOB'");
-}
 
 void addSettings(CLI::App& command, SignalSettings& settings) {
     command.add_option("--name", settings.name, "signal name; the port's or chart item's name if left out");
@@ -79,7 +43,7 @@ void addMark(CLI::App& app, MarkArguments& arguments, Run& run) {
     addReferenceOptions(*command, arguments.selection.options);
     addSettings(*command, arguments.settings);
     command->add_flag("--again", arguments.isAgain, "add a further signal where one is");
-    command->add_flag("--dry-run", arguments.isDryRun, "say what would change and change nothing");
+    addDryRun(*command, arguments.isDryRun);
     command->callback([&] {
         run = [&](const Output& output) {
             requireSelection(arguments.selection, false);
@@ -99,7 +63,7 @@ void addUnmark(CLI::App& app, UnmarkArguments& arguments, Run& run) {
     addPatterns(*command, arguments.selection);
     addReferenceOptions(*command, arguments.selection.options);
     command->add_flag("--dangling", arguments.isDangling, "remove signals whose block, port or chart item is gone");
-    command->add_flag("--dry-run", arguments.isDryRun, "say what would change and change nothing");
+    addDryRun(*command, arguments.isDryRun);
     command->callback([&] {
         run = [&](const Output& output) {
             requireSelection(arguments.selection, arguments.isDangling);
@@ -121,8 +85,9 @@ void addQuery(CLI::App& app, QueryArguments& arguments, Run& run) {
 }
 
 void addShow(CLI::App& app, ShowArguments& arguments, Run& run) {
-    CLI::App* const command = addCommand(app, "show", "List a model's signals and its blocks with what is observed",
-                                         "  kshmi show cruise.json\n  kshmi show cruise.json --json", arguments.file);
+    CLI::App* const command =
+        addCommand(app, "show", "List a model's signals, its observers, and its blocks with what is observed",
+                   "  kshmi show cruise.json\n  kshmi show cruise.json --json", arguments.file);
     command->add_flag("--json", arguments.isJson, "print JSON");
     command->callback([&] { run = [&](const Output& output) { return runShow(arguments, output); }; });
 }
@@ -134,6 +99,7 @@ struct Arguments {
     UnmarkArguments unmark;
     QueryArguments query;
     ShowArguments show;
+    EditorArguments editor;
 };
 
 void describe(CLI::App& app, Arguments& arguments, Run& run) {
@@ -147,10 +113,11 @@ void describe(CLI::App& app, Arguments& arguments, Run& run) {
     addMark(app, arguments.mark, run);
     addUnmark(app, arguments.unmark, run);
     addQuery(app, arguments.query, run);
+    addEditorCommands(app, arguments.editor, run);
 }
 
 int run(std::vector<std::string> words, const Output& output) {
-    CLI::App app("Marks signals in model files and tells what is observed", "kshmi");
+    CLI::App app("Marks signals in model files, lets observers watch them, and tells what is observed", "kshmi");
     Arguments arguments;
     Run command;
     describe(app, arguments, command);

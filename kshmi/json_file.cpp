@@ -87,6 +87,15 @@ JsonFile::JsonFile(std::string path) : m_path(std::move(path)), m_file(std::fope
     if (isDirectory(m_file.get())) throw Error(m_path + ": is a directory; name a model file");
 }
 
+JsonFile JsonFile::ofText(std::string name, const std::string& text) {
+    std::FILE* const file = ::fmemopen(nullptr, text.size() + 1, "w+");
+    JsonFile result(std::move(name), file);
+    if (!file) throw Error(result.m_path + ": cannot be read: " + std::strerror(errno));
+    std::fwrite(text.data(), 1, text.size(), file);
+    std::rewind(file);
+    return result;
+}
+
 void JsonFile::read(JsonSink& sink) {
     json::parse_options options;
     options.max_depth = kMaxDepth;
@@ -124,7 +133,7 @@ void JsonFile::fail(const std::string& pointer, const std::string& text) const {
 
 void JsonFile::failSyntax(const std::string& what, std::size_t column) const {
     throw Error(m_path + ":" + std::to_string(m_line) + ":" + std::to_string(column) + ": not JSON: " + what +
-                "; correct the file by hand or restore it");
+                "; correct it");
 }
 
 }  // namespace kshmi

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace kshmi {
 
@@ -29,6 +30,8 @@ class JsonFile {
 public:
     /// Opens the file. Throws `Error` when it cannot be read.
     explicit JsonFile(std::string path);
+    /// A text instead of a file; `name` stands for the path in messages.
+    static JsonFile ofText(std::string name, const std::string& text);
 
     /// Reads the document from front to end and hands it to `sink`; no more than a chunk of it is in
     /// memory. Throws `Error` with line and column for what is not JSON, and when reading fails. What
@@ -45,6 +48,7 @@ private:
     struct Closer {
         void operator()(std::FILE* file) const noexcept { std::fclose(file); }
     };
+    JsonFile(std::string name, std::FILE* file) : m_path(std::move(name)), m_file(file) {}
     template <typename Parser>
     void feed(Parser& parser, std::string_view piece, bool more);
     [[noreturn]] void failSyntax(const std::string& what, std::size_t column) const;

@@ -13,11 +13,6 @@ namespace {
 
 using ks_hmi::SignalSpecification;
 
-std::u16string parentOf(const std::u16string& path) {
-    const std::size_t slash = path.rfind(u'/');
-    return slash == std::u16string::npos ? std::u16string() : path.substr(0, slash);
-}
-
 std::u16string lastOf(const std::u16string& path) { return path.substr(path.rfind(u'/') + 1); }
 
 std::u16string ownName(const SignalSource& source) {
@@ -32,7 +27,7 @@ std::unique_ptr<SignalSpecification> makeRecord(const kestrel::Model& model, con
     const double handle = source.item ? 0.0 : block.handle;
     auto record = SignalSpecification::createSigSpecFromPort(block.path, block.eid, source.port, 0, handle,
                                                              model.name(), isExcludedFromSave);
-    record->m_subSysPath = parentOf(block.path);
+    record->m_subSysPath = parentPath(block.path);
     if (!source.item) return record;
     record->m_subPath = source.item->subPath;
     record->m_domainType = source.item->domainType;

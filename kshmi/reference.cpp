@@ -124,6 +124,21 @@ SignalSource resolveReference(const kestrel::Model& model, std::string_view refe
     throw Error(quoted(reference) + ": " + reason);
 }
 
+std::u16string withoutModel(const kestrel::Model& model, std::string_view path) {
+    const std::u16string text = toUtf16(path);
+    const std::u16string prefix = model.name() + u"/";
+    return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
+}
+
+const Block& resolveBlock(const kestrel::Model& model, std::string_view path) {
+    const Block* block = model.findByPath(withoutModel(model, path));
+    if (!block) block = model.findByPath(toUtf16(path));
+    if (!block)
+        throw Error(quoted(path) + ": the model " + quoted(model.name()) +
+                    " has no such block; \"kshmi show\" lists them");
+    return *block;
+}
+
 std::u16string activityFor(const ChartItem& item, const ReferenceOptions& options) {
     if (options.activity.empty()) return defaultActivity(item);
     std::u16string activity = toUtf16(options.activity);

@@ -22,6 +22,11 @@ struct ReferenceOptions {
 /// ":". Throws `Error` that names the reference and what there is instead.
 SignalSource resolveReference(const kestrel::Model& model, std::string_view reference, const ReferenceOptions& options);
 
+/// The path below the model that a text means: without the model's name in front, should it be there.
+std::u16string withoutModel(const kestrel::Model& model, std::string_view path);
+/// The block at that path. Throws `Error` when there is none.
+const kestrel::Block& resolveBlock(const kestrel::Model& model, std::string_view path);
+
 /// The activity to use for a chart item. Throws `Error` for one that charts do not have.
 std::u16string activityFor(const ChartItem& item, const ReferenceOptions& options);
 

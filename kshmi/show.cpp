@@ -5,7 +5,8 @@
 #include "kshmi/block_tree.h"
 #include "kshmi/commands.h"
 #include "kshmi/host_process.h"
-#include "kshmi/host_value_writer.h"
+#include "kshmi/json_object.h"
+#include "kshmi/observing.h"
 #include "kshmi/text.h"
 #include "kshmi/text_table.h"
 
@@ -44,6 +45,24 @@ std::vector<std::string> rowOf(const Session& session, std::size_t position) {
             flagsOf(signal)};
 }
 
+void printClients(const Session& session, std::ostream& out) {
+    if (session.clients().getCount() == 0) return;
+    constexpr auto kRight = TextTable::Align::right;
+    TextTable table({{"#", kRight}, {"OBSERVER"}, {"OF SIGNAL", kRight}, {"NAME"}, {"RATE", kRight}, {"NOTES"}});
+    const SignalUuids uuids(session);
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
+        const ks_hmi::SignalClient& client = *session.clients().get(i);
+        const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
+        table.add({std::to_string(i + 1), printable(std::string_view(client.m_observerType)),
+                   signal ? std::to_string(*signal + 1) : "",
+                   signal ? printable(session.signals().get(*signal)->m_signalName) : "",
+                   std::to_string(static_cast<std::uint32_t>(client.m_updateRate)),
+                   notesOn(client, watched(client, uuids))});
+    }
+    out << '\n';
+    table.print(out);
+}
+
 void printText(const Session& session, const Output& output) {
     constexpr auto kRight = TextTable::Align::right;
     const std::size_t count = session.signals().getCount();
@@ -65,31 +84,11 @@ void printText(const Session& session, const Output& output) {
         output.out << '\n';
         table.print(output.out);
     }
+    printClients(session, output.out);
     if (session.model().blocks().empty()) return;
-    output.out << "\nblocks ([x] observed)\n";
+    output.out << "\nblocks ([x] observed, * with a badge)\n";
     printBlockTree(session, output, std::numeric_limits<std::size_t>::max() - 1);
 }
-
-/// One JSON object, member by member.
-class JsonObject {
-public:
-    explicit JsonObject(std::string& out) : m_out(out) { m_out += '{'; }
-    JsonObject& text(const char* key, std::u16string_view value) {
-        return name(key), appendJsonText(m_out, value), *this;
-    }
-    JsonObject& plain(const char* key, const std::string& value) { return name(key), m_out += value, *this; }
-    void close() { m_out += '}'; }
-
-private:
-    void name(const char* key) {
-        m_out += fmt::format("{}\"{}\": ", m_isEmpty ? "" : ", ", key);
-        m_isEmpty = false;
-    }
-    std::string& m_out;
-    bool m_isEmpty = true;
-};
-
-std::string boolText(bool value) { return value ? "true" : "false"; }
 
 void appendSignal(std::string& out, const Session& session, std::size_t position) {
     const SignalSpecification& signal = *session.signals().get(position);
@@ -103,8 +102,8 @@ void appendSignal(std::string& out, const Session& session, std::size_t position
     object.text("ssid", signal.getValueForDomainParams(u"SSID"));
     object.plain("decimation", std::to_string(signal.m_decimation));
     object.plain("maxPoints", std::to_string(signal.m_maxPoints));
-    object.plain("frameBased", boolText(signal.m_isFrameBased)).plain("hidden", boolText(signal.m_hideInPLV));
-    object.plain("buffered", boolText(signal.m_targetBufferedStreaming)).text("visualType", signal.m_visualType);
+    object.truth("frameBased", signal.m_isFrameBased).truth("hidden", signal.m_hideInPLV);
+    object.truth("buffered", signal.m_targetBufferedStreaming).text("visualType", signal.m_visualType);
     object.close();
 }
 
@@ -114,7 +113,7 @@ std::string portsJson(const Session& session, const kestrel::Block& block) {
         if (port > 1) out += ", ";
         JsonObject object(out);
         object.text("name", portName({&block, port, std::nullopt}));
-        object.plain("observed", boolText(session.isObserved(block, port))).close();
+        object.truth("observed", session.isObserved(block, port)).close();
     }
     return out + "]";
 }
@@ -126,7 +125,7 @@ std::string itemsJson(const Session& session, const kestrel::Block& block) {
         JsonObject object(out);
         object.text("domain", item.domainType).text("subPath", item.subPath);
         object.plain("ssid", std::to_string(item.ssid));
-        object.plain("observed", boolText(session.isAnyObserved(block, item))).close();
+        object.truth("observed", session.isAnyObserved(block, item)).close();
     };
     add({u"cw_chart", u"", 0});
     for (const auto& state : block.chart->states) add({u"cw_state", state.path, state.ssid});
@@ -134,10 +133,23 @@ std::string itemsJson(const Session& session, const kestrel::Block& block) {
     return out + "]";
 }
 
-void appendBlock(std::string& out, const Session& session, const kestrel::Block& block) {
+void appendClient(std::string& out, const Session& session, std::size_t position, const SignalUuids& uuids) {
+    const ks_hmi::SignalClient& client = *session.clients().get(position);
+    const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
+    JsonObject object(out);
+    object.plain("position", std::to_string(position + 1)).text("uuid", std::string_view(client.m_uuid));
+    object.text("type", std::string_view(client.m_observerType));
+    object.plain("signal", signal ? std::to_string(*signal + 1) : "null");
+    object.truth("dangling", watched(client, uuids) == Watched::gone);
+    object.truth("deprecated", client.isDeprecatedObserver());
+    object.close();
+}
+
+void appendBlock(std::string& out, const Session& session, const kestrel::Block& block, bool hasBadge) {
     JsonObject object(out);
     object.text("path", block.path).text("eid", toUtf16(block.eid)).plain("outputs", portsJson(session, block));
     if (block.chart) object.plain("chart", itemsJson(session, block));
+    object.truth("badge", hasBadge);
     object.close();
 }
 
@@ -150,13 +162,20 @@ void printJson(const Session& session, std::ostream& out) {
         appendSignal(text, session, i);
     }
     text += "],\n\"blocks\": [";
+    const std::set<double> badges = blocksWithBadges(session);
     const char* separator = "\n  ";
     for (const kestrel::Block& block : session.model().blocks()) {
         text += separator;
-        appendBlock(text, session, block);
+        appendBlock(text, session, block, badges.contains(block.handle));
         separator = ",\n  ";
     }
-    out << text << fmt::format("],\n\"clients\": {}}}\n", session.clients().getCount());
+    text += "],\n\"clients\": [";
+    const SignalUuids uuids(session);
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
+        text += i > 0 ? ",\n  " : "\n  ";
+        appendClient(text, session, i, uuids);
+    }
+    out << text << "]}\n";
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 namespace kshmi {
 
-SignalIndex::SignalIndex(const Session& session) {
+SignalIndex::SignalIndex(const Session& session) : m_session(session) {
     m_positions.reserve(session.signals().getCount());
     for (std::size_t i = 0; i < session.signals().getCount(); ++i)
         m_positions[keyOf(sourceOf(session.model(), *session.signals().get(i)))].push_back(i);
@@ -16,6 +16,17 @@ const std::vector<std::size_t>& SignalIndex::on(const SignalSource& source) cons
     static const std::vector<std::size_t> s_none;
     const auto found = m_positions.find(keyOf(source));
     return found == m_positions.end() ? s_none : found->second;
+}
+
+std::vector<std::size_t> SignalIndex::on(const std::string& reference, const ReferenceOptions& options) const {
+    const SignalSource source = resolveReference(m_session.model(), reference, options);
+    std::vector<std::size_t> positions = on(source);
+    if (!source.item || options.activity.empty()) return positions;
+    const std::u16string activity = activityFor(*source.item, options);
+    std::erase_if(positions, [&](std::size_t position) {
+        return m_session.signals().get(position)->getValueForDomainParams(u"Activity") != activity;
+    });
+    return positions;
 }
 
 std::size_t SignalIndex::Hash::operator()(const Key& key) const noexcept {

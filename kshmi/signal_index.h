@@ -2,21 +2,27 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
+#include "kshmi/reference.h"
 #include "kshmi/session.h"
 #include "kshmi/signal_source.h"
 
 namespace kshmi {
 
-/// Finds the positions of the signals on a port or chart item. Made anew after the set has changed.
+/// Finds the positions of the signals on a port or chart item. Made anew after the set has changed; does not outlive
+/// the session.
 class SignalIndex {
 public:
     explicit SignalIndex(const Session& session);
 
     /// Positions (0-based, ascending) of the signals on the source, of all activities.
     const std::vector<std::size_t>& on(const SignalSource& source) const;
+    /// The same for what a reference names; of a chart item only those of the activity when the options say one.
+    /// Throws as `resolveReference`.
+    std::vector<std::size_t> on(const std::string& reference, const ReferenceOptions& options) const;
 
 private:
     struct Key {
@@ -29,6 +35,7 @@ private:
     };
     static Key keyOf(const SignalSource& source) noexcept;
 
+    const Session& m_session;
     std::unordered_map<Key, std::vector<std::size_t>, Hash> m_positions;
 };
 

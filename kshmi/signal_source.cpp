@@ -14,6 +14,11 @@ std::u16string fullName(const kestrel::Model& model, const SignalSource& source)
     return source.item->subPath.empty() ? block : block + u"/" + source.item->subPath;
 }
 
+std::u16string parentPath(const std::u16string& path) {
+    const std::size_t slash = path.rfind(u'/');
+    return slash == std::u16string::npos ? std::u16string() : path.substr(0, slash);
+}
+
 std::u16string portName(const SignalSource& source) {
     const auto port = static_cast<std::size_t>(source.port);
     return port >= 1 && port <= source.block->outputs.size() ? source.block->outputs[port - 1] : std::u16string();

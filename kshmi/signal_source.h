@@ -26,6 +26,8 @@ struct SignalSource {
 
 /// "model/block/path:2" or "model/chart/State".
 std::u16string fullName(const kestrel::Model& model, const SignalSource& source);
+/// The path in front of the last '/'; empty when there is none.
+std::u16string parentPath(const std::u16string& path);
 /// The port's name in the model, empty for a chart item and a port that the block does not have.
 std::u16string portName(const SignalSource& source);
 

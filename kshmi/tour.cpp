@@ -51,6 +51,12 @@ void Tour::run() {
     askActivities();
     unmarkAndMark();
     moveBlock();
+    addClients();
+    askClients();
+    renameTwice();
+    bundle();
+    notice();
+    validate();
     showBlocks();
 }
 
@@ -76,7 +82,8 @@ void Tour::openModel() {
     }
     say("{}: {} with {} and {}", printable(m_session->model().name()),
         counted(m_session->model().blocks().size(), "block"), counted(ports, "output port"), counted(charts, "chart"));
-    say("its set holds {}", counted(script::count(m_session->set()), "signal"));
+    say("its sets hold {} and {}", counted(script::count(m_session->set()), "signal"),
+        counted(script::count(m_session->clientSet()), "client"));
     m_handleBefore = firstHandle();
     if (!m_handleBefore.empty()) say("blocks have handles for as long as the model is loaded: {}", m_handleBefore);
 }
@@ -133,7 +140,7 @@ void Tour::loadAgain() {
 }
 
 void Tour::showBlocks() {
-    title("What is observed now ([x])");
+    title("What is observed now ([x], * on blocks with a badge)");
     if (m_session->model().blocks().empty()) say("the model has no blocks");
     printBlockTree(*m_session, m_output, kMostTreeLines);
 }

@@ -41,8 +41,15 @@ private:
     void askActivities();
     void unmarkAndMark();
     void moveBlock();
+    void addClients();
+    void askClients();
+    void renameTwice();
+    void bundle();
+    void notice();
+    void validate();
     void showBlocks();
 
+    void observeFirst(const char* type);
     void markStop(const Stop& stop, bool isExcludedFromSave);
     std::vector<Stop> unmarkedPorts(std::size_t most) const;
     std::vector<Stop> unmarkedItems(std::size_t most) const;
@@ -63,6 +70,7 @@ private:
     std::vector<Stop> m_ports;  ///< marked on the way
     std::vector<Stop> m_items;
     std::string m_handleBefore;
+    std::u16string m_nameBefore;
     int m_step = 0;
 };
 

@@ -7,6 +7,7 @@
 #include "kshmi/error.h"
 #include "kshmi/glob.h"
 #include "kshmi/host_process.h"
+#include "kshmi/observing.h"
 #include "kshmi/signal_index.h"
 #include "kshmi/text.h"
 
@@ -21,17 +22,9 @@ Positions referenced(const Session& session, const Selection& selection) {
     if (selection.references.empty()) return positions;
     const SignalIndex index(session);
     for (const std::string& reference : selection.references) {
-        const SignalSource source = resolveReference(session.model(), reference, selection.options);
-        const std::u16string activity = source.item ? activityFor(*source.item, selection.options) : u"";
-        const std::size_t before = positions.size();
-        for (const std::size_t position : index.on(source)) {
-            const auto& signal = *session.signals().get(position);
-            const bool isOther = source.item && !selection.options.activity.empty() &&
-                                 signal.getValueForDomainParams(u"Activity") != activity;
-            if (!isOther) positions.push_back(position);
-        }
-        if (positions.size() == before)
-            throw Error(quoted(reference) + ": is not marked; \"kshmi show\" lists the signals");
+        const Positions found = index.on(reference, selection.options);
+        if (found.empty()) throw Error(quoted(reference) + ": is not marked; \"kshmi show\" lists the signals");
+        positions.insert(positions.end(), found.begin(), found.end());
     }
     return positions;
 }
@@ -69,7 +62,9 @@ int runUnmark(const UnmarkArguments& arguments, const Output& output) {
 
     ChangeReport report(output, arguments.isDryRun);
     for (const std::size_t position : positions) report.change("remove", "removed", describe(session, position));
+    const DanglingWatch watch(session);
     removeSignals(session, std::move(positions));
+    watch.warn(output);
     report.finish(session);
     return kSuccess;
 }

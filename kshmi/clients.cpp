@@ -1,0 +1,137 @@
+#include <fmt/format.h>
+
+#include <unordered_map>
+
+#include "kshmi/commands.h"
+#include "kshmi/host_process.h"
+#include "kshmi/json_object.h"
+#include "kshmi/observing.h"
+#include "kshmi/text.h"
+#include "kshmi/text_table.h"
+
+namespace kshmi {
+
+namespace {
+
+using ks_hmi::SignalClient;
+using ks_hmi::StreamingClients;
+
+/// A client with what the library answers for it.
+struct Answer {
+    std::size_t position = 0;  ///< 0-based, in the set
+    StreamingClients::ClientPtr client;
+    std::vector<std::u16string> path;
+    std::u16string subPath;
+    int port = 0;
+    int decimation = 1;
+    int maxPoints = 0;
+    Watched target = Watched::here;
+};
+
+std::vector<Answer> answersOf(Session& session) {
+    // Ports are known of signals that are bound.
+    ks_hmi::InstrumentedSignals::applyRebindingRules(session.set(), true);
+    std::unordered_map<std::string, std::size_t> positions;
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i)
+        positions.emplace(session.clients().get(i)->m_uuid, i);
+
+    std::vector<StreamingClients::ClientPtr> aligned;
+    StreamingClients::getAlignedObservers(session.clientSet(), aligned);
+    const std::u16string& model = session.model().name();
+    const SignalUuids uuids(session);
+    std::vector<Answer> answers;
+    for (const StreamingClients::ClientPtr& client : aligned) {
+        Answer answer;
+        answer.position = positions.at(client->m_uuid);
+        answer.client = client;
+        client->getAlignedBlockPath(model, answer.path, answer.subPath);
+        answer.port = client->getAlignedPortIndex(model);
+        answer.decimation = client->getDecimation(model);
+        answer.maxPoints = client->getMaxPoints(model);
+        answer.target = watched(*client, uuids);
+        answers.push_back(std::move(answer));
+    }
+    return answers;
+}
+
+/// The block with port or item, behind the blocks on the way there unless they are that very block.
+std::string whereabouts(const Answer& answer) {
+    if (answer.path.empty()) return "signal " + printable(std::string_view(answer.client->m_signalUUID));
+    std::string text;
+    for (std::size_t i = 0; i + 1 < answer.path.size(); ++i)
+        if (answer.path[i] != answer.path[i + 1]) text += printable(answer.path[i]) + " > ";
+    text += printable(answer.path.back());
+    if (!answer.subPath.empty()) text += "/" + printable(answer.subPath);
+    return answer.port > 0 ? fmt::format("{}:{}", text, answer.port) : text;
+}
+
+void printText(const Session& session, const std::vector<Answer>& answers, std::ostream& out) {
+    constexpr auto kRight = TextTable::Align::right;
+    out << fmt::format("model {}: {}\n", printable(session.model().name()),
+                       counted(session.clients().getCount(), "client"));
+    if (answers.empty()) return;
+    TextTable table({{"#", kRight},
+                     {"TYPE"},
+                     {"WATCHES"},
+                     {"RATE", kRight},
+                     {"CHANNEL", kRight},
+                     {"DECIMATION", kRight},
+                     {"MAX POINTS", kRight},
+                     {"NOTES"}});
+    for (const Answer& answer : answers) {
+        const SignalClient& client = *answer.client;
+        table.add({std::to_string(answer.position + 1), printable(std::string_view(client.m_observerType)),
+                   whereabouts(answer), std::to_string(static_cast<std::uint32_t>(client.m_updateRate)),
+                   std::to_string(static_cast<std::uint32_t>(client.m_dimensionChannel)),
+                   std::to_string(answer.decimation), std::to_string(answer.maxPoints),
+                   notesOn(client, answer.target)});
+    }
+    out << '\n';
+    table.print(out);
+}
+
+std::string listOf(const std::vector<std::u16string>& texts) {
+    std::string list = "[";
+    for (const std::u16string& text : texts) {
+        if (list.size() > 1) list += ", ";
+        appendJsonText(list, std::u16string_view(text));
+    }
+    return list + "]";
+}
+
+void appendAnswer(std::string& out, const Answer& answer) {
+    const SignalClient& client = *answer.client;
+    JsonObject object(out);
+    object.plain("position", std::to_string(answer.position + 1)).text("uuid", std::string_view(client.m_uuid));
+    object.text("type", std::string_view(client.m_observerType)).plain("path", listOf(answer.path));
+    object.text("subPath", answer.subPath).plain("port", std::to_string(answer.port));
+    object.plain("decimation", std::to_string(answer.decimation));
+    object.plain("maxPoints", std::to_string(answer.maxPoints));
+    object.text("signalUuid", std::string_view(client.m_signalUUID)).text("sourceModel", client.m_sourceModel);
+    object.plain("updateRate", std::to_string(static_cast<std::uint32_t>(client.m_updateRate)));
+    object.plain("channel", std::to_string(static_cast<std::uint32_t>(client.m_dimensionChannel)));
+    object.truth("imaginary", client.m_observeImaginaryPart).text("busLeaf", std::string_view(client.m_busLeafPath));
+    object.truth("dangling", answer.target == Watched::gone).truth("deprecated", client.isDeprecatedObserver());
+    object.close();
+}
+
+void printJson(const std::vector<Answer>& answers, std::ostream& out) {
+    std::string text = "[";
+    for (const Answer& answer : answers) {
+        text += text.size() > 1 ? ",\n  " : "\n  ";
+        appendAnswer(text, answer);
+    }
+    out << text << (answers.empty() ? "]\n" : "\n]\n");
+}
+
+}  // namespace
+
+int runClients(const ClientsArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    Session session(arguments.file);
+    const std::vector<Answer> answers = answersOf(session);
+    arguments.isJson ? printJson(answers, output.out) : printText(session, answers, output.out);
+    return kSuccess;
+}
+
+}  // namespace kshmi

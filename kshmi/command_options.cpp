@@ -1,0 +1,50 @@
+#include "kshmi/command_options.h"
+
+#include "kshmi/error.h"
+
+namespace kshmi {
+
+namespace {
+
+constexpr const char* kReferenceHelp =
+    "block/path:port (number or name, 1 if left out), chart/State, chart/datum, or a chart with --activity or --ssid; "
+    "the model's name may stand in front";
+
+}  // namespace
+
+CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file) {
+    CLI::App* const command = app.add_subcommand(name, help);
+    command->footer(std::string("Examples:\n") + examples);
+    command->add_option("MODEL", file, "model file")->required();
+    return command;
+}
+
+CLI::Option* addReferences(CLI::App& command, std::vector<std::string>& references) {
+    return command.add_option("REF", references, kReferenceHelp);
+}
+
+void addReferenceOptions(CLI::App& command, ReferenceOptions& options) {
+    command.add_option("--activity", options.activity, "activity of a chart item: Self, Child, Leaf or Data");
+    command.add_option("--ssid", options.ssid, "the chart item's identifier within its chart; 0 is the chart itself");
+}
+
+void addPatterns(CLI::App& command, Selection& selection) {
+    command.add_option("--all", selection.all, "everything whose full path matches the pattern; may be repeated")
+        ->type_name("GLOB")
+        ->allow_extra_args(false);
+    command.add_option("--except", selection.except, "but not what matches this one; may be repeated")
+        ->type_name("GLOB")
+        ->allow_extra_args(false);
+}
+
+void requireSelection(const Selection& selection, bool isOtherwiseSelected) {
+    const bool isAnything = !selection.references.empty() || !selection.all.empty() || isOtherwiseSelected;
+    if (!isAnything) throw Error("nothing to work on; name a REF or give --all 'GLOB'");
+    if (!selection.except.empty() && selection.all.empty()) throw Error("--except narrows --all; give --all 'GLOB'");
+}
+
+void addDryRun(CLI::App& command, bool& isDryRun) {
+    command.add_flag("--dry-run", isDryRun, "say what would change and change nothing");
+}
+
+}  // namespace kshmi

@@ -1,0 +1,76 @@
+#include <fmt/format.h>
+
+#include "kshmi/change_report.h"
+#include "kshmi/commands.h"
+#include "kshmi/error.h"
+#include "kshmi/host_process.h"
+#include "kshmi/moving.h"
+#include "kshmi/text.h"
+
+namespace kshmi {
+
+namespace {
+
+std::u16string requirePath(const kestrel::Model& model, const std::string& text) {
+    const std::u16string path = withoutModel(model, text);
+    const bool isBad = path.empty() || path.front() == u'/' || path.back() == u'/' ||
+                       path.find(u"//") != std::u16string::npos || path.find(u'\0') != std::u16string::npos;
+    if (isBad) throw Error(quoted(text) + ": is no path; give names with one '/' between them");
+    return path;
+}
+
+/// What a move may change.
+struct Paths {
+    std::vector<std::u16string> blocks;
+    std::vector<std::u16string> signals;
+    std::vector<std::vector<std::u16string>> clients;
+};
+
+Paths pathsOf(const Session& session) {
+    Paths paths;
+    for (const kestrel::Block& block : session.model().blocks()) paths.blocks.push_back(block.path);
+    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
+        paths.signals.push_back(session.signals().get(i)->m_blockPath);
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i)
+        paths.clients.push_back(session.clients().get(i)->m_modelPath);
+    return paths;
+}
+
+template <typename List>
+std::size_t differences(const List& before, const List& after) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < before.size(); ++i) count += before[i] != after[i] ? 1U : 0U;
+    return count;
+}
+
+void tell(const Paths& before, const Paths& after, ChangeReport& report) {
+    for (std::size_t i = 0; i < before.blocks.size(); ++i)
+        if (before.blocks[i] != after.blocks[i])
+            report.change("move", "moved",
+                          fmt::format("{} to {}", printable(before.blocks[i]), printable(after.blocks[i])));
+    const std::size_t signals = differences(before.signals, after.signals);
+    const std::size_t clients = differences(before.clients, after.clients);
+    report.note(fmt::format("following: {}, {}", counted(signals, "signal"), counted(clients, "client")));
+}
+
+}  // namespace
+
+int runMove(const MoveArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    Session session(arguments.file);
+    const std::u16string path = resolveBlock(session.model(), arguments.block).path;
+    const std::u16string newPath = requirePath(session.model(), arguments.newPath);
+    alignSignals(session);
+    const Paths before = pathsOf(session);
+    ChangeReport report(output, arguments.isDryRun);
+    try {
+        if (path != newPath) moveBlocks(session, path, newPath);
+    } catch (const kestrel::ModelError& refusal) {
+        throw Error(std::string(refusal.what()) + " Name another path.");
+    }
+    tell(before, pathsOf(session), report);
+    report.finish(session);
+    return kSuccess;
+}
+
+}  // namespace kshmi

@@ -1,0 +1,69 @@
+#include "kshmi/moving.h"
+
+#include <unordered_map>
+#include <vector>
+
+#include "kshmi/signal_source.h"
+
+namespace kshmi {
+
+namespace {
+
+using kestrel::Block;
+
+std::vector<const Block*> blocksOfSignals(const Session& session) {
+    std::vector<const Block*> blocks;
+    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
+        blocks.push_back(blockOf(session.model(), *session.signals().get(i)));
+    return blocks;
+}
+
+/// The signals take over the paths of their blocks, in the same order; null: gone.
+void follow(const Session& session, const std::vector<const Block*>& blocks) {
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        ks_hmi::SignalSpecification& signal = *session.signals().get(i);
+        if (!blocks[i] || blocks[i]->path == signal.m_blockPath) continue;
+        if (signal.m_subSysPath == parentPath(signal.m_blockPath)) signal.m_subSysPath = parentPath(blocks[i]->path);
+        signal.m_blockPath = blocks[i]->path;
+    }
+    session.signals().updateObservedPortMap();
+}
+
+void followByPath(const Session& session, const std::u16string& oldPath, const std::u16string& newPath) {
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
+        ks_hmi::SignalClient& client = *session.clients().get(i);
+        const bool hasEid = !client.m_modelPathEID.empty() && !client.m_modelPathEID.front().empty();
+        if (hasEid || client.m_modelPath.empty() || !isAtOrBelow(client.m_modelPath.front(), oldPath)) continue;
+        client.m_modelPath.front() = newPath + client.m_modelPath.front().substr(oldPath.size());
+    }
+}
+
+void alignClients(const Session& session) {
+    std::vector<ks_hmi::StreamingClients::ClientPtr> aligned;
+    ks_hmi::StreamingClients::getAlignedObservers(session.clientSet(), aligned);
+    std::unordered_map<std::string, const ks_hmi::SignalClient*> byUuid;
+    for (const auto& client : aligned) byUuid.emplace(client->m_uuid, client.get());
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
+        ks_hmi::SignalClient& client = *session.clients().get(i);
+        const auto found = byUuid.find(client.m_uuid);
+        if (found != byUuid.end()) client.m_modelPath = found->second->m_modelPath;
+    }
+}
+
+}  // namespace
+
+void alignSignals(Session& session) { follow(session, blocksOfSignals(session)); }
+
+void moveBlocks(Session& session, const std::u16string& path, const std::u16string& newPath) {
+    const std::vector<const Block*> blocks = blocksOfSignals(session);
+    session.model().move(path, newPath);
+    follow(session, blocks);
+    followByPath(session, path, newPath);
+    alignClients(session);
+}
+
+bool isAtOrBelow(std::u16string_view path, std::u16string_view parent) {
+    return path.starts_with(parent) && (path.size() == parent.size() || path[parent.size()] == u'/');
+}
+
+}  // namespace kshmi

@@ -1,0 +1,85 @@
+#include <fmt/format.h>
+
+#include <limits>
+
+#include "host/messages.h"
+#include "kshmi/change_report.h"
+#include "kshmi/commands.h"
+#include "kshmi/error.h"
+#include "kshmi/host_process.h"
+#include "kshmi/host_value_builder.h"
+#include "kshmi/observing.h"
+#include "kshmi/signal_index.h"
+#include "kshmi/text.h"
+
+namespace kshmi {
+
+namespace {
+
+HvArrayPtr valueOf(const std::string& json) {
+    JsonFile text = JsonFile::ofText("--params", json);
+    HostValueBuilder builder;
+    try {
+        text.read(builder);
+    } catch (const Error& error) {
+        const std::string_view what = error.what();
+        if (what.starts_with("--params")) throw;
+        text.fail(builder.pointer(), error.what());
+    }
+    return builder.take();
+}
+
+std::uint32_t requireCount(std::int64_t number, const char* option) {
+    if (number < 0 || number > std::numeric_limits<std::uint32_t>::max())
+        throw Error(fmt::format("{} {}: give a whole number from 0 to 4294967295", option, number));
+    return static_cast<std::uint32_t>(number);
+}
+
+ClientSettings settingsOf(const ObserveArguments& arguments) {
+    if (arguments.type.empty()) throw Error("--type \"\": name the kind of observer");
+    ClientSettings settings;
+    settings.type = arguments.type;
+    settings.params = valueOf(arguments.params);
+    settings.updateRate = requireCount(arguments.updateRate, "--update-rate");
+    settings.channel = requireCount(arguments.channel, "--channel");
+    settings.isImaginary = arguments.isImaginary;
+    settings.busLeaf = arguments.busLeaf;
+    return settings;
+}
+
+/// The signal on each reference, the first one where several are.
+std::vector<std::size_t> signalsOf(const Session& session, const ObserveArguments& arguments) {
+    const SignalIndex index(session);
+    std::vector<std::size_t> signals;
+    for (const std::string& reference : arguments.references) {
+        const std::vector<std::size_t> found = index.on(reference, arguments.options);
+        if (found.empty())
+            throw Error(quoted(reference) + ": is not marked; mark it first with \"kshmi mark FILE REF\"");
+        signals.push_back(found.front());
+    }
+    return signals;
+}
+
+}  // namespace
+
+int runObserve(const ObserveArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    const ClientSettings settings = settingsOf(arguments);
+    Session session(arguments.file);
+    const SignalUuids uuids(session);
+    ChangeReport report(output, arguments.isDryRun);
+    for (const std::size_t signal : signalsOf(session, arguments)) {
+        addClient(session, signal, settings);
+        report.change("add", "added", describeClient(session, session.clients().getCount() - 1, uuids));
+    }
+    const std::size_t last = session.clients().getCount() - 1;
+    if (session.clients().get(last)->isDeprecatedObserver())
+        output.err << fmt::format(
+            "warning: observers of the type {} are deprecated; validation drops them (\"kshmi unobserve FILE "
+            "--unused\")\n",
+            quoted(settings.type));
+    report.finish(session);
+    return kSuccess;
+}
+
+}  // namespace kshmi

@@ -1,0 +1,94 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "kshmi/commands.h"
+#include "kshmi/error.h"
+#include "kshmi/host_process.h"
+#include "kshmi/json_object.h"
+#include "kshmi/moving.h"
+#include "kshmi/script.h"
+#include "kshmi/text.h"
+#include "kshmi/text_table.h"
+
+namespace kshmi {
+
+namespace {
+
+using Source = ks_hmi::InstrumentedSignals::Source;
+
+/// The full path to list below, empty for all.
+std::u16string requireBelow(const kestrel::Model& model, const std::string& text) {
+    const std::u16string path = withoutModel(model, text);
+    if (path.empty() || path == model.name()) return path;
+    const bool isThere = std::any_of(model.blocks().begin(), model.blocks().end(),
+                                     [&](const kestrel::Block& block) { return isAtOrBelow(block.path, path); });
+    if (!isThere) throw Error(quoted(text) + ": the model has no block there; \"kshmi show\" lists them");
+    return model.name() + u"/" + path;
+}
+
+std::u16string nameOfPort(const Source& source) {
+    const kestrel::LoadedBlock found = kestrel::loadedModels().findByHandle(source.blockHandle);
+    return found ? portName({found.block, source.outputPortIndex, std::nullopt}) : std::u16string();
+}
+
+std::string flagsOf(const Source& source) {
+    std::string flags;
+    const auto add = [&](bool isSet, const char* name) {
+        if (isSet) flags += (flags.empty() ? "" : ",") + std::string(name);
+    };
+    add(source.isFrameBased, "frame-based");
+    add(source.hideInPLV, "hidden");
+    add(source.targetBufferedStreaming, "buffered");
+    return flags;
+}
+
+void printText(const Session& session, const std::vector<Source>& sources, std::ostream& out) {
+    constexpr auto kRight = TextTable::Align::right;
+    out << fmt::format("model {}: {}\n", printable(session.model().name()), counted(sources.size(), "observed port"));
+    if (sources.empty()) return;
+    TextTable table({{"BLOCK"},
+                     {"PORT", kRight},
+                     {"PORT NAME"},
+                     {"SIGNAL"},
+                     {"DECIMATION", kRight},
+                     {"MAX POINTS", kRight},
+                     {"FLAGS"}});
+    for (const Source& source : sources)
+        table.add({printable(source.blockPath), std::to_string(source.outputPortIndex), printable(nameOfPort(source)),
+                   printable(source.signalName), std::to_string(source.decimation), std::to_string(source.maxPoints),
+                   flagsOf(source)});
+    out << '\n';
+    table.print(out);
+}
+
+void printJson(const std::vector<Source>& sources, std::ostream& out) {
+    std::string text = "[";
+    for (const Source& source : sources) {
+        text += text.size() > 1 ? ",\n  " : "\n  ";
+        JsonObject object(text);
+        object.text("uuid", std::string_view(source.uuid)).text("block", source.blockPath);
+        object.plain("port", std::to_string(source.outputPortIndex)).text("portName", nameOfPort(source));
+        object.text("signal", source.signalName).plain("decimation", std::to_string(source.decimation));
+        object.plain("maxPoints", std::to_string(source.maxPoints)).truth("frameBased", source.isFrameBased);
+        object.truth("hidden", source.hideInPLV).truth("buffered", source.targetBufferedStreaming);
+        object.close();
+    }
+    out << text << (sources.empty() ? "]\n" : "\n]\n");
+}
+
+}  // namespace
+
+int runPorts(const PortsArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    const Session session(arguments.file);
+    const HvArrayPtr model = script::modelObject(session.model().name());
+    const std::string below = toUtf8(requireBelow(session.model(), arguments.below));
+    std::vector<Source> sources;
+    ks_hmi::InstrumentedSignals::getObservedPorts(model.get(), below.c_str(), arguments.visualType.c_str(), sources,
+                                                  arguments.isHiddenListed, /*withUnsaved=*/true);
+    arguments.isJson ? printJson(sources, output.out) : printText(session, sources, output.out);
+    return kSuccess;
+}
+
+}  // namespace kshmi

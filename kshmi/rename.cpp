@@ -1,0 +1,94 @@
+#include <fmt/format.h>
+
+#include "kshmi/change_report.h"
+#include "kshmi/commands.h"
+#include "kshmi/error.h"
+#include "kshmi/host_process.h"
+#include "kshmi/renaming.h"
+#include "kshmi/script.h"
+#include "kshmi/text.h"
+#include "memory_host/kestrel/host_side.h"
+
+namespace kshmi {
+
+namespace {
+
+/// What a rename changes in a client.
+struct Named {
+    std::u16string source;
+    std::u16string parameter;
+};
+
+Named namesIn(const ks_hmi::SignalClient& client) {
+    const hvArray* const parameter = hvGetField(client.m_observerParams.get(), 0, "ModelName");
+    return {client.m_sourceModel,
+            hvGetClassID(parameter) == hvCHAR_CLASS ? matrix::get_ustring(parameter) : std::u16string()};
+}
+
+std::vector<Named> namesOf(const Session& session) {
+    std::vector<Named> names;
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i) names.push_back(namesIn(*session.clients().get(i)));
+    return names;
+}
+
+std::u16string requireName(const std::string& text) {
+    std::u16string name = toUtf16(text);
+    if (name.find(u'\0') != std::u16string::npos) throw Error(quoted(text) + ": a name has no NUL characters");
+    try {
+        return kestrel::Model(name).name();
+    } catch (const kestrel::ModelError& refusal) {
+        throw Error(std::string(refusal.what()) + " Give another name.");
+    }
+}
+
+void tellClients(const std::vector<Named>& before, const std::vector<Named>& after, ChangeReport& report) {
+    std::size_t sources = 0;
+    std::size_t parameters = 0;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        sources += before[i].source != after[i].source ? 1U : 0U;
+        parameters += before[i].parameter != after[i].parameter ? 1U : 0U;
+    }
+    report.note(fmt::format("  renamed in clients: {} and {}", counted(sources, "source model"),
+                            counted(parameters, "\"ModelName\" parameter")));
+}
+
+}  // namespace
+
+std::vector<std::string> renameModel(Session& session, const std::u16string& name) {
+    const std::size_t before = kestrel::recordedRenames().size();
+    kestrel::loadedModels().rename(std::u16string(session.model().name()), name);
+    session.signals().setModelName(name);
+    session.signals().updateObservedPortMap();
+    script::renameClientSet(session.clientSet(), name);
+    ks_hmi::StreamingClients::handleModelRename(session.clientSet());
+    std::vector<std::string> received;
+    const auto& all = kestrel::recordedRenames();
+    for (std::size_t i = before; i < all.size(); ++i)
+        received.push_back(printable(all[i].oldName) + " -> " + printable(all[i].newName));
+    return received;
+}
+
+int runRename(const RenameArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    std::vector<std::u16string> names;
+    for (const std::string& name : arguments.names) names.push_back(requireName(name));
+    Session session(arguments.file);
+    ChangeReport report(output, arguments.isDryRun);
+    for (const std::u16string& name : names) {
+        const std::u16string oldName = session.model().name();
+        if (name == oldName) {
+            report.note("already named " + printable(name));
+            continue;
+        }
+        const std::vector<Named> before = namesOf(session);
+        const std::vector<std::string> received = renameModel(session, name);
+        report.change("rename", "renamed", fmt::format("{} to {}", printable(oldName), printable(name)));
+        tellClients(before, namesOf(session), report);
+        for (const std::string& line : received) report.note("  the interface manager received " + line);
+        if (received.empty()) report.note("  the interface manager knows the model by this name");
+    }
+    report.finish(session);
+    return kSuccess;
+}
+
+}  // namespace kshmi

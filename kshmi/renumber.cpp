@@ -1,0 +1,129 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+
+#include "foundation/model_path.h"
+#include "kshmi/change_report.h"
+#include "kshmi/commands.h"
+#include "kshmi/error.h"
+#include "kshmi/host_process.h"
+#include "kshmi/moving.h"
+#include "kshmi/observing.h"
+#include "kshmi/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using kestrel::Block;
+
+std::vector<int> numbersOf(const std::string& text) {
+    std::vector<int> numbers;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    while (at != end) {
+        int number = 0;
+        const auto [stop, code] = std::from_chars(at, end, number);
+        const bool isListed = stop == end || (*stop == ',' && stop + 1 != end);
+        if (code != std::errc() || number < 0 || !isListed)
+            throw Error(quoted(text) + ": give the ports' new numbers with commas between, 0 for a deleted one: 2,1,0");
+        numbers.push_back(number);
+        at = stop == end ? end : stop + 1;
+    }
+    return numbers;
+}
+
+/// The names of the outputs in their new order. What remains must be numbered 1, 2, ... without gaps.
+std::vector<std::u16string> renumbered(const Block& block, const std::vector<int>& numbers) {
+    const std::size_t count = block.outputs.size();
+    if (numbers.size() > count)
+        throw Error(fmt::format("{}: {} given, and the block has {}", quoted(block.path),
+                                counted(numbers.size(), "number"), counted(count, "output port")));
+    const auto deleted = static_cast<std::size_t>(std::count(numbers.begin(), numbers.end(), 0));
+    std::vector<const std::u16string*> names(count - deleted);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t number = i < numbers.size() ? static_cast<std::size_t>(numbers[i]) : i + 1;
+        if (number == 0) continue;
+        if (number > names.size() || names[number - 1])
+            throw Error(
+                fmt::format("{}: port {} would have the number {}{}; the {} that remain need the numbers from 1 "
+                            "to {}, each once",
+                            quoted(block.path), i + 1, number, number > names.size() ? "" : " like another one",
+                            counted(names.size(), "port"), names.size()));
+        names[number - 1] = &block.outputs[i];
+    }
+    std::vector<std::u16string> outputs;
+    for (const std::u16string* const name : names) outputs.push_back(*name);
+    return outputs;
+}
+
+void tellPorts(const Block& block, const std::vector<int>& numbers, ChangeReport& report) {
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        const std::string port = fmt::format("port {} ({})", i + 1, printable(block.outputs[i]));
+        if (numbers[i] == 0)
+            report.change("delete", "deleted", port);
+        else if (static_cast<std::size_t>(numbers[i]) != i + 1)
+            report.change("renumber", "renumbered", fmt::format("{} to {}", port, numbers[i]));
+    }
+}
+
+using Signals = std::vector<ks_hmi::InstrumentedSignals::SignalPtr>;
+
+/// The signals on the block's ports that do not stay as they are.
+Signals affected(const Session& session, const Block& block, const std::vector<int>& numbers) {
+    Signals signals;
+    for (std::size_t i = 0; i < session.signals().getCount(); ++i) {
+        auto signal = session.signals().share(i);
+        const auto port = static_cast<std::size_t>(signal->m_outputPortIndex);
+        if (isChartSignal(*signal) || blockOf(session.model(), *signal) != &block || port > numbers.size()) continue;
+        if (numbers[port - 1] != signal->m_outputPortIndex) signals.push_back(std::move(signal));
+    }
+    return signals;
+}
+
+/// Here a port's logical number is its number, so the two stay together.
+void followLogically(const Signals& signals, const std::vector<int>& numbers) {
+    for (const auto& signal : signals) {
+        const int number = numbers[static_cast<std::size_t>(signal->m_outputPortIndex) - 1];
+        if (number > 0 && signal->m_logicalPortIndex == signal->m_outputPortIndex) signal->m_logicalPortIndex = number;
+    }
+}
+
+void tellSignals(const Signals& signals, const std::vector<int>& numbers, ChangeReport& report) {
+    for (const auto& signal : signals) {
+        const int number = numbers[static_cast<std::size_t>(signal->m_outputPortIndex) - 1];
+        const std::string name =
+            fmt::format("  signal {} on port {}", quoted(signal->m_signalName), signal->m_outputPortIndex);
+        report.note(number == 0 ? name + " is lost" : fmt::format("{} follows to port {}", name, number));
+    }
+}
+
+}  // namespace
+
+int runRenumber(const RenumberArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    const std::vector<int> numbers = numbersOf(arguments.numbers);
+    Session session(arguments.file);
+    const kestrel::Model& model = session.model();
+    const Block& block = resolveBlock(model, arguments.block);
+    std::vector<std::u16string> outputs = renumbered(block, numbers);
+    // Signals are found by handle, path and identifier alike: all must be those of this very load.
+    alignSignals(session);
+    ks_hmi::InstrumentedSignals::applyRebindingRules(session.set(), true);
+
+    ChangeReport report(output, arguments.isDryRun);
+    const DanglingWatch watch(session);
+    const Signals signals = affected(session, block, numbers);
+    tellPorts(block, numbers, report);
+    tellSignals(signals, numbers, report);
+    followLogically(signals, numbers);
+    session.signals().renumberPorts(block.handle, model.fullPath(block),
+                                    ks_hmi_foundation::AddModelToEID(block.eid, model.name()), numbers);
+    session.model().setOutputs(std::u16string(block.path), std::move(outputs));
+    watch.warn(output);
+    report.finish(session);
+    return kSuccess;
+}
+
+}  // namespace kshmi

@@ -1,0 +1,141 @@
+#include <algorithm>
+#include <set>
+
+#include "kshmi/change_report.h"
+#include "kshmi/commands.h"
+#include "kshmi/error.h"
+#include "kshmi/glob.h"
+#include "kshmi/host_process.h"
+#include "kshmi/marking.h"
+#include "kshmi/observing.h"
+#include "kshmi/signal_index.h"
+#include "kshmi/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using Positions = std::vector<std::size_t>;
+
+bool contains(const std::vector<std::string>& texts, const std::string& text) {
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+/// Finds the clients that a selection means.
+class Selector {
+public:
+    Selector(const Session& session, const UnobserveArguments& arguments)
+        : m_session(session), m_arguments(arguments), m_uuids(session) {}
+
+    Positions positions() {
+        const Selection& selection = m_arguments.selection;
+        const bool isTypeOnly = selection.references.empty() && selection.all.empty() && m_arguments.uuids.empty() &&
+                                !m_arguments.isDangling;
+        noteReferences();
+        notePatterns();
+        Positions positions;
+        for (std::size_t i = 0; i < m_session.clients().getCount(); ++i) {
+            const ks_hmi::SignalClient& client = *m_session.clients().get(i);
+            const bool isOfType = m_arguments.types.empty() || contains(m_arguments.types, client.m_observerType);
+            if (isOfType && (isTypeOnly || isSelected(client))) positions.push_back(i);
+        }
+        return positions;
+    }
+
+    std::string describe(std::size_t position) const { return describeClient(m_session, position, m_uuids); }
+
+private:
+    bool isSelected(const ks_hmi::SignalClient& client) const {
+        return m_signals.contains(client.m_signalUUID) || contains(m_arguments.uuids, client.m_uuid) ||
+               (m_arguments.isDangling && watched(client, m_uuids) == Watched::gone);
+    }
+
+    bool isObserved(const std::string& signalUuid) const {
+        for (std::size_t i = 0; i < m_session.clients().getCount(); ++i)
+            if (m_session.clients().get(i)->m_signalUUID == signalUuid) return true;
+        return false;
+    }
+
+    void noteReferences() {
+        if (m_arguments.selection.references.empty()) return;
+        const SignalIndex index(m_session);
+        for (const std::string& reference : m_arguments.selection.references) {
+            bool isAnyObserved = false;
+            for (const std::size_t position : index.on(reference, m_arguments.selection.options)) {
+                const std::string& uuid = m_session.signals().get(position)->m_uuid;
+                m_signals.insert(uuid);
+                isAnyObserved = isAnyObserved || isObserved(uuid);
+            }
+            if (!isAnyObserved) throw Error(quoted(reference) + ": has no client; \"kshmi clients\" lists them");
+        }
+    }
+
+    void notePatterns() {
+        const Globs all(m_arguments.selection.all);
+        const Globs except(m_arguments.selection.except);
+        for (std::size_t i = 0; !all.isEmpty() && i < m_session.signals().getCount(); ++i) {
+            const ks_hmi::SignalSpecification& signal = *m_session.signals().get(i);
+            const SignalSource source = sourceOf(m_session.model(), signal);
+            if (!source.block || !all.matches(m_session.model(), source)) continue;
+            if (!except.matches(m_session.model(), source)) m_signals.insert(signal.m_uuid);
+        }
+    }
+
+    const Session& m_session;
+    const UnobserveArguments& m_arguments;
+    SignalUuids m_uuids;
+    std::set<std::string> m_signals;
+};
+
+void requireUuids(const Session& session, const std::vector<std::string>& uuids) {
+    for (const std::string& uuid : uuids) {
+        std::size_t i = 0;
+        while (i < session.clients().getCount() && session.clients().get(i)->m_uuid != uuid) ++i;
+        if (i == session.clients().getCount())
+            throw Error("no client has the UUID " + quoted(uuid) + "; \"kshmi clients FILE --json\" lists them");
+    }
+}
+
+/// The host drops what it does not need; what is gone afterwards is told.
+void removeUnused(Session& session, const Selector& selector, ChangeReport& report) {
+    std::vector<std::pair<std::string, std::string>> before;
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i)
+        before.emplace_back(session.clients().get(i)->m_uuid, selector.describe(i));
+    ks_hmi::StreamingClients::validateAndRemoveUnused(session.clientSet());
+    std::set<std::string> kept;
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i) kept.insert(session.clients().get(i)->m_uuid);
+    for (const auto& [uuid, description] : before)
+        if (!kept.contains(uuid)) report.change("drop", "dropped", description);
+}
+
+void requireSomething(const UnobserveArguments& arguments) {
+    const Selection& selection = arguments.selection;
+    const bool isAnything = !selection.references.empty() || !selection.all.empty() || !arguments.types.empty() ||
+                            !arguments.uuids.empty() || arguments.isDangling;
+    if (arguments.isUnused && isAnything) throw Error("--unused asks the host about all clients; give it alone");
+    if (!isAnything && !arguments.isUnused)
+        throw Error("nothing to work on; name a REF, or give --type, --uuid, --all, --dangling or --unused");
+    if (!selection.except.empty() && selection.all.empty()) throw Error("--except narrows --all; give --all 'GLOB'");
+}
+
+}  // namespace
+
+int runUnobserve(const UnobserveArguments& arguments, const Output& output) {
+    requireSomething(arguments);
+    enterHost(output.err);
+    Session session(arguments.file);
+    requireUuids(session, arguments.uuids);
+    Selector selector(session, arguments);
+    ChangeReport report(output, arguments.isDryRun);
+    if (arguments.isUnused) {
+        removeUnused(session, selector, report);
+    } else {
+        Positions positions = selector.positions();
+        for (const std::size_t position : positions) report.change("remove", "removed", selector.describe(position));
+        removeClients(session, std::move(positions));
+    }
+    report.finish(session);
+    return kSuccess;
+}
+
+}  // namespace kshmi
