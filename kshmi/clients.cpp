@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <unordered_map>
-
 #include "kshmi/commands.h"
 #include "kshmi/host_process.h"
 #include "kshmi/json_object.h"
@@ -31,18 +29,12 @@ struct Answer {
 std::vector<Answer> answersOf(Session& session) {
     // Ports are known of signals that are bound.
     ks_hmi::InstrumentedSignals::applyRebindingRules(session.set(), true);
-    std::unordered_map<std::string, std::size_t> positions;
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i)
-        positions.emplace(session.clients().get(i)->m_uuid, i);
-
-    std::vector<StreamingClients::ClientPtr> aligned;
-    StreamingClients::getAlignedObservers(session.clientSet(), aligned);
     const std::u16string& model = session.model().name();
     const SignalUuids uuids(session);
     std::vector<Answer> answers;
-    for (const StreamingClients::ClientPtr& client : aligned) {
+    for (const StreamingClients::ClientPtr& client : alignedClients(session)) {
         Answer answer;
-        answer.position = positions.at(client->m_uuid);
+        answer.position = answers.size();
         answer.client = client;
         client->getAlignedBlockPath(model, answer.path, answer.subPath);
         answer.port = client->getAlignedPortIndex(model);

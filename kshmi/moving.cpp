@@ -1,8 +1,8 @@
 #include "kshmi/moving.h"
 
-#include <unordered_map>
 #include <vector>
 
+#include "kshmi/observing.h"
 #include "kshmi/signal_source.h"
 
 namespace kshmi {
@@ -39,15 +39,8 @@ void followByPath(const Session& session, const std::u16string& oldPath, const s
 }
 
 void alignClients(const Session& session) {
-    std::vector<ks_hmi::StreamingClients::ClientPtr> aligned;
-    ks_hmi::StreamingClients::getAlignedObservers(session.clientSet(), aligned);
-    std::unordered_map<std::string, const ks_hmi::SignalClient*> byUuid;
-    for (const auto& client : aligned) byUuid.emplace(client->m_uuid, client.get());
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
-        ks_hmi::SignalClient& client = *session.clients().get(i);
-        const auto found = byUuid.find(client.m_uuid);
-        if (found != byUuid.end()) client.m_modelPath = found->second->m_modelPath;
-    }
+    const auto aligned = alignedClients(session);
+    for (std::size_t i = 0; i < aligned.size(); ++i) session.clients().get(i)->m_modelPath = aligned[i]->m_modelPath;
 }
 
 }  // namespace

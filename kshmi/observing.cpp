@@ -64,6 +64,14 @@ void removeClients(Session& session, std::vector<std::size_t> positions) {
     for (const std::size_t position : positions) script::remove(session.clientSet(), position + 1);
 }
 
+std::vector<ks_hmi::StreamingClients::ClientPtr> alignedClients(const Session& session) {
+    std::vector<ks_hmi::StreamingClients::ClientPtr> aligned;
+    ks_hmi::StreamingClients::getAlignedObservers(session.clientSet(), aligned);
+    if (aligned.size() != session.clients().getCount())
+        throw Error(session.path() + ": the host cannot tell where the signals of all clients are; try again");
+    return aligned;
+}
+
 SignalUuids::SignalUuids(const Session& session) {
     m_positions.reserve(session.signals().getCount());
     for (std::size_t i = 0; i < session.signals().getCount(); ++i)

@@ -32,6 +32,10 @@ void addClient(Session& session, std::size_t signal, const ClientSettings& setti
 /// Removes the clients at the positions, in any order, duplicates allowed.
 void removeClients(Session& session, std::vector<std::size_t> positions);
 
+/// New clients with aligned model paths, in the set's order, as the host answers for all. Throws `Error` when it does
+/// not.
+std::vector<ks_hmi::StreamingClients::ClientPtr> alignedClients(const Session& session);
+
 /// Finds signals by UUID. Made anew after the signals have changed.
 class SignalUuids {
 public:

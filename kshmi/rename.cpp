@@ -73,6 +73,8 @@ int runRename(const RenameArguments& arguments, const Output& output) {
     std::vector<std::u16string> names;
     for (const std::string& name : arguments.names) names.push_back(requireName(name));
     Session session(arguments.file);
+    // Nothing is validated in between, so the manager knows the model by this name throughout.
+    const std::u16string knownName = session.model().name();
     ChangeReport report(output, arguments.isDryRun);
     for (const std::u16string& name : names) {
         const std::u16string oldName = session.model().name();
@@ -85,7 +87,9 @@ int runRename(const RenameArguments& arguments, const Output& output) {
         report.change("rename", "renamed", fmt::format("{} to {}", printable(oldName), printable(name)));
         tellClients(before, namesOf(session), report);
         for (const std::string& line : received) report.note("  the interface manager received " + line);
-        if (received.empty()) report.note("  the interface manager knows the model by this name");
+        if (received.empty())
+            report.note(name == knownName ? "  the interface manager knows the model by this name"
+                                          : "  the interface manager was not told");
     }
     report.finish(session);
     return kSuccess;

@@ -43,8 +43,7 @@ void Tour::addClients() {
 void Tour::askClients() {
     title("Who watches what?");
     ks_hmi::InstrumentedSignals::applyRebindingRules(m_session->set(), true);
-    std::vector<StreamingClients::ClientPtr> aligned;
-    StreamingClients::getAlignedObservers(m_session->clientSet(), aligned);
+    const std::vector<StreamingClients::ClientPtr> aligned = alignedClients(*m_session);
     if (aligned.empty()) say("nobody watches anything");
     const std::u16string& model = m_session->model().name();
     for (const StreamingClients::ClientPtr& client : aligned) {
