@@ -59,32 +59,34 @@ void InstrumentedSignals::constructCWLookupStrUsingActivity(std::vector<std::str
     list.push_back(activity);
 }
 
-void InstrumentedSignals::addToObservedCWObjectCache(const SignalPtr& spec) {
+std::optional<InstrumentedSignals::ChartEntry> InstrumentedSignals::chartEntryOf(const SignalPtr& spec) const {
     plv_hmi_foundation::errors::requireRecord(spec);
-    const std::string activity = parameter(*spec, kActivity);
+    std::string activity = parameter(*spec, kActivity);
     const auto bit = m_cwActivityBitMask.find(activity);
-    if (bit == m_cwActivityBitMask.end()) return;
-    const std::string ssid = parameter(*spec, kSSID);
+    if (bit == m_cwActivityBitMask.end()) return std::nullopt;
+    std::string ssid = parameter(*spec, kSSID);
     std::vector<std::string> list;
     constructCWLookupStr(list, spec->m_eid, ssid);
+    const std::uint64_t objectKey = SignalSpecification::getInfoHashFromStringList(std::move(list));
+    return ChartEntry{std::move(ssid), std::move(activity), objectKey, bit->second};
+}
+
+void InstrumentedSignals::addToObservedCWObjectCache(const SignalPtr& spec) {
+    const auto entry = chartEntryOf(spec);
+    if (!entry) return;
     // The activity goes in before the bit is set: when it cannot, nothing has changed but an empty entry.
-    auto& activities = m_observedCWObjectCache[SignalSpecification::getInfoHashFromStringList(std::move(list))];
-    addToObservedCWActivity(spec->m_eid, ssid, activity);
-    activities.set(bit->second);
+    auto& activities = m_observedCWObjectCache[entry->objectKey];
+    addToObservedCWActivity(spec->m_eid, entry->ssid, entry->activity);
+    activities.set(entry->bit);
 }
 
 void InstrumentedSignals::removeFromObservedCWObject(const SignalPtr& spec) {
-    plv_hmi_foundation::errors::requireRecord(spec);
-    const std::string activity = parameter(*spec, kActivity);
-    const auto bit = m_cwActivityBitMask.find(activity);
-    if (bit == m_cwActivityBitMask.end()) return;
-    const std::string ssid = parameter(*spec, kSSID);
-    std::vector<std::string> list;
-    constructCWLookupStr(list, spec->m_eid, ssid);
+    const auto entry = chartEntryOf(spec);
+    if (!entry) return;
     // The object's entry stays on purpose, also when no bit is left.
-    auto& activities = m_observedCWObjectCache[SignalSpecification::getInfoHashFromStringList(std::move(list))];
-    removeObservedCWActivity(spec->m_eid, ssid, activity);
-    activities.reset(bit->second);
+    auto& activities = m_observedCWObjectCache[entry->objectKey];
+    removeObservedCWActivity(spec->m_eid, entry->ssid, entry->activity);
+    activities.reset(entry->bit);
 }
 
 void InstrumentedSignals::addToObservedCWActivity(const std::string& eid, const std::string& ssid,

@@ -6,6 +6,7 @@
 #include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -193,7 +194,17 @@ private:
         SourceKeyIndex<HandleKey, HandleKeyHash> byHandle;
     };
 
+    /// Where a chart signal stands in the chart index.
+    struct ChartEntry {
+        std::string ssid;
+        std::string activity;
+        std::uint64_t objectKey;
+        std::size_t bit;
+    };
+
     void forgetKSPorts() noexcept;
+    /// Nothing for an unknown activity.
+    std::optional<ChartEntry> chartEntryOf(const SignalPtr& spec) const;
     std::uint64_t pathKey(const std::u16string& blockPath, const std::u16string& subPath, int outputPortIndex,
                           int logicalPortIndex) const;
     std::uint64_t pathKey(const SignalSpecification& spec) const;
