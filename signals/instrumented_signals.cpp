@@ -71,13 +71,17 @@ void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {
 void InstrumentedSignals::remove(std::size_t index) {
     errors::requirePosition(index, m_signals.size());
     const SignalPtr signal = m_signals[index];
+    leaveIndex(signal);
+    m_signals.erase(m_signals.begin() + offset(index));
+}
+
+void InstrumentedSignals::leaveIndex(const SignalPtr& signal) {
     if (isChartworkDomain(signal->m_domainType)) {
         removeFromObservedCWObject(signal);
     } else {
         removeFromObservedPortMap(signal);
         forgetKSPorts();
     }
-    m_signals.erase(m_signals.begin() + offset(index));
 }
 
 void InstrumentedSignals::remove(const SignalSpecification& spec) {

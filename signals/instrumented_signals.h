@@ -180,8 +180,8 @@ public:
     /// unresolved signal, an empty identifier every signal without one. A signal that was never resolved has a
     /// cached port afterwards, and so counts as resolved to its old handle (0.0). Logical ports keep their numbers,
     /// and a signal with one is still found under it. The index is rebuilt when anything changed.
-    /// A failure leaves list, numbers and port index as they were; chart activities of deleted signals may be gone
-    /// then until `updateObservedPortMap`.
+    /// When memory runs out, signals already removed stay removed, numbers already changed stay changed, and
+    /// `updateObservedPortMap` is due.
     void renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& eid,
                        std::vector<int> newNumbers);
 
@@ -203,6 +203,10 @@ private:
     };
 
     void forgetKSPorts() noexcept;
+    /// Takes a listed signal out of the index that a removal by position clears.
+    void leaveIndex(const SignalPtr& signal);
+    /// Removes those ascending positions, from the last to the first.
+    void removeAll(const std::vector<std::size_t>& positions);
     /// Nothing for an unknown activity.
     std::optional<ChartEntry> chartEntryOf(const SignalPtr& spec) const;
     std::uint64_t pathKey(const std::u16string& blockPath, const std::u16string& subPath, int outputPortIndex,

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include "foundation/model_path.h"
 #include "foundation/rollback.h"
 #include "signals/instrumented_signals.h"
@@ -5,23 +7,6 @@
 namespace ks_hmi {
 
 using namespace ks_hmi_foundation;
-
-namespace {
-
-/// A record listed twice is renumbered once: both entries set the same number.
-struct Renumbering {
-    InstrumentedSignals::SignalPtr signal;
-    int newNumber;
-    int oldNumber;
-    int oldCachedPort;
-
-    void undo() const noexcept {
-        signal->m_outputPortIndex = oldNumber;
-        signal->m_cachedPortIdx = oldCachedPort;
-    }
-};
-
-}  // namespace
 
 void InstrumentedSignals::renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& eid,
                                         std::vector<int> newNumbers) {
@@ -31,32 +16,35 @@ void InstrumentedSignals::renumberPorts(double blockHandle, const std::u16string
         return signal.m_cachedBlockHandle == blockHandle || signal.m_blockPath == path || signal.m_eid == shortEid;
     };
 
-    std::vector<SignalPtr> remaining;
-    std::vector<SignalPtr> deleted;
-    std::vector<Renumbering> moved;
-    for (const SignalPtr& signal : m_signals) {
-        const int port = signal->m_outputPortIndex;
+    std::vector<std::size_t> deleted;
+    std::vector<std::pair<SignalPtr, int>> moved;
+    for (std::size_t i = 0; i < m_signals.size(); ++i) {
+        const SignalPtr& signal = m_signals[i];
         // Ports below 1 wrap round to positions beyond every list.
-        const auto entry = static_cast<std::size_t>(port) - 1;
-        const int newNumber = belongsToBlock(*signal) && entry < newNumbers.size() ? newNumbers[entry] : port;
-        (newNumber == 0 && port != 0 ? deleted : remaining).push_back(signal);
-        if (newNumber != 0 && newNumber != port) moved.push_back({signal, newNumber, port, signal->m_cachedPortIdx});
+        const auto entry = static_cast<std::size_t>(signal->m_outputPortIndex) - 1;
+        if (!belongsToBlock(*signal) || entry >= newNumbers.size()) continue;
+        if (newNumbers[entry] == 0) {
+            deleted.push_back(i);
+        } else if (newNumbers[entry] != signal->m_outputPortIndex) {
+            moved.emplace_back(signal, newNumbers[entry]);
+        }
     }
     if (deleted.empty() && moved.empty()) return;
 
-    // The index is rebuilt below, so only the chart index needs to be told of each deleted signal.
-    for (auto signal = deleted.rbegin(); signal != deleted.rend(); ++signal) {
-        if (isChartworkDomain((*signal)->m_domainType)) removeFromObservedCWObject(*signal);
-    }
-    for (const Renumbering& move : moved) move.signal->renumberPortIndex(move.newNumber);
-    m_signals.swap(remaining);
-    Rollback renumbered([&]() noexcept {
-        m_signals.swap(remaining);
-        for (const Renumbering& move : moved) move.undo();
-    });
-    updateObservedPortMap();
-    renumbered.commit();
+    // A record that is listed twice is renumbered once: its new number was looked up before any changed.
+    for (const auto& [signal, newNumber] : moved) signal->renumberPortIndex(newNumber);
+    removeAll(deleted);
     forgetKSPorts();
+    updateObservedPortMap();
+}
+
+void InstrumentedSignals::removeAll(const std::vector<std::size_t>& positions) {
+    // The list closes up once, also when a signal cannot leave its index: those removed before it stay removed.
+    const Rollback closedUp([&]() noexcept { std::erase(m_signals, nullptr); });
+    for (auto position = positions.rbegin(); position != positions.rend(); ++position) {
+        leaveIndex(m_signals[*position]);
+        m_signals[*position].reset();
+    }
 }
 
 }  // namespace ks_hmi
