@@ -100,8 +100,10 @@ void JsonFile::read(JsonSink& sink) {
     json::parse_options options;
     options.max_depth = kMaxDepth;
     json::basic_parser<Handler> parser(options, sink);
-    std::array<char, kChunkSize> chunk;
-    while (const std::size_t size = std::fread(chunk.data(), 1, chunk.size(), m_file.get())) {
+    // The parser tells "more is needed" by a pointer to itself, which must not be the end of a chunk that happens to
+    // lie in front of it: one byte is never filled.
+    std::array<char, kChunkSize + 1> chunk;
+    while (const std::size_t size = std::fread(chunk.data(), 1, kChunkSize, m_file.get())) {
         // Piece by piece, so that the line is known while the sink works on what is in it.
         for (std::string_view rest(chunk.data(), size); !rest.empty();) {
             const std::size_t end = rest.find('\n');

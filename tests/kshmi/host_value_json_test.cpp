@@ -89,6 +89,12 @@ TEST_F(HostValueJson, everyBitOfADoubleSurvives) {
     }
 }
 
+TEST_F(HostValueJson, aPieceOfTheFileMayEndAnywhere) {
+    const std::string value = R"([{"a": "x"}, {}, [], -1.5, true])";
+    for (std::size_t end = 0; end <= value.size(); ++end)
+        EXPECT_EQ(written(parse(std::string((std::size_t{1} << 16U) - end, ' ') + value).get()), value) << end;
+}
+
 TEST_F(HostValueJson, formsThatNoValueHasAreRefused) {
     const std::vector<std::pair<std::string, std::string>> refusals{
         {"1e999", "out of range"},
