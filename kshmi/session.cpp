@@ -8,6 +8,7 @@
 #include "foundation/model_path.h"
 #include "host/messages.h"
 #include "kshmi/error.h"
+#include "kshmi/record_alignment.h"
 #include "kshmi/script.h"
 #include "kshmi/text.h"
 
@@ -55,11 +56,13 @@ void Session::read(Opening opening) {
     ModelFile file = readModelFile(m_path);
     m_loaded = &kestrel::loadedModels().load(std::move(file.model));
     makeSets();
+    // Before the index is built: an old path may be another block's now.
+    alignRecords(file.signals.get(), model());
     give(set(), file.signals.get(), RecordKind::signal, file.signalLines);
     give(clientSet(), file.clients.get(), RecordKind::client, file.clientLines);
     check(file.signalLines, opening);
     checkClients(file.clientLines);
-    rebindMoved();
+    bindRenumbered();
 }
 
 void Session::makeSets() {
@@ -103,13 +106,14 @@ void Session::check(const std::vector<RecordLines>& lines, Opening opening) {
     }
 }
 
-// Signals find a moved block by its element identifier; their ports answer by handle once they are bound anew.
-void Session::rebindMoved() {
+// A path finds a port by its logical number, which blocks do not tell; once bound, ports answer by handle.
+void Session::bindRenumbered() {
     for (std::size_t i = 0; i < signals().getCount(); ++i) {
         const ks_hmi::SignalSpecification& signal = *signals().get(i);
-        const kestrel::Block* const block = blockOf(model(), signal);
-        if (!block || block->path == signal.m_blockPath || isChartSignal(signal)) continue;
-        return ks_hmi::InstrumentedSignals::applyRebindingRules(set(), true);
+        const bool isRenumbered =
+            signal.m_logicalPortIndex >= 1 && signal.m_logicalPortIndex != signal.m_outputPortIndex;
+        if (isRenumbered && !isChartSignal(signal))
+            return ks_hmi::InstrumentedSignals::applyRebindingRules(set(), true);
     }
 }
 

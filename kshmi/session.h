@@ -61,7 +61,7 @@ private:
     void give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const;
     void checkClients(const std::vector<RecordLines>& lines) const;
     void check(const std::vector<RecordLines>& lines, Opening opening);
-    void rebindMoved();
+    void bindRenumbered();
     void requirePaths(const hvArray* saved) const;
 
     std::string m_path;

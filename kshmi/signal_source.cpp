@@ -43,14 +43,18 @@ const kestrel::Block* blockOf(const kestrel::Model& model, const ks_hmi::SignalS
     return signal.m_eid.empty() ? model.findByPath(signal.m_blockPath) : model.findByEid(signal.m_eid);
 }
 
-std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal) {
-    const std::string text = toUtf8(signal.getValueForDomainParams(u"SSID"));
+std::optional<std::uint32_t> ssidOf(std::u16string_view text) {
+    const std::string digits = toUtf8(text);
     std::uint32_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, code] = std::from_chars(text.data(), end, number);
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, code] = std::from_chars(digits.data(), end, number);
     // The library compares the texts, so only the plain digits name the item.
-    if (code != std::errc() || stop != end || text != std::to_string(number)) return std::nullopt;
+    if (code != std::errc() || stop != end || digits != std::to_string(number)) return std::nullopt;
     return number;
+}
+
+std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal) {
+    return ssidOf(signal.getValueForDomainParams(u"SSID"));
 }
 
 bool isActivity(std::u16string_view name) {

@@ -37,7 +37,9 @@ std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t 
 bool isChartSignal(const ks_hmi::SignalSpecification& signal);
 /// The block that the signal is on, by element identifier, by path only when it has none; null when it is gone.
 const kestrel::Block* blockOf(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal);
-/// The "SSID" parameter as a number, nothing when it is none.
+/// The text of an "SSID" parameter as a number, nothing when it is none.
+std::optional<std::uint32_t> ssidOf(std::u16string_view text);
+/// The same for the signal's parameter.
 std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal);
 
 inline constexpr const char16_t* kActivities[] = {u"Self", u"Child", u"Leaf", u"Data"};

@@ -133,6 +133,29 @@ TEST_F(Commands, signalsFollowAMovedBlock) {
     EXPECT_FALSE(contains(read(), "\"BlockPath_\": \"A\""));
 }
 
+TEST_F(Commands, aBlockAtTheOldPathOfAMovedOneIsNotObserved) {
+    const std::string moved = replaced(kModel, "{\"path\": \"A\", \"eid\": \"1\"", "{\"path\": \"Z\", \"eid\": \"1\"");
+    write(replaced(moved, "{\"path\": \"A/B:1\"", "{\"path\": \"A\""));
+    EXPECT_EQ(query({"Z"}), 0);
+    EXPECT_EQ(query({"A"}), 1);
+    EXPECT_TRUE(contains(run({"mark", path(), "A"}).out, "marked m/A:1 (y) as signal 3"));
+    EXPECT_EQ(run({"unmark", path(), "Z"}).code, 0);
+    EXPECT_EQ(query({"A"}), 0);
+}
+
+TEST_F(Commands, portsWithAnotherLogicalNumberAreObserved) {
+    write(replaced(kModel, "\"LogicalPortIndex_\": 0", "\"LogicalPortIndex_\": 2"));
+    EXPECT_EQ(query({"A"}), 0);
+    EXPECT_EQ(query({"A:2"}), 1);
+}
+
+TEST_F(Commands, signalsTakeTheNewNameOfARenamedState) {
+    write(replaced(kModel, "\"path\": \"On/Fast\"", "\"path\": \"On/Faster\""));
+    EXPECT_TRUE(contains(run({"show", path()}).out, "Logic/On/Faster "));
+    EXPECT_EQ(run({"mark", path(), "A:2"}).code, 0);
+    EXPECT_TRUE(contains(read(), "\"SubPath_\": \"On/Faster\""));
+}
+
 TEST_F(Commands, showListsSignalsAndBlocks) {
     const testing::Finished shown = run({"show", path()});
     EXPECT_TRUE(contains(shown.out, "1  A                 1  y          speed \"ü\"  port"));
