@@ -1,5 +1,7 @@
 #include "kshmi/record_table.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -20,7 +22,9 @@ struct FieldKind {
     bool (*holds)(const hvArray* value);
 };
 
-bool isText(const hvArray* value) { return hvGetClassID(value) == hvCHAR_CLASS; }
+bool isText(const hvArray* value) {
+    return hvGetClassID(value) == hvCHAR_CLASS && hvGetNumberOfDimensions(value) == 2 && hvGetDimensions(value)[0] == 1;
+}
 
 bool isTextWithoutNul(const hvArray* value) {
     return isText(value) && matrix::get_ustring(value).find(u'\0') == std::u16string::npos;
@@ -46,32 +50,55 @@ bool isNumber(const hvArray* value) {
     return isNumeric && hvGetNumberOfElements(value) == 1;
 }
 
-bool isCount(const hvArray* value) {
+bool isWholeWithin(const hvArray* value, double least, double most) {
     if (!isNumber(value)) return false;
     const double number = hvGetScalar(value);
-    return number >= 0.0 && number <= std::numeric_limits<std::uint32_t>::max() && number == std::floor(number);
+    return number >= least && number <= most && number == std::floor(number);
+}
+
+bool isCount(const hvArray* value) { return isWholeWithin(value, 0.0, std::numeric_limits<std::uint32_t>::max()); }
+
+template <int kLeast>
+bool isWhole(const hvArray* value) {
+    return isWholeWithin(value, kLeast, std::numeric_limits<std::int32_t>::max());
 }
 
 bool isTruth(const hvArray* value) {
-    return isNumber(value) || (hvGetClassID(value) == hvLOGICAL_CLASS && hvGetNumberOfElements(value) == 1);
+    const bool isLogical = hvGetClassID(value) == hvLOGICAL_CLASS && hvGetNumberOfElements(value) == 1;
+    return isLogical || isWholeWithin(value, 0.0, 1.0);
+}
+
+/// For messages: a single number itself, of other values class and size.
+std::string describe(const hvArray* value) {
+    return isNumber(value) ? fmt::format("the number {}", hvGetScalar(value)) : orvex::describeValue(value);
 }
 
 constexpr FieldKind kAny{"a value", [](const hvArray*) { return true; }};
-constexpr FieldKind kText{"a text", isText};
+constexpr FieldKind kText{"a text in one row", isText};
 constexpr FieldKind kTextWithoutNul{"a text without NUL characters", isTextWithoutNul};
 constexpr FieldKind kListOfTexts{"an array of texts", isListOfTexts};
 constexpr FieldKind kStructOfTexts{"an object of texts", isStructOfTexts};
 constexpr FieldKind kCount{"a whole number from 0 to 4294967295", isCount};
-constexpr FieldKind kTruth{"true or false", isTruth};
+constexpr FieldKind kWhole{"a whole number from -2147483648 to 2147483647",
+                           isWhole<std::numeric_limits<std::int32_t>::min()>};
+constexpr FieldKind kFromOne{"a whole number from 1 to 2147483647", isWhole<1>};
+constexpr FieldKind kTruth{"true or false, or 1 or 0,", isTruth};
 
 const FieldKind& kindOf(std::string_view field) {
-    static constexpr std::array<std::pair<std::string_view, const FieldKind*>, 18> kKinds{{
+    static constexpr std::array<std::pair<std::string_view, const FieldKind*>, 25> kKinds{{
         {"UUID", &kText},
         {"BlockPath_", &kText},
         {"EID_", &kText},
         {"SubPath_", &kText},
+        {"OutputPortIndex_", &kWhole},
+        {"LogicalPortIndex_", &kWhole},
         {"SignalName_", &kText},
         {"SubSysPath_", &kText},
+        {"Decimation_", &kFromOne},
+        {"MaxPoints_", &kWhole},
+        {"TargetBufferedStreaming_", &kTruth},
+        {"IsFrameBased_", &kTruth},
+        {"HideInPLV_", &kTruth},
         {"DomainType_", &kText},
         {"DomainParams_", &kStructOfTexts},
         {"VisualType_", &kText},
@@ -124,8 +151,7 @@ void RecordTable::begin() {
 void RecordTable::setField(std::size_t field, HvArrayPtr value, const std::string& pointer) {
     const FieldKind& kind = kindOf(fieldsOf(m_kind)[field]);
     if (value && !kind.holds(value.get()))
-        m_file.fail(pointer,
-                    orvex::describeValue(value.get()) + " stands where " + kind.description + " belongs; correct it");
+        m_file.fail(pointer, describe(value.get()) + " stands where " + kind.description + " belongs; correct it");
     m_rows.back().at(field) = std::move(value);
 }
 

@@ -142,8 +142,9 @@ const Block& resolveBlock(const kestrel::Model& model, std::string_view path) {
 std::u16string activityFor(const ChartItem& item, const ReferenceOptions& options) {
     if (options.activity.empty()) return defaultActivity(item);
     std::u16string activity = toUtf16(options.activity);
-    if (!isActivity(activity))
-        throw Error("the activity " + quoted(activity) + " is unknown; use Self, Child, Leaf or Data");
+    if (!hasActivity(item, activity))
+        throw Error("the activity " + quoted(activity) +
+                    " is none of the chart item's; use one of: " + activityList(item));
     return activity;
 }
 

@@ -27,7 +27,7 @@ std::u16string withoutModel(const kestrel::Model& model, std::string_view path);
 /// The block at that path. Throws `Error` when there is none.
 const kestrel::Block& resolveBlock(const kestrel::Model& model, std::string_view path);
 
-/// The activity to use for a chart item. Throws `Error` for one that charts do not have.
+/// The activity to use for a chart item. Throws `Error` for one that it cannot have.
 std::u16string activityFor(const ChartItem& item, const ReferenceOptions& options);
 
 }  // namespace kshmi

@@ -18,6 +18,9 @@ SignalFault dangling(const char* field, std::string text) { return {0, field, st
 SignalFault wrong(const char* field, std::string text) { return {0, field, std::move(text), false}; }
 
 std::optional<SignalFault> portFault(const SignalSpecification& signal, const kestrel::Block& block) {
+    if (!signal.m_subPath.empty())
+        return wrong("SubPath_",
+                     "the sub-path " + quoted(signal.m_subPath) + " is for chart items, and this is a port");
     const auto port = static_cast<std::size_t>(signal.m_outputPortIndex);
     if (signal.m_outputPortIndex >= 1 && port <= block.outputs.size()) return std::nullopt;
     return dangling("OutputPortIndex_", "the block " + quoted(block.path) + " has no output port " +
@@ -35,11 +38,15 @@ std::optional<SignalFault> chartFault(const SignalSpecification& signal, const k
                                              toUtf8(signal.getValueForDomainParams(u"SSID")) + " for the domain " +
                                              quoted(signal.m_domainType));
     const std::u16string activity = signal.getValueForDomainParams(u"Activity");
-    if (isActivity(activity)) return std::nullopt;
-    return wrong("DomainParams_", "the activity " + quoted(activity) + " is none of Self, Child, Leaf, Data");
+    if (hasActivity(*item, activity)) return std::nullopt;
+    return wrong("DomainParams_",
+                 "the activity " + quoted(activity) + " is none of the item's: " + activityList(*item));
 }
 
 std::optional<SignalFault> sourceFault(const SignalSpecification& signal, const kestrel::Model& model) {
+    if (!signal.m_domainType.empty() && !isChartSignal(signal))
+        return wrong("DomainType_", "the domain " + quoted(signal.m_domainType) +
+                                        " is none of cw_chart, cw_state, cw_data, and empty for a port");
     const kestrel::Block* const block = blockOf(model, signal);
     if (block) return isChartSignal(signal) ? chartFault(signal, *block) : portFault(signal, *block);
     const std::string path = "(path " + quoted(signal.m_blockPath) + ")";

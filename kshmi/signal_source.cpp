@@ -57,8 +57,16 @@ std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal) {
     return ssidOf(signal.getValueForDomainParams(u"SSID"));
 }
 
-bool isActivity(std::u16string_view name) {
-    return std::find(std::begin(kActivities), std::end(kActivities), name) != std::end(kActivities);
+bool hasActivity(const ChartItem& item, std::u16string_view activity) {
+    const bool isKnown = std::find(std::begin(kActivities), std::end(kActivities), activity) != std::end(kActivities);
+    return isKnown && (activity == u"Data") == (item.domainType == u"cw_data");
+}
+
+std::string activityList(const ChartItem& item) {
+    std::string list;
+    for (const char16_t* const activity : kActivities)
+        if (hasActivity(item, activity)) list += (list.empty() ? "" : ", ") + toUtf8(activity);
+    return list;
 }
 
 std::u16string defaultActivity(const ChartItem& item) { return item.domainType == u"cw_data" ? u"Data" : u"Self"; }

@@ -43,7 +43,10 @@ std::optional<std::uint32_t> ssidOf(std::u16string_view text);
 std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal);
 
 inline constexpr const char16_t* kActivities[] = {u"Self", u"Child", u"Leaf", u"Data"};
-bool isActivity(std::u16string_view name);
+/// Whether the activity is one that such an item can have: data have "Data", charts and states the others.
+bool hasActivity(const ChartItem& item, std::u16string_view activity);
+/// The activities of such an item, for messages: "Self, Child, Leaf".
+std::string activityList(const ChartItem& item);
 /// What is observed of an item when nothing is said: "Data" for data, else "Self".
 std::u16string defaultActivity(const ChartItem& item);
 

@@ -60,6 +60,8 @@ TEST_F(Commands, queryTellsByItsExitCode) {
     EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Leaf"}), 1);
     EXPECT_EQ(query({"Logic", "--ssid", "4"}), 0);
     EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Idle"}), 2);
+    EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Data"}), 2);
+    EXPECT_EQ(query({"Logic/limit", "--activity", "Child"}), 2);
     EXPECT_EQ(query({"A", "--activity", "Self"}), 2);
     EXPECT_EQ(query({}), 2);
     EXPECT_EQ(run({"query", path(), "A", "--json"}).out, "[\n  {\"source\": \"m/A:1\", \"observed\": true}\n]\n");
