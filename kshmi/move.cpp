@@ -60,7 +60,6 @@ int runMove(const MoveArguments& arguments, const Output& output) {
     Session session(arguments.file);
     const std::u16string path = resolveBlock(session.model(), arguments.block).path;
     const std::u16string newPath = requirePath(session.model(), arguments.newPath);
-    alignSignals(session);
     const Paths before = pathsOf(session);
     ChangeReport report(output, arguments.isDryRun);
     try {

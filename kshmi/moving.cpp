@@ -45,8 +45,6 @@ void alignClients(const Session& session) {
 
 }  // namespace
 
-void alignSignals(Session& session) { follow(session, blocksOfSignals(session)); }
-
 void moveBlocks(Session& session, const std::u16string& path, const std::u16string& newPath) {
     const std::vector<const Block*> blocks = blocksOfSignals(session);
     session.model().move(path, newPath);

@@ -7,9 +7,6 @@
 /// Letting a model's records follow its blocks.
 namespace kshmi {
 
-/// Gives all signals the paths that their blocks have now, and rebuilds the index.
-void alignSignals(Session& session);
-
 /// Moves the block at `path` and all below it. Signals follow, their subsystem paths too; so do clients whose model
 /// path leads there, by identifier or, without one, by path. Throws `kestrel::ModelError` for a move that cannot be,
 /// and `Error` when the host cannot align the clients; the session is not to be saved then.

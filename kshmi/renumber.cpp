@@ -8,7 +8,6 @@
 #include "kshmi/commands.h"
 #include "kshmi/error.h"
 #include "kshmi/host_process.h"
-#include "kshmi/moving.h"
 #include "kshmi/observing.h"
 #include "kshmi/text.h"
 
@@ -108,8 +107,7 @@ int runRenumber(const RenumberArguments& arguments, const Output& output) {
     const kestrel::Model& model = session.model();
     const Block& block = resolveBlock(model, arguments.block);
     std::vector<std::u16string> outputs = renumbered(block, numbers);
-    // Signals are found by handle, path and identifier alike: all must be those of this very load.
-    alignSignals(session);
+    // What is bound answers by handle under its new number, whatever its logical number is.
     ks_hmi::InstrumentedSignals::applyRebindingRules(session.set(), true);
 
     ChangeReport report(output, arguments.isDryRun);
