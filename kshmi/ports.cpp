@@ -19,7 +19,7 @@ using Source = ks_hmi::InstrumentedSignals::Source;
 
 /// The full path to list below, empty for all.
 std::u16string requireBelow(const kestrel::Model& model, const std::string& text) {
-    const std::u16string path = withoutModel(model, text);
+    std::u16string path = withoutModel(model, text);
     if (path.empty() || path == model.name()) return path;
     const bool isThere = std::any_of(model.blocks().begin(), model.blocks().end(),
                                      [&](const kestrel::Block& block) { return isAtOrBelow(block.path, path); });

@@ -53,6 +53,7 @@ std::vector<std::u16string> renumbered(const Block& block, const std::vector<int
         names[number - 1] = &block.outputs[i];
     }
     std::vector<std::u16string> outputs;
+    outputs.reserve(names.size());
     for (const std::u16string* const name : names) outputs.push_back(*name);
     return outputs;
 }
