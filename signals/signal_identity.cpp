@@ -65,8 +65,10 @@ std::string SignalSpecification::getUUIDFromBlockHandle(const int& port, const d
     if (!useMap) return mintUUID();
     std::string key = portKey(port, handle);
     if (const auto found = m_blockUUIDmap.find(key); found != m_blockUUIDmap.end()) return found->second;
+    // Copied while it is entered, so that nothing can fail once the map has it.
     std::string uuid = mintUUID();
-    return m_blockUUIDmap.emplace(std::move(key), std::move(uuid)).first->second;
+    m_blockUUIDmap.emplace(std::move(key), uuid);
+    return uuid;
 }
 
 std::unique_ptr<SignalSpecification> SignalSpecification::createSigSpecFromPort(const std::u16string& blockPath,

@@ -2,7 +2,7 @@
 
 #include "observers/hmi_engine_utils.h"
 #include "observers/model_observers.h"
-#include "tests/support/failure_sweep.h"
+#include "tests/support/host_test.h"
 
 using namespace ks_test;
 using ks_hmi::ModelObservers;
@@ -33,21 +33,6 @@ protected:
     }
     std::string errorOf(const char* method, std::initializer_list<const hvArray*> inputs) {
         return raisedBy([&] { call(method, inputs, 0); });
-    }
-
-    static void aligned(SignalClient& observer) {
-        std::vector<std::u16string> path;
-        std::u16string subPath;
-        observer.getAlignedBlockPath(u"m1", path, subPath);
-    }
-    void alignedObservers() const {
-        std::vector<StreamingClients::ClientPtr> out;
-        StreamingClients::getAlignedObservers(clientsObject(), out);
-    }
-    static void split(const hvArray* bundle) {
-        HvArrayPtr signals;
-        HvArrayPtr clientsOut;
-        ModelObservers(bundle).getSignalsAndClients(signals, clientsOut);
     }
 
 private:
@@ -254,58 +239,11 @@ TEST_F(StreamingClientsTest, parameterNoticesAreSentAndNeverHeardOfWhenTheyFail)
     ASSERT_EQ(kestrel::recordedEvents().size(), 2U);
     EXPECT_EQ(kestrel::recordedEvents()[0].event, u"block_param_change");
     EXPECT_EQ(kestrel::recordedEvents()[0].path, u"m1/Gain");
-    sweepHostFailures(
-        "notice", [] { ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain"); },
-        [](const std::string& where) {
-            EXPECT_TRUE(orvex::warnings().empty()) << where;
-            EXPECT_EQ(orvex::liveCounts().diagnostics, 0U) << where;
-        });
     orvex::undefineFunction("Kestrel.HMI.kshmi");
     ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain");
     EXPECT_TRUE(orvex::warnings().empty());
     orvex::defineFunction(
         "Kestrel.HMI.kshmi", [](orvex::Call&) {}, 0);
-}
-
-TEST_F(StreamingClientsTest, hostFailuresLeaveTheSetIntact) {
-    set().add(port(u"Gain", 1, "1"));
-    kestrel::loadedModels().find(u"m1")->setSignals(HvArrayPtr(hvCreateSharedDataCopy(object())));
-    clients().setModelName(u"m1");
-    clients().add(client("a", set().get(0)->m_uuid));
-    clients().get(0)->m_observerParams = number(3);
-    const auto bundle = ModelObservers::createFromSignalsAndClients(object(), clientsObject());
-    const auto clientObject = clients().get(0)->getHOSObject(u"m1");
-    const auto saved = clients().getPersistenceData();
-    const auto one = number(1);
-    struct Row {
-        const char* name;
-        std::function<void()> operation;
-    };
-    const Row rows[] = {
-        {"signal of a client", [&] { clients().get(0)->clone()->getDecimation(u"m1"); }},
-        {"aligned path", [&] { aligned(*clients().get(0)->clone()); }},
-        {"isEqual", [&] { clients().isEqual(&clients()); }},
-        {"read an object", [&] { SignalClient(clientObject.get(), 0, u"m1"); }},
-        {"read an element", [&] { SignalClient(saved.get(), 0, u""); }},
-        {"getPersistenceData", [&] { clients().getPersistenceData(); }},
-        {"copy", [&] { clients().copy(); }},
-        {"getAlignedObservers", [&] { alignedObservers(); }},
-        {"host get",
-         [&] {
-             call("get", {clientsObject(), one.get()});
-         }},
-        {"split", [&] { split(bundle.get()); }},
-        {"build", [&] { ModelObservers::createFromSignalsAndClients(object(), nullptr); }},
-        {"handleModelRename", [&] { StreamingClients::handleModelRename(clientsObject()); }},
-    };
-    clients().setModelName(u"m2");
-    const orvex::LedgerCounts before = orvex::liveCounts();
-    for (const Row& row : rows) {
-        sweepHostFailures(row.name, row.operation, [&](const std::string& where) {
-            ASSERT_EQ(uuids(), "a ") << where;
-            EXPECT_EQ(orvex::liveCounts(), before) << where << "\n" << orvex::describeLive();
-        });
-    }
 }
 
 }  // namespace

@@ -1,0 +1,88 @@
+#include "tests/support/failing_allocations.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+struct Plan {
+    bool isArmed;
+    bool andEverythingAfter;
+    std::size_t failAt, counted, fired;
+};
+constinit thread_local Plan t_plan{};
+
+}  // namespace
+
+namespace ks_test {
+
+FailingAllocations::FailingAllocations(std::size_t failAt, bool andEverythingAfter) noexcept {
+    t_plan = {true, andEverythingAfter, failAt, 0, 0};
+}
+FailingAllocations::~FailingAllocations() { t_plan.isArmed = false; }
+std::size_t FailingAllocations::fired() const noexcept { return t_plan.fired; }
+std::size_t FailingAllocations::counted() const noexcept { return t_plan.counted; }
+
+}  // namespace ks_test
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KS_HMI_OWN_ALLOCATOR 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define KS_HMI_OWN_ALLOCATOR 0
+#endif
+#endif
+#ifndef KS_HMI_OWN_ALLOCATOR
+#define KS_HMI_OWN_ALLOCATOR 1
+#endif
+
+bool ks_test::FailingAllocations::arePossible() noexcept { return KS_HMI_OWN_ALLOCATOR != 0; }
+
+#if KS_HMI_OWN_ALLOCATOR
+
+// The program's own operators take the place of the standard library's in every library that it loads.
+
+namespace {
+
+bool isToFail() noexcept {
+    if (!t_plan.isArmed) return false;
+    ++t_plan.counted;
+    if (t_plan.counted < t_plan.failAt) return false;
+    if (t_plan.counted > t_plan.failAt && !t_plan.andEverythingAfter) return false;
+    ++t_plan.fired;
+    return true;
+}
+
+void* allocated(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
+    if (isToFail()) return nullptr;
+    if (alignment <= alignof(std::max_align_t)) return std::malloc(size == 0 ? 1 : size);
+    return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+}
+
+void* orThrow(void* storage) {
+    if (storage == nullptr) throw std::bad_alloc();
+    return storage;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return orThrow(allocated(size)); }
+void* operator new[](std::size_t size) { return orThrow(allocated(size)); }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return orThrow(allocated(size, static_cast<std::size_t>(alignment)));
+}
+void* operator new[](std::size_t size, std::align_val_t alignment) {
+    return orThrow(allocated(size, static_cast<std::size_t>(alignment)));
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocated(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocated(size); }
+void operator delete(void* storage) noexcept { std::free(storage); }
+void operator delete[](void* storage) noexcept { std::free(storage); }
+void operator delete(void* storage, std::size_t) noexcept { std::free(storage); }
+void operator delete[](void* storage, std::size_t) noexcept { std::free(storage); }
+void operator delete(void* storage, std::align_val_t) noexcept { std::free(storage); }
+void operator delete[](void* storage, std::align_val_t) noexcept { std::free(storage); }
+void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { std::free(storage); }
+void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept { std::free(storage); }
+
+#endif
