@@ -84,18 +84,19 @@ private:
     }
 
     void addChart(const Block& block, std::size_t depth) {
-        addItem(block, {u"cw_chart", u"", 0}, depth, "(chart)");
-        for (const auto& state : block.chart->states)
-            addItem(block, {u"cw_state", state.path, state.ssid}, depth, "(state) " + printable(state.path));
-        for (const auto& datum : block.chart->data)
-            addItem(block, {u"cw_data", datum.name, datum.ssid}, depth, "(data) " + printable(datum.name));
+        for (const ChartItem& item : chartItemsOf(block)) {
+            std::string observed;
+            for (const char16_t* const activity : kActivities)
+                if (m_session.isObserved(block, item, activity)) observed += " " + toUtf8(activity);
+            add(depth, nameOf(item), badge(m_session.isAnyObserved(block, item), m_output) + observed);
+        }
     }
 
-    void addItem(const Block& block, const ChartItem& item, std::size_t depth, const std::string& name) {
-        std::string observed;
-        for (const char16_t* const activity : kActivities)
-            if (m_session.isObserved(block, item, activity)) observed += " " + toUtf8(activity);
-        add(depth, name, badge(m_session.isAnyObserved(block, item), m_output) + observed);
+    /// With what "--ssid" takes.
+    static std::string nameOf(const ChartItem& item) {
+        if (item.ssid == 0) return "(chart)";
+        const char* const kind = item.domainType == u"cw_state" ? "(state) " : "(data) ";
+        return kind + printable(item.subPath) + " #" + std::to_string(item.ssid);
     }
 
     const Session& m_session;

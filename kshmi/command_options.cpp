@@ -1,6 +1,10 @@
 #include "kshmi/command_options.h"
 
+#include <cstdint>
+#include <limits>
+
 #include "kshmi/error.h"
+#include "kshmi/selecting.h"
 
 namespace kshmi {
 
@@ -8,7 +12,8 @@ namespace {
 
 constexpr const char* kReferenceHelp =
     "block/path:port (number or name, 1 if left out), chart/State, chart/datum, or a chart with --activity or --ssid; "
-    "the model's name may stand in front";
+    "the model's name may stand in front. Beside a block named \"a:1\", \"a:1\" is that block: call port 1 of \"a\" "
+    "\"a\" or by its name";
 
 }  // namespace
 
@@ -24,8 +29,11 @@ CLI::Option* addReferences(CLI::App& command, std::vector<std::string>& referenc
 }
 
 void addReferenceOptions(CLI::App& command, ReferenceOptions& options) {
-    command.add_option("--activity", options.activity, "activity of a chart item: Self, Child, Leaf or Data");
-    command.add_option("--ssid", options.ssid, "the chart item's identifier within its chart; 0 is the chart itself");
+    command
+        .add_option("--activity", options.activity, "activity of a chart item: Self, Child or Leaf; Data of a datum")
+        ->check(CLI::IsMember({"Self", "Child", "Leaf", "Data"}));
+    command.add_option("--ssid", options.ssid, "the chart item's identifier within its chart; 0 is the chart itself")
+        ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()));
 }
 
 void addPatterns(CLI::App& command, Selection& selection) {
@@ -40,7 +48,7 @@ void addPatterns(CLI::App& command, Selection& selection) {
 void requireSelection(const Selection& selection, bool isOtherwiseSelected) {
     const bool isAnything = !selection.references.empty() || !selection.all.empty() || isOtherwiseSelected;
     if (!isAnything) throw Error("nothing to work on; name a REF or give --all 'GLOB'");
-    if (!selection.except.empty() && selection.all.empty()) throw Error("--except narrows --all; give --all 'GLOB'");
+    requireApplicable(selection);
 }
 
 void addDryRun(CLI::App& command, bool& isDryRun) {

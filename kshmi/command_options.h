@@ -21,7 +21,7 @@ void addReferenceOptions(CLI::App& command, ReferenceOptions& options);
 /// "--all" and "--except".
 void addPatterns(CLI::App& command, Selection& selection);
 void addDryRun(CLI::App& command, bool& isDryRun);
-/// Throws `Error` when nothing is selected.
+/// Throws `Error` when nothing is selected, and for options that have nothing to apply to.
 void requireSelection(const Selection& selection, bool isOtherwiseSelected);
 
 /// The arguments of what an editor does besides marking.

@@ -3,8 +3,8 @@
 #include "kshmi/change_report.h"
 #include "kshmi/commands.h"
 #include "kshmi/error.h"
-#include "kshmi/glob.h"
 #include "kshmi/host_process.h"
+#include "kshmi/selecting.h"
 #include "kshmi/text.h"
 
 namespace kshmi {
@@ -16,18 +16,16 @@ struct Wanted {
     std::u16string activity;  ///< of a chart item
 };
 
-std::vector<Wanted> wantedOf(const kestrel::Model& model, const Selection& selection) {
+std::vector<Wanted> wantedOf(const kestrel::Model& model, const Selection& selection, const Output& output) {
+    if (!selection.all.empty() && !selection.options.activity.empty())
+        throw Error("--all marks ports, and --activity is for chart items; name those as REF");
     std::vector<Wanted> wanted;
     for (const std::string& reference : selection.references) {
         SignalSource source = resolveReference(model, reference, selection.options);
         std::u16string activity = source.item ? activityFor(*source.item, selection.options) : std::u16string();
         wanted.push_back({std::move(source), std::move(activity)});
     }
-    for (const std::string& pattern : selection.all)
-        if (matchingPorts(model, Globs({pattern}), Globs({})).empty())
-            throw Error("no port matches " + quoted(pattern) +
-                        R"(; patterns match full paths like "MODEL/block/path" or "MODEL/block/path:1")");
-    for (SignalSource& source : matchingPorts(model, Globs(selection.all), Globs(selection.except)))
+    for (SignalSource& source : selectMatching(model, selection, Selectable::ports, output))
         wanted.push_back({std::move(source), {}});
     return wanted;
 }
@@ -43,7 +41,7 @@ std::string describe(const kestrel::Model& model, const Wanted& wanted) {
 int runMark(const MarkArguments& arguments, const Output& output) {
     enterHost(output.err);
     Session session(arguments.file);
-    const std::vector<Wanted> wanted = wantedOf(session.model(), arguments.selection);
+    const std::vector<Wanted> wanted = wantedOf(session.model(), arguments.selection, output);
     ChangeReport report(output, arguments.isDryRun);
     for (const Wanted& one : wanted) {
         const std::string what = describe(session.model(), one);

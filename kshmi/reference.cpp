@@ -38,6 +38,12 @@ std::string portList(const Block& block) {
     return list;
 }
 
+std::string identifiers(const std::vector<ChartItem>& items) {
+    std::string list;
+    for (const ChartItem& item : items) list += (list.empty() ? "" : " or ") + std::to_string(item.ssid);
+    return list;
+}
+
 /// Looks one spelling of a reference up.
 class Lookup {
 public:
@@ -79,14 +85,17 @@ private:
 
     std::optional<SignalSource> item(const Block& block, std::u16string_view text) {
         if (!block.chart) return std::nullopt;
-        std::vector<ChartItem> found;
-        for (const auto& state : block.chart->states)
-            if (state.path == text) found.push_back({u"cw_state", state.path, state.ssid});
-        for (const auto& datum : block.chart->data)
-            if (datum.name == text) found.push_back({u"cw_data", datum.name, datum.ssid});
+        std::vector<ChartItem> found = chartItemsOf(block);
+        std::erase_if(found, [&](const ChartItem& one) { return one.ssid == 0 || one.subPath != text; });
+        const std::string list = identifiers(found);
+        const bool isAnyNamed = !found.empty();
+        if (m_options.ssid) std::erase_if(found, [&](const ChartItem& one) { return one.ssid != *m_options.ssid; });
+        if (isAnyNamed && found.empty())
+            return miss(fmt::format("the SSID of {} in the chart {} is {}, not {}", quoted(text), quoted(block.path),
+                                    list, *m_options.ssid));
         if (found.size() > 1)
             return miss("the chart " + quoted(block.path) + " has a state and a datum named " + quoted(text) +
-                        "; name the chart and give --ssid");
+                        "; give --ssid: " + list);
         if (!found.empty()) return SignalSource{&block, 0, std::move(found.front())};
         return miss("the chart " + quoted(block.path) + " has no state or datum " + quoted(text));
     }

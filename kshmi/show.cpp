@@ -120,16 +120,13 @@ std::string portsJson(const Session& session, const kestrel::Block& block) {
 
 std::string itemsJson(const Session& session, const kestrel::Block& block) {
     std::string out = "[";
-    const auto add = [&](const ChartItem& item) {
+    for (const ChartItem& item : chartItemsOf(block)) {
         if (out.size() > 1) out += ", ";
         JsonObject object(out);
         object.text("domain", item.domainType).text("subPath", item.subPath);
         object.plain("ssid", std::to_string(item.ssid));
         object.truth("observed", session.isAnyObserved(block, item)).close();
-    };
-    add({u"cw_chart", u"", 0});
-    for (const auto& state : block.chart->states) add({u"cw_state", state.path, state.ssid});
-    for (const auto& datum : block.chart->data) add({u"cw_data", datum.name, datum.ssid});
+    }
     return out + "]";
 }
 

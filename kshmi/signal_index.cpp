@@ -19,7 +19,10 @@ const std::vector<std::size_t>& SignalIndex::on(const SignalSource& source) cons
 }
 
 std::vector<std::size_t> SignalIndex::on(const std::string& reference, const ReferenceOptions& options) const {
-    const SignalSource source = resolveReference(m_session.model(), reference, options);
+    return on(resolveReference(m_session.model(), reference, options), options);
+}
+
+std::vector<std::size_t> SignalIndex::on(const SignalSource& source, const ReferenceOptions& options) const {
     std::vector<std::size_t> positions = on(source);
     if (!source.item || options.activity.empty()) return positions;
     const std::u16string activity = activityFor(*source.item, options);

@@ -20,8 +20,10 @@ public:
 
     /// Positions (0-based, ascending) of the signals on the source, of all activities.
     const std::vector<std::size_t>& on(const SignalSource& source) const;
-    /// The same for what a reference names; of a chart item only those of the activity when the options say one.
-    /// Throws as `resolveReference`.
+    /// Of a chart item only those of the activity, when the options say one. Throws `Error` for one that it cannot
+    /// have.
+    std::vector<std::size_t> on(const SignalSource& source, const ReferenceOptions& options) const;
+    /// The same for what a reference names. Throws as `resolveReference`.
     std::vector<std::size_t> on(const std::string& reference, const ReferenceOptions& options) const;
 
 private:

@@ -34,6 +34,14 @@ std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t 
     return std::nullopt;
 }
 
+std::vector<ChartItem> chartItemsOf(const kestrel::Block& block) {
+    if (!block.chart) return {};
+    std::vector<ChartItem> items{{u"cw_chart", u"", 0}};
+    for (const kestrel::ChartState& state : block.chart->states) items.push_back({u"cw_state", state.path, state.ssid});
+    for (const kestrel::ChartData& datum : block.chart->data) items.push_back({u"cw_data", datum.name, datum.ssid});
+    return items;
+}
+
 bool isChartSignal(const ks_hmi::SignalSpecification& signal) {
     const std::u16string& domain = signal.m_domainType;
     return domain == u"cw_chart" || domain == u"cw_state" || domain == u"cw_data";

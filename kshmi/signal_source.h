@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "memory_host/kestrel/model.h"
 #include "signals/signal_specification.h"
@@ -33,6 +34,8 @@ std::u16string portName(const SignalSource& source);
 
 /// The item of that identifier in a chart block, the chart itself for 0; nothing when there is none.
 std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t ssid);
+/// The chart itself, its states and its data; empty for a block that is no chart.
+std::vector<ChartItem> chartItemsOf(const kestrel::Block& block);
 
 bool isChartSignal(const ks_hmi::SignalSpecification& signal);
 /// The block that the signal is on, by element identifier, by path only when it has none; null when it is gone.

@@ -5,9 +5,9 @@
 #include "kshmi/change_report.h"
 #include "kshmi/commands.h"
 #include "kshmi/error.h"
-#include "kshmi/glob.h"
 #include "kshmi/host_process.h"
 #include "kshmi/observing.h"
+#include "kshmi/selecting.h"
 #include "kshmi/signal_index.h"
 #include "kshmi/text.h"
 
@@ -17,26 +17,17 @@ namespace {
 
 using Positions = std::vector<std::size_t>;
 
-Positions referenced(const Session& session, const Selection& selection) {
+Positions selected(const Session& session, const Selection& selection, const Output& output) {
     Positions positions;
-    if (selection.references.empty()) return positions;
     const SignalIndex index(session);
     for (const std::string& reference : selection.references) {
         const Positions found = index.on(reference, selection.options);
         if (found.empty()) throw Error(quoted(reference) + ": is not marked; \"kshmi show\" lists the signals");
         positions.insert(positions.end(), found.begin(), found.end());
     }
-    return positions;
-}
-
-Positions matching(const Session& session, const Selection& selection) {
-    const Globs all(selection.all);
-    const Globs except(selection.except);
-    Positions positions;
-    for (std::size_t i = 0; !all.isEmpty() && i < session.signals().getCount(); ++i) {
-        const SignalSource source = sourceOf(session.model(), *session.signals().get(i));
-        const bool isMatch = source.block && all.matches(session.model(), source);
-        if (isMatch && !except.matches(session.model(), source)) positions.push_back(i);
+    for (const SignalSource& source : selectMatching(session.model(), selection, Selectable::portsAndItems, output)) {
+        const Positions found = index.on(source, selection.options);
+        positions.insert(positions.end(), found.begin(), found.end());
     }
     return positions;
 }
@@ -54,8 +45,7 @@ std::string describe(const Session& session, std::size_t position) {
 int runUnmark(const UnmarkArguments& arguments, const Output& output) {
     enterHost(output.err);
     Session session(arguments.file, arguments.isDangling ? Session::Opening::lenient : Session::Opening::strict);
-    Positions positions = referenced(session, arguments.selection);
-    for (const std::size_t position : matching(session, arguments.selection)) positions.push_back(position);
+    Positions positions = selected(session, arguments.selection, output);
     for (const SignalFault& fault : session.dangling()) positions.push_back(fault.position);
     std::sort(positions.begin(), positions.end());
     positions.erase(std::unique(positions.begin(), positions.end()), positions.end());

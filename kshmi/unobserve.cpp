@@ -4,10 +4,10 @@
 #include "kshmi/change_report.h"
 #include "kshmi/commands.h"
 #include "kshmi/error.h"
-#include "kshmi/glob.h"
 #include "kshmi/host_process.h"
 #include "kshmi/marking.h"
 #include "kshmi/observing.h"
+#include "kshmi/selecting.h"
 #include "kshmi/signal_index.h"
 #include "kshmi/text.h"
 
@@ -27,12 +27,12 @@ public:
     Selector(const Session& session, const UnobserveArguments& arguments)
         : m_session(session), m_arguments(arguments), m_uuids(session) {}
 
-    Positions positions() {
+    Positions positions(const Output& output) {
         const Selection& selection = m_arguments.selection;
         const bool isTypeOnly = selection.references.empty() && selection.all.empty() && m_arguments.uuids.empty() &&
                                 !m_arguments.isDangling;
         noteReferences();
-        notePatterns();
+        notePatterns(output);
         Positions positions;
         for (std::size_t i = 0; i < m_session.clients().getCount(); ++i) {
             const ks_hmi::SignalClient& client = *m_session.clients().get(i);
@@ -70,15 +70,13 @@ private:
         }
     }
 
-    void notePatterns() {
-        const Globs all(m_arguments.selection.all);
-        const Globs except(m_arguments.selection.except);
-        for (std::size_t i = 0; !all.isEmpty() && i < m_session.signals().getCount(); ++i) {
-            const ks_hmi::SignalSpecification& signal = *m_session.signals().get(i);
-            const SignalSource source = sourceOf(m_session.model(), signal);
-            if (!source.block || !all.matches(m_session.model(), source)) continue;
-            if (!except.matches(m_session.model(), source)) m_signals.insert(signal.m_uuid);
-        }
+    void notePatterns(const Output& output) {
+        const Selection& selection = m_arguments.selection;
+        const SignalIndex index(m_session);
+        for (const SignalSource& source :
+             selectMatching(m_session.model(), selection, Selectable::portsAndItems, output))
+            for (const std::size_t position : index.on(source, selection.options))
+                m_signals.insert(m_session.signals().get(position)->m_uuid);
     }
 
     const Session& m_session;
@@ -115,7 +113,7 @@ void requireSomething(const UnobserveArguments& arguments) {
     if (arguments.isUnused && isAnything) throw Error("--unused asks the host about all clients; give it alone");
     if (!isAnything && !arguments.isUnused)
         throw Error("nothing to work on; name a REF, or give --type, --uuid, --all, --dangling or --unused");
-    if (!selection.except.empty() && selection.all.empty()) throw Error("--except narrows --all; give --all 'GLOB'");
+    requireApplicable(selection);
 }
 
 }  // namespace
@@ -130,7 +128,7 @@ int runUnobserve(const UnobserveArguments& arguments, const Output& output) {
     if (arguments.isUnused) {
         removeUnused(session, selector, report);
     } else {
-        Positions positions = selector.positions();
+        Positions positions = selector.positions(output);
         for (const std::size_t position : positions) report.change("remove", "removed", selector.describe(position));
         removeClients(session, std::move(positions));
     }

@@ -115,6 +115,46 @@ TEST_F(Commands, patternsMatchFullPathsNumbersAndNames) {
     EXPECT_TRUE(contains(run({"unmark", path(), "--all", "m/Logic/*", "--all", "*:2"}).out, "saved with 3 signals"));
     EXPECT_EQ(run({"unmark", path(), "--all", "m/Logic/*"}).code, 0);
     EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 2);
+    EXPECT_TRUE(contains(run({"unmark", path(), "--all", "m/Logics*"}).err, "nothing matches \"m/Logics*\""));
+    EXPECT_TRUE(contains(run({"mark", path(), "--all", "m/*", "--except", "m/Z*"}).err, "\"m/Z*\" leaves nothing out"));
+}
+
+TEST_F(Commands, patternsCountCharacters) {
+    write(replaced(replaced(kModel, "\"path\": \"A/B:1\"", "\"path\": \"Größe\""), "\"path\": \"A/B\"",
+                   "\"path\": \"[a]b😀\""));
+    struct Case {
+        const char* pattern;
+        bool isMatch;
+    };
+    const Case cases[] = {
+        {"m/Gr??e", true},      {"m/Gr???e", false},      {"m/Gr[oö]ße", true},   {"m/Gr[!ö]ße", false},
+        {"m/Gr[n-p]ße", false}, {"m/Gr[^a-z]*e:y", true}, {"m/*ö*ß*1", true},     {"m/*ö*x*", false},
+        {"m/[a]b?", false},     {"m/\\[a]b?", true},      {"m/[[]a]b😀:p", true},  {"m/[]x[]*", true},
+        {"m/[a", false},        {"m/Größe*?", true},      {"m/Größe??*?", false}, {"*", true},
+    };
+    for (const Case& one : cases)
+        EXPECT_EQ(run({"mark", path(), "--all", one.pattern, "--dry-run"}).code, one.isMatch ? 0 : 2) << one.pattern;
+}
+
+TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
+    EXPECT_EQ(run({"mark", path(), "Logic/On/Fast", "--activity", "Child"}).code, 0);
+    EXPECT_EQ(run({"unmark", path(), "--all", "m/*", "--activity", "Child"}).code, 0);
+    EXPECT_EQ(read(), kModel);
+    const std::pair<std::vector<std::string>, const char*> refusals[] = {
+        {{"unmark", path(), "--all", "m/*", "--activity", "Idle"}, "Self,Child,Leaf,Data"},
+        {{"unmark", path(), "--all", "m/*", "--ssid", "4"}, "--ssid is for one chart"},
+        {{"unobserve", path(), "--all", "m/*", "--ssid", "4"}, "--ssid is for one chart"},
+        {{"unmark", path(), "--dangling", "--activity", "Self"}, "name one as REF"},
+        {{"mark", path(), "--all", "m/*", "--activity", "Child"}, "--all marks ports"},
+        {{"query", path(), "Logic/On/Fast", "--ssid", "5"}, "is 4, not 5"},
+    };
+    for (const auto& [words, message] : refusals) {
+        const testing::Finished finished = run(words);
+        EXPECT_EQ(finished.code, 2) << message;
+        EXPECT_TRUE(contains(finished.err, message)) << finished.err;
+    }
+    EXPECT_EQ(query({"Logic/Both", "--ssid", "5"}), 1);
+    EXPECT_EQ(read(), kModel);
 }
 
 TEST_F(Commands, danglingSignalsAreRemovedOnDemand) {
@@ -162,7 +202,7 @@ TEST_F(Commands, showListsSignalsAndBlocks) {
     const testing::Finished shown = run({"show", path()});
     EXPECT_TRUE(contains(shown.out, "1  A                 1  y          speed \"ü\"  port"));
     EXPECT_TRUE(contains(shown.out, "[x] 1 y  [ ] 2 valid"));
-    EXPECT_TRUE(contains(shown.out, "(state) On/Fast  [x] Self"));
+    EXPECT_TRUE(contains(shown.out, "(state) On/Fast #4  [x] Self"));
     EXPECT_TRUE(contains(run({"show", path(), "--json"}).out, R"({"name": "valid", "observed": false})"));
 }
 
