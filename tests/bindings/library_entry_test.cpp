@@ -1,11 +1,17 @@
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <boost/exception/exception.hpp>
+#include <new>
+
+#include "host/messages.h"
 #include "host/object_system.h"
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/orvex/class_members.h"
 #include "memory_host/orvex/functions.h"
 #include "memory_host/orvex/ledger.h"
 #include "memory_host/orvex/library_loader.h"
+#include "tests/support/failing_calloc.h"
 
 /// The library as a host loads it: this program does not link it.
 
@@ -69,15 +75,49 @@ TEST_F(LibraryEntry, registersOnceAndLeavesItAllToTheHostAtTheEnd) {
     library.unload();
 }
 
-TEST_F(LibraryEntry, isLoadedUsedAndUnloadedAgainAndAgain) {
-    for (int i = 0; i < 20; ++i) {
-        kestrel::installHostSide();
-        orvex::LoadedLibrary library(KS_HMI_LIBRARY_FILE);
-        EXPECT_TRUE(canConstruct());
-        kestrel::releaseHostSide();
-        orvex::releaseObjectSystem();
-        library.unload();
+/// Loads, uses and unloads the library; nothing of it stays in the process.
+void loadUseAndUnload() {
+    kestrel::installHostSide();
+    orvex::LoadedLibrary library(KS_HMI_LIBRARY_FILE);
+    EXPECT_TRUE(canConstruct());
+    kestrel::releaseHostSide();
+    orvex::releaseObjectSystem();
+    library.unload();
+    EXPECT_EQ(dlopen(KS_HMI_LIBRARY_FILE, RTLD_NOW | RTLD_NOLOAD), nullptr);
+}
+
+TEST_F(LibraryEntry, isLoadedUsedAndUnloadedAHundredTimes) {
+    for (int i = 0; i < 100; ++i) loadUseAndUnload();
+}
+
+TEST_F(LibraryEntry, isLoadedUsedAndUnloadedAHundredTimesBesideANeighbour) {
+    for (int i = 0; i < 100; ++i) {
+        orvex::LoadedLibrary neighbour(KS_HMI_NEIGHBOUR_FILE);
+        ASSERT_NE(find("Kestrel.HMI"), nullptr);
+        loadUseAndUnload();
     }
+}
+
+TEST_P(LibraryEntry, aRegistrationWithoutMemoryIsNotTriedAgain) {
+    if (!ks_test::FailingCalloc::isPossible()) GTEST_SKIP() << "the checks' own allocator stays";
+    const int foreignNamespaces = GetParam();
+    if (foreignNamespaces > 0) hos::COSNamespace::addNamespace(std::make_unique<ForeignNamespace>("Kestrel"));
+    if (foreignNamespaces > 1) find("Kestrel")->addInnerNamespace(std::make_unique<ForeignNamespace>("HMI"));
+    void* const library = dlopen(KS_HMI_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(library, nullptr);
+    const auto initialize = reinterpret_cast<void (*)()>(dlsym(library, "OXInitialize_ks_hmi_foundation"));
+    try {
+        const ks_test::FailingCalloc noMemory;
+        initialize();
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const std::bad_alloc& error) {
+        EXPECT_STREQ(error.what(), "out of memory");
+        EXPECT_NE(dynamic_cast<const boost::exception_detail::clone_base*>(&error), nullptr);
+    }
+    initialize();
+    EXPECT_THROW(canConstruct(), kssvIException);
+    orvex::releaseObjectSystem();
+    dlclose(library);
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "tests/support/sanitized.h"
+
 namespace {
 
 struct Plan {
@@ -25,20 +27,9 @@ std::size_t FailingAllocations::counted() const noexcept { return t_plan.counted
 
 }  // namespace ks_test
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KS_HMI_OWN_ALLOCATOR 0
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define KS_HMI_OWN_ALLOCATOR 0
-#endif
-#endif
-#ifndef KS_HMI_OWN_ALLOCATOR
-#define KS_HMI_OWN_ALLOCATOR 1
-#endif
+bool ks_test::FailingAllocations::arePossible() noexcept { return KS_HMI_SANITIZED == 0; }
 
-bool ks_test::FailingAllocations::arePossible() noexcept { return KS_HMI_OWN_ALLOCATOR != 0; }
-
-#if KS_HMI_OWN_ALLOCATOR
+#if !KS_HMI_SANITIZED
 
 // The program's own operators take the place of the standard library's in every library that it loads.
 
