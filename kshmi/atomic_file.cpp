@@ -27,30 +27,63 @@ std::string directoryOf(const std::string& path) {
 
 }  // namespace
 
+AtomicFile::Uninterrupted::Uninterrupted() noexcept {
+    sigset_t held;
+    ::sigemptyset(&held);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) ::sigaddset(&held, signal);
+    ::pthread_sigmask(SIG_BLOCK, &held, &m_mask);
+    struct sigaction ignore {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGXFSZ, &ignore, &m_sizeLimit);
+}
+
+AtomicFile::Uninterrupted::~Uninterrupted() {
+    ::sigaction(SIGXFSZ, &m_sizeLimit, nullptr);
+    ::pthread_sigmask(SIG_SETMASK, &m_mask, nullptr);
+}
+
 AtomicFile::AtomicFile(const std::string& path) : m_path(path) {
     std::error_code code;
     const auto real = std::filesystem::weakly_canonical(path, code);
     m_target = code ? path : real.string();
-    m_temporary = directoryOf(m_target) + "/.kshmi-XXXXXX";
-    m_descriptor = ::mkostemp(m_temporary.data(), O_CLOEXEC);
-    if (m_descriptor < 0) {
-        m_temporary.clear();
-        fail("no file can be made beside it");
+    struct stat old {};
+    const bool isThere = ::stat(m_path.c_str(), &old) == 0;
+    if (isThere && !S_ISREG(old.st_mode)) refuse("it is no regular file; name one");
+    if (isThere && ::faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) fail("it must not be written");
+    makeTemporary();
+    try {
+        if (isThere)
+            takeOverFrom(old);
+        else
+            ::fchmod(m_descriptor, kNewFile);
+    } catch (...) {
+        discard();
+        throw;
     }
-    takeOverFrom(m_target);
 }
 
-AtomicFile::~AtomicFile() {
+AtomicFile::~AtomicFile() { discard(); }
+
+void AtomicFile::discard() noexcept {
     if (m_descriptor >= 0) ::close(m_descriptor);
     if (!m_temporary.empty()) ::unlink(m_temporary.c_str());
 }
 
-void AtomicFile::takeOverFrom(const std::string& target) const {
-    struct stat old {};
-    const bool isThere = ::stat(target.c_str(), &old) == 0;
-    // Only the superuser may give files away; everybody else keeps their own.
-    [[maybe_unused]] const int owned = isThere ? ::fchown(m_descriptor, old.st_uid, old.st_gid) : 0;
-    ::fchmod(m_descriptor, isThere ? old.st_mode & kPermissionBits : kNewFile);
+void AtomicFile::makeTemporary() {
+    m_temporary = directoryOf(m_target) + "/.kshmi-XXXXXX";
+    m_descriptor = ::mkostemp(m_temporary.data(), O_CLOEXEC);
+    if (m_descriptor >= 0) return;
+    m_temporary.clear();
+    fail("no file can be made beside it");
+}
+
+void AtomicFile::takeOverFrom(const struct stat& old) const {
+    struct stat made {};
+    ::fstat(m_descriptor, &made);
+    const bool isAnothers = made.st_uid != old.st_uid || made.st_gid != old.st_gid;
+    if (isAnothers && ::fchown(m_descriptor, old.st_uid, old.st_gid) != 0)
+        refuse("its owner and group cannot be kept; copy it and work on the copy");
+    ::fchmod(m_descriptor, old.st_mode & kPermissionBits);
 }
 
 void AtomicFile::write(std::string_view text) {
@@ -89,8 +122,11 @@ void AtomicFile::syncDirectory() const {
 
 void AtomicFile::fail(const char* what) const {
     const int reason = errno;
-    throw Error(m_path + ": not saved, the file is as it was: " + what + ": " + std::strerror(reason) +
-                "; check permissions and free space and try again");
+    refuse(std::string(what) + ": " + std::strerror(reason) + "; check permissions and free space and try again");
+}
+
+void AtomicFile::refuse(const std::string& why) const {
+    throw Error(m_path + ": not saved, the file is as it was: " + why);
 }
 
 }  // namespace kshmi

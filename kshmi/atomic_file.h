@@ -1,5 +1,8 @@
 #pragma once
 
+#include <signal.h>
+#include <sys/stat.h>
+
 #include <string>
 #include <string_view>
 
@@ -8,10 +11,12 @@ namespace kshmi {
 /// Replaces a file as a whole: what is written goes to a new file beside it, which takes its place on
 /// `commit`. Until then, and after any failure, the file is as it was and nothing is left beside it.
 /// Where `path` is a symbolic link, the file that it leads to is replaced. The new file keeps the
-/// permissions of the old one and, where the system allows, its owner.
+/// permissions, the owner and the group of the old one. Signals that end the program wait until the new file has taken
+/// its place or is gone, and a limit on file sizes is a failure like a full disk.
 class AtomicFile {
 public:
-    /// Throws `Error` when the new file cannot be made.
+    /// Throws `Error` when the new file cannot be made, and for an old one that is no regular file, that must not be
+    /// written, or whose owner or group cannot be kept.
     explicit AtomicFile(const std::string& path);
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
@@ -23,11 +28,29 @@ public:
     void commit();
 
 private:
-    void flush();
-    void takeOverFrom(const std::string& target) const;
-    void syncDirectory() const;
-    [[noreturn]] void fail(const char* what) const;
+    /// Holds the signals back while it lives.
+    class Uninterrupted {
+    public:
+        Uninterrupted() noexcept;
+        Uninterrupted(const Uninterrupted&) = delete;
+        Uninterrupted& operator=(const Uninterrupted&) = delete;
+        ~Uninterrupted();
 
+    private:
+        sigset_t m_mask{};
+        struct sigaction m_sizeLimit {};
+    };
+
+    void makeTemporary();
+    void flush();
+    void takeOverFrom(const struct stat& old) const;
+    void syncDirectory() const;
+    void discard() noexcept;
+    [[noreturn]] void fail(const char* what) const;
+    [[noreturn]] void refuse(const std::string& why) const;
+
+    // First of all, so that it ends when nothing is left.
+    Uninterrupted m_uninterrupted;
     std::string m_path;    ///< as it was given, for messages
     std::string m_target;  ///< the real file
     std::string m_temporary;

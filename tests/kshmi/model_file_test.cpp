@@ -1,8 +1,9 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include <csignal>
-
+#include "kshmi/atomic_file.h"
+#include "kshmi/error.h"
 #include "tests/kshmi/kshmi_test.h"
 
 namespace kshmi {
@@ -146,16 +147,49 @@ TEST_F(ModelFiles, aFailedSaveLeavesTheOldFileAndNothingElse) {
     write(kModel);
     rlimit before{};
     ::getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     const rlimit small{100, before.rlim_max};
     ::setrlimit(RLIMIT_FSIZE, &small);
     const testing::Finished finished = run({"mark", path(), "A:2"});
     ::setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
     EXPECT_EQ(finished.code, 2);
     EXPECT_TRUE(contains(finished.err, "the file is as it was: writing failed: File too large")) << finished.err;
     EXPECT_EQ(read(), kModel);
     EXPECT_EQ(fileCount(), 1U);
+}
+
+TEST_F(ModelFiles, pipesAndWriteProtectedFilesAreNotReplaced) {
+    constexpr uid_t kNobody = 65534;
+    ::mkfifo(path("pipe").c_str(), 0600);
+    EXPECT_THROW(AtomicFile(path("pipe")), Error);
+    EXPECT_TRUE(std::filesystem::is_fifo(path("pipe")));
+
+    write(kModel);
+    std::filesystem::permissions(path("."), std::filesystem::perms::all);
+    ::chmod(path().c_str(), 0444);
+    // Nothing is protected from the superuser.
+    const uid_t user = ::geteuid();
+    if (user == 0) ASSERT_EQ(::seteuid(kNobody), 0);
+    EXPECT_THROW(AtomicFile{path()}, Error);
+    ASSERT_EQ(::seteuid(user), 0);
+    if (user == 0) {
+        ::chmod(path().c_str(), 0666);
+        ASSERT_EQ(::seteuid(kNobody), 0);
+        EXPECT_THROW(AtomicFile{path()}, Error) << "the owner would change";
+        ASSERT_EQ(::seteuid(user), 0);
+    }
+    EXPECT_EQ(fileCount(), 2U);
+}
+
+TEST_F(ModelFiles, aSignalWaitsForTheEndOfTheSave) {
+    EXPECT_EXIT(
+        {
+            AtomicFile file(path());
+            ::raise(SIGTERM);
+            if (fileCount() == 1) file.commit();
+        },
+        ::testing::KilledBySignal(SIGTERM), "");
+    EXPECT_EQ(fileCount(), 1U);
+    EXPECT_TRUE(std::filesystem::exists(path()));
 }
 
 TEST_F(ModelFiles, aSaveFollowsALinkAndKeepsPermissions) {
