@@ -2,6 +2,7 @@
 
 build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev libfmt-dev libgtest-dev)
 lint_packages=(clang-format clang-tidy)
+bench_packages=(libbenchmark-dev)
 
 works_with_cxx20() {
     have "$1" && printf '#include <concepts>\n#include <span>\n' | "$1" -std=c++20 -fsyntax-only -x c++ - >/dev/null 2>&1
@@ -23,7 +24,8 @@ boost_is_recent() {
 }
 
 # For systems that have no such packages to ask for.
-declare -A headers=([libcli11-dev]=CLI/CLI.hpp [libfmt-dev]=fmt/format.h [libgtest-dev]=gtest/gtest.h)
+declare -A headers=([libcli11-dev]=CLI/CLI.hpp [libfmt-dev]=fmt/format.h [libgtest-dev]=gtest/gtest.h
+    [libbenchmark-dev]=benchmark/benchmark.h)
 has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -E -x c++ - >/dev/null 2>&1; }
 
 has_package() { [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]; }
@@ -34,7 +36,7 @@ is_there() {
         g++) works_with_cxx20 "${CXX:-c++}" || works_with_cxx20 g++ || works_with_cxx20 clang++ ;;
         cmake) cmake_is_recent ;;
         ninja-build) have ninja ;;
-        pkg-config | clang-format | clang-tidy) have "$1" ;;
+        pkg-config | clang-format | clang-tidy | valgrind) have "$1" ;;
         libboost1.81-dev) boost_is_recent ;;
         *) if have dpkg-query; then has_package "$1"; else has_header "${headers[$1]}"; fi ;;
     esac

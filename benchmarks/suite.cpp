@@ -1,0 +1,114 @@
+#include "benchmarks/suite.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+namespace ks_bench {
+
+namespace {
+
+std::optional<double> medianOf(const Medians& medians, const std::string& name) {
+    const auto found = medians.find(name);
+    return found == medians.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::string limitText(const Limit& limit) {
+    if (limit.kind == Limit::Kind::none) return "";
+    return fmt::format("{} {:g}", limit.kind == Limit::Kind::atMost ? "<=" : ">=", limit.value);
+}
+
+const char* verdict(const Limit& limit, double figure) {
+    if (limit.kind == Limit::Kind::none) return "";
+    return limit.holds(figure) ? "ok" : "MISSED";
+}
+
+}  // namespace
+
+bool Limit::holds(double figure) const noexcept {
+    if (kind == Kind::none) return true;
+    return kind == Kind::atMost ? figure <= value : figure >= value;
+}
+
+benchmark::internal::Benchmark* Suite::time(const std::string& name, Body body) {
+    return benchmark::RegisterBenchmark(name.c_str(), std::move(body));
+}
+
+void Suite::add(int goal, std::string what, Limit limit, std::function<std::optional<Line>(const Medians&)> compute) {
+    m_rows.push_back({goal, std::move(what), limit, std::move(compute)});
+}
+
+void Suite::compare(int goal, std::string what, std::string measured, std::string baseline, Limit limit) {
+    add(goal, std::move(what), limit, [=](const Medians& medians) -> std::optional<Line> {
+        const auto own = medianOf(medians, measured);
+        const auto other = medianOf(medians, baseline);
+        if (!own || !other) return std::nullopt;
+        return Line{durationText(*own) + " / " + durationText(*other), *own / *other, "x"};
+    });
+}
+
+void Suite::speedUp(int goal, std::string what, std::string measured, std::string baseline, Limit limit) {
+    add(goal, std::move(what), limit, [=](const Medians& medians) -> std::optional<Line> {
+        const auto own = medianOf(medians, measured);
+        const auto other = medianOf(medians, baseline);
+        if (!own || !other) return std::nullopt;
+        return Line{durationText(*own) + " / " + durationText(*other), *other / *own, "faster"};
+    });
+}
+
+void Suite::growth(int goal, std::string what, const std::map<std::size_t, std::string>& names, Limit limit) {
+    add(goal, std::move(what), limit, [names](const Medians& medians) -> std::optional<Line> {
+        std::vector<std::pair<double, double>> totals;
+        std::string detail;
+        for (const auto& [size, name] : names) {
+            const auto total = medianOf(medians, name);
+            if (!total) return std::nullopt;
+            totals.emplace_back(static_cast<double>(size), *total);
+            detail += (detail.empty() ? "" : ", ") + durationText(*total / static_cast<double>(size));
+        }
+        const auto [fewest, shortest] = totals.front();
+        const auto [most, longest] = totals.back();
+        return Line{detail, std::log(longest / shortest) / std::log(most / fewest), "(power)"};
+    });
+}
+
+void Suite::milliseconds(int goal, std::string what, std::string measured, Limit limit) {
+    add(goal, std::move(what), limit, [measured = std::move(measured)](const Medians& medians) -> std::optional<Line> {
+        constexpr double kMillisecond = 1e6;
+        const auto own = medianOf(medians, measured);
+        if (!own) return std::nullopt;
+        return Line{durationText(*own), *own / kMillisecond, "ms"};
+    });
+}
+
+void Suite::figure(int goal, std::string what, const char* unit, std::function<double()> compute, Limit limit) {
+    add(goal, std::move(what), limit, [=](const Medians&) -> std::optional<Line> { return Line{"", compute(), unit}; });
+}
+
+void Suite::print(std::ostream& out, const Medians& medians) {
+    std::stable_sort(m_rows.begin(), m_rows.end(), [](const Row& a, const Row& b) { return a.goal < b.goal; });
+    std::vector<std::string> missed;
+    out << fmt::format("{:<4} {:<62} {:<44} {:>9} {:<8} {:<9} {}\n", "goal", "what", "measured / baseline", "figure",
+                       "", "limit", "");
+    for (const Row& row : m_rows) {
+        const std::optional<Line> line = row.compute(medians);
+        if (!line) continue;
+        out << fmt::format("{:<4} {:<62} {:<44} {:>9.2f} {:<8} {:<9} {}\n", row.goal, row.what, line->detail,
+                           line->figure, line->unit, limitText(row.limit), verdict(row.limit, line->figure));
+        if (!row.limit.holds(line->figure)) missed.push_back(fmt::format("goal {}: {}", row.goal, row.what));
+    }
+    out << fmt::format("\n{} of the goals above fall short\n", missed.empty() ? "none" : std::to_string(missed.size()));
+    for (const std::string& what : missed) out << "  " << what << '\n';
+}
+
+std::string durationText(double nanoseconds) {
+    static constexpr std::array<std::pair<double, const char*>, 3> kUnits{{{1e9, "s"}, {1e6, "ms"}, {1e3, "us"}}};
+    for (const auto& [scale, unit] : kUnits)
+        if (nanoseconds >= scale) return fmt::format("{:.3g} {}", nanoseconds / scale, unit);
+    return fmt::format("{:.3g} ns", nanoseconds);
+}
+
+}  // namespace ks_bench
