@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kshmi/output.h"
 #include "kshmi/session.h"
@@ -14,21 +15,24 @@ class ChangeReport {
 public:
     ChangeReport(const Output& output, bool isDryRun) : m_output(output), m_isDryRun(isDryRun) {}
 
-    /// One line, of which the first ones are printed and the others counted: "would mark a/b:1" in a dry run,
-    /// else "marked a/b:1".
+    /// One line: "would mark a/b:1" in a dry run, else "marked a/b:1".
     void change(std::string_view infinitive, std::string_view past, const std::string& what);
     /// A line about something that stays as it is.
     void note(const std::string& text);
-    /// Saves the session unless nothing was changed or the run is dry, and sums up.
+    /// Saves the session unless nothing was changed or the run is dry; then prints the lines and sums up. After a save
+    /// only the first lines are printed, and the others counted. Throws `Error` when the save fails, with nothing
+    /// printed, and when it was made and cannot be told.
     void finish(Session& session);
 
 private:
-    void line(const std::string& text);
+    void line(std::string text);
+    void print(std::size_t most) const;
+    void saveAndTell(Session& session) const;
 
     const Output& m_output;
     bool m_isDryRun;
     std::size_t m_changes = 0;
-    std::size_t m_lines = 0;
+    std::vector<std::string> m_lines;
 };
 
 }  // namespace kshmi

@@ -13,7 +13,8 @@ int main(int argc, char** argv) {
     int code = kshmi::runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc), output);
     if (!kshmi::leaveHost(std::cerr)) code = kshmi::kFailure;
     std::cout.flush();
-    if (!std::cout) {
+    // A command that changed a file has told that already.
+    if (!std::cout && code != kshmi::kFailure) {
         std::cerr << "kshmi: the output cannot be written\n";
         code = kshmi::kFailure;
     }

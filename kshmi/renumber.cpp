@@ -120,8 +120,8 @@ int runRenumber(const RenumberArguments& arguments, const Output& output) {
     session.signals().renumberPorts(block.handle, model.fullPath(block),
                                     ks_hmi_foundation::AddModelToEID(block.eid, model.name()), numbers);
     session.model().setOutputs(std::u16string(block.path), std::move(outputs));
-    watch.warn(output);
     report.finish(session);
+    watch.warn(output);
     return kSuccess;
 }
 

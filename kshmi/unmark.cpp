@@ -54,8 +54,8 @@ int runUnmark(const UnmarkArguments& arguments, const Output& output) {
     for (const std::size_t position : positions) report.change("remove", "removed", describe(session, position));
     const DanglingWatch watch(session);
     removeSignals(session, std::move(positions));
-    watch.warn(output);
     report.finish(session);
+    watch.warn(output);
     return kSuccess;
 }
 
