@@ -116,6 +116,16 @@ void describe(CLI::App& app, Arguments& arguments, Run& run) {
     addEditorCommands(app, arguments.editor, run);
 }
 
+void requireCommand(const CLI::App& app, const std::string& word) {
+    if (word.starts_with('-')) return;
+    std::string list;
+    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
+        if (command->get_name() == word) return;
+        list += (list.empty() ? "" : ", ") + command->get_name();
+    }
+    throw Error("there is no command " + kshmi::quoted(word) + "; use one of " + list);
+}
+
 int run(std::vector<std::string> words, const Output& output) {
     CLI::App app("Marks signals in model files, lets observers watch them, and tells what is observed", "kshmi");
     Arguments arguments;
@@ -125,11 +135,15 @@ int run(std::vector<std::string> words, const Output& output) {
         output.err << app.help();
         return kFailure;
     }
+    requireCommand(app, words.front());
     std::reverse(words.begin(), words.end());
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error, output.out, output.err) == 0 ? kSuccess : kFailure;
+        const bool isAskedFor = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
+        if (!isAskedFor) throw Error(std::string(error.what()) + "; \"kshmi COMMAND --help\" explains it");
+        app.exit(error, output.out, output.err);
+        return kSuccess;
     }
     return command(output);
 }

@@ -17,6 +17,8 @@ constexpr const char* kReferenceHelp =
 
 }  // namespace
 
+CLI::Range wholeNumber() { return {std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()}; }
+
 CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file) {
     CLI::App* const command = app.add_subcommand(name, help);
     command->footer(std::string("Examples:\n") + examples);
@@ -33,7 +35,7 @@ void addReferenceOptions(CLI::App& command, ReferenceOptions& options) {
         .add_option("--activity", options.activity, "activity of a chart item: Self, Child or Leaf; Data of a datum")
         ->check(CLI::IsMember({"Self", "Child", "Leaf", "Data"}));
     command.add_option("--ssid", options.ssid, "the chart item's identifier within its chart; 0 is the chart itself")
-        ->check(CLI::Range(std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()));
+        ->check(wholeNumber());
 }
 
 void addPatterns(CLI::App& command, Selection& selection) {

@@ -14,6 +14,8 @@ namespace kshmi {
 /// The command that the user chose, with its arguments.
 using Run = std::function<int(const Output&)>;
 
+/// Lets whole numbers of 32 bits pass.
+CLI::Range wholeNumber();
 /// A command on a model file, with its help.
 CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file);
 CLI::Option* addReferences(CLI::App& command, std::vector<std::string>& references);

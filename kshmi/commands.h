@@ -42,8 +42,8 @@ struct ObserveArguments {
     ReferenceOptions options;
     std::string type;
     std::string params = "{}";  ///< JSON, as docs/model-file.md maps it
-    std::int64_t updateRate = 1;
-    std::int64_t channel = 1;
+    std::uint32_t updateRate = 1;
+    std::uint32_t channel = 1;
     bool isImaginary = false;
     std::string busLeaf;
     bool isDryRun = false;

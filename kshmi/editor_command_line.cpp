@@ -24,8 +24,8 @@ void addObserve(CLI::App& app, ObserveArguments& arguments, Run& run) {
     command->add_option("--type", arguments.type, "kind of observer")->required();
     command->add_option("--params", arguments.params, "parameters as JSON, written as in a model file")
         ->type_name("JSON");
-    command->add_option("--update-rate", arguments.updateRate, "update rate, 0 to 4294967295");
-    command->add_option("--channel", arguments.channel, "which element of the signal, 0 to 4294967295");
+    command->add_option("--update-rate", arguments.updateRate, "update rate")->check(wholeNumber());
+    command->add_option("--channel", arguments.channel, "which element of the signal")->check(wholeNumber());
     command->add_flag("--imaginary", arguments.isImaginary, "watch the imaginary part");
     command->add_option("--bus-leaf", arguments.busLeaf, "path of the leaf inside a bus signal")->type_name("PATH");
     addDryRun(*command, arguments.isDryRun);

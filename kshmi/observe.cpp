@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <limits>
-
 #include "host/messages.h"
 #include "kshmi/change_report.h"
 #include "kshmi/commands.h"
@@ -29,19 +27,13 @@ HvArrayPtr valueOf(const std::string& json) {
     return builder.take();
 }
 
-std::uint32_t requireCount(std::int64_t number, const char* option) {
-    if (number < 0 || number > std::numeric_limits<std::uint32_t>::max())
-        throw Error(fmt::format("{} {}: give a whole number from 0 to 4294967295", option, number));
-    return static_cast<std::uint32_t>(number);
-}
-
 ClientSettings settingsOf(const ObserveArguments& arguments) {
     if (arguments.type.empty()) throw Error("--type \"\": name the kind of observer");
     ClientSettings settings;
     settings.type = arguments.type;
     settings.params = valueOf(arguments.params);
-    settings.updateRate = requireCount(arguments.updateRate, "--update-rate");
-    settings.channel = requireCount(arguments.channel, "--channel");
+    settings.updateRate = arguments.updateRate;
+    settings.channel = arguments.channel;
     settings.isImaginary = arguments.isImaginary;
     settings.busLeaf = arguments.busLeaf;
     return settings;
