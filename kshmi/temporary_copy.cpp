@@ -12,7 +12,7 @@ namespace kshmi {
 
 namespace fs = std::filesystem;
 
-TemporaryCopy::TemporaryCopy(const std::string& file) {
+TemporaryCopy::TemporaryCopy(const std::string& file) : m_original(file) {
     if (fs::is_directory(file)) throw Error(file + ": is a directory; name a model file");
     std::error_code code;
     const fs::path base = fs::temp_directory_path(code);
@@ -27,6 +27,10 @@ TemporaryCopy::TemporaryCopy(const std::string& file) {
     std::error_code ignored;
     fs::remove_all(m_directory, ignored);
     throw Error(file + ": cannot be copied: " + code.message() + "; check the path and its permissions");
+}
+
+std::string TemporaryCopy::aboutOriginal(const std::string& message) const {
+    return message.starts_with(m_path) ? m_original + message.substr(m_path.size()) : message;
 }
 
 TemporaryCopy::~TemporaryCopy() {

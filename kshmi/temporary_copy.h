@@ -14,8 +14,11 @@ public:
     ~TemporaryCopy();
 
     const std::string& path() const noexcept { return m_path; }
+    /// A message about the copy as one about the file that it was made of.
+    std::string aboutOriginal(const std::string& message) const;
 
 private:
+    std::string m_original;
     std::string m_directory;
     std::string m_path;
 };

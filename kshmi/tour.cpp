@@ -5,6 +5,7 @@
 #include "host/object_system.h"
 #include "kshmi/block_tree.h"
 #include "kshmi/commands.h"
+#include "kshmi/error.h"
 #include "kshmi/host_process.h"
 #include "kshmi/script.h"
 #include "kshmi/text.h"
@@ -73,7 +74,11 @@ void Tour::loadLibrary() {
 
 void Tour::openModel() {
     title("The model is opened");
-    m_session = std::make_unique<Session>(m_copy.path());
+    try {
+        m_session = std::make_unique<Session>(m_copy.path());
+    } catch (const Error& error) {
+        throw Error(m_copy.aboutOriginal(error.what()));
+    }
     std::size_t ports = 0;
     std::size_t charts = 0;
     for (const kestrel::Block& block : m_session->model().blocks()) {

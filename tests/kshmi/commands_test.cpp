@@ -206,6 +206,15 @@ TEST_F(Commands, showListsSignalsAndBlocks) {
     EXPECT_TRUE(contains(run({"show", path(), "--json"}).out, R"({"name": "valid", "observed": false})"));
 }
 
+TEST_F(Commands, aSaveThatCannotBeToldIsNamed) {
+    std::ostringstream err;
+    std::ostringstream broken;
+    broken.setstate(std::ios::badbit);
+    EXPECT_EQ(runCommandLine({"mark", path(), "A:2"}, {broken, err}), 2);
+    EXPECT_TRUE(contains(err.str(), path() + ": saved, but")) << err.str();
+    EXPECT_NE(read(), kModel);
+}
+
 TEST_F(Commands, tourTellsTheMainJobOnACopy) {
     const testing::Finished tour = run({"tour", path()});
     EXPECT_EQ(tour.code, 0) << tour.err;
@@ -220,11 +229,14 @@ TEST_F(Commands, tourTellsTheMainJobOnACopy) {
         EXPECT_TRUE(contains(tour.out, part)) << part << tour.out;
     write("{\"kestrelModel\": 1, \"name\": \"e\", \"blocks\": [], \"signals\": [], \"clients\": []}");
     EXPECT_EQ(run({"tour", path()}).code, 0);
+    write("{");
+    EXPECT_TRUE(contains(run({"tour", path()}).err, path() + ":1:2: not JSON"));
 }
 
 TEST_F(Commands, usageErrorsAreErrors) {
     EXPECT_EQ(run({}).code, 2);
-    EXPECT_EQ(run({"paint"}).code, 2);
+    EXPECT_TRUE(contains(run({"paint"}).err, "kshmi: there is no command \"paint\"; use one of tour, show"));
+    EXPECT_TRUE(contains(run({"query", path(), "A", "--ssid", "-1"}).err, "kshmi: --ssid: Value -1 not in range 0 to"));
     EXPECT_EQ(run({"mark", path()}).code, 2);
     EXPECT_EQ(run({"mark", path(), "A", "--decimation", "0"}).code, 2);
     EXPECT_EQ(run({"mark", path(), "A", "--frobnicate"}).code, 2);
