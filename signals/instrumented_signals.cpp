@@ -45,9 +45,9 @@ void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
     if (index > m_signals.size()) errors::raise(errors::InvalidElementIndex(static_cast<long>(m_signals.size())));
     m_signals.insert(m_signals.begin() + offset(index), spec);
     Rollback unlisted([&]() noexcept { m_signals.erase(m_signals.begin() + offset(index)); });
-    forgetKSPorts();
     addToObservedPortMap(spec);
     unlisted.commit();
+    forgetKSPorts();
 }
 
 void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {

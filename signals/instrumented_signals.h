@@ -115,7 +115,7 @@ public:
     /// cached handle and port, whichever signals they belong to. A chart signal has no effect.
     void removeFromObservedPortMap(const SignalPtr& spec);
     /// Rebuilds the index from the list, or leaves it as it was when that fails. The chart containers are added to,
-    /// not emptied first.
+    /// not emptied first, and keep what was added before a failure.
     void updateObservedPortMap();
     /// Whether the port index holds any entry; chart signals never count.
     bool isAnyPortObserved() const;

@@ -41,12 +41,12 @@ void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
     }
     // No look for an earlier entry, on purpose: a signal entered twice is there twice.
     const std::uint64_t key = pathKey(*spec);
-    forgetKSPorts();
     m_observedPortMap.byPath.insert(key, spec);
-    if (spec->m_cachedPortIdx == 0) return;
     Rollback pathEntry([&]() noexcept { m_observedPortMap.byPath.eraseNewest(key); });
-    m_observedPortMap.byHandle.insert({spec->m_cachedBlockHandle, spec->m_cachedPortIdx}, spec);
+    if (spec->m_cachedPortIdx != 0)
+        m_observedPortMap.byHandle.insert({spec->m_cachedBlockHandle, spec->m_cachedPortIdx}, spec);
     pathEntry.commit();
+    forgetKSPorts();
 }
 
 void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
@@ -67,10 +67,14 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
 
 void InstrumentedSignals::updateObservedPortMap() {
     ObservedPortMap old;
+    boost::unordered_flat_set<std::uint64_t> oldKSPorts;
     std::swap(old, m_observedPortMap);
+    m_cachedKSPorts.swap(oldKSPorts);
+    Rollback oldPorts([&]() noexcept { m_cachedKSPorts.swap(oldKSPorts); });
     Rollback rebuilding([&]() noexcept { std::swap(old, m_observedPortMap); });
     for (const SignalPtr& signal : m_signals) addToObservedPortMap(signal);
     rebuilding.commit();
+    if (isAnyPortObserved()) oldPorts.commit();
 }
 
 bool InstrumentedSignals::isAnyPortObserved() const {

@@ -83,8 +83,8 @@ TEST_F(RandomOperations, theSetAgreesWithItsPlainModel) {
     EXPECT_TRUE(orvex::warnings().empty());
     RecordProperty("sequences", std::to_string(totals.sequences));
     RecordProperty("steps", std::to_string(totals.steps));
-    std::cout << totals.sequences << " sequences, " << totals.steps << " steps, " << totals.questions << " questions, "
-              << totals.yes << " of them answered yes\n";
+    std::cout << totals.sequences << " sequences, " << totals.steps << " steps, " << totals.failures
+              << " of them failed, " << totals.questions << " questions, " << totals.yes << " of them answered yes\n";
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <new>
+#include <optional>
 #include <stdexcept>
 
 #include "tests/support/host_test.h"
@@ -30,7 +32,7 @@ inline PlainParameters parametersOf(const ks_hmi::SignalSpecification& spec) {
 
 /// How much was compared.
 struct Totals {
-    std::size_t sequences = 0, steps = 0, questions = 0, yes = 0;
+    std::size_t sequences = 0, steps = 0, failures = 0, questions = 0, yes = 0;
 };
 
 class Disagreement : public std::runtime_error {
@@ -47,7 +49,7 @@ public:
     /// Throws `Disagreement` when the operation's own answers, or what can be observed afterwards, differ.
     void apply(const Operation& o) {
         ++m_totals.steps;
-        applyToBoth(m_sides[o.side], m_sides[1 - o.side], o);
+        attempt(o);
         for (Side& side : m_sides) compareList(side);
         for (const Record& record : m_records) compareRecord(record);
         for (Side& side : m_sides) comparePorts(side);
@@ -74,10 +76,27 @@ private:
         if (plain) ++m_totals.yes;
         agree(what, real, plain);
     }
-    /// The real operation raises just when there is no such position.
-    template <class Action>
-    void agreeOnPosition(const char* what, Action action, bool plain) {
-        agree(what, raisedBy(action).empty(), plain);
+    /// The real operation raises just when there is no such position. It goes first: should memory run out, the
+    /// plain one must not have happened.
+    template <class Action, class PlainAction>
+    void agreeOnPosition(const char* what, Action action, PlainAction plainAction) {
+        const bool isAccepted = raisedBy(action).empty();
+        agree(what, isAccepted, plainAction());
+    }
+
+    /// Nothing happens to the real side, and so to neither, when memory runs out; but a renumbering and a rebuild of
+    /// the chart index that stop half way are not undone, and a change of a record is the test's own.
+    void attempt(const Operation& o) {
+        const bool isUndone = o.kind != Kind::renumber && o.kind != Kind::update && o.kind != Kind::change;
+        const bool canFail = o.failAt != 0 && isUndone;
+        std::optional<orvex::FaultInjection> faults;
+        if (canFail) faults.emplace(orvex::FaultPlan{o.failAt, false, orvex::FaultKind::outOfMemory});
+        try {
+            applyToBoth(m_sides[o.side], m_sides[1 - o.side], o);
+        } catch (const std::bad_alloc&) {
+            if (!faults || faults->fired() == 0) throw;
+            ++m_totals.failures;
+        }
     }
 
     // ---- operations ----
@@ -138,20 +157,20 @@ private:
         if (grows && real.getCount() >= kMostSignals) return;
         if (o.kind == Kind::removeAt) {
             return agreeOnPosition(
-                "remove", [&] { real.remove(o.position); }, side.plain.removeAt(o.position));
+                "remove", [&] { real.remove(o.position); }, [&] { return side.plain.removeAt(o.position); });
         }
         const Record record = recordFor(o);
         if (o.kind == Kind::add) {
             real.add(record.real);
             side.plain.insert(side.plain.signals.size(), record.plain);
         } else if (o.kind == Kind::insert) {
-            const bool accepted = side.plain.insert(o.position, record.plain);
             agreeOnPosition(
-                "insert", [&] { real.insert(o.position, record.real); }, accepted);
+                "insert", [&] { real.insert(o.position, record.real); },
+                [&] { return side.plain.insert(o.position, record.plain); });
         } else if (o.kind == Kind::set) {
-            const bool accepted = side.plain.set(o.position, record.plain);
             agreeOnPosition(
-                "set", [&] { real.set(o.position, record.real); }, accepted);
+                "set", [&] { real.set(o.position, record.real); },
+                [&] { return side.plain.set(o.position, record.plain); });
         } else {
             real.remove(*record.real);
             side.plain.remove(*record.plain);
@@ -209,10 +228,20 @@ private:
     }
     void saveAndLoad(Side& side, Side& other) {
         const std::size_t before = other.real().getCount();
-        const std::vector<PlainSignalPtr> saved = side.plain.signals;
+        std::vector<PlainSignalPtr> saved = side.plain.signals;
         if (before + saved.size() > kMostSignals) return;
-        other.real().setFromPersistenceData(side.real().getPersistenceData().get());
+        const HvArrayPtr data = side.real().getPersistenceData();
+        try {
+            other.real().setFromPersistenceData(data.get());
+        } catch (const std::bad_alloc&) {
+            saved.resize(other.real().getCount() - before);
+            enterLoaded(other, before, saved);
+            throw;
+        }
         agree("the length after loading", other.real().getCount(), before + saved.size());
+        enterLoaded(other, before, saved);
+    }
+    void enterLoaded(Side& other, std::size_t before, const std::vector<PlainSignalPtr>& saved) {
         for (std::size_t i = 0; i < saved.size(); ++i) {
             const auto loaded = std::make_shared<PlainSignal>(saved[i]->asLoaded());
             enter(other.real().share(before + i), loaded);

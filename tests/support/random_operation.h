@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <random>
@@ -63,14 +64,19 @@ struct Operation {
     const char16_t *model, *path, *subPath, *eid, *domain, *ssid, *activity;
     double handle;
     int outputPort, cachedPort, logicalPort;
+    std::size_t failAt;  ///< which host operation fails for want of memory, 1-based; 0 for none
     std::vector<int> newNumbers;
 };
 
 class Draws {
 public:
-    explicit Draws(unsigned seed) : m_random(seed) {}
+    using Numbers = std::function<std::size_t()>;
 
-    std::size_t below(std::size_t limit) { return m_random() % limit; }
+    explicit Draws(unsigned seed) : m_next(std::mt19937(seed)) {}
+    /// Draws from what `next` gives; a byte at a time is enough.
+    explicit Draws(Numbers next) : m_next(std::move(next)) {}
+
+    std::size_t below(std::size_t limit) { return m_next() % limit; }
     template <class Choices>
     auto from(const Choices& choices) {
         return choices[below(std::size(choices))];
@@ -97,12 +103,13 @@ public:
         o.outputPort = from(kPorts);
         o.cachedPort = from(kPorts);
         o.logicalPort = static_cast<int>(below(3)) - (below(2) == 0 ? 1 : 0);
+        o.failAt = below(4) == 0 ? 1 + below(12) : 0;
         for (std::size_t i = below(4); i > 0; --i) o.newNumbers.push_back(from(kPorts));
         return o;
     }
 
 private:
-    std::mt19937 m_random;
+    Numbers m_next;
 };
 
 inline std::string describe(const Operation& o) {
@@ -112,7 +119,7 @@ inline std::string describe(const Operation& o) {
          << " path=" << utf8(o.path) << " subPath=" << utf8(o.subPath) << " eid=" << utf8(o.eid)
          << " domain=" << utf8(o.domain) << " ssid=" << utf8(o.ssid) << " activity=" << utf8(o.activity)
          << " handle=" << utf8(plainNumber(o.handle)) << " ports=" << o.outputPort << '/' << o.cachedPort << '/'
-         << o.logicalPort << " newNumbers=";
+         << o.logicalPort << " failAt=" << o.failAt << " newNumbers=";
     for (const int number : o.newNumbers) line << number << ',';
     return line.str();
 }
