@@ -2,6 +2,7 @@
 
 build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev libfmt-dev libgtest-dev)
 lint_packages=(clang-format clang-tidy)
+fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev)
 
 works_with_cxx20() {
@@ -27,6 +28,12 @@ boost_is_recent() {
 declare -A headers=([libcli11-dev]=CLI/CLI.hpp [libfmt-dev]=fmt/format.h [libgtest-dev]=gtest/gtest.h
     [libbenchmark-dev]=benchmark/benchmark.h)
 has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -E -x c++ - >/dev/null 2>&1; }
+
+has_fuzzer() {
+    local library
+    for library in "$(clang++ -print-resource-dir 2>/dev/null)"/lib/*/libclang_rt.fuzzer*; do [[ -e $library ]] && return 0; done
+    return 1
+}
 
 has_package() { [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]; }
 

@@ -1,0 +1,101 @@
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+
+#include "fuzz/fuzz_host.h"
+#include "kshmi/command_line.h"
+#include "kshmi/error.h"
+#include "kshmi/host_process.h"
+#include "kshmi/session.h"
+
+/// Model files: loaded, shown and asked about with the tool, saved and loaded again.
+
+namespace {
+
+using ks_fuzz::require;
+
+class Directory {
+public:
+    Directory() {
+        // Where there is one, a file system in memory: saving waits until all is on disk.
+        const std::filesystem::path memory("/dev/shm");
+        const auto place = std::filesystem::exists(memory) ? memory : std::filesystem::temp_directory_path();
+        m_path = (place / "kshmi-fuzz-XXXXXX").string();
+        require(::mkdtemp(m_path.data()) != nullptr, "there is no place for files");
+    }
+    Directory(const Directory&) = delete;
+    Directory& operator=(const Directory&) = delete;
+    ~Directory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    std::string file() const { return m_path + "/model.json"; }
+
+private:
+    std::string m_path;
+};
+
+std::string contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool hasControlCharacters(const std::string& text) {
+    for (const char c : text)
+        if ((static_cast<unsigned char>(c) < 0x20 && c != '\n') || c == 0x7f) return true;
+    return false;
+}
+
+int run(std::vector<std::string> words) {
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = kshmi::runCommandLine(std::move(words), {out, err});
+    require(code >= 0 && code <= 2, "an exit code that means nothing");
+    require((code == 2) <= !err.str().empty(), "an error without a message");
+    require(!hasControlCharacters(out.str() + err.str()), "control characters in the output");
+    return code;
+}
+
+/// Whether the file is a model; the bytes that saving gives are then in it.
+bool isSaved(const std::string& path, kshmi::Session::Opening opening) {
+    try {
+        kshmi::Session session(path, opening);
+        session.save();
+        return true;
+    } catch (const kshmi::Error&) {
+        return false;
+    }
+}
+
+void ask(const std::string& path) {
+    run({"show", path});
+    run({"show", path, "--json"});
+    run({"clients", path});
+    run({"ports", path});
+    run({"query", path, "--all", "**"});
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const Directory directory;
+    static std::ostringstream warnings;
+    static const bool isEntered = (kshmi::enterHost(warnings), true);
+    require(isEntered, "the host was not entered");
+    const std::string path = directory.file();
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    std::ofstream(path, std::ios::binary) << text;
+    ask(path);
+    require(contents(path) == text, "a query has changed the file");
+    if (isSaved(path, kshmi::Session::Opening::lenient)) {
+        const std::string saved = contents(path);
+        require(isSaved(path, kshmi::Session::Opening::lenient), "what was saved is refused");
+        require(contents(path) == saved, "saving what was loaded gives other bytes");
+    }
+    ks_fuzz::requireNothingLives();
+    return 0;
+}
