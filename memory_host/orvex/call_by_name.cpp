@@ -1,5 +1,7 @@
 #include <cstdlib>
+#include <exception>
 #include <memory>
+#include <new>
 #include <utility>
 
 #include "host/services.h"
@@ -23,29 +25,30 @@ constexpr int kGreatestDepth = 500;
 class PinnedInputs {
 public:
     explicit PinnedInputs(std::span<const hvArray* const> ins) {
+        m_pins.reserve(ins.size());
         m_inputs.reserve(ins.size());
         m_payloads.reserve(ins.size());
         for (const hvArray* input : ins) pin(input);
-    }
-    PinnedInputs(const PinnedInputs&) = delete;
-    PinnedInputs& operator=(const PinnedInputs&) = delete;
-    ~PinnedInputs() {
-        for (const hvArray* input : m_inputs) giveUp(input);
     }
 
     std::span<const hvArray* const> inputs() const noexcept { return m_inputs; }
 
 private:
+    struct Unpin {
+        void operator()(const hvArray* input) const noexcept { giveUp(input); }
+    };
+
     void pin(const hvArray* input) {
-        if (!input) {
-            m_inputs.push_back(makeEmpty("a missing input").release());
-            return;
-        }
-        share(input);
+        if (input)
+            share(input);
+        else
+            input = makeEmpty("a missing input").release();
+        m_pins.emplace_back(input);
         m_inputs.push_back(input);
         if (objectsOf(input)) m_payloads.push_back(input->m_payload);
     }
 
+    std::vector<std::unique_ptr<const hvArray, Unpin>> m_pins;
     std::vector<const hvArray*> m_inputs;
     std::vector<std::shared_ptr<const Payload>> m_payloads;
 };
@@ -68,6 +71,19 @@ void dispatch(Call& call) {
     raise("UndefinedFunction", text + ".");
 }
 
+/// What a function throws is a failure of the call, whatever its type.
+void dispatchAsHost(Call& call) {
+    try {
+        dispatch(call);
+    } catch (const kssvIException&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& failure) {
+        raise("UnexpectedException", failure.what());
+    }
+}
+
 using Results = std::vector<HvArrayPtr>;
 
 Results substitutes(Outcome outcome, std::size_t count) {
@@ -88,7 +104,7 @@ Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut
     const PinnedInputs pinned(ins);
     Results results(slots);
     Call call{nOut, results, pinned.inputs(), name};
-    dispatch(call);
+    dispatchAsHost(call);
     for (const HvArrayPtr& result : results) leaveLocalScope(result.get());
     return results;
 }
