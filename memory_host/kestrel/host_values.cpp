@@ -1,10 +1,13 @@
 #include "memory_host/kestrel/host_values.h"
 
+#include <optional>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "host/text.h"
 #include "memory_host/orvex/hv_array_impl.h"
+#include "memory_host/orvex/types.h"
 
 namespace kestrel {
 
@@ -48,6 +51,20 @@ std::string quoted(std::u16string_view text) { return "\"" + fl::i18n::to_string
 HvArrayPtr callForOne(std::string_view name, std::initializer_list<const hvArray*> ins) {
     std::vector<HvArrayPtr> results = orvex::callByName(name, std::span(ins.begin(), ins.size()), 1);
     return std::move(results.front());
+}
+
+bool truthAt(const orvex::Call& call, std::size_t position) {
+    const hos::COSType type(hos::COSType::Kind::logical, "logical scalar");
+    const hvArray* const value = call.ins[position];
+    const std::optional<hos::Argument> truth = orvex::convertByType(type, value);
+    if (truth) return std::get<bool>(*truth);
+    orvex::refuseValue(type, value,
+                       "Argument " + std::to_string(position + 1) + " of \"" + std::string(call.name) + "\"");
+}
+
+bool isOnChart(const hvArray* signal) {
+    const std::u16string domain = textProperty(signal, "DomainType_");
+    return domain == u"cw_chart" || domain == u"cw_state" || domain == u"cw_data";
 }
 
 void requireInputs(const orvex::Call& call, std::size_t count) {

@@ -36,6 +36,11 @@ std::string quoted(std::u16string_view text);
 
 /// Calls with one result. Throws as the call does.
 HvArrayPtr callForOne(std::string_view name, std::initializer_list<const hvArray*> ins);
+/// A flag among a call's inputs (0-based position): a logical, or a number, as a logical. Throws the host's exception
+/// for anything else.
+bool truthAt(const orvex::Call& call, std::size_t position);
+/// Whether a signal object is on a chart, a state or a datum; any other domain is a port's.
+bool isOnChart(const hvArray* signal);
 /// Throws the host's exception unless the call has exactly that many inputs.
 void requireInputs(const orvex::Call& call, std::size_t count);
 /// Fills an object's properties from the fields of the same names of a 1x1 struct. Throws the host's

@@ -38,14 +38,14 @@ std::u16string openNameFor(const std::u16string& oldName) {
     return told == g_renames.rend() ? oldName : told->newName;
 }
 
-/// Records the rename and gives the open model its new name, unless it has it already.
+/// Records the rename and gives the model of the old name its new one, should it still be open under the old.
+/// Throws the host's exception for a name that no model can have and for one that another open model has.
 void renameModel(orvex::Call& call) {
     requireInputs(call, 3);
     orvex::requireScriptObject(call.ins[0], kClassName);
     const ModelRename rename{textOf(call.ins[1]), textOf(call.ins[2])};
     const std::u16string openName = openNameFor(rename.oldName);
     g_renames.push_back(rename);
-    if (loadedModels().find(rename.newName)) return;
     try {
         loadedModels().rename(openName, rename.newName);
     } catch (const ModelError& refusal) {

@@ -24,8 +24,6 @@ struct ObservedPort {
 
 bool flagProperty(const hvArray* object, const char* name) { return numberProperty(object, name) != 0.0; }
 
-bool isChart(const hvArray* signal) { return textProperty(signal, "DomainType_").starts_with(u"cw_"); }
-
 LoadedBlock blockOf(const hvArray* signal) {
     const std::u16string eid = textProperty(signal, "EID_");
     return eid.empty() ? findByFullPath(textProperty(signal, "BlockPath_")) : findByFullEid(fl::i18n::to_string(eid));
@@ -44,7 +42,7 @@ std::vector<ObservedPort> observedPorts(const LoadedModel& open) {
     const double count = open.signals() ? numberProperty(open.signals(), "Count") : 0.0;
     for (double position = 1.0; position <= count; ++position) {
         HvArrayPtr signal = callForOne("get", {open.signals(), numberValue(position).get()});
-        if (isChart(signal.get())) continue;
+        if (isOnChart(signal.get())) continue;
         if (const LoadedBlock block = blockOf(signal.get())) ports.push_back({std::move(signal), block});
     }
     return ports;
@@ -85,8 +83,8 @@ std::u16string fullPathOf(const ObservedPort& port) { return port.block.owner->m
 void filter(std::vector<ObservedPort>& ports, const orvex::Call& call) {
     const std::u16string below = textOf(call.ins[1]);
     const std::u16string visualType = textOf(call.ins[2]);
-    const bool withHidden = hvIsLogicalScalarTrue(call.ins[3]);
-    const bool withUnsaved = hvIsLogicalScalarTrue(call.ins[4]);
+    const bool withHidden = truthAt(call, 3);
+    const bool withUnsaved = truthAt(call, 4);
     std::erase_if(ports, [&](const ObservedPort& port) {
         const hvArray* signal = port.signal.get();
         return !isAtOrBelow(fullPathOf(port), below) ||

@@ -1,3 +1,4 @@
+#include <cmath>
 #include <optional>
 
 #include "host/text.h"
@@ -27,10 +28,11 @@ Binding currentBinding(const hvArray* signal) {
     return binding;
 }
 
-/// A block whose ports have become too few does not resolve a port; charts are observed as a whole.
+/// A block resolves the ports only that it has; charts are observed as a whole.
 bool hasPort(const LoadedBlock& found, const hvArray* signal) {
-    if (!textProperty(signal, "DomainType_").empty()) return true;
-    return numberProperty(signal, "OutputPortIndex_") <= static_cast<double>(found.block->outputs.size());
+    if (isOnChart(signal)) return true;
+    const double port = numberProperty(signal, "OutputPortIndex_");
+    return port >= 1.0 && port <= static_cast<double>(found.block->outputs.size()) && port == std::floor(port);
 }
 
 Binding boundTo(const LoadedBlock& found, const hvArray* signal, const char16_t* rule) {
@@ -67,7 +69,7 @@ void assign(hvArray* signal, const Binding& binding) {
 void applyRebindingRules(orvex::Call& call) {
     requireInputs(call, 2);
     const hvArray* set = call.ins[0];
-    const bool all = hvIsLogicalScalarTrue(call.ins[1]);
+    const bool all = truthAt(call, 1);
     const double count = numberProperty(set, "Count");
     for (double position = 1.0; position <= count; ++position) {
         const HvArrayPtr where = numberValue(position);
