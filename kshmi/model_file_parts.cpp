@@ -51,7 +51,7 @@ kestrel::Model ModelFileParts::buildModel() {
         kestrel::Model model(m_name);
         for (std::size_t i = 0; i < m_blocks.size(); ++i) {
             kestrel::Block& block = m_blocks[i].block;
-            const bool isPathBad = block.path.empty() || model.findByPath(block.path);
+            const bool isPathBad = !kestrel::isBlockPath(block.path) || model.findByPath(block.path);
             line = m_blocks[i].line;
             pointer = "/blocks/" + std::to_string(i) + (isPathBad ? "/path" : "/eid");
             model.add(std::move(block));

@@ -13,8 +13,7 @@ namespace {
 
 std::u16string requirePath(const kestrel::Model& model, const std::string& text) {
     std::u16string path = withoutModel(model, text);
-    const bool isBad = path.empty() || path.front() == u'/' || path.back() == u'/' ||
-                       path.find(u"//") != std::u16string::npos || path.find(u'\0') != std::u16string::npos;
+    const bool isBad = !kestrel::isBlockPath(path) || path.find(u'\0') != std::u16string::npos;
     if (isBad) throw Error(quoted(text) + ": is no path; give names with one '/' between them");
     return path;
 }

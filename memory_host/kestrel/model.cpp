@@ -23,10 +23,23 @@ void checkName(const std::u16string& name) {
     throw ModelError("Model " + quoted(fl::i18n::to_string(modelName)) + " has no block " + quoted(text) + ".", text);
 }
 
-[[noreturn]] void throwTaken(const std::u16string& modelName, const char* what, const std::string& text) {
-    throw ModelError(
-        "Model " + quoted(fl::i18n::to_string(modelName)) + " has a block with the " + what + " " + quoted(text) + ".",
-        text);
+void checkPath(std::u16string_view path) {
+    if (isBlockPath(path)) return;
+    const std::string text = fl::i18n::to_string(std::u16string(path));
+    throw ModelError("A block's path is names with '/' between them, and " + quoted(text) + " is none.", text);
+}
+
+[[noreturn]] void throwPathTaken(const std::u16string& modelName, const Block& holder) {
+    const std::string path = fl::i18n::to_string(holder.path);
+    throw ModelError("Model " + quoted(fl::i18n::to_string(modelName)) + " has a block with the path " + quoted(path) +
+                         " (element identifier " + quoted(holder.eid) + ").",
+                     path);
+}
+
+[[noreturn]] void throwEidTaken(const std::u16string& modelName, const Block& holder) {
+    throw ModelError("Model " + quoted(fl::i18n::to_string(modelName)) + " has a block with the element identifier " +
+                         quoted(holder.eid) + " (path " + quoted(fl::i18n::to_string(holder.path)) + ").",
+                     holder.eid);
 }
 
 bool isBelow(std::u16string_view path, std::u16string_view parent) {
@@ -37,6 +50,11 @@ bool isBelow(std::u16string_view path, std::u16string_view parent) {
 
 ModelError::ModelError(const std::string& text, std::string subject)
     : std::runtime_error(text), m_subject(std::move(subject)) {}
+
+bool isBlockPath(std::u16string_view text) noexcept {
+    return !text.empty() && text.front() != u'/' && text.back() != u'/' &&
+           text.find(u"//") == std::u16string_view::npos;
+}
 
 Model::Model(std::u16string name) : m_name(std::move(name)) { checkName(m_name); }
 Model::Model(Model&&) noexcept = default;
@@ -49,13 +67,13 @@ void Model::rename(std::u16string name) {
 }
 
 const Block& Model::add(Block block) {
-    if (block.path.empty()) throw ModelError("A block needs a path.", block.eid);
+    checkPath(block.path);
     if (block.eid.empty()) {
         const std::string text = fl::i18n::to_string(block.path);
         throw ModelError("The block " + quoted(text) + " needs an element identifier.", text);
     }
-    if (findByPath(block.path)) throwTaken(m_name, "path", fl::i18n::to_string(block.path));
-    if (findByEid(block.eid)) throwTaken(m_name, "element identifier", block.eid);
+    if (const Block* there = findByPath(block.path)) throwPathTaken(m_name, *there);
+    if (const Block* there = findByEid(block.eid)) throwEidTaken(m_name, *there);
     block.handle = 0.0;
     Block& added = m_blocks.emplace_back(std::move(block));
     m_byPath.emplace(added.path, &added);
@@ -66,7 +84,7 @@ const Block& Model::add(Block block) {
 std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
     if (!findByPath(path)) throwNoBlock(m_name, path);
     const std::string text = fl::i18n::to_string(std::u16string(newPath));
-    if (newPath.empty()) throw ModelError("A block needs a path to move to.", text);
+    checkPath(newPath);
     if (isBelow(newPath, path)) throw ModelError("A block cannot move below itself, to " + quoted(text) + ".", text);
 
     std::vector<std::pair<Block*, std::u16string>> moving;
@@ -78,7 +96,7 @@ std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
     }
     for (const auto& [block, movedPath] : moving) {
         const Block* there = findByPath(movedPath);
-        if (there && !isMoving.contains(there)) throwTaken(m_name, "path", fl::i18n::to_string(movedPath));
+        if (there && !isMoving.contains(there)) throwPathTaken(m_name, *there);
     }
     std::vector<decltype(m_byPath)::node_type> entries;
     entries.reserve(moving.size());

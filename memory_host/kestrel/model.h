@@ -27,6 +27,9 @@ private:
     std::string m_subject;
 };
 
+/// Whether a text can be a block's path: names, none of them empty, with '/' between them.
+OX_API bool isBlockPath(std::u16string_view text) noexcept;
+
 /// A state inside a chart: its path below the chart ("Cruise/Hold") and its identifier within the chart.
 struct ChartState {
     std::u16string path;
@@ -70,11 +73,11 @@ public:
     /// Throws as the constructor; the name is then unchanged.
     void rename(std::u16string name);
 
-    /// Appends a block. Throws `ModelError` for an empty or taken path and for an empty or taken
-    /// element identifier; the model is then unchanged. The parent need not exist.
+    /// Appends a block. Throws `ModelError` for a text that is no path or is taken, and for an empty or
+    /// taken element identifier; the model is then unchanged. The parent need not exist.
     const Block& add(Block block);
     /// Gives the block at `path` and all blocks below it ("path/...") new paths. Throws `ModelError`
-    /// when there is no such block, the new path is empty, lies below the old one, or any path that
+    /// when there is no such block, the new text is no path, lies below the old one, or any path that
     /// would result is taken; the model is then unchanged. Returns how many blocks moved.
     std::size_t move(std::u16string_view path, std::u16string_view newPath);
     /// Replaces the names of a block's output ports. Throws `ModelError` when there is no such block.

@@ -77,6 +77,9 @@ TEST_F(Kestrel, modelsRefuseWhatWouldMakeAReferenceAmbiguous) {
     EXPECT_EQ(failureOf([&] { model.move(u"Air", u"Air/Inner"); }), "Air/Inner");
     EXPECT_EQ(failureOf([&] { model.move(u"Air", u"Airbag"); }), "Airbag");
     EXPECT_EQ(failureOf([&] { model.move(u"Fuel", u"Oil"); }), "Fuel");
+    EXPECT_EQ(failureOf([&] { model.move(u"Air", u"Oil/"); }), "Oil/");
+    for (const char16_t* const path : {u"", u"/Oil", u"Oil/", u"Oil//Filter"})
+        EXPECT_NE(failureOf([&] { model.add({.path = path, .eid = "9"}); }), "(no failure)");
     EXPECT_EQ(model.blocks().size(), 3u);
     EXPECT_EQ(model.name(), u"engine");
 }
@@ -215,12 +218,23 @@ TEST_F(Kestrel, rebindingFindsPortsByIdentifierThenByPathAndForgetsTheRest) {
     for (const HvArrayPtr& item : set.items()) put(item, "OutputPortIndex_", 1.0);
     put(set.items()[2], "CachedBlockHandle_", 123456.5);
     put(set.items()[3], "OutputPortIndex_", 2.0);
+    for (const double port : {0.0, 1.5, 0.0}) {
+        set.items().push_back(signal("engine/Air/Throttle", "engine:2"));
+        put(set.items().back(), "OutputPortIndex_", port);
+    }
+    put(set.items()[5], "DomainType_", "cw_unheard_of");
+    put(set.items()[6], "DomainType_", "cw_state");
 
-    const HvArrayPtr all(hvCreateLogicalScalar(true));
+    const HvArrayPtr all(hvCreateDoubleScalar(1.0));
     const HvArrayPtr staleOnly(hvCreateLogicalScalar(false));
+    EXPECT_NE(failureOf([&] {
+                  call("applyRebindingRules", {set.object(), set.object()}, 0);
+              }).find("Argument 2 of"),
+              std::string::npos);
     call("applyRebindingRules", {set.object(), all.get()}, 0);
-    const char* const rules[] = {"eid", "path", "", ""};
-    const double handles[] = {model.findByEid("2")->handle, model.findByEid("1")->handle, 0.0, 0.0};
+    const char* const rules[] = {"eid", "path", "", "", "", "", "eid"};
+    const double throttle = model.findByEid("2")->handle;
+    const double handles[] = {throttle, model.findByEid("1")->handle, 0.0, 0.0, 0.0, 0.0, throttle};
     for (std::size_t i = 0; i < set.items().size(); ++i) {
         const HvArrayPtr handle = read(set.items()[i].get(), "CachedBlockHandle_");
         EXPECT_EQ(readText(set.items()[i].get(), "BindingRule_"), rules[i]);
@@ -295,7 +309,10 @@ TEST_F(Kestrel, theManagerIsOneAndFollowsAModelThroughSeveralRenames) {
     tell("engine", "drive");
     EXPECT_NE(loadedModels().find(u"drive"), nullptr);
     EXPECT_NE(failureOf([&] { tell("drive", "a/b"); }).find("\"a/b\""), std::string::npos);
-    EXPECT_EQ(kestrel::recordedRenames().size(), 3u);
+    loadedModels().load(Model(u"other"));
+    EXPECT_NE(failureOf([&] { tell("drive", "other"); }).find("\"other\" is open"), std::string::npos);
+    tell("drive", "drive");
+    EXPECT_EQ(kestrel::recordedRenames().size(), 5u);
     EXPECT_EQ(kestrel::recordedRenames()[1].oldName, u"engine");
 }
 
