@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <numeric>
+#include <utility>
 
 #include "memory_host/orvex/functions.h"
 
@@ -11,20 +13,24 @@ namespace {
 
 using SharedNames = std::shared_ptr<const FieldNames>;
 
+/// Up to here comparing one after the other is as fast as searching.
+constexpr std::size_t kFew = 32;
+
 bool areSame(const FieldNames& known, std::span<const char* const> names) {
     return std::equal(known.begin(), known.end(), names.begin(), names.end(),
                       [](const std::string& one, const char* other) { return other && one == other; });
 }
 
 SharedNames checkedFieldNames(std::span<const char* const> names) {
-    auto made = std::make_shared<FieldNames>();
-    made->reserve(names.size());
+    std::vector<std::string> texts;
+    texts.reserve(names.size());
     for (const char* name : names) {
         if (!name || !*name) raise("InvalidFieldName", "A struct's field needs a name.");
-        if (std::find(made->begin(), made->end(), name) != made->end())
-            raise("InvalidFieldName", "A struct cannot have two fields of the name \"" + std::string(name) + "\".");
-        made->emplace_back(name);
+        texts.emplace_back(name);
     }
+    auto made = std::make_shared<FieldNames>(std::move(texts));
+    if (const std::string* name = made->repeated())
+        raise("InvalidFieldName", "A struct cannot have two fields of the name \"" + *name + "\".");
     return made;
 }
 
@@ -48,11 +54,30 @@ std::string joinedFieldNames(const FieldNames& names) {
     return text.empty() ? "none" : text;
 }
 
-int StructData::fieldNumber(std::string_view name) const noexcept {
-    const auto found = std::find_if(names->begin(), names->end(), [name](const std::string& one) {
-        return one.size() == name.size() && std::memcmp(one.data(), name.data(), name.size()) == 0;
+FieldNames::FieldNames(std::vector<std::string> names) : m_names(std::move(names)), m_byName(m_names.size()) {
+    std::iota(m_byName.begin(), m_byName.end(), std::size_t{0});
+    std::sort(m_byName.begin(), m_byName.end(),
+              [this](std::size_t one, std::size_t other) { return m_names[one] < m_names[other]; });
+}
+
+int FieldNames::find(std::string_view name) const noexcept {
+    if (m_names.size() <= kFew) {
+        const auto found = std::find_if(m_names.begin(), m_names.end(), [name](const std::string& one) {
+            return one.size() == name.size() && std::memcmp(one.data(), name.data(), name.size()) == 0;
+        });
+        return found == m_names.end() ? -1 : static_cast<int>(found - m_names.begin());
+    }
+    const auto found =
+        std::lower_bound(m_byName.begin(), m_byName.end(), name,
+                         [this](std::size_t position, std::string_view text) { return m_names[position] < text; });
+    return found == m_byName.end() || m_names[*found] != name ? -1 : static_cast<int>(*found);
+}
+
+const std::string* FieldNames::repeated() const noexcept {
+    const auto twice = std::adjacent_find(m_byName.begin(), m_byName.end(), [this](std::size_t one, std::size_t other) {
+        return m_names[one] == m_names[other];
     });
-    return found == names->end() ? -1 : static_cast<int>(found - names->begin());
+    return twice == m_byName.end() ? nullptr : &m_names[*twice];
 }
 
 }  // namespace orvex

@@ -78,14 +78,31 @@ private:
     std::vector<HvArrayPtr> m_values;
 };
 
-using FieldNames = std::vector<std::string>;
+/// A struct's field names in order.
+class FieldNames {
+public:
+    explicit FieldNames(std::vector<std::string> names);
+
+    auto begin() const noexcept { return m_names.begin(); }
+    auto end() const noexcept { return m_names.end(); }
+    std::size_t size() const noexcept { return m_names.size(); }
+    const std::string& operator[](std::size_t position) const noexcept { return m_names[position]; }
+    /// Position of the name, or -1.
+    int find(std::string_view name) const noexcept;
+    /// A name that is there more than once; null when there is none.
+    const std::string* repeated() const noexcept;
+
+private:
+    std::vector<std::string> m_names;
+    std::vector<std::size_t> m_byName;  ///< positions, sorted by name
+};
 
 struct StructData {
     std::shared_ptr<const FieldNames> names;
     Children values;  ///< the fields of the first element, then those of the second, ...
 
     /// Position of the name, or -1.
-    int fieldNumber(std::string_view name) const noexcept;
+    int fieldNumber(std::string_view name) const noexcept { return names->find(name); }
 };
 struct CellData {
     Children cells;
