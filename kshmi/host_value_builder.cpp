@@ -29,6 +29,12 @@ constexpr std::array<std::pair<std::string_view, hvClassID>, 14> kClassNames{{{"
                                                                               {"int64", hvINT64_CLASS},
                                                                               {"uint64", hvUINT64_CLASS}}};
 
+std::string classNames() {
+    std::string list;
+    for (const auto& [name, classId] : kClassNames) list += (list.empty() ? "" : ", ") + std::string(name);
+    return list;
+}
+
 bool isContainer(hvClassID classId) { return classId == hvCELL_CLASS || classId == hvSTRUCT_CLASS; }
 
 HvArrayPtr structOf(const std::vector<std::size_t>& size, const std::vector<std::string>& names,
@@ -204,7 +210,8 @@ void HostValueBuilder::string(std::string_view text) {
 void HostValueBuilder::taggedString(Node& node, std::string_view text) {
     if (node.member == Member::className) {
         node.classId = classOfName(text);
-        if (node.classId == hvUNKNOWN_CLASS) throw Error("the class " + quoted(text) + " is unknown");
+        if (node.classId == hvUNKNOWN_CLASS)
+            throw Error("the class " + quoted(text) + " is unknown; use one of " + classNames());
         node.member = Member::none;
     } else if (node.isListOpen && node.member == Member::fields) {
         node.names.emplace_back(text);
@@ -221,7 +228,7 @@ void HostValueBuilder::number(std::string_view text) {
     Node* const node = taggedTop();
     if (!node) return deliver(HvArrayPtr(hvCreateDoubleScalar(numberOfText(text))));
     if (node->isListOpen && node->member == Member::size)
-        node->size.push_back(elementOfNumber(hvUINT64_CLASS, text));
+        node->size.push_back(lengthOfText(text));
     else if (node->isListOpen && node->member == Member::elements)
         node->bits.push_back(elementOfNumber(node->classId, text));
     else

@@ -1,5 +1,7 @@
 #include "kshmi/number_text.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <bit>
 #include <charconv>
@@ -22,11 +24,13 @@ constexpr std::string_view kMinusInfinity = "-Infinity";
 
 template <typename T>
 T parsed(std::string_view text, const char* wanted) {
+    using Limits = std::numeric_limits<T>;
     T value{};
     const char* const end = text.data() + text.size();
     const auto [stop, code] = std::from_chars(text.data(), end, value);
-    if (code != std::errc() || stop != end) throw Error("the number " + std::string(text) + " is no " + wanted);
-    return value;
+    if (code == std::errc() && stop == end) return value;
+    throw Error(fmt::format("the number {} is no {}; give a {}number from {} to {}", text, wanted,
+                            std::is_integral_v<T> ? "whole " : "", Limits::lowest(), Limits::max()));
 }
 
 template <typename T, typename... Base>
@@ -82,7 +86,9 @@ std::uint64_t integerBits(std::string_view text, const char* className) {
 
 std::string textOfNumber(double value) { return textOfFloat(value); }
 
-double numberOfText(std::string_view text) { return parsed<double>(text, "double: it is out of range"); }
+double numberOfText(std::string_view text) { return parsed<double>(text, "double"); }
+
+std::size_t lengthOfText(std::string_view text) { return parsed<std::size_t>(text, "length"); }
 
 std::string textOfElement(hvClassID classId, std::uint64_t bits) {
     switch (classId) {
@@ -107,7 +113,7 @@ std::uint64_t elementOfNumber(hvClassID classId, std::string_view text) {
         case hvDOUBLE_CLASS:
             return std::bit_cast<std::uint64_t>(numberOfText(text));
         case hvSINGLE_CLASS:
-            return std::bit_cast<std::uint32_t>(parsed<float>(text, "single: it is out of range"));
+            return std::bit_cast<std::uint32_t>(parsed<float>(text, "single"));
         case hvINT8_CLASS:
             return integerBits<std::int8_t>(text, "int8");
         case hvUINT8_CLASS:

@@ -16,6 +16,9 @@ std::string textOfNumber(double value);
 /// Throws `Error` for a number that does not fit a double.
 double numberOfText(std::string_view text);
 
+/// A length in "size". Throws `Error` for a number that is none.
+std::size_t lengthOfText(std::string_view text);
+
 /// An element of an array of that class, as JSON: a number, or a quoted text for what JSON has no number
 /// for ("NaN", "-Infinity", "NaN:7ff8000000000001").
 std::string textOfElement(hvClassID classId, std::uint64_t bits);

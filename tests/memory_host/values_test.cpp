@@ -110,6 +110,25 @@ TEST_F(HostValues, nullAndForeignValuesAreNeverUndefinedBehaviour) {
     EXPECT_STREQ(hvGetFieldNameByNumber(records.get(), 1), "b");
 }
 
+TEST_F(HostValues, wideStructsFindTheirFields) {
+    constexpr std::size_t kWide = 200;
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < kWide; ++i) names.push_back("f" + std::to_string((i * 7) % kWide));
+    std::vector<const char*> texts;
+    for (const std::string& name : names) texts.push_back(name.c_str());
+    const std::size_t one = 1;
+    const HvArrayPtr record(hvCreateStructArray(1, &one, static_cast<int>(kWide), texts.data()));
+    for (std::size_t i = 0; i < kWide; ++i)
+        hvSetField(record.get(), 0, texts[i], number(static_cast<double>(i)).release());
+    for (std::size_t i = 0; i < kWide; ++i) EXPECT_EQ(fieldOf(record, 0, texts[i]), static_cast<double>(i));
+    EXPECT_EQ(hvGetField(record.get(), 0, "f"), nullptr);
+    EXPECT_EQ(hvGetField(record.get(), 0, "g"), nullptr);
+    EXPECT_STREQ(hvGetFieldNameByNumber(record.get(), 1), "f7");
+    texts.back() = "f7";
+    EXPECT_EQ(failureOf([&] { hvCreateStructArray(1, &one, static_cast<int>(kWide), texts.data()); }),
+              "InvalidFieldName: A struct cannot have two fields of the name \"f7\".");
+}
+
 TEST_F(HostValues, misuseIsRefusedAndNamed) {
     const HvArrayPtr records = structOf(2);
     const HvArrayPtr scalar = number(1);
