@@ -1,6 +1,7 @@
 #include "bindings/hmi_cos_method_info.h"
 
 #include "foundation/errors.h"
+#include "foundation/host_value.h"
 
 namespace ks_hmi_foundation {
 
@@ -28,8 +29,7 @@ std::size_t HMICOSMethodInfo::elementIndex(const hos::Invocation& call, std::siz
 }
 
 void HMICOSMethodInfo::setResult(hos::Invocation& call, HvArrayPtr result) {
-    if (result) hvSetArrayScope(result.get(), hvSCOPE_NONE);
-    call.results[0] = std::move(result);
+    call.results[0] = detached(std::move(result));
     call.resultCount = 1;
 }
 

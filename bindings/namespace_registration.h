@@ -12,7 +12,8 @@
 namespace ks_hmi_foundation {
 namespace {
 
-constexpr int kClassAccess = 0;
+constexpr int kClassAccess = hos::kPublicAccess;
+// The object system's own code, passed through as it stands.
 constexpr int kClassMutability = 2;
 
 void addClasses(hos::COSNamespace& hostNamespace) {

@@ -13,10 +13,6 @@ const hvArray* FieldSource::require(const char* name) {
     return value;
 }
 
-void FieldSource::requireNumber(const hvArray* value, const char* name) const {
-    if (!numberAt(value, 0)) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
-}
-
 double FieldSource::numberIn(const hvArray* value, const char* name) const {
     const std::optional<double> number = numberAt(value, 0);
     if (!number) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
@@ -55,7 +51,7 @@ std::vector<std::string> FieldSource::narrowTexts(const char* name) { return cel
 std::uint64_t FieldSource::widened(const char* name) {
     const hvArray* const value = find(name);
     if (value == nullptr) return 0;
-    requireNumber(value, name);
+    numberIn(value, name);  // refuses what holds no number
     const auto low = static_cast<std::int32_t>(hvGetScalarInt(value));
     return static_cast<std::uint64_t>(std::int64_t{low});
 }

@@ -48,7 +48,6 @@ public:
 
 private:
     double numberIn(const hvArray* value, const char* name) const;
-    void requireNumber(const hvArray* value, const char* name) const;
     template <class Text>
     std::vector<Text> cellsOf(const char* name, Text (*read)(const hvArray*));
 };

@@ -87,6 +87,11 @@ std::int32_t toInt32(double number) noexcept {
     return static_cast<std::int32_t>(number);
 }
 
+HvArrayPtr detached(HvArrayPtr value) noexcept {
+    if (value) hvSetArrayScope(value.get(), hvSCOPE_NONE);
+    return value;
+}
+
 HvArrayPtr inLocalScope(HvArrayPtr value) noexcept {
     if (value) kssvSetLocalScope(value.get());
     return value;

@@ -42,6 +42,9 @@ std::optional<double> numberAt(const hvArray* value, std::size_t index) noexcept
 /// Truncates toward zero and saturates; NaN is 0.
 std::int32_t toInt32(double number) noexcept;
 
+/// Takes the value out of every scope and hands it back: it outlives host calls, and its holder releases it.
+HvArrayPtr detached(HvArrayPtr value) noexcept;
+
 /// Registers the value with the running host call and hands it back; the holder still releases it first.
 HvArrayPtr inLocalScope(HvArrayPtr value) noexcept;
 

@@ -2,8 +2,8 @@
 
 #include <exception>
 
+#include "foundation/host_call.h"
 #include "foundation/host_value.h"
-#include "host/services.h"
 
 namespace ks_hmi {
 
@@ -23,9 +23,7 @@ HvArrayPtr makeTextOrEmpty(std::u16string_view text) {
 void sendBlockParamChange(std::u16string_view blockPath) {
     const HvArrayPtr event = makeTextOrEmpty(u"block_param_change");
     const HvArrayPtr block = makeTextOrEmpty(blockPath);
-    const hvArray* const inputs[] = {event.get(), block.get()};
-    kssvDiagnosticImpl* const refusal = kssvFEVAL_NoThrow(0, nullptr, 2, inputs, "Kestrel.HMI.kshmi", true, nullptr);
-    if (refusal != nullptr) kssvDiscardDiagnostic(refusal);
+    tryCallHostSilently<0>("Kestrel.HMI.kshmi", {event.get(), block.get()});
 }
 
 void discardCaughtException() noexcept {

@@ -12,8 +12,7 @@ using namespace ks_hmi_foundation;
 ModelObservers::ModelObservers(const hvArray* value) {
     validateDataFormat(value);
     if (hvIsEmpty(value)) return;
-    m_observers.reset(hvCreateSharedDataCopy(value));
-    hvSetArrayScope(m_observers.get(), nullptr);
+    m_observers = detached(HvArrayPtr(hvCreateSharedDataCopy(value)));
 }
 
 ModelObservers::~ModelObservers() = default;

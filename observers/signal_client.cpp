@@ -35,11 +35,6 @@ HvArrayPtr makeUint32(std::uint64_t value) {
 
 HvArrayPtr deepCopy(const HvArrayPtr& value) { return HvArrayPtr(hvCreateDeepCopy(value.get())); }
 
-HvArrayPtr persistent(HvArrayPtr value) {
-    hvSetArrayScope(value.get(), nullptr);
-    return value;
-}
-
 bool areEqualValues(const hvArray* a, const hvArray* b) {
     if (a == nullptr && b == nullptr) return true;
     const HvArrayPtr none = makeEmpty();
@@ -72,7 +67,7 @@ void readFields(SignalClient& client, FieldSource& source) {
     client.m_observerType = source.narrowText("ObserverType_");
     client.m_modelPath = source.texts("ModelPath_");
     client.m_modelPathEID = source.narrowTexts("ModelPathEID_");
-    client.m_observerParams = persistent(source.copyOf("ObserverParams_"));
+    client.m_observerParams = detached(source.copyOf("ObserverParams_"));
     client.m_updateRate = source.widened("UpdateRate_");
     client.m_dimensionChannel = source.widened("DimensionChannel_");
     client.m_observeImaginaryPart = source.truth("ObserveImaginaryPart_");
@@ -100,6 +95,7 @@ void SignalClient::createStructData(hvArray* s, std::size_t index, const std::u1
     setField(s, index, "UpdateRate_", makeUint32(m_updateRate));
     setField(s, index, "DimensionChannel_", makeUint32(m_dimensionChannel));
     setField(s, index, "ObserveImaginaryPart_", makeLogical(m_observeImaginaryPart));
+    // Up to a NUL only, unlike the other texts: the host's creator for plain narrow text is the one for this field.
     setField(s, index, "BusLeafPath_", HvArrayPtr(hvCreateString(m_busLeafPath.c_str())));
 }
 
@@ -128,7 +124,7 @@ std::unique_ptr<SignalClient> SignalClient::clone() const {
     copy->m_busLeafPath = m_busLeafPath;
     copy->m_modelPath = m_modelPath;
     copy->m_modelPathEID = m_modelPathEID;
-    if (m_observerParams) copy->m_observerParams = persistent(deepCopy(m_observerParams));
+    if (m_observerParams) copy->m_observerParams = detached(deepCopy(m_observerParams));
     return copy;
 }
 

@@ -61,11 +61,10 @@ bool StreamingClients::isEqual(const StreamingClients* other) const {
 }
 
 HvArrayPtr StreamingClients::getPersistenceData() const {
-    static const std::span<const char* const> fields = SignalClient::getStructFields();
     const std::vector<ClientPtr> clients = m_clients;
-    return persistRecords(clients, fields, [](const SignalClient& client, hvArray* s, std::size_t i) {
-        client.getPersistenceData(s, i);
-    });
+    return persistRecords(
+        clients, SignalClient::getStructFields(),
+        [](const SignalClient& client, hvArray* s, std::size_t i) { client.getPersistenceData(s, i); });
 }
 
 void StreamingClients::setFromPersistenceData(const hvArray* s) {

@@ -1,4 +1,3 @@
-#include "foundation/errors.h"
 #include "foundation/host_call.h"
 #include "foundation/host_value.h"
 #include "foundation/native_object.h"
