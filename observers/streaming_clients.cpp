@@ -19,10 +19,10 @@ void StreamingClients::setModelName(const std::u16string& newName) {
     const std::u16string name = newName;
     std::u16string oldName = name;
     std::u16string knownName = m_modelName.empty() ? name : m_knownModelName;
-    m_modelName.swap(oldName);
-    m_knownModelName.swap(knownName);
     // Values that are replaced may run scripts when they go: a snapshot is renamed.
     const std::vector<ClientPtr> clients = m_clients;
+    m_modelName.swap(oldName);
+    m_knownModelName.swap(knownName);
     for (const ClientPtr& client : clients) client->renameModel(oldName, name);
 }
 
@@ -61,10 +61,11 @@ bool StreamingClients::isEqual(const StreamingClients* other) const {
 }
 
 HvArrayPtr StreamingClients::getPersistenceData() const {
+    static const std::span<const char* const> fields = SignalClient::getStructFields();
     const std::vector<ClientPtr> clients = m_clients;
-    return persistRecords(
-        clients, SignalClient::getStructFields(),
-        [](const SignalClient& client, hvArray* s, std::size_t i) { client.getPersistenceData(s, i); });
+    return persistRecords(clients, fields, [](const SignalClient& client, hvArray* s, std::size_t i) {
+        client.getPersistenceData(s, i);
+    });
 }
 
 void StreamingClients::setFromPersistenceData(const hvArray* s) {
