@@ -44,12 +44,7 @@ void addMark(CLI::App& app, MarkArguments& arguments, Run& run) {
     addSettings(*command, arguments.settings);
     command->add_flag("--again", arguments.isAgain, "add a further signal where one is");
     addDryRun(*command, arguments.isDryRun);
-    command->callback([&] {
-        run = [&](const Output& output) {
-            requireSelection(arguments.selection, false);
-            return runMark(arguments, output);
-        };
-    });
+    runWith(*command, runMark, arguments, run);
 }
 
 void addUnmark(CLI::App& app, UnmarkArguments& arguments, Run& run) {
@@ -64,12 +59,7 @@ void addUnmark(CLI::App& app, UnmarkArguments& arguments, Run& run) {
     addReferenceOptions(*command, arguments.selection.options);
     command->add_flag("--dangling", arguments.isDangling, "remove signals whose block, port or chart item is gone");
     addDryRun(*command, arguments.isDryRun);
-    command->callback([&] {
-        run = [&](const Output& output) {
-            requireSelection(arguments.selection, arguments.isDangling);
-            return runUnmark(arguments, output);
-        };
-    });
+    runWith(*command, runUnmark, arguments, run);
 }
 
 void addQuery(CLI::App& app, QueryArguments& arguments, Run& run) {
@@ -81,7 +71,7 @@ void addQuery(CLI::App& app, QueryArguments& arguments, Run& run) {
     addReferences(*command, arguments.references)->required();
     addReferenceOptions(*command, arguments.options);
     command->add_flag("--json", arguments.isJson, "print JSON");
-    command->callback([&] { run = [&](const Output& output) { return runQuery(arguments, output); }; });
+    runWith(*command, runQuery, arguments, run);
 }
 
 void addShow(CLI::App& app, ShowArguments& arguments, Run& run) {
@@ -89,7 +79,7 @@ void addShow(CLI::App& app, ShowArguments& arguments, Run& run) {
         addCommand(app, "show", "List a model's signals, its observers, and its blocks with what is observed",
                    "  kshmi show cruise.json\n  kshmi show cruise.json --json", arguments.file);
     command->add_flag("--json", arguments.isJson, "print JSON");
-    command->callback([&] { run = [&](const Output& output) { return runShow(arguments, output); }; });
+    runWith(*command, runShow, arguments, run);
 }
 
 /// All that the command line may say.
@@ -108,7 +98,7 @@ void describe(CLI::App& app, Arguments& arguments, Run& run) {
     app.footer("\"kshmi COMMAND --help\" explains a command, with examples.");
     CLI::App* const tour = addCommand(app, "tour", "Show the main job on a copy of a model, step by step",
                                       "  kshmi tour cruise.json", arguments.tourFile);
-    tour->callback([&] { run = [&](const Output& output) { return runTour(arguments.tourFile, output); }; });
+    runWith(*tour, runTour, arguments.tourFile, run);
     addShow(app, arguments.show, run);
     addMark(app, arguments.mark, run);
     addUnmark(app, arguments.unmark, run);

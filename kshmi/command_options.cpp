@@ -3,9 +3,6 @@
 #include <cstdint>
 #include <limits>
 
-#include "kshmi/error.h"
-#include "kshmi/selecting.h"
-
 namespace kshmi {
 
 namespace {
@@ -45,12 +42,6 @@ void addPatterns(CLI::App& command, Selection& selection) {
     command.add_option("--except", selection.except, "but not what matches this one; may be repeated")
         ->type_name("GLOB")
         ->allow_extra_args(false);
-}
-
-void requireSelection(const Selection& selection, bool isOtherwiseSelected) {
-    const bool isAnything = !selection.references.empty() || !selection.all.empty() || isOtherwiseSelected;
-    if (!isAnything) throw Error("nothing to work on; name a REF or give --all 'GLOB'");
-    requireApplicable(selection);
 }
 
 void addDryRun(CLI::App& command, bool& isDryRun) {

@@ -23,8 +23,15 @@ void addReferenceOptions(CLI::App& command, ReferenceOptions& options);
 /// "--all" and "--except".
 void addPatterns(CLI::App& command, Selection& selection);
 void addDryRun(CLI::App& command, bool& isDryRun);
-/// Throws `Error` when nothing is selected, and for options that have nothing to apply to.
-void requireSelection(const Selection& selection, bool isOtherwiseSelected);
+
+/// Once the user has chosen the command, makes `run` call the function with its arguments, as they then are.
+template <typename Arguments>
+void runWith(CLI::App& command, int (*function)(const Arguments&, const Output&), const Arguments& arguments,
+             Run& run) {
+    command.callback([function, &arguments, &run] {
+        run = [function, &arguments](const Output& output) { return function(arguments, output); };
+    });
+}
 
 /// The arguments of what an editor does besides marking.
 struct EditorArguments {

@@ -4,14 +4,6 @@ namespace kshmi {
 
 namespace {
 
-template <typename Arguments>
-void runWith(CLI::App& command, int (*function)(const Arguments&, const Output&), const Arguments& arguments,
-             Run& run) {
-    command.callback([function, &arguments, &run] {
-        run = [function, &arguments](const Output& output) { return function(arguments, output); };
-    });
-}
-
 void addObserve(CLI::App& app, ObserveArguments& arguments, Run& run) {
     CLI::App* const command =
         addCommand(app, "observe", "Let observers watch marked ports and chart items, and save the model",

@@ -39,6 +39,7 @@ std::string describe(const kestrel::Model& model, const Wanted& wanted) {
 }  // namespace
 
 int runMark(const MarkArguments& arguments, const Output& output) {
+    requireSelection(arguments.selection, false);
     enterHost(output.err);
     Session session(arguments.file);
     const std::vector<Wanted> wanted = wantedOf(session.model(), arguments.selection, output);

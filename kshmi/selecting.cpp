@@ -40,6 +40,12 @@ void requireApplicable(const Selection& selection) {
         throw Error("--ssid is for one chart and --all for many blocks; name the chart as REF");
 }
 
+void requireSelection(const Selection& selection, bool isOtherwiseSelected) {
+    const bool isAnything = !selection.references.empty() || !selection.all.empty() || isOtherwiseSelected;
+    if (!isAnything) throw Error("nothing to work on; name a REF or give --all 'GLOB'");
+    requireApplicable(selection);
+}
+
 Sources selectMatching(const kestrel::Model& model, const Selection& selection, Selectable what, const Output& output) {
     if (selection.all.empty()) return {};
     Sources sources = sourcesOf(model, what);

@@ -43,6 +43,7 @@ std::string describe(const Session& session, std::size_t position) {
 }  // namespace
 
 int runUnmark(const UnmarkArguments& arguments, const Output& output) {
+    requireSelection(arguments.selection, arguments.isDangling);
     enterHost(output.err);
     Session session(arguments.file, arguments.isDangling ? Session::Opening::lenient : Session::Opening::strict);
     Positions positions = selected(session, arguments.selection, output);
