@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "kshmi/error.h"
+#include "kshmi/json_mistake.h"
 
 namespace kshmi {
 
@@ -68,10 +69,9 @@ private:
     std::string m_parts;
 };
 
-std::string describe(const json::error_code& code) {
-    if (code == json::error::incomplete) return "the document ends too early";
+std::string describe(const json::error_code& code, std::string_view piece, std::size_t used) {
     if (code == json::error::too_deep) return "more than " + std::to_string(kMaxDepth) + " levels of nesting";
-    return code.message();
+    return describeMistake(code, piece, used);
 }
 
 bool isDirectory(std::FILE* file) {
@@ -120,7 +120,7 @@ template <typename Parser>
 void JsonFile::feed(Parser& parser, std::string_view piece, bool more) {
     json::error_code code;
     const std::size_t used = parser.write_some(more, piece.data(), piece.size(), code);
-    if (code) failSyntax(describe(code), m_column + used + 1);
+    if (code) failSyntax(describe(code, piece, used), m_column + used + 1);
     if (used < piece.size()) failSyntax("something follows the document", m_column + used + 1);
     m_column += piece.size();
     if (!piece.empty() && piece.back() == '\n') {

@@ -68,6 +68,13 @@ TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
     const Refusal refusals[] = {
         {"\"name\": \"m\",", "\"name\" \"m\",", ":3:10: not JSON"},
         {"  ]\n}\n", "  ]\n", "ends too early"},
+        {"{\n  \"kes", "\xEF\xBB\xBF{\n  \"kes", ":1:1: not JSON: a byte order mark stands in front"},
+        {"\"scope\"", R"("a\ud800b")", "half of a surrogate pair"},
+        {"\"scope\"", R"("a\udc00")", "half of a surrogate pair"},
+        {"\"scope\"", R"("a\ud800\n")", "half of a surrogate pair"},
+        {"\"scope\"", "\"a\xFF\"", ":27:24: not JSON: there are bytes that are no UTF-8"},
+        {"\"scope\"", "\"a\xC3(\"", "there are bytes that are no UTF-8"},
+        {"\"scope\"", "“scope”", "a character stands outside of texts"},
         {"  ]\n}\n", "  ]\n} 1", "follows the document"},
         {"\"kestrelModel\": 1", "\"kestrelModel\": 2", ":2: /kestrelModel: this program reads version 1"},
         {"  \"name\": \"m\",\n", "", "the key \"name\" is missing"},
