@@ -135,7 +135,7 @@ void ask(ks_hmi::InstrumentedSignals& set) {
         require(signal.isSameSignal(&signal), "a signal is not itself");
         const bool isPort = !set.isChartworkDomain(signal.m_domainType);
         if (isPort) require(set.isPortObserved(&signal), "a port of the list is not observed");
-        set.isAnyCWActivityObserved(fl::i18n::to_ustring(signal.m_eid), 7.0);
+        set.isAnyCWActivityObserved(fl::i18n::to_ustring(signal.m_eid.c_str()), 7.0);
         signal.getHOSObject(u"m1", i % 2 == 0);
     }
     const auto copied = set.copy(false);

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <stdlib.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,20 +43,23 @@ AtomicFile::Uninterrupted::~Uninterrupted() {
     ::pthread_sigmask(SIG_SETMASK, &m_mask, nullptr);
 }
 
-AtomicFile::AtomicFile(const std::string& path) : m_path(path) {
+AtomicFile::AtomicFile(const std::string& path, std::optional<FileVersion> replaced)
+    : m_path(path), m_replaced(replaced) {
     std::error_code code;
     const auto real = std::filesystem::weakly_canonical(path, code);
     m_target = code ? path : real.string();
     struct stat old {};
     const bool isThere = ::stat(m_path.c_str(), &old) == 0;
+    if (!isThere && errno != ENOENT) fail("it cannot be looked at");
     if (isThere && !S_ISREG(old.st_mode)) refuse("it is no regular file; name one");
     if (isThere && ::faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) fail("it must not be written");
-    makeTemporary();
     try {
+        if (isThere) lock();
+        makeTemporary();
         if (isThere)
             takeOverFrom(old);
-        else
-            ::fchmod(m_descriptor, kNewFile);
+        else if (::fchmod(m_descriptor, kNewFile) != 0)
+            fail("permissions cannot be set");
     } catch (...) {
         discard();
         throw;
@@ -67,6 +71,16 @@ AtomicFile::~AtomicFile() { discard(); }
 void AtomicFile::discard() noexcept {
     if (m_descriptor >= 0) ::close(m_descriptor);
     if (!m_temporary.empty()) ::unlink(m_temporary.c_str());
+    if (m_lock >= 0) ::close(m_lock);
+}
+
+// The lock is on the file that will be replaced, and goes with it: who waited for it finds another version.
+void AtomicFile::lock() {
+    m_lock = ::open(m_target.c_str(), O_RDONLY | O_CLOEXEC);
+    if (m_lock < 0) return;
+    // Some file systems have no locks; the version is looked at in any case.
+    if (::flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        refuse("somebody else is saving it; try again when that is done");
 }
 
 void AtomicFile::makeTemporary() {
@@ -79,11 +93,11 @@ void AtomicFile::makeTemporary() {
 
 void AtomicFile::takeOverFrom(const struct stat& old) const {
     struct stat made {};
-    ::fstat(m_descriptor, &made);
+    if (::fstat(m_descriptor, &made) != 0) fail("the new file cannot be looked at");
     const bool isAnothers = made.st_uid != old.st_uid || made.st_gid != old.st_gid;
     if (isAnothers && ::fchown(m_descriptor, old.st_uid, old.st_gid) != 0)
         refuse("its owner and group cannot be kept; copy it and work on the copy");
-    ::fchmod(m_descriptor, old.st_mode & kPermissionBits);
+    if (::fchmod(m_descriptor, old.st_mode & kPermissionBits) != 0) fail("its permissions cannot be kept");
 }
 
 void AtomicFile::write(std::string_view text) {
@@ -102,15 +116,26 @@ void AtomicFile::flush() {
     m_buffer.clear();
 }
 
-void AtomicFile::commit() {
+void AtomicFile::requireReplaceable() const {
+    if (!m_replaced) return;
+    struct stat now {};
+    if (::stat(m_target.c_str(), &now) != 0) fail("it can no longer be looked at");
+    if (FileVersion::of(now) != *m_replaced)
+        refuse("it has been changed since it was read; look at the change and try again");
+}
+
+FileVersion AtomicFile::commit() {
     flush();
-    if (::fsync(m_descriptor) != 0) fail("writing failed");
+    struct stat written {};
+    if (::fsync(m_descriptor) != 0 || ::fstat(m_descriptor, &written) != 0) fail("writing failed");
     const int descriptor = m_descriptor;
     m_descriptor = -1;
     if (::close(descriptor) != 0) fail("writing failed");
+    requireReplaceable();
     if (std::rename(m_temporary.c_str(), m_target.c_str()) != 0) fail("it cannot be replaced");
     m_temporary.clear();
     syncDirectory();
+    return FileVersion::of(written);
 }
 
 void AtomicFile::syncDirectory() const {

@@ -96,6 +96,12 @@ JsonFile JsonFile::ofText(std::string name, const std::string& text) {
     return result;
 }
 
+std::optional<FileVersion> JsonFile::version() const noexcept {
+    struct stat status {};
+    if (::fstat(::fileno(m_file.get()), &status) != 0) return std::nullopt;
+    return FileVersion::of(status);
+}
+
 void JsonFile::read(JsonSink& sink) {
     json::parse_options options;
     options.max_depth = kMaxDepth;

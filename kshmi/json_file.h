@@ -3,9 +3,12 @@
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+
+#include "kshmi/file_version.h"
 
 namespace kshmi {
 
@@ -39,6 +42,8 @@ public:
     void read(JsonSink& sink);
 
     const std::string& path() const noexcept { return m_path; }
+    /// Of the file as it is now; nothing for a text.
+    std::optional<FileVersion> version() const noexcept;
     /// 1-based; while `read` runs, the line of what the sink is receiving.
     std::size_t line() const noexcept { return m_line; }
     /// Throws `Error` for a place in the line that is being read.

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "host/hv_array.h"
+#include "kshmi/file_version.h"
 #include "kshmi/record_table.h"
 #include "memory_host/kestrel/model.h"
 
@@ -17,6 +19,8 @@ struct ModelFile {
     HvArrayPtr clients;
     std::vector<RecordLines> signalLines;
     std::vector<RecordLines> clientLines;
+    /// Of the file when it was opened.
+    std::optional<FileVersion> version = std::nullopt;
 };
 
 /// Reads a model file. Throws `Error` that names file, line and JSON pointer for whatever is not as the
@@ -26,8 +30,9 @@ ModelFile readModelFile(const std::string& path);
 
 /// Writes a model in the canonical form: the same contents give the same bytes. Replaces the file at
 /// `path` as a whole or leaves it as it was. The records are struct arrays with the saved
-/// fields. Throws `Error` when the file cannot be written or a value has no JSON form.
-void writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                    const hvArray* clients);
+/// fields. With `replaced` only that version of the file is replaced. Returns the new version. Throws `Error` when the
+/// file cannot be written or a value has no JSON form.
+FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
+                           const hvArray* clients, std::optional<FileVersion> replaced = std::nullopt);
 
 }  // namespace kshmi

@@ -259,9 +259,12 @@ void ModelFileReader::failKind(const std::string& found) const {
 
 ModelFile readModelFile(const std::string& path) {
     JsonFile file(path);
+    const auto version = file.version();
     ModelFileReader reader(file);
     file.read(reader);
-    return reader.finish();
+    ModelFile result = reader.finish();
+    result.version = version;
+    return result;
 }
 
 }  // namespace kshmi

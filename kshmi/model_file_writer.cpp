@@ -83,9 +83,9 @@ std::string structLines(const hvArray* value, std::size_t element) {
 
 }  // namespace
 
-void writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                    const hvArray* clients) {
-    AtomicFile file(path);
+FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
+                           const hvArray* clients, std::optional<FileVersion> replaced) {
+    AtomicFile file(path, replaced);
     std::string head = "{\n  \"kestrelModel\": 1,\n  \"name\": ";
     appendJsonText(head, std::u16string_view(model.name()));
     file.write(head + ",\n");
@@ -101,7 +101,7 @@ void writeModelFile(const std::string& path, const kestrel::Model& model, const 
     Listing observers(file, "clients");
     for (std::size_t i = 0; i < hvGetNumberOfElements(clients); ++i) observers.next(structLines(clients, i));
     observers.close("\n}\n");
-    file.commit();
+    return file.commit();
 }
 
 }  // namespace kshmi

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,7 +53,7 @@ public:
     bool isAnyObserved(const kestrel::Block& block, const ChartItem& item) const;
 
     /// Writes the model with its clients and the signals that are to be saved. Returns how many were left out because
-    /// they are excluded from saving. Throws `Error`; the file is then as it was.
+    /// they are excluded from saving. Throws `Error`, also for a file that has changed since; it is then as it was.
     std::size_t save();
 
 private:
@@ -69,6 +70,7 @@ private:
     ks_hmi::InstrumentedSignals* m_signals = nullptr;
     ks_hmi::StreamingClients* m_clients = nullptr;
     std::vector<SignalFault> m_dangling;
+    std::optional<FileVersion> m_version;  ///< of the file that was read or saved last
 };
 
 }  // namespace kshmi

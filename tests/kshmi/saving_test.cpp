@@ -1,0 +1,170 @@
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <iostream>
+
+#include "kshmi/error.h"
+#include "kshmi/session.h"
+#include "tests/kshmi/kshmi_test.h"
+
+/// Saving when each of its system calls fails once, and when the program ends at each of them. The tool's calls are
+/// linked to the functions below, which make them unless it is their turn to fail.
+
+namespace {
+
+enum class Turn { fails, endsTheProgram };
+
+struct Plan {
+    std::size_t at = 0;  ///< which call, 1-based; 0 for none
+    Turn turn = Turn::fails;
+    int error = EIO;
+    std::size_t calls = 0;
+    const char* reached = nullptr;  ///< the call whose turn it was
+} g_plan;
+
+bool isToFail(const char* name) {
+    if (g_plan.at == 0 || ++g_plan.calls != g_plan.at) return false;
+    g_plan.reached = name;
+    constexpr int kCrashed = 77;
+    if (g_plan.turn == Turn::endsTheProgram) ::_exit(kCrashed);
+    errno = g_plan.error;
+    return true;
+}
+
+}  // namespace
+
+#define KS_HMI_WRAPPED(type, name, parameters, arguments) \
+    type __real_##name parameters;                        \
+    type __wrap_##name parameters;                        \
+    type __wrap_##name parameters { return isToFail(#name) ? -1 : __real_##name arguments; }
+
+extern "C" {
+KS_HMI_WRAPPED(int, mkostemp, (char* path, int flags), (path, flags))
+KS_HMI_WRAPPED(ssize_t, write, (int file, const void* data, size_t size), (file, data, size))
+KS_HMI_WRAPPED(int, fsync, (int file), (file))
+KS_HMI_WRAPPED(int, close, (int file), (file))
+KS_HMI_WRAPPED(int, rename, (const char* from, const char* to), (from, to))
+KS_HMI_WRAPPED(int, fchmod, (int file, mode_t mode), (file, mode))
+KS_HMI_WRAPPED(int, fstat, (int file, struct stat* status), (file, status))
+KS_HMI_WRAPPED(int, stat, (const char* path, struct stat* status), (path, status))
+KS_HMI_WRAPPED(int, faccessat, (int folder, const char* path, int mode, int flags), (folder, path, mode, flags))
+KS_HMI_WRAPPED(int, flock, (int file, int operation), (file, operation))
+int __real_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, ...) { return isToFail("open") ? -1 : __real_open(path, flags); }
+}
+
+namespace kshmi {
+namespace {
+
+using testing::contains;
+using testing::kModel;
+
+class Saving : public testing::KshmiTest {
+protected:
+    Saving() {
+        write(kModel);
+        EXPECT_EQ(run({"query", path(), "A"}).code, 0);  // enters the host
+        EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 0);
+        m_unmarked = read();
+        write(kModel);
+    }
+    ~Saving() override { g_plan = {}; }
+
+    /// Unmarks a state in the model as it was, with that plan for the calls of the save.
+    testing::Finished unmarkWith(const Plan& plan) {
+        write(kModel);
+        ::chmod(path().c_str(), 0640);
+        g_plan = plan;
+        const testing::Finished finished = run({"unmark", path(), "Logic/On/Fast"});
+        g_plan.at = 0;
+        return finished;
+    }
+    const std::string& unmarked() const { return m_unmarked; }
+
+private:
+    std::string m_unmarked;
+};
+
+TEST_F(Saving, isDoneOrNotWhicheverCallFails) {
+    std::string names;
+    for (std::size_t at = 1;; ++at) {
+        const testing::Finished finished = unmarkWith({at, Turn::fails, EIO, 0, nullptr});
+        if (g_plan.reached == nullptr) break;
+        const std::string where = std::to_string(at) + ": " + g_plan.reached;
+        names += std::string(" ") + g_plan.reached;
+        EXPECT_TRUE(read() == (finished.code == 0 ? unmarked() : kModel)) << where;
+        EXPECT_EQ(finished.code == 0, finished.err.empty()) << where << '\n' << finished.err;
+        struct stat status {};
+        ASSERT_EQ(::stat(path().c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777U, 0640U) << where;
+        EXPECT_EQ(fileCount(), 1U) << where;
+    }
+    std::cout << "each failed once:" << names << '\n';
+}
+
+TEST_F(Saving, leavesTheOldOrTheNewFileWhereverTheProgramEnds) {
+    bool isOver = false;
+    for (std::size_t at = 1; !isOver; ++at) {
+        write(kModel);
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            g_plan = {at, Turn::endsTheProgram, 0, 0, nullptr};
+            run({"unmark", path(), "Logic/On/Fast"});
+            ::_exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        ASSERT_TRUE(WIFEXITED(status)) << at;
+        isOver = WEXITSTATUS(status) == 0;
+        EXPECT_TRUE(read() == kModel || read() == unmarked()) << at;
+    }
+    EXPECT_TRUE(read() == unmarked());
+}
+
+TEST_F(Saving, aDiskThatIsFullIsToldAndInterruptedWritesGoOn) {
+    std::size_t at = 1;
+    while (unmarkWith({at, Turn::fails, ENOSPC, 0, nullptr}).code == 0 || std::string(g_plan.reached) != "write") ++at;
+    EXPECT_TRUE(read() == kModel);
+    EXPECT_EQ(unmarkWith({at, Turn::fails, EINTR, 0, nullptr}).code, 0);
+    EXPECT_TRUE(read() == unmarked());
+}
+
+TEST_F(Saving, aSecondWriterIsRefusedWhileTheFirstSaves) {
+    const int first = ::open(path().c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_EQ(::flock(first, LOCK_EX), 0);
+    const testing::Finished second = run({"unmark", path(), "Logic/On/Fast"});
+    EXPECT_EQ(second.code, 2);
+    EXPECT_TRUE(contains(second.err, "somebody else is saving it")) << second.err;
+    EXPECT_TRUE(read() == kModel);
+    ::close(first);
+    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 0);
+    EXPECT_EQ(fileCount(), 1U);
+}
+
+TEST_F(Saving, aFileThatChangedWhileItWasOpenIsLeftAlone) {
+    for (const bool isReplaced : {false, true}) {
+        write(kModel);
+        Session session(path());
+        const std::string changed = kModel + "\n";
+        write(changed, isReplaced ? "other" : "model.json");
+        if (isReplaced) std::filesystem::rename(path("other"), path());
+        EXPECT_THROW(session.save(), Error);
+        EXPECT_TRUE(read() == changed);
+        EXPECT_EQ(fileCount(), 1U);
+    }
+    write(kModel);
+    Session session(path());
+    session.save();
+    session.save();
+    EXPECT_TRUE(read() == kModel) << "one's own save is no change";
+}
+
+}  // namespace
+}  // namespace kshmi
