@@ -9,7 +9,8 @@
 
 /// Deterministic fault injection: every host operation that may fail passes one counting point.
 /// Tests, look-ups, releasing, scopes, reporting and discarding cannot fail and do not count.
-/// Thread: the interpreter thread only.
+/// Thread: the interpreter thread only. The counting is not synchronised: while faults are injected, no other thread
+/// converts text, which any thread may do at other times.
 namespace orvex {
 
 enum class FaultKind : std::uint8_t {
