@@ -83,12 +83,9 @@ void printText(const Session& session, const std::vector<Answer>& answers, std::
 }
 
 std::string listOf(const std::vector<std::u16string>& texts) {
-    std::string list = "[";
-    for (const std::u16string& text : texts) {
-        if (list.size() > 1) list += ", ";
-        appendJsonText(list, std::u16string_view(text));
-    }
-    return list + "]";
+    std::string list;
+    appendJsonList(list, texts.size(), [&](std::size_t i) { appendJsonText(list, std::u16string_view(texts[i])); });
+    return list;
 }
 
 void appendAnswer(std::string& out, const Answer& answer) {
@@ -107,22 +104,13 @@ void appendAnswer(std::string& out, const Answer& answer) {
     object.close();
 }
 
-void printJson(const std::vector<Answer>& answers, std::ostream& out) {
-    std::string text = "[";
-    for (const Answer& answer : answers) {
-        text += text.size() > 1 ? ",\n  " : "\n  ";
-        appendAnswer(text, answer);
-    }
-    out << text << (answers.empty() ? "]\n" : "\n]\n");
-}
-
 }  // namespace
 
 int runClients(const ClientsArguments& arguments, const Output& output) {
     enterHost(output.err);
     Session session(arguments.file);
     const std::vector<Answer> answers = answersOf(session);
-    arguments.isJson ? printJson(answers, output.out) : printText(session, answers, output.out);
+    arguments.isJson ? printJsonLines(output.out, answers, appendAnswer) : printText(session, answers, output.out);
     return kSuccess;
 }
 

@@ -82,16 +82,6 @@ bool isPlain(const hvArray* value) {
     }
 }
 
-template <typename Append>
-void appendList(std::string& out, std::size_t count, Append append) {
-    out += '[';
-    for (std::size_t i = 0; i < count; ++i) {
-        if (i > 0) out += ", ";
-        append(i);
-    }
-    out += ']';
-}
-
 void appendFields(std::string& out, const hvArray* value, const std::vector<const char*>& names) {
     out += '{';
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -104,7 +94,8 @@ void appendFields(std::string& out, const hvArray* value, const std::vector<cons
 }
 
 void appendCells(std::string& out, const hvArray* value) {
-    appendList(out, hvGetNumberOfElements(value), [&](std::size_t i) { appendJsonValue(out, hvGetCell(value, i)); });
+    appendJsonList(out, hvGetNumberOfElements(value),
+                   [&](std::size_t i) { appendJsonValue(out, hvGetCell(value, i)); });
 }
 
 void appendPlain(std::string& out, const hvArray* value) {
@@ -129,9 +120,9 @@ void appendPlain(std::string& out, const hvArray* value) {
 void appendStructArray(std::string& out, const hvArray* value) {
     const std::vector<const char*> names = fieldNames(value);
     out += R"(, "fields": )";
-    appendList(out, names.size(), [&](std::size_t i) { appendJsonText(out, std::string_view(names[i])); });
+    appendJsonList(out, names.size(), [&](std::size_t i) { appendJsonText(out, std::string_view(names[i])); });
     out += R"(, "data": )";
-    appendList(out, names.size() * hvGetNumberOfElements(value), [&](std::size_t i) {
+    appendJsonList(out, names.size() * hvGetNumberOfElements(value), [&](std::size_t i) {
         appendJsonValue(out, hvGetField(value, i / names.size(), names[i % names.size()]));
     });
 }
@@ -141,8 +132,8 @@ void appendTagged(std::string& out, const hvArray* value) {
     if (classOfName(nameOfClass(classId)) == hvUNKNOWN_CLASS)
         throw Error(std::string("a value of class ") + hvGetClassName(value) + " cannot be saved in a model file");
     out += fmt::format(R"({{"$class": "{}", "size": )", nameOfClass(classId));
-    appendList(out, hvGetNumberOfDimensions(value),
-               [&](std::size_t i) { out += std::to_string(hvGetDimensions(value)[i]); });
+    appendJsonList(out, hvGetNumberOfDimensions(value),
+                   [&](std::size_t i) { out += std::to_string(hvGetDimensions(value)[i]); });
     if (classId == hvSTRUCT_CLASS) {
         appendStructArray(out, value);
     } else {
@@ -152,8 +143,8 @@ void appendTagged(std::string& out, const hvArray* value) {
         else if (classId == hvCHAR_CLASS && isWellFormed(charsOf(value)))
             appendJsonText(out, charsOf(value));
         else
-            appendList(out, hvGetNumberOfElements(value),
-                       [&](std::size_t i) { out += textOfElement(classId, bitsAt(value, i)); });
+            appendJsonList(out, hvGetNumberOfElements(value),
+                           [&](std::size_t i) { out += textOfElement(classId, bitsAt(value, i)); });
     }
     out += '}';
 }

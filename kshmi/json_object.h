@@ -2,8 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <cstddef>
+#include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kshmi/host_value_writer.h"
 
@@ -30,5 +33,23 @@ private:
     std::string& m_out;
     bool m_isEmpty = true;
 };
+
+/// Appends what stands between the brackets of a JSON array with each element on a line of its own; `append(i)`
+/// appends the i-th (0-based).
+template <typename Append>
+void appendJsonLines(std::string& out, std::size_t count, Append append) {
+    for (std::size_t i = 0; i < count; ++i) {
+        out += i > 0 ? ",\n  " : "\n  ";
+        append(i);
+    }
+}
+
+/// Prints a JSON array in this way, as a document; `appendOne(out, item)` appends an element's JSON.
+template <typename Item, typename AppendOne>
+void printJsonLines(std::ostream& out, const std::vector<Item>& items, AppendOne appendOne) {
+    std::string text = "[";
+    appendJsonLines(text, items.size(), [&](std::size_t i) { appendOne(text, items[i]); });
+    out << text << (items.empty() ? "]\n" : "\n]\n");
+}
 
 }  // namespace kshmi

@@ -62,19 +62,14 @@ void printText(const Session& session, const std::vector<Source>& sources, std::
     table.print(out);
 }
 
-void printJson(const std::vector<Source>& sources, std::ostream& out) {
-    std::string text = "[";
-    for (const Source& source : sources) {
-        text += text.size() > 1 ? ",\n  " : "\n  ";
-        JsonObject object(text);
-        object.text("uuid", std::string_view(source.uuid)).text("block", source.blockPath);
-        object.plain("port", std::to_string(source.outputPortIndex)).text("portName", nameOfPort(source));
-        object.text("signal", source.signalName).plain("decimation", std::to_string(source.decimation));
-        object.plain("maxPoints", std::to_string(source.maxPoints)).truth("frameBased", source.isFrameBased);
-        object.truth("hidden", source.hideInPLV).truth("buffered", source.targetBufferedStreaming);
-        object.close();
-    }
-    out << text << (sources.empty() ? "]\n" : "\n]\n");
+void appendSource(std::string& out, const Source& source) {
+    JsonObject object(out);
+    object.text("uuid", std::string_view(source.uuid)).text("block", source.blockPath);
+    object.plain("port", std::to_string(source.outputPortIndex)).text("portName", nameOfPort(source));
+    object.text("signal", source.signalName).plain("decimation", std::to_string(source.decimation));
+    object.plain("maxPoints", std::to_string(source.maxPoints)).truth("frameBased", source.isFrameBased);
+    object.truth("hidden", source.hideInPLV).truth("buffered", source.targetBufferedStreaming);
+    object.close();
 }
 
 }  // namespace
@@ -87,7 +82,7 @@ int runPorts(const PortsArguments& arguments, const Output& output) {
     std::vector<Source> sources;
     ks_hmi::InstrumentedSignals::getObservedPorts(model.get(), below.c_str(), arguments.visualType.c_str(), sources,
                                                   arguments.isHiddenListed, /*withUnsaved=*/true);
-    arguments.isJson ? printJson(sources, output.out) : printText(session, sources, output.out);
+    arguments.isJson ? printJsonLines(output.out, sources, appendSource) : printText(session, sources, output.out);
     return kSuccess;
 }
 

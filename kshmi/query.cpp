@@ -2,7 +2,7 @@
 
 #include "kshmi/commands.h"
 #include "kshmi/host_process.h"
-#include "kshmi/host_value_writer.h"
+#include "kshmi/json_object.h"
 #include "kshmi/text.h"
 
 namespace kshmi {
@@ -37,18 +37,11 @@ void printLines(const std::vector<Answer>& answers, std::ostream& out) {
     }
 }
 
-void printJson(const std::vector<Answer>& answers, std::ostream& out) {
-    std::string text = "[";
-    for (const Answer& answer : answers) {
-        text += text.size() > 1 ? ",\n  {\"source\": " : "\n  {\"source\": ";
-        appendJsonText(text, std::u16string_view(answer.name));
-        if (!answer.activity.empty()) {
-            text += ", \"activity\": ";
-            appendJsonText(text, std::u16string_view(answer.activity));
-        }
-        text += fmt::format(", \"observed\": {}}}", answer.isObserved);
-    }
-    out << text << (answers.empty() ? "]\n" : "\n]\n");
+void appendAnswer(std::string& out, const Answer& answer) {
+    JsonObject object(out);
+    object.text("source", answer.name);
+    if (!answer.activity.empty()) object.text("activity", answer.activity);
+    object.truth("observed", answer.isObserved).close();
 }
 
 }  // namespace
@@ -62,7 +55,7 @@ int runQuery(const QueryArguments& arguments, const Output& output) {
         answers.push_back(ask(session, reference, arguments.options));
         isAllObserved = isAllObserved && answers.back().isObserved;
     }
-    arguments.isJson ? printJson(answers, output.out) : printLines(answers, output.out);
+    arguments.isJson ? printJsonLines(output.out, answers, appendAnswer) : printLines(answers, output.out);
     return isAllObserved ? kSuccess : kNotObserved;
 }
 

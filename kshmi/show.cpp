@@ -108,26 +108,25 @@ void appendSignal(std::string& out, const Session& session, std::size_t position
 }
 
 std::string portsJson(const Session& session, const kestrel::Block& block) {
-    std::string out = "[";
-    for (int port = 1; port <= static_cast<int>(block.outputs.size()); ++port) {
-        if (port > 1) out += ", ";
+    std::string out;
+    appendJsonList(out, block.outputs.size(), [&](std::size_t i) {
         JsonObject object(out);
-        object.text("name", portName({&block, port, std::nullopt}));
-        object.truth("observed", session.isObserved(block, port)).close();
-    }
-    return out + "]";
+        object.text("name", block.outputs[i]);
+        object.truth("observed", session.isObserved(block, static_cast<int>(i) + 1)).close();
+    });
+    return out;
 }
 
 std::string itemsJson(const Session& session, const kestrel::Block& block) {
-    std::string out = "[";
-    for (const ChartItem& item : chartItemsOf(block)) {
-        if (out.size() > 1) out += ", ";
+    const std::vector<ChartItem> items = chartItemsOf(block);
+    std::string out;
+    appendJsonList(out, items.size(), [&](std::size_t i) {
         JsonObject object(out);
-        object.text("domain", item.domainType).text("subPath", item.subPath);
-        object.plain("ssid", std::to_string(item.ssid));
-        object.truth("observed", session.isAnyObserved(block, item)).close();
-    }
-    return out + "]";
+        object.text("domain", items[i].domainType).text("subPath", items[i].subPath);
+        object.plain("ssid", std::to_string(items[i].ssid));
+        object.truth("observed", session.isAnyObserved(block, items[i])).close();
+    });
+    return out;
 }
 
 void appendClient(std::string& out, const Session& session, std::size_t position, const SignalUuids& uuids) {
@@ -154,24 +153,15 @@ void printJson(const Session& session, std::ostream& out) {
     std::string text = "{\"model\": ";
     appendJsonText(text, std::u16string_view(session.model().name()));
     text += ",\n\"signals\": [";
-    for (std::size_t i = 0; i < session.signals().getCount(); ++i) {
-        text += i > 0 ? ",\n  " : "\n  ";
-        appendSignal(text, session, i);
-    }
+    appendJsonLines(text, session.signals().getCount(), [&](std::size_t i) { appendSignal(text, session, i); });
     text += "],\n\"blocks\": [";
     const std::set<double> badges = blocksWithBadges(session);
-    const char* separator = "\n  ";
-    for (const kestrel::Block& block : session.model().blocks()) {
-        text += separator;
-        appendBlock(text, session, block, badges.contains(block.handle));
-        separator = ",\n  ";
-    }
+    const auto& blocks = session.model().blocks();
+    appendJsonLines(text, blocks.size(),
+                    [&](std::size_t i) { appendBlock(text, session, blocks[i], badges.contains(blocks[i].handle)); });
     text += "],\n\"clients\": [";
     const SignalUuids uuids(session);
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
-        text += i > 0 ? ",\n  " : "\n  ";
-        appendClient(text, session, i, uuids);
-    }
+    appendJsonLines(text, session.clients().getCount(), [&](std::size_t i) { appendClient(text, session, i, uuids); });
     out << text << "]}\n";
 }
 
