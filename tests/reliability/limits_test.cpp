@@ -1,0 +1,123 @@
+#include <climits>
+#include <clocale>
+#include <limits>
+#include <locale>
+
+#include "observers/streaming_clients.h"
+#include "tests/support/host_test.h"
+
+using namespace ks_test;
+using ks_hmi::InstrumentedSignals;
+using ks_hmi::SignalSpecification;
+
+namespace {
+
+class Limits : public ModelTest {};
+
+/// Texts as long, empty and ill-formed as can be.
+const std::vector<std::u16string>& texts() {
+    static const std::vector<std::u16string> values{
+        std::u16string(1U << 20U, u'p'), u"", u"\xd800", u"a\xdc00z", std::u16string(u"a\0b\0", 4), u"$$", u"m1/", u"/",
+    };
+    return values;
+}
+
+TEST_F(Limits, textsOfAnyKindAreObservedSavedAndLoaded) {
+    for (const std::u16string& value : texts()) {
+        InstrumentedSignals signals;
+        signals.setModelName(value);
+        const InstrumentedSignals::SignalPtr spec(new SignalSpecification);
+        spec->m_blockPath = spec->m_subPath = spec->m_signalName = spec->m_visualType = value;
+        spec->m_eid = spec->m_uuid = std::string(value.size(), '\xff');
+        spec->m_domainParams = {{u"Unit", value}};
+        signals.add(spec);
+        EXPECT_TRUE(signals.isPortObserved(0.0, value, value, 0, 0, 0)) << value.size();
+        EXPECT_FALSE(signals.isPortObserved(0.0, value + u"x", value, 0, 0, 0));
+        EXPECT_FALSE(signals.isAnyCWActivityObserved(value, 1.0));
+        const auto object = spec->getHOSObject(u"m1", false);
+        EXPECT_EQ(SignalSpecification(object.get(), 0, u"m1").m_signalName, value);
+        const auto name = text(value);
+        const auto set = call("Kestrel.HMI.InstrumentedSignals", {name.get()});
+        EXPECT_EQ(InstrumentedSignals::getFromHvArray(set.get())->getModelName(), value);
+    }
+}
+
+TEST_F(Limits, positionsOutsideASetRaiseItsCountAtTheHost) {
+    for (int i = 0; i < 2; ++i) set().add(port(u"Gain", 1));
+    const auto record = port(u"Gain", 2)->getHOSObject(u"m1", false);
+    for (const double position : {0.0, 3.0, 4294967295.0}) {
+        const auto at = number(position);
+        for (const char* const method : {"get", "getUUID", "remove"})
+            EXPECT_EQ(raisedBy([&] { call(method, {object(), at.get()}, 0); }), "InvalidElementIndex 2") << method;
+        EXPECT_EQ(raisedBy([&] { call("set", {object(), at.get(), record.get()}, 0); }), "InvalidElementIndex 2");
+    }
+    for (const double position : {2.0, 1.0}) {
+        const auto at = number(position);
+        call("remove", {object(), at.get()}, 0);
+    }
+    EXPECT_EQ(set().getCount(), 0U);
+}
+
+TEST_F(Limits, portsAndHandlesAreToldApartAtTheirEdges) {
+    constexpr double kHandles[] = {
+        0.0, std::numeric_limits<double>::denorm_min(), std::numeric_limits<double>::max(),
+        1.0, std::numeric_limits<double>::infinity(),   -std::numeric_limits<double>::infinity()};
+    constexpr int kPorts[] = {INT_MIN, -1, 1, INT_MAX};
+    for (const double handle : kHandles) {
+        for (const int number : kPorts) {
+            InstrumentedSignals signals;
+            auto spec = port(u"Gain", number);
+            spec->setCachedInfo(handle, number);
+            signals.add(std::move(spec));
+            for (const double asked : kHandles)
+                for (const int askedNumber : kPorts)
+                    EXPECT_EQ(signals.isPortObserved(asked, askedNumber), asked == handle && askedNumber == number)
+                        << handle << ' ' << number << ' ' << asked << ' ' << askedNumber;
+            EXPECT_FALSE(signals.isPortObserved(std::numeric_limits<double>::quiet_NaN(), number));
+            signals.renumberPorts(handle, u"m1/Gain", "m1:none", {INT_MAX});
+            EXPECT_EQ(signals.get(0)->m_outputPortIndex, number == 1 ? INT_MAX : number);
+            EXPECT_FALSE(SignalSpecification::getUUIDFromBlockHandle(number, handle, true).empty());
+        }
+    }
+}
+
+class DecimalComma : public std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+/// Numbers are written with commas as long as this lives, also in C where the system has such a locale.
+class GermanNumbers {
+public:
+    GermanNumbers() : m_before(std::locale::global(std::locale(std::locale(), new DecimalComma))) {
+        for (const char* const name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"})
+            if (std::setlocale(LC_NUMERIC, name) != nullptr) break;
+    }
+    GermanNumbers(const GermanNumbers&) = delete;
+    GermanNumbers& operator=(const GermanNumbers&) = delete;
+    ~GermanNumbers() {
+        std::locale::global(m_before);
+        std::setlocale(LC_ALL, "C");
+    }
+
+private:
+    std::locale m_before;
+};
+
+TEST_F(Limits, aDecimalCommaChangesNoKey) {
+    const auto keys = [] {
+        SignalSpecification::getBlockUUIDmap().clear();
+        SignalSpecification::addToBlockHandleUUIDmap(1000, 1234567.5, "u");
+        return std::pair(SignalSpecification::getCachedInfoHash(1234567.5, 1000),
+                         SignalSpecification::getBlockUUIDmap().begin()->first);
+    };
+    set().add(chartItem(u"cw_state", u"1234.5", u"Self"));
+    const auto before = keys();
+    const GermanNumbers comma;
+    EXPECT_EQ(keys(), before);
+    EXPECT_TRUE(set().isCWActivityObserved(u"m1:4", 1234.5, u"Self"));
+    EXPECT_TRUE(set().isAnyCWActivityObserved(u"m1:4", 1234.5));
+}
+
+}  // namespace
