@@ -31,7 +31,9 @@ std::size_t ask(std::string_view kind, std::size_t times) {
     if (kind == "nothing") repeat([](std::size_t block) { return blockHandle(block) < 0; });
     if (kind == "bare") repeat([&](std::size_t b) { return bare::isPortObserved(table, blockHandle(b), 1); });
     if (kind == "handle") repeat([&](std::size_t b) { return resolved.isPortObserved(blockHandle(b), 1); });
-    if (kind == "path") repeat([&](std::size_t b) { return resolved.isPortObserved(0.25, paths[b], u"", 1, 0, 0); });
+    const std::u16string noSubPath;
+    if (kind == "path")
+        repeat([&](std::size_t b) { return resolved.isPortObserved(0.25, paths[b], noSubPath, 1, 0, 0); });
     if (kind == "engine port") repeat([&](std::size_t) { return resolved.isKSPortObserved(nullptr); });
     if (kind == "chart") {
         const std::u16string eid = u"plant:1234";

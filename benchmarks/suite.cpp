@@ -85,7 +85,10 @@ void Suite::milliseconds(int goal, std::string what, std::string measured, Limit
 }
 
 void Suite::figure(int goal, std::string what, const char* unit, std::function<double()> compute, Limit limit) {
-    add(goal, std::move(what), limit, [=](const Medians&) -> std::optional<Line> { return Line{"", compute(), unit}; });
+    add(goal, std::move(what), limit, [=](const Medians&) -> std::optional<Line> {
+        if (!benchmark::GetBenchmarkFilter().empty()) return std::nullopt;
+        return Line{"", compute(), unit};
+    });
 }
 
 void Suite::print(std::ostream& out, const Medians& medians) {

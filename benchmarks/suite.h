@@ -44,7 +44,7 @@ public:
     void growth(int goal, std::string what, const std::map<std::size_t, std::string>& names, Limit limit);
     /// One benchmark's time per iteration in milliseconds.
     void milliseconds(int goal, std::string what, std::string measured, Limit limit);
-    /// A figure that is no time; computed when the table is printed.
+    /// A figure that is no time; computed when the table is printed, unless a filter chose some benchmarks only.
     void figure(int goal, std::string what, const char* unit, std::function<double()> compute, Limit limit);
 
     /// Prints the table, in the order of the goals, and how many goals are missed. Rows whose benchmarks did not

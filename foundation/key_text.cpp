@@ -17,6 +17,8 @@ namespace {
 constexpr std::size_t kLongestInt = 1 + 10;
 // Sign, 17 digits and a point, exponent.
 constexpr std::size_t kLongestGeneral = 1 + 18 + 5;
+// Digits are put down eight at a time.
+constexpr std::size_t kSlack = 16;
 // The largest double: sign, 309 digits, point, 6 decimals.
 constexpr std::size_t kLongestFixed = 1 + 309 + 1 + 6;
 
@@ -29,6 +31,20 @@ std::size_t utf8Bound(std::u16string_view text) {
         length += unit < 0x80 ? 1U : unit < 0x800 ? 2U : kMostBytesPerUnit;
     }
     return length;
+}
+
+// Four units at a time, as long as they are ASCII.
+char* putAscii(char* to, std::u16string_view text, std::size_t& at) {
+    if constexpr (std::endian::native == std::endian::big) return to;
+    for (; at + 4 <= text.size(); at += 4, to += 4) {
+        std::uint64_t units = 0;
+        std::memcpy(&units, text.data() + at, sizeof units);
+        if ((units & 0xFF80'FF80'FF80'FF80) != 0) break;
+        units = (units | units >> 8) & 0x0000'FFFF'0000'FFFF;
+        const auto bytes = static_cast<std::uint32_t>(units | units >> 16);
+        std::memcpy(to, &bytes, sizeof bytes);
+    }
+    return to;
 }
 
 char32_t takeCodePoint(std::u16string_view text, std::size_t& at) {
@@ -58,23 +74,54 @@ char* putUtf8(char* to, char32_t point) {
 }
 
 constexpr int kSignificantDigits = 17;
-constexpr std::uint64_t kLeastTooLong = 100'000'000'000'000'000;  // 10^17
+constexpr int kMostDecimals = 16;
+constexpr std::uint64_t k5To16 = 152'587'890'625;
+constexpr std::uint32_t k10To8 = 100'000'000;
 
-constexpr auto kPowersOf5 = [] {
-    std::array<std::uint64_t, kSignificantDigits> powers{1};
-    for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = 5 * powers[i - 1];
+constexpr auto kPowersOf10 = [] {
+    std::array<std::uint64_t, kSignificantDigits + 1> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = 10 * powers[i - 1];
     return powers;
 }();
 
-char* putFraction(char* to, std::uint64_t fraction, int digits) {
-    for (int i = digits - 1; i >= 0; --i, fraction /= 10) to[i] = static_cast<char>('0' + fraction % 10);
-    return to + digits;
+// The eight digits of a number below 10^8, the first one in the lowest byte: halves, then pairs, then single digits,
+// all of a kind at once.
+std::uint64_t eightDigits(std::uint32_t number) {
+    const std::uint64_t halves = number / 10'000 | std::uint64_t{number % 10'000} << 32;
+    const std::uint64_t upperPairs = ((halves * 10'486) >> 20) & 0x0000'007F'0000'007F;
+    const std::uint64_t pairs = upperPairs | (halves - 100 * upperPairs) << 16;
+    const std::uint64_t upperDigits = ((pairs * 103) >> 10) & 0x000F'000F'000F'000F;
+    return upperDigits | (pairs - 10 * upperDigits) << 8;
+}
+
+void putDigits(char* to, std::uint64_t digits) {
+    digits |= 0x3030'3030'3030'3030;
+    if constexpr (std::endian::native == std::endian::big) digits = __builtin_bswap64(digits);
+    std::memcpy(to, &digits, sizeof digits);
+}
+
+char* putWhole(char* to, std::uint64_t whole) {
+    if (whole >= k10To8) return std::to_chars(to, to + kSignificantDigits, whole).ptr;
+    constexpr int kMostLeadingZeros = 7;
+    const std::uint64_t digits = eightDigits(static_cast<std::uint32_t>(whole));
+    const int zeros = std::min(std::countr_zero(digits) / 8, kMostLeadingZeros);
+    putDigits(to, digits >> (8 * zeros));
+    return to + 8 - zeros;
+}
+
+// The first digits of that many 65536ths, which have 16 decimals.
+char* putFraction(char* to, std::uint64_t in65536ths, int decimals) {
+    const std::uint64_t digits = in65536ths * k5To16;
+    putDigits(to, eightDigits(static_cast<std::uint32_t>(digits / k10To8)));
+    putDigits(to + 8, eightDigits(static_cast<std::uint32_t>(digits % k10To8)));
+    return to + decimals;
 }
 
 // Block handles are integers or dyadic fractions as a rule: their decimal expansion ends within 17 digits and needs
-// no rounding. Null for every other number.
+// no rounding. Null for every other number. Writes up to 8 bytes beyond the end.
 char* putExactDecimal(char* to, double number) {
     constexpr int kMantissaBits = 52;
+    constexpr int kMostBits = 56;  // 2^56 has 17 digits
     const auto bits = std::bit_cast<std::uint64_t>(number);
     const int exponent = static_cast<int>((bits >> kMantissaBits) & 0x7FF);
     if (exponent == 0) return nullptr;
@@ -82,20 +129,15 @@ char* putExactDecimal(char* to, double number) {
     const int zeros = std::countr_zero(mantissa);
     mantissa >>= zeros;
     const int shift = exponent - 1075 + zeros;
-    const int width = static_cast<int>(std::bit_width(mantissa));
     const int decimals = std::max(0, -shift);
-    if (width + shift > 56 || decimals >= kSignificantDigits) return nullptr;
-    // With that many decimals the product fits 64 bits when the mantissa has at most 26.
-    if (decimals > 0 && width > 26) return nullptr;
-    const std::uint64_t digits =
-        shift >= 0 ? mantissa << shift : mantissa * kPowersOf5[static_cast<std::size_t>(decimals)];
-    std::uint64_t scale = kPowersOf5[static_cast<std::size_t>(decimals)] << decimals;
-    if (digits >= kLeastTooLong || digits < scale) return nullptr;
+    if (std::bit_width(mantissa) + shift > kMostBits || decimals > kMostDecimals) return nullptr;
+    const std::uint64_t whole = shift >= 0 ? mantissa << shift : mantissa >> decimals;
+    if (whole == 0 || whole >= kPowersOf10[static_cast<std::size_t>(kSignificantDigits - decimals)]) return nullptr;
     if (std::signbit(number)) *to++ = '-';
-    to = std::to_chars(to, to + kSignificantDigits, digits / scale).ptr;
+    to = putWhole(to, whole);
     if (decimals == 0) return to;
     *to++ = '.';
-    return putFraction(to, digits % scale, decimals);
+    return putFraction(to, (mantissa << (kMostDecimals - decimals)) & 0xFFFF, decimals);
 }
 
 }  // namespace
@@ -110,7 +152,9 @@ KeyText& KeyText::add(std::string_view utf8) {
 KeyText& KeyText::add(std::u16string_view text) {
     const bool fitsInAnyCase = kMostBytesPerUnit * text.size() <= m_capacity - m_size;
     char* to = reserve(fitsInAnyCase ? 0 : utf8Bound(text));
-    for (std::size_t at = 0; at < text.size();) {
+    std::size_t at = 0;
+    to = putAscii(to, text, at);
+    while (at < text.size()) {
         if (text[at] < 0x80) {
             *to++ = static_cast<char>(text[at++]);
         } else {
@@ -121,14 +165,14 @@ KeyText& KeyText::add(std::u16string_view text) {
     return *this;
 }
 
-KeyText& KeyText::add(int number) {
+KeyText& KeyText::addLongNumber(int number) {
     char* const to = reserve(kLongestInt);
     advanceTo(std::to_chars(to, to + kLongestInt, number).ptr);
     return *this;
 }
 
 KeyText& KeyText::addGeneral17(double number) {
-    char* const to = reserve(kLongestGeneral);
+    char* const to = reserve(kLongestGeneral + kSlack);
     const char* end = putExactDecimal(to, number);
     if (end == nullptr) {
         end = std::to_chars(to, to + kLongestGeneral, number, std::chars_format::general, kSignificantDigits).ptr;
@@ -145,18 +189,13 @@ KeyText& KeyText::addFixed6(double number) {
 
 std::uint64_t KeyText::hash() const noexcept { return boost::hash<std::string_view>()(text()); }
 
-std::uint64_t KeyText::lookupHash() const noexcept { return TextHash().add(text()).value(); }
-
-char* KeyText::reserve(std::size_t more) {
-    if (m_capacity - m_size < more) {
-        const std::size_t capacity = std::max(2 * m_capacity, m_size + more);
-        auto larger = std::make_unique_for_overwrite<char[]>(capacity);
-        std::memcpy(larger.get(), m_begin, m_size);
-        m_heap = std::move(larger);
-        m_begin = m_heap.get();
-        m_capacity = capacity;
-    }
-    return m_begin + m_size;
+void KeyText::grow(std::size_t more) {
+    const std::size_t capacity = std::max(2 * m_capacity, m_size + more);
+    auto larger = std::make_unique_for_overwrite<char[]>(capacity);
+    std::memcpy(larger.get(), m_begin, m_size);
+    m_heap = std::move(larger);
+    m_begin = m_heap.get();
+    m_capacity = capacity;
 }
 
 }  // namespace ks_hmi_foundation

@@ -19,13 +19,17 @@ inline std::uint64_t foldedProduct(std::uint64_t a, std::uint64_t b) noexcept {
 constexpr bool isHighSurrogate(char16_t unit) noexcept { return unit >= 0xD800 && unit < 0xDC00; }
 constexpr bool isLowSurrogate(char16_t unit) noexcept { return unit >= 0xDC00 && unit < 0xE000; }
 
+/// Whether two texts have the same units.
+inline bool isSameText(std::u16string_view a, std::u16string_view b) noexcept {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+}
+
 /// Hashes a sequence of texts and numbers. Ill-formed UTF-16 counts as U+FFFD, as in the texts of the source keys.
 class TextHash {
 public:
     TextHash& add(std::u16string_view text) noexcept;
-    TextHash& add(std::string_view bytes) noexcept;
     TextHash& add(std::uint64_t number) noexcept {
-        mix(number, 0);
+        m_state = mixed(m_state, number, 0);
         return *this;
     }
     std::uint64_t value() const noexcept { return foldedProduct(m_state ^ kFirst, kSecond); }
@@ -35,82 +39,87 @@ private:
     static constexpr std::uint64_t kSecond = 0xE7037ED1A0B428DBULL;
     static constexpr std::size_t kUnits = sizeof(std::uint64_t) / sizeof(char16_t);
 
+    /// The units as they are. Notices what may be a surrogate, which needs a closer look.
+    class PlainUnits {
+    public:
+        explicit PlainUnits(std::u16string_view text) noexcept : m_units(text.data()) {}
+        std::uint64_t one(std::size_t at) noexcept { return seen(m_units[at]); }
+        std::uint64_t four(std::size_t at) noexcept {
+            std::uint64_t units = 0;
+            std::memcpy(&units, m_units + at, sizeof units);
+            return seen(units);
+        }
+        /// False for most texts: surrogates have the two highest bits set, as have few letters.
+        bool mayHaveSurrogates() const noexcept { return (m_highest & 0x8000800080008000ULL) != 0; }
+
+    private:
+        std::uint64_t seen(std::uint64_t units) noexcept {
+            m_highest |= units & (units << 1);
+            return units;
+        }
+        const char16_t* m_units;
+        std::uint64_t m_highest = 0;
+    };
+
+    /// The units with lone surrogates replaced.
+    class RepairedUnits {
+    public:
+        explicit RepairedUnits(std::u16string_view text) noexcept : m_text(text) {}
+        std::uint64_t one(std::size_t at) const noexcept {
+            const char16_t unit = m_text[at];
+            const bool isPaired = (isHighSurrogate(unit) && at + 1 < m_text.size() && isLowSurrogate(m_text[at + 1])) ||
+                                  (isLowSurrogate(unit) && at > 0 && isHighSurrogate(m_text[at - 1]));
+            const bool isLone = !isPaired && (isHighSurrogate(unit) || isLowSurrogate(unit));
+            return isLone ? u'\uFFFD' : unit;
+        }
+        std::uint64_t four(std::size_t at) const noexcept {
+            char16_t units[kUnits];
+            for (std::size_t i = 0; i < kUnits; ++i) units[i] = static_cast<char16_t>(one(at + i));
+            std::uint64_t word = 0;
+            std::memcpy(&word, units, sizeof word);
+            return word;
+        }
+
+    private:
+        std::u16string_view m_text;
+    };
+
     // The factors stay in the state beside their product, so that a factor of 0 forgets nothing.
-    void mix(std::uint64_t a, std::uint64_t b) noexcept {
-        const std::uint64_t x = m_state ^ a ^ kFirst;
+    static std::uint64_t mixed(std::uint64_t state, std::uint64_t a, std::uint64_t b) noexcept {
+        const std::uint64_t x = state ^ a ^ kFirst;
         const std::uint64_t y = b ^ kSecond;
-        m_state = foldedProduct(x, y) ^ std::rotl(x, 23) ^ y;
+        return foldedProduct(x, y) ^ std::rotl(x, 23) ^ y;
     }
 
-    static std::uint64_t load(const void* from, std::size_t bytes) noexcept {
-        std::uint64_t word = 0;
-        std::memcpy(&word, from, bytes);
-        return word;
-    }
-    static constexpr bool hasSurrogate(std::uint64_t fourUnits) noexcept {
-        const std::uint64_t lanes = (fourUnits & 0xF800F800F800F800ULL) ^ 0xD800D800D800D800ULL;
-        return ((lanes - 0x0001000100010001ULL) & ~lanes & 0x8000800080008000ULL) != 0;
-    }
-    bool addWellKnown(std::u16string_view text) noexcept;
-    void addRepaired(std::u16string_view text) noexcept;
+    template <class Units>
+    static std::uint64_t added(std::uint64_t state, Units& units, std::size_t size) noexcept;
+    std::uint64_t repaired(std::u16string_view text) const noexcept;
 
     std::uint64_t m_state = 0;
 };
 
-inline TextHash& TextHash::add(std::string_view bytes) noexcept {
-    constexpr std::size_t kWord = sizeof(std::uint64_t);
-    std::size_t at = 0;
-    for (; at + 2 * kWord <= bytes.size(); at += 2 * kWord) {
-        mix(load(bytes.data() + at, kWord), load(bytes.data() + at + kWord, kWord));
-    }
-    const std::size_t rest = bytes.size() - at;
-    const std::size_t first = rest < kWord ? rest : kWord;
-    mix(load(bytes.data() + at, first), load(bytes.data() + at + first, rest - first) ^ bytes.size());
-    return *this;
+// The last units are read once more where they do not fill a word: no loop over single units, and no copy.
+template <class Units>
+[[gnu::always_inline]] inline std::uint64_t TextHash::added(std::uint64_t state, Units& units,
+                                                            std::size_t size) noexcept {
+    if (size == 0) return mixed(state, 0, 0);
+    if (size < kUnits) return mixed(state, units.one(0) | units.one(size / 2) << 16 | units.one(size - 1) << 32, size);
+    for (std::size_t at = 0; at + 2 * kUnits < size; at += 2 * kUnits)
+        state = mixed(state, units.four(at), units.four(at + kUnits));
+    const std::size_t first = size < 2 * kUnits ? 0 : size - 2 * kUnits;
+    return mixed(state, units.four(first), units.four(size - kUnits) ^ size);
 }
 
 inline TextHash& TextHash::add(std::u16string_view text) noexcept {
-    const std::uint64_t before = m_state;
-    if (!addWellKnown(text)) {
-        m_state = before;
-        addRepaired(text);
-    }
+    PlainUnits plain(text);
+    const std::uint64_t state = added(m_state, plain, text.size());
+    m_state = plain.mayHaveSurrogates() ? repaired(text) : state;
     return *this;
 }
 
-/// False, with the state spoilt, for a text that has surrogates.
-inline bool TextHash::addWellKnown(std::u16string_view text) noexcept {
-    std::uint64_t surrogates = 0;
-    std::size_t at = 0;
-    for (; at + 2 * kUnits <= text.size(); at += 2 * kUnits) {
-        const std::uint64_t first = load(text.data() + at, sizeof first);
-        const std::uint64_t second = load(text.data() + at + kUnits, sizeof second);
-        surrogates |= static_cast<std::uint64_t>(hasSurrogate(first) || hasSurrogate(second));
-        mix(first, second);
-    }
-    const std::size_t rest = text.size() - at;
-    const std::size_t units = rest < kUnits ? rest : kUnits;
-    const std::uint64_t first = load(text.data() + at, units * sizeof(char16_t));
-    const std::uint64_t second = load(text.data() + at + units, (rest - units) * sizeof(char16_t));
-    mix(first, second ^ text.size());
-    return surrogates == 0 && !hasSurrogate(first) && !hasSurrogate(second);
-}
-
-inline void TextHash::addRepaired(std::u16string_view text) noexcept {
-    char16_t units[2 * kUnits] = {};
-    std::size_t filled = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const bool isPair = isHighSurrogate(text[at]) && at + 1 < text.size() && isLowSurrogate(text[at + 1]);
-        const bool isTail = isLowSurrogate(text[at]) && at > 0 && isHighSurrogate(text[at - 1]);
-        const bool isLone = !isPair && !isTail && (isHighSurrogate(text[at]) || isLowSurrogate(text[at]));
-        units[filled++] = isLone ? u'\uFFFD' : text[at];
-        if (filled == 2 * kUnits) {
-            mix(load(units, sizeof(std::uint64_t)), load(units + kUnits, sizeof(std::uint64_t)));
-            filled = 0;
-        }
-    }
-    const std::size_t first = filled < kUnits ? filled : kUnits;
-    mix(load(units, first * sizeof(char16_t)), load(units + first, (filled - first) * sizeof(char16_t)) ^ text.size());
+[[gnu::noinline]] inline std::uint64_t TextHash::repaired(std::u16string_view text) const noexcept {
+    RepairedUnits units(text);
+    return added(m_state, units, text.size());
 }
 
 }  // namespace ks_hmi_foundation

@@ -194,6 +194,8 @@ private:
         SourceKeyIndex<HandleKey, HandleKeyHash> byHandle;
     };
 
+    using EnginePorts = boost::unordered_flat_set<std::uint64_t, NumberHash>;
+
     /// Where a chart signal stands in the chart index.
     struct ChartEntry {
         std::string ssid;
@@ -216,7 +218,7 @@ private:
     std::u16string m_modelName;
     std::vector<SignalPtr> m_signals;
     ObservedPortMap m_observedPortMap;
-    boost::unordered_flat_set<std::uint64_t> m_cachedKSPorts;
+    EnginePorts m_cachedKSPorts;
     boost::unordered_flat_map<std::uint64_t, bool> m_observedCWActivity;
     boost::unordered_flat_map<std::uint64_t, std::bitset<kActivityBits>> m_observedCWObjectCache;
     bool m_rebindingPending = false;

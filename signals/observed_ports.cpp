@@ -8,6 +8,7 @@
 namespace ks_hmi {
 
 namespace errors = plv_hmi_foundation::errors;
+using ks_hmi_foundation::isSameText;
 using ks_hmi_foundation::Rollback;
 using ks_hmi_foundation::TextHash;
 
@@ -55,7 +56,8 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
     if (isChartworkDomain(removed->m_domainType)) return;
     // By port and not by record, on purpose: all signals on the block's port leave the index together.
     std::size_t erased = m_observedPortMap.byPath.eraseIf(pathKey(*removed), [&](const SignalSpecification& entry) {
-        return entry.m_outputPortIndex == removed->m_outputPortIndex && entry.m_blockPath == removed->m_blockPath;
+        return entry.m_outputPortIndex == removed->m_outputPortIndex &&
+               isSameText(entry.m_blockPath, removed->m_blockPath);
     });
     erased += m_observedPortMap.byHandle.eraseIf({removed->m_cachedBlockHandle, removed->m_cachedPortIdx},
                                                  [&](const SignalSpecification& entry) {
@@ -67,7 +69,7 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
 
 void InstrumentedSignals::updateObservedPortMap() {
     ObservedPortMap old;
-    boost::unordered_flat_set<std::uint64_t> oldKSPorts;
+    EnginePorts oldKSPorts;
     std::swap(old, m_observedPortMap);
     m_cachedKSPorts.swap(oldKSPorts);
     Rollback oldPorts([&]() noexcept { m_cachedKSPorts.swap(oldKSPorts); });
@@ -82,7 +84,7 @@ bool InstrumentedSignals::isAnyPortObserved() const {
 }
 
 void InstrumentedSignals::cacheKSPorts(const std::vector<ksPort*>& ports) {
-    boost::unordered_flat_set<std::uint64_t> cached(ports.size());
+    EnginePorts cached(ports.size());
     for (const ksPort* const port : ports) cached.insert(identity(port));
     m_cachedKSPorts.swap(cached);
 }
@@ -102,7 +104,7 @@ bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16strin
                                          int logicalPortIndex) {
     if (isPortObserved(blockHandle, portIdx)) return true;
     const auto observes = [&](const SignalSpecification& entry) {
-        if (entry.m_outputPortIndex != outputPortIndex || entry.m_blockPath != blockPath) return false;
+        if (entry.m_outputPortIndex != outputPortIndex || !isSameText(entry.m_blockPath, blockPath)) return false;
         const bool isUnresolved = entry.m_cachedPortIdx == 0;
         return portIdx == 0 || isUnresolved || (m_rebindingPending && entry.m_cachedPortIdx == portIdx);
     };

@@ -33,6 +33,14 @@ struct HandleKeyHash {
     }
 };
 
+/// For addresses and other numbers of which whole runs of bits never vary.
+struct NumberHash {
+    using is_avalanching = void;
+    std::size_t operator()(std::uint64_t number) const noexcept {
+        return ks_hmi_foundation::foldedProduct(number, 0xA0761D6478BD642FULL);
+    }
+};
+
 /// For keys that are well mixed hashes already.
 struct IdentityHash {
     using is_avalanching = void;
