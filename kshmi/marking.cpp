@@ -1,6 +1,7 @@
 #include "kshmi/marking.h"
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 
 #include "kshmi/error.h"
@@ -81,17 +82,15 @@ SignalSource sourceOf(const kestrel::Model& model, const SignalSpecification& si
     return source;
 }
 
-std::size_t removeSignals(Session& session, std::vector<std::size_t> positions) {
+void removeSignals(Session& session, Positions positions) {
     // From the last to the first: positions stay valid, and of a port's signals the first keeps its UUID.
-    std::sort(positions.begin(), positions.end(), std::greater<>());
-    positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+    sortUnique(positions, std::greater<>());
     for (const std::size_t position : positions) {
         keepUuid(session, session.set(), position);
         script::remove(session.set(), position + 1);
     }
     // A removal takes the index entries of other signals on the same path along.
     if (!positions.empty()) session.signals().updateObservedPortMap();
-    return positions.size();
 }
 
 }  // namespace kshmi

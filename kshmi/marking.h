@@ -1,10 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <optional>
 #include <string>
-#include <vector>
 
+#include "kshmi/positions.h"
 #include "kshmi/session.h"
 #include "kshmi/signal_source.h"
 
@@ -36,7 +35,7 @@ bool isMarked(const Session& session, const SignalSource& source, const std::u16
 SignalSource sourceOf(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal);
 
 /// Removes the signals at the positions (0-based, in any order, duplicates allowed). A port that is
-/// marked again later gets the UUID back that its first signal had. Returns how many were removed.
-std::size_t removeSignals(Session& session, std::vector<std::size_t> positions);
+/// marked again later gets the UUID back that its first signal had.
+void removeSignals(Session& session, Positions positions);
 
 }  // namespace kshmi

@@ -1,5 +1,6 @@
 #include "kshmi/moving.h"
 
+#include <utility>
 #include <vector>
 
 #include "kshmi/observing.h"
@@ -23,7 +24,8 @@ void follow(const Session& session, const std::vector<const Block*>& blocks) {
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         ks_hmi::SignalSpecification& signal = *session.signals().get(i);
         if (!blocks[i] || blocks[i]->path == signal.m_blockPath) continue;
-        if (signal.m_subSysPath == parentPath(signal.m_blockPath)) signal.m_subSysPath = parentPath(blocks[i]->path);
+        if (auto followed = followedSubSysPath(signal.m_subSysPath, signal.m_blockPath, blocks[i]->path))
+            signal.m_subSysPath = std::move(*followed);
         signal.m_blockPath = blocks[i]->path;
     }
     session.signals().updateObservedPortMap();

@@ -58,9 +58,8 @@ void addClient(Session& session, std::size_t signal, const ClientSettings& setti
     script::add(session.clientSet(), object.get());
 }
 
-void removeClients(Session& session, std::vector<std::size_t> positions) {
-    std::sort(positions.begin(), positions.end(), std::greater<>());
-    positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+void removeClients(Session& session, Positions positions) {
+    sortUnique(positions, std::greater<>());
     for (const std::size_t position : positions) script::remove(session.clientSet(), position + 1);
 }
 

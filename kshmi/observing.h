@@ -10,6 +10,7 @@
 
 #include "host/hv_array.h"
 #include "kshmi/output.h"
+#include "kshmi/positions.h"
 #include "kshmi/session.h"
 
 /// The observers of a model's signals. Positions are 0-based.
@@ -30,7 +31,7 @@ struct ClientSettings {
 void addClient(Session& session, std::size_t signal, const ClientSettings& settings);
 
 /// Removes the clients at the positions, in any order, duplicates allowed.
-void removeClients(Session& session, std::vector<std::size_t> positions);
+void removeClients(Session& session, Positions positions);
 
 /// New clients with aligned model paths, in the set's order, as the host answers for all. Throws `Error` when it does
 /// not.

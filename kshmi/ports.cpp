@@ -32,15 +32,8 @@ std::u16string nameOfPort(const Source& source) {
     return found ? portName({found.block, source.outputPortIndex, std::nullopt}) : std::u16string();
 }
 
-std::string flagsOf(const Source& source) {
-    std::string flags;
-    const auto add = [&](bool isSet, const char* name) {
-        if (isSet) flags += (flags.empty() ? "" : ",") + std::string(name);
-    };
-    add(source.isFrameBased, "frame-based");
-    add(source.hideInPLV, "hidden");
-    add(source.targetBufferedStreaming, "buffered");
-    return flags;
+SignalFlags flagsOf(const Source& source) {
+    return {source.isFrameBased, source.hideInPLV, source.targetBufferedStreaming};
 }
 
 void printText(const Session& session, const std::vector<Source>& sources, std::ostream& out) {
@@ -57,7 +50,7 @@ void printText(const Session& session, const std::vector<Source>& sources, std::
     for (const Source& source : sources)
         table.add({printable(source.blockPath), std::to_string(source.outputPortIndex), printable(nameOfPort(source)),
                    printable(source.signalName), std::to_string(source.decimation), std::to_string(source.maxPoints),
-                   flagsOf(source)});
+                   textOf(flagsOf(source))});
     out << '\n';
     table.print(out);
 }

@@ -20,14 +20,10 @@ public:
         return textOf(hvGetField(hvGetField(m_signals, m_position, "DomainParams_"), 0, name));
     }
     void setText(const char* field, const std::u16string& text) {
-        hvReplaceField(m_signals, m_position, field, HvArrayPtr(matrix::create(text.data(), text.size())).release());
+        hvReplaceField(m_signals, m_position, field, textValue(text).release());
     }
 
 private:
-    static std::u16string textOf(const hvArray* value) {
-        return hvGetClassID(value) == hvCHAR_CLASS ? matrix::get_ustring(value) : std::u16string();
-    }
-
     hvArray* m_signals;
     std::size_t m_position;
 };
@@ -35,7 +31,8 @@ private:
 void alignPath(Record& record, const kestrel::Block& block) {
     const std::u16string path = record.text("BlockPath_");
     if (path.empty() || path == block.path) return;
-    if (record.text("SubSysPath_") == parentPath(path)) record.setText("SubSysPath_", parentPath(block.path));
+    if (const auto followed = followedSubSysPath(record.text("SubSysPath_"), path, block.path))
+        record.setText("SubSysPath_", *followed);
     record.setText("BlockPath_", block.path);
 }
 

@@ -116,10 +116,10 @@ private:
 SignalSource resolveReference(const kestrel::Model& model, std::string_view reference,
                               const ReferenceOptions& options) {
     const std::u16string text = toUtf16(reference);
-    const std::u16string prefix = model.name() + u"/";
+    const std::u16string inModel = withoutModel(model, reference);
     std::string reason;
-    std::vector<std::u16string_view> spellings{text};
-    if (text.starts_with(prefix)) spellings.insert(spellings.begin(), std::u16string_view(text).substr(prefix.size()));
+    std::vector<std::u16string_view> spellings{inModel};
+    if (inModel != text) spellings.emplace_back(text);
     for (const std::u16string_view spelling : spellings) {
         Lookup lookup(model, spelling, options);
         if (auto source = lookup.find()) {

@@ -20,9 +20,7 @@ struct Named {
 };
 
 Named namesIn(const ks_hmi::SignalClient& client) {
-    const hvArray* const parameter = hvGetField(client.m_observerParams.get(), 0, "ModelName");
-    return {client.m_sourceModel,
-            hvGetClassID(parameter) == hvCHAR_CLASS ? matrix::get_ustring(parameter) : std::u16string()};
+    return {client.m_sourceModel, textOf(hvGetField(client.m_observerParams.get(), 0, "ModelName"))};
 }
 
 std::vector<Named> namesOf(const Session& session) {

@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "kshmi/text.h"
 #include "memory_host/orvex/functions.h"
 
 namespace kshmi::script {
@@ -19,7 +20,6 @@ HvArrayPtr call(const std::string& name, int outputs, std::initializer_list<cons
     return std::move(results.at(0));
 }
 
-HvArrayPtr textValue(const std::u16string& text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
 HvArrayPtr numberValue(double number) { return HvArrayPtr(hvCreateDoubleScalar(number)); }
 
 }  // namespace
@@ -56,7 +56,7 @@ std::string uuidOf(const hvArray* set, std::size_t position) {
 void rememberUuid(double blockHandle, int port, const std::string& uuid) {
     const HvArrayPtr handle = numberValue(blockHandle);
     const HvArrayPtr portNumber = numberValue(port);
-    const HvArrayPtr text(matrix::create(uuid.data(), uuid.size()));
+    const HvArrayPtr text = textValue(std::string_view(uuid));
     call(std::string(kSetClass) + ".setUUIDForBlock", 0, {handle.get(), portNumber.get(), text.get()});
 }
 

@@ -16,16 +16,8 @@ namespace {
 
 using ks_hmi::SignalSpecification;
 
-std::string flagsOf(const SignalSpecification& signal) {
-    std::string flags;
-    const auto add = [&](bool isSet, const char* name) {
-        if (isSet) flags += (flags.empty() ? "" : ",") + std::string(name);
-    };
-    add(signal.m_isFrameBased, "frame-based");
-    add(signal.m_hideInPLV, "hidden");
-    add(signal.m_targetBufferedStreaming, "buffered");
-    add(signal.m_excludeForSave, "not-saved");
-    return flags;
+SignalFlags flagsOf(const SignalSpecification& signal) {
+    return {signal.m_isFrameBased, signal.m_hideInPLV, signal.m_targetBufferedStreaming, signal.m_excludeForSave};
 }
 
 std::vector<std::string> rowOf(const Session& session, std::size_t position) {
@@ -42,7 +34,7 @@ std::vector<std::string> rowOf(const Session& session, std::size_t position) {
             printable(signal.getValueForDomainParams(u"Activity")),
             std::to_string(signal.m_decimation),
             std::to_string(signal.m_maxPoints),
-            flagsOf(signal)};
+            textOf(flagsOf(signal))};
 }
 
 void printClients(const Session& session, std::ostream& out) {

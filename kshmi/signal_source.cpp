@@ -19,9 +19,26 @@ std::u16string parentPath(const std::u16string& path) {
     return slash == std::u16string::npos ? std::u16string() : path.substr(0, slash);
 }
 
+std::optional<std::u16string> followedSubSysPath(const std::u16string& subSysPath, const std::u16string& oldPath,
+                                                 const std::u16string& newPath) {
+    return subSysPath == parentPath(oldPath) ? std::optional(parentPath(newPath)) : std::nullopt;
+}
+
 std::u16string portName(const SignalSource& source) {
     const auto port = static_cast<std::size_t>(source.port);
     return port >= 1 && port <= source.block->outputs.size() ? source.block->outputs[port - 1] : std::u16string();
+}
+
+std::string textOf(const SignalFlags& flags) {
+    std::string text;
+    const auto add = [&](bool isSet, const char* name) {
+        if (isSet) text += (text.empty() ? "" : ",") + std::string(name);
+    };
+    add(flags.isFrameBased, "frame-based");
+    add(flags.isHidden, "hidden");
+    add(flags.isBuffered, "buffered");
+    add(flags.isExcludedFromSave, "not-saved");
+    return text;
 }
 
 std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t ssid) {

@@ -29,8 +29,22 @@ struct SignalSource {
 std::u16string fullName(const kestrel::Model& model, const SignalSource& source);
 /// The path in front of the last '/'; empty when there is none.
 std::u16string parentPath(const std::u16string& path);
+/// The parent of the new path for a signal whose block moves, when its subsystem path is the parent of the old one;
+/// nothing when it is another and stays.
+std::optional<std::u16string> followedSubSysPath(const std::u16string& subSysPath, const std::u16string& oldPath,
+                                                 const std::u16string& newPath);
 /// The port's name in the model, empty for a chart item and a port that the block does not have.
 std::u16string portName(const SignalSource& source);
+
+/// What lists say of a signal in one word each.
+struct SignalFlags {
+    bool isFrameBased = false;
+    bool isHidden = false;
+    bool isBuffered = false;
+    bool isExcludedFromSave = false;
+};
+/// "frame-based,hidden"; empty when there is none.
+std::string textOf(const SignalFlags& flags);
 
 /// The item of that identifier in a chart block, the chart itself for 0; nothing when there is none.
 std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t ssid);

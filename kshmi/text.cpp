@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "host/hv_array.h"
 #include "host/text.h"
 
 namespace kshmi {
@@ -21,12 +20,16 @@ bool isHighControl(unsigned char first, unsigned char second) noexcept { return 
 
 }  // namespace
 
-std::u16string toUtf16(std::string_view text) {
-    const HvArrayPtr value(matrix::create(text.data(), text.size()));
-    return matrix::get_ustring(value.get());
-}
+std::u16string toUtf16(std::string_view text) { return matrix::get_ustring(textValue(text).get()); }
 
 std::string toUtf8(std::u16string_view text) { return fl::i18n::to_string(std::u16string(text)); }
+
+std::u16string textOf(const hvArray* value) {
+    return hvGetClassID(value) == hvCHAR_CLASS ? matrix::get_ustring(value) : std::u16string();
+}
+
+HvArrayPtr textValue(std::u16string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
+HvArrayPtr textValue(std::string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
 
 bool isWellFormed(std::u16string_view text) noexcept {
     for (std::size_t i = 0; i < text.size(); ++i) {

@@ -1,7 +1,5 @@
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "kshmi/change_report.h"
 #include "kshmi/commands.h"
 #include "kshmi/error.h"
@@ -14,8 +12,6 @@
 namespace kshmi {
 
 namespace {
-
-using Positions = std::vector<std::size_t>;
 
 Positions selected(const Session& session, const Selection& selection, const Output& output) {
     Positions positions;
@@ -48,8 +44,7 @@ int runUnmark(const UnmarkArguments& arguments, const Output& output) {
     Session session(arguments.file, arguments.isDangling ? Session::Opening::lenient : Session::Opening::strict);
     Positions positions = selected(session, arguments.selection, output);
     for (const SignalFault& fault : session.dangling()) positions.push_back(fault.position);
-    std::sort(positions.begin(), positions.end());
-    positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+    sortUnique(positions);
 
     ChangeReport report(output, arguments.isDryRun);
     for (const std::size_t position : positions) report.change("remove", "removed", describe(session, position));

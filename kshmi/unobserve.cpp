@@ -15,8 +15,6 @@ namespace kshmi {
 
 namespace {
 
-using Positions = std::vector<std::size_t>;
-
 bool contains(const std::vector<std::string>& texts, const std::string& text) {
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
