@@ -26,7 +26,6 @@ function(ks_hmi_add_foundation_library)
   target_include_directories(ks_hmi_foundation PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation>)
-  target_compile_definitions(ks_hmi_foundation PRIVATE KS_HMI_BUILDING)
   target_link_libraries(ks_hmi_foundation PUBLIC host Boost::headers PRIVATE ${KS_HMI_PLATFORM_TARGET})
   if(NOT KS_HMI_SANITIZE)  # the checks' own entry points are found in the program, at run time
     target_link_options(ks_hmi_foundation PRIVATE -Wl,--no-undefined)

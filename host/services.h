@@ -24,7 +24,7 @@ OX_API void kssvFEVAL(int nOut, hvArray** outs, int nIn, const hvArray* const* i
 /// Misuse and exhausted memory are still thrown.
 OX_API kssvDiagnosticImpl* kssvFEVAL_NoThrow(int nOut, hvArray** outs, int nIn, const hvArray* const* ins,
                                              const char* functionName, bool captureErrors, void* reserved);
-/// The second form, with a context (always null).
+/// The second form, with a context (always null). The platform declares both; the library calls the first.
 OX_API kssvDiagnosticImpl* kssvFEVAL_NoThrow(int nOut, hvArray** outs, int nIn, const hvArray* const* ins,
                                              const char* functionName, void* context, bool captureErrors,
                                              void* reserved);

@@ -12,12 +12,12 @@ constexpr std::size_t kGap = 2;
 
 }  // namespace
 
-void TextTable::print(std::ostream& out, std::size_t indent) const {
+void TextTable::print(std::ostream& out) const {
     const std::vector<std::size_t> widthOf = widths();
     std::vector<std::string> titles;
     for (const Column& column : m_columns) titles.push_back(column.title);
-    printRow(out, titles, widthOf, indent);
-    for (const std::vector<std::string>& row : m_rows) printRow(out, row, widthOf, indent);
+    printRow(out, titles, widthOf);
+    for (const std::vector<std::string>& row : m_rows) printRow(out, row, widthOf);
 }
 
 std::vector<std::size_t> TextTable::widths() const {
@@ -29,8 +29,8 @@ std::vector<std::size_t> TextTable::widths() const {
 }
 
 void TextTable::printRow(std::ostream& out, const std::vector<std::string>& cells,
-                         const std::vector<std::size_t>& widths, std::size_t indent) const {
-    std::string line(indent, ' ');
+                         const std::vector<std::size_t>& widths) const {
+    std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const std::string padding(widths[i] - displayWidth(cells[i]), ' ');
         line += m_columns[i].align == Align::right ? padding + cells[i] : cells[i] + padding;

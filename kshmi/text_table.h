@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kshmi {
@@ -19,14 +20,13 @@ public:
     explicit TextTable(std::vector<Column> columns) : m_columns(std::move(columns)) {}
     /// As many cells as there are columns, without control characters.
     void add(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
-    std::size_t rowCount() const noexcept { return m_rows.size(); }
-    /// Prints the titles and all rows, each behind `indent` blanks, with no blanks at the ends of lines.
-    void print(std::ostream& out, std::size_t indent = 0) const;
+    /// Prints the titles and all rows, with no blanks at the ends of lines.
+    void print(std::ostream& out) const;
 
 private:
     std::vector<std::size_t> widths() const;
-    void printRow(std::ostream& out, const std::vector<std::string>& cells, const std::vector<std::size_t>& widths,
-                  std::size_t indent) const;
+    void printRow(std::ostream& out, const std::vector<std::string>& cells,
+                  const std::vector<std::size_t>& widths) const;
 
     std::vector<Column> m_columns;
     std::vector<std::vector<std::string>> m_rows;

@@ -14,7 +14,6 @@ public:
     const resource_core::BaseMsgID& id() const noexcept { return m_id; }
     /// UTF-8.
     const std::string& text() const noexcept { return m_text; }
-    std::uint64_t serial() const noexcept { return m_ledger.serial(); }
 
 private:
     resource_core::BaseMsgID m_id;

@@ -51,9 +51,6 @@ public:
     LedgerEntry& operator=(const LedgerEntry&) = delete;
     ~LedgerEntry();
 
-    /// 1 for the first thing made in the process, then counting up.
-    std::uint64_t serial() const noexcept { return m_serial; }
-
 private:
     friend OX_API std::string describeLive(std::size_t most);
     std::string line() const;
@@ -64,7 +61,7 @@ private:
     Describe m_describe;
     Site m_site;
     const std::string* m_hostFunction;
-    std::uint64_t m_serial;
+    std::uint64_t m_serial;  ///< 1 for the first thing made in the process, then counting up
     LedgerKind m_kind;
 };
 
