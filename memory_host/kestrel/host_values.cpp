@@ -73,16 +73,19 @@ void requireInputs(const orvex::Call& call, std::size_t count) {
                                             " arguments, and " + std::to_string(call.ins.size()) + " were given.");
 }
 
-void fillFromStruct(orvex::ScriptObject& self, const hvArray* data, std::span<const char* const> fields) {
+void constructFromStruct(orvex::ScriptObject& self, std::span<const hvArray* const> arguments, std::size_t saved) {
+    if (arguments.empty()) return;
+    const auto takes = [&] { return "The constructor of class " + self.className() + " takes "; };
+    if (arguments.size() != 1) orvex::raise("TooManyInputs", takes() + "one struct.");
+    const hvArray* const data = arguments.front();
     if (hvGetClassID(data) != hvSTRUCT_CLASS || hvGetNumberOfElements(data) != 1)
-        orvex::raise("TypeMismatch", "The constructor of class " + self.className() + " takes a 1x1 struct, and " +
-                                         orvex::describeValue(data) + " was given.");
-    for (const char* field : fields) {
-        const hvArray* value = hvGetField(data, 0, field);
+        orvex::raise("TypeMismatch", takes() + "a 1x1 struct, and " + orvex::describeValue(data) + " was given.");
+    for (const orvex::ScriptProperty& property : std::span(self.scriptClass().properties).first(saved)) {
+        const hvArray* const value = hvGetField(data, 0, property.name.c_str());
         if (!value)
             orvex::raise("MissingField", "The struct for an object of class " + self.className() +
-                                             " has no value in the field \"" + field + "\".");
-        self.store(field, HvArrayPtr(hvCreateSharedDataCopy(value)));
+                                             " has no value in the field \"" + property.name + "\".");
+        self.store(property.name, HvArrayPtr(hvCreateSharedDataCopy(value)));
     }
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
+#include <cstdint>
+#include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -43,9 +45,9 @@ bool truthAt(const orvex::Call& call, std::size_t position);
 bool isOnChart(const hvArray* signal);
 /// Throws the host's exception unless the call has exactly that many inputs.
 void requireInputs(const orvex::Call& call, std::size_t count);
-/// Fills an object's properties from the fields of the same names of a 1x1 struct. Throws the host's
-/// exception, naming the class and the field, for any other value and for a field that is missing.
-void fillFromStruct(orvex::ScriptObject& self, const hvArray* data, std::span<const char* const> fields);
+/// A constructor that takes nothing, or a 1x1 struct with fields for the first `saved` properties of the class. Throws
+/// the host's exception, naming the class and the field, for any other value and for a field that is missing.
+void constructFromStruct(orvex::ScriptObject& self, std::span<const hvArray* const> arguments, std::size_t saved);
 /// Defines the class unless it is defined.
 void defineOnce(orvex::ScriptClass definition);
 

@@ -1,5 +1,3 @@
-#include <array>
-
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
 #include "memory_host/kestrel/signal_lookup.h"
@@ -9,11 +7,8 @@ namespace kestrel {
 
 namespace {
 
-constexpr std::array kFields = {
-    "UUID",          "ModelPath_",      "ModelPathEID_", "SourceModel_",      "SignalUUID_",
-    "ObserverType_", "ObserverParams_", "UpdateRate_",   "DimensionChannel_", "ObserveImaginaryPart_",
-    "BusLeafPath_",
-};
+/// So many of the properties, the first ones, are saved.
+constexpr std::size_t kSaved = 11;
 
 HvArrayPtr one() { return uint32Value(1); }
 HvArrayPtr no() { return logicalValue(false); }
@@ -42,10 +37,7 @@ std::vector<orvex::ScriptProperty> properties() {
 }
 
 void construct(orvex::ScriptObject& self, std::span<const hvArray* const> arguments) {
-    if (arguments.empty()) return;
-    if (arguments.size() != 1)
-        orvex::raise("TooManyInputs", "The constructor of class " + self.className() + " takes one struct.");
-    fillFromStruct(self, arguments.front(), kFields);
+    constructFromStruct(self, arguments, kSaved);
 }
 
 }  // namespace

@@ -1,5 +1,3 @@
-#include <array>
-
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
@@ -11,11 +9,8 @@ namespace {
 
 constexpr const char* kClassName = "Kestrel.HMI.SignalSpecification";
 
-constexpr std::array kPersistedFields = {
-    "UUID",        "BlockPath_",  "EID_",          "SubPath_",    "OutputPortIndex_",         "LogicalPortIndex_",
-    "SignalName_", "SubSysPath_", "Decimation_",   "MaxPoints_",  "TargetBufferedStreaming_", "IsFrameBased_",
-    "HideInPLV_",  "DomainType_", "DomainParams_", "VisualType_",
-};
+/// So many of the properties, the first ones, are saved.
+constexpr std::size_t kSaved = 16;
 
 HvArrayPtr zero() { return numberValue(0.0); }
 HvArrayPtr one() { return numberValue(1.0); }
@@ -52,10 +47,7 @@ std::vector<orvex::ScriptProperty> properties() {
 }
 
 void construct(orvex::ScriptObject& self, std::span<const hvArray* const> arguments) {
-    if (arguments.empty()) return;
-    if (arguments.size() != 1)
-        orvex::raise("TooManyInputs", std::string("The constructor of class ") + kClassName + " takes one struct.");
-    fillFromStruct(self, arguments.front(), kPersistedFields);
+    constructFromStruct(self, arguments, kSaved);
 }
 
 void getAlignedBlockPath(orvex::Call& call) {
