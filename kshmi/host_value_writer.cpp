@@ -6,12 +6,14 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
 #include "kshmi/error.h"
 #include "kshmi/host_value_builder.h"
 #include "kshmi/number_text.h"
 #include "kshmi/text.h"
+#include "memory_host/orvex/element_type.h"
 
 namespace kshmi {
 
@@ -33,34 +35,26 @@ std::vector<const char*> fieldNames(const hvArray* value) {
     return names;
 }
 
+/// What an element is read as, so that a number of 64 bits holds it: floats and truths by their bits.
 template <typename T>
-std::uint64_t widened(const char* data, std::size_t index) {
+using ReadAs = std::conditional_t<std::is_same_v<T, double>, std::uint64_t,
+                                  std::conditional_t<std::is_same_v<T, float>, std::uint32_t,
+                                                     std::conditional_t<std::is_same_v<T, bool>, std::uint8_t, T>>>;
+
+template <typename T>
+std::uint64_t widened(const hvArray* value, std::size_t index) {
     T element{};
-    std::memcpy(&element, data + index * sizeof(T), sizeof(T));
+    std::memcpy(&element, static_cast<const char*>(hvGetData(value)) + index * sizeof(T), sizeof(T));
     return static_cast<std::uint64_t>(element);
 }
 
 std::uint64_t bitsAt(const hvArray* value, std::size_t index) {
-    const auto* const data = static_cast<const char*>(hvGetData(value));
-    switch (hvGetClassID(value)) {
-        case hvINT8_CLASS:
-            return widened<std::int8_t>(data, index);
-        case hvINT16_CLASS:
-            return widened<std::int16_t>(data, index);
-        case hvINT32_CLASS:
-            return widened<std::int32_t>(data, index);
-        case hvLOGICAL_CLASS:
-        case hvUINT8_CLASS:
-            return widened<std::uint8_t>(data, index);
-        case hvCHAR_CLASS:
-        case hvUINT16_CLASS:
-            return widened<std::uint16_t>(data, index);
-        case hvSINGLE_CLASS:
-        case hvUINT32_CLASS:
-            return widened<std::uint32_t>(data, index);
-        default:
-            return widened<std::uint64_t>(data, index);
-    }
+    const hvClassID classId = hvGetClassID(value);
+    if (classId == hvCHAR_CLASS) return widened<char16_t>(value, index);
+    std::uint64_t bits = 0;
+    orvex::withElementType(classId,
+                           [&]<typename T>(std::type_identity<T>) { bits = widened<ReadAs<T>>(value, index); });
+    return bits;
 }
 
 /// Whether the value's plain JSON form says everything about it.

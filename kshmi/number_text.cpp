@@ -11,7 +11,9 @@
 #include <type_traits>
 
 #include "kshmi/error.h"
+#include "kshmi/host_value_builder.h"
 #include "kshmi/text.h"
+#include "memory_host/orvex/element_type.h"
 
 namespace kshmi {
 
@@ -78,8 +80,27 @@ std::uint64_t floatOfText(std::string_view text) {
 }
 
 template <typename T>
-std::uint64_t integerBits(std::string_view text, const char* className) {
-    return static_cast<std::uint64_t>(parsed<T>(text, className));
+std::string textOfBits(std::uint64_t bits) {
+    if constexpr (std::is_same_v<T, bool>)
+        return bits ? "true" : "false";
+    else if constexpr (std::is_floating_point_v<T>)
+        return textOfFloatElement<T>(static_cast<BitsOf<T>>(bits));
+    else
+        return written(static_cast<T>(bits));
+}
+
+[[noreturn]] void refuseNumber(std::string_view text) {
+    throw Error("the number " + std::string(text) + " stands where true or false belongs");
+}
+
+template <typename T>
+std::uint64_t bitsOfNumber(std::string_view text, const char* className) {
+    if constexpr (std::is_same_v<T, bool>)
+        refuseNumber(text);
+    else if constexpr (std::is_floating_point_v<T>)
+        return std::bit_cast<BitsOf<T>>(parsed<T>(text, className));
+    else
+        return static_cast<std::uint64_t>(parsed<T>(text, className));
 }
 
 }  // namespace
@@ -91,50 +112,19 @@ double numberOfText(std::string_view text) { return parsed<double>(text, "double
 std::size_t lengthOfText(std::string_view text) { return parsed<std::size_t>(text, "length"); }
 
 std::string textOfElement(hvClassID classId, std::uint64_t bits) {
-    switch (classId) {
-        case hvDOUBLE_CLASS:
-            return textOfFloatElement<double>(bits);
-        case hvSINGLE_CLASS:
-            return textOfFloatElement<float>(static_cast<std::uint32_t>(bits));
-        case hvLOGICAL_CLASS:
-            return bits ? "true" : "false";
-        case hvINT8_CLASS:
-        case hvINT16_CLASS:
-        case hvINT32_CLASS:
-        case hvINT64_CLASS:
-            return written(static_cast<std::int64_t>(bits));
-        default:
-            return written(bits);
-    }
+    if (classId == hvCHAR_CLASS) return written(bits);
+    std::string text;
+    orvex::withElementType(classId, [&]<typename T>(std::type_identity<T>) { text = textOfBits<T>(bits); });
+    return text;
 }
 
 std::uint64_t elementOfNumber(hvClassID classId, std::string_view text) {
-    switch (classId) {
-        case hvDOUBLE_CLASS:
-            return std::bit_cast<std::uint64_t>(numberOfText(text));
-        case hvSINGLE_CLASS:
-            return std::bit_cast<std::uint32_t>(parsed<float>(text, "single"));
-        case hvINT8_CLASS:
-            return integerBits<std::int8_t>(text, "int8");
-        case hvUINT8_CLASS:
-            return integerBits<std::uint8_t>(text, "uint8");
-        case hvINT16_CLASS:
-            return integerBits<std::int16_t>(text, "int16");
-        case hvCHAR_CLASS:
-            return integerBits<std::uint16_t>(text, "UTF-16 code unit");
-        case hvUINT16_CLASS:
-            return integerBits<std::uint16_t>(text, "uint16");
-        case hvINT32_CLASS:
-            return integerBits<std::int32_t>(text, "int32");
-        case hvUINT32_CLASS:
-            return integerBits<std::uint32_t>(text, "uint32");
-        case hvINT64_CLASS:
-            return integerBits<std::int64_t>(text, "int64");
-        case hvUINT64_CLASS:
-            return integerBits<std::uint64_t>(text, "uint64");
-        default:
-            throw Error("the number " + std::string(text) + " stands where true or false belongs");
-    }
+    if (classId == hvCHAR_CLASS) return parsed<std::uint16_t>(text, "UTF-16 code unit");
+    std::uint64_t bits = 0;
+    const bool isNumeric = orvex::withElementType(
+        classId, [&]<typename T>(std::type_identity<T>) { bits = bitsOfNumber<T>(text, nameOfClass(classId)); });
+    if (!isNumeric) refuseNumber(text);
+    return bits;
 }
 
 std::uint64_t elementOfText(hvClassID classId, std::string_view text) {
@@ -144,27 +134,9 @@ std::uint64_t elementOfText(hvClassID classId, std::string_view text) {
 }
 
 std::size_t elementSize(hvClassID classId) noexcept {
-    switch (classId) {
-        case hvLOGICAL_CLASS:
-            return sizeof(bool);
-        case hvINT8_CLASS:
-        case hvUINT8_CLASS:
-            return sizeof(std::uint8_t);
-        case hvCHAR_CLASS:
-        case hvINT16_CLASS:
-        case hvUINT16_CLASS:
-            return sizeof(std::uint16_t);
-        case hvSINGLE_CLASS:
-        case hvINT32_CLASS:
-        case hvUINT32_CLASS:
-            return sizeof(std::uint32_t);
-        case hvDOUBLE_CLASS:
-        case hvINT64_CLASS:
-        case hvUINT64_CLASS:
-            return sizeof(std::uint64_t);
-        default:
-            return 0;
-    }
+    std::size_t size = classId == hvCHAR_CLASS ? sizeof(char16_t) : 0;
+    orvex::withElementType(classId, [&]<typename T>(std::type_identity<T>) { size = sizeof(T); });
+    return size;
 }
 
 }  // namespace kshmi

@@ -1,9 +1,11 @@
 #include <algorithm>
-#include <cstdint>
+#include <cstddef>
 #include <string>
+#include <type_traits>
 
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/orvex/element_type.h"
 #include "memory_host/orvex/hv_array_impl.h"
 #include "memory_host/orvex/objects.h"
 
@@ -22,47 +24,15 @@ bool haveSameSize(const hvArray* left, const hvArray* right) {
 
 /// Wide enough for every number that the host knows.
 long double numberAt(const hvArray* value, std::size_t index) {
-    const void* data = hvGetData(value);
-    const auto at = [&]<class Stored>(Stored) {
-        return static_cast<long double>(static_cast<const Stored*>(data)[index]);
-    };
-    switch (hvGetClassID(value)) {
-        case hvLOGICAL_CLASS:
-            return at(bool{});
-        case hvSINGLE_CLASS:
-            return at(float{});
-        case hvINT8_CLASS:
-            return at(std::int8_t{});
-        case hvUINT8_CLASS:
-            return at(std::uint8_t{});
-        case hvINT16_CLASS:
-            return at(std::int16_t{});
-        case hvUINT16_CLASS:
-            return at(std::uint16_t{});
-        case hvINT32_CLASS:
-            return at(std::int32_t{});
-        case hvUINT32_CLASS:
-            return at(std::uint32_t{});
-        case hvINT64_CLASS:
-            return at(std::int64_t{});
-        case hvUINT64_CLASS:
-            return at(std::uint64_t{});
-        default:
-            return at(double{});
-    }
+    long double number = 0;
+    orvex::withElementType(hvGetClassID(value), [&]<class Stored>(std::type_identity<Stored>) {
+        number = static_cast<long double>(static_cast<const Stored*>(hvGetData(value))[index]);
+    });
+    return number;
 }
 
 bool isNumeric(const hvArray* value) {
-    switch (hvGetClassID(value)) {
-        case hvUNKNOWN_CLASS:
-        case hvSTRUCT_CLASS:
-        case hvCHAR_CLASS:
-        case hvCELL_CLASS:
-        case hvOBJECT_CLASS:
-            return false;
-        default:
-            return true;
-    }
+    return orvex::withElementType(hvGetClassID(value), [](auto) {});
 }
 
 /// What holds nothing reads as a 0x0 double.

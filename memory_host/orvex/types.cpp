@@ -6,12 +6,14 @@
 #include <limits>
 #include <memory>
 #include <optional>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <variant>
 
 #include "host/text.h"
 #include "memory_host/orvex/cos_namespace.h"
+#include "memory_host/orvex/element_type.h"
 #include "memory_host/orvex/functions.h"
 #include "memory_host/orvex/hv_array_impl.h"
 
@@ -38,39 +40,17 @@ std::optional<Kind> builtInKind(std::string_view text) {
     return std::nullopt;
 }
 
-template <class Stored, class Wide>
-Number firstAs(const hvArray* value) {
-    return static_cast<Wide>(*static_cast<const Stored*>(hvGetData(value)));
-}
+template <class Stored>
+using Wide = std::conditional_t<std::is_floating_point_v<Stored>, double,
+                                std::conditional_t<std::is_same_v<Stored, std::uint64_t>, std::uint64_t, std::int64_t>>;
 
 std::optional<Number> scalarNumber(const hvArray* value) {
     if (hvGetNumberOfElements(value) != 1) return std::nullopt;
-    switch (hvGetClassID(value)) {
-        case hvDOUBLE_CLASS:
-            return firstAs<double, double>(value);
-        case hvSINGLE_CLASS:
-            return firstAs<float, double>(value);
-        case hvLOGICAL_CLASS:
-            return firstAs<bool, std::int64_t>(value);
-        case hvINT8_CLASS:
-            return firstAs<std::int8_t, std::int64_t>(value);
-        case hvUINT8_CLASS:
-            return firstAs<std::uint8_t, std::int64_t>(value);
-        case hvINT16_CLASS:
-            return firstAs<std::int16_t, std::int64_t>(value);
-        case hvUINT16_CLASS:
-            return firstAs<std::uint16_t, std::int64_t>(value);
-        case hvINT32_CLASS:
-            return firstAs<std::int32_t, std::int64_t>(value);
-        case hvUINT32_CLASS:
-            return firstAs<std::uint32_t, std::int64_t>(value);
-        case hvINT64_CLASS:
-            return firstAs<std::int64_t, std::int64_t>(value);
-        case hvUINT64_CLASS:
-            return firstAs<std::uint64_t, std::uint64_t>(value);
-        default:
-            return std::nullopt;
-    }
+    std::optional<Number> number;
+    withElementType(hvGetClassID(value), [&]<class Stored>(std::type_identity<Stored>) {
+        number = static_cast<Wide<Stored>>(*static_cast<const Stored*>(hvGetData(value)));
+    });
+    return number;
 }
 
 template <class Integer>
@@ -177,9 +157,9 @@ void refuseValue(const hos::COSType& type, const hvArray* value, const std::stri
 
 const hos::COSType& resolveType(hos::InternedName typeText) {
     static const hos::COSType kUnspecified(Kind::any, "any");
-    static std::unordered_map<const std::string*, std::unique_ptr<const hos::COSType>> s_types;
+    static std::unordered_map<const std::string*, std::unique_ptr<const hos::COSType>> types;
     if (typeText.isEmpty()) return kUnspecified;
-    auto& type = s_types[typeText.text()];
+    auto& type = types[typeText.text()];
     if (type && type->kind() != Kind::object) return *type;
     const std::optional<Kind> kind = builtInKind(*typeText.text());
     if (!kind && !classExists(*typeText.text()))

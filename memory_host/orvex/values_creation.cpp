@@ -1,6 +1,7 @@
 #include <array>
 #include <utility>
 
+#include "memory_host/orvex/element_type.h"
 #include "memory_host/orvex/faults.h"
 #include "memory_host/orvex/field_names.h"
 #include "memory_host/orvex/functions.h"
@@ -37,34 +38,12 @@ namespace {
 
 /// `number` zeros of the class.
 Payload zerosOf(hvClassID classId, std::size_t number) {
-    switch (classId) {
-        case hvDOUBLE_CLASS:
-            return Buffer<double>(number);
-        case hvSINGLE_CLASS:
-            return Buffer<float>(number);
-        case hvINT8_CLASS:
-            return Buffer<std::int8_t>(number);
-        case hvUINT8_CLASS:
-            return Buffer<std::uint8_t>(number);
-        case hvINT16_CLASS:
-            return Buffer<std::int16_t>(number);
-        case hvUINT16_CLASS:
-            return Buffer<std::uint16_t>(number);
-        case hvINT32_CLASS:
-            return Buffer<std::int32_t>(number);
-        case hvUINT32_CLASS:
-            return Buffer<std::uint32_t>(number);
-        case hvINT64_CLASS:
-            return Buffer<std::int64_t>(number);
-        case hvUINT64_CLASS:
-            return Buffer<std::uint64_t>(number);
-        case hvLOGICAL_CLASS:
-            return Buffer<bool>(number);
-        case hvCHAR_CLASS:
-            return std::u16string(number, u'\0');
-        default:
-            raise("WrongClass", "Class " + std::to_string(classId) + " is no numeric class.");
-    }
+    if (classId == hvCHAR_CLASS) return std::u16string(number, u'\0');
+    Payload zeros;
+    const bool isNumeric = withElementType(
+        classId, [&]<class Stored>(std::type_identity<Stored>) { zeros.emplace<Buffer<Stored>>(number); });
+    if (!isNumeric) raise("WrongClass", "Class " + std::to_string(classId) + " is no numeric class.");
+    return zeros;
 }
 
 hvArray* createNumeric(Dimensions dimensions, hvClassID classId, hvComplexity complexity, const Site& site) {
