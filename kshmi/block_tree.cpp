@@ -95,7 +95,7 @@ private:
     /// With what "--ssid" takes.
     static std::string nameOf(const ChartItem& item) {
         if (item.ssid == 0) return "(chart)";
-        const char* const kind = item.domainType == u"cw_state" ? "(state) " : "(data) ";
+        const char* const kind = item.domainType == kStateDomain ? "(state) " : "(data) ";
         return kind + printable(item.subPath) + " #" + std::to_string(item.ssid);
     }
 

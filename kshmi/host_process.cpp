@@ -14,8 +14,8 @@ namespace kshmi {
 namespace {
 
 std::optional<orvex::LoadedLibrary>& library() {
-    static std::optional<orvex::LoadedLibrary> s_library;
-    return s_library;
+    static std::optional<orvex::LoadedLibrary> library;
+    return library;
 }
 
 #ifdef NDEBUG

@@ -13,9 +13,9 @@ SignalIndex::SignalIndex(const Session& session) : m_session(session) {
 }
 
 const std::vector<std::size_t>& SignalIndex::on(const SignalSource& source) const {
-    static const std::vector<std::size_t> s_none;
+    static const std::vector<std::size_t> none;
     const auto found = m_positions.find(keyOf(source));
-    return found == m_positions.end() ? s_none : found->second;
+    return found == m_positions.end() ? none : found->second;
 }
 
 std::vector<std::size_t> SignalIndex::on(const std::string& reference, const ReferenceOptions& options) const {

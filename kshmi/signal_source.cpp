@@ -8,6 +8,13 @@
 
 namespace kshmi {
 
+namespace {
+
+ChartItem chartItself() { return {std::u16string(kChartDomain), u"", 0}; }
+ChartItem itemOf(const kestrel::ChartData& datum) { return {std::u16string(kDataDomain), datum.name, datum.ssid}; }
+
+}  // namespace
+
 std::u16string fullName(const kestrel::Model& model, const SignalSource& source) {
     const std::u16string block = model.fullPath(*source.block);
     if (!source.item) return block + u":" + toUtf16(std::to_string(source.port));
@@ -43,25 +50,27 @@ std::string textOf(const SignalFlags& flags) {
 
 std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t ssid) {
     if (!block.chart) return std::nullopt;
-    if (ssid == 0) return ChartItem{u"cw_chart", u"", 0};
+    if (ssid == 0) return chartItself();
     for (const kestrel::ChartState& state : block.chart->states)
-        if (state.ssid == ssid) return ChartItem{u"cw_state", state.path, state.ssid};
+        if (state.ssid == ssid) return itemOf(state);
     for (const kestrel::ChartData& datum : block.chart->data)
-        if (datum.ssid == ssid) return ChartItem{u"cw_data", datum.name, datum.ssid};
+        if (datum.ssid == ssid) return itemOf(datum);
     return std::nullopt;
 }
 
+ChartItem itemOf(const kestrel::ChartState& state) { return {std::u16string(kStateDomain), state.path, state.ssid}; }
+
 std::vector<ChartItem> chartItemsOf(const kestrel::Block& block) {
     if (!block.chart) return {};
-    std::vector<ChartItem> items{{u"cw_chart", u"", 0}};
-    for (const kestrel::ChartState& state : block.chart->states) items.push_back({u"cw_state", state.path, state.ssid});
-    for (const kestrel::ChartData& datum : block.chart->data) items.push_back({u"cw_data", datum.name, datum.ssid});
+    std::vector<ChartItem> items{chartItself()};
+    for (const kestrel::ChartState& state : block.chart->states) items.push_back(itemOf(state));
+    for (const kestrel::ChartData& datum : block.chart->data) items.push_back(itemOf(datum));
     return items;
 }
 
 bool isChartSignal(const ks_hmi::SignalSpecification& signal) {
     const std::u16string& domain = signal.m_domainType;
-    return domain == u"cw_chart" || domain == u"cw_state" || domain == u"cw_data";
+    return domain == kChartDomain || domain == kStateDomain || domain == kDataDomain;
 }
 
 const kestrel::Block* blockOf(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal) {
@@ -84,7 +93,7 @@ std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal) {
 
 bool hasActivity(const ChartItem& item, std::u16string_view activity) {
     const bool isKnown = std::find(std::begin(kActivities), std::end(kActivities), activity) != std::end(kActivities);
-    return isKnown && (activity == u"Data") == (item.domainType == u"cw_data");
+    return isKnown && (activity == u"Data") == (item.domainType == kDataDomain);
 }
 
 std::string activityList(const ChartItem& item) {
@@ -94,6 +103,6 @@ std::string activityList(const ChartItem& item) {
     return list;
 }
 
-std::u16string defaultActivity(const ChartItem& item) { return item.domainType == u"cw_data" ? u"Data" : u"Self"; }
+std::u16string defaultActivity(const ChartItem& item) { return item.domainType == kDataDomain ? u"Data" : u"Self"; }
 
 }  // namespace kshmi

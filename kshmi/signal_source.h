@@ -11,9 +11,14 @@
 
 namespace kshmi {
 
+/// The domains of signals that come from charts; a port's is empty.
+inline constexpr std::u16string_view kChartDomain = u"cw_chart";
+inline constexpr std::u16string_view kStateDomain = u"cw_state";
+inline constexpr std::u16string_view kDataDomain = u"cw_data";
+
 /// A chart, or a state or datum in it.
 struct ChartItem {
-    std::u16string domainType;  ///< "cw_chart", "cw_state" or "cw_data"
+    std::u16string domainType;  ///< one of the three
     std::u16string subPath;     ///< state path or datum name; empty for the chart itself
     std::uint32_t ssid = 0;
 };
@@ -48,6 +53,7 @@ std::string textOf(const SignalFlags& flags);
 
 /// The item of that identifier in a chart block, the chart itself for 0; nothing when there is none.
 std::optional<ChartItem> chartItemOf(const kestrel::Block& block, std::uint32_t ssid);
+ChartItem itemOf(const kestrel::ChartState& state);
 /// The chart itself, its states and its data; empty for a block that is no chart.
 std::vector<ChartItem> chartItemsOf(const kestrel::Block& block);
 

@@ -20,7 +20,7 @@ std::vector<Tour::Stop> Tour::unmarkedItems(std::size_t most) const {
         if (!block.chart) continue;
         for (const kestrel::ChartState& state : block.chart->states) {
             if (stops.size() == most) return stops;
-            const ChartItem item{u"cw_state", state.path, state.ssid};
+            const ChartItem item = itemOf(state);
             if (!m_session->isAnyObserved(block, item))
                 stops.push_back({.eid = block.eid, .ssid = state.ssid, .activity = defaultActivity(item)});
         }

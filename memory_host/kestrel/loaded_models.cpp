@@ -13,8 +13,8 @@ namespace {
 // Fractional on purpose: code that squeezes a handle through an integer must be found out.
 double nextHandle() {
     constexpr double kFraction = 1.0 / 8192.0;
-    static std::uint64_t s_count = 0;
-    return static_cast<double>(++s_count) + kFraction;
+    static std::uint64_t count = 0;
+    return static_cast<double>(++count) + kFraction;
 }
 
 void refuseOpen(const std::u16string& name) {
@@ -69,8 +69,8 @@ bool Models::rename(std::u16string_view oldName, std::u16string newName) {
 
 Models& loadedModels() noexcept {
     // Never destroyed: at the end of the process the code behind the models' objects may be gone already.
-    static Models& s_models = *new Models;
-    return s_models;
+    static Models& models = *new Models;
+    return models;
 }
 
 }  // namespace kestrel

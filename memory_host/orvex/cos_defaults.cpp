@@ -13,9 +13,9 @@ namespace internal {
 
 InternedName makeInterned(std::string_view text) {
     // Never destroyed: names live as long as the process.
-    static auto& s_names = *new std::unordered_set<std::string>;
+    static auto& names = *new std::unordered_set<std::string>;
     if (text.empty()) return {};
-    return InternedName(&*s_names.emplace(text).first);
+    return InternedName(&*names.emplace(text).first);
 }
 
 }  // namespace internal

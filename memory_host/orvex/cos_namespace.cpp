@@ -13,8 +13,8 @@ using Namespaces = std::vector<std::unique_ptr<Namespace>>;
 
 // Never destroyed: at the end of the process the code of the info objects may be gone already.
 Namespaces& topLevel() {
-    static auto& s_namespaces = *new Namespaces;
-    return s_namespaces;
+    static auto& namespaces = *new Namespaces;
+    return namespaces;
 }
 
 std::string_view lastPart(std::string_view dottedName) { return dottedName.substr(dottedName.rfind('.') + 1); }

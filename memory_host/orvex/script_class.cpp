@@ -19,8 +19,8 @@ using Classes = std::unordered_map<std::string, std::shared_ptr<const ScriptClas
 
 // Never destroyed: the classes' code may belong to libraries that are gone at the end of the process.
 Classes& classes() {
-    static auto& s_classes = *new Classes;
-    return s_classes;
+    static auto& classes = *new Classes;
+    return classes;
 }
 
 void inherit(ScriptClass& definition, const ScriptClass& base) {
