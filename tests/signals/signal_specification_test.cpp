@@ -292,30 +292,9 @@ TEST_F(SignalSpecificationTest, domainParametersConvertBothWaysAndReplaceWhatWas
     EXPECT_EQ(hvGetNumberOfElements(SignalSpecification().getDomainParamsAsHvArray().get()), 1U);
 }
 
-TEST_F(SignalSpecificationTest, fieldTableStandsInItsOrder) {
-    const char* const names[] = {"UUID",
-                                 "BlockPath_",
-                                 "EID_",
-                                 "SubPath_",
-                                 "OutputPortIndex_",
-                                 "LogicalPortIndex_",
-                                 "SignalName_",
-                                 "SubSysPath_",
-                                 "Decimation_",
-                                 "MaxPoints_",
-                                 "TargetBufferedStreaming_",
-                                 "IsFrameBased_",
-                                 "HideInPLV_",
-                                 "DomainType_",
-                                 "DomainParams_",
-                                 "VisualType_",
-                                 "BindingRule_",
-                                 "CachedBlockHandle_",
-                                 "CachedPortIdx_",
-                                 "ExcludeForSave_"};
-    ASSERT_EQ(SignalSpecification::getNumStructFields(true), 20);
+TEST_F(SignalSpecificationTest, tellsHowManyFieldsAnObjectHasAndHowManyAreSaved) {
+    EXPECT_EQ(SignalSpecification::getNumStructFields(true), 20);
     EXPECT_EQ(SignalSpecification::getNumStructFields(false), 16);
-    for (int i = 0; i < 20; ++i) EXPECT_STREQ(SignalSpecification::getStructFields()[i], names[i]);
 }
 
 }  // namespace
