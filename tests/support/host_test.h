@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "host/messages.h"
 #include "host/text.h"
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/kestrel/loaded_models.h"
@@ -16,17 +15,12 @@
 #include "memory_host/orvex/library_loader.h"
 #include "memory_host/orvex/warnings.h"
 #include "signals/instrumented_signals.h"
+#include "tests/support/values.h"
 
 /// What all tests of the library share: the host with the library loaded into it, and an empty ledger at the end.
 namespace ks_test {
 
 inline std::string utf8(const std::u16string& text) { return fl::i18n::to_string(text); }
-
-inline HvArrayPtr text(const char* value) { return HvArrayPtr(hvCreateString(value)); }
-inline HvArrayPtr text(const std::u16string& value) { return HvArrayPtr(matrix::create(value.data(), value.size())); }
-inline HvArrayPtr number(double value) { return HvArrayPtr(hvCreateDoubleScalar(value)); }
-inline HvArrayPtr logical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }
-inline HvArrayPtr emptyDouble() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
 
 /// Calls the host by name as a script would; the first result, null when there is none.
 inline HvArrayPtr call(const char* name, std::initializer_list<const hvArray*> inputs, int results = 1) {
@@ -34,23 +28,6 @@ inline HvArrayPtr call(const char* name, std::initializer_list<const hvArray*> i
 }
 inline HvArrayPtr property(const hvArray* object, const char* name) {
     return HvArrayPtr(hvGetProperty(object, 0, name));
-}
-
-/// The key of the host exception that `action` throws, with its arguments ("MissingField UUID 2"); "" when none.
-template <class Action>
-std::string raisedBy(Action action) {
-    try {
-        action();
-        return "";
-    } catch (const kssvIException& error) {
-        std::string result = error.messageId().key();
-        for (const auto& argument : error.messageId().arguments()) {
-            result += ' ';
-            if (const auto* const integer = std::get_if<std::int64_t>(&argument)) result += std::to_string(*integer);
-            if (const auto* const narrow = std::get_if<std::string>(&argument)) result += *narrow;
-        }
-        return result;
-    }
 }
 
 class HostTest : public ::testing::Test {

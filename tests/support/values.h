@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "host/hv_array.h"
+#include "host/messages.h"
+
+/// Host values and host failures as tests write them down.
+namespace ks_test {
+
+inline HvArrayPtr text(std::string_view utf8) { return HvArrayPtr(matrix::create(utf8.data(), utf8.size())); }
+inline HvArrayPtr text(std::u16string_view units) { return HvArrayPtr(matrix::create(units.data(), units.size())); }
+inline HvArrayPtr number(double value) { return HvArrayPtr(hvCreateDoubleScalar(value)); }
+inline HvArrayPtr logical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }
+inline HvArrayPtr emptyDouble() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
+
+/// The key of the host exception that `action` throws, with its text behind a colon; "" when it does not.
+template <class Action>
+std::string failureOf(Action action) {
+    try {
+        action();
+    } catch (const kssvIException& failure) {
+        return failure.messageId().key() + ": " + failure.what();
+    }
+    return {};
+}
+
+/// The key of the host exception that `action` throws, with its arguments ("MissingField UUID 2"); "" when none.
+template <class Action>
+std::string raisedBy(Action action) {
+    try {
+        action();
+        return "";
+    } catch (const kssvIException& error) {
+        std::string result = error.messageId().key();
+        for (const auto& argument : error.messageId().arguments()) {
+            result += ' ';
+            if (const auto* const integer = std::get_if<std::int64_t>(&argument)) result += std::to_string(*integer);
+            if (const auto* const narrow = std::get_if<std::string>(&argument)) result += *narrow;
+        }
+        return result;
+    }
+}
+
+}  // namespace ks_test
