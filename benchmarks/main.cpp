@@ -1,3 +1,5 @@
+#include <malloc.h>
+
 #include <iostream>
 #include <string_view>
 #include <vector>
@@ -47,6 +49,13 @@ void addAll(ks_bench::Suite& suite) {
         add(suite);
 }
 
+/// The heap keeps what it once had: no figure depends on when the system takes memory back.
+void keepHeap() {
+    constexpr int kNever = 1 << 30;
+    ::mallopt(M_TRIM_THRESHOLD, kNever);
+    ::mallopt(M_MMAP_THRESHOLD, kNever);
+}
+
 int run(int argc, char** argv) {
     // What follows on the command line wins.
     static char random[] = "--benchmark_enable_random_interleaving=true";
@@ -71,6 +80,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
+        keepHeap();
         kshmi::enterHost(std::cerr);
         return run(argc, argv);
     } catch (const kssvIException& error) {

@@ -12,7 +12,7 @@ SignalSpecification::BlockUUIDMap SignalSpecification::m_blockUUIDmap;
 
 namespace {
 
-constexpr std::string_view kKeySeparator = "$$";
+constexpr char kKeySeparator[] = "$$";
 
 // Six decimals on purpose: handles that differ beyond them share an entry.
 std::string portKey(int port, double handle) {

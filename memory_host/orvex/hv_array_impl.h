@@ -29,11 +29,13 @@ public:
     std::size_t count() const noexcept { return m_more.empty() ? m_two.size() : m_more.size(); }
     const std::size_t* data() const noexcept { return m_more.empty() ? m_two.data() : m_more.data(); }
     std::span<const std::size_t> lengths() const noexcept { return {data(), count()}; }
-    std::size_t elements() const noexcept;
+    std::size_t elements() const noexcept { return m_more.empty() ? m_two[0] * m_two[1] : product(); }
     /// "2x3x4"
     std::string text() const;
 
 private:
+    std::size_t product() const noexcept;
+
     std::array<std::size_t, 2> m_two{};
     std::vector<std::size_t> m_more;  ///< all of them, when there are more than two
 };

@@ -38,7 +38,7 @@ Dimensions::Dimensions(std::span<const std::size_t> lengths) {
     if (count > 2) m_more.assign(lengths.begin(), lengths.begin() + static_cast<std::ptrdiff_t>(count));
 }
 
-std::size_t Dimensions::elements() const noexcept {
+std::size_t Dimensions::product() const noexcept {
     const auto all = lengths();
     // Zero first: the product of the others need not fit.
     if (std::find(all.begin(), all.end(), std::size_t{0}) != all.end()) return 0;
