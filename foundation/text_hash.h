@@ -9,6 +9,10 @@
 /// Hashes for look-up within the process: fast, well mixed, equal for equal contents, and never saved.
 namespace ks_hmi_foundation {
 
+/// Odd numbers with evenly spread bits, to multiply with.
+inline constexpr std::uint64_t kFirstFactor = 0xA0761D6478BD642FULL;
+inline constexpr std::uint64_t kSecondFactor = 0xE7037ED1A0B428DBULL;
+
 /// Both halves of the 128-bit product of `a` and `b`, folded.
 inline std::uint64_t foldedProduct(std::uint64_t a, std::uint64_t b) noexcept {
     __extension__ using Wide = unsigned __int128;
@@ -32,11 +36,9 @@ public:
         m_state = mixed(m_state, number, 0);
         return *this;
     }
-    std::uint64_t value() const noexcept { return foldedProduct(m_state ^ kFirst, kSecond); }
+    std::uint64_t value() const noexcept { return foldedProduct(m_state ^ kFirstFactor, kSecondFactor); }
 
 private:
-    static constexpr std::uint64_t kFirst = 0xA0761D6478BD642FULL;
-    static constexpr std::uint64_t kSecond = 0xE7037ED1A0B428DBULL;
     static constexpr std::size_t kUnits = sizeof(std::uint64_t) / sizeof(char16_t);
 
     /// The units as they are. Notices what may be a surrogate, which needs a closer look.
@@ -86,8 +88,8 @@ private:
 
     // The factors stay in the state beside their product, so that a factor of 0 forgets nothing.
     static std::uint64_t mixed(std::uint64_t state, std::uint64_t a, std::uint64_t b) noexcept {
-        const std::uint64_t x = state ^ a ^ kFirst;
-        const std::uint64_t y = b ^ kSecond;
+        const std::uint64_t x = state ^ a ^ kFirstFactor;
+        const std::uint64_t y = b ^ kSecondFactor;
         return foldedProduct(x, y) ^ std::rotl(x, 23) ^ y;
     }
 

@@ -58,8 +58,7 @@ void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {
         removeFromObservedPortMap(m_signals[index]);
     } else {
         // With the room made first nothing can fail between taking the old entries out and putting the new ones in.
-        m_observedPortMap.byPath.makeRoom();
-        m_observedPortMap.byHandle.makeRoom();
+        m_observedPortMap.makeRoom();
         removeFromObservedPortMap(m_signals[index]);
         addToObservedPortMap(spec);
     }

@@ -80,7 +80,8 @@ public:
     bool isEqual(const InstrumentedSignals* other) const;
     /// A new host object with clones of the signals, leaving out those not to be saved when asked to. Its
     /// port index still refers to this set's records, on purpose: a path query on the copy resolves the
-    /// originals until `updateObservedPortMap`. Throws when the host refuses the new object.
+    /// originals until `updateObservedPortMap`. The chart index is copied only while an activity is observed. Throws
+    /// when the host refuses the new object.
     HvArrayPtr copy(bool excludeUnsaved) const;
 
     // ---- persistence ----
@@ -192,6 +193,14 @@ private:
     struct ObservedPortMap {
         SourceKeyIndex<std::uint64_t, IdentityHash> byPath;
         SourceKeyIndex<HandleKey, HandleKeyHash> byHandle;
+
+        /// After this one `enter` cannot throw, also when entries are erased before it.
+        void makeRoom() {
+            byPath.makeRoom();
+            byHandle.makeRoom();
+        }
+        /// Under the path key and, once the signal is resolved, under its handle key; room has been made.
+        void enter(std::uint64_t pathKey, const SignalPtr& spec);
     };
 
     using EnginePorts = boost::unordered_flat_set<std::uint64_t, NumberHash>;

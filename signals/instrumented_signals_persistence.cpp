@@ -41,6 +41,7 @@ HvArrayPtr InstrumentedSignals::copy(bool excludeUnsaved) const {
     if (&other == this) return object;
     // The copied index refers to this set's records on purpose; `updateObservedPortMap` makes it follow the clones.
     std::swap(other.m_observedPortMap, observedPorts);
+    // Without an observed activity neither chart container is copied, on purpose, whatever the objects' entries are.
     if (!activities.empty()) {
         other.m_observedCWActivity.swap(activities);
         other.m_observedCWObjectCache.swap(chartObjects);

@@ -1,7 +1,6 @@
 #include <utility>
 
 #include "foundation/errors.h"
-#include "foundation/rollback.h"
 #include "foundation/text_hash.h"
 #include "signals/instrumented_signals.h"
 
@@ -9,7 +8,6 @@ namespace ks_hmi {
 
 namespace errors = plv_hmi_foundation::errors;
 using ks_hmi_foundation::isSameText;
-using ks_hmi_foundation::Rollback;
 using ks_hmi_foundation::TextHash;
 
 namespace {
@@ -29,6 +27,11 @@ std::uint64_t InstrumentedSignals::pathKey(const SignalSpecification& spec) cons
     return pathKey(spec.m_blockPath, spec.m_subPath, spec.m_outputPortIndex, spec.m_logicalPortIndex);
 }
 
+void InstrumentedSignals::ObservedPortMap::enter(std::uint64_t pathKey, const SignalPtr& spec) {
+    byPath.insert(pathKey, spec);
+    if (spec->m_cachedPortIdx != 0) byHandle.insert({spec->m_cachedBlockHandle, spec->m_cachedPortIdx}, spec);
+}
+
 void InstrumentedSignals::forgetKSPorts() noexcept {
     // Clearing walks the whole table, so an empty one is left alone.
     if (!m_cachedKSPorts.empty()) m_cachedKSPorts.clear();
@@ -41,12 +44,8 @@ void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
         return;
     }
     // No look for an earlier entry, on purpose: a signal entered twice is there twice.
-    const std::uint64_t key = pathKey(*spec);
-    m_observedPortMap.byPath.insert(key, spec);
-    Rollback pathEntry([&]() noexcept { m_observedPortMap.byPath.eraseNewest(key); });
-    if (spec->m_cachedPortIdx != 0)
-        m_observedPortMap.byHandle.insert({spec->m_cachedBlockHandle, spec->m_cachedPortIdx}, spec);
-    pathEntry.commit();
+    m_observedPortMap.makeRoom();
+    m_observedPortMap.enter(pathKey(*spec), spec);
     forgetKSPorts();
 }
 
@@ -68,15 +67,18 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
 }
 
 void InstrumentedSignals::updateObservedPortMap() {
-    ObservedPortMap old;
-    EnginePorts oldKSPorts;
-    std::swap(old, m_observedPortMap);
-    m_cachedKSPorts.swap(oldKSPorts);
-    Rollback oldPorts([&]() noexcept { m_cachedKSPorts.swap(oldKSPorts); });
-    Rollback rebuilding([&]() noexcept { std::swap(old, m_observedPortMap); });
-    for (const SignalPtr& signal : m_signals) addToObservedPortMap(signal);
-    rebuilding.commit();
-    if (isAnyPortObserved()) oldPorts.commit();
+    ObservedPortMap rebuilt;
+    for (const SignalPtr& signal : m_signals) {
+        if (isChartworkDomain(signal->m_domainType)) {
+            addToObservedCWObjectCache(signal);
+        } else {
+            rebuilt.makeRoom();
+            rebuilt.enter(pathKey(*signal), signal);
+        }
+    }
+    std::swap(m_observedPortMap, rebuilt);
+    // A rebuild that enters no port keeps the cache of engine ports on purpose: only entering one empties it.
+    if (isAnyPortObserved()) forgetKSPorts();
 }
 
 bool InstrumentedSignals::isAnyPortObserved() const {
@@ -113,12 +115,10 @@ bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16strin
     if (found == nullptr) return false;
     if (portIdx == 0 || (*found)->m_cachedPortIdx != 0) return true;
     const SignalPtr signal = *found;
-    const double oldHandle = signal->m_cachedBlockHandle;
+    m_observedPortMap.makeRoom();
     signal->setCachedInfo(blockHandle, portIdx);
-    Rollback unresolved([&]() noexcept { signal->setCachedInfo(oldHandle, 0); });
     // Entered once more under its path key on purpose: no query minds, and the handle key joins.
     addToObservedPortMap(signal);
-    unresolved.commit();
     return true;
 }
 

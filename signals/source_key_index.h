@@ -29,7 +29,8 @@ struct HandleKeyHash {
     using is_avalanching = void;
     std::size_t operator()(const HandleKey& key) const noexcept {
         const std::uint64_t port = static_cast<std::uint32_t>(key.port);
-        return ks_hmi_foundation::foldedProduct(key.bits ^ 0xA0761D6478BD642FULL, port ^ 0xE7037ED1A0B428DBULL);
+        return ks_hmi_foundation::foldedProduct(key.bits ^ ks_hmi_foundation::kFirstFactor,
+                                                port ^ ks_hmi_foundation::kSecondFactor);
     }
 };
 
@@ -37,7 +38,7 @@ struct HandleKeyHash {
 struct NumberHash {
     using is_avalanching = void;
     std::size_t operator()(std::uint64_t number) const noexcept {
-        return ks_hmi_foundation::foldedProduct(number, 0xA0761D6478BD642FULL);
+        return ks_hmi_foundation::foldedProduct(number, ks_hmi_foundation::kFirstFactor);
     }
 };
 
@@ -49,7 +50,7 @@ struct IdentityHash {
 
 /// A hash multimap from source keys to signals. Equal keys hold several entries, duplicates included, and
 /// are walked in the order of insertion. The first entry of a key stands in the flat table itself, further
-/// ones are chained in a pool. Adding and erasing give the strong guarantee; only adding can throw.
+/// ones are chained in a pool. Only adding and making room can throw; nothing is changed then.
 template <class Key, class Hash>
 class SourceKeyIndex {
 public:
@@ -72,26 +73,10 @@ public:
         chain.last = node;
     }
 
-    /// After this one `insert` cannot throw, also when entries are erased before it.
+    /// After this one `insert` cannot throw, also when entries are erased before it. Entries may move in memory.
     void makeRoom() {
-        if (m_keys.size() >= m_keys.max_load()) m_keys.reserve(2 * m_keys.size() + 1);
-        if (m_further.size() == m_further.capacity()) m_further.reserve(2 * m_further.size() + 1);
-    }
-
-    /// Takes back the last `insert` of that key.
-    void eraseNewest(const Key& key) noexcept {
-        const auto slot = m_keys.find(key);
-        if (slot == m_keys.end()) return;
-        Slot& chain = slot->second;
-        if (chain.last == kNone) {
-            m_keys.erase(slot);
-            return;
-        }
-        std::uint32_t previous = kNone;
-        for (std::uint32_t node = chain.next; node != chain.last; node = m_further[node].next) previous = node;
-        (previous == kNone ? chain.next : m_further[previous].next) = kNone;
-        freeNode(chain.last);
-        chain.last = previous;
+        if (m_keys.size() >= m_keys.max_load()) m_keys.reserve(m_keys.size() + 1);
+        if (m_free == kNone && m_further.size() == m_further.capacity()) m_further.reserve(2 * m_further.size() + 1);
     }
 
     /// The first entry under the key that `matches`, or null. Valid until the index changes.

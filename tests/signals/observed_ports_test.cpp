@@ -156,10 +156,7 @@ TEST_F(ObservedPorts, indexAgreesWithAPlainListOverRandomSequences) {
                     std::erase_if(plain.entries, [&](const auto& e) { return e.first == key && matches(*e.second); });
                 ASSERT_EQ(index.eraseIf(key, matches), erased) << "seed " << seed << " step " << step;
             } else if (action == 8) {
-                index.eraseNewest(key);
-                const auto last = std::find_if(plain.entries.rbegin(), plain.entries.rend(),
-                                               [&](const auto& e) { return e.first == key; });
-                if (last != plain.entries.rend()) plain.entries.erase(std::next(last).base());
+                index.makeRoom();
             } else if (random() % 20 == 0) {
                 index.clear();
                 plain.entries.clear();
