@@ -130,7 +130,7 @@ char* putExactDecimal(char* to, double number) {
     mantissa >>= zeros;
     const int shift = exponent - 1075 + zeros;
     const int decimals = std::max(0, -shift);
-    if (std::bit_width(mantissa) + shift > kMostBits || decimals > kMostDecimals) return nullptr;
+    if (static_cast<int>(std::bit_width(mantissa)) + shift > kMostBits || decimals > kMostDecimals) return nullptr;
     const std::uint64_t whole = shift >= 0 ? mantissa << shift : mantissa >> decimals;
     if (whole == 0 || whole >= kPowersOf10[static_cast<std::size_t>(kSignificantDigits - decimals)]) return nullptr;
     if (std::signbit(number)) *to++ = '-';
