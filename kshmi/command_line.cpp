@@ -1,7 +1,10 @@
 #include "kshmi/command_line.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <limits>
 #include <new>
@@ -17,13 +20,14 @@ namespace kshmi {
 
 namespace {
 
-constexpr int kLargest = std::numeric_limits<int>::max();
+constexpr std::uint32_t kLargest = std::numeric_limits<std::int32_t>::max();
 
 void addSettings(CLI::App& command, SignalSettings& settings) {
     command.add_option("--name", settings.name, "signal name; the port's or chart item's name if left out");
-    command.add_option("--decimation", settings.decimation, "keep every n-th sample")->check(CLI::Range(1, kLargest));
+    command.add_option("--decimation", settings.decimation, "keep every n-th sample")
+        ->transform(wholeNumber(1, kLargest));
     command.add_option("--max-points", settings.maxPoints, "most points to keep, 0 for any number")
-        ->check(CLI::Range(0, kLargest));
+        ->transform(wholeNumber(0, kLargest));
     command.add_flag("--frame-based", settings.isFrameBased, "the signal is frame based");
     command.add_flag("--hide", settings.isHidden, "do not show it in the signal viewer");
     command.add_flag("--exclude-from-save", settings.isExcludedFromSave, "leave it out when the model is saved");
@@ -116,7 +120,18 @@ void requireCommand(const CLI::App& app, const std::string& word) {
     throw Error("there is no command " + kshmi::quoted(word) + "; use one of " + list);
 }
 
+/// Converting what is no UTF-8 replaces it, and files would keep that.
+void requireUtf8(const std::vector<std::string>& words) {
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::u16string text = toUtf16(words[i]);
+        if (toUtf8(text) != words[i])
+            throw Error(
+                fmt::format("argument {}, {}: has bytes that are no UTF-8; convert it", i + 1, kshmi::quoted(text)));
+    }
+}
+
 int run(std::vector<std::string> words, const Output& output) {
+    requireUtf8(words);
     CLI::App app("Marks signals in model files, lets observers watch them, and tells what is observed", "kshmi");
     Arguments arguments;
     Run command;

@@ -1,7 +1,12 @@
 #include "kshmi/command_options.h"
 
-#include <cstdint>
-#include <limits>
+#include <fmt/format.h>
+
+#include <charconv>
+#include <system_error>
+
+#include "kshmi/error.h"
+#include "kshmi/text.h"
 
 namespace kshmi {
 
@@ -14,7 +19,19 @@ constexpr const char* kReferenceHelp =
 
 }  // namespace
 
-CLI::Range wholeNumber() { return {std::uint32_t{0}, std::numeric_limits<std::uint32_t>::max()}; }
+CLI::Validator wholeNumber(std::uint32_t least, std::uint32_t most) {
+    const std::string range = fmt::format("{} to {}", least, most);
+    const auto check = [=](std::string& text) {
+        std::uint32_t number = 0;
+        const char* const end = text.data() + text.size();
+        const auto [stop, code] = std::from_chars(text.data(), end, number);
+        if (code != std::errc() || stop != end || number < least || number > most)
+            return fmt::format("{}: give a whole number from {}", kshmi::quoted(text), range);
+        text = std::to_string(number);
+        return std::string();
+    };
+    return {check, range};
+}
 
 CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file) {
     CLI::App* const command = app.add_subcommand(name, help);
@@ -32,7 +49,7 @@ void addReferenceOptions(CLI::App& command, ReferenceOptions& options) {
         .add_option("--activity", options.activity, "activity of a chart item: Self, Child or Leaf; Data of a datum")
         ->check(CLI::IsMember({"Self", "Child", "Leaf", "Data"}));
     command.add_option("--ssid", options.ssid, "the chart item's identifier within its chart; 0 is the chart itself")
-        ->check(wholeNumber());
+        ->transform(wholeNumber());
 }
 
 void addPatterns(CLI::App& command, Selection& selection) {
@@ -46,6 +63,16 @@ void addPatterns(CLI::App& command, Selection& selection) {
 
 void addDryRun(CLI::App& command, bool& isDryRun) {
     command.add_flag("--dry-run", isDryRun, "say what would change and change nothing");
+}
+
+int inFile(const std::string& file, const std::function<int()>& work) {
+    try {
+        return work();
+    } catch (const Error& error) {
+        const std::string_view what = error.what();
+        if (what.starts_with(file + ":") || what.starts_with("--")) throw;
+        throw Error(atPlace(file, 0, "", error.what()));
+    }
 }
 
 }  // namespace kshmi

@@ -16,8 +16,8 @@ void addObserve(CLI::App& app, ObserveArguments& arguments, Run& run) {
     command->add_option("--type", arguments.type, "kind of observer")->required();
     command->add_option("--params", arguments.params, "parameters as JSON, written as in a model file")
         ->type_name("JSON");
-    command->add_option("--update-rate", arguments.updateRate, "update rate")->check(wholeNumber());
-    command->add_option("--channel", arguments.channel, "which element of the signal")->check(wholeNumber());
+    command->add_option("--update-rate", arguments.updateRate, "update rate")->transform(wholeNumber());
+    command->add_option("--channel", arguments.channel, "which element of the signal")->transform(wholeNumber());
     command->add_flag("--imaginary", arguments.isImaginary, "watch the imaginary part");
     command->add_option("--bus-leaf", arguments.busLeaf, "path of the leaf inside a bus signal")->type_name("PATH");
     addDryRun(*command, arguments.isDryRun);
@@ -73,7 +73,10 @@ void addRename(CLI::App& app, RenameArguments& arguments, Run& run) {
                    "  kshmi rename cruise.json cruise_v2\n"
                    "  kshmi rename cruise.json draft final   (two renames without a validation in between)",
                    arguments.file);
-    command->add_option("NEW-NAME", arguments.names, "new name; several are given one after the other")->required();
+    command
+        ->add_option("NEW-NAME", arguments.names,
+                     "new name; several are given one after the other; a name that starts with \"-\" goes after \"--\"")
+        ->required();
     addDryRun(*command, arguments.isDryRun);
     runWith(*command, runRename, arguments, run);
 }
@@ -93,13 +96,14 @@ void addRenumber(CLI::App& app, RenumberArguments& arguments, Run& run) {
     CLI::App* const command =
         addCommand(app, "renumber", "Renumber or delete a block's output ports; signals follow, the model is saved",
                    "  kshmi renumber cruise.json Sensors 2,1     (ports 1 and 2 change places)\n"
-                   "  kshmi renumber cruise.json Sensors 1,0,2   (port 2 is deleted, port 3 becomes port 2)\n"
+                   "  kshmi renumber cruise.json Sensors 1,0,2   (of three: port 2 is deleted, 3 becomes 2)\n"
                    "  kshmi renumber cruise.json Sensors ''      (nothing changes)",
                    arguments.file);
     command->add_option("BLOCK", arguments.block, "path of the block")->required();
     command
         ->add_option("NUMBERS", arguments.numbers,
-                     "new numbers of ports 1, 2, ... with commas between, 0 for a deleted one; further ports stay")
+                     "new numbers of ports 1, 2, ... with commas between, 0 for a deleted one; further ports keep "
+                     "theirs; with a 0, give numbers for all ports")
         ->required();
     addDryRun(*command, arguments.isDryRun);
     runWith(*command, runRenumber, arguments, run);

@@ -98,9 +98,9 @@ void Session::checkClients(const std::vector<RecordLines>& lines) const {
 void Session::check(const std::vector<RecordLines>& lines, Opening opening) {
     for (SignalFault& fault : faultsOf(signals(), model())) {
         if (!fault.isDangling || opening == Opening::strict) {
-            const std::string remedy =
-                fault.isDangling ? "; correct it, or remove such signals with \"kshmi unmark FILE --dangling\""
-                                 : "; correct it or remove the signal";
+            const std::string remedy = fault.isDangling ? "; correct it, or remove such signals with \"kshmi unmark " +
+                                                              m_path + " --dangling\""
+                                                        : "; correct it or remove the signal";
             throw Error(atRecord(m_path, RecordKind::signal, lines, fault.position, fault.field, fault.text + remedy));
         }
         m_dangling.push_back(std::move(fault));
