@@ -20,6 +20,7 @@ struct Answer {
     StreamingClients::ClientPtr client;
     std::vector<std::u16string> path;
     std::u16string subPath;
+    std::u16string activity;  ///< of a chart item
     int port = 0;
     int decimation = 1;
     int maxPoints = 0;
@@ -41,6 +42,8 @@ std::vector<Answer> answersOf(Session& session) {
         answer.decimation = client->getDecimation(model);
         answer.maxPoints = client->getMaxPoints(model);
         answer.target = watched(*client, uuids);
+        if (const auto signal = uuids.positionOf(client->m_signalUUID))
+            answer.activity = activityOf(*session.signals().get(*signal));
         answers.push_back(std::move(answer));
     }
     return answers;
@@ -48,12 +51,13 @@ std::vector<Answer> answersOf(Session& session) {
 
 /// The block with port or item, behind the blocks on the way there unless they are that very block.
 std::string whereabouts(const Answer& answer) {
-    if (answer.path.empty()) return "signal " + printable(std::string_view(answer.client->m_signalUUID));
+    if (answer.path.empty()) return "signal " + quoted(std::string_view(answer.client->m_signalUUID));
     std::string text;
     for (std::size_t i = 0; i + 1 < answer.path.size(); ++i)
         if (answer.path[i] != answer.path[i + 1]) text += printable(answer.path[i]) + " > ";
     text += printable(answer.path.back());
     if (!answer.subPath.empty()) text += "/" + printable(answer.subPath);
+    if (!answer.activity.empty()) text += " (" + printable(answer.activity) + ")";
     return answer.port > 0 ? fmt::format("{}:{}", text, answer.port) : text;
 }
 
@@ -94,7 +98,7 @@ void appendAnswer(std::string& out, const Answer& answer) {
     object.plain("position", std::to_string(answer.position + 1)).text("uuid", std::string_view(client.m_uuid));
     object.text("type", std::string_view(client.m_observerType)).plain("path", listOf(answer.path));
     object.text("subPath", answer.subPath).plain("port", std::to_string(answer.port));
-    object.plain("decimation", std::to_string(answer.decimation));
+    object.text("activity", answer.activity).plain("decimation", std::to_string(answer.decimation));
     object.plain("maxPoints", std::to_string(answer.maxPoints));
     object.text("signalUuid", std::string_view(client.m_signalUUID)).text("sourceModel", client.m_sourceModel);
     object.plain("updateRate", std::to_string(static_cast<std::uint32_t>(client.m_updateRate)));

@@ -26,9 +26,8 @@ std::vector<std::size_t> SignalIndex::on(const SignalSource& source, const Refer
     std::vector<std::size_t> positions = on(source);
     if (!source.item || options.activity.empty()) return positions;
     const std::u16string activity = activityFor(*source.item, options);
-    std::erase_if(positions, [&](std::size_t position) {
-        return m_session.signals().get(position)->getValueForDomainParams(u"Activity") != activity;
-    });
+    std::erase_if(positions,
+                  [&](std::size_t position) { return activityOf(*m_session.signals().get(position)) != activity; });
     return positions;
 }
 

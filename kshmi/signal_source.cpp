@@ -91,6 +91,10 @@ std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal) {
     return ssidOf(signal.getValueForDomainParams(u"SSID"));
 }
 
+std::u16string activityOf(const ks_hmi::SignalSpecification& signal) {
+    return signal.getValueForDomainParams(u"Activity");
+}
+
 bool hasActivity(const ChartItem& item, std::u16string_view activity) {
     const bool isKnown = std::find(std::begin(kActivities), std::end(kActivities), activity) != std::end(kActivities);
     return isKnown && (activity == u"Data") == (item.domainType == kDataDomain);

@@ -65,6 +65,9 @@ std::optional<std::uint32_t> ssidOf(std::u16string_view text);
 /// The same for the signal's parameter.
 std::optional<std::uint32_t> ssidOf(const ks_hmi::SignalSpecification& signal);
 
+/// The activity that a chart signal observes; empty for a port's.
+std::u16string activityOf(const ks_hmi::SignalSpecification& signal);
+
 inline constexpr const char16_t* kActivities[] = {u"Self", u"Child", u"Leaf", u"Data"};
 /// Whether the activity is one that such an item can have: data have "Data", charts and states the others.
 bool hasActivity(const ChartItem& item, std::u16string_view activity);

@@ -83,12 +83,15 @@ private:
     std::set<std::string> m_signals;
 };
 
-void requireUuids(const Session& session, const std::vector<std::string>& uuids) {
-    for (const std::string& uuid : uuids) {
+/// A client must have each of the texts in that field.
+void requireAll(const Session& session, const std::vector<std::string>& texts, std::string ks_hmi::SignalClient::*field,
+                const char* what) {
+    for (const std::string& text : texts) {
         std::size_t i = 0;
-        while (i < session.clients().getCount() && session.clients().get(i)->m_uuid != uuid) ++i;
+        while (i < session.clients().getCount() && session.clients().get(i)->*field != text) ++i;
         if (i == session.clients().getCount())
-            throw Error("no client has the UUID " + quoted(uuid) + "; \"kshmi clients FILE --json\" lists them");
+            throw Error(std::string("no client has the ") + what + " " + quoted(text) + "; \"kshmi clients " +
+                        session.path() + " --json\" lists them");
     }
 }
 
@@ -120,7 +123,8 @@ int runUnobserve(const UnobserveArguments& arguments, const Output& output) {
     requireSomething(arguments);
     enterHost(output.err);
     Session session(arguments.file);
-    requireUuids(session, arguments.uuids);
+    requireAll(session, arguments.uuids, &ks_hmi::SignalClient::m_uuid, "UUID");
+    requireAll(session, arguments.types, &ks_hmi::SignalClient::m_observerType, "type");
     Selector selector(session, arguments);
     ChangeReport report(output, arguments.isDryRun);
     if (arguments.isUnused) {
