@@ -25,6 +25,10 @@ void ChangeReport::change(std::string_view infinitive, std::string_view past, co
 
 void ChangeReport::note(const std::string& text) { line(text); }
 
+void ChangeReport::note(const std::string& expected, const std::string& happened) {
+    line(m_isDryRun ? expected : happened);
+}
+
 void ChangeReport::print(std::size_t most) const {
     const std::size_t count = std::min(most, m_lines.size());
     for (std::size_t i = 0; i < count; ++i) m_output.out << m_lines[i] << '\n';

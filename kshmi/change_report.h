@@ -19,6 +19,8 @@ public:
     void change(std::string_view infinitive, std::string_view past, const std::string& what);
     /// A line about something that stays as it is.
     void note(const std::string& text);
+    /// A line about what follows from a change: the first text in a dry run, else the second.
+    void note(const std::string& expected, const std::string& happened);
     /// Saves the session unless nothing was changed or the run is dry; then prints the lines and sums up. After a save
     /// only the first lines are printed, and the others counted. Throws `Error` when the save fails, with nothing
     /// printed, and when it was made and cannot be told.

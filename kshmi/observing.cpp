@@ -21,7 +21,8 @@ using ks_hmi::SignalSpecification;
 std::string nameOfSignal(const Session& session, std::size_t position) {
     const SignalSpecification& signal = *session.signals().get(position);
     const SignalSource source = sourceOf(session.model(), signal);
-    return printable(source.block ? fullName(session.model(), source) : signal.m_blockPath);
+    const std::string name = printable(source.block ? fullName(session.model(), source) : signal.m_blockPath);
+    return source.item ? fmt::format("{} ({})", name, printable(activityOf(signal))) : name;
 }
 
 bool isOpen(std::u16string_view modelName) {
@@ -97,7 +98,7 @@ std::string describeClient(const Session& session, std::size_t position, const S
     const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
     const std::string name = nameOfClient(session, position);
     if (signal) return name + " on " + nameOfSignal(session, *signal);
-    return fmt::format("{} of the absent signal {}", name, printable(std::string_view(client.m_signalUUID)));
+    return fmt::format("{} of the absent signal {}", name, quoted(std::string_view(client.m_signalUUID)));
 }
 
 std::string notesOn(const SignalClient& client, Watched target) {
@@ -123,15 +124,18 @@ std::vector<std::size_t> DanglingWatch::dangling() const {
     return positions;
 }
 
-void DanglingWatch::warn(const Output& output) const {
+void DanglingWatch::warn(const Output& output, bool isDryRun) const {
     const std::vector<std::size_t> now = dangling();
     std::vector<std::size_t> lost;
     std::set_difference(now.begin(), now.end(), m_before.begin(), m_before.end(), std::back_inserter(lost));
     if (lost.empty()) return;
     std::string names;
     for (const std::size_t position : lost) names += (names.empty() ? "" : ", ") + nameOfClient(m_session, position);
-    output.err << fmt::format("warning: left without a signal: {}; \"kshmi unobserve FILE --dangling\" removes {}\n",
-                              names, lost.size() == 1 ? "it" : "them");
+    output.err << "warning: " << (isDryRun ? "would be " : "") << "left without a signal: " << names;
+    if (!isDryRun)
+        output.err << fmt::format("; \"kshmi unobserve {} --dangling\" removes {}",
+                                  printable(std::string_view(m_session.path())), lost.size() == 1 ? "it" : "them");
+    output.err << '\n';
 }
 
 }  // namespace kshmi

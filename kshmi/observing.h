@@ -57,7 +57,7 @@ Watched watched(const ks_hmi::SignalClient& client, const SignalUuids& uuids);
 
 /// "client 3 (ks_scope_observer)".
 std::string nameOfClient(const Session& session, std::size_t position);
-/// The same with what it watches: "client 3 (ks_scope_observer) on m/A:1".
+/// The same with what it watches: "client 3 (ks_scope_observer) on m/A:1", "... on m/Logic/On (Self)".
 std::string describeClient(const Session& session, std::size_t position, const SignalUuids& uuids);
 /// "dangling", "deprecated" and what else is special about a client, with commas between; empty for an everyday one.
 std::string notesOn(const ks_hmi::SignalClient& client, Watched target);
@@ -66,8 +66,8 @@ std::string notesOn(const ks_hmi::SignalClient& client, Watched target);
 class DanglingWatch {
 public:
     explicit DanglingWatch(const Session& session);
-    /// One warning that names them and the remedy; nothing when there are none.
-    void warn(const Output& output) const;
+    /// One warning that names them and the remedy; nothing when there are none. In a dry run it names those that would.
+    void warn(const Output& output, bool isDryRun) const;
 
 private:
     std::vector<std::size_t> dangling() const;

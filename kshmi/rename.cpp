@@ -20,7 +20,9 @@ struct Named {
 };
 
 Named namesIn(const ks_hmi::SignalClient& client) {
-    return {client.m_sourceModel, textOf(hvGetField(client.m_observerParams.get(), 0, "ModelName"))};
+    // A file keeps no source model of a client without a model path.
+    const std::u16string source = client.m_modelPath.empty() ? std::u16string() : client.m_sourceModel;
+    return {source, textOf(hvGetField(client.m_observerParams.get(), 0, "ModelName"))};
 }
 
 std::vector<Named> namesOf(const Session& session) {
@@ -46,8 +48,18 @@ void tellClients(const std::vector<Named>& before, const std::vector<Named>& aft
         sources += before[i].source != after[i].source ? 1U : 0U;
         parameters += before[i].parameter != after[i].parameter ? 1U : 0U;
     }
-    report.note(fmt::format("  renamed in clients: {} and {}", counted(sources, "source model"),
-                            counted(parameters, "\"ModelName\" parameter")));
+    const std::string renamed = fmt::format("renamed in clients: {} and {}", counted(sources, "source model"),
+                                            counted(parameters, "\"ModelName\" parameter"));
+    report.note("  would be " + renamed, "  " + renamed);
+}
+
+void tellManager(const std::vector<std::string>& received, bool isKnownName, ChangeReport& report) {
+    const std::string manager = "  the interface manager ";
+    for (const std::string& line : received)
+        report.note(manager + "would receive " + line, manager + "received " + line);
+    if (!received.empty()) return;
+    const std::string why = isKnownName ? ": the set was last known by this name" : "";
+    report.note(manager + "would not be told" + why, manager + "is not told" + why);
 }
 
 }  // namespace
@@ -71,7 +83,7 @@ int runRename(const RenameArguments& arguments, const Output& output) {
     std::vector<std::u16string> names;
     for (const std::string& name : arguments.names) names.push_back(requireName(name));
     Session session(arguments.file);
-    // Nothing is validated in between, so the manager knows the model by this name throughout.
+    // Nothing is validated in between, so the set is known by this name throughout.
     const std::u16string knownName = session.model().name();
     ChangeReport report(output, arguments.isDryRun);
     for (const std::u16string& name : names) {
@@ -84,10 +96,7 @@ int runRename(const RenameArguments& arguments, const Output& output) {
         const std::vector<std::string> received = renameModel(session, name);
         report.change("rename", "renamed", fmt::format("{} to {}", printable(oldName), printable(name)));
         tellClients(before, namesOf(session), report);
-        for (const std::string& line : received) report.note("  the interface manager received " + line);
-        if (received.empty())
-            report.note(name == knownName ? "  the interface manager knows the model by this name"
-                                          : "  the interface manager was not told");
+        tellManager(received, name == knownName, report);
     }
     report.finish(session);
     return kSuccess;

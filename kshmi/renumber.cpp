@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <charconv>
@@ -33,6 +34,13 @@ std::vector<int> numbersOf(const std::string& text) {
     return numbers;
 }
 
+/// The numbers, and for the ports beyond them those that are left, in order.
+std::string completed(std::vector<int> numbers, std::size_t count) {
+    for (int number = 1; numbers.size() < count; ++number)
+        if (std::find(numbers.begin(), numbers.end(), number) == numbers.end()) numbers.push_back(number);
+    return fmt::format("{}", fmt::join(numbers, ","));
+}
+
 /// The names of the outputs in their new order. What remains must be numbered 1, 2, ... without gaps.
 std::vector<std::u16string> renumbered(const Block& block, const std::vector<int>& numbers) {
     const std::size_t count = block.outputs.size();
@@ -44,7 +52,11 @@ std::vector<std::u16string> renumbered(const Block& block, const std::vector<int
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t number = i < numbers.size() ? static_cast<std::size_t>(numbers[i]) : i + 1;
         if (number == 0) continue;
-        if (number > names.size() || names[number - 1])
+        const bool isTaken = number > names.size() || names[number - 1];
+        if (isTaken && i >= numbers.size())
+            throw Error(fmt::format("{}: port {} cannot keep its number; give numbers for all {}, e.g. {}",
+                                    quoted(block.path), number, counted(count, "port"), completed(numbers, count)));
+        if (isTaken)
             throw Error(
                 fmt::format("{}: port {} would have the number {}{}; the {} that remain need the numbers from 1 "
                             "to {}, each once",
@@ -95,7 +107,11 @@ void tellSignals(const Signals& signals, const std::vector<int>& numbers, Change
         const int number = numbers[static_cast<std::size_t>(signal->m_outputPortIndex) - 1];
         const std::string name =
             fmt::format("  signal {} on port {}", quoted(signal->m_signalName), signal->m_outputPortIndex);
-        report.note(number == 0 ? name + " is lost" : fmt::format("{} follows to port {}", name, number));
+        if (number == 0)
+            report.note(name + " would be lost", name + " is lost");
+        else
+            report.note(fmt::format("{} would follow to port {}", name, number),
+                        fmt::format("{} follows to port {}", name, number));
     }
 }
 
@@ -121,7 +137,7 @@ int runRenumber(const RenumberArguments& arguments, const Output& output) {
                                     ks_hmi_foundation::AddModelToEID(block.eid, model.name()), numbers);
     session.model().setOutputs(std::u16string(block.path), std::move(outputs));
     report.finish(session);
-    watch.warn(output);
+    watch.warn(output, arguments.isDryRun);
     return kSuccess;
 }
 

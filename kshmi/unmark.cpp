@@ -51,7 +51,7 @@ int runUnmark(const UnmarkArguments& arguments, const Output& output) {
     const DanglingWatch watch(session);
     removeSignals(session, std::move(positions));
     report.finish(session);
-    watch.warn(output);
+    watch.warn(output, arguments.isDryRun);
     return kSuccess;
 }
 
