@@ -11,8 +11,7 @@ namespace kshmi {
 
 namespace {
 
-std::u16string requirePath(const kestrel::Model& model, const std::string& text) {
-    std::u16string path = withoutModel(model, text);
+std::u16string requirePath(const std::string& text, std::u16string path) {
     const bool isBad = !kestrel::isBlockPath(path) || path.find(u'\0') != std::u16string::npos;
     if (isBad) throw Error(quoted(text) + ": is no path; give names with one '/' between them");
     return path;
@@ -49,7 +48,8 @@ void tell(const Paths& before, const Paths& after, ChangeReport& report) {
                           fmt::format("{} to {}", printable(before.blocks[i]), printable(after.blocks[i])));
     const std::size_t signals = differences(before.signals, after.signals);
     const std::size_t clients = differences(before.clients, after.clients);
-    report.note(fmt::format("following: {}, {}", counted(signals, "signal"), counted(clients, "client")));
+    const std::string followers = fmt::format("{}, {}", counted(signals, "signal"), counted(clients, "client"));
+    report.note("would follow: " + followers, "following: " + followers);
 }
 
 }  // namespace
@@ -58,7 +58,10 @@ int runMove(const MoveArguments& arguments, const Output& output) {
     enterHost(output.err);
     Session session(arguments.file);
     const std::u16string path = resolveBlock(session.model(), arguments.block).path;
-    const std::u16string newPath = requirePath(session.model(), arguments.newPath);
+    // Beside a block with the model's name, both paths are read in the way in which the first one is found.
+    const bool isLiteral = path != withoutModel(session.model(), arguments.block);
+    const std::u16string newPath = requirePath(
+        arguments.newPath, isLiteral ? toUtf16(arguments.newPath) : withoutModel(session.model(), arguments.newPath));
     const Paths before = pathsOf(session);
     ChangeReport report(output, arguments.isDryRun);
     try {

@@ -19,14 +19,18 @@ std::vector<const Block*> blocksOfSignals(const Session& session) {
     return blocks;
 }
 
-/// The signals take over the paths of their blocks, in the same order; null: gone.
-void follow(const Session& session, const std::vector<const Block*>& blocks) {
+/// The signals take over the paths of their blocks, in the same order; null: gone. A subsystem path may also lead to a
+/// parent farther up.
+void follow(const Session& session, const std::vector<const Block*>& blocks, const std::u16string& oldPath,
+            const std::u16string& newPath) {
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         ks_hmi::SignalSpecification& signal = *session.signals().get(i);
-        if (!blocks[i] || blocks[i]->path == signal.m_blockPath) continue;
-        if (auto followed = followedSubSysPath(signal.m_subSysPath, signal.m_blockPath, blocks[i]->path))
-            signal.m_subSysPath = std::move(*followed);
-        signal.m_blockPath = blocks[i]->path;
+        const bool isMoved = blocks[i] && blocks[i]->path != signal.m_blockPath;
+        std::u16string& subSystem = signal.m_subSysPath;
+        auto followed = isMoved ? followedSubSysPath(subSystem, signal.m_blockPath, blocks[i]->path) : std::nullopt;
+        if (!followed && isAtOrBelow(subSystem, oldPath)) followed = newPath + subSystem.substr(oldPath.size());
+        if (followed) subSystem = std::move(*followed);
+        if (isMoved) signal.m_blockPath = blocks[i]->path;
     }
     session.signals().updateObservedPortMap();
 }
@@ -50,7 +54,7 @@ void alignClients(const Session& session) {
 void moveBlocks(Session& session, const std::u16string& path, const std::u16string& newPath) {
     const std::vector<const Block*> blocks = blocksOfSignals(session);
     session.model().move(path, newPath);
-    follow(session, blocks);
+    follow(session, blocks, path, newPath);
     followByPath(session, path, newPath);
     alignClients(session);
 }

@@ -19,8 +19,9 @@ using Source = ks_hmi::InstrumentedSignals::Source;
 
 /// The full path to list below, empty for all.
 std::u16string requireBelow(const kestrel::Model& model, const std::string& text) {
-    std::u16string path = withoutModel(model, text);
-    if (path.empty() || path == model.name()) return path;
+    if (toUtf16(text) == model.name()) return model.name();
+    const std::u16string path = withoutModel(model, text);
+    if (path.empty()) return path;
     const bool isThere = std::any_of(model.blocks().begin(), model.blocks().end(),
                                      [&](const kestrel::Block& block) { return isAtOrBelow(block.path, path); });
     if (!isThere) throw Error(quoted(text) + ": the model has no block there; \"kshmi show\" lists them");
