@@ -236,7 +236,8 @@ TEST_F(Commands, tourTellsTheMainJobOnACopy) {
 TEST_F(Commands, usageErrorsAreErrors) {
     EXPECT_EQ(run({}).code, 2);
     EXPECT_TRUE(contains(run({"paint"}).err, "kshmi: there is no command \"paint\"; use one of tour, show"));
-    EXPECT_TRUE(contains(run({"query", path(), "A", "--ssid", "-1"}).err, "kshmi: --ssid: Value -1 not in range 0 to"));
+    EXPECT_TRUE(contains(run({"query", path(), "A", "--ssid", "-1"}).err,
+                         "kshmi: --ssid: \"-1\": give a whole number from 0 to"));
     EXPECT_EQ(run({"mark", path()}).code, 2);
     EXPECT_EQ(run({"mark", path(), "A", "--decimation", "0"}).code, 2);
     EXPECT_EQ(run({"mark", path(), "A", "--frobnicate"}).code, 2);

@@ -35,13 +35,15 @@ protected:
 
 TEST_F(EditorCommands, whatCannotBeDoneIsRefusedAndChangesNothing) {
     const Refusal refusals[] = {
-        {"observe", {"A:2", "--type", "t"}, "\"A:2\": is not marked; mark it first with \"kshmi mark FILE REF\""},
+        {"observe", {"A:2", "--type", "t"}, "\"A:2\": is not marked; mark it first with \"kshmi mark "},
         {"observe", {"A"}, "--type"},
         {"observe", {"A", "--type", ""}, "name the kind of observer"},
         {"observe",
          {"A", "--type", "t", "--update-rate", "-1"},
-         "--update-rate: Value -1 not in range 0 to 4294967295"},
-        {"observe", {"A", "--type", "t", "--channel", "4294967296"}, "--channel: Value 4294967296 not in range"},
+         "--update-rate: \"-1\": give a whole number from 0 to 4294967295"},
+        {"observe", {"A", "--type", "t", "--channel", "4294967296"}, "--channel: \"4294967296\": give a whole number"},
+        {"observe", {"A", "--type", "t", "--update-rate", "0x10"}, "--update-rate: \"0x10\": give a whole number"},
+        {"mark", {"A", "--decimation", "1e3"}, "--decimation: \"1e3\": give a whole number from 1 to 2147483647"},
         {"observe", {"A", "--type", "t", "--params", "{\"a\": [1,}"}, "--params:1:10: not JSON"},
         {"observe",
          {"A", "--type", "t", "--params", "{\"a\": {\"$class\": \"b\"}}"},
@@ -49,18 +51,20 @@ TEST_F(EditorCommands, whatCannotBeDoneIsRefusedAndChangesNothing) {
         {"unobserve", {}, "nothing to work on"},
         {"unobserve", {"A:2"}, "\"A:2\": has no client"},
         {"unobserve", {"--uuid", "c-3"}, "no client has the UUID \"c-3\""},
+        {"unobserve", {"--type", "t"}, "no client has the type \"t\""},
         {"unobserve", {"A", "--unused"}, "give it alone"},
+        {"rename", {"\xFF"}, "argument 3, "},
         {"rename", {"x", "a/b"}, "\"a/b\" contains '/' or ':'"},
         {"rename", {""}, "A model needs a name"},
         {"move", {"C", "D"}, "\"C\": the model \"m\" has no such block"},
         {"move", {"A", "Logic"}, "has a block with the path \"Logic\""},
         {"move", {"A", "A/C"}, "cannot move below itself"},
-        {"move", {"A", "C//D"}, "\"C//D\": is no path"},
+        {"move", {"A", "C//D"}, "model.json: \"C//D\": is no path"},
         {"renumber", {"C", "1"}, "has no such block"},
         {"renumber", {"A", "1,x"}, "give the ports' new numbers"},
         {"renumber", {"A", "1,"}, "give the ports' new numbers"},
         {"renumber", {"A", "1,1"}, "port 2 would have the number 1 like another one"},
-        {"renumber", {"A", "0"}, "port 2 would have the number 2; the 1 port"},
+        {"renumber", {"A", "0"}, "port 2 cannot keep its number; give numbers for all 2 ports, e.g. 0,1"},
         {"renumber", {"A", "1,2,3"}, "3 numbers given, and the block has 2 output ports"},
         {"ports", {"--below", "C"}, "the model has no block there"},
     };
@@ -77,7 +81,8 @@ TEST_F(EditorCommands, dryRunsAndWhatIsSoAlreadyChangeNothing) {
         {"observe", {"A", "--type", "t", "--dry-run"}, "would add client 3 (t) on m/A:1"},
         {"unobserve", {"A", "--dry-run"}, "would remove client 1 (ks_scope_observer) on m/A:1"},
         {"unobserve", {"--unused", "--dry-run"}, "would drop client 2 (hmi_web_widget_observer) of the absent signal"},
-        {"unobserve", {"--type", "t"}, "nothing to change"},
+        {"rename", {"n", "--dry-run"}, "the interface manager would receive m -> n"},
+        {"renumber", {"A", "0,1", "--dry-run"}, "on port 1 would be lost"},
         {"rename", {"n", "--dry-run"}, "would rename m to n"},
         {"rename", {"m"}, "already named m"},
         {"move", {"A", "C", "--dry-run"}, "would move A/B to C/B"},
@@ -98,9 +103,9 @@ TEST_F(EditorCommands, dryRunsAndWhatIsSoAlreadyChangeNothing) {
 TEST_F(EditorCommands, observeAddsAClientThatTheFileKeeps) {
     const Finished finished =
         runOn("observe", {"Logic/On/Fast", "--type", "ks_lamp_observer", "--params", "{\"on\": [true]}",
-                          "--update-rate", "4294967295", "--channel", "0", "--imaginary", "--bus-leaf", "a.b"});
+                          "--update-rate", "4294967295", "--channel", "010", "--imaginary", "--bus-leaf", "a.b"});
     EXPECT_EQ(finished.err, "");
-    EXPECT_TRUE(contains(finished.out, "added client 3 (ks_lamp_observer) on m/Logic/On/Fast")) << finished.out;
+    EXPECT_TRUE(contains(finished.out, "added client 3 (ks_lamp_observer) on m/Logic/On/Fast (Self)")) << finished.out;
     EXPECT_TRUE(contains(read(), R"("ModelPath_": ["Logic"],
       "ModelPathEID_": ["4"],
       "SourceModel_": "m",
@@ -108,7 +113,7 @@ TEST_F(EditorCommands, observeAddsAClientThatTheFileKeeps) {
       "ObserverType_": "ks_lamp_observer",
       "ObserverParams_": {"on": [true]},
       "UpdateRate_": 4294967295,
-      "DimensionChannel_": 0,
+      "DimensionChannel_": 10,
       "ObserveImaginaryPart_": true,
       "BusLeafPath_": "a.b"
     })"))
@@ -120,6 +125,20 @@ TEST_F(EditorCommands, observeAddsAClientThatTheFileKeeps) {
     const Finished deprecated = runOn("observe", {"A", "--type", "hmi_web_widget_observer"});
     EXPECT_EQ(deprecated.code, 0);
     EXPECT_TRUE(contains(deprecated.err, "warning: observers of the type \"hmi_web_widget_observer\" are deprecated"));
+}
+
+TEST_F(EditorCommands, observeWithoutAnActivityMeansTheOneThatMarkMeans) {
+    EXPECT_EQ(runOn("mark", {"Logic/On/Fast", "--activity", "Child"}).code, 0);
+    EXPECT_EQ(runOn("mark", {"Logic", "--activity", "Leaf"}).code, 0);
+    const auto observed = [&](const char* reference) { return runOn("observe", {reference, "--type", "t"}); };
+    EXPECT_TRUE(contains(observed("Logic").out, "on m/Logic (Leaf)"));
+    EXPECT_EQ(runOn("mark", {"Logic", "--activity", "Child"}).code, 0);
+    EXPECT_TRUE(contains(observed("Logic").err, "give --activity with one of: Leaf, Child"));
+    EXPECT_EQ(runOn("mark", {"Logic", "--activity", "Self"}).code, 0);
+    EXPECT_TRUE(contains(observed("Logic").out, "on m/Logic (Self)"));
+    EXPECT_TRUE(contains(observed("Logic/On/Fast").out, "(Self)"));
+    EXPECT_TRUE(contains(runOn("clients", {}).out, "m/Logic/On/Fast (Self)"));
+    EXPECT_TRUE(contains(runOn("clients", {"--json"}).out, R"("activity": "Leaf")"));
 }
 
 TEST_F(EditorCommands, unobserveRemovesWhatIsSelected) {
@@ -170,11 +189,14 @@ TEST_F(EditorCommands, clientsTellsWhoWatchesWhatWhereItIsNow) {
     EXPECT_TRUE(contains(listed.out, "ks_scope_observer        m/Z:1")) << listed.out;
     EXPECT_TRUE(contains(listed.out, "4294967295           2         100  imaginary part, leaf bus.leaf"))
         << listed.out;
-    EXPECT_TRUE(contains(listed.out, "signal u-9")) << listed.out;
+    EXPECT_TRUE(contains(listed.out, "signal \"u-9\"")) << listed.out;
     EXPECT_TRUE(contains(listed.out, "dangling, deprecated")) << listed.out;
     const std::string json = runOn("clients", {"--json"}).out;
-    EXPECT_TRUE(contains(json, R"("path": ["m/Z", "m/Z"], "subPath": "", "port": 1, "decimation": 2)")) << json;
-    EXPECT_TRUE(contains(json, R"("path": [], "subPath": "", "port": 0, "decimation": 1, "maxPoints": 0)")) << json;
+    EXPECT_TRUE(contains(json, R"("path": ["m/Z", "m/Z"], "subPath": "", "port": 1, "activity": "", "decimation": 2)"))
+        << json;
+    EXPECT_TRUE(
+        contains(json, R"("path": [], "subPath": "", "port": 0, "activity": "", "decimation": 1, "maxPoints": 0)"))
+        << json;
     const std::string shown = runOn("show", {}).out;
     EXPECT_TRUE(contains(shown, "1  ks_scope_observer                1  speed \"ü\"")) << shown;
     EXPECT_TRUE(contains(runOn("show", {"--json"}).out, R"("signal": null, "dangling": true, "deprecated": true)"));
@@ -187,12 +209,15 @@ TEST_F(EditorCommands, unmarkingAndDeletingPortsNamesTheClientsLeftWithoutASigna
     EXPECT_TRUE(contains(runOn("renumber", {"A", "0,1"}).err, kWarning));
     write(kModel);
     EXPECT_EQ(runOn("unmark", {"Logic/On/Fast"}).err, "");
+    write(kModel);
+    EXPECT_EQ(runOn("unmark", {"A", "--dry-run"}).err,
+              "warning: would be left without a signal: client 1 (ks_scope_observer)\n");
 }
 
 TEST_F(EditorCommands, renamingTwiceTellsTheManagerTheNameThatItKnows) {
     const Finished finished = runOn("rename", {"n", "o"});
     EXPECT_EQ(finished.err, "");
-    EXPECT_TRUE(contains(finished.out, "renamed m to n\n  renamed in clients: 2 source models and 1 \"ModelName\""))
+    EXPECT_TRUE(contains(finished.out, "renamed m to n\n  renamed in clients: 1 source model and 1 \"ModelName\""))
         << finished.out;
     EXPECT_TRUE(contains(finished.out, "the interface manager received m -> n\n")) << finished.out;
     EXPECT_TRUE(contains(finished.out, "renamed n to o\n")) << finished.out;
@@ -202,7 +227,7 @@ TEST_F(EditorCommands, renamingTwiceTellsTheManagerTheNameThatItKnows) {
     EXPECT_EQ(runOn("query", {"o/A", "o/Logic/On/Fast"}).code, 0);
     EXPECT_EQ(runOn("rename", {"m"}).code, 0);
     EXPECT_EQ(read(), kModel);
-    EXPECT_TRUE(contains(runOn("rename", {"n", "m"}).out, "knows the model by this name"));
+    EXPECT_TRUE(contains(runOn("rename", {"n", "m"}).out, "is not told: the set was last known by this name"));
     EXPECT_EQ(read(), kModel);
 }
 
@@ -220,6 +245,23 @@ TEST_F(EditorCommands, signalsAndClientsFollowAMovedSubtree) {
     EXPECT_EQ(runOn("query", {"Top/New", "Top/New/B:q"}).code, 0);
     EXPECT_EQ(runOn("move", {"Top/New", "A"}).code, 0);
     EXPECT_EQ(read(), before);
+}
+
+TEST_F(EditorCommands, aSubsystemPathFartherUpFollows) {
+    EXPECT_EQ(runOn("mark", {"A/B:1:1"}).code, 0);
+    EXPECT_EQ(runOn("move", {"A/B:1", "A/B/C"}).code, 0);
+    write(replaced(read(), "\"SubSysPath_\": \"A/B\"", "\"SubSysPath_\": \"A\""));
+    EXPECT_EQ(runOn("move", {"A", "Top/New"}).code, 0);
+    EXPECT_TRUE(contains(read(), "\"SubSysPath_\": \"Top/New\""));
+}
+
+TEST_F(EditorCommands, aBlockWithTheModelsNameIsMovedAndListedByItsOwnPath) {
+    write(replaced(kModel, "{\"path\": \"A/B\"", "{\"path\": \"m/D\""));
+    EXPECT_EQ(runOn("move", {"m/D", "m/E"}).code, 0);
+    EXPECT_TRUE(contains(read(), "{\"path\": \"m/E\""));
+    EXPECT_EQ(runOn("mark", {"m/m/E"}).code, 0);
+    EXPECT_TRUE(contains(runOn("ports", {"--below", "m/m"}).out, "model m: 1 observed port"));
+    EXPECT_TRUE(contains(runOn("ports", {"--below", "m"}).out, "model m: 2 observed ports"));
 }
 
 TEST_F(EditorCommands, recordsWithoutIdentifiersFollowByPath) {

@@ -112,7 +112,7 @@ TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
         {"\"DomainParams_\": {}", "\"DomainParams_\": {\"a\": 1}", "/signals/0/DomainParams_: struct 1x1"},
         {"\"Activity\": \"Self\"", "\"Activity\": \"Data\"", "is none of the item's: Self, Child, Leaf"},
         {"\"EID_\": \"1\"", "\"EID_\": \"9\"", ":14: /signals/0/EID_: the model has no block"},
-        {"\"EID_\": \"1\"", "\"EID_\": \"9\"", "unmark FILE --dangling"},
+        {"\"EID_\": \"1\"", "\"EID_\": \"9\"", "/model.json --dangling\""},
         {"\"BlockPath_\": \"A\",\n      \"EID_\": \"1\"", "\"BlockPath_\": \"Z\",\n      \"EID_\": \"\"",
          "/signals/0/BlockPath_: "},
         {"\"OutputPortIndex_\": 1", "\"OutputPortIndex_\": 3", "/signals/0/OutputPortIndex_: the block \"A\" has no"},
