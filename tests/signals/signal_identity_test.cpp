@@ -30,7 +30,7 @@ TEST_F(SignalIdentity, hashesAreThoseOfTheKeyTexts) {
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(-std::nan(""), 1), hashOf("-nan$$1"));
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(INFINITY, 1), hashOf("inf$$1"));
     EXPECT_EQ(SignalSpecification::getNonCachedInfoHash(u"Sub/Gain", u"", 1, 0, u"m1"), hashOf("m1/Sub/Gain$$$$1"));
-    EXPECT_EQ(SignalSpecification::getNonCachedInfoHash(u"Gain", u"s", 1, 3, u""), hashOf("Gain$$s$$3"));
+    EXPECT_EQ(SignalSpecification::getNonCachedInfoHash(u"Gain", u"s", 2, 1, u""), hashOf("Gain$$s$$1"));
     EXPECT_EQ(SignalSpecification::getInfoHashFromStringList({"ab", "c"}), hashOf("abc"));
     EXPECT_EQ(SignalSpecification::getInfoHashFromStringList({}), hashOf(""));
 }
