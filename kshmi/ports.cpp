@@ -21,7 +21,7 @@ using Source = ks_hmi::InstrumentedSignals::Source;
 std::u16string requireBelow(const kestrel::Model& model, const std::string& text) {
     if (toUtf16(text) == model.name()) return model.name();
     const std::u16string path = withoutModel(model, text);
-    if (path.empty()) return path;
+    if (path.empty()) return {};
     const bool isThere = std::any_of(model.blocks().begin(), model.blocks().end(),
                                      [&](const kestrel::Block& block) { return isAtOrBelow(block.path, path); });
     if (!isThere) throw Error(quoted(text) + ": the model has no block there; \"kshmi show\" lists them");

@@ -54,12 +54,13 @@ void tellClients(const std::vector<Named>& before, const std::vector<Named>& aft
 }
 
 void tellManager(const std::vector<std::string>& received, bool isKnownName, ChangeReport& report) {
-    const std::string manager = "  the interface manager ";
-    for (const std::string& line : received)
-        report.note(manager + "would receive " + line, manager + "received " + line);
+    const auto note = [&](const char* would, const char* did, const std::string& what) {
+        const auto sentence = [&](const char* verb) { return fmt::format("  the interface manager {}{}", verb, what); };
+        report.note(sentence(would), sentence(did));
+    };
+    for (const std::string& line : received) note("would receive ", "received ", line);
     if (!received.empty()) return;
-    const std::string why = isKnownName ? ": the set was last known by this name" : "";
-    report.note(manager + "would not be told" + why, manager + "is not told" + why);
+    note("would not be told", "is not told", isKnownName ? ": the set was last known by this name" : "");
 }
 
 }  // namespace
