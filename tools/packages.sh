@@ -50,8 +50,9 @@ is_there() {
 }
 
 # other_boost: the installed Boost development packages that libboost1.81-dev would replace.
+# dpkg-query fails when there is none at all, which is the ordinary case.
 other_boost() {
-    dpkg-query -W -f '${db:Status-Status} ${Package}\n' 'libboost-dev' 'libboost1.*-dev' 2>/dev/null |
+    { dpkg-query -W -f '${db:Status-Status} ${Package}\n' 'libboost-dev' 'libboost1.*-dev' 2>/dev/null || true; } |
         awk '$1 == "installed" && $2 ~ /^libboost(1\.[0-9]+)?-dev$/ && $2 != "libboost1.81-dev" { print $2 }'
 }
 
