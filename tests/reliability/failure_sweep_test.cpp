@@ -28,9 +28,38 @@ struct Row : SweptOperation<SweptWorld> {
 };
 using World = SweptWorld;
 
-void setProperty(const HvArrayPtr& object, const char* name, const HvArrayPtr& value) {
-    const HvArrayPtr target = World::shared(object);
-    hvSetProperty(target.get(), 0, name, value.get());
+using Value = HvArrayPtr World::*;
+constexpr Value kSignals = &World::signalsObject;
+constexpr Value kClients = &World::clientsObject;
+constexpr Value kOne = &World::one;
+
+/// The host's function or method of that name, called with members of the world.
+std::function<void(World&)> calls(const char* name, std::initializer_list<Value> inputs, int results = 1) {
+    return [name, values = std::vector<Value>(inputs), results](World& w) {
+        std::vector<const hvArray*> given;
+        for (const Value value : values) given.push_back((w.*value).get());
+        orvex::callByName(name, given, results);
+    };
+}
+std::function<void(World&)> gets(Value object, const char* name) {
+    return [=](World& w) { property((w.*object).get(), name); };
+}
+std::function<void(World&)> sets(Value object, const char* name, Value value) {
+    return [=](World& w) {
+        const HvArrayPtr target = World::shared(w.*object);
+        hvSetProperty(target.get(), 0, name, (w.*value).get());
+    };
+}
+
+/// What a list that is filled holds when that fails.
+template <class List, class Fill>
+void fill(List list, std::size_t countAfterFailure, Fill fillList) {
+    try {
+        fillList(list);
+    } catch (...) {
+        EXPECT_EQ(list.size(), countAfterFailure);
+        throw;
+    }
 }
 
 /// Loads the set's own records behind themselves; when that fails, the ones before the failure must be there.
@@ -128,24 +157,21 @@ const std::vector<Row>& setRows() {
          Leaves::beginning},
         {"list observed ports",
          [](World& w) {
-             std::vector<InstrumentedSignals::Source> out(1);
-             try {
+             fill(std::vector<InstrumentedSignals::Source>(1), 1, [&](auto& out) {
                  InstrumentedSignals::getObservedPorts(w.modelObject.get(), "", "", out, true, true);
-             } catch (...) {
-                 EXPECT_EQ(out.size(), 1U);
-                 throw;
-             }
+             });
          }},
         {"list badges",
          [](World& w) {
-             std::set<double> out{1.0};
-             try {
-                 InstrumentedSignals::getPortsWithBadges(w.modelObject.get(), out);
-             } catch (...) {
-                 EXPECT_EQ(out.size(), 1U);
-                 throw;
-             }
+             fill(std::set<double>{1.0}, 1,
+                  [&](auto& out) { InstrumentedSignals::getPortsWithBadges(w.modelObject.get(), out); });
          }},
+    };
+    return rows;
+}
+
+const std::vector<Row>& observerRows() {
+    static const std::vector<Row> rows{
         {"clients add", [](World& w) { w.clients().add(World::client("c-3", "s-1")); }},
         {"clients set", [](World& w) { w.clients().set(0, World::client("c-3", "s-1")); }},
         {"clients remove", [](World& w) { w.clients().remove(0); }},
@@ -164,13 +190,8 @@ const std::vector<Row>& setRows() {
          Leaves::beginning},
         {"list aligned observers",
          [](World& w) {
-             std::vector<StreamingClients::ClientPtr> out(1);
-             try {
-                 StreamingClients::getAlignedObservers(w.clientsObject.get(), out);
-             } catch (...) {
-                 EXPECT_TRUE(out.empty());
-                 throw;
-             }
+             fill(std::vector<StreamingClients::ClientPtr>(1), 0,
+                  [&](auto& out) { StreamingClients::getAlignedObservers(w.clientsObject.get(), out); });
          }},
         {"bundle",
          [](World& w) { ModelObservers::createFromSignalsAndClients(w.signalsObject.get(), w.clientsObject.get()); }},
@@ -192,80 +213,34 @@ const std::vector<Row>& setRows() {
 
 const std::vector<Row>& hostRows() {
     static const std::vector<Row> rows{
-        {"host new signals", [](World& w) { call("Kestrel.HMI.InstrumentedSignals", {w.name.get()}); }},
-        {"host add",
-         [](World& w) {
-             call("add", {w.signalsObject.get(), w.specObject.get()}, 0);
-         }},
-        {"host set",
-         [](World& w) {
-             call("set", {w.signalsObject.get(), w.one.get(), w.specObject.get()}, 0);
-         }},
-        {"host remove",
-         [](World& w) {
-             call("remove", {w.signalsObject.get(), w.one.get()}, 0);
-         }},
-        {"host get",
-         [](World& w) {
-             call("get", {w.signalsObject.get(), w.one.get()});
-         }},
-        {"host isPortObserved",
-         [](World& w) {
-             call("isPortObserved", {w.signalsObject.get(), w.specObject.get()});
-         }},
-        {"host isGivenPortObserved",
-         [](World& w) {
-             call("isGivenPortObserved", {w.signalsObject.get(), w.one.get(), w.one.get()});
-         }},
+        {"host new signals", calls("Kestrel.HMI.InstrumentedSignals", {&World::name})},
+        {"host add", calls("add", {kSignals, &World::specObject}, 0)},
+        {"host set", calls("set", {kSignals, kOne, &World::specObject}, 0)},
+        {"host remove", calls("remove", {kSignals, kOne}, 0)},
+        {"host get", calls("get", {kSignals, kOne})},
+        {"host isPortObserved", calls("isPortObserved", {kSignals, &World::specObject})},
+        {"host isGivenPortObserved", calls("isGivenPortObserved", {kSignals, kOne, kOne})},
         {"host isGivenCWActivityObserved",
-         [](World& w) {
-             call("isGivenCWActivityObserved", {w.signalsObject.get(), w.name.get(), w.one.get(), w.name.get()});
-         }},
-        {"host isAnyCWActivityObserved",
-         [](World& w) {
-             call("isAnyCWActivityObserved", {w.signalsObject.get(), w.name.get(), w.one.get()});
-         }},
-        {"host getUUID",
-         [](World& w) {
-             call("getUUID", {w.signalsObject.get(), w.one.get()});
-         }},
+         calls("isGivenCWActivityObserved", {kSignals, &World::name, kOne, &World::name})},
+        {"host isAnyCWActivityObserved", calls("isAnyCWActivityObserved", {kSignals, &World::name, kOne})},
+        {"host getUUID", calls("getUUID", {kSignals, kOne})},
         {"host setUUIDForBlock",
-         [](World& w) {
-             call("Kestrel.HMI.InstrumentedSignals.setUUIDForBlock", {w.one.get(), w.one.get(), w.name.get()}, 0);
-         }},
-        {"host getUUIDForBlock",
-         [](World& w) {
-             call("Kestrel.HMI.InstrumentedSignals.getUUIDForBlock", {w.one.get(), w.one.get(), logical(true).get()});
-         },
+         calls("Kestrel.HMI.InstrumentedSignals.setUUIDForBlock", {kOne, kOne, &World::name}, 0)},
+        {"host getUUIDForBlock", calls("Kestrel.HMI.InstrumentedSignals.getUUIDForBlock", {kOne, kOne, &World::yes}),
          Leaves::beginning},
-        {"host Model", [](World& w) { property(w.signalsObject.get(), "Model"); }},
-        {"host Count", [](World& w) { property(w.signalsObject.get(), "Count"); }},
-        {"host Persistence", [](World& w) { property(w.signalsObject.get(), "Persistence"); }},
-        {"host Persistence set", [](World& w) { setProperty(w.signalsObject, "Persistence", w.saved); },
-         Leaves::beginning},
-        {"host new clients", [](World& w) { call("Kestrel.HMI.StreamingClients", {w.name.get()}); }},
-        {"host clients add",
-         [](World& w) {
-             call("add", {w.clientsObject.get(), w.clientObject.get()}, 0);
-         }},
-        {"host clients set",
-         [](World& w) {
-             call("set", {w.clientsObject.get(), w.one.get(), w.clientObject.get()}, 0);
-         }},
-        {"host clients remove",
-         [](World& w) {
-             call("remove", {w.clientsObject.get(), w.one.get()}, 0);
-         }},
-        {"host clients get",
-         [](World& w) {
-             call("get", {w.clientsObject.get(), w.one.get()});
-         }},
-        {"host clients Model", [](World& w) { property(w.clientsObject.get(), "Model"); }},
-        {"host clients Model set", [](World& w) { setProperty(w.clientsObject, "Model", w.newName); },
-         Leaves::beginning},
-        {"host clients Persistence", [](World& w) { property(w.clientsObject.get(), "Persistence"); }},
-        {"host clients Persistence set", [](World& w) { setProperty(w.clientsObject, "Persistence", w.savedClients); },
-         Leaves::beginning},
+        {"host Model", gets(kSignals, "Model")},
+        {"host Count", gets(kSignals, "Count")},
+        {"host Persistence", gets(kSignals, "Persistence")},
+        {"host Persistence set", sets(kSignals, "Persistence", &World::saved), Leaves::beginning},
+        {"host new clients", calls("Kestrel.HMI.StreamingClients", {&World::name})},
+        {"host clients add", calls("add", {kClients, &World::clientObject}, 0)},
+        {"host clients set", calls("set", {kClients, kOne, &World::clientObject}, 0)},
+        {"host clients remove", calls("remove", {kClients, kOne}, 0)},
+        {"host clients get", calls("get", {kClients, kOne})},
+        {"host clients Model", gets(kClients, "Model")},
+        {"host clients Model set", sets(kClients, "Model", &World::newName), Leaves::beginning},
+        {"host clients Persistence", gets(kClients, "Persistence")},
+        {"host clients Persistence set", sets(kClients, "Persistence", &World::savedClients), Leaves::beginning},
     };
     return rows;
 }
@@ -280,10 +255,9 @@ protected:
             row.action(world);
             after = world.state();
             orvex::clearWarnings();
-            liveAfter = orvex::liveCounts();
         }
         std::string state, after;
-        orvex::LedgerCounts live, liveAfter;
+        orvex::LedgerCounts live;
     };
 
     /// The documented state, the index in step with the list, nothing lost in the ledger; and the same call succeeds.
@@ -334,9 +308,11 @@ protected:
 
 TEST_F(FailureSweep, recordsWhenTheHostFails) { sweepHost(recordRows()); }
 TEST_F(FailureSweep, setsAndQueriesWhenTheHostFails) { sweepHost(setRows()); }
+TEST_F(FailureSweep, observersWhenTheHostFails) { sweepHost(observerRows()); }
 TEST_F(FailureSweep, hostMethodsWhenTheHostFails) { sweepHost(hostRows()); }
 TEST_F(FailureSweep, recordsWhenMemoryRunsOut) { sweepMemory(recordRows()); }
 TEST_F(FailureSweep, setsAndQueriesWhenMemoryRunsOut) { sweepMemory(setRows()); }
+TEST_F(FailureSweep, observersWhenMemoryRunsOut) { sweepMemory(observerRows()); }
 TEST_F(FailureSweep, hostMethodsWhenMemoryRunsOut) { sweepMemory(hostRows()); }
 
 TEST_F(FailureSweep, theLibrarysOwnAllocationsAreAmongThoseThatFail) {

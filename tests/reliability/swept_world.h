@@ -88,28 +88,19 @@ public:
 
     /// The answers of the indexes, and what a plain model, built from the list alone, answers; equal unless
     /// an index and the list have come apart.
-    std::string answers() const {
-        return answersOf(
-            [&](const std::u16string& path, int n) { return signals().isPortObserved(0.5, path, u"", n, 0, 0); },
-            [&](double handle, int n) { return signals().isPortObserved(handle, n); },
-            [&](double ssid, const char16_t* activity) { return signals().isCWActivityObserved(u"4", ssid, activity); },
-            [&](double ssid) { return signals().isAnyCWActivityObserved(u"4", ssid); });
-    }
+    std::string answers() const { return answersOf(signals()); }
     std::string plainAnswers() const {
         PlainSignalSet plain;
-        plain.modelName = signals().getModelName();
-        for (std::size_t i = 0; i < signals().getCount(); ++i) plain.insert(i, plainSignal(*signals().get(i)));
-        return answersOf(
-            [&](const std::u16string& path, int n) { return plain.isPortObserved(0.5, path, u"", n, 0, 0); },
-            [&](double handle, int n) { return plain.isPortObserved(handle, n); },
-            [&](double ssid, const char16_t* activity) { return plain.isActivityObserved(u"4", ssid, activity); },
-            [&](double ssid) { return plain.isAnyActivityObserved(u"4", ssid); });
+        plain.setModelName(signals().getModelName());
+        for (std::size_t i = 0; i < signals().getCount(); ++i)
+            plain.add(std::make_shared<PlainSignal>(*signals().get(i)));
+        return answersOf(plain);
     }
 
     double gain = 0.0;  ///< the handle of "Gain"
     ksPort engine, otherEngine;
     HvArrayPtr signalsObject, clientsObject;
-    HvArrayPtr modelObject, bundle, specObject, clientObject, saved, savedClients, one, name, newName;
+    HvArrayPtr modelObject, bundle, specObject, clientObject, saved, savedClients, one, yes, name, newName;
 
 private:
     void loadModel() {
@@ -128,33 +119,21 @@ private:
         saved = signals().getPersistenceData();
         savedClients = clients().getPersistenceData();
         one = number(1);
+        yes = logical(true);
         name = text("m1");
         newName = text("m2");
     }
-    static PlainSignalPtr plainSignal(const ks_hmi::SignalSpecification& spec) {
-        auto plain = std::make_shared<PlainSignal>();
-        plain->path = spec.m_blockPath;
-        plain->subPath = spec.m_subPath;
-        plain->eid.assign(spec.m_eid.begin(), spec.m_eid.end());
-        plain->domainType = spec.m_domainType;
-        plain->parameters = {spec.m_domainParams.begin(), spec.m_domainParams.end()};
-        plain->outputPort = spec.m_outputPortIndex;
-        plain->logicalPort = spec.m_logicalPortIndex;
-        plain->cachedPort = spec.m_cachedPortIdx;
-        plain->handle = spec.m_cachedBlockHandle;
-        return plain;
-    }
-    template <class ByPath, class ByHandle, class Activity, class AnyActivity>
-    std::string answersOf(ByPath byPath, ByHandle byHandle, Activity activity, AnyActivity anyActivity) const {
+    template <class Set>
+    std::string answersOf(Set& set) const {
         std::string result = "; answers ";
         const auto add = [&](bool answer) { result += answer ? '1' : '0'; };
-        for (const char16_t* const path : kSweptPaths)
-            for (int n = 0; n <= 4; ++n) add(byPath(path, n));
-        for (const double handle : {gain, gain + 1, 0.0})
-            for (int n = 0; n <= 4; ++n) add(byHandle(handle, n));
+        for (int n = 0; n <= 4; ++n) {
+            for (const char16_t* const path : kSweptPaths) add(set.isPortObserved(0.5, path, u"", n, 0, 0));
+            for (const double handle : {gain, gain + 1, 0.0}) add(set.isPortObserved(handle, n));
+        }
         for (const double ssid : {7.0, 8.0}) {
-            for (const char16_t* const kind : {u"Self", u"Child"}) add(activity(ssid, kind));
-            add(anyActivity(ssid));
+            for (const char16_t* const kind : {u"Self", u"Child"}) add(set.isCWActivityObserved(u"4", ssid, kind));
+            add(set.isAnyCWActivityObserved(u"4", ssid));
         }
         return result;
     }

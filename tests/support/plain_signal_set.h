@@ -1,50 +1,81 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
+struct ksPort;
+
 /// The set of instrumented signals written down as plainly as possible, to compare the real one with: lists that
-/// are searched from the front, and keys that are texts. It shares no code with the library.
-/// Identifiers, which the real set takes in UTF-8, are UTF-16 here as all texts are.
+/// are searched from the front, and keys that are texts. It shares no code with the library, only its names, so that
+/// one lambda can ask both. Identifiers are ASCII.
 namespace ks_test {
 
 /// A record's members, as far as any operation of a set looks at them or changes them.
 struct PlainSignal {
     std::size_t number = 0;  ///< which record of the run this is
-    std::u16string path, subPath, eid, domainType;
-    std::vector<std::pair<std::u16string, std::u16string>> parameters;  ///< in the order of the record's own map
-    int outputPort = 0, logicalPort = 0, cachedPort = 0;
-    double handle = 0.0;
-    bool excludeForSave = false;
+    std::u16string m_blockPath, m_subPath, m_domainType;
+    std::string m_eid;
+    std::vector<std::pair<std::u16string, std::u16string>> m_domainParams;  ///< in the order of the record's own map
+    int m_outputPortIndex = 0, m_logicalPortIndex = 0, m_cachedPortIdx = 0;
+    double m_cachedBlockHandle = 0.0;
+    bool m_excludeForSave = false;
+
+    template <class Record>
+    explicit PlainSignal(const Record& record)
+        : m_blockPath(record.m_blockPath),
+          m_subPath(record.m_subPath),
+          m_domainType(record.m_domainType),
+          m_eid(record.m_eid),
+          m_domainParams(record.m_domainParams.begin(), record.m_domainParams.end()),
+          m_outputPortIndex(record.m_outputPortIndex),
+          m_logicalPortIndex(record.m_logicalPortIndex),
+          m_cachedPortIdx(record.m_cachedPortIdx),
+          m_cachedBlockHandle(record.m_cachedBlockHandle),
+          m_excludeForSave(record.m_excludeForSave) {}
 
     std::u16string parameter(const std::u16string& name) const {
-        for (const auto& [key, value] : parameters) {
+        for (const auto& [key, value] : m_domainParams) {
             if (key == name) return value;
         }
         return {};
     }
-    bool isChart() const { return domainType == u"cw_state" || domainType == u"cw_chart" || domainType == u"cw_data"; }
-    bool isEqual(const PlainSignal& other) const {
-        return eid == other.eid && path == other.path && subPath == other.subPath && domainType == other.domainType &&
-               parameters == other.parameters && outputPort == other.outputPort && logicalPort == other.logicalPort;
+    bool isChart() const {
+        return m_domainType == u"cw_state" || m_domainType == u"cw_chart" || m_domainType == u"cw_data";
+    }
+    /// What of a record is saved.
+    auto saved() const {
+        return std::tie(m_eid, m_blockPath, m_subPath, m_domainType, m_domainParams, m_outputPortIndex,
+                        m_logicalPortIndex);
+    }
+    /// Equal to the last bit of the handle.
+    bool isIdentical(const PlainSignal& other) const {
+        return saved() == other.saved() && m_cachedPortIdx == other.m_cachedPortIdx &&
+               std::bit_cast<std::uint64_t>(m_cachedBlockHandle) ==
+                   std::bit_cast<std::uint64_t>(other.m_cachedBlockHandle) &&
+               m_excludeForSave == other.m_excludeForSave;
     }
     bool isSameSignal(const PlainSignal& other) const {
-        if (handle != 0.0 && other.handle != 0.0 && handle == other.handle && cachedPort == other.cachedPort)
+        if (m_cachedBlockHandle != 0.0 && m_cachedBlockHandle == other.m_cachedBlockHandle &&
+            m_cachedPortIdx == other.m_cachedPortIdx)
             return true;
-        return outputPort == other.outputPort && logicalPort == other.logicalPort && path == other.path &&
-               subPath == other.subPath;
+        return m_outputPortIndex == other.m_outputPortIndex && m_logicalPortIndex == other.m_logicalPortIndex &&
+               m_blockPath == other.m_blockPath && m_subPath == other.m_subPath;
     }
     /// A new record with what a saved model keeps of this one.
     PlainSignal asLoaded() const {
         PlainSignal loaded = *this;
-        loaded.cachedPort = 0;
-        loaded.handle = 0.0;
-        loaded.excludeForSave = false;
+        loaded.m_cachedPortIdx = 0;
+        loaded.m_cachedBlockHandle = 0.0;
+        loaded.m_excludeForSave = false;
         return loaded;
     }
 };
@@ -60,62 +91,60 @@ inline std::u16string plainNumber(int value) {
     return {digits.begin(), digits.end()};
 }
 
-/// Positions are 0-based. Operations that take one answer false, and change nothing, for one outside the set.
+/// Positions are 0-based; one outside the set throws std::out_of_range and changes nothing.
 class PlainSignalSet {
 public:
-    std::u16string modelName;
-    std::vector<PlainSignalPtr> signals;
-    bool rebindingPending = false;
+    // ---- the list ----
 
-    bool insert(std::size_t index, const PlainSignalPtr& signal) {
-        if (index > signals.size()) return false;
-        signals.insert(at(index), signal);
+    std::u16string getModelName() const { return m_modelName; }
+    void setModelName(const std::u16string& name) { m_modelName = name; }
+    bool isRebindingPending() const { return m_rebindingPending; }
+    void setRebindingPending(bool pending) { m_rebindingPending = pending; }
+    std::size_t getCount() const { return m_signals.size(); }
+    const PlainSignalPtr& share(std::size_t index) const { return m_signals.at(index); }
+
+    void add(const PlainSignalPtr& signal) { insert(m_signals.size(), signal); }
+    void insert(std::size_t index, const PlainSignalPtr& signal) {
+        if (index > m_signals.size()) throw std::out_of_range("insert");
+        m_signals.insert(at(index), signal);
         m_cachedPorts.clear();
-        addToIndex(signal);
-        return true;
+        addToObservedPortMap(signal);
     }
-    bool set(std::size_t index, const PlainSignalPtr& signal) {
-        if (index >= signals.size()) return false;
-        removeFromIndex(*signals[index]);
-        addToIndex(signal);
-        signals[index] = signal;
+    void set(std::size_t index, const PlainSignalPtr& signal) {
+        removeFromObservedPortMap(share(index));
+        addToObservedPortMap(signal);
+        m_signals[index] = signal;
         m_cachedPorts.clear();
-        return true;
     }
-    bool removeAt(std::size_t index) {
-        if (index >= signals.size()) return false;
-        const PlainSignalPtr signal = signals[index];
+    void remove(std::size_t index) {
+        const PlainSignalPtr signal = share(index);
         if (signal->isChart()) {
-            removeChart(*signal);
+            removeFromObservedCWObject(signal);
         } else {
-            removeFromIndex(*signal);
+            removeFromObservedPortMap(signal);
             m_cachedPorts.clear();
         }
-        signals.erase(at(index));
-        return true;
+        m_signals.erase(at(index));
     }
     void remove(const PlainSignal& value) {
-        for (std::size_t i = 0; i < signals.size(); ++i) {
-            if (!value.isSameSignal(*signals[i])) continue;
+        for (std::size_t i = 0; i < m_signals.size(); ++i) {
+            if (!value.isSameSignal(*m_signals[i])) continue;
             m_cachedPorts.clear();
-            removeFromIndex(*signals[i]);
-            signals.erase(at(i));
+            removeFromObservedPortMap(m_signals[i]);
+            m_signals.erase(at(i));
             return;
         }
     }
-    bool isEqual(const PlainSignalSet& other) const {
-        if (signals.size() != other.signals.size()) return false;
-        for (std::size_t i = 0; i < signals.size(); ++i) {
-            if (!signals[i]->isEqual(*other.signals[i])) return false;
-        }
-        return true;
+    bool isEqual(const PlainSignalSet* other) const {
+        return std::equal(m_signals.begin(), m_signals.end(), other->m_signals.begin(), other->m_signals.end(),
+                          [](const auto& a, const auto& b) { return a->saved() == b->saved(); });
     }
     PlainSignalSet copy(bool excludeUnsaved) const {
         PlainSignalSet result;
-        result.modelName = modelName;
-        for (const PlainSignalPtr& signal : signals) {
-            if (!(excludeUnsaved && signal->excludeForSave))
-                result.signals.push_back(std::make_shared<PlainSignal>(*signal));
+        result.m_modelName = m_modelName;
+        for (const PlainSignalPtr& signal : m_signals) {
+            if (!(excludeUnsaved && signal->m_excludeForSave))
+                result.m_signals.push_back(std::make_shared<PlainSignal>(*signal));
         }
         result.m_entries = m_entries;
         if (!m_activities.empty()) {
@@ -127,37 +156,38 @@ public:
 
     // ---- ports ----
 
-    void addToIndex(const PlainSignalPtr& signal) {
+    void addToObservedPortMap(const PlainSignalPtr& signal) {
         if (signal->isChart()) {
-            addChart(*signal);
+            addToObservedCWObjectCache(signal);
             return;
         }
         m_cachedPorts.clear();
         m_entries.emplace_back(pathKey(*signal), signal);
-        if (signal->cachedPort != 0) m_entries.emplace_back(handleKey(signal->handle, signal->cachedPort), signal);
+        if (signal->m_cachedPortIdx != 0) m_entries.emplace_back(handleKey(*signal), signal);
     }
-    void removeFromIndex(const PlainSignal& signal) {
-        if (signal.isChart()) return;
-        eraseEntries(pathKey(signal), [&](const PlainSignal& entry) {
-            return entry.outputPort == signal.outputPort && entry.path == signal.path;
+    void removeFromObservedPortMap(const PlainSignalPtr& signal) {
+        if (signal->isChart()) return;
+        const PlainSignal& left = *signal;
+        eraseEntries(pathKey(left), [&](const PlainSignal& entry) {
+            return entry.m_outputPortIndex == left.m_outputPortIndex && entry.m_blockPath == left.m_blockPath;
         });
-        eraseEntries(handleKey(signal.handle, signal.cachedPort), [&](const PlainSignal& entry) {
-            return entry.cachedPort == signal.cachedPort && entry.handle == signal.handle;
+        eraseEntries(handleKey(left), [&](const PlainSignal& entry) {
+            return entry.m_cachedPortIdx == left.m_cachedPortIdx &&
+                   entry.m_cachedBlockHandle == left.m_cachedBlockHandle;
         });
     }
-    void rebuildIndex() {
+    void updateObservedPortMap() {
         m_entries.clear();
-        for (const PlainSignalPtr& signal : signals) addToIndex(signal);
+        for (const PlainSignalPtr& signal : m_signals) addToObservedPortMap(signal);
     }
     bool isAnyPortObserved() const { return !m_entries.empty(); }
-    void cachePorts(std::vector<const void*> ports) { m_cachedPorts = std::move(ports); }
-    bool isCachedPort(const void* port) const {
-        return std::find(m_cachedPorts.begin(), m_cachedPorts.end(), port) != m_cachedPorts.end();
-    }
+    void cacheKSPorts(const std::vector<ksPort*>& ports) { m_cachedPorts.assign(ports.begin(), ports.end()); }
+    bool isKSPortObserved(const ksPort* port) const { return contains(m_cachedPorts, port); }
     bool isPortObserved(double handle, int port) const {
         const std::u16string key = handleKey(handle, port);
         return std::any_of(m_entries.begin(), m_entries.end(), [&](const Entry& entry) {
-            return entry.first == key && entry.second->cachedPort == port && entry.second->handle == handle;
+            return entry.first == key && entry.second->m_cachedPortIdx == port &&
+                   entry.second->m_cachedBlockHandle == handle;
         });
     }
     bool isPortObserved(double handle, const std::u16string& path, const std::u16string& subPath, int outputPort,
@@ -165,92 +195,94 @@ public:
         if (isPortObserved(handle, port)) return true;
         const std::u16string key = pathKey(path, subPath, outputPort, logicalPort);
         for (const auto& [entryKey, entry] : m_entries) {
-            if (entryKey != key || entry->outputPort != outputPort || entry->path != path) continue;
+            if (entryKey != key || entry->m_outputPortIndex != outputPort || entry->m_blockPath != path) continue;
             if (port == 0) return true;
-            if (entry->cachedPort == 0) {
+            if (entry->m_cachedPortIdx == 0) {
                 const PlainSignalPtr resolved = entry;
-                resolved->handle = handle;
-                resolved->cachedPort = port;
-                addToIndex(resolved);
+                resolved->m_cachedBlockHandle = handle;
+                resolved->m_cachedPortIdx = port;
+                addToObservedPortMap(resolved);
                 return true;
             }
-            if (rebindingPending && entry->cachedPort == port) return true;
+            if (m_rebindingPending && entry->m_cachedPortIdx == port) return true;
         }
         return false;
     }
-    void renumberPorts(double handle, const std::u16string& fullPath, const std::u16string& fullEid,
+    bool isPortObserved(const PlainSignal* signal) {
+        const PlainSignal asked = *signal;
+        return isPortObserved(asked.m_cachedBlockHandle, asked.m_blockPath, asked.m_subPath, asked.m_outputPortIndex,
+                              asked.m_cachedPortIdx, asked.m_logicalPortIndex);
+    }
+    void renumberPorts(double handle, const std::u16string& fullPath, const std::string& fullEid,
                        const std::vector<int>& newNumbers) {
-        const std::u16string path = without(modelName + u"/", fullPath);
-        const std::u16string eid = without(modelName + u":", fullEid);
+        const std::u16string path = without(m_modelName + u"/", fullPath);
+        const std::u16string eid = shortEid(wide(fullEid));
         std::vector<std::size_t> deleted;
         std::vector<PlainSignalPtr> moved;
-        for (std::size_t i = 0; i < signals.size(); ++i) {
-            const PlainSignalPtr signal = signals[i];
-            if (signal->handle != handle && signal->path != path && signal->eid != eid) continue;
-            const int port = signal->outputPort;
+        for (std::size_t i = 0; i < m_signals.size(); ++i) {
+            const PlainSignalPtr signal = m_signals[i];
+            if (signal->m_cachedBlockHandle != handle && signal->m_blockPath != path && wide(signal->m_eid) != eid)
+                continue;
+            const int port = signal->m_outputPortIndex;
             if (port < 1 || port > static_cast<int>(newNumbers.size())) continue;
             const int newNumber = newNumbers[static_cast<std::size_t>(port - 1)];
-            if (newNumber == port || std::find(moved.begin(), moved.end(), signal) != moved.end()) continue;
+            if (newNumber == port || contains(moved, signal)) continue;
             if (newNumber == 0) {
                 deleted.push_back(i);
                 continue;
             }
             moved.push_back(signal);
-            removeFromIndex(*signal);
-            signal->outputPort = signal->cachedPort = newNumber;
-            addToIndex(signal);
+            removeFromObservedPortMap(signal);
+            signal->m_outputPortIndex = signal->m_cachedPortIdx = newNumber;
+            addToObservedPortMap(signal);
         }
-        while (!deleted.empty()) {
-            removeAt(deleted.back());
-            deleted.pop_back();
-            moved.push_back(nullptr);
-        }
-        if (moved.empty()) return;
+        if (deleted.empty() && moved.empty()) return;
+        for (std::size_t i = deleted.size(); i > 0; --i) remove(deleted[i - 1]);
         m_cachedPorts.clear();
-        rebuildIndex();
+        updateObservedPortMap();
     }
 
     // ---- charts ----
 
-    void addChart(const PlainSignal& signal) {
-        if (const auto bit = chartBit(signal)) {
+    void addToObservedCWObjectCache(const PlainSignalPtr& signal) {
+        if (const auto bit = chartBit(*signal)) {
             if (!contains(m_chartBits, *bit)) m_chartBits.push_back(*bit);
-            addActivity(signal.eid, signal.parameter(u"SSID"), signal.parameter(u"Activity"));
+            const std::u16string key = bit->first + bit->second;
+            if (!contains(m_activities, key)) m_activities.push_back(key);
         }
     }
-    void removeChart(const PlainSignal& signal) {
-        if (const auto bit = chartBit(signal)) {
+    void removeFromObservedCWObject(const PlainSignalPtr& signal) {
+        if (const auto bit = chartBit(*signal)) {
             std::erase(m_chartBits, *bit);
-            removeActivity(signal.eid, signal.parameter(u"SSID"), signal.parameter(u"Activity"));
+            std::erase(m_activities, bit->first + bit->second);
         }
     }
-    void addActivity(const std::u16string& eid, const std::u16string& ssid, const std::u16string& activity) {
-        const std::u16string key = chartKey(eid, ssid) + activity;
+    void addToObservedCWActivity(const std::string& eid, const std::string& ssid, const std::string& activity) {
+        const std::u16string key = chartKey(wide(eid), wide(ssid)) + wide(activity);
         if (!contains(m_activities, key)) m_activities.push_back(key);
     }
-    void removeActivity(const std::u16string& eid, const std::u16string& ssid, const std::u16string& activity) {
-        std::erase(m_activities, chartKey(eid, ssid) + activity);
+    void removeObservedCWActivity(const std::string& eid, const std::string& ssid, const std::string& activity) {
+        std::erase(m_activities, chartKey(wide(eid), wide(ssid)) + wide(activity));
     }
-    bool isActivityObserved(const std::u16string& fullEid, double ssid, const std::u16string& activity) const {
+    bool isCWActivityObserved(const std::u16string& fullEid, double ssid, const std::u16string& activity) const {
         return contains(m_activities, chartKey(shortEid(fullEid), plainNumber(ssid)) + activity);
     }
-    bool isAnyActivityObserved(const std::u16string& fullEid, double ssid) const {
+    bool isAnyCWActivityObserved(const std::u16string& fullEid, double ssid) const {
         const std::u16string key = chartKey(shortEid(fullEid), plainNumber(ssid));
         return std::any_of(m_chartBits.begin(), m_chartBits.end(), [&](const auto& bit) { return bit.first == key; });
     }
-    /// The numbers of the chart signals that `other` does not observe.
-    std::vector<std::size_t> chartDifference(const PlainSignalSet& other) const {
-        std::vector<std::size_t> difference;
-        for (const PlainSignalPtr& a : signals) {
+    std::vector<PlainSignalPtr> setDifference_cw(const PlainSignalSet* other) const {
+        std::vector<PlainSignalPtr> difference;
+        for (const PlainSignalPtr& a : m_signals) {
             const auto matches = [&](const PlainSignalPtr& b) {
-                if (!b->isChart() || a->eid != b->eid) return false;
+                if (!b->isChart() || a->m_eid != b->m_eid) return false;
                 const std::u16string ssidA = a->parameter(u"SSID");
                 const std::u16string ssidB = b->parameter(u"SSID");
                 if (ssidA == u"0" && ssidB == u"0") return a->parameter(u"Activity") == b->parameter(u"Activity");
                 return ssidA == ssidB;
             };
-            if (a->isChart() && std::none_of(other.signals.begin(), other.signals.end(), matches))
-                difference.push_back(a->number);
+            const bool isMatched = other && std::any_of(other->m_signals.begin(), other->m_signals.end(), matches);
+            if (a->isChart() && !isMatched) difference.push_back(a);
         }
         return difference;
     }
@@ -263,31 +295,34 @@ private:
     static bool contains(const std::vector<Value>& values, const Value& value) {
         return std::find(values.begin(), values.end(), value) != values.end();
     }
+    static std::u16string wide(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
     static std::u16string without(const std::u16string& prefix, const std::u16string& text) {
-        return prefix.size() < text.size() && text.substr(0, prefix.size()) == prefix ? text.substr(prefix.size())
-                                                                                      : text;
+        return prefix.size() < text.size() && text.starts_with(prefix) ? text.substr(prefix.size()) : text;
     }
     std::vector<PlainSignalPtr>::iterator at(std::size_t index) {
-        return signals.begin() + static_cast<std::ptrdiff_t>(index);
+        return m_signals.begin() + static_cast<std::ptrdiff_t>(index);
     }
-    std::u16string shortEid(const std::u16string& fullEid) const { return without(modelName + u":", fullEid); }
+    std::u16string shortEid(const std::u16string& fullEid) const { return without(m_modelName + u":", fullEid); }
     static std::u16string handleKey(double handle, int port) { return plainNumber(handle) + u"$$" + plainNumber(port); }
+    static std::u16string handleKey(const PlainSignal& signal) {
+        return handleKey(signal.m_cachedBlockHandle, signal.m_cachedPortIdx);
+    }
     std::u16string pathKey(const std::u16string& path, const std::u16string& subPath, int outputPort,
                            int logicalPort) const {
-        const std::u16string model = modelName.empty() ? modelName : modelName + u"/";
+        const std::u16string model = m_modelName.empty() ? m_modelName : m_modelName + u"/";
         return model + path + u"$$" + subPath + u"$$" + plainNumber(logicalPort >= 1 ? logicalPort : outputPort);
     }
     std::u16string pathKey(const PlainSignal& signal) const {
-        return pathKey(signal.path, signal.subPath, signal.outputPort, signal.logicalPort);
+        return pathKey(signal.m_blockPath, signal.m_subPath, signal.m_outputPortIndex, signal.m_logicalPortIndex);
     }
     std::u16string chartKey(const std::u16string& eid, const std::u16string& ssid) const {
-        return modelName + eid + ssid;
+        return m_modelName + eid + ssid;
     }
     std::optional<ChartBit> chartBit(const PlainSignal& signal) const {
         const std::u16string activity = signal.parameter(u"Activity");
         if (activity != u"Self" && activity != u"Child" && activity != u"Leaf" && activity != u"Data")
             return std::nullopt;
-        return ChartBit(chartKey(signal.eid, signal.parameter(u"SSID")), activity);
+        return ChartBit(chartKey(wide(signal.m_eid), signal.parameter(u"SSID")), activity);
     }
     template <class Matches>
     void eraseEntries(const std::u16string& key, Matches matches) {
@@ -295,8 +330,11 @@ private:
             m_cachedPorts.clear();
     }
 
+    std::u16string m_modelName;
+    std::vector<PlainSignalPtr> m_signals;
+    bool m_rebindingPending = false;
     std::vector<Entry> m_entries;
-    std::vector<const void*> m_cachedPorts;
+    std::vector<const ksPort*> m_cachedPorts;
     std::vector<std::u16string> m_activities;
     std::vector<ChartBit> m_chartBits;
 };
