@@ -42,22 +42,6 @@ TEST_F(Limits, textsOfAnyKindAreObservedSavedAndLoaded) {
     }
 }
 
-TEST_F(Limits, positionsOutsideASetRaiseItsCountAtTheHost) {
-    for (int i = 0; i < 2; ++i) set().add(port(u"Gain", 1));
-    const auto record = port(u"Gain", 2)->getHOSObject(u"m1", false);
-    for (const double position : {0.0, 3.0, 4294967295.0}) {
-        const auto at = number(position);
-        for (const char* const method : {"get", "getUUID", "remove"})
-            EXPECT_EQ(raisedBy([&] { call(method, {object(), at.get()}, 0); }), "InvalidElementIndex 2") << method;
-        EXPECT_EQ(raisedBy([&] { call("set", {object(), at.get(), record.get()}, 0); }), "InvalidElementIndex 2");
-    }
-    for (const double position : {2.0, 1.0}) {
-        const auto at = number(position);
-        call("remove", {object(), at.get()}, 0);
-    }
-    EXPECT_EQ(set().getCount(), 0U);
-}
-
 TEST_F(Limits, portsAndHandlesAreToldApartAtTheirEdges) {
     constexpr double kHandles[] = {
         0.0, std::numeric_limits<double>::denorm_min(), std::numeric_limits<double>::max(),

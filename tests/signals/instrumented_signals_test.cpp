@@ -51,42 +51,6 @@ TEST_F(InstrumentedSignalsTest, nullRecordsAreRefused) {
     EXPECT_FALSE(set().isEqual(nullptr));
 }
 
-TEST_F(InstrumentedSignalsTest, removalByValueTakesTheFirstMatchOnly) {
-    for (const char16_t* const path : {u"A", u"Gain", u"B", u"Gain"}) set().add(port(path, 1));
-    set().remove(*set().get(3));
-    EXPECT_EQ(paths(set()), (Paths{u"A", u"B", u"Gain"}));
-    set().remove(*port(u"absent", 1));
-    EXPECT_EQ(set().getCount(), 3U);
-}
-
-TEST_F(InstrumentedSignalsTest, setReplacesAlsoByARecordTakenFromTheSet) {
-    set().add(port(u"A", 1));
-    set().add(port(u"B", 1));
-    set().set(0, set().share(1));
-    EXPECT_EQ(paths(set()), (Paths{u"B", u"B"}));
-    EXPECT_FALSE(set().isPortObserved(0.0, u"A", u"", 1, 0, 0));
-    EXPECT_TRUE(set().isPortObserved(0.0, u"B", u"", 1, 0, 0));
-    set().set(1, set().share(1));
-    EXPECT_TRUE(set().isPortObserved(0.0, u"B", u"", 1, 0, 0));
-}
-
-TEST_F(InstrumentedSignalsTest, equalityIsByOrderAndIgnoresTheModelName) {
-    const auto otherObject = call("Kestrel.HMI.InstrumentedSignals", {text("m2").get()});
-    auto& other = *InstrumentedSignals::getFromHvArray(otherObject.get());
-    EXPECT_TRUE(set().isEqual(&other));
-    const auto a = port(u"A", 1);
-    const auto b = port(u"B", 1);
-    set().add(a->clone());
-    EXPECT_FALSE(set().isEqual(&other));
-    set().add(b->clone());
-    other.add(b->clone());
-    other.add(a->clone());
-    EXPECT_FALSE(set().isEqual(&other));
-    other.remove(std::size_t{0});
-    other.add(b->clone());
-    EXPECT_TRUE(set().isEqual(&other));
-}
-
 TEST_F(InstrumentedSignalsTest, persistenceKeepsOrderAndAppends) {
     set().add(port(u"Gain", 1, "1"));
     set().add(resolvedPort(u"Sub/Switch", 2, 7.5));

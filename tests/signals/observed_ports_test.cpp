@@ -1,5 +1,4 @@
 #include <cmath>
-#include <random>
 
 #include "tests/support/host_test.h"
 
@@ -9,7 +8,6 @@ struct ksPort {
 };
 
 using namespace ks_test;
-using ks_hmi::SignalSpecification;
 
 namespace {
 
@@ -19,13 +17,6 @@ protected:
         return set().isPortObserved(handle, path, u"", outputPort, portIdx, 0);
     }
 };
-
-TEST_F(ObservedPorts, anEmptySetObservesNothing) {
-    EXPECT_FALSE(set().isAnyPortObserved());
-    EXPECT_FALSE(set().isPortObserved(12.0, 1));
-    EXPECT_FALSE(byPath(0.0, u"Gain", 1, 0));
-    EXPECT_FALSE(set().isKSPortObserved(nullptr));
-}
 
 TEST_F(ObservedPorts, pathQueryRecordsTheHandleOnceAndThenAnswersByHandle) {
     set().add(port(u"Gain", 1));
@@ -50,29 +41,12 @@ TEST_F(ObservedPorts, staleHandlesAnswerOnlyWhileRebindingIsPending) {
     EXPECT_EQ(set().get(0)->m_cachedBlockHandle, 1.5);
 }
 
-TEST_F(ObservedPorts, walksOnToTheNextSignalOfTheSamePort) {
-    set().add(resolvedPort(u"Gain", 1, 1.5));
-    set().add(port(u"Gain", 1));
-    EXPECT_TRUE(byPath(2.5, u"Gain", 1, 1));
-    EXPECT_EQ(set().get(0)->m_cachedBlockHandle, 1.5);
-    EXPECT_EQ(set().get(1)->m_cachedBlockHandle, 2.5);
-}
-
 TEST_F(ObservedPorts, handlesCompareExactly) {
     set().add(resolvedPort(u"A", 1, NAN));
     set().add(resolvedPort(u"B", 1, 0.0));
     EXPECT_FALSE(set().isPortObserved(NAN, 1));
     EXPECT_TRUE(set().isPortObserved(0.0, 1));
     EXPECT_FALSE(set().isPortObserved(-0.0, 1)) << "equal, but another key";
-}
-
-TEST_F(ObservedPorts, theLogicalPortIsWhatPathsAreKeyedBy) {
-    auto spec = port(u"Gain", 1);
-    spec->m_logicalPortIndex = 4;
-    set().add(std::move(spec));
-    EXPECT_TRUE(set().isPortObserved(0.0, u"Gain", u"", 1, 0, 4));
-    EXPECT_FALSE(set().isPortObserved(0.0, u"Gain", u"", 1, 0, 0));
-    EXPECT_FALSE(set().isPortObserved(0.0, u"Gain", u"", 2, 0, 4)) << "the entry's output port differs";
 }
 
 TEST_F(ObservedPorts, removalTakesEverySignalOfThePortOutOfTheIndex) {
@@ -115,60 +89,6 @@ TEST_F(ObservedPorts, everyChangeEmptiesTheCacheOfEnginePorts) {
     set().cacheKSPorts({&engine[0]});
     set().remove(set().getCount() - 1);
     EXPECT_TRUE(cached()) << "a chart signal's removal leaves the cache";
-}
-
-TEST_F(ObservedPorts, chartSignalsStayOut) {
-    set().add(chartItem(u"cw_state", u"7", u"Self"));
-    EXPECT_FALSE(set().isAnyPortObserved());
-    set().removeFromObservedPortMap(set().share(0));
-    EXPECT_TRUE(set().isAnyCWActivityObserved(u"4", 7.0));
-}
-
-/// The multimap with linear searches, as plainly as it can be written.
-struct PlainIndex {
-    std::vector<std::pair<std::uint64_t, boost::shared_ptr<SignalSpecification>>> entries;
-
-    const SignalSpecification* find(std::uint64_t key, int port) const {
-        for (const auto& [entryKey, signal] : entries) {
-            if (entryKey == key && signal->m_outputPortIndex == port) return signal.get();
-        }
-        return nullptr;
-    }
-};
-
-TEST_F(ObservedPorts, indexAgreesWithAPlainListOverRandomSequences) {
-    for (unsigned seed = 1; seed <= 200; ++seed) {
-        std::mt19937 random(seed);
-        ks_hmi::SourceKeyIndex<std::uint64_t, ks_hmi::IdentityHash> index;
-        PlainIndex plain;
-        for (int step = 0; step < 150; ++step) {
-            const std::uint64_t key = random() % 7;
-            const int portNumber = static_cast<int>(random() % 3);
-            const auto matches = [&](const SignalSpecification& s) { return s.m_outputPortIndex == portNumber; };
-            const auto action = random() % 10;
-            if (action < 6) {
-                const auto signal = boost::shared_ptr<SignalSpecification>(new SignalSpecification);
-                signal->m_outputPortIndex = portNumber;
-                index.insert(key, signal);
-                plain.entries.emplace_back(key, signal);
-            } else if (action < 8) {
-                const auto erased =
-                    std::erase_if(plain.entries, [&](const auto& e) { return e.first == key && matches(*e.second); });
-                ASSERT_EQ(index.eraseIf(key, matches), erased) << "seed " << seed << " step " << step;
-            } else if (action == 8) {
-                index.makeRoom();
-            } else if (random() % 20 == 0) {
-                index.clear();
-                plain.entries.clear();
-            }
-            for (std::uint64_t k = 0; k < 7; ++k) {
-                const auto* const found = index.find(k, matches);
-                ASSERT_EQ(found ? found->get() : nullptr, plain.find(k, portNumber))
-                    << "seed " << seed << " step " << step;
-            }
-            ASSERT_EQ(index.isEmpty(), plain.entries.empty());
-        }
-    }
 }
 
 }  // namespace

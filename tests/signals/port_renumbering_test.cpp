@@ -1,10 +1,5 @@
 #include "tests/support/host_test.h"
 
-/// The engine's ports are opaque to the library; here they need only addresses.
-struct ksPort {
-    int number = 0;
-};
-
 using namespace ks_test;
 using ks_hmi::InstrumentedSignals;
 
@@ -25,8 +20,8 @@ protected:
         for (std::size_t i = 0; i < set().getCount(); ++i) result.push_back(set().get(i)->m_outputPortIndex);
         return result;
     }
-    bool isFoundByPath(const std::u16string& path, int portIndex, int logicalPortIndex = 0) {
-        return set().isPortObserved(0.0, path, u"", portIndex, 0, logicalPortIndex);
+    bool isFoundByPath(const std::u16string& path, int portIndex) {
+        return set().isPortObserved(0.0, path, u"", portIndex, 0, 0);
     }
     using Ports = std::vector<int>;
 };
@@ -108,65 +103,6 @@ TEST_F(PortRenumbering, aRecordListedTwiceIsRenumberedOnce) {
     EXPECT_TRUE(set().isPortObserved(kSwitchHandle, 2));
     renumber({1, 0});
     EXPECT_EQ(ports(), (Ports{3})) << "both places of the record are removed";
-}
-
-TEST_F(PortRenumbering, aLogicalPortKeepsItsNumberAndItsPathKey) {
-    auto spec = resolvedPort(u"Sub/Switch", 1, kSwitchHandle);
-    spec->m_logicalPortIndex = 7;
-    set().add(std::move(spec));
-    renumber({2});
-    EXPECT_EQ(set().get(0)->m_logicalPortIndex, 7);
-    EXPECT_TRUE(isFoundByPath(u"Sub/Switch", 2, 7));
-    EXPECT_FALSE(isFoundByPath(u"Sub/Switch", 1, 7));
-    EXPECT_FALSE(isFoundByPath(u"Sub/Switch", 2));
-}
-
-TEST_F(PortRenumbering, chartSignalsOfTheBlockAreRenumberedAndRemovedLikeAnyOther) {
-    for (const int number : {1, 2}) {
-        auto spec = chartItem(u"cw_state", std::u16string(1, static_cast<char16_t>(u'6' + number)), u"Self");
-        spec->m_outputPortIndex = number;
-        set().add(std::move(spec));
-    }
-    set().renumberPorts(kSwitchHandle, u"m1/elsewhere", "m1:4", {3, 0});
-    EXPECT_EQ(ports(), (Ports{3}));
-    EXPECT_TRUE(set().isCWActivityObserved(u"m1:4", 7.0, u"Self"));
-    EXPECT_FALSE(set().isCWActivityObserved(u"m1:4", 8.0, u"Self"));
-    EXPECT_FALSE(set().isAnyPortObserved());
-}
-
-TEST_F(PortRenumbering, anyChangeRebuildsTheIndexAndEmptiesTheCacheAndNoChangeDoesNeither) {
-    ksPort engine;
-    addSwitch(1);
-    set().add(port(u"Gain", 1));
-    set().setModelName(u"m2");
-    ASSERT_FALSE(isFoundByPath(u"Gain", 1)) << "orphaned by the new name";
-    set().cacheKSPorts({&engine});
-    const auto renumberNow = [&](std::vector<int> newNumbers) {
-        set().renumberPorts(kSwitchHandle, u"m2/Sub/Switch", "m2:3", std::move(newNumbers));
-    };
-    for (const Ports& nothing : {Ports{}, Ports{1}, Ports{1, 0, 0}}) {
-        renumberNow(nothing);
-        EXPECT_FALSE(isFoundByPath(u"Gain", 1));
-        EXPECT_TRUE(set().isKSPortObserved(&engine));
-    }
-    renumberNow({2});
-    EXPECT_TRUE(isFoundByPath(u"Gain", 1));
-    EXPECT_FALSE(set().isKSPortObserved(&engine));
-    set().setModelName(u"m1");
-    set().cacheKSPorts({&engine});
-    renumber({1, 0});
-    EXPECT_TRUE(isFoundByPath(u"Gain", 1)) << "a deletion alone rebuilds as well";
-    EXPECT_FALSE(set().isKSPortObserved(&engine));
-}
-
-TEST_F(PortRenumbering, onlyChartSignalsChangedEmptiesTheCacheToo) {
-    ksPort engine;
-    auto spec = chartItem(u"cw_state", u"7", u"Self");
-    spec->m_outputPortIndex = 1;
-    set().add(std::move(spec));
-    set().cacheKSPorts({&engine});
-    set().renumberPorts(kSwitchHandle, u"m1/elsewhere", "m1:4", {2});
-    EXPECT_FALSE(set().isKSPortObserved(&engine));
 }
 
 }  // namespace

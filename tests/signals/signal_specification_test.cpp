@@ -292,9 +292,4 @@ TEST_F(SignalSpecificationTest, domainParametersConvertBothWaysAndReplaceWhatWas
     EXPECT_EQ(hvGetNumberOfElements(SignalSpecification().getDomainParamsAsHvArray().get()), 1U);
 }
 
-TEST_F(SignalSpecificationTest, tellsHowManyFieldsAnObjectHasAndHowManyAreSaved) {
-    EXPECT_EQ(SignalSpecification::getNumStructFields(true), 20);
-    EXPECT_EQ(SignalSpecification::getNumStructFields(false), 16);
-}
-
 }  // namespace
