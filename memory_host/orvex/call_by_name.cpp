@@ -27,7 +27,6 @@ public:
     explicit PinnedInputs(std::span<const hvArray* const> ins) {
         m_pins.reserve(ins.size());
         m_inputs.reserve(ins.size());
-        m_payloads.reserve(ins.size());
         for (const hvArray* input : ins) pin(input);
     }
 
@@ -45,12 +44,12 @@ private:
             input = makeEmpty("a missing input").release();
         m_pins.emplace_back(input);
         m_inputs.push_back(input);
-        if (objectsOf(input)) m_payloads.push_back(input->m_payload);
+        if (const Objects* objects = objectsOf(input)) m_objects.push_back(*objects);
     }
 
     std::vector<std::unique_ptr<const hvArray, Unpin>> m_pins;
     std::vector<const hvArray*> m_inputs;
-    std::vector<std::shared_ptr<const Payload>> m_payloads;
+    std::vector<Objects> m_objects;
 };
 
 void requireOutputs(const FunctionEntry& entry, const Call& call) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <numeric>
 #include <utility>
 
@@ -61,16 +60,18 @@ FieldNames::FieldNames(std::vector<std::string> names) : m_names(std::move(names
 }
 
 int FieldNames::find(std::string_view name) const noexcept {
-    if (m_names.size() <= kFew) {
-        const auto found = std::find_if(m_names.begin(), m_names.end(), [name](const std::string& one) {
-            return one.size() == name.size() && std::memcmp(one.data(), name.data(), name.size()) == 0;
-        });
-        return found == m_names.end() ? -1 : static_cast<int>(found - m_names.begin());
-    }
+    if (m_next >= m_names.size()) m_next = 0;
+    if (m_next >= m_names.size() || m_names[m_next] != name) m_next = searched(name);
+    return m_next < m_names.size() ? static_cast<int>(m_next++) : -1;
+}
+
+std::size_t FieldNames::searched(std::string_view name) const noexcept {
+    if (m_names.size() <= kFew)
+        return static_cast<std::size_t>(std::find(m_names.begin(), m_names.end(), name) - m_names.begin());
     const auto found =
         std::lower_bound(m_byName.begin(), m_byName.end(), name,
                          [this](std::size_t position, std::string_view text) { return m_names[position] < text; });
-    return found == m_byName.end() || m_names[*found] != name ? -1 : static_cast<int>(*found);
+    return found == m_byName.end() || m_names[*found] != name ? m_names.size() : *found;
 }
 
 const std::string* FieldNames::repeated() const noexcept {

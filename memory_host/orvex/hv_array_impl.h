@@ -40,44 +40,50 @@ private:
     std::vector<std::size_t> m_more;  ///< all of them, when there are more than two
 };
 
-/// The elements of a numeric or logical array; a single one needs no storage of its own.
+/// The elements of a numeric, logical or character array. A few are stored in place; more are shared by copies until
+/// one of them is written.
 template <typename T>
 class Buffer {
 public:
-    explicit Buffer(std::size_t size = 1) : m_many(size > 1 ? std::make_unique<T[]>(size) : nullptr), m_size(size) {}
-    Buffer(const Buffer& other) : Buffer(other.m_size) { std::copy_n(other.data(), std::max(m_size, kOne), data()); }
-    Buffer(Buffer&&) noexcept = default;
-    Buffer& operator=(const Buffer&) = delete;
-    Buffer& operator=(Buffer&&) noexcept = default;
+    /// Zeros.
+    explicit Buffer(std::size_t size = 1)
+        : m_many(size > kInPlace ? std::make_shared<T[]>(size) : nullptr), m_size(size) {}
 
     std::size_t size() const noexcept { return m_size; }
-    const T* data() const noexcept { return m_many ? m_many.get() : &m_one; }
-    T* data() noexcept { return m_many ? m_many.get() : &m_one; }
+    const T* data() const noexcept { return m_many ? m_many.get() : m_few.data(); }
+    T* dataForWriting() {
+        if (m_many.use_count() > 1) {
+            const std::shared_ptr<T[]> own = std::make_shared<T[]>(m_size);
+            std::copy_n(m_many.get(), m_size, own.get());
+            m_many = own;
+        }
+        return m_many ? m_many.get() : m_few.data();
+    }
 
 private:
-    static constexpr std::size_t kOne = 1;
-    T m_one{};
-    std::unique_ptr<T[]> m_many;
+    static constexpr std::size_t kInPlace = 16 / sizeof(T);
+    std::array<T, kInPlace> m_few{};
+    std::shared_ptr<T[]> m_many;
     std::size_t m_size;
 };
 
-/// The values in a struct or cell array; null where there is none. A copy refers to the same values,
-/// which nobody changes while they are in a container.
+using Text = Buffer<char16_t>;
+
+/// The values in a struct or cell array; null where there is none. Shared by copies until one of them is written; the
+/// values themselves stay shared, nobody changes them while they are in a container.
 class OX_API Children {
 public:
     Children() = default;
-    explicit Children(std::size_t count) : m_values(count) {}
-    Children(const Children& other);
-    Children(Children&&) noexcept = default;
-    Children& operator=(const Children&) = delete;
-    Children& operator=(Children&&) noexcept = default;
+    explicit Children(std::size_t count)
+        : m_values(count > 0 ? std::make_shared_for_overwrite<HvArrayPtr[]>(count) : nullptr), m_count(count) {}
 
-    std::size_t size() const noexcept { return m_values.size(); }
+    std::size_t size() const noexcept { return m_count; }
     const HvArrayPtr& operator[](std::size_t position) const noexcept { return m_values[position]; }
-    HvArrayPtr& operator[](std::size_t position) noexcept { return m_values[position]; }
+    HvArrayPtr& forWriting(std::size_t position);
 
 private:
-    std::vector<HvArrayPtr> m_values;
+    std::shared_ptr<HvArrayPtr[]> m_values;
+    std::size_t m_count = 0;
 };
 
 /// A struct's field names in order.
@@ -89,14 +95,18 @@ public:
     auto end() const noexcept { return m_names.end(); }
     std::size_t size() const noexcept { return m_names.size(); }
     const std::string& operator[](std::size_t position) const noexcept { return m_names[position]; }
-    /// Position of the name, or -1.
+    /// Position of the name, or -1. Fastest when the names are asked for in their order.
     int find(std::string_view name) const noexcept;
     /// A name that is there more than once; null when there is none.
     const std::string* repeated() const noexcept;
 
 private:
+    /// Position of the name, or the number of names.
+    std::size_t searched(std::string_view name) const noexcept;
+
     std::vector<std::string> m_names;
     std::vector<std::size_t> m_byName;  ///< positions, sorted by name
+    mutable std::size_t m_next = 0;     ///< the position after the one found last
 };
 
 struct StructData {
@@ -112,14 +122,14 @@ struct CellData {
 using Objects = std::vector<hos::ObjectInterface>;
 
 using Payload =
-    std::variant<Buffer<double>, Buffer<bool>, std::u16string, Buffer<float>, Buffer<std::int8_t>, Buffer<std::uint8_t>,
+    std::variant<Buffer<double>, Buffer<bool>, Text, Buffer<float>, Buffer<std::int8_t>, Buffer<std::uint8_t>,
                  Buffer<std::int16_t>, Buffer<std::uint16_t>, Buffer<std::int32_t>, Buffer<std::uint32_t>,
                  Buffer<std::int64_t>, Buffer<std::uint64_t>, StructData, CellData, Objects>;
 
 }  // namespace orvex
 
 struct hvArray {
-    hvArray(hvClassID classId, orvex::Dimensions dimensions, std::shared_ptr<orvex::Payload> data,
+    hvArray(hvClassID classId, orvex::Dimensions dimensions, orvex::Payload&& payload,
             const orvex::Site& site) noexcept;
 
     hvClassID m_class;
@@ -130,8 +140,7 @@ struct hvArray {
     /// Owners: copies of a container share what is in it, and a running call keeps its inputs.
     mutable std::uint32_t m_owners = 1;
     orvex::Dimensions m_dimensions;
-    /// Shared by copies until one of them is written.
-    std::shared_ptr<orvex::Payload> m_payload;
+    orvex::Payload m_payload;
     /// Neighbours in the local scope; a value outside it has none.
     hvArray* m_scopePrevious = nullptr;
     hvArray* m_scopeNext = nullptr;
@@ -141,7 +150,7 @@ struct hvArray {
 namespace orvex {
 
 /// A new value. `payload` has as many elements as `dimensions` say. No counting point for faults.
-OX_API HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload payload, const Site& site);
+OX_API HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload&& payload, const Site& site);
 /// An object array; counts as creating a value.
 OX_API HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const Site& site = "omCreateHOSArray");
 /// An empty double array, 0x0.
@@ -150,14 +159,11 @@ OX_API HvArrayPtr makeEmpty(const Site& site = "[]");
 /// The payload as T, or null for null and for a value of another class.
 template <typename T>
 const T* payloadOf(const hvArray* value) noexcept {
-    return value ? std::get_if<T>(value->m_payload.get()) : nullptr;
+    return value ? std::get_if<T>(&value->m_payload) : nullptr;
 }
-/// The payload for writing, copied first when it is shared; null as `payloadOf`.
 template <typename T>
-T* writablePayloadOf(hvArray* value) {
-    if (!payloadOf<T>(value)) return nullptr;
-    if (value->m_payload.use_count() > 1) value->m_payload = std::make_shared<Payload>(*value->m_payload);
-    return std::get_if<T>(value->m_payload.get());
+T* payloadOf(hvArray* value) noexcept {
+    return value ? std::get_if<T>(&value->m_payload) : nullptr;
 }
 /// The objects of an object array, borrowed; null for any other value.
 inline const Objects* objectsOf(const hvArray* value) noexcept { return payloadOf<Objects>(value); }

@@ -1,8 +1,8 @@
 #include "memory_host/orvex/utf.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace orvex {
 namespace {
@@ -84,6 +84,15 @@ void append(std::string& text, char32_t codePoint) {
     }
 }
 
+/// Whether all units are below a power of two. Looks at all of them: such loops run over many units at a time.
+template <typename Text>
+bool isBelow(Text text, unsigned limit) noexcept {
+    using Unit = std::make_unsigned_t<typename Text::value_type>;
+    Unit all = 0;
+    for (const auto unit : text) all = static_cast<Unit>(all | static_cast<Unit>(unit));
+    return all < limit;
+}
+
 template <typename Target, typename Source, typename Decode>
 Target transcoded(Source text, Decode decode) {
     Target result;
@@ -98,12 +107,16 @@ Target transcoded(Source text, Decode decode) {
 
 }  // namespace
 
+bool isAscii(std::string_view text) noexcept { return isBelow(text, 0x80); }
+
 std::u16string utf16Of(std::string_view text) {
-    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
-        return {text.begin(), text.end()};
+    if (isAscii(text)) return {text.begin(), text.end()};
     return transcoded<std::u16string>(text, decodeUtf8);
 }
 
-std::string utf8Of(std::u16string_view text) { return transcoded<std::string>(text, decodeUtf16); }
+std::string utf8Of(std::u16string_view text) {
+    if (isBelow(text, 0x80)) return {text.begin(), text.end()};
+    return transcoded<std::string>(text, decodeUtf16);
+}
 
 }  // namespace orvex

@@ -11,9 +11,9 @@
 namespace orvex {
 namespace {
 
-const std::u16string& textOf(const hvArray* value) {
+std::u16string_view textOf(const hvArray* value) {
     faults::point(faults::Operation::readText);
-    if (const auto* text = payloadOf<std::u16string>(value)) return *text;
+    if (const auto* text = payloadOf<Text>(value)) return {text->data(), text->size()};
     raise("WrongClass", "A character array is needed here, not " + describeValue(value) + ".");
 }
 
@@ -49,7 +49,6 @@ struct FirstElement {
     Number operator()(const Buffer<T>& buffer) const {
         return converted<Number>(*buffer.data());
     }
-    Number operator()(const std::u16string& text) const { return converted<Number>(text[0]); }
     template <typename Other>
     Number operator()(const Other&) const {
         raise("WrongClass", "A number is needed here, not " + describeValue(value) + ".");
@@ -60,7 +59,7 @@ template <typename Number>
 Number firstElement(const hvArray* value) {
     faults::point(faults::Operation::readScalar);
     if (hvIsEmpty(value)) raise("EmptyValue", "A number is needed here, not " + describeValue(value) + ".");
-    return std::visit(FirstElement<Number>{value}, *value->m_payload);
+    return std::visit(FirstElement<Number>{value}, value->m_payload);
 }
 
 }  // namespace
@@ -68,7 +67,7 @@ Number firstElement(const hvArray* value) {
 
 std::string hvArrayToStdString(const hvArray* value) { return orvex::utf8Of(orvex::textOf(value)); }
 
-std::u16string matrix::get_ustring(const hvArray* value) { return orvex::textOf(value); }
+std::u16string matrix::get_ustring(const hvArray* value) { return std::u16string(orvex::textOf(value)); }
 
 double hvGetScalar(const hvArray* value) { return orvex::firstElement<double>(value); }
 

@@ -13,36 +13,45 @@ void giveUp(const hvArray* value) noexcept {
     if (value && --value->m_owners == 0) delete value;
 }
 
-Children::Children(const Children& other) : m_values(other.size()) {
-    for (std::size_t i = 0; i < m_values.size(); ++i) {
-        share(other[i].get());
-        m_values[i].reset(other[i].get());
+HvArrayPtr& Children::forWriting(std::size_t position) {
+    if (m_values.use_count() > 1) {
+        const std::shared_ptr<HvArrayPtr[]> own = std::make_shared_for_overwrite<HvArrayPtr[]>(m_count);
+        for (std::size_t i = 0; i < m_count; ++i) {
+            share(m_values[i].get());
+            own[i].reset(m_values[i].get());
+        }
+        m_values = own;
     }
+    return m_values[position];
 }
 
 namespace {
 
-HvArrayPtr copyOfHeader(const hvArray& value, std::shared_ptr<Payload> payload, const Site& site) {
-    HvArrayPtr copy(new hvArray(value.m_class, value.m_dimensions, std::move(payload), site));
+HvArrayPtr copyOf(const hvArray& value, Payload payload, const Site& site) {
+    HvArrayPtr copy = makeValue(value.m_class, value.m_dimensions, std::move(payload), site);
     copy->m_fromFile = value.m_fromFile;
     return copy;
 }
 
 HvArrayPtr deepCopy(const hvArray& value, const Site& site);
 
-void replaceByDeepCopies(Children& children, const Site& site) {
-    for (std::size_t i = 0; i < children.size(); ++i) {
-        if (!children[i]) continue;
-        children[i] = deepCopy(*children[i], site);
-        children[i]->m_isContained = true;
+Children deepCopies(const Children& originals, const Site& site) {
+    Children copies(originals.size());
+    for (std::size_t i = 0; i < originals.size(); ++i) {
+        if (!originals[i]) continue;
+        HvArrayPtr& copy = copies.forWriting(i);
+        copy = deepCopy(*originals[i], site);
+        copy->m_isContained = true;
     }
+    return copies;
 }
 
 HvArrayPtr deepCopy(const hvArray& value, const Site& site) {
-    auto payload = std::make_shared<Payload>(*value.m_payload);
-    if (auto* fields = std::get_if<StructData>(payload.get())) replaceByDeepCopies(fields->values, site);
-    if (auto* cells = std::get_if<CellData>(payload.get())) replaceByDeepCopies(cells->cells, site);
-    return copyOfHeader(value, std::move(payload), site);
+    if (const auto* fields = payloadOf<StructData>(&value))
+        return copyOf(value, StructData{fields->names, deepCopies(fields->values, site)}, site);
+    if (const auto* cells = payloadOf<CellData>(&value))
+        return copyOf(value, CellData{deepCopies(cells->cells, site)}, site);
+    return copyOf(value, value.m_payload, site);
 }
 
 const hvArray& copyable(const hvArray* value) {
@@ -60,7 +69,7 @@ hvArray* hvCreateDeepCopy(const hvArray* value) {
 
 hvArray* hvCreateSharedDataCopy(const hvArray* value) {
     const hvArray& original = orvex::copyable(value);
-    return orvex::copyOfHeader(original, original.m_payload, "hvCreateSharedDataCopy").release();
+    return orvex::copyOf(original, original.m_payload, "hvCreateSharedDataCopy").release();
 }
 
 void THvArrayDeleter::destroy(hvArray* value) noexcept {

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <array>
+#include <string_view>
 #include <utility>
 
 #include "memory_host/orvex/element_type.h"
@@ -8,20 +10,19 @@
 #include "memory_host/orvex/hv_array_impl.h"
 #include "memory_host/orvex/utf.h"
 
-hvArray::hvArray(hvClassID classId, orvex::Dimensions dimensions, std::shared_ptr<orvex::Payload> data,
+hvArray::hvArray(hvClassID classId, orvex::Dimensions dimensions, orvex::Payload&& payload,
                  const orvex::Site& site) noexcept
     : m_class(classId),
       m_dimensions(std::move(dimensions)),
-      m_payload(std::move(data)),
+      m_payload(std::move(payload)),
       m_ledger(
           orvex::LedgerKind::value, this,
           [](const void* thing) { return orvex::describeValue(static_cast<const hvArray*>(thing)); }, site) {}
 
 namespace orvex {
 
-HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload payload, const Site& site) {
-    auto data = std::make_shared<Payload>(std::move(payload));
-    return HvArrayPtr(new hvArray(classId, std::move(dimensions), std::move(data), site));
+HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload&& payload, const Site& site) {
+    return HvArrayPtr(new hvArray(classId, std::move(dimensions), std::move(payload), site));
 }
 
 HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const Site& site) {
@@ -38,7 +39,7 @@ namespace {
 
 /// `number` zeros of the class.
 Payload zerosOf(hvClassID classId, std::size_t number) {
-    if (classId == hvCHAR_CLASS) return std::u16string(number, u'\0');
+    if (classId == hvCHAR_CLASS) return Text(number);
     Payload zeros;
     const bool isNumeric = withElementType(
         classId, [&]<class Stored>(std::type_identity<Stored>) { zeros.emplace<Buffer<Stored>>(number); });
@@ -53,16 +54,23 @@ hvArray* createNumeric(Dimensions dimensions, hvClassID classId, hvComplexity co
     return makeValue(classId, std::move(dimensions), zerosOf(classId, elements), site).release();
 }
 
-hvArray* createText(std::u16string text, const Site& site) {
-    const Dimensions row(1, text.size());
-    return makeValue(hvCHAR_CLASS, row, std::move(text), site).release();
+/// Works for UTF-8 as well when it is ASCII.
+template <typename Unit>
+hvArray* createText(std::basic_string_view<Unit> text, const Site& site) {
+    Text units(text.size());
+    std::copy(text.begin(), text.end(), units.dataForWriting());
+    return makeValue(hvCHAR_CLASS, Dimensions(1, text.size()), std::move(units), site).release();
+}
+
+hvArray* createTextOfUtf8(std::string_view text, const Site& site) {
+    return isAscii(text) ? createText(text, site) : createText(std::u16string_view(utf16Of(text)), site);
 }
 
 template <typename T>
 hvArray* createScalar(hvClassID classId, T value, const Site& site) {
     faults::point(faults::Operation::createValue);
     Buffer<T> one;
-    *one.data() = value;
+    *one.dataForWriting() = value;
     return makeValue(classId, Dimensions(1, 1), std::move(one), site).release();
 }
 
@@ -101,7 +109,7 @@ hvArray* hvCreateStructArray(std::size_t ndim, const std::size_t* dims, int nfie
 hvArray* hvCreateString(const char* text) {
     orvex::faults::point(Operation::createValue);
     orvex::requirePresent(text, 1, "text");
-    return orvex::createText(orvex::utf16Of(text), "hvCreateString");
+    return orvex::createTextOfUtf8(text, "hvCreateString");
 }
 
 hvArray* hvCreateDoubleScalar(double value) {
@@ -139,13 +147,13 @@ hvArray* create_struct(std::span<const std::size_t> dims, std::span<const char* 
 hvArray* create(const char* text, std::size_t length) {
     orvex::faults::point(Operation::createValue);
     orvex::requirePresent(text, length, "text");
-    return orvex::createText(orvex::utf16Of({text, length}), "matrix::create");
+    return orvex::createTextOfUtf8({text, length}, "matrix::create");
 }
 
 hvArray* create(const char16_t* text, std::size_t length) {
     orvex::faults::point(Operation::createValue);
     orvex::requirePresent(text, length, "text");
-    return orvex::createText(text ? std::u16string(text, length) : std::u16string(), "matrix::create");
+    return orvex::createText(std::u16string_view(text, length), "matrix::create");
 }
 
 hvArray* create_numeric(std::span<const std::size_t> dims, hvClassID classID, hvComplexity complexity) {

@@ -20,7 +20,6 @@ template <typename T>
 const void* dataIn(const Buffer<T>& buffer) noexcept {
     return buffer.data();
 }
-const void* dataIn(const std::u16string& text) noexcept { return text.data(); }
 const void* dataIn(const StructData&) noexcept { return nullptr; }
 const void* dataIn(const CellData&) noexcept { return nullptr; }
 const void* dataIn(const Objects&) noexcept { return nullptr; }
@@ -97,12 +96,9 @@ const bool* hvGetLogicals(const hvArray* value) noexcept { return orvex::bufferI
 
 const double* hvGetDoubles(const hvArray* value) noexcept { return orvex::bufferIn<double>(value); }
 
-const char16_t* hvGetChars(const hvArray* value) noexcept {
-    const auto* text = orvex::payloadOf<std::u16string>(value);
-    return text ? text->data() : nullptr;
-}
+const char16_t* hvGetChars(const hvArray* value) noexcept { return orvex::bufferIn<char16_t>(value); }
 
 const void* hvGetData(const hvArray* value) noexcept {
     if (!value) return nullptr;
-    return std::visit([](const auto& payload) { return orvex::dataIn(payload); }, *value->m_payload);
+    return std::visit([](const auto& payload) { return orvex::dataIn(payload); }, value->m_payload);
 }

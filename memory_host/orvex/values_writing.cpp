@@ -30,15 +30,14 @@ void requireIndex(std::size_t index, std::size_t count, const char* what) {
 }
 
 HvArrayPtr& fieldSlot(hvArray* structArray, std::size_t index, const char* name) {
-    const auto* data = payloadOf<StructData>(structArray);
+    auto* data = payloadOf<StructData>(structArray);
     if (!data) raise("WrongClass", "Fields are set in a struct, not in " + describeValue(structArray) + ".");
     requireIndex(index, hvGetNumberOfElements(structArray), "element");
     const int field = name ? data->fieldNumber(name) : -1;
     if (field < 0)
         raise("UnknownField", "There is no field \"" + std::string(name ? name : "") +
                                   "\" in a struct with these fields: " + joinedFieldNames(*data->names) + ".");
-    const std::size_t position = index * data->names->size() + static_cast<std::size_t>(field);
-    return writablePayloadOf<StructData>(structArray)->values[position];
+    return data->values.forWriting(index * data->names->size() + static_cast<std::size_t>(field));
 }
 
 /// Stores the value and gives back what was there, to be released when everything is in order again.
@@ -51,10 +50,9 @@ HvArrayPtr storedInField(hvArray* structArray, std::size_t index, const char* na
 }
 
 template <typename T>
-void* writableData(Buffer<T>& buffer) noexcept {
-    return buffer.data();
+void* writableData(Buffer<T>& buffer) {
+    return buffer.dataForWriting();
 }
-void* writableData(std::u16string& text) noexcept { return text.data(); }
 template <typename Other>
 void* writableData(Other&) noexcept {
     return nullptr;
@@ -64,9 +62,8 @@ void* writableData(Other&) noexcept {
 }  // namespace orvex
 
 void* hvGetDataForWriting(hvArray* value) {
-    if (!hvGetData(value)) return nullptr;
-    if (value->m_payload.use_count() > 1) value->m_payload = std::make_shared<orvex::Payload>(*value->m_payload);
-    return std::visit([](auto& payload) { return orvex::writableData(payload); }, *value->m_payload);
+    if (!value) return nullptr;
+    return std::visit([](auto& payload) { return orvex::writableData(payload); }, value->m_payload);
 }
 
 void hvReplaceField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
@@ -81,12 +78,12 @@ void hvSetField(hvArray* structArray, std::size_t index, const char* name, hvArr
 void hvSetCell(hvArray* cellArray, std::size_t index, hvArray* value) {
     HvArrayPtr incoming = orvex::takenOver(cellArray, value);
     orvex::faults::point(orvex::faults::Operation::writeCell);
-    auto* data = orvex::writablePayloadOf<orvex::CellData>(cellArray);
+    auto* data = orvex::payloadOf<orvex::CellData>(cellArray);
     if (!data)
         orvex::raise("WrongClass", "Cells are set in a cell array, not in " + orvex::describeValue(cellArray) + ".");
     orvex::requireIndex(index, data->cells.size(), "cell");
     if (incoming) incoming->m_isContained = true;
-    const HvArrayPtr earlier = std::exchange(data->cells[index], std::move(incoming));
+    const HvArrayPtr earlier = std::exchange(data->cells.forWriting(index), std::move(incoming));
 }
 
 void hvSetArrayScope(hvArray* value, hvVariableScope scope) noexcept {
