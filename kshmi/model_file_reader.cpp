@@ -230,17 +230,17 @@ template <typename Event>
 void ModelFileReader::build(Event event) {
     try {
         event();
+        if (m_value.isComplete()) deliverValue();
     } catch (const Error& error) {
         m_file.fail(pointer() + m_value.pointer(), error.what());
     } catch (const kssvIException& refusal) {
         m_file.fail(pointer() + m_value.pointer(), refusal.what());
     }
-    if (m_value.isComplete()) deliverValue();
 }
 
 void ModelFileReader::deliverValue() {
     const Frame& frame = m_frames.back();
-    records(frame.place).setField(frame.position, m_value.take(), pointer());
+    records(frame.place).setField(frame.position, m_value.take());
     advance();
 }
 

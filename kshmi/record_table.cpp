@@ -117,6 +117,23 @@ const FieldKind& kindOf(std::string_view field) {
     return found == kKinds.end() ? kAny : *found->second;
 }
 
+/// A saved field, with what is looked up for each value of it.
+struct Field {
+    std::string_view name;
+    const FieldKind* kind;
+};
+
+const std::vector<Field>& fieldTable(RecordKind kind) {
+    const auto tableOf = [](RecordKind one) {
+        std::vector<Field> table;
+        for (const std::string_view name : fieldsOf(one)) table.push_back({name, &kindOf(name)});
+        return table;
+    };
+    static const std::vector<Field> s_signal = tableOf(RecordKind::signal);
+    static const std::vector<Field> s_client = tableOf(RecordKind::client);
+    return kind == RecordKind::signal ? s_signal : s_client;
+}
+
 }  // namespace
 
 std::span<const char* const> fieldsOf(RecordKind kind) {
@@ -127,8 +144,9 @@ std::span<const char* const> fieldsOf(RecordKind kind) {
 }
 
 std::size_t fieldNumber(RecordKind kind, std::string_view name) {
-    const auto fields = fieldsOf(kind);
-    return static_cast<std::size_t>(std::find(fields.begin(), fields.end(), name) - fields.begin());
+    const std::vector<Field>& fields = fieldTable(kind);
+    const auto found = std::find_if(fields.begin(), fields.end(), [&](const Field& one) { return one.name == name; });
+    return static_cast<std::size_t>(found - fields.begin());
 }
 
 std::string atRecord(const std::string& path, RecordKind kind, const std::vector<RecordLines>& lines,
@@ -148,10 +166,10 @@ void RecordTable::begin() {
     m_lines.push_back({m_file.line(), {}});
 }
 
-void RecordTable::setField(std::size_t field, HvArrayPtr value, const std::string& pointer) {
-    const FieldKind& kind = kindOf(fieldsOf(m_kind)[field]);
+void RecordTable::setField(std::size_t field, HvArrayPtr value) {
+    const FieldKind& kind = *fieldTable(m_kind)[field].kind;
     if (value && !kind.holds(value.get()))
-        m_file.fail(pointer, describe(value.get()) + " stands where " + kind.description + " belongs; correct it");
+        throw Error(describe(value.get()) + " stands where " + kind.description + " belongs; correct it");
     m_rows.back().at(field) = std::move(value);
 }
 

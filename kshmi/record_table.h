@@ -35,7 +35,7 @@ struct RecordLines {
 std::string atRecord(const std::string& path, RecordKind kind, const std::vector<RecordLines>& lines,
                      std::size_t position, const std::string& field, const std::string& text);
 
-/// Gathers the records of one kind. Throws `Error` at the file's current line for values of the wrong kind.
+/// Gathers the records of one kind.
 class RecordTable {
 public:
     RecordTable(const JsonFile& file, RecordKind kind) : m_file(file), m_kind(kind) {}
@@ -43,7 +43,8 @@ public:
     void begin();
     bool hasField(std::size_t field) const noexcept { return m_lines.back().fields.at(field) != 0; }
     void noteField(std::size_t field) { m_lines.back().fields.at(field) = m_file.line(); }
-    void setField(std::size_t field, HvArrayPtr value, const std::string& pointer);
+    /// Throws `Error`, with text only, for a value of the wrong kind.
+    void setField(std::size_t field, HvArrayPtr value);
 
     RecordKind kind() const noexcept { return m_kind; }
     /// N x 1 struct array of all fields, marked as read from a file; absent fields are unset. The table is
