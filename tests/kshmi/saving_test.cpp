@@ -1,11 +1,15 @@
 #include <fcntl.h>
+#include <sched.h>
 #include <stdlib.h>
 #include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <functional>
 #include <iostream>
 
 #include "kshmi/error.h"
@@ -86,8 +90,46 @@ protected:
         return finished;
     }
     const std::string& unmarked() const { return m_unmarked; }
+    std::string folder() const { return path("."); }
+
+    /// In a process of its own, where `prepare` has done what it says: a save fails for that reason and leaves no
+    /// trace. False where the machine does not permit what `prepare` does.
+    bool failsIn(const std::function<bool()>& prepare, const char* reason) {
+        constexpr int kNotPermitted = 75;
+        std::fflush(nullptr);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            if (!prepare()) ::_exit(kNotPermitted);
+            expectFailure(reason);
+            std::fflush(nullptr);
+            ::_exit(HasFailure() ? 1 : 0);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        const bool isPermitted = !WIFEXITED(status) || WEXITSTATUS(status) != kNotPermitted;
+        EXPECT_TRUE(!isPermitted || status == 0) << "see above";
+        return isPermitted;
+    }
+    /// A disk of its own for this process at the folder of the test, with a model that takes more than half of it.
+    bool mountSmallDisk() const {
+        const bool isDone = ::unshare(CLONE_NEWNS) == 0 &&
+                            ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+                            ::mount("disk", folder().c_str(), "tmpfs", 0, "size=256k") == 0;
+        if (isDone) write(testing::replaced(kModel, "scope", std::string(180'000, 's')));
+        return isDone;
+    }
 
 private:
+    void expectFailure(const char* reason) const {
+        const std::string old = read();
+        const testing::Finished finished = run({"unmark", path(), "Logic/On/Fast"});
+        EXPECT_EQ(finished.code, 2);
+        EXPECT_TRUE(contains(finished.err, path() + ": not saved, the file is as it was: ")) << finished.err;
+        EXPECT_TRUE(contains(finished.err, reason)) << finished.err;
+        EXPECT_TRUE(read() == old);
+        EXPECT_EQ(fileCount(), 1U);
+    }
+
     std::string m_unmarked;
 };
 
@@ -134,6 +176,29 @@ TEST_F(Saving, aDiskThatIsFullIsToldAndInterruptedWritesGoOn) {
     EXPECT_TRUE(read() == kModel);
     EXPECT_EQ(unmarkWith({at, Turn::fails, EINTR, 0, nullptr}).code, 0);
     EXPECT_TRUE(read() == unmarked());
+}
+
+TEST_F(Saving, aDiskThatFillsUpOrIsReadOnlyLeavesTheOldFile) {
+    const auto fill = [this] { return mountSmallDisk(); };
+    const auto protect = [this] {
+        return mountSmallDisk() && ::mount("disk", folder().c_str(), "tmpfs", MS_REMOUNT | MS_RDONLY, nullptr) == 0;
+    };
+    if (!failsIn(fill, "writing failed: No space left on device") ||
+        !failsIn(protect, "it must not be written: Read-only file system"))
+        GTEST_SKIP() << "this user may not mount a disk of its own here";
+}
+
+TEST_F(Saving, aFolderThatMustNotBeWrittenLeavesTheOldFile) {
+    ::chmod(path().c_str(), 0666);
+    ::chmod(folder().c_str(), 0555);
+    const auto becomeOrdinary = [this] {
+        constexpr uid_t kNobody = 65534;
+        if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) return false;
+        return ::access(path().c_str(), R_OK) == 0 && ::access(folder().c_str(), W_OK) != 0;
+    };
+    const bool isPermitted = failsIn(becomeOrdinary, "no file can be made beside it: Permission denied");
+    ::chmod(folder().c_str(), 0700);
+    if (!isPermitted) GTEST_SKIP() << "no user to be found here from whom the folder is protected";
 }
 
 TEST_F(Saving, aSecondWriterIsRefusedWhileTheFirstSaves) {
