@@ -111,7 +111,12 @@ void describe(CLI::App& app, Arguments& arguments, Run& run) {
 }
 
 void requireCommand(const CLI::App& app, const std::string& word) {
-    if (word.starts_with('-')) return;
+    if (word.starts_with('-')) {
+        if (app.get_option_no_throw(word) != nullptr) return;
+        throw Error(
+            "there is no option " + kshmi::quoted(word) +
+            " in front of a command; \"kshmi --help\" lists the commands, \"kshmi COMMAND --help\" their options");
+    }
     std::string list;
     for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
         if (command->get_name() == word) return;

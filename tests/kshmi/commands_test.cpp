@@ -43,13 +43,15 @@ TEST_F(Commands, referencesNameWhatTheySay) {
         {"Logic/Both", "give --ssid"},
         {"", "no such block"},
         {"*", "no such block"},
-        {"\x1b[2J", "\"\\x1b[2J\": the"},
+        {"\x1b[2J\n\t\xc2\x9b", "\"\\x1b[2J\\n\\t\\x9b\": the"},
     };
     for (const auto& [reference, message] : refusals) {
         const testing::Finished finished = run({"query", path(), "--", reference});
         EXPECT_EQ(finished.code, 2) << reference;
         EXPECT_TRUE(contains(finished.err, message)) << finished.err;
     }
+    write(replaced(kModel, "[\"p\", \"q\"]", "[\"p\", \"p\"]"));
+    EXPECT_TRUE(contains(run({"query", path(), "A/B:p"}).err, "two ports of \"A/B\" are named \"p\"; use the number"));
 }
 
 TEST_F(Commands, queryTellsByItsExitCode) {
@@ -147,6 +149,8 @@ TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
         {{"unmark", path(), "--dangling", "--activity", "Self"}, "name one as REF"},
         {{"mark", path(), "--all", "m/*", "--activity", "Child"}, "--all marks ports"},
         {{"query", path(), "Logic/On/Fast", "--ssid", "5"}, "is 4, not 5"},
+        {{"query", path(), "Logic", "--ssid", "9"}, "the chart \"Logic\" has no item with the SSID 9"},
+        {{"query", path(), "A", "--ssid", "4"}, "the block \"A\" is no chart"},
     };
     for (const auto& [words, message] : refusals) {
         const testing::Finished finished = run(words);
@@ -236,6 +240,8 @@ TEST_F(Commands, tourTellsTheMainJobOnACopy) {
 TEST_F(Commands, usageErrorsAreErrors) {
     EXPECT_EQ(run({}).code, 2);
     EXPECT_TRUE(contains(run({"paint"}).err, "kshmi: there is no command \"paint\"; use one of tour, show"));
+    EXPECT_TRUE(contains(run({"--nonsense"}).err, "no option \"--nonsense\" in front of a command; \"kshmi --help\""));
+    EXPECT_EQ(run({"--json", "show", path()}).code, 2);
     EXPECT_TRUE(contains(run({"query", path(), "A", "--ssid", "-1"}).err,
                          "kshmi: --ssid: \"-1\": give a whole number from 0 to"));
     EXPECT_EQ(run({"mark", path()}).code, 2);
