@@ -43,11 +43,6 @@ void remove(const hvArray* set, std::size_t position) {
     call("remove", 0, {set, where.get()});
 }
 
-HvArrayPtr get(const hvArray* set, std::size_t position) {
-    const HvArrayPtr where = numberValue(static_cast<double>(position));
-    return call("get", 1, {set, where.get()});
-}
-
 std::string uuidOf(const hvArray* set, std::size_t position) {
     const HvArrayPtr where = numberValue(static_cast<double>(position));
     return hvArrayToStdString(call("getUUID", 1, {set, where.get()}).get());

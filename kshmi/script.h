@@ -20,8 +20,6 @@ HvArrayPtr modelObject(const std::u16string& modelName);
 
 void add(const hvArray* set, const hvArray* record);
 void remove(const hvArray* set, std::size_t position);
-/// The signal's or client's object.
-HvArrayPtr get(const hvArray* set, std::size_t position);
 std::string uuidOf(const hvArray* set, std::size_t position);
 /// Has the next signal that is made for the port take that UUID.
 void rememberUuid(double blockHandle, int port, const std::string& uuid);

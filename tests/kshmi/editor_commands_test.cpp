@@ -50,6 +50,7 @@ TEST_F(EditorCommands, whatCannotBeDoneIsRefusedAndChangesNothing) {
          "--params:1: /a: the class \"b\""},
         {"unobserve", {}, "nothing to work on"},
         {"unobserve", {"A:2"}, "\"A:2\": has no client"},
+        {"unobserve", {"Logic/On/Fast"}, "\"Logic/On/Fast\": has no client"},
         {"unobserve", {"--uuid", "c-3"}, "no client has the UUID \"c-3\""},
         {"unobserve", {"--type", "t"}, "no client has the type \"t\""},
         {"unobserve", {"A", "--unused"}, "give it alone"},
@@ -170,16 +171,18 @@ TEST_F(EditorCommands, unobserveRemovesWhatIsSelected) {
 }
 
 TEST_F(EditorCommands, validationLeavesClientsOfModelsThatAreNotOpen) {
-    const std::string elsewhere = replaced(replaced(kModel, "\"SignalUUID_\": \"u-1\"", "\"SignalUUID_\": \"u-8\""),
-                                           "\"SourceModel_\": \"m\"", "\"SourceModel_\": \"other\"");
-    write(elsewhere);
-    EXPECT_TRUE(contains(runOn("clients", {}).out, "in a model that is not open"));
-    runOn("unobserve", {"--dangling"});
-    EXPECT_TRUE(contains(read(), "\"c-1\""));
-    write(elsewhere);
-    runOn("unobserve", {"--unused"});
-    EXPECT_TRUE(contains(read(), "\"c-1\""));
-    EXPECT_FALSE(contains(read(), "\"c-2\""));
+    const std::string unknown = replaced(kModel, "\"SignalUUID_\": \"u-1\"", "\"SignalUUID_\": \"u-8\"");
+    for (const std::string& elsewhere : {replaced(unknown, "\"SourceModel_\": \"m\"", "\"SourceModel_\": \"other\""),
+                                         replaced(unknown, "[\"A\"]", "[\"A\", \"other/A\"]")}) {
+        write(elsewhere);
+        EXPECT_TRUE(contains(runOn("clients", {}).out, "in a model that is not open"));
+        runOn("unobserve", {"--dangling"});
+        EXPECT_TRUE(contains(read(), "\"c-1\""));
+        write(elsewhere);
+        runOn("unobserve", {"--unused"});
+        EXPECT_TRUE(contains(read(), "\"c-1\""));
+        EXPECT_FALSE(contains(read(), "\"c-2\""));
+    }
 }
 
 TEST_F(EditorCommands, clientsTellsWhoWatchesWhatWhereItIsNow) {
