@@ -141,8 +141,10 @@ TEST_F(StreamingClientsTest, validationDropsDeprecatedAndDanglingClients) {
     clients().add(client("kept", uuid));
     clients().add(client("old", uuid));
     clients().get(2)->m_observerType = "hmi_web_widget_observer";
+    clients().add(client("near", uuid));
+    clients().get(3)->m_observerType = "hmi_web_widget_observer ";
     StreamingClients::validateAndRemoveUnused(clientsObject());
-    EXPECT_EQ(uuids(), "kept ");
+    EXPECT_EQ(uuids(), "kept near ");
     EXPECT_TRUE(orvex::warnings().empty());
 }
 
@@ -150,12 +152,14 @@ TEST_F(StreamingClientsTest, alignedObserversAreNewClientsWithRelativePaths) {
     clients().setModelName(u"m1");
     clients().add(client("a"));
     clients().add(client("b"));
+    clients().get(1)->m_modelPath.push_back(u"other/Plant");
+    clients().get(1)->m_modelPathEID.push_back("other:1");
     kestrel::loadedModels().find(u"m1")->model().move(u"Sub", u"Moved");
     std::vector<StreamingClients::ClientPtr> out(5);
     StreamingClients::getAlignedObservers(clientsObject(), out);
     ASSERT_EQ(out.size(), 2U);
     EXPECT_EQ(out[1]->m_uuid, "b");
-    EXPECT_EQ(out[1]->m_modelPath[0], u"Moved");
+    EXPECT_EQ(out[1]->m_modelPath, (std::vector<std::u16string>{u"Moved", u"other/Plant"}));
     EXPECT_EQ(clients().get(1)->m_modelPath[0], u"Sub");
     StreamingClients::getAlignedObservers(emptyDouble().get(), out);
     EXPECT_TRUE(out.empty());

@@ -248,6 +248,8 @@ TEST_F(ObservedPortQueries, anOpenModelListsItsOwnObservedPorts) {
     EXPECT_FALSE(sources[1].targetBufferedStreaming || sources[1].hideInPLV);
     InstrumentedSignals::getObservedPorts(model.get(), "m1/Sub", "", sources, true, true);
     EXPECT_EQ(sources.size(), 1U);
+    InstrumentedSignals::getObservedPorts(model.get(), "m1/Su", "", sources, true, true);
+    EXPECT_TRUE(sources.empty());
 
     std::set<double> badges;
     InstrumentedSignals::getPortsWithBadges(model.get(), badges);

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -10,7 +9,6 @@
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/kestrel/loaded_models.h"
 #include "memory_host/orvex/faults.h"
-#include "memory_host/orvex/functions.h"
 #include "memory_host/orvex/ledger.h"
 #include "memory_host/orvex/library_loader.h"
 #include "memory_host/orvex/warnings.h"
@@ -21,14 +19,6 @@
 namespace ks_test {
 
 inline std::string utf8(const std::u16string& text) { return fl::i18n::to_string(text); }
-
-/// Calls the host by name as a script would; the first result, null when there is none.
-inline HvArrayPtr call(const char* name, std::initializer_list<const hvArray*> inputs, int results = 1) {
-    return std::move(orvex::callByName(name, {inputs.begin(), inputs.size()}, results)[0]);
-}
-inline HvArrayPtr property(const hvArray* object, const char* name) {
-    return HvArrayPtr(hvGetProperty(object, 0, name));
-}
 
 class HostTest : public ::testing::Test {
 protected:

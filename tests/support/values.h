@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 #include "host/hv_array.h"
 #include "host/messages.h"
+#include "memory_host/orvex/functions.h"
 
 /// Host values and host failures as tests write them down.
 namespace ks_test {
@@ -16,6 +19,14 @@ inline HvArrayPtr text(std::u16string_view units) { return HvArrayPtr(matrix::cr
 inline HvArrayPtr number(double value) { return HvArrayPtr(hvCreateDoubleScalar(value)); }
 inline HvArrayPtr logical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }
 inline HvArrayPtr emptyDouble() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
+
+/// Calls the host by name as a script would; the first result, null when there is none.
+inline HvArrayPtr call(const char* name, std::initializer_list<const hvArray*> inputs, int results = 1) {
+    return std::move(orvex::callByName(name, {inputs.begin(), inputs.size()}, results)[0]);
+}
+inline HvArrayPtr property(const hvArray* object, const char* name) {
+    return HvArrayPtr(hvGetProperty(object, 0, name));
+}
 
 /// The key of the host exception that `action` throws, with its text behind a colon; "" when it does not.
 template <class Action>
