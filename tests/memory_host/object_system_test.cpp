@@ -1,27 +1,24 @@
 #include "host/object_system.h"
 
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <limits>
-#include <map>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "host/hv_array.h"
-#include "host/messages.h"
-#include "host/services.h"
 #include "memory_host/orvex/class_members.h"
 #include "memory_host/orvex/faults.h"
-#include "memory_host/orvex/ledger.h"
 #include "memory_host/orvex/objects.h"
 #include "memory_host/orvex/script_class.h"
+#include "tests/memory_host/ledger_test_base.h"
 
 namespace {
 
 using hos::internal::makeInterned;
+using ks_test::call;
+using ks_test::logical;
+using ks_test::property;
 
 /// What the library under test sees happening, in order.
 std::vector<std::string> g_events;
@@ -30,15 +27,6 @@ struct Counter {
     std::uint32_t count = 0;
     std::u16string name;
 };
-
-std::string failureOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const kssvIException& failure) {
-        return failure.what();
-    }
-    return "(no failure)";
-}
 
 class CounterProperty final : public hos::COSPropInfo {
 public:
@@ -117,19 +105,12 @@ void constructCounter(hos::Invocation& call) {
     call.resultCount = 1;
 }
 
-void giveTrue(hos::Invocation& call) {
-    call.results[0] = true;
-    call.resultCount = 1;
-}
-
-void giveNoObject(hos::Invocation& call) {
-    call.results[0] = HvArrayPtr();
-    call.resultCount = 1;
-}
-
-void giveNumber(hos::Invocation& call) {
-    call.results[0] = HvArrayPtr(hvCreateDoubleScalar(1.0));
-    call.resultCount = 1;
+template <class Make>
+Body gives(Make make) {
+    return [make](hos::Invocation& call) {
+        call.results[0] = make();
+        call.resultCount = 1;
+    };
 }
 
 class CounterClass final : public hos::COSClassInfo {
@@ -152,10 +133,10 @@ public:
         for (const char* type : {"double scalar", "uint32 scalar", "int32 scalar", "logical scalar", "unicodeString",
                                  "asciiString", kCounter, "No.Such.Class"})
             method((std::string("take ") + type).c_str(), Types{kCounter, type}, Types{}, [](hos::Invocation&) {});
-        method("isGood", Types{kCounter, "", "logical scalar"}, Types{"logical scalar"}, giveTrue, 1);
-        method("noObject", Types{kCounter}, Types{kCounter}, giveNoObject);
-        method("wrongResult", Types{kCounter}, Types{kCounter}, giveNumber);
-        method("make", Types{}, Types{"any"}, giveNumber, 0, true);
+        method("isGood", Types{kCounter, "", "logical scalar"}, Types{"logical scalar"}, gives([] { return true; }), 1);
+        method("noObject", Types{kCounter}, Types{kCounter}, gives([] { return HvArrayPtr(); }));
+        method("wrongResult", Types{kCounter}, Types{kCounter}, gives([] { return number(1.0); }));
+        method("make", Types{}, Types{"any"}, gives([] { return number(1.0); }), 0, true);
     }
     void* createInstance() const override {
         g_events.push_back("created");
@@ -191,39 +172,28 @@ void addCounter(hos::COSNamespace& tools) { tools.addClass(std::make_unique<Coun
 
 void addTools(hos::COSNamespace& lib) { lib.addInnerNamespace(std::make_unique<NamespaceInfo>("Tools", addCounter)); }
 
-class ObjectSystem : public testing::Test {
+class ObjectSystem : public LedgerTest {
 protected:
-    void SetUp() override {
+    ObjectSystem() {
         g_events.clear();
         hos::COSNamespace::addNamespace(std::make_unique<NamespaceInfo>("Lib", addTools));
     }
     void TearDown() override {
-        m_held.clear();
         orvex::releaseObjectSystem();
-        EXPECT_EQ(orvex::liveCounts(), m_before) << orvex::describeLive();
+        LedgerTest::TearDown();
     }
-
-    HvArrayPtr call(const char* name, std::vector<const hvArray*> ins, int nOut = 1) {
-        hvArray* outs[1] = {nullptr};
-        kssvFEVAL(nOut, outs, static_cast<int>(ins.size()), ins.data(), name);
-        return HvArrayPtr(outs[0]);
-    }
-    HvArrayPtr construct() { return call(kCounter, {}); }
-    const hvArray* hold(hvArray* value) { return m_held.emplace_back(value).get(); }
-
-private:
-    orvex::LedgerCounts m_before = orvex::liveCounts();
-    std::vector<HvArrayPtr> m_held;
+    static HvArrayPtr construct() { return call(kCounter, {}); }
+    static hos::COSNamespace* find(const char* name) { return hos::COSNamespace::getNamespace(makeInterned(name)); }
 };
 
 using Events = std::vector<std::string>;
 
 TEST_F(ObjectSystem, loadsWhatALookUpPassesThroughAndNoMore) {
-    EXPECT_NE(hos::COSNamespace::getNamespace(makeInterned("Lib")), nullptr);
+    EXPECT_NE(find("Lib"), nullptr);
     EXPECT_EQ(g_events, Events{});
-    EXPECT_NE(hos::COSNamespace::getNamespace(makeInterned("Lib.Tools")), nullptr);
-    EXPECT_EQ(hos::COSNamespace::getNamespace(makeInterned("Lib.Other")), nullptr);
-    EXPECT_EQ(hos::COSNamespace::getNamespace(makeInterned("Nothing.At.All")), nullptr);
+    EXPECT_NE(find("Lib.Tools"), nullptr);
+    EXPECT_EQ(find("Lib.Other"), nullptr);
+    EXPECT_EQ(find("Nothing.At.All"), nullptr);
     EXPECT_EQ(g_events, Events{"Lib loads"});
     construct();
     EXPECT_EQ(g_events, (Events{"Lib loads", "Tools loads", "members", "created", "destroyed"}));
@@ -232,9 +202,9 @@ TEST_F(ObjectSystem, loadsWhatALookUpPassesThroughAndNoMore) {
 TEST_F(ObjectSystem, refusesASecondDefinitionAndKeepsTheFirst) {
     const auto addLib = [] { hos::COSNamespace::addNamespace(std::make_unique<NamespaceInfo>("Lib", addTools)); };
     EXPECT_NE(failureOf(addLib).find("\"Lib\" is defined already"), std::string::npos);
-    hos::COSNamespace* lib = hos::COSNamespace::getNamespace(makeInterned("Lib"));
+    hos::COSNamespace* lib = find("Lib");
     EXPECT_NE(failureOf([&] { addTools(*lib); }).find("\"Lib.Tools\" is defined already"), std::string::npos);
-    hos::COSNamespace* tools = hos::COSNamespace::getNamespace(makeInterned("Lib.Tools"));
+    hos::COSNamespace* tools = find("Lib.Tools");
     g_events.clear();
     EXPECT_NE(failureOf([&] { addCounter(*tools); }).find("\"Lib.Tools.Counter\" is defined already"),
               std::string::npos);
@@ -249,7 +219,7 @@ TEST_F(ObjectSystem, aLoadThatFailsIsTakenBackAndTriedAgain) {
         if (fails) throw std::runtime_error("not now");
     };
     hos::COSNamespace::addNamespace(std::make_unique<NamespaceInfo>("Flaky", contents));
-    const auto lookUp = [] { return hos::COSNamespace::getNamespace(makeInterned("Flaky.Inner")); };
+    const auto lookUp = [] { return find("Flaky.Inner"); };
     EXPECT_THROW(lookUp(), std::runtime_error);
     fails = false;
     EXPECT_EQ(lookUp(), nullptr);
@@ -272,55 +242,53 @@ TEST_F(ObjectSystem, destroysTheInstanceWithTheLastReference) {
 }
 
 TEST_F(ObjectSystem, takesOptionalArgumentsAndNoOtherNumber) {
-    const HvArrayPtr name(hvCreateString("left"));
+    const HvArrayPtr name = text("left");
     const HvArrayPtr named = call(kCounter, {name.get()});
-    EXPECT_EQ(hvArrayToStdString(HvArrayPtr(hvGetProperty(named.get(), 0, "Name")).get()), "left");
+    EXPECT_EQ(hvArrayToStdString(property(named.get(), "Name").get()), "left");
     EXPECT_TRUE(hvIsLogicalScalarTrue(call("isGood", {named.get(), name.get()}).get()));
-    EXPECT_EQ(failureOf([&] { call("isGood", {named.get()}); }),
-              "Too few arguments for method \"isGood\" of class Lib.Tools.Counter: 1 given, at least 2 needed.");
-    EXPECT_EQ(failureOf([&] {
-                  call(kCounter, {name.get(), name.get()});
-              }),
-              "Too many arguments for the constructor of class Lib.Tools.Counter: 2 given, at most 1 taken.");
-    EXPECT_NE(failureOf([&] {
-                  call("take asciiString", {named.get(), name.get()});
-              }).find("it has 0"),
-              std::string::npos);
     EXPECT_EQ(hvGetScalar(call("Lib.Tools.Counter.make", {}).get()), 1.0);
-    EXPECT_NE(failureOf([&] { call("make", {named.get()}); }).find("make"), std::string::npos);
+    using Inputs = std::initializer_list<const hvArray*>;
+    const auto refusal = [](const char* method, Inputs inputs) { return failureOf([&] { call(method, inputs); }); };
+    EXPECT_EQ(refusal("isGood", {named.get()}),
+              "TooFewInputs: Too few arguments for method \"isGood\" of class Lib.Tools.Counter: 1 given, at least 2 "
+              "needed.");
+    EXPECT_EQ(refusal(kCounter, {name.get(), name.get()}),
+              "TooManyInputs: Too many arguments for the constructor of class Lib.Tools.Counter: 2 given, at most 1 "
+              "taken.");
+    EXPECT_NE(refusal("take asciiString", {named.get(), name.get()}).find("it has 0"), std::string::npos);
+    EXPECT_NE(refusal("make", {named.get()}).find("make"), std::string::npos);
 }
 
 TEST_F(ObjectSystem, convertsByDeclaredTypeOrSaysWhyNot) {
-    const auto number = [&](double value) { return hold(hvCreateDoubleScalar(value)); };
-    const auto text = [&](const char* value) { return hold(hvCreateString(value)); };
-    const hvArray* truth = hold(hvCreateLogicalScalar(true));
-    const hvArray* byte = hold(hvCreateNumericScalar(hvUINT8_CLASS, hvREAL));
-    const hvArray* row = hold(hvCreateNumericMatrix(1, 3, hvDOUBLE_CLASS, hvREAL));
-    HvArrayPtr big(hvCreateNumericScalar(hvUINT64_CLASS, hvREAL));
+    const HvArrayPtr truth = logical(true);
+    const HvArrayPtr byte(hvCreateNumericScalar(hvUINT8_CLASS, hvREAL));
+    const HvArrayPtr row(hvCreateNumericMatrix(1, 3, hvDOUBLE_CLASS, hvREAL));
+    const HvArrayPtr big(hvCreateNumericScalar(hvUINT64_CLASS, hvREAL));
     *static_cast<std::uint64_t*>(hvGetDataForWriting(big.get())) = (std::uint64_t{1} << 53) + 1;
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const HvArrayPtr object = construct();
+    const auto copy = [](const HvArrayPtr& value) { return HvArrayPtr(hvCreateSharedDataCopy(value.get())); };
 
     struct Case {
         const char* type;
-        const hvArray* value;
+        HvArrayPtr value;
         const char* given;  ///< as the refusal names it; null when it converts
     };
     const Case cases[] = {
         {"double scalar", number(nan), nullptr},
-        {"double scalar", truth, nullptr},
-        {"double scalar", row, "double 1x3"},
+        {"double scalar", copy(truth), nullptr},
+        {"double scalar", copy(row), "double 1x3"},
         {"double scalar", text("1"), "char 1x1"},
-        {"double scalar", big.get(), "uint64 1x1 with the value 9007199254740993"},
+        {"double scalar", copy(big), "uint64 1x1 with the value 9007199254740993"},
         {"uint32 scalar", number(4294967295.0), nullptr},
-        {"uint32 scalar", byte, nullptr},
+        {"uint32 scalar", copy(byte), nullptr},
         {"uint32 scalar", number(4294967296.0), "double 1x1 with the value 4294967296"},
         {"uint32 scalar", number(-1.0), "double 1x1 with the value -1"},
         {"uint32 scalar", number(1.5), "double 1x1 with the value 1.5"},
         {"uint32 scalar", number(nan), "double 1x1 with the value nan"},
         {"int32 scalar", number(-2147483648.0), nullptr},
         {"int32 scalar", number(2147483648.0), "double 1x1 with the value 2147483648"},
-        {"int32 scalar", big.get(), "uint64 1x1 with the value 9007199254740993"},
+        {"int32 scalar", copy(big), "uint64 1x1 with the value 9007199254740993"},
         {"logical scalar", number(0.5), nullptr},
         {"logical scalar", number(nan), "double 1x1 with the value nan"},
         {"unicodeString", text(""), nullptr},
@@ -328,21 +296,21 @@ TEST_F(ObjectSystem, convertsByDeclaredTypeOrSaysWhyNot) {
         {"unicodeString", number(1.0), "double 1x1 with the value 1"},
         {"asciiString", text("plain"), nullptr},
         {"asciiString", text("\xC3\xA4"), "char 1x1"},
-        {kCounter, object.get(), nullptr},
-        {kCounter, truth, "logical 1x1 with the value 1"},
+        {kCounter, copy(object), nullptr},
+        {kCounter, copy(truth), "logical 1x1 with the value 1"},
     };
-    for (const Case& row_ : cases) {
-        const std::string method = std::string("take ") + row_.type;
-        const std::string expected = !row_.given ? "(no failure)"
-                                                 : "Argument 2 of method \"" + method +
-                                                       "\" of class Lib.Tools.Counter must be of type \"" + row_.type +
-                                                       "\", and " + row_.given + " was given.";
-        EXPECT_EQ(failureOf([&] { call(method.c_str(), {object.get(), row_.value}, 0); }), expected);
+    const auto refusal = [&](const std::string& method, const HvArrayPtr& value) {
+        return failureOf([&] { call(method.c_str(), {object.get(), value.get()}, 0); });
+    };
+    for (const Case& one : cases) {
+        const std::string method = std::string("take ") + one.type;
+        const std::string expected = one.given ? "TypeMismatch: Argument 2 of method \"" + method +
+                                                     "\" of class Lib.Tools.Counter must be of type \"" + one.type +
+                                                     "\", and " + one.given + " was given."
+                                               : "";
+        EXPECT_EQ(refusal(method, one.value), expected);
     }
-    EXPECT_NE(failureOf([&] {
-                  call("take No.Such.Class", {object.get(), truth}, 0);
-              }).find("neither a type"),
-              std::string::npos);
+    EXPECT_NE(refusal("take No.Such.Class", truth).find("neither a type"), std::string::npos);
 }
 
 TEST_F(ObjectSystem, checksResultsAndGivesAnEmptyDoubleForNoObject) {
@@ -350,52 +318,49 @@ TEST_F(ObjectSystem, checksResultsAndGivesAnEmptyDoubleForNoObject) {
     const HvArrayPtr none = call("noObject", {object.get()});
     EXPECT_STREQ(hvGetClassName(none.get()), "double");
     EXPECT_TRUE(hvIsEmpty(none.get()));
-    EXPECT_NE(failureOf([&] { call("wrongResult", {object.get()}); }).find("Result 1 of method \"wrongResult\""),
-              std::string::npos);
+    const std::string failure = failureOf([&] { call("wrongResult", {object.get()}); });
+    EXPECT_NE(failure.find("Result 1 of method \"wrongResult\""), std::string::npos) << failure;
 }
 
 TEST_F(ObjectSystem, releasesEachPropertyValueOnceAlsoWhenTheCopyFails) {
     const HvArrayPtr object = construct();
     g_events.clear();
-    EXPECT_EQ(hvGetScalar(HvArrayPtr(hvGetProperty(object.get(), 0, "State")).get()), 0.0);
+    orvex::FaultInjection counting;
+    const HvArrayPtr state = property(object.get(), "State");
+    const std::size_t operations = counting.operations();
+    EXPECT_EQ(hvGetScalar(state.get()), 0.0);
     EXPECT_EQ(g_events, (Events{"get", "release"}));
-    std::size_t operations = 0;
-    {
-        orvex::FaultInjection counting;
-        HvArrayPtr(hvGetProperty(object.get(), 0, "State"));
-        operations = counting.operations();
-    }
     g_events.clear();
     const orvex::FaultInjection lastFails({.failAt = operations});
-    EXPECT_THROW(hvGetProperty(object.get(), 0, "State"), kssvIException);
+    EXPECT_THROW(property(object.get(), "State"), kssvIException);
     EXPECT_EQ(g_events, (Events{"get", "release"}));
 }
 
 TEST_F(ObjectSystem, enforcesAccessAndTypesOfProperties) {
     const HvArrayPtr object = construct();
-    const HvArrayPtr number(hvCreateDoubleScalar(7.0));
-    const HvArrayPtr text(hvCreateString("right"));
-    const auto assign = [&](const char* name, const hvArray* value) {
-        return failureOf([&] { hvSetProperty(object.get(), 0, name, value); });
+    const HvArrayPtr seven = number(7.0);
+    const auto assign = [&](const char* name, const HvArrayPtr& value) {
+        return failureOf([&] { hvSetProperty(object.get(), 0, name, value.get()); });
     };
-    EXPECT_EQ(assign("Count", number.get()), "The property \"Count\" of class Lib.Tools.Counter is read-only.");
-    EXPECT_EQ(assign("Name", number.get()),
-              "The value for property \"Name\" of class Lib.Tools.Counter must be of type \"unicodeString\", and "
-              "double 1x1 with the value 7 was given.");
-    EXPECT_EQ(assign("Colour", number.get()), "There is no property \"Colour\" of class Lib.Tools.Counter.");
-    EXPECT_EQ(assign("Name", text.get()), "(no failure)");
+    EXPECT_EQ(assign("Count", seven),
+              "ReadOnlyProperty: The property \"Count\" of class Lib.Tools.Counter is read-only.");
+    EXPECT_EQ(
+        assign("Name", seven),
+        "TypeMismatch: The value for property \"Name\" of class Lib.Tools.Counter must be of type \"unicodeString\", "
+        "and double 1x1 with the value 7 was given.");
+    EXPECT_EQ(assign("Colour", seven), "UnknownProperty: There is no property \"Colour\" of class Lib.Tools.Counter.");
+    EXPECT_EQ(assign("Name", text("right")), "");
     EXPECT_EQ(orvex::displayObject(object.get()), "Lib.Tools.Counter\n  Name: 'right'\n  Count: 0");
-    EXPECT_NE(failureOf([&] { hvGetProperty(number.get(), 0, "Name"); }).find("is no object"), std::string::npos);
+    EXPECT_NE(failureOf([&] { property(seven.get(), "Name"); }).find("is no object"), std::string::npos);
     EXPECT_NE(failureOf([&] { hvGetProperty(object.get(), 1, "Name"); }).find("index 1 of 1"), std::string::npos);
 }
 
 TEST_F(ObjectSystem, scriptClassesShareANamespaceWithoutMakingIt) {
     orvex::ScriptClass base;
     base.fullName = "Script.Base";
-    base.properties = {{"Fixed", [] { return HvArrayPtr(hvCreateDoubleScalar(4.0)); }, false}};
+    base.properties = {{"Fixed", [] { return number(4.0); }, false}};
     base.methods["half"] = [](orvex::Call& half) {
-        const HvArrayPtr fixed(hvGetProperty(half.ins[0], 0, "Fixed"));
-        half.outs[0] = HvArrayPtr(hvCreateDoubleScalar(hvGetScalar(fixed.get()) / 2.0));
+        half.outs[0] = number(hvGetScalar(property(half.ins[0], "Fixed").get()) / 2.0);
     };
     orvex::defineScriptClass(base);
     orvex::ScriptClass derived;
@@ -404,13 +369,13 @@ TEST_F(ObjectSystem, scriptClassesShareANamespaceWithoutMakingIt) {
     derived.properties = {{"Free"}};
     orvex::defineScriptClass(derived);
 
-    EXPECT_EQ(hos::COSNamespace::getNamespace(makeInterned("Script")), nullptr);
+    EXPECT_EQ(find("Script"), nullptr);
     const HvArrayPtr object = call("Script.Derived", {});
     EXPECT_TRUE(hvIsA(object.get(), "Script.Base"));
     EXPECT_EQ(hvGetScalar(call("half", {object.get()}).get()), 2.0);
     EXPECT_NE(failureOf([&] { hvSetProperty(object.get(), 0, "Fixed", object.get()); }).find("read-only"),
               std::string::npos);
-    EXPECT_TRUE(hvIsEmpty(HvArrayPtr(hvGetProperty(object.get(), 0, "Free")).get()));
+    EXPECT_TRUE(hvIsEmpty(property(object.get(), "Free").get()));
     EXPECT_NE(failureOf([&] { orvex::defineScriptClass(base); }).find("defined already"), std::string::npos);
 }
 
