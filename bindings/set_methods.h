@@ -19,7 +19,6 @@ template <>
 struct HostClasses<ks_hmi::InstrumentedSignals> {
     using Record = ks_hmi::SignalSpecification;
     static constexpr const char* kName = "InstrumentedSignals";
-    static constexpr const char* kSet = "Kestrel.HMI.InstrumentedSignals";
     static constexpr const char* kRecord = "Kestrel.HMI.SignalSpecification";
 };
 
@@ -27,14 +26,13 @@ template <>
 struct HostClasses<ks_hmi::StreamingClients> {
     using Record = ks_hmi::SignalClient;
     static constexpr const char* kName = "StreamingClients";
-    static constexpr const char* kSet = "Kestrel.HMI.StreamingClients";
     static constexpr const char* kRecord = "Kestrel.HMI.SignalClient";
 };
 
 template <class Set>
 class SetMethod : public HMICOSMethodInfo {
 protected:
-    static constexpr const char* kSet = HostClasses<Set>::kSet;
+    static constexpr const char* kSet = Set::kHostClass;
     static constexpr const char* kRecord = HostClasses<Set>::kRecord;
     using Record = typename HostClasses<Set>::Record;
 
@@ -51,7 +49,7 @@ protected:
 template <class Set>
 class SetConstructor : public SetMethod<Set> {
 public:
-    SetConstructor() : SetMethod<Set>(HostClasses<Set>::kName, {"unicodeString"}, {HostClasses<Set>::kSet}, 1) {}
+    SetConstructor() : SetMethod<Set>(HostClasses<Set>::kName, {"unicodeString"}, {Set::kHostClass}, 1) {}
     void invoke(hos::Invocation& call) const override {
         const auto& object = std::get<HvArrayPtr>(call.results[0]);
         if (this->isGiven(call, 0)) {
@@ -65,7 +63,7 @@ public:
 template <class Set>
 class SetAdd : public SetMethod<Set> {
 public:
-    SetAdd() : SetMethod<Set>("add", {HostClasses<Set>::kSet, HostClasses<Set>::kRecord}, {}) {}
+    SetAdd() : SetMethod<Set>("add", {Set::kHostClass, HostClasses<Set>::kRecord}, {}) {}
     void invoke(hos::Invocation& call) const override {
         Set& set = this->self(call);
         set.add(this->record(call, 1, set));
@@ -75,7 +73,7 @@ public:
 template <class Set>
 class SetSet : public SetMethod<Set> {
 public:
-    SetSet() : SetMethod<Set>("set", {HostClasses<Set>::kSet, "uint32 scalar", HostClasses<Set>::kRecord}, {}) {}
+    SetSet() : SetMethod<Set>("set", {Set::kHostClass, "uint32 scalar", HostClasses<Set>::kRecord}, {}) {}
     void invoke(hos::Invocation& call) const override {
         Set& set = this->self(call);
         const std::size_t index = this->elementIndex(call, 1, set.getCount());
@@ -86,7 +84,7 @@ public:
 template <class Set>
 class SetRemove : public SetMethod<Set> {
 public:
-    SetRemove() : SetMethod<Set>("remove", {HostClasses<Set>::kSet, "uint32 scalar"}, {}) {}
+    SetRemove() : SetMethod<Set>("remove", {Set::kHostClass, "uint32 scalar"}, {}) {}
     void invoke(hos::Invocation& call) const override {
         Set& set = this->self(call);
         set.remove(this->elementIndex(call, 1, set.getCount()));

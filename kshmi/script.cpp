@@ -6,13 +6,13 @@
 
 #include "kshmi/text.h"
 #include "memory_host/orvex/functions.h"
+#include "observers/streaming_clients.h"
+#include "signals/instrumented_signals.h"
 
 namespace kshmi::script {
 
 namespace {
 
-constexpr const char* kSetClass = "Kestrel.HMI.InstrumentedSignals";
-constexpr const char* kClientSetClass = "Kestrel.HMI.StreamingClients";
 constexpr const char* kModelClass = "Kestrel.Model";
 
 HvArrayPtr call(const std::string& name, int outputs, std::initializer_list<const hvArray*> inputs) {
@@ -24,10 +24,12 @@ HvArrayPtr numberValue(double number) { return HvArrayPtr(hvCreateDoubleScalar(n
 
 }  // namespace
 
-HvArrayPtr newSet(const std::u16string& modelName) { return call(kSetClass, 1, {textValue(modelName).get()}); }
+HvArrayPtr newSet(const std::u16string& modelName) {
+    return call(ks_hmi::InstrumentedSignals::kHostClass, 1, {textValue(modelName).get()});
+}
 
 HvArrayPtr newClientSet(const std::u16string& modelName) {
-    return call(kClientSetClass, 1, {textValue(modelName).get()});
+    return call(ks_hmi::StreamingClients::kHostClass, 1, {textValue(modelName).get()});
 }
 
 void renameClientSet(hvArray* set, const std::u16string& modelName) {
@@ -52,7 +54,8 @@ void rememberUuid(double blockHandle, int port, const std::string& uuid) {
     const HvArrayPtr handle = numberValue(blockHandle);
     const HvArrayPtr portNumber = numberValue(port);
     const HvArrayPtr text = textValue(std::string_view(uuid));
-    call(std::string(kSetClass) + ".setUUIDForBlock", 0, {handle.get(), portNumber.get(), text.get()});
+    call(std::string(ks_hmi::InstrumentedSignals::kHostClass) + ".setUUIDForBlock", 0,
+         {handle.get(), portNumber.get(), text.get()});
 }
 
 std::size_t count(const hvArray* set) {

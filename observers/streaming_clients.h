@@ -20,6 +20,9 @@ class KS_HMI_EXPORT StreamingClients {
 public:
     using ClientPtr = boost::shared_ptr<SignalClient>;
 
+    /// Full name of the host class whose objects own such sets.
+    static constexpr const char* kHostClass = "Kestrel.HMI.StreamingClients";
+
     StreamingClients();
     ~StreamingClients();
     StreamingClients(const StreamingClients&) = delete;
@@ -52,7 +55,7 @@ public:
 
     // ---- the host object around a set; a value without one is nothing to do ----
 
-    /// True for null and empty values, else exactly for one object of class "Kestrel.HMI.StreamingClients".
+    /// True for null and empty values, else exactly for one object of class `kHostClass`.
     static bool isValidType(const hvArray* value);
     /// The set behind element 0, not owned; null for a null or empty value and for objects of another class.
     static StreamingClients* getFromHvArray(const hvArray* value);

@@ -9,8 +9,6 @@ using namespace ks_hmi_foundation;
 
 namespace {
 
-constexpr const char* kStreamingClientsClass = "Kestrel.HMI.StreamingClients";
-
 HvArrayPtr scalarObject(const hvArray* objects, std::size_t index) {
     return HvArrayPtr(omCreateHOSScalar(omGetArrayElement(objects, index)));
 }
@@ -18,8 +16,8 @@ HvArrayPtr scalarObject(const hvArray* objects, std::size_t index) {
 }  // namespace
 
 HvArrayPtr StreamingClients::copy() const {
-    HvArrayPtr object = std::move(callHost<1>(kStreamingClientsClass, {})[0]);
-    auto& other = requireNativeObject<StreamingClients>(object.get(), kStreamingClientsClass);
+    HvArrayPtr object = std::move(callHost<1>(kHostClass, {})[0]);
+    auto& other = requireNativeObject<StreamingClients>(object.get(), kHostClass);
     // Copying parameters may run scripts, which may change this set: a snapshot is cloned.
     std::vector<ClientPtr> clones = m_clients;
     for (ClientPtr& client : clones) client = client->clone();
@@ -29,10 +27,10 @@ HvArrayPtr StreamingClients::copy() const {
     return object;
 }
 
-bool StreamingClients::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kStreamingClientsClass); }
+bool StreamingClients::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kHostClass); }
 
 StreamingClients* StreamingClients::getFromHvArray(const hvArray* value) {
-    static const hos::InternedName className = hos::internal::makeInterned(kStreamingClientsClass);
+    static const hos::InternedName className = hos::internal::makeInterned(kHostClass);
     return nativeObject<StreamingClients>(value, className);
 }
 
@@ -60,7 +58,7 @@ void StreamingClients::getAlignedObservers(const hvArray* value, std::vector<Cli
     const auto result = tryCallHost<1>("getAlignedObservers", {value});
     if (!result) return;
     const hvArray* const observers = (*result)[0].get();
-    const std::u16string modelName = requireNativeObject<StreamingClients>(value, kStreamingClientsClass).m_modelName;
+    const std::u16string modelName = requireNativeObject<StreamingClients>(value, kHostClass).m_modelName;
     std::vector<ClientPtr> aligned(hvGetNumberOfElements(observers));
     for (std::size_t i = 0; i < aligned.size(); ++i) {
         aligned[i] = std::make_unique<SignalClient>(scalarObject(observers, i).get(), 0, modelName);

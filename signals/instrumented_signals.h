@@ -31,6 +31,9 @@ class KS_HMI_EXPORT InstrumentedSignals {
 public:
     using SignalPtr = boost::shared_ptr<SignalSpecification>;
 
+    /// Full name of the host class whose objects own such sets.
+    static constexpr const char* kHostClass = "Kestrel.HMI.InstrumentedSignals";
+
     /// One observed port, as the host's "getObservedPorts" lists it. Each field names the result (1 to 10) that
     /// it is filled from; the flags stand together in front of the texts, on purpose.
     struct Source {
@@ -97,7 +100,7 @@ public:
     /// The set behind element 0 of a host object array, not owned; null for a null or empty value and for
     /// objects of another class.
     static InstrumentedSignals* getFromHvArray(const hvArray* object);
-    /// True for null and empty values, else exactly for one object of class "Kestrel.HMI.InstrumentedSignals".
+    /// True for null and empty values, else exactly for one object of class `kHostClass`.
     static bool isValidType(const hvArray* value);
     /// Has the host rebind the signals of the set behind `object`. A failure becomes a warning; rebinding is
     /// no longer pending afterwards in every case. Nothing happens for null.

@@ -13,18 +13,16 @@ using namespace ks_hmi_foundation;
 
 namespace {
 
-constexpr const char* kInstrumentedSignalsClass = "Kestrel.HMI.InstrumentedSignals";
-
 hos::InternedName className() {
-    static const hos::InternedName name = hos::internal::makeInterned(kInstrumentedSignalsClass);
+    static const hos::InternedName name = hos::internal::makeInterned(InstrumentedSignals::kHostClass);
     return name;
 }
 
 }  // namespace
 
 HvArrayPtr InstrumentedSignals::copy(bool excludeUnsaved) const {
-    HvArrayPtr object = std::move(callHost<1>(kInstrumentedSignalsClass, {})[0]);
-    auto& other = requireNativeObject<InstrumentedSignals>(object.get(), kInstrumentedSignalsClass);
+    HvArrayPtr object = std::move(callHost<1>(kHostClass, {})[0]);
+    auto& other = requireNativeObject<InstrumentedSignals>(object.get(), kHostClass);
     // Everything is copied aside, so that a failure leaves the other set as it was; the count is that of the start,
     // should the host hand this very set back.
     std::vector<SignalPtr> clones;
@@ -69,7 +67,7 @@ InstrumentedSignals* InstrumentedSignals::getFromHvArray(const hvArray* object) 
     return nativeObject<InstrumentedSignals>(object, className());
 }
 
-bool InstrumentedSignals::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kInstrumentedSignalsClass); }
+bool InstrumentedSignals::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kHostClass); }
 
 void InstrumentedSignals::applyRebindingRules(hvArray* object, bool flag) {
     if (object == nullptr) return;

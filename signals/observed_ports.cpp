@@ -19,7 +19,7 @@ std::uint64_t identity(const ksPort* port) { return reinterpret_cast<std::uintpt
 // Equal for equal texts of the non-cached source key, which `SignalSpecification` gives to those who ask for it.
 std::uint64_t InstrumentedSignals::pathKey(const std::u16string& blockPath, const std::u16string& subPath,
                                            int outputPortIndex, int logicalPortIndex) const {
-    const int port = logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex;
+    const int port = SignalSpecification::pathKeyPort(outputPortIndex, logicalPortIndex);
     return TextHash().add(m_modelName).add(blockPath).add(subPath).add(static_cast<std::uint32_t>(port)).value();
 }
 

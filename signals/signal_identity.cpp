@@ -35,7 +35,7 @@ std::uint64_t SignalSpecification::getInfoHashFromStringList(std::vector<std::st
 std::uint64_t SignalSpecification::getNonCachedInfoHash(const std::u16string& blockPath, const std::u16string& subPath,
                                                         int outputPortIndex, int logicalPortIndex,
                                                         const std::u16string& modelName) {
-    const int port = logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex;
+    const int port = pathKeyPort(outputPortIndex, logicalPortIndex);
     KeyText key;
     if (!modelName.empty()) key.add(modelName).add("/");
     return key.add(blockPath).add(kKeySeparator).add(subPath).add(kKeySeparator).add(port).hash();

@@ -103,8 +103,11 @@ public:
 
     /// Hash of the texts joined with nothing between them. Hashes are equal within one process only.
     static std::uint64_t getInfoHashFromStringList(std::vector<std::string> texts);
-    /// Hash of "model/path$$subPath$$port" (without "model/" for an empty name), the port being the logical one when it
-    /// is 1 or more, else the output port.
+    /// The port that path keys are made of: the logical one when it is 1 or more, else the output port.
+    static int pathKeyPort(int outputPortIndex, int logicalPortIndex) noexcept {
+        return logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex;
+    }
+    /// Hash of "model/path$$subPath$$port" (without "model/" for an empty name), with the `pathKeyPort`.
     static std::uint64_t getNonCachedInfoHash(const std::u16string& blockPath, const std::u16string& subPath,
                                               int outputPortIndex, int logicalPortIndex,
                                               const std::u16string& modelName);
