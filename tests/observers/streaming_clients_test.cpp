@@ -173,9 +173,11 @@ TEST_F(StreamingClientsTest, copyIsDeepAndKeepsBothNames) {
     auto& copy = *StreamingClients::getFromHvArray(copied.get());
     EXPECT_TRUE(copy.isEqual(&clients()));
     EXPECT_NE(copy.get(0), clients().get(0));
+    EXPECT_EQ(copy.getModelName(), u"b");
     StreamingClients::handleModelRename(copied.get());
     ASSERT_EQ(kestrel::recordedRenames().size(), 1U);
     EXPECT_EQ(kestrel::recordedRenames()[0].oldName, u"a");
+    EXPECT_EQ(kestrel::recordedRenames()[0].newName, u"b");
 }
 
 TEST_F(StreamingClientsTest, hostClassRenamesAndReachesElementsByOneBasedPositions) {

@@ -315,6 +315,25 @@ TEST_F(FailureSweep, setsAndQueriesWhenMemoryRunsOut) { sweepMemory(setRows()); 
 TEST_F(FailureSweep, observersWhenMemoryRunsOut) { sweepMemory(observerRows()); }
 TEST_F(FailureSweep, hostMethodsWhenMemoryRunsOut) { sweepMemory(hostRows()); }
 
+// The index grows at sizes that the swept operations do not reach.
+TEST_F(FailureSweep, aSignalIsReplacedOrStaysHoweverFullTheIndexIs) {
+    if (!FailingAllocations::arePossible()) GTEST_SKIP() << "the checks' own allocator stays";
+    int failed = 0;
+    for (int more = 0; more < 40; ++more) {
+        const World world;
+        for (int i = 0; i < more; ++i) world.signals().add(World::port(u"Sub/Switch", i + 4, "3", "more"));
+        const InstrumentedSignals::SignalPtr other(World::port(u"Sub/Other", 1, "5", "s-4"));
+        const Ending ending = [&] {
+            const FailingAllocations failures(1, true);
+            return endingOf([&] { world.signals().set(0, other); });
+        }();
+        failed += static_cast<int>(ending == Ending::threwNoMemory);
+        EXPECT_EQ(world.signals().get(0) == other.get(), ending == Ending::completed) << more << " more signals";
+        EXPECT_EQ(world.answers(), world.plainAnswers()) << more << " more signals";
+    }
+    EXPECT_GT(failed, 0);
+}
+
 TEST_F(FailureSweep, theLibrarysOwnAllocationsAreAmongThoseThatFail) {
     if (!FailingAllocations::arePossible()) GTEST_SKIP() << "the checks' own allocator stays";
     const World world;
