@@ -10,10 +10,7 @@ using testing::replaced;
 class Commands : public testing::KshmiTest {
 protected:
     Commands() { write(kModel); }
-    int query(std::vector<std::string> words) const {
-        words.insert(words.begin(), {"query", path()});
-        return run(std::move(words)).code;
-    }
+    int query(const std::string& words) const { return runOn("query " + words).code; }
 };
 
 TEST_F(Commands, referencesNameWhatTheySay) {
@@ -30,9 +27,7 @@ TEST_F(Commands, referencesNameWhatTheySay) {
         {"Logic", "m/Logic"},
     };
     for (const auto& [reference, name] : references)
-        EXPECT_TRUE(contains(run({"query", path(), reference}).out, "observed      " + name + "\n") ||
-                    contains(run({"query", path(), reference}).out, "not observed  " + name + "\n"))
-            << reference;
+        expectParts(runOn("query " + reference).out, {"observed", "  " + name + "\n"});
 
     const std::vector<std::pair<std::string, std::string>> refusals{
         {"C", "no such block"},
@@ -41,173 +36,146 @@ TEST_F(Commands, referencesNameWhatTheySay) {
         {"Logic:1", "it has none"},
         {"Logic/Off", "\"Off\""},
         {"Logic/Both", "give --ssid"},
-        {"", "no such block"},
+        {"\"\"", "no such block"},
         {"*", "no such block"},
-        {"\x1b[2J\n\t\xc2\x9b", "\"\\x1b[2J\\n\\t\\x9b\": the"},
+        {"\"\x1b[2J\n\t\xc2\x9b\"", "\"\\x1b[2J\\n\\t\\x9b\": the"},
     };
-    for (const auto& [reference, message] : refusals) {
-        const testing::Finished finished = run({"query", path(), "--", reference});
-        EXPECT_EQ(finished.code, 2) << reference;
-        EXPECT_TRUE(contains(finished.err, message)) << finished.err;
-    }
+    for (const auto& [reference, message] : refusals) expectSaid("query -- " + reference, 2, message);
     write(replaced(kModel, "[\"p\", \"q\"]", "[\"p\", \"p\"]"));
-    EXPECT_TRUE(contains(run({"query", path(), "A/B:p"}).err, "two ports of \"A/B\" are named \"p\"; use the number"));
+    expectParts(runOn("query A/B:p").err, {"two ports of \"A/B\" are named \"p\"; use the number"});
 }
 
 TEST_F(Commands, queryTellsByItsExitCode) {
-    EXPECT_EQ(query({"A", "Logic/On/Fast"}), 0);
-    EXPECT_EQ(query({"A", "A:2"}), 1);
-    EXPECT_EQ(query({"A", "nowhere"}), 2);
-    EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Self"}), 0);
-    EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Leaf"}), 1);
-    EXPECT_EQ(query({"Logic", "--ssid", "4"}), 0);
-    EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Idle"}), 2);
-    EXPECT_EQ(query({"Logic/On/Fast", "--activity", "Data"}), 2);
-    EXPECT_EQ(query({"Logic/limit", "--activity", "Child"}), 2);
-    EXPECT_EQ(query({"A", "--activity", "Self"}), 2);
-    EXPECT_EQ(query({}), 2);
-    EXPECT_EQ(run({"query", path(), "A", "--json"}).out, "[\n  {\"source\": \"m/A:1\", \"observed\": true}\n]\n");
+    EXPECT_EQ(query("A Logic/On/Fast"), 0);
+    EXPECT_EQ(query("A A:2"), 1);
+    EXPECT_EQ(query("A nowhere"), 2);
+    EXPECT_EQ(query("Logic/On/Fast --activity Self"), 0);
+    EXPECT_EQ(query("Logic/On/Fast --activity Leaf"), 1);
+    EXPECT_EQ(query("Logic --ssid 4"), 0);
+    EXPECT_EQ(query("Logic/On/Fast --activity Idle"), 2);
+    EXPECT_EQ(query("Logic/On/Fast --activity Data"), 2);
+    EXPECT_EQ(query("Logic/limit --activity Child"), 2);
+    EXPECT_EQ(query("A --activity Self"), 2);
+    EXPECT_EQ(query(""), 2);
+    EXPECT_EQ(runOn("query A --json").out, "[\n  {\"source\": \"m/A:1\", \"observed\": true}\n]\n");
 }
 
 TEST_F(Commands, markAddsWhatIsAskedForAndTheFileSaysSo) {
-    EXPECT_EQ(run({"mark", path(), "A/B:q", "--name", "flow", "--decimation", "3", "--max-points", "7", "--hide",
-                   "--frame-based", "--buffered", "--visual-type", "dial"})
-                  .code,
-              0);
-    for (const char* line : {"\"BlockPath_\": \"A/B\"", "\"EID_\": \"3\"", "\"OutputPortIndex_\": 2",
-                             "\"SignalName_\": \"flow\"", "\"SubSysPath_\": \"A\"", "\"Decimation_\": 3",
-                             "\"MaxPoints_\": 7", "\"TargetBufferedStreaming_\": 1", "\"HideInPLV_\": 1", "\"dial\""})
-        EXPECT_TRUE(contains(read(), line)) << line;
-    EXPECT_EQ(query({"A/B:q"}), 0);
-    EXPECT_EQ(query({"A/B:p"}), 1);
+    expectSaid(
+        "mark A/B:q --name flow --decimation 3 --max-points 7 --hide --frame-based --buffered "
+        "--visual-type dial",
+        0, "marked m/A/B:2 (q)");
+    expectParts(read(), {"\"BlockPath_\": \"A/B\"", "\"EID_\": \"3\"", "\"OutputPortIndex_\": 2",
+                         "\"SignalName_\": \"flow\"", "\"SubSysPath_\": \"A\"", "\"Decimation_\": 3",
+                         "\"MaxPoints_\": 7", "\"TargetBufferedStreaming_\": 1", "\"HideInPLV_\": 1", "\"dial\""});
+    EXPECT_EQ(query("A/B:q"), 0);
+    EXPECT_EQ(query("A/B:p"), 1);
 
-    EXPECT_EQ(run({"mark", path(), "Logic", "Logic/limit"}).code, 0);
-    EXPECT_TRUE(contains(read(), R"("DomainParams_": {"Activity": "Self", "SSID": "0"})"));
-    EXPECT_TRUE(contains(read(), R"("DomainParams_": {"Activity": "Data", "SSID": "7"})"));
-    EXPECT_EQ(query({"Logic", "--activity", "Self"}), 0);
+    EXPECT_EQ(runOn("mark Logic Logic/limit").code, 0);
+    expectParts(read(), {R"("DomainParams_": {"Activity": "Self", "SSID": "0"})",
+                         R"("DomainParams_": {"Activity": "Data", "SSID": "7"})"});
+    EXPECT_EQ(query("Logic --activity Self"), 0);
 }
 
 TEST_F(Commands, whatIsMarkedStaysUnlessAgainIsSaid) {
-    const testing::Finished finished = run({"mark", path(), "A", "Logic/On/Fast"});
-    EXPECT_EQ(finished.code, 0);
-    EXPECT_TRUE(contains(finished.out, "already marked m/A:1 (y)\nalready marked m/Logic/On/Fast (Self)\n"));
+    expectSaid("mark A Logic/On/Fast", 0, "already marked m/A:1 (y)\nalready marked m/Logic/On/Fast (Self)\n");
     EXPECT_EQ(read(), kModel);
-    EXPECT_TRUE(contains(run({"mark", path(), "A", "--again"}).out, "saved with 3 signals"));
-    EXPECT_TRUE(contains(run({"unmark", path(), "A"}).out, "saved with 1 signal and 2 clients\n"));
-}
-
-TEST_F(Commands, dryRunsChangeNothing) {
-    EXPECT_TRUE(contains(run({"mark", path(), "--all", "*", "--dry-run"}).out, "would mark m/A:2 (valid)"));
-    EXPECT_TRUE(contains(run({"unmark", path(), "A", "--dry-run"}).out, "would remove signal 1"));
-    EXPECT_EQ(read(), kModel);
+    expectParts(runOn("mark A --again").out, {"saved with 3 signals"});
+    expectParts(runOn("unmark A").out, {"saved with 1 signal and 2 clients\n"});
 }
 
 TEST_F(Commands, signalsExcludedFromSavingAreLeftOutAndTheUserIsTold) {
-    const testing::Finished finished = run({"mark", path(), "A:2", "--exclude-from-save"});
-    EXPECT_TRUE(contains(finished.out, "1 signal excluded from saving was left out")) << finished.out;
+    expectSaid("mark A:2 --exclude-from-save", 0, "1 signal excluded from saving was left out");
     EXPECT_EQ(read(), kModel);
 }
 
 TEST_F(Commands, patternsMatchFullPathsNumbersAndNames) {
-    EXPECT_TRUE(contains(run({"mark", path(), "--all", "m/A*", "--except", "*:q"}).out, "saved with 5 signals"));
-    EXPECT_EQ(query({"A:2", "A/B:1:1", "A/B:p"}), 0);
-    EXPECT_EQ(query({"A/B:q"}), 1);
-    EXPECT_EQ(run({"mark", path(), "--all", "A*"}).code, 2);
-    EXPECT_EQ(run({"mark", path(), "A", "--except", "A*"}).code, 2);
-    EXPECT_TRUE(contains(run({"unmark", path(), "--all", "m/Logic/*", "--all", "*:2"}).out, "saved with 3 signals"));
-    EXPECT_EQ(run({"unmark", path(), "--all", "m/Logic/*"}).code, 0);
-    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 2);
-    EXPECT_TRUE(contains(run({"unmark", path(), "--all", "m/Logics*"}).err, "nothing matches \"m/Logics*\""));
-    EXPECT_TRUE(contains(run({"mark", path(), "--all", "m/*", "--except", "m/Z*"}).err, "\"m/Z*\" leaves nothing out"));
+    expectParts(runOn("mark --all m/A* --except *:q").out, {"saved with 5 signals"});
+    EXPECT_EQ(query("A:2 A/B:1:1 A/B:p"), 0);
+    EXPECT_EQ(query("A/B:q"), 1);
+    EXPECT_EQ(runOn("mark --all A*").code, 2);
+    EXPECT_EQ(runOn("mark A --except A*").code, 2);
+    expectParts(runOn("unmark --all m/Logic/* --all *:2").out, {"saved with 3 signals"});
+    EXPECT_EQ(runOn("unmark --all m/Logic/*").code, 0);
+    EXPECT_EQ(runOn("unmark Logic/On/Fast").code, 2);
+    expectParts(runOn("unmark --all m/Logics*").err, {"nothing matches \"m/Logics*\""});
+    expectParts(runOn("mark --all m/* --except m/Z*").err, {"\"m/Z*\" leaves nothing out"});
 }
 
 TEST_F(Commands, patternsCountCharacters) {
     write(replaced(replaced(kModel, "\"path\": \"A/B:1\"", "\"path\": \"Größe\""), "\"path\": \"A/B\"",
                    "\"path\": \"[a]b😀\""));
-    struct Case {
-        const char* pattern;
-        bool isMatch;
-    };
-    const Case cases[] = {
+    const std::pair<std::string, bool> cases[] = {
         {"m/Gr??e", true},      {"m/Gr???e", false},      {"m/Gr[oö]ße", true},   {"m/Gr[!ö]ße", false},
         {"m/Gr[n-p]ße", false}, {"m/Gr[^a-z]*e:y", true}, {"m/*ö*ß*1", true},     {"m/*ö*x*", false},
         {"m/[a]b?", false},     {"m/\\[a]b?", true},      {"m/[[]a]b😀:p", true},  {"m/[]x[]*", true},
         {"m/[a", false},        {"m/Größe*?", true},      {"m/Größe??*?", false}, {"*", true},
     };
-    for (const Case& one : cases)
-        EXPECT_EQ(run({"mark", path(), "--all", one.pattern, "--dry-run"}).code, one.isMatch ? 0 : 2) << one.pattern;
+    for (const auto& [pattern, isMatch] : cases)
+        EXPECT_EQ(runOn("mark --dry-run --all " + pattern).code, isMatch ? 0 : 2) << pattern;
 }
 
 TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
-    EXPECT_EQ(run({"mark", path(), "Logic/On/Fast", "--activity", "Child"}).code, 0);
-    EXPECT_EQ(run({"unmark", path(), "--all", "m/*", "--activity", "Child"}).code, 0);
+    EXPECT_EQ(runOn("mark Logic/On/Fast --activity Child").code, 0);
+    EXPECT_EQ(runOn("unmark --all m/* --activity Child").code, 0);
     EXPECT_EQ(read(), kModel);
-    const std::pair<std::vector<std::string>, const char*> refusals[] = {
-        {{"unmark", path(), "--all", "m/*", "--activity", "Idle"}, "Self,Child,Leaf,Data"},
-        {{"unmark", path(), "--all", "m/*", "--ssid", "4"}, "--ssid is for one chart"},
-        {{"unobserve", path(), "--all", "m/*", "--ssid", "4"}, "--ssid is for one chart"},
-        {{"unmark", path(), "--dangling", "--activity", "Self"}, "name one as REF"},
-        {{"mark", path(), "--all", "m/*", "--activity", "Child"}, "--all marks ports"},
-        {{"query", path(), "Logic/On/Fast", "--ssid", "5"}, "is 4, not 5"},
-        {{"query", path(), "Logic", "--ssid", "9"}, "the chart \"Logic\" has no item with the SSID 9"},
-        {{"query", path(), "A", "--ssid", "4"}, "the block \"A\" is no chart"},
-    };
-    for (const auto& [words, message] : refusals) {
-        const testing::Finished finished = run(words);
-        EXPECT_EQ(finished.code, 2) << message;
-        EXPECT_TRUE(contains(finished.err, message)) << finished.err;
-    }
-    EXPECT_EQ(query({"Logic/Both", "--ssid", "5"}), 1);
+    expectSaid("unmark --all m/* --activity Idle", 2, "Self,Child,Leaf,Data");
+    expectSaid("unmark --all m/* --ssid 4", 2, "--ssid is for one chart");
+    expectSaid("unobserve --all m/* --ssid 4", 2, "--ssid is for one chart");
+    expectSaid("unmark --dangling --activity Self", 2, "name one as REF");
+    expectSaid("mark --all m/* --activity Child", 2, "--all marks ports");
+    expectSaid("query Logic/On/Fast --ssid 5", 2, "is 4, not 5");
+    expectSaid("query Logic --ssid 9", 2, "the chart \"Logic\" has no item with the SSID 9");
+    expectSaid("query A --ssid 4", 2, "the block \"A\" is no chart");
+    EXPECT_EQ(query("Logic/Both --ssid 5"), 1);
     EXPECT_EQ(read(), kModel);
 }
 
 TEST_F(Commands, danglingSignalsAreRemovedOnDemand) {
     write(replaced(kModel, "\"EID_\": \"1\"", "\"EID_\": \"9\""));
-    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 2);
-    const testing::Finished finished = run({"unmark", path(), "--dangling"});
-    EXPECT_EQ(finished.code, 0) << finished.err;
-    EXPECT_TRUE(contains(finished.out, "on A (gone)")) << finished.out;
-    EXPECT_TRUE(contains(finished.err, "left without a signal: client 1")) << finished.err;
-    EXPECT_EQ(query({"Logic/On/Fast"}), 0);
+    EXPECT_EQ(runOn("unmark Logic/On/Fast").code, 2);
+    const testing::Finished finished = runOn("unmark --dangling");
+    EXPECT_EQ(finished.code, 0);
+    expectParts(finished.out, {"on A (gone)"});
+    expectParts(finished.err, {"left without a signal: client 1"});
+    EXPECT_EQ(query("Logic/On/Fast"), 0);
 }
 
 TEST_F(Commands, signalsFollowAMovedBlock) {
     write(replaced(kModel, "{\"path\": \"A\", ", "{\"path\": \"Z\", "));
-    EXPECT_EQ(query({"Z"}), 0);
-    EXPECT_TRUE(contains(run({"mark", path(), "Z"}).out, "already marked"));
-    EXPECT_EQ(run({"mark", path(), "Z:2"}).code, 0);
+    EXPECT_EQ(query("Z"), 0);
+    expectParts(runOn("mark Z").out, {"already marked"});
+    EXPECT_EQ(runOn("mark Z:2").code, 0);
     EXPECT_FALSE(contains(read(), "\"BlockPath_\": \"A\""));
 }
 
 TEST_F(Commands, aBlockAtTheOldPathOfAMovedOneIsNotObserved) {
     const std::string moved = replaced(kModel, "{\"path\": \"A\", \"eid\": \"1\"", "{\"path\": \"Z\", \"eid\": \"1\"");
     write(replaced(moved, "{\"path\": \"A/B:1\"", "{\"path\": \"A\""));
-    EXPECT_EQ(query({"Z"}), 0);
-    EXPECT_EQ(query({"A"}), 1);
-    EXPECT_TRUE(contains(run({"mark", path(), "A"}).out, "marked m/A:1 (y) as signal 3"));
-    EXPECT_EQ(run({"unmark", path(), "Z"}).code, 0);
-    EXPECT_EQ(query({"A"}), 0);
+    EXPECT_EQ(query("Z"), 0);
+    EXPECT_EQ(query("A"), 1);
+    expectParts(runOn("mark A").out, {"marked m/A:1 (y) as signal 3"});
+    EXPECT_EQ(runOn("unmark Z").code, 0);
+    EXPECT_EQ(query("A"), 0);
 }
 
 TEST_F(Commands, portsWithAnotherLogicalNumberAreObserved) {
     write(replaced(kModel, "\"LogicalPortIndex_\": 0", "\"LogicalPortIndex_\": 2"));
-    EXPECT_EQ(query({"A"}), 0);
-    EXPECT_EQ(query({"A:2"}), 1);
+    EXPECT_EQ(query("A"), 0);
+    EXPECT_EQ(query("A:2"), 1);
 }
 
 TEST_F(Commands, signalsTakeTheNewNameOfARenamedState) {
     write(replaced(kModel, "\"path\": \"On/Fast\"", "\"path\": \"On/Faster\""));
-    EXPECT_TRUE(contains(run({"show", path()}).out, "Logic/On/Faster "));
-    EXPECT_EQ(run({"mark", path(), "A:2"}).code, 0);
-    EXPECT_TRUE(contains(read(), "\"SubPath_\": \"On/Faster\""));
+    expectParts(runOn("show").out, {"Logic/On/Faster "});
+    EXPECT_EQ(runOn("mark A:2").code, 0);
+    expectParts(read(), {"\"SubPath_\": \"On/Faster\""});
 }
 
 TEST_F(Commands, showListsSignalsAndBlocks) {
-    const testing::Finished shown = run({"show", path()});
-    EXPECT_TRUE(contains(shown.out, "1  A                 1  y          speed \"ü\"  port"));
-    EXPECT_TRUE(contains(shown.out, "[x] 1 y  [ ] 2 valid"));
-    EXPECT_TRUE(contains(shown.out, "(state) On/Fast #4  [x] Self"));
-    EXPECT_TRUE(contains(run({"show", path(), "--json"}).out, R"({"name": "valid", "observed": false})"));
+    expectParts(runOn("show").out, {"1  A                 1  y          speed \"ü\"  port", "[x] 1 y  [ ] 2 valid",
+                                    "(state) On/Fast #4  [x] Self"});
+    expectParts(runOn("show --json").out, {R"({"name": "valid", "observed": false})"});
 }
 
 TEST_F(Commands, aSaveThatCannotBeToldIsNamed) {
@@ -220,21 +188,21 @@ TEST_F(Commands, aSaveThatCannotBeToldIsNamed) {
 }
 
 TEST_F(Commands, tourTellsTheMainJobOnACopy) {
-    const testing::Finished tour = run({"tour", path()});
+    const testing::Finished tour = runOn("tour");
     EXPECT_EQ(tour.code, 0) << tour.err;
     EXPECT_EQ(tour.err, "");
     EXPECT_EQ(read(), kModel);
-    for (const char* part :
-         {"m/A:2 (valid): marked already, nothing added", "handles are new",
-          "by handle not observed; by path observed; by handle again observed", "marked again: observed, the same UUID",
-          "ks_scope_observer: m/A > m/A, port 1, decimation 2", "received m -> m_draft\n", "received m -> m_final\n",
-          "split again: ", "received block_param_change for m_final/A", "client 2 (hmi_web_widget_observer) of",
-          "of 4 clients, 2 are left", "received m_final -> m\n"})
-        EXPECT_TRUE(contains(tour.out, part)) << part << tour.out;
+    expectParts(
+        tour.out,
+        {"m/A:2 (valid): marked already, nothing added", "handles are new",
+         "by handle not observed; by path observed; by handle again observed", "marked again: observed, the same UUID",
+         "ks_scope_observer: m/A > m/A, port 1, decimation 2", "received m -> m_draft\n", "received m -> m_final\n",
+         "split again: ", "received block_param_change for m_final/A", "client 2 (hmi_web_widget_observer) of",
+         "of 4 clients, 2 are left", "received m_final -> m\n"});
     write("{\"kestrelModel\": 1, \"name\": \"e\", \"blocks\": [], \"signals\": [], \"clients\": []}");
-    EXPECT_EQ(run({"tour", path()}).code, 0);
+    EXPECT_EQ(runOn("tour").code, 0);
     write("{");
-    EXPECT_TRUE(contains(run({"tour", path()}).err, path() + ":1:2: not JSON"));
+    expectParts(runOn("tour").err, {path() + ":1:2: not JSON"});
 }
 
 TEST_F(Commands, usageErrorsAreErrors) {
@@ -242,11 +210,10 @@ TEST_F(Commands, usageErrorsAreErrors) {
     EXPECT_TRUE(contains(run({"paint"}).err, "kshmi: there is no command \"paint\"; use one of tour, show"));
     EXPECT_TRUE(contains(run({"--nonsense"}).err, "no option \"--nonsense\" in front of a command; \"kshmi --help\""));
     EXPECT_EQ(run({"--json", "show", path()}).code, 2);
-    EXPECT_TRUE(contains(run({"query", path(), "A", "--ssid", "-1"}).err,
-                         "kshmi: --ssid: \"-1\": give a whole number from 0 to"));
-    EXPECT_EQ(run({"mark", path()}).code, 2);
-    EXPECT_EQ(run({"mark", path(), "A", "--decimation", "0"}).code, 2);
-    EXPECT_EQ(run({"mark", path(), "A", "--frobnicate"}).code, 2);
+    expectParts(runOn("query A --ssid -1").err, {"kshmi: --ssid: \"-1\": give a whole number from 0 to"});
+    EXPECT_EQ(runOn("mark").code, 2);
+    EXPECT_EQ(runOn("mark A --decimation 0").code, 2);
+    EXPECT_EQ(runOn("mark A --frobnicate").code, 2);
     EXPECT_EQ(run({"--version"}).code, 0);
     EXPECT_TRUE(contains(run({"mark", "--help"}).out, "Examples:"));
 }

@@ -13,28 +13,26 @@ class HostFailures : public testing::KshmiTest {
 protected:
     HostFailures() { write(kModel); }
 
-    static orvex::LedgerCounts live() { return orvex::liveCounts(); }
-
     template <typename Check>
-    void sweep(const std::vector<std::string>& words, orvex::FaultKind kind, Check check) const {
-        run(words);  // enters the host, and makes what the host keeps
-        const orvex::LedgerCounts before = live();
+    void sweep(const std::string& command, orvex::FaultKind kind, Check check) const {
+        runOn(command);  // enters the host, and makes what the host keeps
+        const orvex::LedgerCounts before = orvex::liveCounts();
         for (std::size_t failAt = 1;; failAt += 1 + failAt / 64) {
             write(kModel);
             const orvex::FaultInjection faults({.failAt = failAt, .kind = kind});
-            const Finished finished = run(words);
+            const Finished finished = runOn(command);
             if (faults.fired() == 0) return;
+            SCOPED_TRACE(command + ", operation " + std::to_string(failAt));
             check(finished);
-            ASSERT_EQ(live(), before) << "operation " << failAt << '\n' << orvex::describeLive();
-            ASSERT_TRUE(kestrel::loadedModels().all().empty()) << "operation " << failAt;
+            ASSERT_EQ(orvex::liveCounts(), before) << orvex::describeLive();
+            ASSERT_TRUE(kestrel::loadedModels().all().empty());
         }
     }
 };
 
 TEST_F(HostFailures, aModelIsSavedAsAskedForOrNotAtAll) {
-    const std::vector<std::string> words{"mark", path(), "A:2", "Logic/limit"};
     for (const auto kind : {orvex::FaultKind::exception, orvex::FaultKind::outOfMemory, orvex::FaultKind::refusal})
-        sweep(words, kind, [&](const Finished& finished) {
+        sweep("mark A:2 Logic/limit", kind, [&](const Finished& finished) {
             const bool isSaved = testing::contains(read(), "\"OutputPortIndex_\": 2");
             EXPECT_EQ(finished.code, isSaved ? 0 : 2) << finished.err;
             EXPECT_EQ(testing::contains(read(), "\"SSID\": \"7\""), isSaved);
@@ -44,9 +42,22 @@ TEST_F(HostFailures, aModelIsSavedAsAskedForOrNotAtAll) {
         });
 }
 
+TEST_F(HostFailures, aCommandOfAnEditorIsDoneOrNotAtAll) {
+    for (const char* const command : {"observe A --type t", "unobserve A", "rename n", "move A C", "renumber A 2,1"}) {
+        write(kModel);
+        runOn(command);
+        const std::string done = read();
+        const bool isMinted = std::string(command).starts_with("observe");  // with another UUID each time
+        sweep(command, orvex::FaultKind::exception, [&](const Finished& finished) {
+            const std::string now = read();
+            ASSERT_TRUE(now == kModel || now == done || (isMinted && now.size() == done.size())) << finished.err << now;
+            ASSERT_EQ(finished.code == 0, now != kModel) << finished.err;
+        });
+    }
+}
+
 TEST_F(HostFailures, aQueryAnswersOrSaysThatItCannot) {
-    const std::vector<std::string> words{"query", path(), "A", "Logic/On/Fast"};
-    sweep(words, orvex::FaultKind::exception, [](const Finished& finished) {
+    sweep("query A Logic/On/Fast", orvex::FaultKind::exception, [](const Finished& finished) {
         EXPECT_NE(finished.code, 1) << "an answer was made up";
         EXPECT_EQ(finished.code == 2, !finished.err.empty());
     });

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iomanip>
 #include <iostream>
 #include <iterator>
 #include <sstream>
@@ -60,6 +61,23 @@ protected:
         std::ostringstream err;
         const int code = runCommandLine(std::move(arguments), {out, err});
         return {code, out.str(), err.str()};
+    }
+    /// Runs a command line with the model's file behind the command; a word with spaces stands in quotes.
+    Finished runOn(const std::string& line) const {
+        std::istringstream in(line);
+        std::vector<std::string> words;
+        for (std::string word; in >> std::quoted(word);) words.push_back(word);
+        words.insert(words.begin() + 1, path());
+        return run(std::move(words));
+    }
+    /// The line ends with that code and says this, on its output or, when it is refused, as an error.
+    void expectSaid(const std::string& line, int code, const std::string& said) const {
+        const Finished finished = runOn(line);
+        EXPECT_EQ(finished.code, code) << line << '\n' << finished.err;
+        expectParts(code == 2 ? finished.err : finished.out, {said});
+    }
+    static void expectParts(const std::string& text, const std::vector<std::string>& parts) {
+        for (const std::string& part : parts) EXPECT_NE(text.find(part), std::string::npos) << part << "\nin\n" << text;
     }
 
 private:

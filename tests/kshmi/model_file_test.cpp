@@ -16,7 +16,7 @@ using testing::replaced;
 class ModelFiles : public testing::KshmiTest {
 protected:
     /// Saves the file without a change that would show in it.
-    void resave() const { EXPECT_EQ(run({"mark", path(), "A:valid", "--exclude-from-save"}).err, ""); }
+    void resave() const { EXPECT_EQ(runOn("mark A:valid --exclude-from-save").err, ""); }
 };
 
 TEST_F(ModelFiles, savingWhatWasLoadedGivesTheSameBytes) {
@@ -138,7 +138,7 @@ TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
     for (const Refusal& refusal : refusals) {
         const std::string text = replaced(kModel, refusal.what, refusal.with);
         write(text);
-        const testing::Finished finished = run({"mark", path(), "A:2"});
+        const testing::Finished finished = runOn("mark A:2");
         EXPECT_EQ(finished.code, 2) << refusal.with;
         EXPECT_TRUE(contains(finished.err, refusal.message)) << refusal.message << "\n" << finished.err;
         EXPECT_TRUE(contains(finished.err, "kshmi: " + path() + ":")) << finished.err;
@@ -158,7 +158,7 @@ TEST_F(ModelFiles, aFailedSaveLeavesTheOldFileAndNothingElse) {
     ::getrlimit(RLIMIT_FSIZE, &before);
     const rlimit small{100, before.rlim_max};
     ::setrlimit(RLIMIT_FSIZE, &small);
-    const testing::Finished finished = run({"mark", path(), "A:2"});
+    const testing::Finished finished = runOn("mark A:2");
     ::setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(finished.code, 2);
     EXPECT_EQ(finished.out, "");
