@@ -31,7 +31,8 @@ bool ks_test::FailingAllocations::arePossible() noexcept { return KS_HMI_SANITIZ
 
 #if !KS_HMI_SANITIZED
 
-// The program's own operators take the place of the standard library's in every library that it loads.
+// The program's own operators take the place of the standard library's in every library that it loads; those for
+// arrays and those that do not throw call them.
 
 namespace {
 
@@ -44,12 +45,6 @@ bool isToFail() noexcept {
     return true;
 }
 
-void* allocated(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
-    if (isToFail()) return nullptr;
-    if (alignment <= alignof(std::max_align_t)) return std::malloc(size == 0 ? 1 : size);
-    return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
-}
-
 void* orThrow(void* storage) {
     if (storage == nullptr) throw std::bad_alloc();
     return storage;
@@ -57,22 +52,14 @@ void* orThrow(void* storage) {
 
 }  // namespace
 
-void* operator new(std::size_t size) { return orThrow(allocated(size)); }
-void* operator new[](std::size_t size) { return orThrow(allocated(size)); }
+void* operator new(std::size_t size) { return orThrow(isToFail() ? nullptr : std::malloc(size == 0 ? 1 : size)); }
 void* operator new(std::size_t size, std::align_val_t alignment) {
-    return orThrow(allocated(size, static_cast<std::size_t>(alignment)));
+    const auto step = static_cast<std::size_t>(alignment);
+    return orThrow(isToFail() ? nullptr : std::aligned_alloc(step, (size + step - 1) / step * step));
 }
-void* operator new[](std::size_t size, std::align_val_t alignment) {
-    return orThrow(allocated(size, static_cast<std::size_t>(alignment)));
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocated(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocated(size); }
 void operator delete(void* storage) noexcept { std::free(storage); }
-void operator delete[](void* storage) noexcept { std::free(storage); }
 void operator delete(void* storage, std::size_t) noexcept { std::free(storage); }
-void operator delete[](void* storage, std::size_t) noexcept { std::free(storage); }
 void operator delete(void* storage, std::align_val_t) noexcept { std::free(storage); }
-void operator delete[](void* storage, std::align_val_t) noexcept { std::free(storage); }
 void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { std::free(storage); }
 void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept { std::free(storage); }
 
