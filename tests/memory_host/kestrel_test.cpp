@@ -126,10 +126,8 @@ TEST_F(Kestrel, signalsAlignByIdentifierWhereverTheBlockMovedAndByPathWithoutOne
 }
 
 TEST_F(Kestrel, theSignalClassTakesACompleteStructOnly) {
-    const std::size_t one = 1;
-    const char* const onlyField = "UUID";
-    const HvArrayPtr data(hvCreateStructArray(1, &one, 1, &onlyField));
-    hvReplaceField(data.get(), 0, onlyField, hvCreateString("u"));
+    const HvArrayPtr data = ks_test::structOf(1, std::array{"UUID"});
+    hvReplaceField(data.get(), 0, "UUID", hvCreateString("u"));
     EXPECT_EQ(failureOf([&] { call("Kestrel.HMI.SignalSpecification", {data.get()}); }),
               "MissingField: The struct for an object of class Kestrel.HMI.SignalSpecification has no value in the "
               "field \"BlockPath_\".");
@@ -141,9 +139,7 @@ TEST_F(Kestrel, theSignalClassTakesACompleteStructOnly) {
 
 TEST_F(Kestrel, isEqualLooksAtValuesNotAtTheirClassOrFieldOrder) {
     const auto record = [&](const char* first, const char* second) {
-        const std::size_t one = 1;
-        const std::array names{first, second};
-        HvArrayPtr value(hvCreateStructArray(1, &one, 2, names.data()));
+        HvArrayPtr value = ks_test::structOf(1, std::array{first, second});
         hvReplaceField(value.get(), 0, "a", hvCreateDoubleScalar(1.0));
         return value;
     };

@@ -26,5 +26,5 @@ using ks_test::text;
 /// A struct column of `rows` elements with the fields "a" and "b".
 inline HvArrayPtr structOf(std::size_t rows) {
     static constexpr std::array kNames{"a", "b"};
-    return HvArrayPtr(hvCreateStructArray(1, &rows, 2, kNames.data()));
+    return ks_test::structOf(rows, kNames);
 }

@@ -10,16 +10,8 @@ using ks_hmi::SignalClient;
 
 namespace {
 
-HvArrayPtr uint32(std::uint32_t value) {
-    HvArrayPtr scalar(hvCreateNumericScalar(hvUINT32_CLASS, hvREAL));
-    *static_cast<std::uint32_t*>(hvGetDataForWriting(scalar.get())) = value;
-    return scalar;
-}
-
 HvArrayPtr params(const char* modelName) {
-    const char* const fields[] = {"ModelName", "Color"};
-    const std::size_t one = 1;
-    HvArrayPtr value(hvCreateStructArray(1, &one, 2, fields));
+    HvArrayPtr value = structOf(1, std::array{"ModelName", "Color"});
     hvReplaceField(value.get(), 0, "ModelName", text(modelName).release());
     return value;
 }
@@ -27,8 +19,7 @@ HvArrayPtr params(const char* modelName) {
 class SignalClientTest : public ModelTest {
 protected:
     static HvArrayPtr emptyStruct(std::size_t elements = 1) {
-        return HvArrayPtr(hvCreateStructArray(1, &elements, SignalClient::getNumStructFields(),
-                                              SignalClient::getStructFields().data()));
+        return structOf(elements, SignalClient::getStructFields());
     }
     static std::unique_ptr<SignalClient> filled() {
         auto client = std::make_unique<SignalClient>();
@@ -120,7 +111,8 @@ TEST_F(SignalClientTest, readsWhatOlderAndForeignWritersLeave) {
         {"ObserveImaginaryPart_", nullptr, [](const auto& c) { return !c.m_observeImaginaryPart; }},
         {"BusLeafPath_", nullptr, [](const auto& c) { return c.m_busLeafPath.empty(); }},
         {"UpdateRate_", number(2.9), [](const auto& c) { return c.m_updateRate == 2; }},
-        {"UpdateRate_", uint32(4294967295U), [](const auto& c) { return c.m_updateRate == UINT64_MAX; }},
+        {"UpdateRate_", numbers<std::uint32_t>(hvUINT32_CLASS, {UINT32_MAX}),
+         [](const auto& c) { return c.m_updateRate == UINT64_MAX; }},
         {"ObserveImaginaryPart_", number(2.0), [](const auto& c) { return c.m_observeImaginaryPart; }},
         {"ObserveImaginaryPart_", number(NAN), [](const auto& c) { return c.m_observeImaginaryPart; }},
         {"ObserveImaginaryPart_", emptyDouble(), [](const auto& c) { return !c.m_observeImaginaryPart; }},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -74,9 +75,7 @@ public:
         result->m_sourceModel = u"m1";
         result->m_modelPath = {u"Sub"};
         result->m_modelPathEID = {"2"};
-        static constexpr const char* kFields[] = {"ModelName", "gain"};
-        static constexpr std::size_t kOne = 1;
-        result->m_observerParams.reset(hvCreateStructArray(1, &kOne, 2, kFields));
+        result->m_observerParams = structOf(1, std::array{"ModelName", "gain"});
         hvReplaceField(result->m_observerParams.get(), 0, "ModelName", text("m1").release());
         hvReplaceField(result->m_observerParams.get(), 0, "gain", number(3).release());
         return result;

@@ -16,8 +16,8 @@ using Members = SignalSpecification;
 
 class SignalSpecificationTest : public ModelTest {
 protected:
-    static HvArrayPtr emptyStruct(int fields = 16, std::size_t elements = 1) {
-        return HvArrayPtr(hvCreateStructArray(1, &elements, fields, SignalSpecification::getStructFields()));
+    static HvArrayPtr emptyStruct(std::size_t fields = 16, std::size_t elements = 1) {
+        return structOf(elements, {SignalSpecification::getStructFields(), fields});
     }
     static std::unique_ptr<SignalSpecification> filled() {
         auto spec = port(u"Sub/Switch", 2, "3");
@@ -65,18 +65,14 @@ TEST_F(SignalSpecificationTest, readsWhatOlderAndForeignWritersLeave) {
         HvArrayPtr value;
         std::function<bool(const Members&)> holds;
     };
-    const auto uint8 = [](std::uint8_t v) {
-        HvArrayPtr value(hvCreateNumericScalar(hvUINT8_CLASS, hvREAL));
-        *static_cast<std::uint8_t*>(hvGetDataForWriting(value.get())) = v;
-        return value;
-    };
     Row rows[] = {
         {"OutputPortIndex_", number(3.9), [](const Members& s) { return s.m_outputPortIndex == 3; }},
         {"OutputPortIndex_", number(-1.5), [](const Members& s) { return s.m_outputPortIndex == -1; }},
         {"OutputPortIndex_", number(NAN), [](const Members& s) { return s.m_outputPortIndex == 0; }},
         {"Decimation_", number(1e300), [](const Members& s) { return s.m_decimation == INT32_MAX; }},
         {"Decimation_", number(-INFINITY), [](const Members& s) { return s.m_decimation == INT32_MIN; }},
-        {"MaxPoints_", uint8(200), [](const Members& s) { return s.m_maxPoints == 200; }},
+        {"MaxPoints_", numbers<std::uint8_t>(hvUINT8_CLASS, {200}),
+         [](const Members& s) { return s.m_maxPoints == 200; }},
         {"MaxPoints_", logical(true), [](const Members& s) { return s.m_maxPoints == 1; }},
         {"HideInPLV_", number(2.0), [](const Members& s) { return s.m_hideInPLV; }},
         {"IsFrameBased_", number(NAN), [](const Members& s) { return s.m_isFrameBased; }},

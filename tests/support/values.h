@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,6 +20,17 @@ inline HvArrayPtr text(std::string_view utf8) { return HvArrayPtr(matrix::create
 inline HvArrayPtr text(std::u16string_view units) { return HvArrayPtr(matrix::create(units.data(), units.size())); }
 inline HvArrayPtr number(double value) { return HvArrayPtr(hvCreateDoubleScalar(value)); }
 inline HvArrayPtr logical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }
+/// A column of numbers.
+template <class Number>
+HvArrayPtr numbers(hvClassID classID, std::initializer_list<Number> values) {
+    HvArrayPtr column(hvCreateNumericMatrix(values.size(), 1, classID, hvREAL));
+    std::copy(values.begin(), values.end(), static_cast<Number*>(hvGetDataForWriting(column.get())));
+    return column;
+}
+/// A column of structs without values.
+inline HvArrayPtr structOf(std::size_t elements, std::span<const char* const> names) {
+    return HvArrayPtr(hvCreateStructArray(1, &elements, static_cast<int>(names.size()), names.data()));
+}
 inline HvArrayPtr emptyDouble() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
 
 /// Calls the host by name as a script would; the first result, null when there is none.
