@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/api.h"
@@ -24,6 +25,8 @@ public:
     hvArray* signals() noexcept { return m_signals.get(); }
     const hvArray* signals() const noexcept { return m_signals.get(); }
     void setSignals(HvArrayPtr signals) noexcept { m_signals = std::move(signals); }
+    /// Positions (1-based) at which signals were found last, by UUID. A hint: the set may have changed since.
+    std::unordered_map<std::u16string, double>& foundSignals() noexcept { return m_foundSignals; }
 
     /// Borrowed: a 1x1 "Kestrel.HMI.StreamingClients" object, or null.
     hvArray* clients() noexcept { return m_clients.get(); }
@@ -33,6 +36,7 @@ public:
 private:
     Model m_model;
     HvArrayPtr m_signals;
+    std::unordered_map<std::u16string, double> m_foundSignals;
     HvArrayPtr m_clients;
 };
 

@@ -13,6 +13,19 @@ std::u16string uuidAt(const hvArray* set, double position) {
     return textOf(callForOne("getUUID", {set, numberValue(position).get()}).get());
 }
 
+/// 0 when the set has no such signal.
+double positionOf(LoadedModel& open, const std::u16string& uuid) {
+    const hvArray* const set = open.signals();
+    const double count = set ? numberProperty(set, "Count") : 0.0;
+    auto& known = open.foundSignals();
+    if (const auto hint = known.find(uuid); hint != known.end())
+        if (hint->second <= count && uuidAt(set, hint->second) == uuid) return hint->second;
+    known.clear();
+    for (double position = 1.0; position <= count; ++position) known.emplace(uuidAt(set, position), position);
+    const auto found = known.find(uuid);
+    return found == known.end() ? 0.0 : found->second;
+}
+
 }  // namespace
 
 std::vector<std::u16string> modelsOfClient(const hos::COSObject& client) {
@@ -40,11 +53,9 @@ std::vector<std::u16string> signalUuids(const LoadedModel& open) {
 HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, std::u16string_view uuid) {
     if (uuid.empty()) return nullptr;
     for (const std::u16string& name : modelNames) {
-        const LoadedModel* open = loadedModels().find(name);
-        const hvArray* set = open ? open->signals() : nullptr;
-        const double count = set ? numberProperty(set, "Count") : 0.0;
-        for (double position = 1.0; position <= count; ++position)
-            if (uuidAt(set, position) == uuid) return callForOne("get", {set, numberValue(position).get()});
+        LoadedModel* const open = loadedModels().find(name);
+        const double position = open ? positionOf(*open, std::u16string(uuid)) : 0.0;
+        if (position > 0.0) return callForOne("get", {open->signals(), numberValue(position).get()});
     }
     return nullptr;
 }
