@@ -18,12 +18,12 @@ std::u16string StreamingClients::getModelName() const { return m_modelName; }
 void StreamingClients::setModelName(const std::u16string& newName) {
     const std::u16string name = newName;
     std::u16string oldName = name;
-    std::u16string knownName = m_modelName.empty() ? name : m_knownModelName;
+    std::u16string knownName = name;
     // Values that are replaced may run scripts when they go: a snapshot is renamed.
     const std::vector<ClientPtr> clients = m_clients;
     m_modelName.swap(oldName);
-    m_knownModelName.swap(knownName);
     for (const ClientPtr& client : clients) client->renameModel(oldName, name);
+    if (oldName.empty()) m_knownModelName.swap(knownName);
 }
 
 std::size_t StreamingClients::getCount() const { return m_clients.size(); }

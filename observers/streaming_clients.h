@@ -31,7 +31,7 @@ public:
     std::u16string getModelName() const;
     /// Renames the clients as well. The first naming is also the name that the host knows; a later one is not,
     /// until `validateAndRemoveUnused`: from a to b to c the host is told a, c. When a client cannot be renamed
-    /// the ones before it are, and the error propagates.
+    /// the set and the clients before it are, a first name is not known to the host, and the error propagates.
     void setModelName(const std::u16string& name);
 
     std::size_t getCount() const;
