@@ -46,8 +46,11 @@ std::string contents(const std::string& path) {
 }
 
 bool hasControlCharacters(const std::string& text) {
-    for (const char c : text)
-        if ((static_cast<unsigned char>(c) < 0x20 && c != '\n') || c == 0x7f) return true;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(text.c_str()[i + 1]);
+        if ((byte < 0x20 && byte != '\n') || byte == 0x7f || (byte == 0xc2 && next < 0xa0)) return true;
+    }
     return false;
 }
 

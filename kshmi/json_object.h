@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "kshmi/host_value_writer.h"
+#include "kshmi/text.h"
 
 namespace kshmi {
 
@@ -49,7 +50,7 @@ template <typename Item, typename AppendOne>
 void printJsonLines(std::ostream& out, const std::vector<Item>& items, AppendOne appendOne) {
     std::string text = "[";
     appendJsonLines(text, items.size(), [&](std::size_t i) { appendOne(text, items[i]); });
-    out << text << (items.empty() ? "]\n" : "\n]\n");
+    out << printableJson(text) << (items.empty() ? "]\n" : "\n]\n");
 }
 
 }  // namespace kshmi

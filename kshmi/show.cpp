@@ -154,7 +154,7 @@ void printJson(const Session& session, std::ostream& out) {
     text += "],\n\"clients\": [";
     const SignalUuids uuids(session);
     appendJsonLines(text, session.clients().getCount(), [&](std::size_t i) { appendClient(text, session, i, uuids); });
-    out << text << "]}\n";
+    out << printableJson(text) << "]}\n";
 }
 
 }  // namespace

@@ -18,6 +18,31 @@ bool isContinuation(char c) noexcept { return (static_cast<unsigned char>(c) & 0
 /// Whether the two bytes are one of the control characters U+0080 to U+009F.
 bool isHighControl(unsigned char first, unsigned char second) noexcept { return first == 0xC2 && second < 0xA0; }
 
+std::string escapeInText(unsigned char control) {
+    if (control == '\n') return "\\n";
+    if (control == '\t') return "\\t";
+    return fmt::format("\\x{:02x}", control);
+}
+
+/// The lines of a document stay.
+std::string escapeInJson(unsigned char control) { return control == '\n' ? "\n" : fmt::format("\\u{:04x}", control); }
+
+template <typename Escape>
+std::string withoutControls(std::string_view text, Escape escape) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0xFF);
+        if (byte < kFirstVisible || byte == kDelete)
+            result += escape(byte);
+        else if (isHighControl(byte, next))
+            result += escape(static_cast<unsigned char>(text[++i]));
+        else
+            result += text[i];
+    }
+    return result;
+}
+
 }  // namespace
 
 std::u16string toUtf16(std::string_view text) { return matrix::get_ustring(textValue(text).get()); }
@@ -41,26 +66,9 @@ bool isWellFormed(std::u16string_view text) noexcept {
     return true;
 }
 
-std::string printable(std::string_view text) {
-    std::string result;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0xFF);
-        if (byte == '\n')
-            result += "\\n";
-        else if (byte == '\t')
-            result += "\\t";
-        else if (byte < kFirstVisible || byte == kDelete)
-            result += fmt::format("\\x{:02x}", byte);
-        else if (isHighControl(byte, next))
-            result += fmt::format("\\x{:02x}", static_cast<unsigned char>(text[++i]));
-        else
-            result += text[i];
-    }
-    return result;
-}
-
+std::string printable(std::string_view text) { return withoutControls(text, escapeInText); }
 std::string printable(std::u16string_view text) { return printable(toUtf8(text)); }
+std::string printableJson(std::string_view document) { return withoutControls(document, escapeInJson); }
 std::string quoted(std::string_view text) { return '"' + printable(text) + '"'; }
 std::string quoted(std::u16string_view text) { return quoted(toUtf8(text)); }
 

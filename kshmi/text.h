@@ -25,7 +25,9 @@ bool isWellFormed(std::u16string_view text) noexcept;
 /// The text with control characters escaped ("\n", "\x1b"), so that a name cannot drive a terminal.
 std::string printable(std::string_view text);
 std::string printable(std::u16string_view text);
-/// The same in double quotes.
+/// A JSON document in which the control characters that JSON lets stand (U+007F to U+009F) are escaped as well.
+std::string printableJson(std::string_view document);
+/// As `printable`, in double quotes.
 std::string quoted(std::string_view text);
 std::string quoted(std::u16string_view text);
 
