@@ -118,13 +118,8 @@ const std::vector<Row>& setRows() {
              spec->setCachedInfo(w.gain + 1, 1);
              w.signals().insert(0, std::move(spec));
          }},
-        {"add a chart's signal",
-         [](World& w) {
-             auto spec = World::port(u"Sub/Chart", 0, "4", "s-4");
-             spec->m_domainType = u"cw_state";
-             spec->m_domainParams = {{u"SSID", u"8"}, {u"Activity", u"Child"}};
-             w.signals().add(std::move(spec));
-         }},
+        {"add a chart's signal", [](World& w) { w.signals().add(World::state(u"8", u"Child", "s-4")); }},
+        {"set a chart's signal", [](World& w) { w.signals().set(0, World::state(u"8", u"Child", "s-4")); }},
         {"set", [](World& w) { w.signals().set(0, World::port(u"Sub/Other", 1, "5", "s-4")); }},
         {"remove by position", [](World& w) { w.signals().remove(0); }},
         {"remove a chart's signal", [](World& w) { w.signals().remove(2); }},

@@ -71,24 +71,6 @@ class DecimalComma : public std::numpunct<char> {
     std::string do_grouping() const override { return "\3"; }
 };
 
-/// Numbers are written with commas as long as this lives, also in C where the system has such a locale.
-class GermanNumbers {
-public:
-    GermanNumbers() : m_before(std::locale::global(std::locale(std::locale(), new DecimalComma))) {
-        for (const char* const name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8"})
-            if (std::setlocale(LC_NUMERIC, name) != nullptr) break;
-    }
-    GermanNumbers(const GermanNumbers&) = delete;
-    GermanNumbers& operator=(const GermanNumbers&) = delete;
-    ~GermanNumbers() {
-        std::locale::global(m_before);
-        std::setlocale(LC_ALL, "C");
-    }
-
-private:
-    std::locale m_before;
-};
-
 TEST_F(Limits, aDecimalCommaChangesNoKey) {
     const auto keys = [] {
         SignalSpecification::getBlockUUIDmap().clear();
@@ -98,10 +80,14 @@ TEST_F(Limits, aDecimalCommaChangesNoKey) {
     };
     set().add(chartItem(u"cw_state", u"1234.5", u"Self"));
     const auto before = keys();
-    const GermanNumbers comma;
+    const std::locale locale = std::locale::global(std::locale(std::locale(), new DecimalComma));
+    // In C as well, where the system has such a locale.
+    std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
     EXPECT_EQ(keys(), before);
     EXPECT_TRUE(set().isCWActivityObserved(u"m1:4", 1234.5, u"Self"));
     EXPECT_TRUE(set().isAnyCWActivityObserved(u"m1:4", 1234.5));
+    std::locale::global(locale);
+    std::setlocale(LC_ALL, "C");
 }
 
 }  // namespace

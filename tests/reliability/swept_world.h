@@ -24,7 +24,7 @@ public:
         using ks_hmi::SignalSpecification;
         kestrel::loadedModels().unloadAll();
         ks_hmi::SignalSpecification::getBlockUUIDmap().clear();
-        loadModel();
+        gain = loadModel().findByPath(u"Gain")->handle;
         signalsObject = call("Kestrel.HMI.InstrumentedSignals", {text("m1").get()});
         clientsObject = call("Kestrel.HMI.StreamingClients", {text("m1").get()});
         signals().add(port(u"Gain", 1, "1", "s-1"));
@@ -32,10 +32,7 @@ public:
         signals().updateObservedPortMap();
         signals().add(port(u"Sub/Switch", 2, "3", "s-2"));
         signals().get(1)->m_domainParams = {{u"Unit", u"V"}};
-        auto chart = port(u"Sub/Chart", 0, "4", "s-3");
-        chart->m_domainType = u"cw_state";
-        chart->m_domainParams = {{u"SSID", u"7"}, {u"Activity", u"Self"}};
-        signals().add(std::move(chart));
+        signals().add(state(u"7", u"Self", "s-3"));
         clients().add(client("c-1", "s-1"));
         clients().add(client("c-2", "s-2"));
         kestrel::loadedModels().find(u"m1")->setSignals(shared(signalsObject));
@@ -65,6 +62,13 @@ public:
         result->m_eid = eid;
         result->m_outputPortIndex = number;
         result->m_signalName = u"a name that does not fit into the text object itself";
+        return result;
+    }
+    static std::unique_ptr<ks_hmi::SignalSpecification> state(const std::u16string& ssid,
+                                                              const std::u16string& activity, const std::string& uuid) {
+        auto result = port(u"Sub/Chart", 0, "4", uuid);
+        result->m_domainType = u"cw_state";
+        result->m_domainParams = {{u"SSID", ssid}, {u"Activity", activity}};
         return result;
     }
     static std::unique_ptr<ks_hmi::SignalClient> client(const std::string& uuid, const std::string& signalUUID) {
@@ -102,14 +106,6 @@ public:
     HvArrayPtr modelObject, bundle, specObject, clientObject, saved, savedClients, one, yes, name, newName;
 
 private:
-    void loadModel() {
-        kestrel::Model model(u"m1");
-        model.add({u"Gain", "1", 0.0, {u"out"}, {}});
-        model.add({u"Sub", "2", 0.0, {}, {}});
-        model.add({u"Sub/Switch", "3", 0.0, {u"a", u"b", u"c"}, {}});
-        model.add({u"Sub/Chart", "4", 0.0, {u"y"}, kestrel::Chart{{{u"On", 7}, {u"Off", 8}}, {{u"level", 9}}}});
-        gain = kestrel::loadedModels().load(std::move(model)).model().findByPath(u"Gain")->handle;
-    }
     void makeArguments() {
         modelObject = call("Kestrel.Model", {text("m1").get()});
         bundle = ks_hmi::ModelObservers::createFromSignalsAndClients(signalsObject.get(), clientsObject.get());

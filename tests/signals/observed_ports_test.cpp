@@ -2,11 +2,6 @@
 
 #include "tests/support/host_test.h"
 
-/// The engine's ports are opaque to the library; here they need only addresses.
-struct ksPort {
-    int number = 0;
-};
-
 using namespace ks_test;
 
 namespace {
@@ -66,29 +61,6 @@ TEST_F(ObservedPorts, aRenamedModelIsFoundAfterAnUpdate) {
     EXPECT_FALSE(byPath(0.0, u"Gain", 1, 0));
     set().updateObservedPortMap();
     EXPECT_TRUE(byPath(0.0, u"Gain", 1, 0));
-}
-
-TEST_F(ObservedPorts, everyChangeEmptiesTheCacheOfEnginePorts) {
-    ksPort engine[2];
-    set().add(port(u"Gain", 1));
-    const auto cached = [&] { return set().isKSPortObserved(&engine[0]); };
-    const std::function<void()> changes[] = {
-        [&] { set().add(port(u"Sub/Switch", 1)); },     [&] { set().insert(0, port(u"Sub/Switch", 2)); },
-        [&] { set().set(0, port(u"Sub/Switch", 3)); },  [&] { set().remove(std::size_t{0}); },
-        [&] { set().remove(*port(u"Sub/Switch", 1)); }, [&] { byPath(3.5, u"Gain", 1, 1); },
-        [&] { set().updateObservedPortMap(); },         [&] { set().removeFromObservedPortMap(set().share(0)); },
-    };
-    for (const auto& change : changes) {
-        set().cacheKSPorts({&engine[0], &engine[0]});
-        EXPECT_TRUE(cached());
-        EXPECT_FALSE(set().isKSPortObserved(&engine[1]));
-        change();
-        EXPECT_FALSE(cached()) << &change - changes;
-    }
-    set().add(chartItem(u"cw_state", u"7", u"Self"));
-    set().cacheKSPorts({&engine[0]});
-    set().remove(set().getCount() - 1);
-    EXPECT_TRUE(cached()) << "a chart signal's removal leaves the cache";
 }
 
 }  // namespace

@@ -26,50 +26,6 @@ protected:
     using Ports = std::vector<int>;
 };
 
-TEST_F(PortRenumbering, signalsFollowTheirPorts) {
-    struct Row {
-        Ports before, newNumbers, after;
-    };
-    const Row rows[] = {
-        {{1, 2}, {2, 1}, {2, 1}},           // swapped
-        {{1, 2, 3}, {1, 0, 2}, {1, 2}},     // deleted, and the next one moves up
-        {{2, 1, 2, 3, 2}, {1, 0}, {1, 3}},  // several on the deleted port; ports beyond the list stay
-        {{3, 1}, {2, 3, 1}, {1, 2}},        // in a circle
-        {{1, 2}, {0, 0}, {}},               // all deleted
-        {{1}, {-4}, {-4}},                  // a negative number is taken as any other
-        {{-1, 0, 1}, {5, 5}, {-1, 0, 5}},   // signals without a port stay
-        {{1, 2}, {1, 2, 9}, {1, 2}},        // nothing moves
-    };
-    for (const Row& row : rows) {
-        while (set().getCount() > 0) set().remove(std::size_t{0});
-        for (const int before : row.before) addSwitch(before);
-        renumber(row.newNumbers);
-        EXPECT_EQ(ports(), row.after) << "row " << &row - rows;
-        for (int number = -4; number <= 5; ++number) {
-            const bool isExpected = std::count(row.after.begin(), row.after.end(), number) != 0;
-            EXPECT_EQ(isFoundByPath(u"Sub/Switch", number), isExpected) << "row " << &row - rows << " port " << number;
-            EXPECT_EQ(set().isPortObserved(kSwitchHandle, number), isExpected && number != 0)
-                << "row " << &row - rows << " port " << number;
-        }
-    }
-}
-
-TEST_F(PortRenumbering, aSignalBelongsByHandleOrPathOrIdentifier) {
-    const auto add = [&](double handle, const char16_t* path, const char* eid) {
-        auto spec = port(path, 1, eid);
-        spec->setCachedInfo(handle, 1);
-        set().add(std::move(spec));
-    };
-    add(kSwitchHandle, u"Old/Path", "9");
-    add(kOtherHandle, u"Sub/Switch", "9");  // a stale handle
-    add(kOtherHandle, u"Old/Path", "3");
-    add(kOtherHandle, u"Old/Path", "9");
-    add(kOtherHandle, u"m2/Sub/Switch", "m2:3");
-    add(kOtherHandle, u"Old/Path", "");
-    renumber({2});
-    EXPECT_EQ(ports(), (Ports{2, 2, 2, 1, 1, 1}));
-}
-
 TEST_F(PortRenumbering, handleZeroAndAnEmptyIdentifierMatchAllThatHaveNone) {
     const std::unique_ptr<ks_hmi::SignalSpecification> unresolved = port(u"Gain", 1, "1");
     auto withoutIdentifier = resolvedPort(u"Gain", 1, kOtherHandle);

@@ -27,7 +27,7 @@ struct Record {
 
 /// How much was compared.
 struct Totals {
-    std::size_t sequences = 0, steps = 0, failures = 0, questions = 0, yes = 0;
+    std::size_t steps = 0, failures = 0, questions = 0, yes = 0;
 };
 
 /// The ASCII text; no operation of the host, which might fail between the set and its model.

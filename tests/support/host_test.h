@@ -37,17 +37,20 @@ protected:
     }
 };
 
-/// A loaded model "m1" with a few blocks, and a set made for it as a script makes one.
+/// Loads a model "m1" with a few blocks.
+inline kestrel::Model& loadModel() {
+    kestrel::Model model(u"m1");
+    model.add({u"Gain", "1", 0.0, {u"out"}, {}});
+    model.add({u"Sub", "2", 0.0, {}, {}});
+    model.add({u"Sub/Switch", "3", 0.0, {u"a", u"b", u"c"}, {}});
+    model.add({u"Sub/Chart", "4", 0.0, {u"y"}, kestrel::Chart{{{u"On", 7}, {u"Off", 8}}, {{u"level", 9}}}});
+    return kestrel::loadedModels().load(std::move(model)).model();
+}
+
+/// The loaded model "m1", and a set made for it as a script makes one.
 class ModelTest : public HostTest {
 protected:
-    ModelTest() : m_object(call("Kestrel.HMI.InstrumentedSignals", {text("m1").get()})) {
-        kestrel::Model model(u"m1");
-        model.add({u"Gain", "1", 0.0, {u"out"}, {}});
-        model.add({u"Sub", "2", 0.0, {}, {}});
-        model.add({u"Sub/Switch", "3", 0.0, {u"a", u"b", u"c"}, {}});
-        model.add({u"Sub/Chart", "4", 0.0, {u"y"}, kestrel::Chart{{{u"On", 7}, {u"Off", 8}}, {{u"level", 9}}}});
-        kestrel::loadedModels().load(std::move(model));
-    }
+    ModelTest() : m_object(call("Kestrel.HMI.InstrumentedSignals", {text("m1").get()})) { loadModel(); }
 
     const hvArray* object() const { return m_object.get(); }
     ks_hmi::InstrumentedSignals& set() const { return *ks_hmi::InstrumentedSignals::getFromHvArray(m_object.get()); }

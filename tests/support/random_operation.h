@@ -83,8 +83,10 @@ public:
     }
     Operation operation() {
         Operation o;
-        // Lists are to grow, and questions that resolve handles to be asked, more often than all else.
-        static constexpr Kind kOften[] = {Kind::add, Kind::add, Kind::insert, Kind::askPath, Kind::askPath};
+        // Lists are to grow, questions that resolve handles to be asked, ports to be cached, which most changes forget,
+        // and renumbered more often than all else.
+        static constexpr Kind kOften[] = {Kind::add,     Kind::add,        Kind::insert,     Kind::askPath,
+                                          Kind::askPath, Kind::cachePorts, Kind::cachePorts, Kind::renumber};
         const std::size_t kind = below(static_cast<std::size_t>(Kind::count) + std::size(kOften));
         o.kind = kind < std::size(kOften) ? kOften[kind] : static_cast<Kind>(kind - std::size(kOften));
         o.side = below(2);
@@ -103,7 +105,7 @@ public:
         o.outputPort = from(kPorts);
         o.cachedPort = from(kPorts);
         o.logicalPort = static_cast<int>(below(3)) - (below(2) == 0 ? 1 : 0);
-        o.failAt = below(4) == 0 ? 1 + below(12) : 0;
+        o.failAt = below(4) == 0 ? 1 + below(1 + below(12)) : 0;
         for (std::size_t i = below(4); i > 0; --i) o.newNumbers.push_back(from(kPorts));
         return o;
     }
