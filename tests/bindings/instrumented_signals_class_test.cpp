@@ -3,7 +3,6 @@
 #include "tests/support/host_test.h"
 
 using namespace ks_test;
-using ks_hmi::InstrumentedSignals;
 using ks_hmi::SignalSpecification;
 
 namespace {
@@ -46,9 +45,8 @@ TEST_F(InstrumentedSignalsClass, positionZeroAndTooLargeOnesRaiseTheCount) {
     const auto spec = signal(u"Gain", 1);
     for (const double index : {0.0, 2.0, 4294967295.0}) {
         const auto position = number(index);
-        EXPECT_EQ(errorOf("get", {object(), position.get()}), "InvalidElementIndex 1");
-        EXPECT_EQ(errorOf("getUUID", {object(), position.get()}), "InvalidElementIndex 1");
-        EXPECT_EQ(errorOf("remove", {object(), position.get()}), "InvalidElementIndex 1");
+        for (const char* const method : {"get", "getUUID", "remove"})
+            EXPECT_EQ(errorOf(method, {object(), position.get()}), "InvalidElementIndex 1") << method;
         EXPECT_EQ(errorOf("set", {object(), position.get(), spec.get()}), "InvalidElementIndex 1");
     }
     for (const double index : {-1.0, 1.5, 4294967296.0, std::numeric_limits<double>::quiet_NaN()}) {
@@ -91,17 +89,6 @@ TEST_F(InstrumentedSignalsClass, staticMethodsKeepTheUuidsOfPorts) {
     EXPECT_EQ(uuidOf(7.25, 2, true), "my-uuid");
     EXPECT_NE(uuidOf(7.25, 2, false), "my-uuid");
     EXPECT_EQ(uuidOf(7.25, 3, true), uuidOf(7.25, 3, true));
-}
-
-TEST_F(InstrumentedSignalsClass, persistenceGoesFromOneObjectToAnother) {
-    set().add(port(u"Gain", 1));
-    const auto saved = property(object(), "Persistence");
-    const auto other = call("Kestrel.HMI.InstrumentedSignals", {text("m1").get()});
-    hvSetProperty(other.get(), 0, "Persistence", saved.get());
-    hvSetProperty(other.get(), 0, "Persistence", saved.get());
-    auto& loaded = *InstrumentedSignals::getFromHvArray(other.get());
-    ASSERT_EQ(loaded.getCount(), 2U);
-    EXPECT_TRUE(loaded.get(1)->isEqual(set().get(0)));
 }
 
 TEST_F(InstrumentedSignalsClass, readOnlyPropertiesRefuseAssignment) {
