@@ -100,7 +100,8 @@ private:
     std::uint64_t m_state = 0;
 };
 
-// The last units are read once more where they do not fill a word: no loop over single units, and no copy.
+// The last units are read once more where they do not fill a word: no loop over single units, and no copy. The size is
+// spread over all bits, because units that are read twice may differ in as few bits as sizes do.
 template <class Units>
 [[gnu::always_inline]] inline std::uint64_t TextHash::added(std::uint64_t state, Units& units,
                                                             std::size_t size) noexcept {
@@ -109,7 +110,7 @@ template <class Units>
     for (std::size_t at = 0; at + 2 * kUnits < size; at += 2 * kUnits)
         state = mixed(state, units.four(at), units.four(at + kUnits));
     const std::size_t first = size < 2 * kUnits ? 0 : size - 2 * kUnits;
-    return mixed(state, units.four(first), units.four(size - kUnits) ^ size);
+    return mixed(state, units.four(first), units.four(size - kUnits) ^ (size * kFirstFactor));
 }
 
 inline TextHash& TextHash::add(std::u16string_view text) noexcept {

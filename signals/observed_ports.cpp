@@ -16,7 +16,7 @@ std::uint64_t identity(const ksPort* port) { return reinterpret_cast<std::uintpt
 
 }  // namespace
 
-// Equal for equal texts of the non-cached source key, which `SignalSpecification` gives to those who ask for it.
+// Equal for equal parts of the non-cached source key, which `SignalSpecification` gives to those who ask for it.
 std::uint64_t InstrumentedSignals::pathKey(const std::u16string& blockPath, const std::u16string& subPath,
                                            int outputPortIndex, int logicalPortIndex) const {
     const int port = SignalSpecification::pathKeyPort(outputPortIndex, logicalPortIndex);

@@ -58,12 +58,6 @@ public:
 
     bool isEmpty() const noexcept { return m_keys.empty(); }
 
-    void clear() noexcept {
-        m_keys.clear();
-        m_further.clear();
-        m_free = kNone;
-    }
-
     void insert(const Key& key, const SignalPtr& signal) {
         const auto [slot, isNew] = m_keys.try_emplace(key, Slot{signal, kNone, kNone});
         if (isNew) return;
@@ -75,7 +69,8 @@ public:
 
     /// After this one `insert` cannot throw, also when entries are erased before it. Entries may move in memory.
     void makeRoom() {
-        if (m_keys.size() >= m_keys.max_load()) m_keys.reserve(m_keys.size() + 1);
+        // Not `reserve`: erasing lowers the limit of a table whose size would do.
+        if (m_keys.size() >= m_keys.max_load()) m_keys.rehash(m_keys.bucket_count() + 1);
         if (m_free == kNone && m_further.size() == m_further.capacity()) m_further.reserve(2 * m_further.size() + 1);
     }
 

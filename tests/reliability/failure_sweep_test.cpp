@@ -310,20 +310,29 @@ TEST_F(FailureSweep, setsAndQueriesWhenMemoryRunsOut) { sweepMemory(setRows()); 
 TEST_F(FailureSweep, observersWhenMemoryRunsOut) { sweepMemory(observerRows()); }
 TEST_F(FailureSweep, hostMethodsWhenMemoryRunsOut) { sweepMemory(hostRows()); }
 
-// The index grows at sizes that the swept operations do not reach.
-TEST_F(FailureSweep, aSignalIsReplacedOrStaysHoweverFullTheIndexIs) {
+// The index grows at sizes that the swept operations do not reach, and sooner when much was erased from it.
+TEST_F(FailureSweep, theIndexStaysInStepWhereverItHasToGrow) {
     if (!FailingAllocations::arePossible()) GTEST_SKIP() << "the checks' own allocator stays";
     int failed = 0;
-    for (int more = 0; more < 40; ++more) {
+    for (int more = 0; more < 60; ++more) {
         const World world;
-        for (int i = 0; i < more; ++i) world.signals().add(World::port(u"Sub/Switch", i + 4, "3", "more"));
+        ks_hmi::InstrumentedSignals& set = world.signals();
+        auto next = [number = 3]() mutable { return World::port(u"Sub/Switch", ++number, "3", "more"); };
+        for (int i = 0; i < more; ++i) set.add(next());
+        for (int i = 0; i < 4 * more; ++i) {
+            set.remove(set.getCount() - 1);
+            set.add(next());
+        }
         const InstrumentedSignals::SignalPtr other(World::port(u"Sub/Other", 1, "5", "s-4"));
-        const Ending ending = [&] {
+        const auto attempt = [&](auto action) {
             const FailingAllocations failures(1, true);
-            return endingOf([&] { world.signals().set(0, other); });
-        }();
-        failed += static_cast<int>(ending == Ending::threwNoMemory);
-        EXPECT_EQ(world.signals().get(0) == other.get(), ending == Ending::completed) << more << " more signals";
+            return endingOf([&] { action(); });
+        };
+        const Ending replaced = attempt([&] { set.set(0, other); });
+        EXPECT_EQ(set.get(0) == other.get(), replaced == Ending::completed) << more << " more signals";
+        const Ending bound = attempt([&] { set.isPortObserved(world.gain + 1, u"Sub/Switch", u"", 2, 2, 0); });
+        EXPECT_EQ(set.get(1)->m_cachedPortIdx == 2, bound == Ending::completed) << more << " more signals";
+        failed += static_cast<int>(replaced != Ending::completed || bound != Ending::completed);
         EXPECT_EQ(world.answers(), world.plainAnswers()) << more << " more signals";
     }
     EXPECT_GT(failed, 0);
