@@ -72,9 +72,9 @@ public:
     /// Replaces the record at `index`, or changes nothing when that fails. The old record leaves the port index only
     /// (as by `removeFromObservedPortMap`): a chart signal's entry in the chart index stays, on purpose.
     void set(std::size_t index, SignalPtr spec);
-    /// Removes the record at `index`. Other signals under the same path key (path, sub-path and port) or the same
-    /// cached handle and port lose those index entries with it, until `updateObservedPortMap`; of two chart signals on
-    /// the same activity, removing one clears the activity for both.
+    /// Removes the record at `index`. Other signals under the same path key (path, sub-path and port) with the same
+    /// output port, or with the same cached handle and port, lose those index entries with it, until
+    /// `updateObservedPortMap`; of two chart signals on the same activity, removing one clears the activity for both.
     void remove(std::size_t index);
     /// Removes the first signal that is the same signal as `spec`; does nothing when there is none. The chart
     /// index is not touched, on purpose, unlike by `remove` by position.
@@ -183,7 +183,8 @@ public:
     /// the block by its cached handle, else its path, else its identifier: a handle of 0.0 matches every
     /// unresolved signal, an empty identifier every signal without one. A signal that was never resolved has a
     /// cached port afterwards, and so counts as resolved to its old handle (0.0). Logical ports keep their numbers,
-    /// and a signal with one is still found under it. The index is rebuilt when anything changed.
+    /// and a signal with one is still found under it. A record that is listed twice is renumbered at each of its
+    /// places, one after the other. The index is rebuilt when anything changed.
     /// When memory runs out, signals already removed stay removed, numbers already changed stay changed, and
     /// `updateObservedPortMap` is due.
     void renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& eid,

@@ -1,5 +1,3 @@
-#include <utility>
-
 #include "foundation/model_path.h"
 #include "foundation/rollback.h"
 #include "signals/instrumented_signals.h"
@@ -17,22 +15,22 @@ void InstrumentedSignals::renumberPorts(double blockHandle, const std::u16string
     };
 
     std::vector<std::size_t> deleted;
-    std::vector<std::pair<SignalPtr, int>> moved;
+    bool isAnyMoved = false;
+    // One after the other: a record that is listed twice is renumbered at each of its places.
     for (std::size_t i = 0; i < m_signals.size(); ++i) {
-        const SignalPtr& signal = m_signals[i];
+        SignalSpecification& signal = *m_signals[i];
         // Ports below 1 wrap round to positions beyond every list.
-        const auto entry = static_cast<std::size_t>(signal->m_outputPortIndex) - 1;
-        if (!belongsToBlock(*signal) || entry >= newNumbers.size()) continue;
+        const auto entry = static_cast<std::size_t>(signal.m_outputPortIndex) - 1;
+        if (!belongsToBlock(signal) || entry >= newNumbers.size()) continue;
         if (newNumbers[entry] == 0) {
             deleted.push_back(i);
-        } else if (newNumbers[entry] != signal->m_outputPortIndex) {
-            moved.emplace_back(signal, newNumbers[entry]);
+        } else if (newNumbers[entry] != signal.m_outputPortIndex) {
+            signal.renumberPortIndex(newNumbers[entry]);
+            isAnyMoved = true;
         }
     }
-    if (deleted.empty() && moved.empty()) return;
+    if (deleted.empty() && !isAnyMoved) return;
 
-    // A record that is listed twice is renumbered once: its new number was looked up before any changed.
-    for (const auto& [signal, newNumber] : moved) signal->renumberPortIndex(newNumber);
     removeAll(deleted);
     forgetKSPorts();
     updateObservedPortMap();

@@ -218,7 +218,7 @@ public:
         const std::u16string path = without(m_modelName + u"/", fullPath);
         const std::u16string eid = shortEid(wide(fullEid));
         std::vector<std::size_t> deleted;
-        std::vector<PlainSignalPtr> moved;
+        bool isAnyMoved = false;
         for (std::size_t i = 0; i < m_signals.size(); ++i) {
             const PlainSignalPtr signal = m_signals[i];
             if (signal->m_cachedBlockHandle != handle && signal->m_blockPath != path && wide(signal->m_eid) != eid)
@@ -226,17 +226,17 @@ public:
             const int port = signal->m_outputPortIndex;
             if (port < 1 || port > static_cast<int>(newNumbers.size())) continue;
             const int newNumber = newNumbers[static_cast<std::size_t>(port - 1)];
-            if (newNumber == port || contains(moved, signal)) continue;
+            if (newNumber == port) continue;
             if (newNumber == 0) {
                 deleted.push_back(i);
                 continue;
             }
-            moved.push_back(signal);
+            isAnyMoved = true;
             removeFromObservedPortMap(signal);
             signal->m_outputPortIndex = signal->m_cachedPortIdx = newNumber;
             addToObservedPortMap(signal);
         }
-        if (deleted.empty() && moved.empty()) return;
+        if (deleted.empty() && !isAnyMoved) return;
         for (std::size_t i = deleted.size(); i > 0; --i) remove(deleted[i - 1]);
         m_cachedPorts.clear();
         updateObservedPortMap();
