@@ -35,7 +35,8 @@ public:
     bool isOfferedForCompletion() const override { return true; }
 };
 
-/// "Persistence": the records as a struct array; assigning it appends its records.
+/// "Persistence": the records as a struct array; assigning it appends its records. Neither displayed nor offered for
+/// completion, on purpose, unlike the others.
 template <class Set>
 class PersistencePI : public HMIBasePI {
 public:

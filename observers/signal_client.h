@@ -38,8 +38,9 @@ public:
     static std::span<const char* const> getStructFields();
     static int getNumStructFields();
     /// Reads element `index` of a persisted struct array by field name. Missing fields 8 to 11 read as 0, 0, false
-    /// and empty, on purpose not as the defaults of a new record; any other missing field, and a field of the
-    /// wrong kind, throws the host's exception and leaves what was read before it.
+    /// and empty, on purpose not as the defaults of a new record; any other missing field, a number field that
+    /// holds no number, and a path field that is no cell array throws the host's exception and leaves what was read
+    /// before it; a text field of another class reads as empty.
     void setFromPersistentData(const hvArray* s, std::size_t index);
     /// Writes all fields of element `index` of `s`, replacing what was there; `modelName` is put in front of the
     /// first path and identifier. Without a model path the client belongs to the model being written: its
