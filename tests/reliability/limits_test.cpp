@@ -1,5 +1,6 @@
 #include <climits>
 #include <clocale>
+#include <cstdint>
 #include <limits>
 #include <locale>
 
@@ -63,6 +64,24 @@ TEST_F(Limits, portsAndHandlesAreToldApartAtTheirEdges) {
             EXPECT_FALSE(SignalSpecification::getUUIDFromBlockHandle(number, handle, true).empty());
         }
     }
+}
+
+TEST_F(Limits, numbersOfEveryClassAreReadUpToTheirEnds) {
+    set().add(port(u"Gain", 1));
+    const auto record = set().getPersistenceData();
+    const auto portRead = [&record](HvArrayPtr field) {
+        hvReplaceField(record.get(), 0, "OutputPortIndex_", field.release());
+        return SignalSpecification(record.get(), 0, u"m1").m_outputPortIndex;
+    };
+    EXPECT_EQ(portRead(numbers<std::int8_t>(hvINT8_CLASS, {INT8_MIN})), INT8_MIN);
+    EXPECT_EQ(portRead(numbers<std::uint8_t>(hvUINT8_CLASS, {UINT8_MAX})), UINT8_MAX);
+    EXPECT_EQ(portRead(numbers<std::int16_t>(hvINT16_CLASS, {INT16_MIN})), INT16_MIN);
+    EXPECT_EQ(portRead(numbers<std::uint16_t>(hvUINT16_CLASS, {UINT16_MAX})), UINT16_MAX);
+    EXPECT_EQ(portRead(numbers<std::int32_t>(hvINT32_CLASS, {INT_MIN})), INT_MIN);
+    EXPECT_EQ(portRead(numbers<std::uint32_t>(hvUINT32_CLASS, {INT_MAX})), INT_MAX);
+    EXPECT_EQ(portRead(numbers<std::int64_t>(hvINT64_CLASS, {INT_MIN})), INT_MIN);
+    EXPECT_EQ(portRead(numbers<std::uint64_t>(hvUINT64_CLASS, {INT_MAX})), INT_MAX);
+    EXPECT_EQ(portRead(numbers<float>(hvSINGLE_CLASS, {-1.5F})), -1);
 }
 
 class DecimalComma : public std::numpunct<char> {
