@@ -7,7 +7,6 @@
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/kestrel/loaded_models.h"
 #include "memory_host/orvex/class_members.h"
-#include "memory_host/orvex/script_class.h"
 #include "tests/memory_host/ledger_test_base.h"
 
 namespace {
@@ -29,9 +28,6 @@ Model engine() {
 
 void put(const HvArrayPtr& object, const char* name, const HvArrayPtr& value) {
     hvSetProperty(object.get(), 0, name, value.get());
-}
-std::string readText(const hvArray* object, const char* name) {
-    return hvArrayToStdString(property(object, name).get());
 }
 HvArrayPtr signal(const char* path, const char* eid) {
     HvArrayPtr object = call("Kestrel.HMI.SignalSpecification", {});
@@ -152,68 +148,6 @@ TEST_F(Kestrel, isEqualLooksAtValuesNotAtTheirClassOrFieldOrder) {
     EXPECT_FALSE(isEqual(number(0.0), HvArrayPtr(hvCreateNumericMatrix(1, 2, hvDOUBLE_CLASS, hvREAL))));
     EXPECT_TRUE(isEqual(signal("m/a", "m:1"), signal("m/a", "m:1")));
     EXPECT_FALSE(isEqual(signal("m/a", "m:1"), signal("m/b", "m:1")));
-}
-
-/// Stands in for the set that a library brings: what rebinding uses of it.
-class ListOfObjects {
-public:
-    ListOfObjects() {
-        constexpr const char* kClass = "Kestrel.HMI.InstrumentedSignals";
-        orvex::ScriptClass list;
-        list.fullName = kClass;
-        list.properties = {{"Count", {}, false, [this](const orvex::ScriptObject&) {
-                                return number(static_cast<double>(items.size()));
-                            }}};
-        list.methods["get"] = [this](orvex::Call& c) {
-            c.outs[0].reset(hvCreateSharedDataCopy(items.at(position(c)).get()));
-        };
-        list.methods["set"] = [this](orvex::Call& c) { items.at(position(c)).reset(hvCreateSharedDataCopy(c.ins[2])); };
-        orvex::defineScriptClass(std::move(list));
-        object = call(kClass, {});
-    }
-    void add(const char* path, const char* eid, double port, const char* domain = "") {
-        items.push_back(signal(path, eid));
-        put(items.back(), "OutputPortIndex_", number(port));
-        put(items.back(), "DomainType_", text(domain));
-    }
-
-    HvArrayPtr object;
-    std::vector<HvArrayPtr> items;
-
-private:
-    static std::size_t position(const orvex::Call& c) { return static_cast<std::size_t>(hvGetScalar(c.ins[1])) - 1; }
-};
-
-TEST_F(Kestrel, rebindingFindsPortsByIdentifierThenByPathAndForgetsTheRest) {
-    ListOfObjects set;
-    const Model& model = loadedModels().load(engine()).model();
-    set.add("engine/Old/Throttle", "engine:2", 1.0);
-    set.add("engine/Air", "engine:88", 1.0);
-    set.add("engine/Gone", "engine:99", 1.0);
-    put(set.items[2], "CachedBlockHandle_", number(123456.5));
-    set.add("engine/Air", "engine:1", 2.0);
-    set.add("engine/Air/Throttle", "engine:2", 0.0);
-    set.add("engine/Air/Throttle", "engine:2", 1.5, "cw_unheard_of");
-    set.add("engine/Air/Throttle", "engine:2", 0.0, "cw_state");
-    const auto rebind = [&](const HvArrayPtr& all) { call("applyRebindingRules", {set.object.get(), all.get()}, 0); };
-    const auto handleOf = [&](std::size_t i) {
-        const HvArrayPtr handle = property(set.items[i].get(), "CachedBlockHandle_");
-        return hvIsEmpty(handle.get()) ? 0.0 : hvGetScalar(handle.get());
-    };
-
-    EXPECT_NE(failureOf([&] { rebind(set.object); }).find("Argument 2 of"), std::string::npos);
-    rebind(number(1.0));
-    const char* const rules[] = {"eid", "path", "", "", "", "", "eid"};
-    const double throttle = model.findByEid("2")->handle;
-    const double handles[] = {throttle, model.findByEid("1")->handle, 0.0, 0.0, 0.0, 0.0, throttle};
-    for (std::size_t i = 0; i < set.items.size(); ++i) {
-        EXPECT_EQ(readText(set.items[i].get(), "BindingRule_"), rules[i]);
-        EXPECT_EQ(handleOf(i), handles[i]);
-    }
-    put(set.items[1], "CachedBlockHandle_", number(123456.5));
-    rebind(logical(false));
-    EXPECT_EQ(handleOf(0), throttle);
-    EXPECT_EQ(handleOf(1), 0.0) << "stale";
 }
 
 TEST_F(Kestrel, theManagerIsOneAndFollowsAModelThroughSeveralRenames) {

@@ -163,6 +163,47 @@ TEST_F(InstrumentedSignalsTest, typeTestAndLookupAcceptNothingOrOneObjectOfTheCl
     EXPECT_TRUE(InstrumentedSignals::isValidType(object()));
 }
 
+TEST_F(InstrumentedSignalsTest, rebindingFindsPortsByIdentifierThenByPathAndForgetsTheRest) {
+    constexpr double kStale = 123456.5;
+    struct Row {
+        const char16_t* path;
+        const char* eid;
+        int port;
+        const char16_t* domain;
+        const char* rule;
+        const char16_t* boundTo;
+    };
+    const Row rows[] = {
+        {u"Old/Switch", "3", 1, u"", "eid", u"Sub/Switch"},
+        {u"Gain", "88", 1, u"", "path", u"Gain"},
+        {u"Gone", "99", 1, u"", "", nullptr},
+        {u"Gain", "1", 2, u"", "", nullptr},
+        {u"Sub/Switch", "3", 0, u"", "", nullptr},
+        {u"Sub/Switch", "3", 0, u"cw_unheard_of", "", nullptr},
+        {u"Sub/Chart", "4", 0, u"cw_state", "eid", u"Sub/Chart"},
+    };
+    for (const Row& row : rows) {
+        set().add(port(row.path, row.port, row.eid));
+        set().get(set().getCount() - 1)->m_domainType = row.domain;
+    }
+    set().get(2)->setCachedInfo(kStale, 1);
+    const HvArrayPtr target(hvCreateSharedDataCopy(object()));
+    EXPECT_NE(failureOf([&] {
+                  call("applyRebindingRules", {object(), object()}, 0);
+              }).find("Argument 2 of"),
+              std::string::npos);
+    InstrumentedSignals::applyRebindingRules(target.get(), true);
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        EXPECT_EQ(set().get(i)->m_bindingRule, rows[i].rule) << i;
+        EXPECT_EQ(set().get(i)->m_cachedBlockHandle, rows[i].boundTo ? handleOf(rows[i].boundTo) : 0.0) << i;
+    }
+    set().get(1)->setCachedInfo(kStale, 1);
+    InstrumentedSignals::applyRebindingRules(target.get(), false);
+    EXPECT_EQ(set().get(0)->m_cachedBlockHandle, handleOf(u"Sub/Switch"));
+    EXPECT_EQ(set().get(1)->m_cachedBlockHandle, 0.0) << "stale";
+    EXPECT_TRUE(orvex::warnings().empty());
+}
+
 TEST_F(InstrumentedSignalsTest, rebindingIsNoLongerPendingWhateverTheHostDoes) {
     bool flag = false;
     HvArrayPtr target(hvCreateSharedDataCopy(object()));

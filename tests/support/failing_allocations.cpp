@@ -23,7 +23,6 @@ FailingAllocations::FailingAllocations(std::size_t failAt, bool andEverythingAft
 }
 FailingAllocations::~FailingAllocations() { t_plan.isArmed = false; }
 std::size_t FailingAllocations::fired() const noexcept { return t_plan.fired; }
-std::size_t FailingAllocations::counted() const noexcept { return t_plan.counted; }
 
 }  // namespace ks_test
 

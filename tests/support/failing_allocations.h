@@ -16,8 +16,6 @@ public:
 
     /// How many allocations were made to fail.
     std::size_t fired() const noexcept;
-    /// How many were asked for, failed ones included.
-    std::size_t counted() const noexcept;
     /// False in programs built with a sanitizer.
     static bool arePossible() noexcept;
 };
