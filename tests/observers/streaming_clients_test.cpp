@@ -96,6 +96,10 @@ TEST_F(StreamingClientsTest, theManagerIsToldTheNameThatTheHostKnewEachTime) {
     StreamingClients::handleModelRename(clientsObject());
     EXPECT_EQ(kestrel::recordedRenames().size(), 2U);
     EXPECT_TRUE(orvex::warnings().empty());
+    clients().setModelName(u"");
+    clients().setModelName(u"d");
+    StreamingClients::handleModelRename(clientsObject());
+    EXPECT_EQ(kestrel::recordedRenames().size(), 2U) << "a name after none is a first one";
 }
 
 TEST_F(StreamingClientsTest, refusalsOfTheHostEndQuietlyWithAWarning) {

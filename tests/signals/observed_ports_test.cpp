@@ -27,6 +27,30 @@ TEST_F(ObservedPorts, pathQueryRecordsTheHandleOnceAndThenAnswersByHandle) {
     EXPECT_FALSE(byPath(12.5, u"Sub", 1, 0));
 }
 
+TEST_F(ObservedPorts, aRecordAsksForWhatItSaysItself) {
+    const auto watched = [] {
+        auto spec = port(u"Gain", 2);
+        spec->m_subPath = u"in/x";
+        spec->m_logicalPortIndex = 3;
+        return spec;
+    };
+    set().add(watched());
+    const auto asks = [&](auto change) {
+        const auto asked = watched();
+        change(*asked);
+        return set().isPortObserved(asked.get());
+    };
+    EXPECT_TRUE(asks([](auto&) {}));
+    EXPECT_FALSE(asks([](auto& s) { s.m_blockPath = u"Sub"; }));
+    EXPECT_FALSE(asks([](auto& s) { s.m_subPath = u"in"; }));
+    EXPECT_FALSE(asks([](auto& s) { s.m_outputPortIndex = 3; }));
+    EXPECT_FALSE(asks([](auto& s) { s.m_logicalPortIndex = 2; }));
+    EXPECT_TRUE(asks([](auto& s) { s.setCachedInfo(12.5, 5); }));
+    EXPECT_EQ(set().get(0)->m_cachedBlockHandle, 12.5);
+    EXPECT_EQ(set().get(0)->m_cachedPortIdx, 5);
+    EXPECT_FALSE(asks([](auto& s) { s.setCachedInfo(13.5, 5); }));
+}
+
 TEST_F(ObservedPorts, staleHandlesAnswerOnlyWhileRebindingIsPending) {
     set().add(resolvedPort(u"Gain", 2, 1.5));
     EXPECT_FALSE(byPath(2.5, u"Gain", 2, 2));

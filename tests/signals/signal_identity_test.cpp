@@ -32,6 +32,15 @@ TEST_F(SignalIdentity, hashesAreThoseOfTheKeyTexts) {
     EXPECT_EQ(SignalSpecification::getNonCachedInfoHash(u"Gain", u"s", 2, 1, u""), hashOf("Gain$$s$$1"));
     EXPECT_EQ(SignalSpecification::getInfoHashFromStringList({"ab", "c"}), hashOf("abc"));
     EXPECT_EQ(SignalSpecification::getInfoHashFromStringList({}), hashOf(""));
+    SignalSpecification record;
+    record.m_blockPath = u"Gain";
+    record.m_subPath = u"s";
+    record.m_outputPortIndex = 2;
+    EXPECT_EQ(record.getSourceKeyNonCached(u"m1"), hashOf("m1/Gain$$s$$2"));
+    record.m_logicalPortIndex = 4;
+    EXPECT_EQ(record.getSourceKeyNonCached(u""), hashOf("Gain$$s$$4"));
+    record.setCachedInfo(12.0, 3);
+    EXPECT_EQ(record.getSourceKeyCached(), hashOf("12$$3"));
 }
 
 TEST_F(SignalIdentity, anyDoubleAndAnyTextHashAsThePlainFormDoes) {
