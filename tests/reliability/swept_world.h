@@ -96,7 +96,7 @@ public:
         PlainSignalSet plain;
         plain.setModelName(signals().getModelName());
         for (std::size_t i = 0; i < signals().getCount(); ++i)
-            plain.add(std::make_shared<PlainSignal>(*signals().get(i)));
+            plain.add(std::make_shared<PlainSignal>(PlainSignal::of(*signals().get(i))));
         return answersOf(plain);
     }
 

@@ -50,7 +50,7 @@ public:
         attempt(o);
         for (Side& side : m_sides) compareList(side);
         for (const Record& record : m_records)
-            agree("a record", PlainSignal(*record.real).isIdentical(*record.plain), true);
+            agree("a record", PlainSignal::of(*record.real).isIdentical(*record.plain), true);
         for (Side& side : m_sides) comparePorts(side);
         for (Side& side : m_sides) compareCharts(side);
         compareSets(m_sides[0], m_sides[1]);
@@ -126,7 +126,7 @@ private:
         real->m_domainType = o.domain;
         real->m_excludeForSave = o.flag;
         real->m_domainParams = {{u"SSID", o.ssid}, {u"Activity", o.activity}};
-        enter(real, std::make_shared<PlainSignal>(*real));
+        enter(real, std::make_shared<PlainSignal>(PlainSignal::of(*real)));
         return m_records.back();
     }
 
@@ -197,7 +197,7 @@ private:
         } else if (o.kind == Kind::removeActivity) {
             set.removeObservedCWActivity(narrow(o.eid), narrow(o.ssid), narrow(o.activity));
         } else {
-            const bool isChart = PlainSignal(*signal).isChart() && o.flag;
+            const bool isChart = PlainSignal::of(*signal).isChart() && o.flag;
             if (o.kind == Kind::addToIndex) {
                 isChart ? set.addToObservedCWObjectCache(signal) : set.addToObservedPortMap(signal);
             } else {
@@ -233,7 +233,7 @@ private:
             enter(other.real().share(i), loaded.back());
             // A record that was read back may have its parameters in another order.
             auto& parameters = loaded.back()->m_domainParams;
-            const auto read = PlainSignal(*m_records.back().real).m_domainParams;
+            const auto read = PlainSignal::of(*m_records.back().real).m_domainParams;
             if (std::is_permutation(read.begin(), read.end(), parameters.begin(), parameters.end())) parameters = read;
         }
         for (const PlainSignalPtr& signal : loaded) other.plain.add(signal);
