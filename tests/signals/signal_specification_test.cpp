@@ -4,6 +4,7 @@
 #include <functional>
 #include <limits>
 #include <span>
+#include <tuple>
 
 #include "tests/support/host_test.h"
 
@@ -34,6 +35,16 @@ protected:
         return spec;
     }
 };
+
+TEST_F(SignalSpecificationTest, aNewRecordKeepsEverySampleAndHasNothingElseSet) {
+    const SignalSpecification fresh;
+    EXPECT_EQ(std::tie(fresh.m_outputPortIndex, fresh.m_logicalPortIndex, fresh.m_decimation, fresh.m_maxPoints),
+              std::tuple(0, 0, 1, 0));
+    EXPECT_EQ(std::tie(fresh.m_targetBufferedStreaming, fresh.m_isFrameBased, fresh.m_hideInPLV),
+              std::tuple(false, false, false));
+    EXPECT_EQ(std::tie(fresh.m_cachedBlockHandle, fresh.m_cachedPortIdx, fresh.m_excludeForSave),
+              std::tuple(0.0, 0, false));
+}
 
 TEST_F(SignalSpecificationTest, persistedElementReadsBackEqual) {
     const auto spec = filled();
@@ -163,6 +174,14 @@ TEST_F(SignalSpecificationTest, hostObjectReadsBackEqualWithTheRuntimeMembers) {
     EXPECT_EQ(unresolved.m_cachedBlockHandle, 0.0);
     EXPECT_EQ(unresolved.m_cachedPortIdx, 0) << "the port is read only beside a handle";
     EXPECT_FALSE(unresolved.m_excludeForSave) << "only a logical true excludes";
+
+    for (bool SignalSpecification::*flag :
+         {&Members::m_targetBufferedStreaming, &Members::m_isFrameBased, &Members::m_hideInPLV}) {
+        const auto one = port(u"Gain", 1, "1");
+        (*one).*flag = true;
+        const auto shown = one->getHOSObject(u"m1", false);
+        EXPECT_TRUE(SignalSpecification(shown.get(), 0, u"m1").isEqual(one.get()));
+    }
 }
 
 TEST_F(SignalSpecificationTest, refusedConstructionGivesNullAndOneWarning) {
