@@ -313,11 +313,13 @@ TEST_F(FailureSweep, hostMethodsWhenMemoryRunsOut) { sweepMemory(hostRows()); }
 // The index grows at sizes that the swept operations do not reach, and sooner when much was erased from it.
 TEST_F(FailureSweep, theIndexStaysInStepWhereverItHasToGrow) {
     if (!FailingAllocations::arePossible()) GTEST_SKIP() << "the checks' own allocator stays";
-    int failed = 0;
+    const std::u16string path = u"Sub/Switch";  // made here: only the library's own allocations are to fail
+    int replacementsFailed = 0;
+    int bindingsFailed = 0;
     for (int more = 0; more < 60; ++more) {
         const World world;
         ks_hmi::InstrumentedSignals& set = world.signals();
-        auto next = [number = 3]() mutable { return World::port(u"Sub/Switch", ++number, "3", "more"); };
+        auto next = [&path, number = 3]() mutable { return World::port(path, ++number, "3", "more"); };
         for (int i = 0; i < more; ++i) set.add(next());
         for (int i = 0; i < 4 * more; ++i) {
             set.remove(set.getCount() - 1);
@@ -330,21 +332,14 @@ TEST_F(FailureSweep, theIndexStaysInStepWhereverItHasToGrow) {
         };
         const Ending replaced = attempt([&] { set.set(0, other); });
         EXPECT_EQ(set.get(0) == other.get(), replaced == Ending::completed) << more << " more signals";
-        const Ending bound = attempt([&] { set.isPortObserved(world.gain + 1, u"Sub/Switch", u"", 2, 2, 0); });
+        const Ending bound = attempt([&] { set.isPortObserved(world.gain + 1, path, u"", 2, 2, 0); });
         EXPECT_EQ(set.get(1)->m_cachedPortIdx == 2, bound == Ending::completed) << more << " more signals";
-        failed += static_cast<int>(replaced != Ending::completed || bound != Ending::completed);
+        replacementsFailed += static_cast<int>(replaced != Ending::completed);
+        bindingsFailed += static_cast<int>(bound != Ending::completed);
         EXPECT_EQ(world.answers(), world.plainAnswers()) << more << " more signals";
     }
-    EXPECT_GT(failed, 0);
-}
-
-TEST_F(FailureSweep, theLibrarysOwnAllocationsAreAmongThoseThatFail) {
-    if (!FailingAllocations::arePossible()) GTEST_SKIP() << "the checks' own allocator stays";
-    const World world;
-    const SignalSpecification& signal = *world.signals().get(1);
-    const FailingAllocations failures(1, false);
-    EXPECT_THROW(signal.clone(), std::bad_alloc);
-    EXPECT_EQ(failures.fired(), 1U);
+    EXPECT_GT(replacementsFailed, 0);
+    EXPECT_GT(bindingsFailed, 0);
 }
 
 }  // namespace
