@@ -157,8 +157,7 @@ private:
     }
     static std::string modelNameIn(const HvArrayPtr& params) {
         const hvArray* const field = hvGetField(params.get(), 0, "ModelName");
-        return field == nullptr ? "nothing"
-                                : std::string(hvGetChars(field), hvGetChars(field) + hvGetNumberOfElements(field));
+        return field == nullptr ? "nothing" : hvArrayToStdString(field);
     }
     static std::string processState() {
         return "; " + std::to_string(ks_hmi::SignalSpecification::getBlockUUIDmap().size()) + " UUIDs";
