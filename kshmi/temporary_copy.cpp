@@ -3,7 +3,6 @@
 #include <stdlib.h>
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 
 #include "kshmi/error.h"
@@ -17,8 +16,9 @@ TemporaryCopy::TemporaryCopy(const std::string& file) : m_original(file) {
     std::error_code code;
     const fs::path base = fs::temp_directory_path(code);
     m_directory = (base / "kshmi-tour-XXXXXX").string();
-    if (code || !::mkdtemp(m_directory.data()))
-        throw Error("no directory for the copy can be made: " + std::string(std::strerror(errno)) +
+    if (!code && !::mkdtemp(m_directory.data())) code.assign(errno, std::generic_category());
+    if (code)
+        throw Error("no directory for the copy can be made: " + code.message() +
                     "; set TMPDIR to one that can be written");
     m_path = (fs::path(m_directory) / fs::path(file).filename()).string();
     fs::copy_file(file, m_path, code);

@@ -203,6 +203,9 @@ TEST_F(Commands, tourTellsTheMainJobOnACopy) {
     EXPECT_EQ(runOn("tour").code, 0);
     write("{");
     expectParts(runOn("tour").err, {path() + ":1:2: not JSON"});
+    ::setenv("TMPDIR", path().c_str(), 1);
+    expectParts(runOn("tour").err, {"no directory for the copy can be made: Not a directory; set TMPDIR to one"});
+    ::unsetenv("TMPDIR");
 }
 
 TEST_F(Commands, usageErrorsAreErrors) {
