@@ -325,17 +325,23 @@ TEST_F(FailureSweep, theIndexStaysInStepWhereverItHasToGrow) {
             set.remove(set.getCount() - 1);
             set.add(next());
         }
-        const InstrumentedSignals::SignalPtr other(World::port(u"Sub/Other", 1, "5", "s-4"));
         const auto attempt = [&](auto action) {
             const FailingAllocations failures(1, true);
             return endingOf([&] { action(); });
         };
-        const Ending replaced = attempt([&] { set.set(0, other); });
-        EXPECT_EQ(set.get(0) == other.get(), replaced == Ending::completed) << more << " more signals";
         const Ending bound = attempt([&] { set.isPortObserved(world.gain + 1, path, u"", 2, 2, 0); });
         EXPECT_EQ(set.get(1)->m_cachedPortIdx == 2, bound == Ending::completed) << more << " more signals";
-        replacementsFailed += static_cast<int>(replaced != Ending::completed);
         bindingsFailed += static_cast<int>(bound != Ending::completed);
+        for (int i = 0; i < 2 * more; ++i) {
+            const std::size_t position = 3 + static_cast<std::size_t>(i % more);
+            const InstrumentedSignals::SignalPtr other(next().release());
+            const Ending replaced = attempt([&] { set.set(position, other); });
+            const int number = set.get(position)->m_outputPortIndex;
+            EXPECT_EQ(number == other->m_outputPortIndex, replaced == Ending::completed) << more << " more signals";
+            EXPECT_TRUE(set.isPortObserved(0.0, path, u"", number, 0, 0)) << more << " more signals";
+            replacementsFailed += static_cast<int>(replaced != Ending::completed);
+            set.set(position, other);
+        }
         EXPECT_EQ(world.answers(), world.plainAnswers()) << more << " more signals";
     }
     EXPECT_GT(replacementsFailed, 0);
