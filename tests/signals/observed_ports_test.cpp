@@ -87,4 +87,19 @@ TEST_F(ObservedPorts, aRenamedModelIsFoundAfterAnUpdate) {
     EXPECT_TRUE(byPath(0.0, u"Gain", 1, 0));
 }
 
+TEST_F(ObservedPorts, signalsUnderOnePathKeyComeAndGoEachForItself) {
+    const auto add = [&](int outputPort) {
+        auto spec = port(u"Gain", outputPort);
+        spec->m_logicalPortIndex = 4;
+        set().add(std::move(spec));
+    };
+    const auto observed = [&](int outputPort) { return set().isPortObserved(0.0, u"Gain", u"", outputPort, 0, 4); };
+    add(1);
+    add(2);
+    set().remove(std::size_t{0});
+    add(3);
+    EXPECT_FALSE(observed(1));
+    EXPECT_TRUE(observed(2) && observed(3));
+}
+
 }  // namespace
