@@ -26,6 +26,7 @@ public:
     const hos::COSClassInfo& info() const noexcept { return *m_info; }
     const std::string& fullName() const noexcept { return m_fullName; }
     const std::vector<std::unique_ptr<hos::COSPropInfo>>& properties() const noexcept { return m_properties; }
+    const std::vector<std::unique_ptr<hos::COSMethodInfo>>& methods() const noexcept { return m_methods; }
     /// Null when there is none.
     const hos::COSPropInfo* findProperty(std::string_view name) const;
     /// The method of that name, the constructor excepted; null when there is none.

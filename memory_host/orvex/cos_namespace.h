@@ -37,7 +37,7 @@ private:
 
 /// The native class of that full name with its members defined, or null. Loads the namespaces that the
 /// name passes through.
-std::shared_ptr<NativeClass> findNativeClass(std::string_view fullName);
+OX_API std::shared_ptr<NativeClass> findNativeClass(std::string_view fullName);
 /// Native or scripted.
 bool classExists(std::string_view fullName);
 /// Destroys all namespaces; their classes live on while objects of them do.

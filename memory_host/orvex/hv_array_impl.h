@@ -78,7 +78,7 @@ public:
         : m_values(count > 0 ? std::make_shared_for_overwrite<HvArrayPtr[]>(count) : nullptr), m_count(count) {}
 
     std::size_t size() const noexcept { return m_count; }
-    const HvArrayPtr& operator[](std::size_t position) const noexcept { return m_values[position]; }
+    const HvArrayPtr& operator[](std::size_t position) const noexcept { return m_values.get()[position]; }
     HvArrayPtr& forWriting(std::size_t position);
 
 private:

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "memory_host/orvex/faults.h"
 #include "memory_host/orvex/functions.h"
 #include "memory_host/orvex/hv_array_impl.h"
@@ -16,13 +18,13 @@ void giveUp(const hvArray* value) noexcept {
 HvArrayPtr& Children::forWriting(std::size_t position) {
     if (m_values.use_count() > 1) {
         const std::shared_ptr<HvArrayPtr[]> own = std::make_shared_for_overwrite<HvArrayPtr[]>(m_count);
-        for (std::size_t i = 0; i < m_count; ++i) {
-            share(m_values[i].get());
-            own[i].reset(m_values[i].get());
-        }
+        std::transform(m_values.get(), m_values.get() + m_count, own.get(), [](const HvArrayPtr& value) {
+            share(value.get());
+            return HvArrayPtr(value.get());
+        });
         m_values = own;
     }
-    return m_values[position];
+    return m_values.get()[position];
 }
 
 namespace {

@@ -136,6 +136,18 @@ TEST_F(StreamingClientsTest, refusalsOfTheHostEndQuietlyWithAWarning) {
     EXPECT_EQ(raisedBy([&] { clients().copy(); }), "no no");
 }
 
+TEST_F(StreamingClientsTest, aValueWithoutASetIsNothingToDo) {
+    EXPECT_TRUE(StreamingClients::isValidType(clientsObject()));
+    for (const HvArrayPtr& value :
+         {HvArrayPtr(), emptyDouble(), number(1), call("Kestrel.HMI.InstrumentedSignals", {})}) {
+        EXPECT_EQ(StreamingClients::isValidType(value.get()), hvIsEmpty(value.get()));
+        EXPECT_EQ(StreamingClients::getFromHvArray(value.get()), nullptr);
+        StreamingClients::validateAndRemoveUnused(value.get());
+        StreamingClients::handleModelRename(value.get());
+    }
+    EXPECT_TRUE(orvex::warnings().empty());
+}
+
 TEST_F(StreamingClientsTest, validationDropsDeprecatedAndDanglingClients) {
     set().add(port(u"Gain", 1, "1"));
     kestrel::loadedModels().find(u"m1")->setSignals(HvArrayPtr(hvCreateSharedDataCopy(object())));

@@ -79,6 +79,16 @@ TEST_F(ObservedPorts, removalTakesEverySignalOfThePortOutOfTheIndex) {
     EXPECT_TRUE(byPath(0.0, u"Gain", 1, 0));
 }
 
+TEST_F(ObservedPorts, whatLeavesTheIndexIsReleased) {
+    const ks_hmi::InstrumentedSignals::SignalPtr shared(resolvedPort(u"Gain", 1, 12.5).release());
+    set().add(port(u"Gain", 1));
+    set().add(shared);
+    set().add(port(u"Gain", 1));
+    EXPECT_GT(shared.use_count(), 2);
+    set().remove(std::size_t{1});
+    EXPECT_EQ(shared.use_count(), 1);
+}
+
 TEST_F(ObservedPorts, aRenamedModelIsFoundAfterAnUpdate) {
     set().add(port(u"Gain", 1));
     set().setModelName(u"m2");
