@@ -6,6 +6,7 @@
 #include "benchmarks/plain_form.h"
 #include "benchmarks/sample_signals.h"
 #include "benchmarks/suite.h"
+#include "host/text.h"
 
 // The text keys that are given to those who ask for them.
 namespace ks_bench {
@@ -70,8 +71,9 @@ bool arePathKeysEqual() {
         const std::u16string model = i % 3 == 0 ? u"" : drawText(random);
         const int port = static_cast<std::int32_t>(random());
         const int logicalPort = static_cast<int>(random() % 5) - 2;
-        if (SignalSpecification::getNonCachedInfoHash(path, subPath, port, logicalPort, model) !=
-            plain::pathKey(path, subPath, port, logicalPort, model))
+        const std::uint64_t key = SignalSpecification::getNonCachedInfoHash(path, subPath, port, logicalPort, model);
+        if (key != plain::pathKey(path, subPath, port, logicalPort, model) ||
+            key != plain::pathKey(path, subPath, port, logicalPort, model, fl::i18n::to_string))
             return false;
     }
     return true;
@@ -114,9 +116,15 @@ void addPathKeys(Suite& suite) {
         });
     };
     addForm("path key: library", &SignalSpecification::getNonCachedInfoHash);
-    addForm("path key: plain form", &plain::pathKey);
+    const auto addPlain = [&](const char* name, plain::Convert convert) {
+        addForm(name, [=](const auto&... parts) { return plain::pathKey(parts..., convert); });
+    };
+    addPlain("path key: plain form", plain::unitByUnit);
+    addPlain("path key: plain form, the host converts", fl::i18n::to_string);
     suite.speedUp(4, "path key of 59 characters, plain form", "path key: library", "path key: plain form",
                   Limit::atLeast(3));
+    suite.speedUp(4, "the same, converted by the memory host (quick for ASCII)", "path key: library",
+                  "path key: plain form, the host converts", Limit{});
 }
 
 }  // namespace

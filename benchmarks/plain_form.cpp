@@ -5,8 +5,6 @@
 #include <boost/container_hash/hash.hpp>
 #include <cstdio>
 
-#include "host/text.h"
-
 namespace ks_bench::plain {
 
 namespace {
@@ -16,6 +14,25 @@ std::string textOf(double number) {
     std::array<char, kLongest> buffer{};
     std::snprintf(buffer.data(), buffer.size(), "%.17g", number);
     return buffer.data();
+}
+
+void append(std::string& utf8, char32_t point) {
+    const auto continuation = [&](int shift) { utf8 += static_cast<char>(0x80 | ((point >> shift) & 0x3F)); };
+    if (point < 0x80) {
+        utf8 += static_cast<char>(point);
+    } else if (point < 0x800) {
+        utf8 += static_cast<char>(0xC0 | (point >> 6));
+        continuation(0);
+    } else if (point < 0x10000) {
+        utf8 += static_cast<char>(0xE0 | (point >> 12));
+        continuation(6);
+        continuation(0);
+    } else {
+        utf8 += static_cast<char>(0xF0 | (point >> 18));
+        continuation(12);
+        continuation(6);
+        continuation(0);
+    }
 }
 
 template <class Matches>
@@ -31,12 +48,25 @@ std::uint64_t handleKey(double blockHandle, int portIdx) {
     return boost::hash<std::string>()(key);
 }
 
+std::string unitByUnit(const std::u16string& text) {
+    constexpr auto isHigh = [](char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; };
+    constexpr auto isLow = [](char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; };
+    std::string utf8;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char16_t unit = text[at];
+        if (isHigh(unit) && at + 1 < text.size() && isLow(text[at + 1]))
+            append(utf8, 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (text[++at] - char32_t{0xDC00}));
+        else
+            append(utf8, isHigh(unit) || isLow(unit) ? U'\uFFFD' : char32_t{unit});
+    }
+    return utf8;
+}
+
 std::uint64_t pathKey(const std::u16string& blockPath, const std::u16string& subPath, int outputPortIndex,
-                      int logicalPortIndex, const std::u16string& modelName) {
+                      int logicalPortIndex, const std::u16string& modelName, Convert convert) {
     const std::u16string fullPath = modelName.empty() ? blockPath : modelName + u"/" + blockPath;
     const int port = logicalPortIndex >= 1 ? logicalPortIndex : outputPortIndex;
-    const std::string key =
-        fl::i18n::to_string(fullPath) + "$$" + fl::i18n::to_string(subPath) + "$$" + std::to_string(port);
+    const std::string key = convert(fullPath) + "$$" + convert(subPath) + "$$" + std::to_string(port);
     return boost::hash<std::string>()(key);
 }
 

@@ -11,9 +11,13 @@
 /// looked up in the standard library's table.
 namespace ks_bench::plain {
 
+using Convert = std::string (*)(const std::u16string& text);
+/// To UTF-8, without a quick way for ASCII; lone surrogates become U+FFFD.
+std::string unitByUnit(const std::u16string& text);
+
 std::uint64_t handleKey(double blockHandle, int portIdx);
 std::uint64_t pathKey(const std::u16string& blockPath, const std::u16string& subPath, int outputPortIndex,
-                      int logicalPortIndex, const std::u16string& modelName);
+                      int logicalPortIndex, const std::u16string& modelName, Convert convert = unitByUnit);
 
 using Table = std::unordered_multimap<std::uint64_t, boost::shared_ptr<ks_hmi::SignalSpecification>>;
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <boost/container_hash/hash.hpp>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -186,8 +185,6 @@ KeyText& KeyText::addFixed6(double number) {
     advanceTo(std::to_chars(to, to + kLongestFixed, number, std::chars_format::fixed, 6).ptr);
     return *this;
 }
-
-std::uint64_t KeyText::hash() const noexcept { return boost::hash<std::string_view>()(text()); }
 
 void KeyText::grow(std::size_t more) {
     const std::size_t capacity = std::max(2 * m_capacity, m_size + more);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <boost/container_hash/hash.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -39,7 +40,7 @@ public:
 
     std::string_view text() const noexcept { return {m_begin, m_size}; }
     /// The string hash behind all source keys: Boost's container hash of the narrow text.
-    std::uint64_t hash() const noexcept;
+    std::uint64_t hash() const noexcept { return boost::hash<std::string_view>()(text()); }
 
 private:
     /// Room for that many more bytes.
