@@ -165,6 +165,7 @@ TEST_F(StreamingClientsTest, validationDropsDeprecatedAndDanglingClients) {
 }
 
 TEST_F(StreamingClientsTest, alignedObserversAreNewClientsWithRelativePaths) {
+    clients().setModelName(u"known before");
     clients().setModelName(u"m1");
     clients().add(client("a"));
     clients().add(client("b"));
