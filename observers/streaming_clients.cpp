@@ -16,14 +16,13 @@ StreamingClients::~StreamingClients() = default;
 std::u16string StreamingClients::getModelName() const { return m_modelName; }
 
 void StreamingClients::setModelName(const std::u16string& newName) {
-    const std::u16string name = newName;
-    std::u16string oldName = name;
-    std::u16string knownName = name;
+    std::u16string name = newName;
+    std::u16string oldName = newName;
     // Values that are replaced may run scripts when they go: a snapshot is renamed.
     const std::vector<ClientPtr> clients = m_clients;
     m_modelName.swap(oldName);
     for (const ClientPtr& client : clients) client->renameModel(oldName, name);
-    if (oldName.empty()) m_knownModelName.swap(knownName);
+    if (oldName.empty()) m_knownModelName.swap(name);
 }
 
 std::size_t StreamingClients::getCount() const { return m_clients.size(); }

@@ -74,8 +74,9 @@ TEST_F(HostClasses, instrumentedSignalsAreDescribedToTheHost) {
     EXPECT_EQ(
         description("InstrumentedSignals"),
         (std::vector<std::string>{
-            "InstrumentedSignals reference arrays functions properties", "Model: unicodeString 0/5 copied displayed offered",
-            "Count: uint32 scalar 0/5 copied displayed offered", "Persistence: any 0/2 copied",
+            "InstrumentedSignals reference arrays functions properties",
+            "Model: unicodeString 0/5 copied displayed offered", "Count: uint32 scalar 0/5 copied displayed offered",
+            "Persistence: any 0/2 copied",
             "InstrumentedSignals(unicodeString) -> (Kestrel.HMI.InstrumentedSignals) optional",
             "add(Kestrel.HMI.InstrumentedSignals, Kestrel.HMI.SignalSpecification) -> ()",
             "set(Kestrel.HMI.InstrumentedSignals, uint32 scalar, Kestrel.HMI.SignalSpecification) -> ()",
@@ -94,15 +95,16 @@ TEST_F(HostClasses, instrumentedSignalsAreDescribedToTheHost) {
 }
 
 TEST_F(HostClasses, streamingClientsAreDescribedToTheHost) {
-    EXPECT_EQ(description("StreamingClients"),
-              (std::vector<std::string>{
-                  "StreamingClients reference arrays functions properties", "Model: unicodeString 0/2 copied displayed offered",
-                  "Count: uint32 scalar 0/5 copied displayed offered", "Persistence: any 0/2 copied",
-                  "StreamingClients(unicodeString) -> (Kestrel.HMI.StreamingClients) optional",
-                  "add(Kestrel.HMI.StreamingClients, Kestrel.HMI.SignalClient) -> ()",
-                  "set(Kestrel.HMI.StreamingClients, uint32 scalar, Kestrel.HMI.SignalClient) -> ()",
-                  "remove(Kestrel.HMI.StreamingClients, uint32 scalar) -> ()",
-                  "get(Kestrel.HMI.StreamingClients, uint32 scalar) -> (Kestrel.HMI.SignalClient)"}));
+    EXPECT_EQ(
+        description("StreamingClients"),
+        (std::vector<std::string>{"StreamingClients reference arrays functions properties",
+                                  "Model: unicodeString 0/2 copied displayed offered",
+                                  "Count: uint32 scalar 0/5 copied displayed offered", "Persistence: any 0/2 copied",
+                                  "StreamingClients(unicodeString) -> (Kestrel.HMI.StreamingClients) optional",
+                                  "add(Kestrel.HMI.StreamingClients, Kestrel.HMI.SignalClient) -> ()",
+                                  "set(Kestrel.HMI.StreamingClients, uint32 scalar, Kestrel.HMI.SignalClient) -> ()",
+                                  "remove(Kestrel.HMI.StreamingClients, uint32 scalar) -> ()",
+                                  "get(Kestrel.HMI.StreamingClients, uint32 scalar) -> (Kestrel.HMI.SignalClient)"}));
 }
 
 }  // namespace
