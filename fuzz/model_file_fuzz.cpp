@@ -66,7 +66,9 @@ int run(std::vector<std::string> words) {
 
 /// Whether the file is a model; the bytes that saving gives are then in it.
 bool isSaved(const std::string& path) {
-    std::ostringstream warnings;
+    // Outlives this call: the host goes on writing to it.
+    static std::ostringstream warnings;
+    warnings.str({});
     kshmi::enterHost(warnings);
     try {
         kshmi::Session session(path, kshmi::Session::Opening::lenient);

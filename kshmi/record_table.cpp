@@ -129,9 +129,9 @@ const std::vector<Field>& fieldTable(RecordKind kind) {
         for (const std::string_view name : fieldsOf(one)) table.push_back({name, &kindOf(name)});
         return table;
     };
-    static const std::vector<Field> s_signal = tableOf(RecordKind::signal);
-    static const std::vector<Field> s_client = tableOf(RecordKind::client);
-    return kind == RecordKind::signal ? s_signal : s_client;
+    static const std::vector<Field> signalFields = tableOf(RecordKind::signal);
+    static const std::vector<Field> clientFields = tableOf(RecordKind::client);
+    return kind == RecordKind::signal ? signalFields : clientFields;
 }
 
 }  // namespace

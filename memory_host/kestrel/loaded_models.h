@@ -25,7 +25,8 @@ public:
     hvArray* signals() noexcept { return m_signals.get(); }
     const hvArray* signals() const noexcept { return m_signals.get(); }
     void setSignals(HvArrayPtr signals) noexcept { m_signals = std::move(signals); }
-    /// Positions (1-based) at which signals were found last, by UUID. A hint: the set may have changed since.
+    /// Positions (1-based) at which signals were found last, by UUID. A hint: the set may have changed since,
+    /// and of several signals with one UUID it may be any.
     std::unordered_map<std::u16string, double>& foundSignals() noexcept { return m_foundSignals; }
 
     /// Borrowed: a 1x1 "Kestrel.HMI.StreamingClients" object, or null.

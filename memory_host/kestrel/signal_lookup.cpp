@@ -1,6 +1,7 @@
 #include "memory_host/kestrel/signal_lookup.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_values.h"
@@ -11,19 +12,6 @@ namespace {
 
 std::u16string uuidAt(const hvArray* set, double position) {
     return textOf(callForOne("getUUID", {set, numberValue(position).get()}).get());
-}
-
-/// 0 when the set has no such signal.
-double positionOf(LoadedModel& open, const std::u16string& uuid) {
-    const hvArray* const set = open.signals();
-    const double count = set ? numberProperty(set, "Count") : 0.0;
-    auto& known = open.foundSignals();
-    if (const auto hint = known.find(uuid); hint != known.end())
-        if (hint->second <= count && uuidAt(set, hint->second) == uuid) return hint->second;
-    known.clear();
-    for (double position = 1.0; position <= count; ++position) known.emplace(uuidAt(set, position), position);
-    const auto found = known.find(uuid);
-    return found == known.end() ? 0.0 : found->second;
 }
 
 }  // namespace
@@ -49,6 +37,24 @@ std::vector<std::u16string> signalUuids(const LoadedModel& open) {
     for (double position = 1.0; position <= count; ++position) uuids.push_back(uuidAt(open.signals(), position));
     return uuids;
 }
+
+namespace {
+
+/// 0 when the model has no such signal.
+double positionOf(LoadedModel& open, const std::u16string& uuid) {
+    const double count = open.signals() ? numberProperty(open.signals(), "Count") : 0.0;
+    auto& known = open.foundSignals();
+    const auto hint = known.find(uuid);
+    if (hint != known.end() && hint->second <= count && uuidAt(open.signals(), hint->second) == uuid)
+        return hint->second;
+    known.clear();
+    double position = 0.0;
+    for (std::u16string& one : signalUuids(open)) known.emplace(std::move(one), ++position);
+    const auto found = known.find(uuid);
+    return found == known.end() ? 0.0 : found->second;
+}
+
+}  // namespace
 
 HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, std::u16string_view uuid) {
     if (uuid.empty()) return nullptr;

@@ -44,12 +44,10 @@ private:
             input = makeEmpty("a missing input").release();
         m_pins.emplace_back(input);
         m_inputs.push_back(input);
-        if (const Objects* objects = objectsOf(input)) m_objects.push_back(*objects);
     }
 
     std::vector<std::unique_ptr<const hvArray, Unpin>> m_pins;
     std::vector<const hvArray*> m_inputs;
-    std::vector<Objects> m_objects;
 };
 
 void requireOutputs(const FunctionEntry& entry, const Call& call) {

@@ -60,8 +60,9 @@ FieldNames::FieldNames(std::vector<std::string> names) : m_names(std::move(names
 }
 
 int FieldNames::find(std::string_view name) const noexcept {
-    if (m_next >= m_names.size()) m_next = 0;
-    if (m_next >= m_names.size() || m_names[m_next] != name) m_next = searched(name);
+    if (m_names.empty()) return -1;
+    if (m_next == m_names.size()) m_next = 0;
+    if (m_names[m_next] != name) m_next = searched(name);
     return m_next < m_names.size() ? static_cast<int>(m_next++) : -1;
 }
 

@@ -156,7 +156,8 @@ OX_API HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const 
 /// An empty double array, 0x0.
 OX_API HvArrayPtr makeEmpty(const Site& site = "[]");
 
-/// The payload as T, or null for null and for a value of another class.
+/// The payload as T, or null for null and for a value of another class. What copies share is taken apart by
+/// `dataForWriting` and `forWriting` only.
 template <typename T>
 const T* payloadOf(const hvArray* value) noexcept {
     return value ? std::get_if<T>(&value->m_payload) : nullptr;

@@ -84,13 +84,13 @@ void append(std::string& text, char32_t codePoint) {
     }
 }
 
-/// Whether all units are below a power of two. Looks at all of them: such loops run over many units at a time.
+/// Looks at all units: such loops run over many of them at a time.
 template <typename Text>
-bool isBelow(Text text, unsigned limit) noexcept {
+bool isAsciiText(Text text) noexcept {
     using Unit = std::make_unsigned_t<typename Text::value_type>;
     Unit all = 0;
     for (const auto unit : text) all = static_cast<Unit>(all | static_cast<Unit>(unit));
-    return all < limit;
+    return all < 0x80;
 }
 
 template <typename Target, typename Source, typename Decode>
@@ -107,7 +107,7 @@ Target transcoded(Source text, Decode decode) {
 
 }  // namespace
 
-bool isAscii(std::string_view text) noexcept { return isBelow(text, 0x80); }
+bool isAscii(std::string_view text) noexcept { return isAsciiText(text); }
 
 std::u16string utf16Of(std::string_view text) {
     if (isAscii(text)) return {text.begin(), text.end()};
@@ -115,7 +115,7 @@ std::u16string utf16Of(std::string_view text) {
 }
 
 std::string utf8Of(std::u16string_view text) {
-    if (isBelow(text, 0x80)) return {text.begin(), text.end()};
+    if (isAsciiText(text)) return {text.begin(), text.end()};
     return transcoded<std::string>(text, decodeUtf16);
 }
 
