@@ -12,7 +12,7 @@
 namespace orvex {
 
 /// A class that a library described. Its objects keep it alive.
-class NativeClass final : public hos::COSClass {
+class OX_API NativeClass final : public hos::COSClass {
 public:
     NativeClass(std::unique_ptr<hos::COSClassInfo> info, std::string fullName);
 
