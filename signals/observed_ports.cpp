@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "foundation/errors.h"
+#include "foundation/rollback.h"
 #include "foundation/text_hash.h"
 #include "signals/instrumented_signals.h"
 
@@ -8,6 +9,7 @@ namespace ks_hmi {
 
 namespace errors = plv_hmi_foundation::errors;
 using ks_hmi_foundation::isSameText;
+using ks_hmi_foundation::Rollback;
 using ks_hmi_foundation::TextHash;
 
 namespace {
@@ -115,10 +117,12 @@ bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16strin
     if (found == nullptr) return false;
     if (portIdx == 0 || (*found)->m_cachedPortIdx != 0) return true;
     const SignalPtr signal = *found;
-    m_observedPortMap.makeRoom();
+    Rollback unresolved(
+        [&signal, earlier = signal->m_cachedBlockHandle]() noexcept { signal->setCachedInfo(earlier, 0); });
     signal->setCachedInfo(blockHandle, portIdx);
     // Entered once more under its path key on purpose: no query minds, and the handle key joins.
     addToObservedPortMap(signal);
+    unresolved.commit();
     return true;
 }
 

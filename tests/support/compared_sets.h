@@ -150,10 +150,10 @@ private:
                 return ask("isPortObserved by path", side, [&](auto& set) {
                     return set.isPortObserved(o.handle, o.path, o.subPath, o.outputPort, o.cachedPort, o.logicalPort);
                 });
-            case Kind::askSignal:
-                agree("isPortObserved of a signal", side.real().isPortObserved(record.real.get()),
-                      side.plain.isPortObserved(record.plain.get()));
-                return;
+            case Kind::askSignal: {
+                const bool answer = side.real().isPortObserved(record.real.get());
+                return agree("isPortObserved of a signal", answer, side.plain.isPortObserved(record.plain.get()));
+            }
             case Kind::addToIndex:
             case Kind::removeFromIndex:
             case Kind::addActivity:
