@@ -140,7 +140,9 @@ TEST_F(SignalSpecificationTest, runtimeFieldsTravelInTheRuntimeStructOnly) {
     EXPECT_EQ(hvGetNumberOfFields(runtime.get()), 20);
     EXPECT_EQ(hvArrayToStdString(hvGetField(runtime.get(), 0, "BlockPath_")), "m1/Sub/Switch");
     EXPECT_EQ(hvArrayToStdString(hvGetField(runtime.get(), 0, "EID_")), "m1:3");
+    EXPECT_EQ(hvArrayToStdString(hvGetField(runtime.get(), 0, "BindingRule_")), "rule");
     EXPECT_EQ(hvGetScalar(hvGetField(runtime.get(), 0, "CachedBlockHandle_")), 12.5);
+    EXPECT_EQ(hvGetScalar(hvGetField(runtime.get(), 0, "CachedPortIdx_")), 2);
     EXPECT_TRUE(hvIsLogicalScalarTrue(hvGetField(runtime.get(), 0, "ExcludeForSave_")));
 
     const SignalSpecification read(runtime.get(), 0, u"m1");
