@@ -5,6 +5,8 @@
 #include <boost/container_hash/hash.hpp>
 #include <cstdio>
 
+#include "foundation/text_hash.h"
+
 namespace ks_bench::plain {
 
 namespace {
@@ -49,15 +51,15 @@ std::uint64_t handleKey(double blockHandle, int portIdx) {
 }
 
 std::string unitByUnit(const std::u16string& text) {
-    constexpr auto isHigh = [](char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; };
-    constexpr auto isLow = [](char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; };
+    using ks_hmi_foundation::isHighSurrogate;
+    using ks_hmi_foundation::isLowSurrogate;
     std::string utf8;
     for (std::size_t at = 0; at < text.size(); ++at) {
         const char16_t unit = text[at];
-        if (isHigh(unit) && at + 1 < text.size() && isLow(text[at + 1]))
+        if (isHighSurrogate(unit) && at + 1 < text.size() && isLowSurrogate(text[at + 1]))
             append(utf8, 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (text[++at] - char32_t{0xDC00}));
         else
-            append(utf8, isHigh(unit) || isLow(unit) ? U'\uFFFD' : char32_t{unit});
+            append(utf8, isHighSurrogate(unit) || isLowSurrogate(unit) ? U'\uFFFD' : char32_t{unit});
     }
     return utf8;
 }

@@ -56,11 +56,11 @@ double positionOf(LoadedModel& open, const std::u16string& uuid) {
 
 }  // namespace
 
-HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, std::u16string_view uuid) {
+HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, const std::u16string& uuid) {
     if (uuid.empty()) return nullptr;
     for (const std::u16string& name : modelNames) {
         LoadedModel* const open = loadedModels().find(name);
-        const double position = open ? positionOf(*open, std::u16string(uuid)) : 0.0;
+        const double position = open ? positionOf(*open, uuid) : 0.0;
         if (position > 0.0) return callForOne("get", {open->signals(), numberValue(position).get()});
     }
     return nullptr;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "host/hv_array.h"
@@ -22,6 +21,6 @@ std::vector<std::u16string> modelsOfClient(const hos::COSObject& client);
 std::vector<std::u16string> signalUuids(const LoadedModel& open);
 
 /// The object of the signal with that UUID in the first of the models that has it; null when none does.
-HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, std::u16string_view uuid);
+HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, const std::u16string& uuid);
 
 }  // namespace kestrel
