@@ -1,0 +1,276 @@
+#include "tests/support/host_recorder.h"
+
+#include <dlfcn.h>
+#include <link.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <span>
+#include <type_traits>
+#include <utility>
+
+#include "host/object_system.h"
+#include "host/services.h"
+
+namespace ks_test {
+
+namespace {
+
+HostRecorder* g_recorder = nullptr;
+
+struct AddressRange {
+    std::uintptr_t begin = 0, end = 0;
+};
+
+int findLibrary(dl_phdr_info* info, std::size_t, void* found) {
+    if (std::string_view(info->dlpi_name).find("libks_hmi_foundation.so") == std::string_view::npos) return 0;
+    for (const ElfW(Phdr) & segment : std::span(info->dlpi_phdr, info->dlpi_phnum)) {
+        if (segment.p_type != PT_LOAD || (segment.p_flags & PF_X) == 0) continue;
+        const auto begin = info->dlpi_addr + segment.p_vaddr;
+        *static_cast<AddressRange*>(found) = {begin, begin + segment.p_memsz};
+    }
+    return 1;
+}
+
+/// Looked for each time: tests load and unload the library.
+bool isInLibrary(const void* address) {
+    AddressRange code;
+    dl_iterate_phdr(findLibrary, &code);
+    const auto at = reinterpret_cast<std::uintptr_t>(address);
+    return at >= code.begin && at < code.end;
+}
+
+/// The host's own function behind the program's.
+template <class Function>
+Function* hostFunction(Function* own) {
+    Dl_info info{};
+    dladdr(reinterpret_cast<const void*>(own), &info);
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, info.dli_sname));
+}
+
+std::string textOf(double number) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", number);
+    return text;
+}
+
+std::string dimensionsOf(const hvArray* value) {
+    std::string text;
+    for (const std::size_t d : std::span(hvGetDimensions(value), hvGetNumberOfDimensions(value)))
+        text += (text.empty() ? "" : "x") + std::to_string(d);
+    return text == "1x1" ? "" : " " + text;
+}
+
+template <class Items, class Describe>
+std::string list(const Items& items, Describe describeOne) {
+    std::string text;
+    for (const auto& item : items) text += (text.empty() ? "" : ", ") + describeOne(item);
+    return text;
+}
+
+std::string describeCells(const hvArray* value) {
+    std::vector<const hvArray*> cells(hvGetNumberOfElements(value));
+    for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = hvGetCell(value, i);
+    return "{" + list(cells, &describe) + "}";
+}
+
+std::string describeCall(int nIn, const hvArray* const* ins) {
+    return "(" + list(std::span(ins, static_cast<std::size_t>(nIn)), &describe) + ")";
+}
+
+std::string word(const hvArray* value) { return describe(value); }
+std::string word(const std::string& text) { return text; }
+std::string word(const char* text) { return text; }
+std::string word(bool value) { return value ? "true" : "false"; }
+template <class Number>
+requires std::is_arithmetic_v<Number> || std::is_enum_v<Number> std::string word(Number number) {
+    return textOf(static_cast<double>(number));
+}
+
+template <class... Arguments>
+void write(const void* caller, const char* operation, const Arguments&... arguments) {
+    if (HostRecorder* const recorder = std::exchange(g_recorder, nullptr)) {
+        if (isInLibrary(caller)) recorder->write(operation, {word(arguments)...});
+        g_recorder = recorder;
+    }
+}
+
+}  // namespace
+
+HostRecorder::HostRecorder(std::initializer_list<std::string_view> operations)
+    : m_operations(operations), m_outer(std::exchange(g_recorder, this)) {}
+
+HostRecorder::~HostRecorder() { g_recorder = m_outer; }
+
+Lines HostRecorder::lines() { return std::exchange(m_lines, {}); }
+
+void HostRecorder::write(std::string_view operation, std::initializer_list<std::string> arguments) {
+    if (!m_operations.empty() && std::find(m_operations.begin(), m_operations.end(), operation) == m_operations.end())
+        return;
+    std::string line(operation);
+    for (const std::string& argument : arguments) line += " " + argument;
+    m_lines.push_back(std::move(line));
+}
+
+// By look-ups only, which no injected fault counts.
+std::string describe(const hvArray* value) {
+    const std::size_t count = hvGetNumberOfElements(value);
+    const hvClassID kind = hvGetClassID(value);
+    if (value == nullptr) return "null";
+    if (kind == hvCELL_CLASS) return describeCells(value);
+    if (kind == hvCHAR_CLASS) {
+        const char16_t* const units = hvGetChars(value);
+        std::string text(count, '?');
+        std::transform(units, units + count, text.begin(),
+                       [](char16_t c) { return c < 128 ? static_cast<char>(c) : '?'; });
+        return "'" + text + "'";
+    }
+    if (kind == hvDOUBLE_CLASS && count == 0) return "[]";
+    if (kind == hvDOUBLE_CLASS && count == 1) return textOf(*hvGetDoubles(value));
+    if (kind == hvLOGICAL_CLASS && count == 1) return *hvGetLogicals(value) ? "true" : "false";
+    const std::string name = std::string(hvGetClassName(value)) + dimensionsOf(value);
+    const bool isUint32 = kind == hvUINT32_CLASS && count == 1;
+    return isUint32 ? name + " " + std::to_string(*static_cast<const std::uint32_t*>(hvGetData(value))) : name;
+}
+
+}  // namespace ks_test
+
+using ks_test::describe;
+using ks_test::describeCall;
+using ks_test::hostFunction;
+
+#define KS_WRITE(...) ks_test::write(__builtin_return_address(0), __VA_ARGS__)
+/// Calls the host's function of that type, which is needed to tell overloads apart.
+#define KS_FORWARD(type, name, ...)                          \
+    static auto* const function = hostFunction<type>(&name); \
+    return function(__VA_ARGS__)
+
+// ---- creating ----
+
+hvArray* hvCreateStructArray(std::size_t ndim, const std::size_t* dims, int nfields, const char* const* names) {
+    KS_WRITE("hvCreateStructArray", dims[0], nfields);
+    KS_FORWARD(decltype(hvCreateStructArray), hvCreateStructArray, ndim, dims, nfields, names);
+}
+hvArray* hvCreateString(const char* text) {
+    KS_WRITE("hvCreateString", text);
+    KS_FORWARD(decltype(hvCreateString), hvCreateString, text);
+}
+hvArray* hvCreateDoubleScalar(double value) {
+    KS_WRITE("hvCreateDoubleScalar", value);
+    KS_FORWARD(decltype(hvCreateDoubleScalar), hvCreateDoubleScalar, value);
+}
+hvArray* hvCreateLogicalScalar(bool value) {
+    KS_WRITE("hvCreateLogicalScalar", value);
+    KS_FORWARD(decltype(hvCreateLogicalScalar), hvCreateLogicalScalar, value);
+}
+hvArray* hvCreateNumericMatrix(std::size_t m, std::size_t n, hvClassID classID, hvComplexity complexity) {
+    KS_WRITE("hvCreateNumericMatrix", m, n);
+    KS_FORWARD(decltype(hvCreateNumericMatrix), hvCreateNumericMatrix, m, n, classID, complexity);
+}
+hvArray* hvCreateDeepCopy(const hvArray* value) {
+    KS_WRITE("hvCreateDeepCopy", value);
+    KS_FORWARD(decltype(hvCreateDeepCopy), hvCreateDeepCopy, value);
+}
+hvArray* hvCreateSharedDataCopy(const hvArray* value) {
+    KS_WRITE("hvCreateSharedDataCopy", value);
+    KS_FORWARD(decltype(hvCreateSharedDataCopy), hvCreateSharedDataCopy, value);
+}
+
+namespace matrix {
+hvArray* create_struct(std::span<const std::size_t> dims, std::span<const char* const> fields) {
+    KS_WRITE("create_struct", dims[0], fields.size());
+    KS_FORWARD(decltype(create_struct), create_struct, dims, fields);
+}
+hvArray* create(const char* text, std::size_t length) {
+    KS_WRITE("create", std::string(text, length));
+    KS_FORWARD(hvArray * (const char*, std::size_t), create, text, length);
+}
+hvArray* create(const char16_t* text, std::size_t length) {
+    KS_WRITE("create", std::string(text, text + length));
+    KS_FORWARD(hvArray * (const char16_t*, std::size_t), create, text, length);
+}
+void destroyArray(hvArray* value) noexcept {
+    KS_WRITE("destroyArray", value);
+    KS_FORWARD(decltype(destroyArray), destroyArray, value);
+}
+}  // namespace matrix
+
+// ---- reading and writing ----
+
+const hvArray* hvGetField(const hvArray* structArray, std::size_t index, const char* name) noexcept {
+    KS_WRITE("hvGetField", index, name);
+    KS_FORWARD(decltype(hvGetField), hvGetField, structArray, index, name);
+}
+hvArray* hvGetProperty(const hvArray* object, std::size_t index, const char* name) {
+    KS_WRITE("hvGetProperty", index, name);
+    KS_FORWARD(decltype(hvGetProperty), hvGetProperty, object, index, name);
+}
+hvArray* hvGetPropertyShared(const hvArray* object, std::size_t index, const char* name) {
+    KS_WRITE("hvGetPropertyShared", index, name);
+    KS_FORWARD(decltype(hvGetPropertyShared), hvGetPropertyShared, object, index, name);
+}
+void hvReplaceField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
+    KS_WRITE("hvReplaceField", index, name, value);
+    KS_FORWARD(decltype(hvReplaceField), hvReplaceField, structArray, index, name, value);
+}
+void hvSetProperty(hvArray* object, std::size_t index, const char* name, const hvArray* value) {
+    KS_WRITE("hvSetProperty", index, name, value);
+    KS_FORWARD(decltype(hvSetProperty), hvSetProperty, object, index, name, value);
+}
+
+// ---- lifetimes ----
+
+void hvSetArrayScope(hvArray* value, hvVariableScope scope) noexcept {
+    KS_WRITE("hvSetArrayScope", value, scope);
+    KS_FORWARD(void(hvArray*, hvVariableScope) noexcept, hvSetArrayScope, value, scope);
+}
+void hvSetArrayScope(hvArray* value, std::nullptr_t) noexcept {
+    KS_WRITE("hvSetArrayScope", value, "null");
+    KS_FORWARD(void(hvArray*, std::nullptr_t) noexcept, hvSetArrayScope, value, nullptr);
+}
+void kssvSetLocalScope(hvArray* value) noexcept {
+    KS_WRITE("kssvSetLocalScope", value);
+    KS_FORWARD(decltype(kssvSetLocalScope), kssvSetLocalScope, value);
+}
+void THvArrayDeleter::operator()(hvArray* value) const noexcept {
+    KS_WRITE("destroy", value);
+    destroy(value);
+}
+void utFree(void* storage) noexcept {
+    KS_WRITE("utFree", storage == nullptr ? "null" : "storage");
+    KS_FORWARD(decltype(utFree), utFree, storage);
+}
+
+// ---- calls and diagnostics ----
+
+void kssvFEVAL(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, const char* name) {
+    KS_WRITE("kssvFEVAL", nOut, name, describeCall(nIn, ins));
+    KS_FORWARD(decltype(kssvFEVAL), kssvFEVAL, nOut, outs, nIn, ins, name);
+}
+kssvDiagnosticImpl* kssvFEVAL_NoThrow(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, const char* name,
+                                      bool captureErrors, void* reserved) {
+    KS_WRITE("kssvFEVAL_NoThrow", nOut, name, describeCall(nIn, ins), captureErrors, reserved ? "something" : "null");
+    KS_FORWARD(kssvDiagnosticImpl * (int, hvArray**, int, const hvArray* const*, const char*, bool, void*),
+               kssvFEVAL_NoThrow, nOut, outs, nIn, ins, name, captureErrors, reserved);
+}
+void kssvReportAsWarning(kssvDiagnosticImpl* diagnostic) noexcept {
+    KS_WRITE("kssvReportAsWarning");
+    KS_FORWARD(decltype(kssvReportAsWarning), kssvReportAsWarning, diagnostic);
+}
+void kssvDiscardDiagnostic(kssvDiagnosticImpl* diagnostic) noexcept {
+    KS_WRITE("kssvDiscardDiagnostic");
+    KS_FORWARD(decltype(kssvDiscardDiagnostic), kssvDiscardDiagnostic, diagnostic);
+}
+kssvDiagnosticImpl* kssvCreateDiagnostic(const resource_core::BaseMsgID& id, const std::string& text) {
+    KS_WRITE("kssvCreateDiagnostic", id.key(), "'" + text + "'");
+    KS_FORWARD(decltype(kssvCreateDiagnostic), kssvCreateDiagnostic, id, text);
+}
+kssvDiagnosticImpl* kssvCreateDiagnosticFromCatchClause() {
+    KS_WRITE("kssvCreateDiagnosticFromCatchClause");
+    KS_FORWARD(decltype(kssvCreateDiagnosticFromCatchClause), kssvCreateDiagnosticFromCatchClause);
+}
+void kssvThrowIExceptionFromDiagnostic(kssvDiagnosticImpl* diagnostic, void* reserved) {
+    KS_WRITE("kssvThrowIExceptionFromDiagnostic", reserved ? "something" : "null");
+    KS_FORWARD(decltype(kssvThrowIExceptionFromDiagnostic), kssvThrowIExceptionFromDiagnostic, diagnostic, reserved);
+}

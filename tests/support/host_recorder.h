@@ -1,0 +1,48 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+struct hvArray;
+
+namespace ks_test {
+
+using Lines = std::vector<std::string>;
+
+/// Writes down what the library asks of the host while this lives: one line per call, in order, the operation and its
+/// arguments with blanks between. What the host does inside, and what the test asks itself, is not written down.
+///
+///     HostRecorder recorder{"kssvSetLocalScope", "hvSetArrayScope"};
+///     signal.getHOSObject(u"m1", true);
+///     EXPECT_EQ(recorder.lines(), (Lines{"kssvSetLocalScope struct", "hvSetArrayScope struct 4"}));
+///
+/// Values read as `describe` says. A struct or object that is written or read is left out ("hvReplaceField 0 UUID
+/// 'u'"), a call by name lists results wanted, name and inputs ("kssvFEVAL 1 isequal (struct, [])"), a value that is
+/// let go is "destroy 'text'". The operations are those that host_recorder.cpp defines: the program's definitions stand
+/// in front of the host's, so it must be linked into the program itself. Nothing passes an injected fault's counting.
+/// Thread: the interpreter thread only.
+class HostRecorder {
+public:
+    /// Only the named operations; without a name, all.
+    HostRecorder(std::initializer_list<std::string_view> operations = {});
+    HostRecorder(const HostRecorder&) = delete;
+    HostRecorder& operator=(const HostRecorder&) = delete;
+    ~HostRecorder();
+
+    /// What was written down since the last time.
+    Lines lines();
+
+    void write(std::string_view operation, std::initializer_list<std::string> arguments);
+
+private:
+    std::vector<std::string_view> m_operations;
+    Lines m_lines;
+    HostRecorder* m_outer;
+};
+
+/// 'text', 7, uint32 7, true, [] (0x0 double), {'a', 'b'} (cells), struct, struct 3x1, the class of an object, null.
+std::string describe(const hvArray* value);
+
+}  // namespace ks_test
