@@ -3,7 +3,7 @@
 
 #include "host/messages.h"
 #include "memory_host/kestrel/host_side.h"
-#include "memory_host/orvex/library_loader.h"
+#include "memory_host/orvex/calls/library_loader.h"
 
 // Prints how many nanoseconds loading and initialising the library takes in this fresh process.
 int main(int argc, char** argv) {

@@ -5,6 +5,17 @@ include(CMakePackageConfigHelpers)
 set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
 set(KS_HMI_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ks_hmi_foundation")
 
+# The headers that the list in cmake/ names, each in its room.
+function(ks_hmi_install_headers list component)
+  file(STRINGS "${PROJECT_SOURCE_DIR}/cmake/${list}" headers)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/${list}")
+  foreach(header IN LISTS headers)
+    get_filename_component(room "${header}" DIRECTORY)
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${KS_HMI_INCLUDE_DIR}/${room}"
+      COMPONENT ${component})
+  endforeach()
+endfunction()
+
 function(ks_hmi_install_library)
   install(TARGETS host EXPORT ks_hmi_host)
   install(EXPORT ks_hmi_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
@@ -15,13 +26,7 @@ function(ks_hmi_install_library)
     FILE ks_hmi_foundation-targets.cmake COMPONENT ks_hmi_foundation)
   set_target_properties(ks_hmi_foundation PROPERTIES INSTALL_RPATH "$ORIGIN")
 
-  file(STRINGS "${PROJECT_SOURCE_DIR}/cmake/exported_headers.txt" headers)
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exported_headers.txt")
-  foreach(header IN LISTS headers)
-    get_filename_component(room "${header}" DIRECTORY)
-    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${KS_HMI_INCLUDE_DIR}/${room}"
-      COMPONENT ks_hmi_foundation)
-  endforeach()
+  ks_hmi_install_headers(exported_headers.txt ks_hmi_foundation)
 
   configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/ks_hmi_foundation-config.cmake.in"
     "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config.cmake" INSTALL_DESTINATION ${KS_HMI_PACKAGE_DIR})
@@ -39,8 +44,7 @@ function(ks_hmi_install_memory_host)
   install(EXPORT ks_hmi_memory_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
     FILE memory_host-targets.cmake COMPONENT memory_host)
   set_target_properties(memory_host PROPERTIES INSTALL_RPATH "$ORIGIN")
-  install(DIRECTORY "${PROJECT_SOURCE_DIR}/memory_host/" DESTINATION "${KS_HMI_INCLUDE_DIR}/memory_host"
-    COMPONENT memory_host FILES_MATCHING PATTERN "*.h")
+  ks_hmi_install_headers(memory_host_headers.txt memory_host)
   ks_hmi_install_pkg_config(ks_hmi_memory_host memory_host)
 endfunction()
 

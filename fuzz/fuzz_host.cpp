@@ -5,9 +5,9 @@
 #include <string>
 
 #include "memory_host/kestrel/host_side.h"
-#include "memory_host/orvex/ledger.h"
-#include "memory_host/orvex/library_loader.h"
-#include "memory_host/orvex/warnings.h"
+#include "memory_host/orvex/account/ledger.h"
+#include "memory_host/orvex/calls/library_loader.h"
+#include "memory_host/orvex/calls/warnings.h"
 #include "signals/signal_specification.h"
 
 namespace ks_fuzz {

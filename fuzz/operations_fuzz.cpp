@@ -1,5 +1,5 @@
 #include "fuzz/fuzz_host.h"
-#include "memory_host/orvex/functions.h"
+#include "memory_host/orvex/calls/functions.h"
 #include "tests/support/compared_sets.h"
 
 /// Sequences of operations on two sets, some of which fail, beside the plain model.

@@ -4,10 +4,10 @@
 
 #include "kshmi/text.h"
 #include "memory_host/kestrel/host_side.h"
-#include "memory_host/orvex/class_members.h"
-#include "memory_host/orvex/ledger.h"
-#include "memory_host/orvex/library_loader.h"
-#include "memory_host/orvex/warnings.h"
+#include "memory_host/orvex/account/ledger.h"
+#include "memory_host/orvex/calls/library_loader.h"
+#include "memory_host/orvex/calls/warnings.h"
+#include "memory_host/orvex/objects/object_system.h"
 
 namespace kshmi {
 

@@ -13,7 +13,7 @@
 #include "kshmi/error.h"
 #include "kshmi/host_value_builder.h"
 #include "kshmi/text.h"
-#include "memory_host/orvex/element_type.h"
+#include "memory_host/orvex/values/element_type.h"
 
 namespace kshmi {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "kshmi/error.h"
-#include "memory_host/orvex/hv_array_impl.h"
+#include "memory_host/orvex/values/values.h"
 #include "observers/signal_client.h"
 #include "signals/signal_specification.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "kshmi/text.h"
-#include "memory_host/orvex/functions.h"
+#include "memory_host/orvex/calls/call_by_name.h"
 #include "observers/streaming_clients.h"
 #include "signals/instrumented_signals.h"
 

@@ -9,7 +9,7 @@
 #include "kshmi/host_process.h"
 #include "kshmi/script.h"
 #include "kshmi/text.h"
-#include "memory_host/orvex/objects.h"
+#include "memory_host/orvex/objects/objects.h"
 
 namespace kshmi {
 

@@ -2,6 +2,7 @@
 
 #include "host/text.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/orvex/calls/errors.h"
 
 namespace kestrel {
 

@@ -6,8 +6,12 @@
 #include <vector>
 
 #include "host/text.h"
-#include "memory_host/orvex/hv_array_impl.h"
-#include "memory_host/orvex/types.h"
+#include "memory_host/orvex/calls/call_by_name.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/objects/object_system.h"
+#include "memory_host/orvex/objects/script_object.h"
+#include "memory_host/orvex/objects/types.h"
+#include "memory_host/orvex/values/values.h"
 
 namespace kestrel {
 

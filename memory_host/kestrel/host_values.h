@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "host/hv_array.h"
-#include "memory_host/orvex/functions.h"
-#include "memory_host/orvex/script_class.h"
+#include "memory_host/orvex/calls/call.h"
+#include "memory_host/orvex/objects/script_object.h"
 
 /// Making and reading host values on the modelling side.
 namespace kestrel {

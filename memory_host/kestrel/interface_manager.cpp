@@ -6,6 +6,9 @@
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/kestrel/host_values.h"
 #include "memory_host/kestrel/loaded_models.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/calls/functions.h"
+#include "memory_host/orvex/objects/script_object.h"
 
 // The dashboard layer: the one interface manager, and the dispatcher that is told of events.
 namespace kestrel {

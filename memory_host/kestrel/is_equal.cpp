@@ -5,9 +5,11 @@
 
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
-#include "memory_host/orvex/element_type.h"
-#include "memory_host/orvex/hv_array_impl.h"
-#include "memory_host/orvex/objects.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/calls/functions.h"
+#include "memory_host/orvex/objects/objects.h"
+#include "memory_host/orvex/values/element_type.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
 
 // "isequal": whether values are the same, as a script author sees it.
 namespace kestrel {

@@ -1,6 +1,9 @@
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
-#include "memory_host/orvex/hv_array_impl.h"
+#include "memory_host/orvex/calls/call.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/objects/script_object.h"
+#include "memory_host/orvex/values/values.h"
 
 // The host class that bundles a model's signals with their observers.
 namespace kestrel {

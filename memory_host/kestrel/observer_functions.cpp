@@ -7,7 +7,9 @@
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
 #include "memory_host/kestrel/signal_lookup.h"
-#include "memory_host/orvex/hv_array_impl.h"
+#include "memory_host/orvex/calls/call_by_name.h"
+#include "memory_host/orvex/calls/functions.h"
+#include "memory_host/orvex/values/values.h"
 
 // What a set of observers asks of the modelling side.
 namespace kestrel {
@@ -84,8 +86,7 @@ void getAlignedObservers(orvex::Call& call) {
         hvSetProperty(client.get(), 0, "ModelPath_", alignedModelPath(client.get()).get());
         aligned.push_back(omGetArrayElement(client.get(), 0));
     }
-    const std::size_t rows = aligned.size();
-    call.outs[0] = orvex::makeObjectArray(orvex::Dimensions(rows, 1), std::move(aligned));
+    call.outs[0] = orvex::makeObjectColumn(std::move(aligned));
 }
 
 }  // namespace

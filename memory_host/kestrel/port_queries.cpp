@@ -8,6 +8,9 @@
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/calls/functions.h"
+#include "memory_host/orvex/objects/script_object.h"
 
 // What an editor asks of a model as a whole: its observed ports, and the blocks that carry badges.
 namespace kestrel {

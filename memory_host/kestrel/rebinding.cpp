@@ -5,6 +5,8 @@
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/orvex/calls/call_by_name.h"
+#include "memory_host/orvex/calls/functions.h"
 
 // "applyRebindingRules": brings the handles that signals have cached in step with the open models.
 namespace kestrel {

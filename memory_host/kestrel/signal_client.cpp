@@ -1,6 +1,7 @@
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
 #include "memory_host/kestrel/signal_lookup.h"
+#include "memory_host/orvex/objects/script_object.h"
 
 // The host class that shows one observer of a signal.
 namespace kestrel {

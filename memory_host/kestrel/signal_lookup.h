@@ -5,7 +5,7 @@
 
 #include "host/hv_array.h"
 #include "memory_host/kestrel/loaded_models.h"
-#include "memory_host/orvex/objects.h"
+#include "memory_host/orvex/objects/objects.h"
 
 /// Finding the signal that an observer watches, through the signal sets of the open models.
 namespace kestrel {

@@ -1,6 +1,8 @@
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/orvex/calls/call.h"
+#include "memory_host/orvex/objects/script_object.h"
 
 // The host class that shows one signal.
 namespace kestrel {

@@ -1,6 +1,6 @@
-#include "memory_host/orvex/cos_class.h"
-#include "memory_host/orvex/cos_namespace.h"
-#include "memory_host/orvex/types.h"
+#include "memory_host/orvex/objects/cos_class.h"
+#include "memory_host/orvex/objects/cos_namespace.h"
+#include "memory_host/orvex/objects/types.h"
 #include "tests/support/host_test.h"
 
 using namespace ks_test;

@@ -8,10 +8,10 @@
 #include "host/messages.h"
 #include "host/object_system.h"
 #include "memory_host/kestrel/host_side.h"
-#include "memory_host/orvex/class_members.h"
-#include "memory_host/orvex/functions.h"
-#include "memory_host/orvex/ledger.h"
-#include "memory_host/orvex/library_loader.h"
+#include "memory_host/orvex/account/ledger.h"
+#include "memory_host/orvex/calls/call_by_name.h"
+#include "memory_host/orvex/calls/library_loader.h"
+#include "memory_host/orvex/objects/object_system.h"
 #include "tests/support/sanitized.h"
 
 /// The library as a host loads it: this program does not link it.

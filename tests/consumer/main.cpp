@@ -3,8 +3,8 @@
 #include <iostream>
 
 #include "foundation/model_path.h"
-#include "memory_host/orvex/class_members.h"
-#include "memory_host/orvex/library_loader.h"
+#include "memory_host/orvex/calls/library_loader.h"
+#include "memory_host/orvex/objects/object_system.h"
 #include "signals/signal_specification.h"
 
 namespace {

@@ -1,5 +1,5 @@
 #include "memory_host/kestrel/loaded_models.h"
-#include "memory_host/orvex/faults.h"
+#include "memory_host/orvex/account/faults.h"
 #include "tests/kshmi/kshmi_test.h"
 
 namespace kshmi {

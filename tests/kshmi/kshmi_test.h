@@ -14,7 +14,7 @@
 
 #include "kshmi/command_line.h"
 #include "kshmi/host_process.h"
-#include "memory_host/orvex/ledger.h"
+#include "memory_host/orvex/account/ledger.h"
 
 namespace kshmi::testing {
 

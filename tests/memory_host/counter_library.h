@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/object_system.h"
-#include "memory_host/orvex/objects.h"
+#include "memory_host/orvex/objects/objects.h"
 #include "tests/support/values.h"
 
 /// A library as the object system sees one: the namespaces "Lib" and "Lib.Tools", and a class in them that counts.

@@ -6,7 +6,7 @@
 #include "host/object_system.h"
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/kestrel/loaded_models.h"
-#include "memory_host/orvex/class_members.h"
+#include "memory_host/orvex/objects/object_system.h"
 #include "tests/memory_host/ledger_test_base.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <array>
 
 #include "host/hv_array.h"
-#include "memory_host/orvex/ledger.h"
-#include "memory_host/orvex/warnings.h"
+#include "memory_host/orvex/account/ledger.h"
+#include "memory_host/orvex/calls/warnings.h"
 #include "tests/support/values.h"
 
 /// Ends with as many live values, objects and diagnostics as it began with, and starts without warnings.

@@ -1,13 +1,13 @@
+#include "memory_host/orvex/objects/object_system.h"
 #include "host/object_system.h"
+#include "memory_host/orvex/calls/call.h"
 
 #include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "memory_host/orvex/class_members.h"
-#include "memory_host/orvex/faults.h"
-#include "memory_host/orvex/script_class.h"
+#include "memory_host/orvex/account/faults.h"
 #include "tests/memory_host/counter_library.h"
 #include "tests/memory_host/ledger_test_base.h"
 

@@ -1,14 +1,16 @@
 #include "host/services.h"
+#include "memory_host/orvex/calls/call_by_name.h"
+#include "memory_host/orvex/calls/errors.h"
 
 #include <new>
 #include <stdexcept>
 #include <vector>
 
-#include "memory_host/orvex/faults.h"
-#include "memory_host/orvex/functions.h"
-#include "memory_host/orvex/hv_array_impl.h"
-#include "memory_host/orvex/library_loader.h"
-#include "memory_host/orvex/local_scope.h"
+#include "memory_host/orvex/account/faults.h"
+#include "memory_host/orvex/account/local_scope.h"
+#include "memory_host/orvex/calls/functions.h"
+#include "memory_host/orvex/calls/library_loader.h"
+#include "memory_host/orvex/values/values.h"
 #include "tests/memory_host/ledger_test_base.h"
 
 namespace {

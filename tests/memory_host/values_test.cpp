@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/text.h"
-#include "memory_host/orvex/hv_array_impl.h"
+#include "memory_host/orvex/values/values.h"
 #include "tests/memory_host/ledger_test_base.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/messages.h"
-#include "memory_host/orvex/faults.h"
+#include "memory_host/orvex/account/faults.h"
 #include "tests/support/failing_allocations.h"
 
 namespace ks_test {

@@ -11,7 +11,7 @@
 
 #include "host/hv_array.h"
 #include "host/messages.h"
-#include "memory_host/orvex/functions.h"
+#include "memory_host/orvex/calls/call_by_name.h"
 
 /// Host values and host failures as tests write them down.
 namespace ks_test {

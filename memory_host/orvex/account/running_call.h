@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/api.h"
+
+/// What is being called by name just now. Thread: the interpreter thread only.
+namespace orvex {
+
+/// A call that runs while this lives.
+class RunningCall {
+public:
+    explicit RunningCall(std::string_view functionName);
+    RunningCall(const RunningCall&) = delete;
+    RunningCall& operator=(const RunningCall&) = delete;
+    ~RunningCall();
+
+private:
+    const std::string* m_outerFunction;
+};
+
+/// How many host calls run inside one another.
+OX_API int hostCallDepth() noexcept;
+/// The function that is being called by name, innermost; null when none is. The text lives as long as
+/// the process.
+OX_API const std::string* runningHostFunction() noexcept;
+
+}  // namespace orvex

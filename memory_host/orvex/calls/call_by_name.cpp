@@ -1,0 +1,171 @@
+#include "memory_host/orvex/calls/call_by_name.h"
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "host/services.h"
+#include "memory_host/orvex/account/faults.h"
+#include "memory_host/orvex/account/local_scope.h"
+#include "memory_host/orvex/calls/diagnostics.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/calls/function_table.h"
+#include "memory_host/orvex/calls/functions.h"
+#include "memory_host/orvex/objects/class_members.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
+
+namespace orvex {
+namespace {
+
+using faults::Outcome;
+
+/// Scripts that call themselves for ever are stopped while there is stack left.
+constexpr int kGreatestDepth = 500;
+
+/// A call's inputs: each lives until the call ends, with the objects in it, even if the caller's script
+/// drops them meanwhile. A missing one is an empty array to the function.
+class PinnedInputs {
+public:
+    explicit PinnedInputs(std::span<const hvArray* const> ins) {
+        m_pins.reserve(ins.size());
+        m_inputs.reserve(ins.size());
+        for (const hvArray* input : ins) pin(input);
+    }
+
+    std::span<const hvArray* const> inputs() const noexcept { return m_inputs; }
+
+private:
+    struct Unpin {
+        void operator()(const hvArray* input) const noexcept { giveUp(input); }
+    };
+
+    void pin(const hvArray* input) {
+        if (input)
+            share(input);
+        else
+            input = makeEmpty("a missing input").release();
+        m_pins.emplace_back(input);
+        m_inputs.push_back(input);
+    }
+
+    std::vector<std::unique_ptr<const hvArray, Unpin>> m_pins;
+    std::vector<const hvArray*> m_inputs;
+};
+
+void requireOutputs(const FunctionEntry& entry, const Call& call) {
+    if (entry.outputs == kAnyNumberOfOutputs || call.nOut <= entry.outputs) return;
+    raise("TooManyOutputs", "\"" + std::string(call.name) + "\" has " + std::to_string(entry.outputs) + " output(s); " +
+                                std::to_string(call.nOut) + " were asked for.");
+}
+
+void dispatch(Call& call) {
+    if (const auto entry = findFunction(call.name)) {
+        requireOutputs(*entry, call);
+        entry->function(call);
+        return;
+    }
+    if (invokeClassMember(call.name, call)) return;
+    std::string text = "There is no function, class or method \"" + std::string(call.name) + "\"";
+    if (!call.ins.empty()) text += " for a first input of class \"" + std::string(hvGetClassName(call.ins[0])) + "\"";
+    raise("UndefinedFunction", text + ".");
+}
+
+/// What a function throws is a failure of the call, whatever its type.
+void dispatchAsHost(Call& call) {
+    try {
+        dispatch(call);
+    } catch (const kssvIException&) {
+        throw;
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& failure) {
+        raise("UnexpectedException", failure.what());
+    }
+}
+
+using Results = std::vector<HvArrayPtr>;
+
+Results substitutes(Outcome outcome, std::size_t count) {
+    Results results(count);
+    for (HvArrayPtr& result : results) result = faults::substitute(outcome);
+    return results;
+}
+
+Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut, Outcome outcome) {
+    const std::size_t slots = nOut > 0 ? static_cast<std::size_t>(nOut) : 1;
+    if (outcome == Outcome::refuse)
+        raise("InjectedFault", "A fault was injected: the call of \"" + std::string(name) + "\" was refused.");
+    if (outcome != Outcome::proceed) return substitutes(outcome, slots);
+    if (hostCallDepth() >= kGreatestDepth)
+        raise("CallDepth",
+              "\"" + std::string(name) + "\" was called more than " + std::to_string(kGreatestDepth) + " calls deep.");
+    const HostCall running(name);
+    const PinnedInputs pinned(ins);
+    Results results(slots);
+    Call call{nOut, results, pinned.inputs(), name};
+    dispatchAsHost(call);
+    for (const HvArrayPtr& result : results) leaveLocalScope(result.get());
+    return results;
+}
+
+struct Request {
+    std::string_view name;
+    std::span<const hvArray* const> ins;
+    int nOut;
+    hvArray** outs;
+};
+
+Request checked(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, const char* name) {
+    if (!name || !*name) raise("InvalidArgument", "A call by name needs a name.");
+    if (nOut < 0 || nIn < 0 || (nOut > 0 && !outs) || (nIn > 0 && !ins))
+        raise("InvalidArgument", "The inputs or outputs for \"" + std::string(name) + "\" are missing.");
+    return {name, {ins, static_cast<std::size_t>(nIn)}, nOut, outs};
+}
+
+void carryOut(const Request& request, Outcome outcome) {
+    Results results = run(request.name, request.ins, request.nOut, outcome);
+    for (int i = 0; i < request.nOut; ++i) request.outs[i] = results[static_cast<std::size_t>(i)].release();
+}
+
+kssvDiagnosticImpl* attempt(const Request& request, bool captureErrors, const void* reserved, const Site& site) {
+    if (!captureErrors || reserved) raise("InvalidArgument", "A call without exceptions captures its errors.");
+    // Outside the try block: a fault of the call itself is no failure of the called function.
+    const Outcome outcome = faults::point(faults::Operation::callByName);
+    try {
+        carryOut(request, outcome);
+        return nullptr;
+    } catch (const kssvIException& failure) {
+        return new kssvDiagnosticImpl(failure.messageId(), failure.what(), site);
+    }
+}
+
+}  // namespace
+
+std::vector<HvArrayPtr> callByName(std::string_view name, std::span<const hvArray* const> ins, int nOut) {
+    if (name.empty()) raise("InvalidArgument", "A call by name needs a name.");
+    return run(name, ins, nOut, faults::point(faults::Operation::callByName));
+}
+
+}  // namespace orvex
+
+void kssvFEVAL(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, const char* functionName) {
+    const auto request = orvex::checked(nOut, outs, nIn, ins, functionName);
+    orvex::carryOut(request, orvex::faults::point(orvex::faults::Operation::callByName));
+}
+
+kssvDiagnosticImpl* kssvFEVAL_NoThrow(int nOut, hvArray** outs, int nIn, const hvArray* const* ins,
+                                      const char* functionName, bool captureErrors, void* reserved) {
+    return orvex::attempt(orvex::checked(nOut, outs, nIn, ins, functionName), captureErrors, reserved,
+                          "kssvFEVAL_NoThrow");
+}
+
+kssvDiagnosticImpl* kssvFEVAL_NoThrow(int nOut, hvArray** outs, int nIn, const hvArray* const* ins,
+                                      const char* functionName, void* context, bool captureErrors, void* reserved) {
+    if (context) orvex::raise("InvalidArgument", "A call by name takes no context.");
+    return orvex::attempt(orvex::checked(nOut, outs, nIn, ins, functionName), captureErrors, reserved,
+                          "kssvFEVAL_NoThrow");
+}
+
+void utFree(void* storage) noexcept { std::free(storage); }

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "host/api.h"
+#include "host/hv_array.h"
+
+namespace orvex {
+
+/// Calls by name like `kssvFEVAL`, with owned results: `nOut` of them, at least one.
+OX_API std::vector<HvArrayPtr> callByName(std::string_view name, std::span<const hvArray* const> ins, int nOut);
+
+}  // namespace orvex

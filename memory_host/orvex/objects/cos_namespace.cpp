@@ -1,0 +1,126 @@
+#include "memory_host/orvex/objects/cos_namespace.h"
+
+#include <utility>
+
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/objects/script_class.h"
+
+namespace orvex {
+
+namespace {
+
+using Namespaces = std::vector<std::unique_ptr<Namespace>>;
+
+// Never destroyed: at the end of the process the code of the info objects may be gone already.
+Namespaces& topLevel() {
+    static auto& namespaces = *new Namespaces;
+    return namespaces;
+}
+
+std::string_view lastPart(std::string_view dottedName) { return dottedName.substr(dottedName.rfind('.') + 1); }
+
+Namespace* findIn(const Namespaces& namespaces, std::string_view name) {
+    for (const auto& candidate : namespaces)
+        if (lastPart(candidate->fullName()) == name) return candidate.get();
+    return nullptr;
+}
+
+Namespace* findNamespace(std::string_view fullName) {
+    std::size_t dot = fullName.find('.');
+    Namespace* found = findIn(topLevel(), fullName.substr(0, dot));
+    while (found && dot != std::string_view::npos) {
+        fullName.remove_prefix(dot + 1);
+        dot = fullName.find('.');
+        found = found->findInner(fullName.substr(0, dot));
+    }
+    return found;
+}
+
+[[noreturn]] void refuseExisting(const hos::COSNamespaceInfo& info, const std::string& fullName) {
+    info.throwErrorForDefinitionOfExistingName(hos::internal::makeInterned(fullName));
+    raise("NameExists", "\"" + fullName + "\" is defined already; the first definition stays.");
+}
+
+template <class Info>
+std::string requireName(const std::unique_ptr<Info>& info, const char* what) {
+    const char* name = info ? info->getName() : nullptr;
+    if (!name || !*name) raise("MissingName", std::string("A ") + what + " without a name cannot be added.");
+    return name;
+}
+
+}  // namespace
+
+Namespace::Namespace(std::unique_ptr<hos::COSNamespaceInfo> info, std::string fullName)
+    : m_info(std::move(info)), m_fullName(std::move(fullName)) {}
+
+void Namespace::addInnerNamespace(std::unique_ptr<hos::COSNamespaceInfo> info) {
+    const std::string name = requireName(info, "namespace");
+    const std::string innerName = m_fullName + "." + name;
+    ensureContents();
+    if (findIn(m_inner, name)) refuseExisting(*m_info, innerName);
+    m_inner.push_back(std::make_unique<Namespace>(std::move(info), innerName));
+}
+
+void Namespace::addClass(std::unique_ptr<hos::COSClassInfo> info, int, int) {
+    const std::string className = m_fullName + "." + requireName(info, "class");
+    ensureContents();
+    for (const auto& existing : m_classes)
+        if (existing->fullName() == className) refuseExisting(*m_info, className);
+    if (findScriptClass(className)) refuseExisting(*m_info, className);
+    m_classes.push_back(std::make_shared<NativeClass>(std::move(info), className));
+}
+
+Namespace* Namespace::findInner(std::string_view name) {
+    ensureContents();
+    return findIn(m_inner, name);
+}
+
+std::shared_ptr<NativeClass> Namespace::findClass(std::string_view name) {
+    ensureContents();
+    for (const auto& candidate : m_classes)
+        if (lastPart(candidate->fullName()) == name) return candidate;
+    return nullptr;
+}
+
+void Namespace::ensureContents() {
+    if (m_hasContents) return;
+    m_hasContents = true;
+    const auto innerBefore = static_cast<std::ptrdiff_t>(m_inner.size());
+    const auto classesBefore = static_cast<std::ptrdiff_t>(m_classes.size());
+    try {
+        m_info->loadContents(*this);
+    } catch (...) {
+        m_inner.erase(m_inner.begin() + innerBefore, m_inner.end());
+        m_classes.erase(m_classes.begin() + classesBefore, m_classes.end());
+        m_hasContents = false;
+        throw;
+    }
+}
+
+std::shared_ptr<NativeClass> findNativeClass(std::string_view fullName) {
+    const std::size_t dot = fullName.rfind('.');
+    if (dot == std::string_view::npos) return nullptr;
+    Namespace* holder = findNamespace(fullName.substr(0, dot));
+    if (!holder) return nullptr;
+    std::shared_ptr<NativeClass> found = holder->findClass(fullName.substr(dot + 1));
+    if (found) found->ensureMembers();
+    return found;
+}
+
+void releaseNamespaces() noexcept { topLevel().clear(); }
+
+}  // namespace orvex
+
+namespace hos {
+
+COSNamespace* COSNamespace::getNamespace(InternedName fullName) {
+    return fullName.isEmpty() ? nullptr : orvex::findNamespace(*fullName.text());
+}
+
+void COSNamespace::addNamespace(std::unique_ptr<COSNamespaceInfo> info) {
+    const std::string name = orvex::requireName(info, "namespace");
+    if (orvex::findIn(orvex::topLevel(), name)) orvex::refuseExisting(*info, name);
+    orvex::topLevel().push_back(std::make_unique<orvex::Namespace>(std::move(info), name));
+}
+
+}  // namespace hos

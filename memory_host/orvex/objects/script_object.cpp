@@ -1,0 +1,92 @@
+#include "memory_host/orvex/objects/script_object.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
+
+namespace orvex {
+
+ScriptObject::ScriptObject(std::shared_ptr<const ScriptClass> scriptClass)
+    : COSObject("creating an object"), m_class(std::move(scriptClass)), m_values(m_class->properties.size()) {}
+
+ScriptObject::~ScriptObject() = default;
+
+const std::string& ScriptObject::className() const noexcept { return m_class->fullName; }
+
+bool ScriptObject::isA(std::string_view fullClassName) const noexcept {
+    if (fullClassName == className()) return true;
+    for (std::string_view base = m_class->superclass; !base.empty();) {
+        if (base == fullClassName) return true;
+        const auto definition = findScriptClass(base);
+        if (!definition) return false;
+        base = definition->superclass;
+    }
+    return false;
+}
+
+HvArrayPtr ScriptObject::getProperty(std::string_view name) const {
+    const std::size_t slot = slotOf(name);
+    const ScriptProperty& property = m_class->properties[slot];
+    if (property.computed) return property.computed(*this);
+    if (m_values[slot]) return HvArrayPtr(hvCreateSharedDataCopy(m_values[slot].get()));
+    return property.initial ? property.initial() : HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL));
+}
+
+void ScriptObject::setProperty(std::string_view name, const hvArray* value) {
+    const std::size_t slot = slotOf(name);
+    const ScriptProperty& property = m_class->properties[slot];
+    if (!property.settable || property.computed)
+        raise("ReadOnlyProperty",
+              "The property \"" + std::string(name) + "\" of class " + className() + " is read-only.");
+    m_values[slot] = HvArrayPtr(hvCreateSharedDataCopy(value));
+}
+
+void* ScriptObject::nativeInstance(std::string_view) const noexcept { return nullptr; }
+
+std::vector<std::string> ScriptObject::propertyNames() const {
+    std::vector<std::string> names;
+    for (const ScriptProperty& property : m_class->properties)
+        if (!property.computed) names.push_back(property.name);
+    return names;
+}
+
+std::vector<std::string> ScriptObject::displayedProperties() const { return propertyNames(); }
+
+void ScriptObject::store(std::string_view name, HvArrayPtr value) {
+    if (value) hvSetArrayScope(value.get(), nullptr);
+    m_values[slotOf(name)] = std::move(value);
+}
+
+const hvArray* ScriptObject::stored(std::string_view name) const { return m_values[slotOf(name)].get(); }
+
+std::size_t ScriptObject::slotOf(std::string_view name) const {
+    const auto& properties = m_class->properties;
+    const auto hasName = [&](const ScriptProperty& property) { return property.name == name; };
+    const auto found = std::find_if(properties.begin(), properties.end(), hasName);
+    if (found == properties.end())
+        raise("UnknownProperty", "There is no property \"" + std::string(name) + "\" of class " + className() + ".");
+    return static_cast<std::size_t>(found - properties.begin());
+}
+
+HvArrayPtr constructScriptObject(const std::shared_ptr<const ScriptClass>& scriptClass,
+                                 std::span<const hvArray* const> arguments) {
+    const auto object = std::make_shared<ScriptObject>(scriptClass);
+    if (scriptClass->construct)
+        scriptClass->construct(*object, arguments);
+    else if (!arguments.empty())
+        raise("TooManyInputs", "The constructor of class " + scriptClass->fullName + " takes no arguments.");
+    return HvArrayPtr(omCreateHOSScalar(object));
+}
+
+ScriptObject& requireScriptObject(const hvArray* value, std::string_view fullClassName) {
+    const Objects* objects = objectsOf(value);
+    auto* object = objects && objects->size() == 1 ? dynamic_cast<ScriptObject*>(objects->front().get()) : nullptr;
+    if (!object || !object->isA(fullClassName))
+        raise("TypeMismatch", "One object of class " + std::string(fullClassName) + " is needed, and " +
+                                  describeValue(value) + " was given.");
+    return *object;
+}
+
+}  // namespace orvex

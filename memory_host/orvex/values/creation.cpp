@@ -1,0 +1,168 @@
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "memory_host/orvex/account/faults.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/values/element_type.h"
+#include "memory_host/orvex/values/field_names.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
+#include "memory_host/orvex/values/utf.h"
+
+hvArray::hvArray(hvClassID classId, orvex::Dimensions dimensions, orvex::Payload&& payload,
+                 const orvex::Site& site) noexcept
+    : m_class(classId),
+      m_dimensions(std::move(dimensions)),
+      m_payload(std::move(payload)),
+      m_ledger(
+          orvex::LedgerKind::value, this,
+          [](const void* thing) { return orvex::describeValue(static_cast<const hvArray*>(thing)); }, site) {}
+
+namespace orvex {
+
+HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload&& payload, const Site& site) {
+    return HvArrayPtr(new hvArray(classId, std::move(dimensions), std::move(payload), site));
+}
+
+HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    if (objects.size() != dimensions.elements())
+        raise("InvalidDimensions", "An object array of " + dimensions.text() + " cannot hold " +
+                                       std::to_string(objects.size()) + " objects.");
+    return makeValue(hvOBJECT_CLASS, std::move(dimensions), std::move(objects), site);
+}
+
+HvArrayPtr makeObjectColumn(Objects objects, const Site& site) {
+    const std::size_t rows = objects.size();
+    return makeObjectArray(Dimensions(rows, 1), std::move(objects), site);
+}
+
+HvArrayPtr makeEmpty(const Site& site) { return makeValue(hvDOUBLE_CLASS, Dimensions(0, 0), Buffer<double>(0), site); }
+
+namespace {
+
+/// `number` zeros of the class.
+Payload zerosOf(hvClassID classId, std::size_t number) {
+    if (classId == hvCHAR_CLASS) return Text(number);
+    Payload zeros;
+    const bool isNumeric = withElementType(
+        classId, [&]<class Stored>(std::type_identity<Stored>) { zeros.emplace<Buffer<Stored>>(number); });
+    if (!isNumeric) raise("WrongClass", "Class " + std::to_string(classId) + " is no numeric class.");
+    return zeros;
+}
+
+hvArray* createNumeric(Dimensions dimensions, hvClassID classId, hvComplexity complexity, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    if (complexity != hvREAL) raise("InvalidArgument", "Only real values can be created.");
+    const std::size_t elements = dimensions.elements();
+    return makeValue(classId, std::move(dimensions), zerosOf(classId, elements), site).release();
+}
+
+/// Works for UTF-8 as well when it is ASCII.
+template <typename Unit>
+hvArray* createText(std::basic_string_view<Unit> text, const Site& site) {
+    Text units(text.size());
+    std::copy(text.begin(), text.end(), units.dataForWriting());
+    return makeValue(hvCHAR_CLASS, Dimensions(1, text.size()), std::move(units), site).release();
+}
+
+hvArray* createTextOfUtf8(std::string_view text, const Site& site) {
+    return isAscii(text) ? createText(text, site) : createText(std::u16string_view(utf16Of(text)), site);
+}
+
+template <typename T>
+hvArray* createScalar(hvClassID classId, T value, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    Buffer<T> one;
+    *one.dataForWriting() = value;
+    return makeValue(classId, Dimensions(1, 1), std::move(one), site).release();
+}
+
+hvArray* createStruct(std::span<const std::size_t> dims, std::span<const char* const> names, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    // The fields are one dimension more as far as memory goes.
+    std::vector<std::size_t> all(dims.begin(), dims.end());
+    all.push_back(names.size());
+    const std::size_t values = dims.empty() ? 0 : Dimensions(all).elements();
+    return makeValue(hvSTRUCT_CLASS, Dimensions(dims), StructData{sharedFieldNames(names), Children(values)}, site)
+        .release();
+}
+
+void requirePresent(const void* pointer, std::size_t count, const char* what) {
+    if (!pointer && count > 0) raise("InvalidArgument", std::string("The ") + what + " is missing (null).");
+}
+
+std::span<const std::size_t> dimensionList(std::size_t ndim, const std::size_t* dims) {
+    requirePresent(dims, ndim, "list of dimensions");
+    return {dims, ndim};
+}
+
+}  // namespace
+}  // namespace orvex
+
+using orvex::Dimensions;
+using orvex::faults::Operation;
+
+hvArray* hvCreateStructArray(std::size_t ndim, const std::size_t* dims, int nfields, const char* const* fieldNames) {
+    if (nfields < 0) orvex::raise("InvalidArgument", "A struct cannot have " + std::to_string(nfields) + " fields.");
+    const auto fields = static_cast<std::size_t>(nfields);
+    orvex::requirePresent(fieldNames, fields, "list of field names");
+    return orvex::createStruct(orvex::dimensionList(ndim, dims), {fieldNames, fields}, "hvCreateStructArray");
+}
+
+hvArray* hvCreateString(const char* text) {
+    orvex::faults::point(Operation::createValue);
+    orvex::requirePresent(text, 1, "text");
+    return orvex::createTextOfUtf8(text, "hvCreateString");
+}
+
+hvArray* hvCreateDoubleScalar(double value) {
+    return orvex::createScalar(hvDOUBLE_CLASS, value, "hvCreateDoubleScalar");
+}
+
+hvArray* hvCreateLogicalScalar(bool value) {
+    return orvex::createScalar(hvLOGICAL_CLASS, value, "hvCreateLogicalScalar");
+}
+
+hvArray* hvCreateNumericScalar(hvClassID classID, hvComplexity complexity) {
+    return orvex::createNumeric(Dimensions(1, 1), classID, complexity, "hvCreateNumericScalar");
+}
+
+hvArray* hvCreateNumericMatrix(std::size_t m, std::size_t n, hvClassID classID, hvComplexity complexity) {
+    const std::array dims{m, n};
+    return orvex::createNumeric(Dimensions(dims), classID, complexity, "hvCreateNumericMatrix");
+}
+
+hvArray* hvCreateCellArray(std::size_t ndim, const std::size_t* dims) {
+    orvex::faults::point(Operation::createValue);
+    Dimensions dimensions(orvex::dimensionList(ndim, dims));
+    const std::size_t cells = dimensions.elements();
+    return orvex::makeValue(hvCELL_CLASS, std::move(dimensions), orvex::CellData{orvex::Children(cells)},
+                            "hvCreateCellArray")
+        .release();
+}
+
+namespace matrix {
+
+hvArray* create_struct(std::span<const std::size_t> dims, std::span<const char* const> fieldNames) {
+    return orvex::createStruct(dims, fieldNames, "matrix::create_struct");
+}
+
+hvArray* create(const char* text, std::size_t length) {
+    orvex::faults::point(Operation::createValue);
+    orvex::requirePresent(text, length, "text");
+    return orvex::createTextOfUtf8({text, length}, "matrix::create");
+}
+
+hvArray* create(const char16_t* text, std::size_t length) {
+    orvex::faults::point(Operation::createValue);
+    orvex::requirePresent(text, length, "text");
+    return orvex::createText(std::u16string_view(text, length), "matrix::create");
+}
+
+hvArray* create_numeric(std::span<const std::size_t> dims, hvClassID classID, hvComplexity complexity) {
+    return orvex::createNumeric(Dimensions(dims), classID, complexity, "matrix::create_numeric");
+}
+
+}  // namespace matrix

@@ -1,0 +1,50 @@
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <numeric>
+
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
+
+namespace orvex {
+namespace {
+
+/// Leaves room for the multiplication by an element's size.
+constexpr std::size_t kMostElements = std::size_t{std::numeric_limits<std::ptrdiff_t>::max()} / 16;
+
+std::string joined(std::span<const std::size_t> lengths) {
+    std::string text;
+    for (const std::size_t length : lengths) text += (text.empty() ? "" : "x") + std::to_string(length);
+    return text;
+}
+
+void requireReasonable(std::span<const std::size_t> lengths) {
+    if (std::find(lengths.begin(), lengths.end(), std::size_t{0}) != lengths.end()) return;
+    std::size_t elements = 1;
+    for (const std::size_t length : lengths) {
+        if (length > kMostElements / elements) raise("TooLarge", "An array of " + joined(lengths) + " is too large.");
+        elements *= length;
+    }
+}
+
+}  // namespace
+
+Dimensions::Dimensions(std::span<const std::size_t> lengths) {
+    if (lengths.empty()) raise("InvalidDimensions", "An array needs at least one dimension.");
+    requireReasonable(lengths);
+    m_two = {lengths[0], lengths.size() > 1 ? lengths[1] : 1};
+    std::size_t count = lengths.size();
+    while (count > 2 && lengths[count - 1] == 1) --count;
+    if (count > 2) m_more.assign(lengths.begin(), lengths.begin() + static_cast<std::ptrdiff_t>(count));
+}
+
+std::size_t Dimensions::product() const noexcept {
+    const auto all = lengths();
+    // Zero first: the product of the others need not fit.
+    if (std::find(all.begin(), all.end(), std::size_t{0}) != all.end()) return 0;
+    return std::accumulate(all.begin(), all.end(), std::size_t{1}, std::multiplies<>());
+}
+
+std::string Dimensions::text() const { return joined(lengths()); }
+
+}  // namespace orvex

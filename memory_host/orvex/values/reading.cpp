@@ -1,0 +1,104 @@
+#include <array>
+
+#include "memory_host/orvex/objects/objects.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
+
+namespace orvex {
+namespace {
+
+constexpr std::uint32_t kFromFileBit = 0x10;
+
+constexpr std::array kClassNames{"unknown", "double", "struct", "logical", "char",   "cell",  "single", "int8",
+                                 "uint8",   "int16",  "uint16", "int32",   "uint32", "int64", "uint64", "object"};
+
+const hos::COSObject* firstObject(const hvArray* value) noexcept {
+    const Objects* objects = objectsOf(value);
+    return objects && !objects->empty() ? objects->front().get() : nullptr;
+}
+
+template <typename T>
+const void* dataIn(const Buffer<T>& buffer) noexcept {
+    return buffer.data();
+}
+const void* dataIn(const StructData&) noexcept { return nullptr; }
+const void* dataIn(const CellData&) noexcept { return nullptr; }
+const void* dataIn(const Objects&) noexcept { return nullptr; }
+
+template <typename T>
+const T* bufferIn(const hvArray* value) noexcept {
+    const auto* buffer = payloadOf<Buffer<T>>(value);
+    return buffer ? buffer->data() : nullptr;
+}
+
+}  // namespace
+
+std::string describeValue(const hvArray* value) {
+    return value ? std::string(hvGetClassName(value)) + " " + value->m_dimensions.text() : "null";
+}
+
+}  // namespace orvex
+
+hvClassID hvGetClassID(const hvArray* value) noexcept { return value ? value->m_class : hvUNKNOWN_CLASS; }
+
+std::uint32_t hvGetClassWord(const hvArray* value) noexcept {
+    if (!value) return 0;
+    return value->m_fromFile ? value->m_class | orvex::kFromFileBit : std::uint32_t{value->m_class};
+}
+
+const char* hvGetClassName(const hvArray* value) noexcept {
+    if (const hos::COSObject* object = orvex::firstObject(value)) return object->className().c_str();
+    return orvex::kClassNames[hvGetClassID(value)];
+}
+
+std::size_t hvGetNumberOfDimensions(const hvArray* value) noexcept { return value ? value->m_dimensions.count() : 0; }
+
+const std::size_t* hvGetDimensions(const hvArray* value) noexcept {
+    return value ? value->m_dimensions.data() : nullptr;
+}
+
+std::size_t hvGetNumberOfElements(const hvArray* value) noexcept { return value ? value->m_dimensions.elements() : 0; }
+
+bool hvIsEmpty(const hvArray* value) noexcept { return hvGetNumberOfElements(value) == 0; }
+
+bool hvIsA(const hvArray* value, const char* className) noexcept {
+    const hos::COSObject* object = orvex::firstObject(value);
+    return object && className && object->isA(className);
+}
+
+bool hvIsLogicalScalarTrue(const hvArray* value) noexcept {
+    return hvGetNumberOfElements(value) == 1 && hvGetLogicals(value) && *hvGetLogicals(value);
+}
+
+const hvArray* hvGetField(const hvArray* structArray, std::size_t index, const char* name) noexcept {
+    const auto* data = orvex::payloadOf<orvex::StructData>(structArray);
+    if (!data || !name || index >= hvGetNumberOfElements(structArray)) return nullptr;
+    const int field = data->fieldNumber(name);
+    return field < 0 ? nullptr : data->values[index * data->names->size() + static_cast<std::size_t>(field)].get();
+}
+
+int hvGetNumberOfFields(const hvArray* value) noexcept {
+    const auto* data = orvex::payloadOf<orvex::StructData>(value);
+    return data ? static_cast<int>(data->names->size()) : 0;
+}
+
+const char* hvGetFieldNameByNumber(const hvArray* value, int fieldNumber) noexcept {
+    if (fieldNumber < 0 || fieldNumber >= hvGetNumberOfFields(value)) return nullptr;
+    const auto position = static_cast<std::size_t>(fieldNumber);
+    return (*orvex::payloadOf<orvex::StructData>(value)->names)[position].c_str();
+}
+
+const hvArray* hvGetCell(const hvArray* cellArray, std::size_t index) noexcept {
+    const auto* data = orvex::payloadOf<orvex::CellData>(cellArray);
+    return data && index < data->cells.size() ? data->cells[index].get() : nullptr;
+}
+
+const bool* hvGetLogicals(const hvArray* value) noexcept { return orvex::bufferIn<bool>(value); }
+
+const double* hvGetDoubles(const hvArray* value) noexcept { return orvex::bufferIn<double>(value); }
+
+const char16_t* hvGetChars(const hvArray* value) noexcept { return orvex::bufferIn<char16_t>(value); }
+
+const void* hvGetData(const hvArray* value) noexcept {
+    if (!value) return nullptr;
+    return std::visit([](const auto& payload) { return orvex::dataIn(payload); }, value->m_payload);
+}

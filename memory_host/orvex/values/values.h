@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/api.h"
+#include "host/hv_array.h"
+#include "host/object_system.h"
+#include "memory_host/orvex/account/ledger.h"
+
+/// What this host does with values beyond the operations in host/. Thread: the interpreter thread only.
+namespace orvex {
+
+/// The elements of an object array.
+using Objects = std::vector<hos::ObjectInterface>;
+
+/// An empty double array, 0x0. Cannot be made to fail but for want of memory.
+OX_API HvArrayPtr makeEmpty(const Site& site = "[]");
+/// An N x 1 object array; counts as creating a value.
+OX_API HvArrayPtr makeObjectColumn(Objects objects, const Site& site = "makeObjectColumn");
+
+/// Class and size for messages: "double 1x1", "struct 2x1", "null".
+OX_API std::string describeValue(const hvArray* value);
+
+/// Marks a struct array as read from a saved file (its class word is then 18). Throws for any other value.
+OX_API void markAsPersisted(hvArray* structArray);
+
+}  // namespace orvex

@@ -1,0 +1,95 @@
+#include <utility>
+
+#include "memory_host/orvex/account/faults.h"
+#include "memory_host/orvex/account/local_scope.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/values/field_names.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
+
+namespace orvex {
+
+void markAsPersisted(hvArray* structArray) {
+    if (!payloadOf<StructData>(structArray))
+        raise("WrongClass", "Only a struct is read as a saved record, not " + describeValue(structArray) + ".");
+    structArray->m_fromFile = true;
+}
+
+namespace {
+
+HvArrayPtr takenOver(const hvArray* container, hvArray* value) {
+    if (value && (value == container || value->m_isContained))
+        raise("InvalidArgument", "A value in a container, or the container itself, cannot be stored; store a copy.");
+    leaveLocalScope(value);
+    return HvArrayPtr(value);
+}
+
+void requireIndex(std::size_t index, std::size_t count, const char* what) {
+    if (index >= count)
+        raise("IndexOutOfRange", std::string("There is no ") + what + " " + std::to_string(index + 1) + " of " +
+                                     std::to_string(count) + ".");
+}
+
+HvArrayPtr& fieldSlot(hvArray* structArray, std::size_t index, const char* name) {
+    auto* data = payloadOf<StructData>(structArray);
+    if (!data) raise("WrongClass", "Fields are set in a struct, not in " + describeValue(structArray) + ".");
+    requireIndex(index, hvGetNumberOfElements(structArray), "element");
+    const int field = name ? data->fieldNumber(name) : -1;
+    if (field < 0)
+        raise("UnknownField", "There is no field \"" + std::string(name ? name : "") +
+                                  "\" in a struct with these fields: " + joinedFieldNames(*data->names) + ".");
+    return data->values.forWriting(index * data->names->size() + static_cast<std::size_t>(field));
+}
+
+/// Stores the value and gives back what was there, to be released when everything is in order again.
+HvArrayPtr storedInField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
+    HvArrayPtr incoming = takenOver(structArray, value);
+    faults::point(faults::Operation::writeField);
+    HvArrayPtr& slot = fieldSlot(structArray, index, name);
+    if (incoming) incoming->m_isContained = true;
+    return std::exchange(slot, std::move(incoming));
+}
+
+template <typename T>
+void* writableData(Buffer<T>& buffer) {
+    return buffer.dataForWriting();
+}
+template <typename Other>
+void* writableData(Other&) noexcept {
+    return nullptr;
+}
+
+}  // namespace
+}  // namespace orvex
+
+void* hvGetDataForWriting(hvArray* value) {
+    if (!value) return nullptr;
+    return std::visit([](auto& payload) { return orvex::writableData(payload); }, value->m_payload);
+}
+
+void hvReplaceField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
+    const HvArrayPtr earlier = orvex::storedInField(structArray, index, name, value);
+}
+
+void hvSetField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
+    // Whoever sets a field twice this way loses the first value: the ledger then shows it.
+    [[maybe_unused]] hvArray* const lost = orvex::storedInField(structArray, index, name, value).release();
+}
+
+void hvSetCell(hvArray* cellArray, std::size_t index, hvArray* value) {
+    HvArrayPtr incoming = orvex::takenOver(cellArray, value);
+    orvex::faults::point(orvex::faults::Operation::writeCell);
+    auto* data = orvex::payloadOf<orvex::CellData>(cellArray);
+    if (!data)
+        orvex::raise("WrongClass", "Cells are set in a cell array, not in " + orvex::describeValue(cellArray) + ".");
+    orvex::requireIndex(index, data->cells.size(), "cell");
+    if (incoming) incoming->m_isContained = true;
+    const HvArrayPtr earlier = std::exchange(data->cells.forWriting(index), std::move(incoming));
+}
+
+void hvSetArrayScope(hvArray* value, hvVariableScope scope) noexcept {
+    if (!value) return;
+    orvex::leaveLocalScope(value);
+    value->m_scope = scope;
+}
+
+void hvSetArrayScope(hvArray* value, std::nullptr_t) noexcept { hvSetArrayScope(value, hvSCOPE_NONE); }
