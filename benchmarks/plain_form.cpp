@@ -5,7 +5,7 @@
 #include <boost/container_hash/hash.hpp>
 #include <cstdio>
 
-#include "foundation/text_hash.h"
+#include "host/unicode.h"
 
 namespace ks_bench::plain {
 
@@ -16,25 +16,6 @@ std::string textOf(double number) {
     std::array<char, kLongest> buffer{};
     std::snprintf(buffer.data(), buffer.size(), "%.17g", number);
     return buffer.data();
-}
-
-void append(std::string& utf8, char32_t point) {
-    const auto continuation = [&](int shift) { utf8 += static_cast<char>(0x80 | ((point >> shift) & 0x3F)); };
-    if (point < 0x80) {
-        utf8 += static_cast<char>(point);
-    } else if (point < 0x800) {
-        utf8 += static_cast<char>(0xC0 | (point >> 6));
-        continuation(0);
-    } else if (point < 0x10000) {
-        utf8 += static_cast<char>(0xE0 | (point >> 12));
-        continuation(6);
-        continuation(0);
-    } else {
-        utf8 += static_cast<char>(0xF0 | (point >> 18));
-        continuation(12);
-        continuation(6);
-        continuation(0);
-    }
 }
 
 template <class Matches>
@@ -51,16 +32,10 @@ std::uint64_t handleKey(double blockHandle, int portIdx) {
 }
 
 std::string unitByUnit(const std::u16string& text) {
-    using ks_hmi_foundation::isHighSurrogate;
-    using ks_hmi_foundation::isLowSurrogate;
     std::string utf8;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char16_t unit = text[at];
-        if (isHighSurrogate(unit) && at + 1 < text.size() && isLowSurrogate(text[at + 1]))
-            append(utf8, 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (text[++at] - char32_t{0xDC00}));
-        else
-            append(utf8, isHighSurrogate(unit) || isLowSurrogate(unit) ? U'\uFFFD' : char32_t{unit});
-    }
+    char bytes[ks_host::kMostUtf8Bytes];
+    for (std::size_t at = 0; at < text.size();)
+        utf8.append(bytes, ks_host::putUtf8(bytes, ks_host::takeCharacter(text, at)));
     return utf8;
 }
 

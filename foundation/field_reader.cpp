@@ -21,7 +21,7 @@ double FieldSource::numberIn(const hvArray* value, const char* name) const {
 
 std::u16string FieldSource::text(const char* name) { return textOf(require(name)); }
 
-std::string FieldSource::narrowText(const char* name) { return narrowTextOf(require(name)); }
+std::string FieldSource::narrowText(const char* name) { return utf8TextOf(require(name)); }
 
 double FieldSource::number(const char* name) { return numberIn(require(name), name); }
 
@@ -46,7 +46,7 @@ std::vector<Text> FieldSource::cellsOf(const char* name, Text (*read)(const hvAr
 
 std::vector<std::u16string> FieldSource::texts(const char* name) { return cellsOf(name, &textOf); }
 
-std::vector<std::string> FieldSource::narrowTexts(const char* name) { return cellsOf(name, &narrowTextOf); }
+std::vector<std::string> FieldSource::narrowTexts(const char* name) { return cellsOf(name, &utf8TextOf); }
 
 std::uint64_t FieldSource::widened(const char* name) {
     const hvArray* const value = find(name);

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "foundation/text_hash.h"
+#include "host/unicode.h"
 
 namespace ks_hmi_foundation {
 
@@ -42,32 +42,6 @@ char* putAscii(char* to, std::u16string_view text, std::size_t& at) {
         units = (units | units >> 8) & 0x0000'FFFF'0000'FFFF;
         const auto bytes = static_cast<std::uint32_t>(units | units >> 16);
         std::memcpy(to, &bytes, sizeof bytes);
-    }
-    return to;
-}
-
-char32_t takeCodePoint(std::u16string_view text, std::size_t& at) {
-    const char16_t unit = text[at++];
-    if (isHighSurrogate(unit) && at < text.size() && isLowSurrogate(text[at])) {
-        return 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (text[at++] - char32_t{0xDC00});
-    }
-    return isHighSurrogate(unit) || isLowSurrogate(unit) ? U'\uFFFD' : char32_t{unit};
-}
-
-char* putUtf8(char* to, char32_t point) {
-    const auto continuation = [&](int shift) { return static_cast<char>(0x80 | ((point >> shift) & 0x3F)); };
-    if (point < 0x800) {
-        *to++ = static_cast<char>(0xC0 | (point >> 6));
-        *to++ = continuation(0);
-    } else if (point < 0x10000) {
-        *to++ = static_cast<char>(0xE0 | (point >> 12));
-        *to++ = continuation(6);
-        *to++ = continuation(0);
-    } else {
-        *to++ = static_cast<char>(0xF0 | (point >> 18));
-        *to++ = continuation(12);
-        *to++ = continuation(6);
-        *to++ = continuation(0);
     }
     return to;
 }
@@ -157,7 +131,7 @@ KeyText& KeyText::add(std::u16string_view text) {
         if (text[at] < 0x80) {
             *to++ = static_cast<char>(text[at++]);
         } else {
-            to = putUtf8(to, takeCodePoint(text, at));
+            to = ks_host::putUtf8(to, ks_host::takeCharacter(text, at));
         }
     }
     advanceTo(to);

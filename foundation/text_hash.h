@@ -6,6 +6,8 @@
 #include <cstring>
 #include <string_view>
 
+#include "host/unicode.h"
+
 /// Hashes for look-up within the process: fast, well mixed, equal for equal contents, and never saved.
 namespace ks_hmi_foundation {
 
@@ -19,9 +21,6 @@ inline std::uint64_t foldedProduct(std::uint64_t a, std::uint64_t b) noexcept {
     const Wide product = static_cast<Wide>(a) * b;
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
-
-constexpr bool isHighSurrogate(char16_t unit) noexcept { return unit >= 0xD800 && unit < 0xDC00; }
-constexpr bool isLowSurrogate(char16_t unit) noexcept { return unit >= 0xDC00 && unit < 0xE000; }
 
 /// Whether two texts have the same units.
 inline bool isSameText(std::u16string_view a, std::u16string_view b) noexcept {
@@ -68,11 +67,11 @@ private:
     public:
         explicit RepairedUnits(std::u16string_view text) noexcept : m_text(text) {}
         std::uint64_t one(std::size_t at) const noexcept {
+            using namespace ks_host;
             const char16_t unit = m_text[at];
             const bool isPaired = (isHighSurrogate(unit) && at + 1 < m_text.size() && isLowSurrogate(m_text[at + 1])) ||
                                   (isLowSurrogate(unit) && at > 0 && isHighSurrogate(m_text[at - 1]));
-            const bool isLone = !isPaired && (isHighSurrogate(unit) || isLowSurrogate(unit));
-            return isLone ? u'\uFFFD' : unit;
+            return isSurrogate(unit) && !isPaired ? kReplacementCharacter : unit;
         }
         std::uint64_t four(std::size_t at) const noexcept {
             char16_t units[kUnits];

@@ -71,7 +71,7 @@ void readFields(SignalClient& client, FieldSource& source) {
     client.m_updateRate = source.widened("UpdateRate_");
     client.m_dimensionChannel = source.widened("DimensionChannel_");
     client.m_observeImaginaryPart = source.truth("ObserveImaginaryPart_");
-    client.m_busLeafPath = narrowTextOf(source.find("BusLeafPath_"));
+    client.m_busLeafPath = utf8TextOf(source.find("BusLeafPath_"));
 }
 
 void SignalClient::setFromPersistentData(const hvArray* s, std::size_t index) {

@@ -31,7 +31,7 @@ private:
 
 InstrumentedSignals::Source sourceAt(const ObservedPortColumns& columns, std::size_t row) {
     InstrumentedSignals::Source source;
-    source.uuid = narrowTextOf(columns.cell(1, row));
+    source.uuid = utf8TextOf(columns.cell(1, row));
     source.blockHandle = columns.number(2, row);
     source.outputPortIndex = columns.integer(3, row);
     source.decimation = columns.integer(4, row);

@@ -15,31 +15,7 @@
 
 namespace kestrel {
 
-HvArrayPtr textValue(std::u16string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
-HvArrayPtr emptyText() { return textValue({}); }
-HvArrayPtr numberValue(double number) { return HvArrayPtr(hvCreateDoubleScalar(number)); }
-HvArrayPtr logicalValue(bool truth) { return HvArrayPtr(hvCreateLogicalScalar(truth)); }
-
-HvArrayPtr uint32Value(std::uint32_t number) {
-    HvArrayPtr value(hvCreateNumericScalar(hvUINT32_CLASS, hvREAL));
-    *static_cast<std::uint32_t*>(hvGetDataForWriting(value.get())) = number;
-    return value;
-}
-
-HvArrayPtr emptyNumber() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
-
-HvArrayPtr emptyCell() {
-    constexpr std::size_t kDimensions[] = {0, 0};
-    return HvArrayPtr(hvCreateCellArray(2, kDimensions));
-}
-
-std::u16string textOf(const hvArray* value) {
-    return hvGetClassID(value) == hvCHAR_CLASS ? matrix::get_ustring(value) : std::u16string();
-}
-
-std::string utf8Of(const hvArray* value) {
-    return hvGetClassID(value) == hvCHAR_CLASS ? hvArrayToStdString(value) : std::string();
-}
+HvArrayPtr emptyText() { return makeText(u""); }
 
 std::u16string textProperty(const hvArray* object, const char* name) {
     return textOf(HvArrayPtr(hvGetPropertyShared(object, 0, name)).get());

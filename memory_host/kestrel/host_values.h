@@ -1,33 +1,31 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <initializer_list>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "host/hv_array.h"
+#include "host/values.h"
 #include "memory_host/orvex/calls/call.h"
 #include "memory_host/orvex/objects/script_object.h"
 
-/// Making and reading host values on the modelling side.
+/// Host values on the modelling side, beside what everybody makes and reads.
 namespace kestrel {
 
-HvArrayPtr textValue(std::u16string_view text);
-HvArrayPtr emptyText();
-HvArrayPtr numberValue(double number);
-HvArrayPtr logicalValue(bool truth);
-HvArrayPtr uint32Value(std::uint32_t number);
-/// 0x0.
-HvArrayPtr emptyNumber();
-/// 0x0.
-HvArrayPtr emptyCell();
+using ks_host::makeDouble;
+using ks_host::makeEmpty;
+using ks_host::makeEmptyCell;
+using ks_host::makeLogical;
+using ks_host::makeText;
+using ks_host::makeUint32;
+using ks_host::textOf;
+using ks_host::utf8TextOf;
 
-/// The text of a character array; empty for any other value.
-std::u16string textOf(const hvArray* value);
-/// The same as UTF-8.
-std::string utf8Of(const hvArray* value);
+/// For properties that start as a text without characters.
+HvArrayPtr emptyText();
+
 /// The text of a property of an object's first element.
 std::u16string textProperty(const hvArray* object, const char* name);
 /// The first element of a property as a number; 0.0 when it is empty.

@@ -110,7 +110,7 @@ bool areEqual(const hvArray* left, const hvArray* right) {
 void isEqual(orvex::Call& call) {
     if (call.ins.size() < 2) orvex::raise("TooFewInputs", "\"isequal\" needs at least two values to compare.");
     const auto equalsFirst = [&](const hvArray* other) { return areEqual(call.ins.front(), other); };
-    call.outs[0] = logicalValue(std::all_of(call.ins.begin() + 1, call.ins.end(), equalsFirst));
+    call.outs[0] = makeLogical(std::all_of(call.ins.begin() + 1, call.ins.end(), equalsFirst));
 }
 
 }  // namespace

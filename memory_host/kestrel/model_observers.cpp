@@ -47,7 +47,7 @@ void createFromSignalsAndClients(orvex::Call& call) {
 void defineModelObservers() {
     orvex::ScriptClass definition;
     definition.fullName = kClassName;
-    definition.properties = {{"Signals", emptyNumber, false}, {"Clients", emptyNumber, false}};
+    definition.properties = {{"Signals", makeEmpty, false}, {"Clients", makeEmpty, false}};
     definition.construct = construct;
     definition.methods["getSignalsAndClients"] = getSignalsAndClients;
     definition.staticMethods["createFromSignalsAndClients"] = createFromSignalsAndClients;

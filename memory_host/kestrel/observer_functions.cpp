@@ -50,7 +50,7 @@ void validateAndRemoveUnused(orvex::Call& call) {
     const hvArray* clients = call.ins[0];
     SignalUuids uuids;
     for (double position = numberProperty(clients, "Count"); position >= 1.0; --position) {
-        const HvArrayPtr where = numberValue(position);
+        const HvArrayPtr where = makeDouble(position);
         const HvArrayPtr client = callForOne("get", {clients, where.get()});
         if (!hvIsA(client.get(), kSignalClientClass)) continue;
         if (!isDeprecated(client.get()) && !isSignalGone(client.get(), uuids)) continue;
@@ -66,10 +66,10 @@ HvArrayPtr alignedModelPath(const hvArray* client) {
     const std::size_t count = hvGetNumberOfElements(path.get());
     HvArrayPtr aligned(hvCreateCellArray(1, &count));
     for (std::size_t i = 0; i < count; ++i) {
-        const LoadedBlock found = findByFullEid(utf8Of(hvGetCell(eids.get(), i)));
+        const LoadedBlock found = findByFullEid(utf8TextOf(hvGetCell(eids.get(), i)));
         const std::u16string text =
             found ? found.owner->model().fullPath(*found.block) : textOf(hvGetCell(path.get(), i));
-        hvSetCell(aligned.get(), i, textValue(text).release());
+        hvSetCell(aligned.get(), i, makeText(text).release());
     }
     return aligned;
 }
@@ -81,7 +81,7 @@ void getAlignedObservers(orvex::Call& call) {
     const double count = numberProperty(call.ins[0], "Count");
     orvex::Objects aligned;
     for (double position = 1.0; position <= count; ++position) {
-        const HvArrayPtr client = callForOne("get", {call.ins[0], numberValue(position).get()});
+        const HvArrayPtr client = callForOne("get", {call.ins[0], makeDouble(position).get()});
         if (!hvIsA(client.get(), kSignalClientClass)) continue;
         hvSetProperty(client.get(), 0, "ModelPath_", alignedModelPath(client.get()).get());
         aligned.push_back(omGetArrayElement(client.get(), 0));

@@ -44,7 +44,7 @@ std::vector<ObservedPort> observedPorts(const LoadedModel& open) {
     std::vector<ObservedPort> ports;
     const double count = open.signals() ? numberProperty(open.signals(), "Count") : 0.0;
     for (double position = 1.0; position <= count; ++position) {
-        HvArrayPtr signal = callForOne("get", {open.signals(), numberValue(position).get()});
+        HvArrayPtr signal = callForOne("get", {open.signals(), makeDouble(position).get()});
         if (isOnChart(signal.get())) continue;
         if (const LoadedBlock block = blockOf(signal.get())) ports.push_back({std::move(signal), block});
     }
@@ -60,7 +60,7 @@ template <class Text>
 HvArrayPtr textColumn(const std::vector<ObservedPort>& ports, Text text) {
     const std::size_t count = ports.size();
     HvArrayPtr column(hvCreateCellArray(1, &count));
-    for (std::size_t i = 0; i < count; ++i) hvSetCell(column.get(), i, textValue(text(ports[i])).release());
+    for (std::size_t i = 0; i < count; ++i) hvSetCell(column.get(), i, makeText(text(ports[i])).release());
     return column;
 }
 
@@ -135,7 +135,7 @@ void constructModel(orvex::ScriptObject& self, std::span<const hvArray* const> a
     if (!loadedModels().find(name))
         orvex::raise("ModelNotOpen", std::string("The constructor of class ") + kModelClass +
                                          " takes the name of an open model, and " + quoted(name) + " is none.");
-    self.store("Name", textValue(name));
+    self.store("Name", makeText(name));
 }
 
 }  // namespace

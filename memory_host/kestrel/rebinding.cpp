@@ -57,9 +57,9 @@ Binding forgetWhenStale(const Binding& binding) {
 }
 
 void assign(hvArray* signal, const Binding& binding) {
-    const HvArrayPtr handle = binding.handle ? numberValue(*binding.handle) : emptyNumber();
-    const HvArrayPtr port = binding.handle ? numberValue(binding.port) : emptyNumber();
-    hvSetProperty(signal, 0, "BindingRule_", textValue(binding.rule).get());
+    const HvArrayPtr handle = binding.handle ? makeDouble(*binding.handle) : makeEmpty();
+    const HvArrayPtr port = binding.handle ? makeDouble(binding.port) : makeEmpty();
+    hvSetProperty(signal, 0, "BindingRule_", makeText(binding.rule).get());
     hvSetProperty(signal, 0, "CachedBlockHandle_", handle.get());
     hvSetProperty(signal, 0, "CachedPortIdx_", port.get());
 }
@@ -74,7 +74,7 @@ void applyRebindingRules(orvex::Call& call) {
     const bool all = truthAt(call, 1);
     const double count = numberProperty(set, "Count");
     for (double position = 1.0; position <= count; ++position) {
-        const HvArrayPtr where = numberValue(position);
+        const HvArrayPtr where = makeDouble(position);
         const HvArrayPtr signal = callForOne("get", {set, where.get()});
         const Binding before = currentBinding(signal.get());
         const Binding after = all ? rebind(signal.get()) : forgetWhenStale(before);

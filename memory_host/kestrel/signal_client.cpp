@@ -11,24 +11,24 @@ namespace {
 /// So many of the properties, the first ones, are saved.
 constexpr std::size_t kSaved = 11;
 
-HvArrayPtr one() { return uint32Value(1); }
-HvArrayPtr no() { return logicalValue(false); }
+HvArrayPtr one() { return makeUint32(1); }
+HvArrayPtr no() { return makeLogical(false); }
 
 /// The object of the observed signal; a 0x0 double when no open model that the client names has it.
 HvArrayPtr signalInfo(const orvex::ScriptObject& self) {
     HvArrayPtr signal = findSignal(modelsOfClient(self), textOf(self.stored("SignalUUID_")));
-    return signal ? std::move(signal) : emptyNumber();
+    return signal ? std::move(signal) : makeEmpty();
 }
 
 std::vector<orvex::ScriptProperty> properties() {
     return {
         {"UUID", emptyText},
-        {"ModelPath_", emptyCell},
-        {"ModelPathEID_", emptyCell},
+        {"ModelPath_", makeEmptyCell},
+        {"ModelPathEID_", makeEmptyCell},
         {"SourceModel_", emptyText},
         {"SignalUUID_", emptyText},
         {"ObserverType_", emptyText},
-        {"ObserverParams_", emptyNumber},
+        {"ObserverParams_", makeEmpty},
         {"UpdateRate_", one},
         {"DimensionChannel_", one},
         {"ObserveImaginaryPart_", no},

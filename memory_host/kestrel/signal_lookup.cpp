@@ -11,7 +11,7 @@ namespace kestrel {
 namespace {
 
 std::u16string uuidAt(const hvArray* set, double position) {
-    return textOf(callForOne("getUUID", {set, numberValue(position).get()}).get());
+    return textOf(callForOne("getUUID", {set, makeDouble(position).get()}).get());
 }
 
 }  // namespace
@@ -61,7 +61,7 @@ HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, const std::
     for (const std::u16string& name : modelNames) {
         LoadedModel* const open = loadedModels().find(name);
         const double position = open ? positionOf(*open, uuid) : 0.0;
-        if (position > 0.0) return callForOne("get", {open->signals(), numberValue(position).get()});
+        if (position > 0.0) return callForOne("get", {open->signals(), makeDouble(position).get()});
     }
     return nullptr;
 }

@@ -14,9 +14,9 @@ constexpr const char* kClassName = "Kestrel.HMI.SignalSpecification";
 /// So many of the properties, the first ones, are saved.
 constexpr std::size_t kSaved = 16;
 
-HvArrayPtr zero() { return numberValue(0.0); }
-HvArrayPtr one() { return numberValue(1.0); }
-HvArrayPtr no() { return logicalValue(false); }
+HvArrayPtr zero() { return makeDouble(0.0); }
+HvArrayPtr one() { return makeDouble(1.0); }
+HvArrayPtr no() { return makeLogical(false); }
 
 HvArrayPtr noParameters() {
     constexpr std::size_t kDimensions[] = {1, 1};
@@ -42,8 +42,8 @@ std::vector<orvex::ScriptProperty> properties() {
         {"DomainParams_", noParameters},
         {"VisualType_", emptyText},
         {"BindingRule_", emptyText},
-        {"CachedBlockHandle_", emptyNumber},
-        {"CachedPortIdx_", emptyNumber},
+        {"CachedBlockHandle_", makeEmpty},
+        {"CachedPortIdx_", makeEmpty},
         {"ExcludeForSave_", no},
     };
 }
@@ -55,8 +55,8 @@ void construct(orvex::ScriptObject& self, std::span<const hvArray* const> argume
 void getAlignedBlockPath(orvex::Call& call) {
     requireInputs(call, 1);
     const orvex::ScriptObject& self = orvex::requireScriptObject(call.ins[0], kClassName);
-    const LoadedBlock found = requireBlock(utf8Of(self.stored("EID_")), textOf(self.stored("BlockPath_")));
-    call.outs[0] = textValue(found.owner->model().fullPath(*found.block));
+    const LoadedBlock found = requireBlock(utf8TextOf(self.stored("EID_")), textOf(self.stored("BlockPath_")));
+    call.outs[0] = makeText(found.owner->model().fullPath(*found.block));
 }
 
 }  // namespace

@@ -11,15 +11,20 @@
 
 #include "host/hv_array.h"
 #include "host/messages.h"
+<<<<<<< HEAD
 #include "memory_host/orvex/calls/call_by_name.h"
+=======
+#include "host/values.h"
+#include "memory_host/orvex/functions.h"
+>>>>>>> 2d284cd (Make, read and walk host values in one vocabulary)
 
 /// Host values and host failures as tests write them down.
 namespace ks_test {
 
-inline HvArrayPtr text(std::string_view utf8) { return HvArrayPtr(matrix::create(utf8.data(), utf8.size())); }
-inline HvArrayPtr text(std::u16string_view units) { return HvArrayPtr(matrix::create(units.data(), units.size())); }
-inline HvArrayPtr number(double value) { return HvArrayPtr(hvCreateDoubleScalar(value)); }
-inline HvArrayPtr logical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }
+inline HvArrayPtr text(std::string_view utf8) { return ks_host::makeText(utf8); }
+inline HvArrayPtr text(std::u16string_view units) { return ks_host::makeText(units); }
+inline HvArrayPtr number(double value) { return ks_host::makeDouble(value); }
+inline HvArrayPtr logical(bool value) { return ks_host::makeLogical(value); }
 /// A column of numbers.
 template <class Number>
 HvArrayPtr numbers(hvClassID classID, std::initializer_list<Number> values) {
@@ -31,7 +36,7 @@ HvArrayPtr numbers(hvClassID classID, std::initializer_list<Number> values) {
 inline HvArrayPtr structOf(std::size_t elements, std::span<const char* const> names) {
     return HvArrayPtr(hvCreateStructArray(1, &elements, static_cast<int>(names.size()), names.data()));
 }
-inline HvArrayPtr emptyDouble() { return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL)); }
+inline HvArrayPtr emptyDouble() { return ks_host::makeEmpty(); }
 
 /// Calls the host by name as a script would; the first result, null when there is none.
 inline HvArrayPtr call(const char* name, std::initializer_list<const hvArray*> inputs, int results = 1) {

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "host/unicode.h"
+
 namespace orvex {
 namespace {
-
-constexpr char32_t kReplacement = 0xFFFD;
 
 struct Decoded {
     char32_t codePoint;
@@ -39,49 +39,28 @@ Decoded decodeUtf8(std::string_view text) noexcept {
     const auto first = static_cast<std::uint8_t>(text[0]);
     if (first < 0x80) return {first, 1};
     const Lead lead = leadOf(first);
-    if (lead.following == 0) return {kReplacement, 1};
+    if (lead.following == 0) return {ks_host::kReplacementCharacter, 1};
     char32_t codePoint = first & (0x3Fu >> lead.following);
     for (std::size_t i = 1; i <= lead.following; ++i) {
         const auto byte = i < text.size() ? static_cast<std::uint8_t>(text[i]) : std::uint8_t{0};
-        if (byte < (i == 1 ? lead.least : 0x80) || byte > (i == 1 ? lead.most : 0xBF)) return {kReplacement, i};
+        if (byte < (i == 1 ? lead.least : 0x80) || byte > (i == 1 ? lead.most : 0xBF))
+            return {ks_host::kReplacementCharacter, i};
         codePoint = codePoint << 6 | (byte & 0x3Fu);
     }
     return {codePoint, lead.following + 1};
 }
 
-bool isHighSurrogate(char16_t unit) noexcept { return unit >= 0xD800 && unit <= 0xDBFF; }
-bool isLowSurrogate(char16_t unit) noexcept { return unit >= 0xDC00 && unit <= 0xDFFF; }
-
 Decoded decodeUtf16(std::u16string_view text) noexcept {
-    const char16_t first = text[0];
-    if (!isHighSurrogate(first)) return {isLowSurrogate(first) ? kReplacement : char32_t{first}, 1};
-    if (text.size() < 2 || !isLowSurrogate(text[1])) return {kReplacement, 1};
-    return {0x10000 + ((char32_t{first} - 0xD800) << 10) + (char32_t{text[1]} - 0xDC00), 2};
+    std::size_t length = 0;
+    const char32_t codePoint = ks_host::takeCharacter(text, length);
+    return {codePoint, length};
 }
 
-void append(std::u16string& text, char32_t codePoint) {
-    if (codePoint < 0x10000) {
-        text += static_cast<char16_t>(codePoint);
-        return;
-    }
-    text += static_cast<char16_t>(0xD800 + ((codePoint - 0x10000) >> 10));
-    text += static_cast<char16_t>(0xDC00 + ((codePoint - 0x10000) & 0x3FF));
-}
+void append(std::u16string& text, char32_t codePoint) { ks_host::appendUtf16(text, codePoint); }
 
 void append(std::string& text, char32_t codePoint) {
-    const auto tail = [&text, codePoint](int shift) { text += static_cast<char>(0x80 | (codePoint >> shift & 0x3F)); };
-    if (codePoint < 0x80) {
-        text += static_cast<char>(codePoint);
-    } else if (codePoint < 0x800) {
-        text += static_cast<char>(0xC0 | codePoint >> 6);
-        tail(0);
-    } else if (codePoint < 0x10000) {
-        text += static_cast<char>(0xE0 | codePoint >> 12);
-        tail(6), tail(0);
-    } else {
-        text += static_cast<char>(0xF0 | codePoint >> 18);
-        tail(12), tail(6), tail(0);
-    }
+    char bytes[ks_host::kMostUtf8Bytes];
+    text.append(bytes, ks_host::putUtf8(bytes, codePoint));
 }
 
 /// Looks at all units: such loops run over many of them at a time.
