@@ -11,12 +11,10 @@
 
 #include "host/hv_array.h"
 #include "host/messages.h"
-<<<<<<< HEAD
-#include "memory_host/orvex/calls/call_by_name.h"
-=======
 #include "host/values.h"
-#include "memory_host/orvex/functions.h"
->>>>>>> 2d284cd (Make, read and walk host values in one vocabulary)
+#include "memory_host/orvex/calls/call_by_name.h"
+#include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/calls/functions.h"
 
 /// Host values and host failures as tests write them down.
 namespace ks_test {
