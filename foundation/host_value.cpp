@@ -36,6 +36,11 @@ HvArrayPtr detached(HvArrayPtr value) noexcept {
     return value;
 }
 
+HvArrayPtr persistent(HvArrayPtr value) noexcept {
+    if (value) hvSetArrayScope(value.get(), nullptr);
+    return value;
+}
+
 HvArrayPtr inLocalScope(HvArrayPtr value) noexcept {
     if (value) kssvSetLocalScope(value.get());
     return value;

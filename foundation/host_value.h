@@ -31,8 +31,11 @@ void setField(hvArray* structArray, std::size_t index, const char* name, HvArray
 /// Truncates toward zero and saturates; NaN is 0.
 std::int32_t toInt32(double number) noexcept;
 
-/// Takes the value out of every scope and hands it back: it outlives host calls, and its holder releases it.
+/// Gives the value scope 0, as a result that is handed back to the host, and hands it back.
 HvArrayPtr detached(HvArrayPtr value) noexcept;
+
+/// Takes the value out of every scope and hands it back: it outlives host calls, and its holder releases it.
+HvArrayPtr persistent(HvArrayPtr value) noexcept;
 
 /// Registers the value with the running host call and hands it back; the holder still releases it first.
 HvArrayPtr inLocalScope(HvArrayPtr value) noexcept;

@@ -12,7 +12,7 @@ using namespace ks_hmi_foundation;
 ModelObservers::ModelObservers(const hvArray* value) {
     validateDataFormat(value);
     if (hvIsEmpty(value)) return;
-    m_observers = detached(HvArrayPtr(hvCreateSharedDataCopy(value)));
+    m_observers = persistent(HvArrayPtr(hvCreateSharedDataCopy(value)));
 }
 
 ModelObservers::~ModelObservers() = default;

@@ -67,7 +67,7 @@ void readFields(SignalClient& client, FieldSource& source) {
     client.m_observerType = source.narrowText("ObserverType_");
     client.m_modelPath = source.texts("ModelPath_");
     client.m_modelPathEID = source.narrowTexts("ModelPathEID_");
-    client.m_observerParams = detached(source.copyOf("ObserverParams_"));
+    client.m_observerParams = persistent(source.copyOf("ObserverParams_"));
     client.m_updateRate = source.widened("UpdateRate_");
     client.m_dimensionChannel = source.widened("DimensionChannel_");
     client.m_observeImaginaryPart = source.truth("ObserveImaginaryPart_");
@@ -124,7 +124,7 @@ std::unique_ptr<SignalClient> SignalClient::clone() const {
     copy->m_busLeafPath = m_busLeafPath;
     copy->m_modelPath = m_modelPath;
     copy->m_modelPathEID = m_modelPathEID;
-    if (m_observerParams) copy->m_observerParams = detached(deepCopy(m_observerParams));
+    if (m_observerParams) copy->m_observerParams = persistent(deepCopy(m_observerParams));
     return copy;
 }
 
