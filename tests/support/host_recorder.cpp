@@ -96,10 +96,23 @@ void write(const void* caller, const char* operation, const Arguments&... argume
     }
 }
 
+/// Nothing is written down while the host carries out a call of the library's.
+class CallOfTheLibrary {
+public:
+    explicit CallOfTheLibrary(const void* caller)
+        : m_recorder(isInLibrary(caller) ? std::exchange(g_recorder, nullptr) : g_recorder) {}
+    CallOfTheLibrary(const CallOfTheLibrary&) = delete;
+    CallOfTheLibrary& operator=(const CallOfTheLibrary&) = delete;
+    ~CallOfTheLibrary() { g_recorder = m_recorder; }
+
+private:
+    HostRecorder* m_recorder;
+};
+
 }  // namespace
 
-HostRecorder::HostRecorder(std::initializer_list<std::string_view> operations)
-    : m_operations(operations), m_outer(std::exchange(g_recorder, this)) {}
+HostRecorder::HostRecorder(Operations operations)
+    : m_operations(std::move(operations)), m_outer(std::exchange(g_recorder, this)) {}
 
 HostRecorder::~HostRecorder() { g_recorder = m_outer; }
 
@@ -136,6 +149,7 @@ std::string describe(const hvArray* value) {
 
 }  // namespace ks_test
 
+using ks_test::CallOfTheLibrary;
 using ks_test::describe;
 using ks_test::describeCall;
 using ks_test::hostFunction;
@@ -246,11 +260,13 @@ void utFree(void* storage) noexcept {
 
 void kssvFEVAL(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, const char* name) {
     KS_WRITE("kssvFEVAL", nOut, name, describeCall(nIn, ins));
+    const CallOfTheLibrary call(__builtin_return_address(0));
     KS_FORWARD(decltype(kssvFEVAL), kssvFEVAL, nOut, outs, nIn, ins, name);
 }
 kssvDiagnosticImpl* kssvFEVAL_NoThrow(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, const char* name,
                                       bool captureErrors, void* reserved) {
     KS_WRITE("kssvFEVAL_NoThrow", nOut, name, describeCall(nIn, ins), captureErrors, reserved ? "something" : "null");
+    const CallOfTheLibrary call(__builtin_return_address(0));
     KS_FORWARD(kssvDiagnosticImpl * (int, hvArray**, int, const hvArray* const*, const char*, bool, void*),
                kssvFEVAL_NoThrow, nOut, outs, nIn, ins, name, captureErrors, reserved);
 }

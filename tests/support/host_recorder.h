@@ -10,13 +10,14 @@ struct hvArray;
 namespace ks_test {
 
 using Lines = std::vector<std::string>;
+using Operations = std::vector<std::string_view>;
 
 /// Writes down what the library asks of the host while this lives: one line per call, in order, the operation and its
-/// arguments with blanks between. What the host does inside, and what the test asks itself, is not written down.
+/// arguments with blanks between. What the test asks itself is not written down, nor what the host does inside, its own
+/// calls of the library included.
 ///
-///     HostRecorder recorder{"kssvSetLocalScope", "hvSetArrayScope"};
-///     signal.getHOSObject(u"m1", true);
-///     EXPECT_EQ(recorder.lines(), (Lines{"kssvSetLocalScope struct", "hvSetArrayScope struct 4"}));
+///     EXPECT_EQ(recorded({"kssvSetLocalScope", "hvSetArrayScope"}, [&] { signal.getHOSObject(u"m1", true); }),
+///               (Lines{"kssvSetLocalScope struct", "hvSetArrayScope struct 4"}));
 ///
 /// Values read as `describe` says. A struct or object that is written or read is left out ("hvReplaceField 0 UUID
 /// 'u'"), a call by name lists results wanted, name and inputs ("kssvFEVAL 1 isequal (struct, [])"), a value that is
@@ -26,7 +27,8 @@ using Lines = std::vector<std::string>;
 class HostRecorder {
 public:
     /// Only the named operations; without a name, all.
-    HostRecorder(std::initializer_list<std::string_view> operations = {});
+    HostRecorder(std::initializer_list<std::string_view> operations = {}) : HostRecorder(Operations(operations)) {}
+    explicit HostRecorder(Operations operations);
     HostRecorder(const HostRecorder&) = delete;
     HostRecorder& operator=(const HostRecorder&) = delete;
     ~HostRecorder();
@@ -37,10 +39,18 @@ public:
     void write(std::string_view operation, std::initializer_list<std::string> arguments);
 
 private:
-    std::vector<std::string_view> m_operations;
+    Operations m_operations;
     Lines m_lines;
     HostRecorder* m_outer;
 };
+
+/// What `action` has the library ask of the host, of the named operations.
+template <class Action>
+Lines recorded(const Operations& operations, Action action) {
+    HostRecorder recorder(operations);
+    action();
+    return recorder.lines();
+}
 
 /// 'text', 7, uint32 7, true, [] (0x0 double), {'a', 'b'} (cells), struct, struct 3x1, the class of an object, null.
 std::string describe(const hvArray* value);
