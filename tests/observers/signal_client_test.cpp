@@ -2,7 +2,9 @@
 
 #include <cmath>
 #include <functional>
+#include <set>
 
+#include "memory_host/orvex/objects/object_system.h"
 #include "tests/support/host_test.h"
 
 using namespace ks_test;
@@ -10,9 +12,10 @@ using ks_hmi::SignalClient;
 
 namespace {
 
+/// With a null name the field holds nothing.
 HvArrayPtr params(const char* modelName) {
     HvArrayPtr value = structOf(1, std::array{"ModelName", "Color"});
-    hvReplaceField(value.get(), 0, "ModelName", text(modelName).release());
+    if (modelName != nullptr) hvReplaceField(value.get(), 0, "ModelName", text(modelName).release());
     return value;
 }
 
@@ -27,8 +30,8 @@ protected:
         client->m_sourceModel = u"sub";
         client->m_signalUUID = "s1";
         client->m_observerType = "scope";
-        client->m_modelPath = {u"Sub/Model", u"inner/Block"};
-        client->m_modelPathEID = {"2", "inner:7"};
+        client->m_modelPath = {u"Sub/Model", u"m1/Block"};
+        client->m_modelPathEID = {"2", "m1:7"};
         client->m_observerParams = params("m1");
         client->m_updateRate = 10;
         client->m_dimensionChannel = 3;
@@ -36,15 +39,16 @@ protected:
         client->m_busLeafPath = "a.b";
         return client;
     }
-    static std::unique_ptr<SignalClient> reload(const SignalClient& client) {
+    static std::unique_ptr<SignalClient> reload(const SignalClient& client, const std::u16string& modelName = u"") {
         const auto data = emptyStruct();
         client.getPersistenceData(data.get(), 0);
-        return std::make_unique<SignalClient>(data.get(), 0, u"");
+        return std::make_unique<SignalClient>(data.get(), 0, modelName);
     }
     /// A client of the signal that the model's set holds for that path, with the set known to the host.
     std::unique_ptr<SignalClient> clientOf(const std::u16string& path) {
-        set().add(resolvedPort(path, 2, 7.5));
+        set().add(port(path, 1));
         auto& signal = *set().get(0);
+        signal.setCachedInfo(7.5, 2);
         signal.m_decimation = 4;
         signal.m_maxPoints = 100;
         signal.m_subPath = u"part";
@@ -52,7 +56,7 @@ protected:
         auto client = std::make_unique<SignalClient>();
         client->m_signalUUID = signal.m_uuid;
         client->m_sourceModel = u"m1";
-        client->m_modelPath = {u"Sub"};
+        client->m_modelPath = {u"Sub", u"inner/Block"};
         return client;
     }
     struct Aligned {
@@ -75,6 +79,12 @@ TEST_F(SignalClientTest, persistedElementReadsBackEqual) {
     EXPECT_EQ(fresh.m_dimensionChannel, 1U);
     EXPECT_TRUE(reload(fresh)->isEqual(&fresh));
     EXPECT_TRUE(fresh.isEqual(reload(fresh).get()));
+    for (const char16_t* const path : {u"m1/Sub", u"/Sub"}) {
+        client->m_modelPath[0] = path;
+        client->m_modelPathEID[0] = path[0] == u'/' ? ":2" : "m1:2";
+        for (const char16_t* const name : {u"", u"m1"})
+            EXPECT_TRUE(reload(*client, name)->isEqual(client.get())) << "saved references are relative already";
+    }
 }
 
 TEST_F(SignalClientTest, structCarriesTheModelsNameOnTheFirstPathOnly) {
@@ -84,9 +94,9 @@ TEST_F(SignalClientTest, structCarriesTheModelsNameOnTheFirstPathOnly) {
     const auto field = [&](const char* name) { return hvGetField(data.get(), 0, name); };
     const auto cell = [&](const char* name, std::size_t i) { return hvArrayToStdString(hvGetCell(field(name), i)); };
     EXPECT_EQ(cell("ModelPath_", 0), "m/Sub/Model");
-    EXPECT_EQ(cell("ModelPath_", 1), "inner/Block");
+    EXPECT_EQ(cell("ModelPath_", 1), "m1/Block");
     EXPECT_EQ(cell("ModelPathEID_", 0), "m:2");
-    EXPECT_EQ(cell("ModelPathEID_", 1), "inner:7");
+    EXPECT_EQ(cell("ModelPathEID_", 1), "m1:7");
     EXPECT_EQ(hvArrayToStdString(field("SourceModel_")), "sub");
     EXPECT_EQ(hvGetClassID(field("UpdateRate_")), hvUINT32_CLASS);
     EXPECT_EQ(hvGetClassID(field("ObserveImaginaryPart_")), hvLOGICAL_CLASS);
@@ -96,6 +106,22 @@ TEST_F(SignalClientTest, structCarriesTheModelsNameOnTheFirstPathOnly) {
     EXPECT_EQ(hvArrayToStdString(field("SourceModel_")), "m");
     client->getPersistenceData(data.get(), 0);
     EXPECT_EQ(hvArrayToStdString(field("SourceModel_")), "");
+    client->m_busLeafPath = std::string("a\0b", 3);
+    client->getPersistenceData(data.get(), 0);
+    EXPECT_EQ(hvArrayToStdString(field("BusLeafPath_")), "a");
+}
+
+TEST_F(SignalClientTest, parametersAreItsOwnThroughAndThroughWhenReadWrittenAndCloned) {
+    const auto client = filled();
+    const auto data = emptyStruct();
+    client->getPersistenceData(data.get(), 0);
+    const SignalClient read(data.get(), 0, u"");
+    const auto clone = client->clone();
+    const auto nameIn = [](const hvArray* own) { return hvGetField(own, 0, "ModelName"); };
+    const std::set<const hvArray*> names = {nameIn(client->m_observerParams.get()),
+                                            nameIn(hvGetField(data.get(), 0, "ObserverParams_")),
+                                            nameIn(read.m_observerParams.get()), nameIn(clone->m_observerParams.get())};
+    EXPECT_EQ(names.size(), 4U);
 }
 
 TEST_F(SignalClientTest, readsWhatOlderAndForeignWritersLeave) {
@@ -117,6 +143,7 @@ TEST_F(SignalClientTest, readsWhatOlderAndForeignWritersLeave) {
         {"ObserveImaginaryPart_", number(NAN), [](const auto& c) { return c.m_observeImaginaryPart; }},
         {"ObserveImaginaryPart_", emptyDouble(), [](const auto& c) { return !c.m_observeImaginaryPart; }},
         {"SourceModel_", number(1), [](const auto& c) { return c.m_sourceModel.empty(); }},
+        {"BusLeafPath_", number(1), [](const auto& c) { return c.m_busLeafPath.empty(); }},
         {"ModelPath_", HvArrayPtr(hvCreateCellArray(1, &two)),
          [](const auto& c) { return c.m_modelPath == std::vector<std::u16string>(2); }},
     };
@@ -198,9 +225,15 @@ TEST_F(SignalClientTest, renamingFollowsTheSourceModelAndAlwaysTheParameters) {
         EXPECT_EQ(client->m_modelPath[0], u"Sub/Model");
     }
     SignalClient without;
+    without.renameModel(u"a", u"b");
     without.m_observerParams = number(1);
     without.renameModel(u"a", u"b");
     EXPECT_EQ(hvGetScalar(without.m_observerParams.get()), 1.0);
+    without.m_observerParams = structOf(1, std::array{"Color"});
+    without.renameModel(u"a", u"b");
+    without.m_observerParams = params(nullptr);
+    without.renameModel(u"a", u"b");
+    EXPECT_EQ(hvGetField(without.m_observerParams.get(), 0, "ModelName"), nullptr) << "what names no model stays so";
 }
 
 TEST_F(SignalClientTest, deprecatedKindsMatchExactly) {
@@ -218,16 +251,16 @@ TEST_F(SignalClientTest, hostObjectReadsBackEqualAndRelative) {
     EXPECT_EQ(hvArrayToStdString(hvGetCell(property(object.get(), "ModelPath_").get(), 0)), "m1/Sub/Model");
     const SignalClient read(object.get(), 0, u"m1");
     EXPECT_TRUE(read.isEqual(client.get()));
-    EXPECT_EQ(read.m_modelPath[0], u"Sub/Model");
-    EXPECT_EQ(read.m_modelPathEID[1], "inner:7");
+    EXPECT_EQ(read.m_modelPath, client->m_modelPath);
+    EXPECT_EQ(read.m_modelPathEID, client->m_modelPathEID);
 }
 
 TEST_F(SignalClientTest, answersFromTheObservedSignalAndKeepsIt) {
     const auto client = clientOf(u"Sub/Switch");
-    EXPECT_EQ(client->getAlignedPortIndex(u"m1"), 2);
+    EXPECT_EQ(client->getAlignedPortIndex(u"m1"), 2) << "the cached port, not the block's";
     EXPECT_EQ(client->getDecimation(u"m1"), 4);
     EXPECT_EQ(client->getMaxPoints(u"m1"), 100);
-    EXPECT_EQ(aligned(*client), (Aligned{{u"m1/Sub", u"m1/Sub/Switch"}, u"part"}));
+    EXPECT_EQ(aligned(*client), (Aligned{{u"m1/Sub", u"inner/Block", u"m1/Sub/Switch"}, u"part"}));
 
     set().remove(std::size_t{0});
     orvex::FaultInjection calls;
@@ -236,7 +269,27 @@ TEST_F(SignalClientTest, answersFromTheObservedSignalAndKeepsIt) {
     client->m_modelPath.clear();
     EXPECT_EQ(aligned(*client).path, (std::vector<std::u16string>{u"m1/Sub/Switch"}));
     kestrel::loadedModels().find(u"m1")->model().move(u"Sub", u"Moved");
-    EXPECT_EQ(aligned(*client).path, (std::vector<std::u16string>{})) << "no identifier to find the moved block by";
+    EXPECT_EQ(aligned(*client), (Aligned{{}, u""})) << "no identifier to find the moved block by";
+}
+
+TEST_F(SignalClientTest, aStructIsAsGoodAsAnObjectForTheObservedSignal) {
+    const auto infoOf = [](const orvex::ScriptObject&) {
+        HvArrayPtr signal = structOf(1, {ks_hmi::SignalSpecification::getStructFields(), 16});
+        port(u"Gain", 1)->createStructData(signal.get(), 0, u"");
+        hvReplaceField(signal.get(), 0, "MaxPoints_", number(77).release());
+        return signal;
+    };
+    orvex::defineScriptClass({"Test.Client", "", {{"SignalInfo", {}, false, infoOf}}, {}, {}, {}});
+    std::vector<std::u16string> path = {u"old"};
+    std::u16string subPath = u"old";
+    const auto giving = orvex::registerFunction("Kestrel.HMI.SignalClient", [&](orvex::Call& c) {
+        EXPECT_TRUE(path.empty() && subPath.empty()) << "emptied before the host is asked";
+        c.outs[0] = call("Test.Client", {});
+    });
+    SignalClient client;
+    client.getAlignedBlockPath(u"m1", path, subPath);
+    EXPECT_EQ(path, (std::vector<std::u16string>{u"m1/Gain"}));
+    EXPECT_EQ(client.getMaxPoints(u"m1"), 77);
 }
 
 TEST_F(SignalClientTest, withoutASignalTheAnswersAreFixedAndNothingIsKept) {

@@ -2,6 +2,7 @@
 
 #include "observers/hmi_engine_utils.h"
 #include "observers/model_observers.h"
+#include "tests/support/host_recorder.h"
 #include "tests/support/host_test.h"
 
 using namespace ks_test;
@@ -67,6 +68,7 @@ TEST_F(StreamingClientsTest, persistenceAppendsAndEqualityIsByOrder) {
     loaded.remove(0);
     EXPECT_FALSE(loaded.isEqual(&clients()));
     EXPECT_FALSE(loaded.isEqual(nullptr));
+    loaded.setModelName(u"m2");
     hvSetProperty(other.get(), 0, "Persistence", saved.get());
     EXPECT_EQ(loaded.getCount(), 4U);
     hvReplaceField(saved.get(), 1, "UUID", nullptr);
@@ -74,6 +76,30 @@ TEST_F(StreamingClientsTest, persistenceAppendsAndEqualityIsByOrder) {
     EXPECT_EQ(loaded.getCount(), 5U);
     const auto none = call("Kestrel.HMI.StreamingClients", {});
     EXPECT_EQ(hvGetNumberOfFields(property(none.get(), "Persistence").get()), SignalClient::getNumStructFields());
+}
+
+TEST_F(StreamingClientsTest, theHostComparesParametersLastAndInOrderAndItsFirstAnswerCounts) {
+    std::string asked;
+    const auto comparing = orvex::registerFunction("isequal", [&](orvex::Call& c) {
+        for (const hvArray* const input : c.ins) asked += std::to_string(static_cast<int>(hvGetScalar(input)));
+        c.outs[0] = numbers(hvLOGICAL_CLASS, {hvGetScalar(c.ins[0]) != 3.0, false});
+    });
+    const auto with = [&](const char* uuid, double parameter) {
+        auto result = client(uuid);
+        result->m_observerParams = number(parameter);
+        return result;
+    };
+    StreamingClients other, third;
+    for (int i = 1; i <= 4; ++i) {
+        clients().add(with("u", i));
+        other.add(with("u", i + 4));
+        third.add(with(i == 2 ? "other" : "u", i + 4));
+    }
+    EXPECT_FALSE(clients().isEqual(&other));
+    EXPECT_EQ(asked, "152637") << "until the first pair that differs";
+    asked.clear();
+    EXPECT_FALSE(clients().isEqual(&third));
+    EXPECT_EQ(asked, "15") << "not where something else differs";
 }
 
 TEST_F(StreamingClientsTest, theManagerIsToldTheNameThatTheHostKnewEachTime) {
@@ -91,11 +117,14 @@ TEST_F(StreamingClientsTest, theManagerIsToldTheNameThatTheHostKnewEachTime) {
     EXPECT_EQ(kestrel::recordedRenames()[1].newName, u"c");
     EXPECT_EQ(clients().get(0)->m_sourceModel, u"m1");
     orvex::clearWarnings();
-    const auto keeping = orvex::registerFunction("validateAndRemoveUnused", [](orvex::Call&) {});
+    const auto failing = orvex::registerFunction("validateAndRemoveUnused", [this](orvex::Call&) {
+        StreamingClients::handleModelRename(clientsObject());
+        orvex::raise("no", "no");
+    });
     StreamingClients::validateAndRemoveUnused(clientsObject());
     StreamingClients::handleModelRename(clientsObject());
-    EXPECT_EQ(kestrel::recordedRenames().size(), 2U);
-    EXPECT_TRUE(orvex::warnings().empty());
+    EXPECT_EQ(kestrel::recordedRenames().size(), 2U) << "known from before the host sees the set, also when it fails";
+    EXPECT_EQ(orvex::warnings().size(), 1U);
     clients().setModelName(u"");
     clients().setModelName(u"d");
     StreamingClients::handleModelRename(clientsObject());
@@ -138,6 +167,9 @@ TEST_F(StreamingClientsTest, refusalsOfTheHostEndQuietlyWithAWarning) {
 
 TEST_F(StreamingClientsTest, aValueWithoutASetIsNothingToDo) {
     EXPECT_TRUE(StreamingClients::isValidType(clientsObject()));
+    const auto pair = objects({clientsObject(), call("Kestrel.HMI.StreamingClients", {}).get()});
+    EXPECT_FALSE(StreamingClients::isValidType(pair.get()));
+    EXPECT_EQ(StreamingClients::getFromHvArray(pair.get()), &clients());
     for (const HvArrayPtr& value :
          {HvArrayPtr(), emptyDouble(), number(1), call("Kestrel.HMI.InstrumentedSignals", {})}) {
         EXPECT_EQ(StreamingClients::isValidType(value.get()), hvIsEmpty(value.get()));
@@ -231,7 +263,16 @@ TEST_F(StreamingClientsTest, bundlesValidateTheScalarFirst) {
     EXPECT_TRUE(isEmptyBundle(nullptr));
     EXPECT_TRUE(isEmptyBundle(emptyDouble().get()));
     const HvArrayPtr pair(hvCreateNumericMatrix(1, 2, hvDOUBLE_CLASS, hvREAL));
+    const auto bundle = ModelObservers::createFromSignalsAndClients(object(), nullptr);
+    EXPECT_EQ(recorded({"hvCreateSharedDataCopy", "hvCreateDeepCopy", "hvSetArrayScope"},
+                       [&] { ModelObservers{bundle.get()}; }),
+              (Lines{"hvCreateSharedDataCopy Kestrel.HMI.ModelObservers",
+                     "hvSetArrayScope Kestrel.HMI.ModelObservers null"}));
     EXPECT_EQ(raisedBy([&] { ModelObservers{pair.get()}; }), "SignalObserversSetParamNonScalar");
+    EXPECT_EQ(raisedBy([&] {
+                  ModelObservers{objects({bundle.get(), bundle.get()}).get()};
+              }),
+              "SignalObserversSetParamNonScalar");
     EXPECT_EQ(raisedBy([&] { ModelObservers{number(1).get()}; }), "SignalObserversSetParamInvalidType");
     EXPECT_EQ(raisedBy([&] { ModelObservers{object()}; }), "SignalObserversSetParamInvalidType");
 }
@@ -254,6 +295,27 @@ TEST_F(StreamingClientsTest, bundlesSplitIntoWhatTheyWereBuiltFrom) {
     EXPECT_TRUE(!signals && !clientsOut);
     EXPECT_EQ(ModelObservers::createFromSignalsAndClients(object(), nullptr), nullptr);
     EXPECT_EQ(orvex::warnings().size(), 2U);
+}
+
+TEST_F(StreamingClientsTest, whatCannotBeMadeOfANoticeIsAnEmptyDoubleAndWhatIsThrownIsDiscarded) {
+    std::string seen;
+    const auto listening = orvex::registerFunction("Kestrel.HMI.kshmi", [&](orvex::Call& c) {
+        for (const hvArray* const input : c.ins)
+            seen += *hvGetClassName(input) + std::to_string(hvGetDimensions(input)[0]);
+    });
+    const std::pair<std::size_t, const char*> rows[] = {{1, "d0c1"}, {2, "c1d0"}, {3, ""}};
+    for (const auto& [failAt, expected] : rows) {
+        for (const auto kind : {orvex::FaultKind::exception, orvex::FaultKind::outOfMemory}) {
+            seen.clear();
+            const orvex::FaultInjection fault({failAt, false, kind});
+            const Lines discarded = recorded({"kssvCreateDiagnosticFromCatchClause", "kssvDiscardDiagnostic"},
+                                             [] { ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain"); });
+            EXPECT_EQ(seen, expected) << failAt;
+            EXPECT_EQ(discarded,
+                      failAt < 3 ? Lines{} : (Lines{"kssvCreateDiagnosticFromCatchClause", "kssvDiscardDiagnostic"}));
+        }
+    }
+    EXPECT_TRUE(orvex::warnings().empty());
 }
 
 TEST_F(StreamingClientsTest, parameterNoticesAreSentAndNeverHeardOfWhenTheyFail) {

@@ -15,9 +15,12 @@ protected:
     }
 };
 
-TEST_F(ChartActivity, fractionalIdentifiersAreTextsLikeAnyOther) {
+TEST_F(ChartActivity, identifiersMatchByTheirTexts) {
     add(u"cw_state", u"0.10000000000000001", u"Self");
     EXPECT_TRUE(isObserved(0.1, u"Self"));
+    add(u"cw_state", u"-0", u"Self");
+    EXPECT_TRUE(isObserved(-0.0, u"Self") && isAnyObserved(-0.0));
+    EXPECT_FALSE(isObserved(0.0, u"Self") || isAnyObserved(0.0));
 }
 
 TEST_F(ChartActivity, removalByPositionClearsTheActivityForAllSignalsOnIt) {

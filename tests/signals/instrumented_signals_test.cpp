@@ -1,5 +1,8 @@
 #include "signals/instrumented_signals.h"
 
+#include <array>
+#include <span>
+
 #include "tests/support/host_test.h"
 
 using namespace ks_test;
@@ -74,6 +77,20 @@ TEST_F(InstrumentedSignalsTest, persistenceKeepsOrderAndAppends) {
     EXPECT_EQ(set().getCount(), 4U);
 }
 
+TEST_F(InstrumentedSignalsTest, loadingReadsEveryElementWhateverTheDimensions) {
+    const std::span fields(SignalSpecification::getStructFields(), 16);
+    for (const auto& dimensions : {std::array<std::size_t, 2>{1, 2}, std::array<std::size_t, 2>{2, 3}}) {
+        const HvArrayPtr data(matrix::create_struct(dimensions, fields));
+        const std::size_t count = dimensions[0] * dimensions[1];
+        for (std::size_t i = 0; i < count; ++i)
+            port(u"Gain", static_cast<int>(i))->createStructData(data.get(), i, u"");
+        InstrumentedSignals loaded;
+        loaded.setFromPersistenceData(data.get());
+        ASSERT_EQ(loaded.getCount(), count);
+        EXPECT_EQ(loaded.get(count - 1)->m_outputPortIndex, static_cast<int>(count) - 1);
+    }
+}
+
 TEST_F(InstrumentedSignalsTest, anUnreadableElementLeavesTheOnesBeforeIt) {
     for (const char16_t* const path : {u"Gain", u"Sub/Switch", u"Sub/Chart"}) set().add(port(path, 1));
     const auto saved = set().getPersistenceData();
@@ -146,9 +163,12 @@ TEST_F(InstrumentedSignalsTest, typeTestAndLookupAcceptNothingOrOneObjectOfTheCl
     struct Row {
         HvArrayPtr value;
         bool isValid;
+        const InstrumentedSignals* found = nullptr;
     };
     const std::size_t two[] = {1, 2};
     const Row rows[] = {
+        {objects({object()}), true, &set()},
+        {objects({object(), call("Kestrel.HMI.InstrumentedSignals", {}).get()}), false, &set()},
         {nullptr, true},
         {emptyDouble(), true},
         {number(1), false},
@@ -158,9 +178,20 @@ TEST_F(InstrumentedSignalsTest, typeTestAndLookupAcceptNothingOrOneObjectOfTheCl
     };
     for (const Row& row : rows) {
         EXPECT_EQ(InstrumentedSignals::isValidType(row.value.get()), row.isValid) << &row - rows;
-        EXPECT_EQ(InstrumentedSignals::getFromHvArray(row.value.get()), nullptr) << &row - rows;
+        EXPECT_EQ(InstrumentedSignals::getFromHvArray(row.value.get()), row.found) << &row - rows;
     }
-    EXPECT_TRUE(InstrumentedSignals::isValidType(object()));
+}
+
+TEST_F(InstrumentedSignalsTest, scriptsGetObjectsUnlessTheyAskForStructsAndPositionZeroIsRefusedFirst) {
+    set().add(port(u"Gain", 1));
+    const auto shown = call("get", {object(), number(1).get(), logical(false).get()});
+    EXPECT_TRUE(hvIsA(shown.get(), "Kestrel.HMI.SignalSpecification"));
+    hvSetProperty(shown.get(), 0, "Decimation_", text("unreadable").get());
+    const auto errorAt = [&](double position) {
+        return raisedBy([&] { call("set", {object(), number(position).get(), shown.get()}, 0); });
+    };
+    EXPECT_EQ(errorAt(0), "InvalidElementIndex 1");
+    EXPECT_EQ(errorAt(1), "InvalidFieldValue Decimation_ 1");
 }
 
 TEST_F(InstrumentedSignalsTest, rebindingFindsPortsByIdentifierThenByPathAndForgetsTheRest) {

@@ -1,7 +1,14 @@
+#include <dlfcn.h>
+#include <sys/random.h>
+
+#include <algorithm>
 #include <boost/container_hash/hash.hpp>
+#include <boost/uuid/entropy_error.hpp>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <deque>
 #include <limits>
 #include <random>
 
@@ -23,8 +30,14 @@ std::uint64_t hashOf(const std::string& key) { return boost::hash<std::string>()
 
 class SignalIdentity : public HostTest {};
 
+/// What the system's source of randomness answers, in order: so many bytes, or an error number below 0. The bytes
+/// count up. When nothing is left it answers as ever.
+std::deque<int> g_answers;
+unsigned char g_nextByte = 0;
+
 TEST_F(SignalIdentity, hashesAreThoseOfTheKeyTexts) {
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(12.0, 1), hashOf("12$$1"));
+    EXPECT_EQ(SignalSpecification::getCachedInfoHash(-0.0, INT32_MIN), hashOf("-0$$-2147483648"));
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(0.1, -10), hashOf("0.10000000000000001$$-10"));
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(-std::nan(""), 1), hashOf("-nan$$1"));
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(INFINITY, 1), hashOf("inf$$1"));
@@ -62,6 +75,21 @@ TEST_F(SignalIdentity, anyDoubleAndAnyTextHashAsThePlainFormDoes) {
     }
 }
 
+TEST_F(SignalIdentity, uuidsAreMadeOfAllTheBytesTheSystemGivesHoweverItGivesThem) {
+    g_nextByte = 0;
+    g_answers = {5, -EINTR, 1, 10};
+    EXPECT_EQ(SignalSpecification::getUUIDFromBlockHandle(1, 1.0, false), "00010203-0405-4607-8809-0a0b0c0d0e0f");
+    EXPECT_TRUE(g_answers.empty());
+    for (const bool useMap : {false, true}) {
+        g_answers = {5, -EIO};
+        EXPECT_THROW(SignalSpecification::getUUIDFromBlockHandle(1, 1.0, useMap), boost::uuids::entropy_error);
+    }
+    g_answers = {-ENOSYS};
+    EXPECT_THROW(SignalSpecification::createSigSpecFromPort(u"Gain", "1", 1, 0, 1.0, u"m1", false),
+                 boost::uuids::entropy_error);
+    EXPECT_TRUE(SignalSpecification::getBlockUUIDmap().empty());
+}
+
 TEST_F(SignalIdentity, portKeysHaveSixDecimals) {
     auto& map = SignalSpecification::getBlockUUIDmap();
     const std::string uuid = SignalSpecification::getUUIDFromBlockHandle(2, 7.25, true);
@@ -72,10 +100,16 @@ TEST_F(SignalIdentity, portKeysHaveSixDecimals) {
     EXPECT_EQ(uuid.find_first_not_of("0123456789abcdef-"), std::string::npos);
     EXPECT_EQ(uuid[14], '4') << "random, as its version tells";
     EXPECT_EQ(map.size(), 1U);
+    SignalSpecification::addToBlockHandleUUIDmap(-1, 0.0, "replaced");
     SignalSpecification::addToBlockHandleUUIDmap(-1, 0.0, "u");
+    SignalSpecification::addToBlockHandleUUIDmap(-1, -0.0, "below");
+    call("Kestrel.HMI.InstrumentedSignals.setUUIDForBlock",
+         {number(7.25).get(), number(4294967293.0).get(), text("wrapped").get()}, 0);
     SignalSpecification::addToBlockHandleUUIDmap(1, 1.0000001, "v");
     SignalSpecification::addToBlockHandleUUIDmap(1, 1e308, "w");
     EXPECT_EQ(map.at("-1-0.000000"), "u");
+    EXPECT_EQ(map.at("-1--0.000000"), "below");
+    EXPECT_EQ(map.at("-3-7.250000"), "wrapped") << "a port beyond the signed numbers";
     EXPECT_TRUE(SignalSpecification::isInBlockHandleUUIDmap(1, 1.0));
     EXPECT_EQ(map.at("1-" + format("%f", 1e308)), "w");
     SignalSpecification::addToBlockHandleUUIDmap(5, 5.0, "");
@@ -99,6 +133,26 @@ TEST_F(SignalIdentity, aNewRecordTakesThePortsUuidAndStoresRelativeReferences) {
     EXPECT_TRUE(spec->m_excludeForSave);
     EXPECT_EQ(create(2)->m_uuid.size(), 36U);
     EXPECT_EQ(SignalSpecification::getBlockUUIDmap().size(), 1U) << "a fresh UUID is not entered";
+    const auto ofNoModel = SignalSpecification::createSigSpecFromPort(u"//Gain", "::3", 1, 0, 12.0, u"", false);
+    EXPECT_EQ(ofNoModel->m_blockPath, u"/Gain") << "one separator is all that is taken off";
+    EXPECT_EQ(ofNoModel->m_eid, ":3");
 }
 
 }  // namespace
+
+/// Stands in front of the system's for the library, too.
+extern "C" [[gnu::visibility("default")]] ssize_t getrandom(void* buffer, std::size_t size, unsigned flags) noexcept {
+    if (g_answers.empty()) {
+        static const auto real = reinterpret_cast<decltype(&getrandom)>(dlsym(RTLD_NEXT, "getrandom"));
+        return real(buffer, size, flags);
+    }
+    const int answer = g_answers.front();
+    g_answers.pop_front();
+    if (answer < 0) {
+        errno = -answer;
+        return -1;
+    }
+    const std::size_t given = std::min(static_cast<std::size_t>(answer), size);
+    std::generate_n(static_cast<unsigned char*>(buffer), given, [] { return g_nextByte++; });
+    return static_cast<ssize_t>(given);
+}

@@ -1,15 +1,23 @@
 #include "streamout/stream_out_block_registry.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
+#include <cerrno>
 #include <functional>
 #include <stdexcept>
+#include <system_error>
 
 using streamout::StreamOutBlockContext;
 using streamout::StreamOutBlockRegistry;
 using Blocks = StreamOutBlockRegistry::BlockContextSet;
 
 namespace {
+
+/// How many locks this thread holds, and the error number that the next one fails with, if it is not 0.
+thread_local int g_locked = 0;
+thread_local int g_lockError = 0;
 
 struct Context final : StreamOutBlockContext {
     explicit Context(
@@ -19,6 +27,7 @@ struct Context final : StreamOutBlockContext {
 
     std::string getSourceID() const override { return "source of " + id; }
     std::string getBlockId() const override {
+        EXPECT_EQ(g_locked, 1) << "asked under the lock";
         if (answersFail) throw std::runtime_error("no identifier");
         return id;
     }
@@ -50,6 +59,7 @@ TEST_F(Registry, sharesAContextOnceUntilItIsUnregistered) {
     EXPECT_EQ(first.use_count(), 3);  // ours, the set's and the identifier's
     EXPECT_EQ(registry.getRegisteredBlocks(), Blocks{first});
     EXPECT_EQ(registry.getBlockForBlockId("block"), first);
+    EXPECT_TRUE(registry.isBlockAlreadyRegistered("block"));
     registry.unregisterBlock(first);
     EXPECT_EQ(first.use_count(), 1);
     EXPECT_FALSE(registry.isBlockAlreadyRegistered("block"));
@@ -113,6 +123,30 @@ TEST_F(Registry, letsADyingContextUseIt) {
     EXPECT_EQ(died, 1);
 }
 
+TEST_F(Registry, reportsALockThatFailsByItsErrorNumberAndReleasesItAtEveryExit) {
+    const std::function<void()> operations[] = {
+        [&] { registry.registerBlock(first); },
+        [&] { registry.unregisterBlock(first); },
+        [&] { static_cast<void>(registry.getRegisteredBlocks()); },
+        [&] { static_cast<void>(registry.isBlockAlreadyRegistered("block")); },
+        [&] { static_cast<void>(registry.getBlockForBlockId("block")); },
+    };
+    for (const auto& operation : operations) {
+        g_lockError = EDEADLK;
+        try {
+            operation();
+            ADD_FAILURE() << &operation - operations;
+        } catch (const std::system_error& error) {
+            EXPECT_EQ(error.code().value(), EDEADLK);
+        }
+        operation();
+        EXPECT_EQ(g_locked, 0);
+    }
+    first->answersFail = true;
+    EXPECT_THROW(registry.registerBlock(first), std::runtime_error);
+    EXPECT_EQ(g_locked, 0);
+}
+
 TEST(RegistryEnd, letsADyingContextUseIt) {
     bool died = false;
     {
@@ -127,3 +161,17 @@ TEST(RegistryEnd, letsADyingContextUseIt) {
 }
 
 }  // namespace
+
+// Both stand in front of the system's for the library, too.
+extern "C" [[gnu::visibility("default")]] int pthread_mutex_lock(pthread_mutex_t* mutex) noexcept {
+    static const auto real = reinterpret_cast<decltype(&pthread_mutex_lock)>(dlsym(RTLD_NEXT, "pthread_mutex_lock"));
+    if (const int error = std::exchange(g_lockError, 0)) return error;
+    ++g_locked;
+    return real(mutex);
+}
+extern "C" [[gnu::visibility("default")]] int pthread_mutex_unlock(pthread_mutex_t* mutex) noexcept {
+    static const auto real =
+        reinterpret_cast<decltype(&pthread_mutex_unlock)>(dlsym(RTLD_NEXT, "pthread_mutex_unlock"));
+    --g_locked;
+    return real(mutex);
+}

@@ -15,6 +15,7 @@
 #include "memory_host/orvex/calls/call_by_name.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/calls/functions.h"
+#include "memory_host/orvex/values/values.h"
 
 /// Host values and host failures as tests write them down.
 namespace ks_test {
@@ -29,6 +30,12 @@ HvArrayPtr numbers(hvClassID classID, std::initializer_list<Number> values) {
     HvArrayPtr column(hvCreateNumericMatrix(values.size(), 1, classID, hvREAL));
     std::copy(values.begin(), values.end(), static_cast<Number*>(hvGetDataForWriting(column.get())));
     return column;
+}
+/// A column of the first objects of the values.
+inline HvArrayPtr objects(std::initializer_list<const hvArray*> values) {
+    orvex::Objects list;
+    for (const hvArray* const value : values) list.push_back(omGetArrayElement(value, 0));
+    return orvex::makeObjectColumn(std::move(list));
 }
 /// A column of structs without values.
 inline HvArrayPtr structOf(std::size_t elements, std::span<const char* const> names) {
