@@ -42,9 +42,23 @@ LoadedBlock findByFullPath(std::u16string_view fullPath) {
 
 std::u16string_view modelOfPath(std::u16string_view fullPath) { return fullPath.substr(0, fullPath.find(u'/')); }
 
+const Block* signalBlock(const Model& model, std::string_view eid, const std::u16string& path, PathFallback fallback) {
+    return onSignalBlock(
+        eid, path, fallback, [&](std::string_view text) { return model.findByEid(text); },
+        [&](const std::u16string& text) { return model.findByPath(text); });
+}
+
+LoadedBlock signalBlock(std::string_view fullEid, std::u16string_view fullPath) {
+    return onSignalBlock(fullEid, fullPath, PathFallback::withoutEid, findByFullEid, findByFullPath);
+}
+
+LoadedBlock signalBlock(const hvArray* signal) {
+    const std::u16string eid = textProperty(signal, "EID_");
+    return signalBlock(fl::i18n::to_string(eid), textProperty(signal, "BlockPath_"));
+}
+
 LoadedBlock requireBlock(std::string_view fullEid, std::u16string_view fullPath) {
-    const LoadedBlock found = fullEid.empty() ? findByFullPath(fullPath) : findByFullEid(fullEid);
-    if (found) return found;
+    if (const LoadedBlock found = signalBlock(fullEid, fullPath)) return found;
     if (fullEid.empty()) refuse(std::u16string(modelOfPath(fullPath)), quoted(fullPath));
     refuse(modelOfEid(fullEid), "\"" + std::string(fullEid) + "\"");
 }

@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <map>
+#include <ranges>
 #include <set>
 #include <utility>
 
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/kestrel/set_elements.h"
 #include "memory_host/kestrel/signal_lookup.h"
 #include "memory_host/orvex/calls/call_by_name.h"
 #include "memory_host/orvex/calls/functions.h"
@@ -19,27 +21,25 @@ namespace {
 /// The UUIDs of the open models' signals, read once a model.
 class SignalUuids {
 public:
-    bool has(const LoadedModel& open, const std::u16string& uuid) {
-        auto known = m_uuids.find(&open);
+    bool has(const std::u16string& modelName, const std::u16string& uuid) {
+        auto known = m_uuids.find(modelName);
         if (known == m_uuids.end()) {
-            const std::vector<std::u16string> uuids = signalUuids(open);
-            known = m_uuids.emplace(&open, std::set<std::u16string>(uuids.begin(), uuids.end())).first;
+            const std::vector<std::u16string> uuids = signalUuids(signalsOf(modelName).get());
+            known = m_uuids.emplace(modelName, std::set<std::u16string>(uuids.begin(), uuids.end())).first;
         }
         return known->second.contains(uuid);
     }
 
 private:
-    std::map<const LoadedModel*, std::set<std::u16string>> m_uuids;
+    std::map<std::u16string, std::set<std::u16string>> m_uuids;
 };
 
 /// Gone for certain: every model that the client names is open, and none has the signal.
 bool isSignalGone(const hvArray* client, SignalUuids& uuids) {
     const std::vector<std::u16string> names = modelsOfClient(*omGetArrayElement(client, 0));
     const std::u16string uuid = textProperty(client, "SignalUUID_");
-    return std::all_of(names.begin(), names.end(), [&](const std::u16string& name) {
-        const LoadedModel* open = loadedModels().find(name);
-        return open && !uuids.has(*open, uuid);
-    });
+    return std::all_of(names.begin(), names.end(),
+                       [&](const std::u16string& name) { return loadedModels().find(name) && !uuids.has(name, uuid); });
 }
 
 bool isDeprecated(const hvArray* client) { return textProperty(client, "ObserverType_") == u"hmi_web_widget_observer"; }
@@ -49,12 +49,11 @@ void validateAndRemoveUnused(orvex::Call& call) {
     requireInputs(call, 1);
     const hvArray* clients = call.ins[0];
     SignalUuids uuids;
-    for (double position = numberProperty(clients, "Count"); position >= 1.0; --position) {
-        const HvArrayPtr where = makeDouble(position);
-        const HvArrayPtr client = callForOne("get", {clients, where.get()});
+    for (const SetElement element : elementsOf(clients) | std::views::reverse) {
+        const HvArrayPtr client = element.get();
         if (!hvIsA(client.get(), kSignalClientClass)) continue;
         if (!isDeprecated(client.get()) && !isSignalGone(client.get(), uuids)) continue;
-        const hvArray* ins[] = {clients, where.get()};
+        const hvArray* ins[] = {clients, element.position()};
         orvex::callByName("remove", ins, 0);
     }
 }
@@ -78,10 +77,9 @@ HvArrayPtr alignedModelPath(const hvArray* client) {
 /// refused is left out.
 void getAlignedObservers(orvex::Call& call) {
     requireInputs(call, 1);
-    const double count = numberProperty(call.ins[0], "Count");
     orvex::Objects aligned;
-    for (double position = 1.0; position <= count; ++position) {
-        const HvArrayPtr client = callForOne("get", {call.ins[0], makeDouble(position).get()});
+    for (const SetElement element : elementsOf(call.ins[0])) {
+        const HvArrayPtr client = element.get();
         if (!hvIsA(client.get(), kSignalClientClass)) continue;
         hvSetProperty(client.get(), 0, "ModelPath_", alignedModelPath(client.get()).get());
         aligned.push_back(omGetArrayElement(client.get(), 0));

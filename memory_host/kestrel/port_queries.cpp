@@ -4,10 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "host/text.h"
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/kestrel/set_elements.h"
+#include "memory_host/kestrel/signal_lookup.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/calls/functions.h"
 #include "memory_host/orvex/objects/script_object.h"
@@ -19,34 +20,32 @@ namespace {
 
 constexpr const char* kModelClass = "Kestrel.Model";
 
-/// One observed port with the signal that observes it.
+/// One observed port with the signal that observes it and what its block was when the signal was read: a script that
+/// is called for the next signal may unload the model.
 struct ObservedPort {
     HvArrayPtr signal;
-    LoadedBlock block;
+    double blockHandle;
+    std::u16string fullPath;
 };
 
 bool flagProperty(const hvArray* object, const char* name) { return numberProperty(object, name) != 0.0; }
 
-LoadedBlock blockOf(const hvArray* signal) {
-    const std::u16string eid = textProperty(signal, "EID_");
-    return eid.empty() ? findByFullPath(textProperty(signal, "BlockPath_")) : findByFullEid(fl::i18n::to_string(eid));
-}
-
-LoadedModel& requireModel(const hvArray* modelObject) {
+/// The model's set, or null while it has none; a value of its own, which outlives the model.
+HvArrayPtr requireSignals(const hvArray* modelObject) {
     const std::u16string name = textOf(orvex::requireScriptObject(modelObject, kModelClass).stored("Name"));
-    LoadedModel* open = loadedModels().find(name);
-    if (!open) orvex::raise("ModelNotOpen", "No model named " + quoted(name) + " is open.");
-    return *open;
+    if (!loadedModels().find(name)) orvex::raise("ModelNotOpen", "No model named " + quoted(name) + " is open.");
+    return signalsOf(name);
 }
 
 /// The port signals of the model's set whose block is in an open model, in the set's order.
-std::vector<ObservedPort> observedPorts(const LoadedModel& open) {
+std::vector<ObservedPort> observedPorts(const hvArray* modelObject) {
+    const HvArrayPtr signals = requireSignals(modelObject);
     std::vector<ObservedPort> ports;
-    const double count = open.signals() ? numberProperty(open.signals(), "Count") : 0.0;
-    for (double position = 1.0; position <= count; ++position) {
-        HvArrayPtr signal = callForOne("get", {open.signals(), makeDouble(position).get()});
+    for (const SetElement element : elementsOf(signals.get())) {
+        HvArrayPtr signal = element.get();
         if (isOnChart(signal.get())) continue;
-        if (const LoadedBlock block = blockOf(signal.get())) ports.push_back({std::move(signal), block});
+        if (const LoadedBlock found = signalBlock(signal.get()))
+            ports.push_back({std::move(signal), found.block->handle, found.owner->model().fullPath(*found.block)});
     }
     return ports;
 }
@@ -80,8 +79,6 @@ HvArrayPtr numberColumn(const std::vector<ObservedPort>& ports, const char* prop
     return numberColumn(ports, [&](const ObservedPort& port) { return numberProperty(port.signal.get(), property); });
 }
 
-std::u16string fullPathOf(const ObservedPort& port) { return port.block.owner->model().fullPath(*port.block.block); }
-
 /// Leaves what the five arguments of "getObservedPorts" ask for.
 void filter(std::vector<ObservedPort>& ports, const orvex::Call& call) {
     const std::u16string below = textOf(call.ins[1]);
@@ -90,7 +87,7 @@ void filter(std::vector<ObservedPort>& ports, const orvex::Call& call) {
     const bool withUnsaved = truthAt(call, 4);
     std::erase_if(ports, [&](const ObservedPort& port) {
         const hvArray* signal = port.signal.get();
-        return !isAtOrBelow(fullPathOf(port), below) ||
+        return !isAtOrBelow(port.fullPath, below) ||
                (!visualType.empty() && textProperty(signal, "VisualType_") != visualType) ||
                (!withHidden && flagProperty(signal, "HideInPLV_")) ||
                (!withUnsaved && flagProperty(signal, "ExcludeForSave_"));
@@ -99,11 +96,11 @@ void filter(std::vector<ObservedPort>& ports, const orvex::Call& call) {
 
 void getObservedPorts(orvex::Call& call) {
     requireInputs(call, 5);
-    std::vector<ObservedPort> ports = observedPorts(requireModel(call.ins[0]));
+    std::vector<ObservedPort> ports = observedPorts(call.ins[0]);
     filter(ports, call);
     std::array<HvArrayPtr, 10> results = {
         textColumn(ports, "UUID"),
-        numberColumn(ports, [](const ObservedPort& port) { return port.block.block->handle; }),
+        numberColumn(ports, [](const ObservedPort& port) { return port.blockHandle; }),
         numberColumn(ports, "OutputPortIndex_"),
         numberColumn(ports, "Decimation_"),
         numberColumn(ports, "MaxPoints_"),
@@ -111,7 +108,7 @@ void getObservedPorts(orvex::Call& call) {
         numberColumn(ports, "TargetBufferedStreaming_"),
         textColumn(ports, "SignalName_"),
         numberColumn(ports, "HideInPLV_"),
-        textColumn(ports, fullPathOf),
+        textColumn(ports, [](const ObservedPort& port) { return port.fullPath; }),
     };
     std::move(results.begin(),
               results.begin() + static_cast<std::ptrdiff_t>(std::min(results.size(), call.outs.size())),
@@ -121,8 +118,7 @@ void getObservedPorts(orvex::Call& call) {
 void getPortsWithBadges(orvex::Call& call) {
     requireInputs(call, 1);
     std::vector<double> handles;
-    for (const ObservedPort& port : observedPorts(requireModel(call.ins[0])))
-        handles.push_back(port.block.block->handle);
+    for (const ObservedPort& port : observedPorts(call.ins[0])) handles.push_back(port.blockHandle);
     std::sort(handles.begin(), handles.end());
     handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
     HvArrayPtr row(hvCreateNumericMatrix(1, handles.size(), hvDOUBLE_CLASS, hvREAL));

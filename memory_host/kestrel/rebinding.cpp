@@ -5,6 +5,7 @@
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_definitions.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/kestrel/set_elements.h"
 #include "memory_host/orvex/calls/call_by_name.h"
 #include "memory_host/orvex/calls/functions.h"
 
@@ -42,13 +43,15 @@ Binding boundTo(const LoadedBlock& found, const hvArray* signal, const char16_t*
 }
 
 Binding rebind(const hvArray* signal) {
-    const std::u16string eid = textProperty(signal, "EID_");
-    if (const LoadedBlock found = findByFullEid(fl::i18n::to_string(eid)); found && hasPort(found, signal))
-        return boundTo(found, signal, u"eid");
-    const std::u16string path = textProperty(signal, "BlockPath_");
-    if (const LoadedBlock found = findByFullPath(path); found && hasPort(found, signal))
-        return boundTo(found, signal, u"path");
-    return {};
+    const std::string eid = fl::i18n::to_string(textProperty(signal, "EID_"));
+    const auto bound = [&](const LoadedBlock& found, const char16_t* rule) {
+        return found && hasPort(found, signal) ? std::optional(boundTo(found, signal, rule)) : std::nullopt;
+    };
+    return onSignalBlock(
+               eid, textProperty(signal, "BlockPath_"), PathFallback::afterEid,
+               [&](std::string_view text) { return bound(findByFullEid(text), u"eid"); },
+               [&](const std::u16string& text) { return bound(findByFullPath(text), u"path"); })
+        .value_or(Binding{});
 }
 
 Binding forgetWhenStale(const Binding& binding) {
@@ -72,15 +75,13 @@ void applyRebindingRules(orvex::Call& call) {
     requireInputs(call, 2);
     const hvArray* set = call.ins[0];
     const bool all = truthAt(call, 1);
-    const double count = numberProperty(set, "Count");
-    for (double position = 1.0; position <= count; ++position) {
-        const HvArrayPtr where = makeDouble(position);
-        const HvArrayPtr signal = callForOne("get", {set, where.get()});
+    for (const SetElement element : elementsOf(set)) {
+        const HvArrayPtr signal = element.get();
         const Binding before = currentBinding(signal.get());
         const Binding after = all ? rebind(signal.get()) : forgetWhenStale(before);
         if (after == before) continue;
         assign(signal.get(), after);
-        const hvArray* ins[] = {set, where.get(), signal.get()};
+        const hvArray* ins[] = {set, element.position(), signal.get()};
         orvex::callByName("set", ins, 0);
     }
 }

@@ -1,10 +1,12 @@
 #include "memory_host/kestrel/signal_lookup.h"
 
 #include <algorithm>
+#include <unordered_map>
 #include <utility>
 
 #include "memory_host/kestrel/alignment.h"
 #include "memory_host/kestrel/host_values.h"
+#include "memory_host/kestrel/set_elements.h"
 
 namespace kestrel {
 
@@ -29,29 +31,38 @@ std::vector<std::u16string> modelsOfClient(const hos::COSObject& client) {
     return names;
 }
 
-std::vector<std::u16string> signalUuids(const LoadedModel& open) {
+HvArrayPtr signalsOf(std::u16string_view modelName) {
+    const LoadedModel* const open = loadedModels().find(modelName);
+    return HvArrayPtr(open && open->signals() ? hvCreateSharedDataCopy(open->signals()) : nullptr);
+}
+
+std::vector<std::u16string> signalUuids(const hvArray* signals) {
     std::vector<std::u16string> uuids;
-    if (!open.signals()) return uuids;
-    const double count = numberProperty(open.signals(), "Count");
-    uuids.reserve(static_cast<std::size_t>(count));
-    for (double position = 1.0; position <= count; ++position) uuids.push_back(uuidAt(open.signals(), position));
+    for (const SetElement element : elementsOf(signals)) uuids.push_back(textOf(element.get("getUUID").get()));
     return uuids;
 }
 
 namespace {
 
-/// 0 when the model has no such signal.
-double positionOf(LoadedModel& open, const std::u16string& uuid) {
-    const double count = open.signals() ? numberProperty(open.signals(), "Count") : 0.0;
-    auto& known = open.foundSignals();
-    const auto hint = known.find(uuid);
-    if (hint != known.end() && hint->second <= count && uuidAt(open.signals(), hint->second) == uuid)
-        return hint->second;
-    known.clear();
+/// Where the signal was found last; 0 when that is not known.
+double knownPosition(std::u16string_view modelName, const std::u16string& uuid) {
+    LoadedModel* const open = loadedModels().find(modelName);
+    if (!open) return 0.0;
+    const auto known = open->foundSignals().find(uuid);
+    return known == open->foundSignals().end() ? 0.0 : known->second;
+}
+
+/// 0 when the set has no such signal.
+double positionOf(std::u16string_view modelName, const hvArray* signals, const std::u16string& uuid) {
+    const double hint = knownPosition(modelName, uuid);
+    if (hint > 0.0 && hint <= numberProperty(signals, "Count") && uuidAt(signals, hint) == uuid) return hint;
+    std::unordered_map<std::u16string, double> positions;
     double position = 0.0;
-    for (std::u16string& one : signalUuids(open)) known.emplace(std::move(one), ++position);
-    const auto found = known.find(uuid);
-    return found == known.end() ? 0.0 : found->second;
+    for (std::u16string& one : signalUuids(signals)) positions.emplace(std::move(one), ++position);
+    const auto found = positions.find(uuid);
+    const double answer = found == positions.end() ? 0.0 : found->second;
+    if (LoadedModel* const open = loadedModels().find(modelName)) open->foundSignals() = std::move(positions);
+    return answer;
 }
 
 }  // namespace
@@ -59,9 +70,9 @@ double positionOf(LoadedModel& open, const std::u16string& uuid) {
 HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, const std::u16string& uuid) {
     if (uuid.empty()) return nullptr;
     for (const std::u16string& name : modelNames) {
-        LoadedModel* const open = loadedModels().find(name);
-        const double position = open ? positionOf(*open, uuid) : 0.0;
-        if (position > 0.0) return callForOne("get", {open->signals(), makeDouble(position).get()});
+        const HvArrayPtr signals = signalsOf(name);
+        const double position = signals ? positionOf(name, signals.get(), uuid) : 0.0;
+        if (position > 0.0) return callForOne("get", {signals.get(), makeDouble(position).get()});
     }
     return nullptr;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/hv_array.h"
@@ -17,8 +18,11 @@ inline constexpr const char* kSignalClientClass = "Kestrel.HMI.SignalClient";
 /// front of the elements of its model path.
 std::vector<std::u16string> modelsOfClient(const hos::COSObject& client);
 
-/// UUIDs of a model's signals in the set's order; empty while the model has no set.
-std::vector<std::u16string> signalUuids(const LoadedModel& open);
+/// The signal set of the open model of that name: a value of its own, as a script that is called with it may unload the
+/// model. Null while no such model is open and while it has no set.
+HvArrayPtr signalsOf(std::u16string_view modelName);
+/// UUIDs of the signals in the set's order; empty for null.
+std::vector<std::u16string> signalUuids(const hvArray* signals);
 
 /// The object of the signal with that UUID in the first of the models that has it; null when none does.
 HvArrayPtr findSignal(const std::vector<std::u16string>& modelNames, const std::u16string& uuid);

@@ -121,6 +121,41 @@ TEST_F(Kestrel, signalsAlignByIdentifierWhereverTheBlockMovedAndByPathWithoutOne
               "ModelNotOpen: The block \"engine:2\" cannot be found: no model named \"engine\" is open.");
 }
 
+TEST_F(Kestrel, questionsOutliveTheModelThatAScriptUnloadsMeanwhile) {
+    orvex::ScriptClass set;
+    set.fullName = "Test.Set";
+    set.properties = {{"Count", [] { return number(2.0); }}};
+    set.methods["get"] = [](orvex::Call& get) {
+        get.outs[0] = signal("engine/Air/Throttle", "engine:2");
+        if (hvGetScalar(get.ins[1]) == 2.0) loadedModels().unload(u"engine");
+    };
+    set.methods["getUUID"] = [](orvex::Call& get) {
+        get.outs[0] = text(hvGetScalar(get.ins[1]) == 1.0 ? "u" : "v");
+        loadedModels().unload(u"engine");
+    };
+    orvex::defineScriptClass(set);
+    const auto open = [] {
+        kestrel::LoadedModel& loaded = loadedModels().load(engine());
+        loaded.setSignals(call("Test.Set", {}));
+        return std::pair(call("Kestrel.Model", {text("engine").get()}), loaded.model().findByEid("2")->handle);
+    };
+    const auto [badged, badgedHandle] = open();
+    EXPECT_EQ(hvGetScalar(call("getPortsWithBadges", {badged.get()}).get()), badgedHandle);
+    const auto [model, handle] = open();
+    const HvArrayPtr all = text("");
+    const HvArrayPtr yes = logical(true);
+    const hvArray* ins[] = {model.get(), all.get(), all.get(), yes.get(), yes.get()};
+    const auto ports = orvex::callByName("getObservedPorts", ins, 10);
+    EXPECT_EQ(hvGetNumberOfElements(ports[1].get()), 1u);
+    EXPECT_EQ(hvGetScalar(ports[1].get()), handle);
+    EXPECT_EQ(hvArrayToStdString(hvGetCell(ports[9].get(), 0)), "engine/Air/Throttle");
+    open();
+    const HvArrayPtr client = call("Kestrel.HMI.SignalClient", {});
+    put(client, "SourceModel_", text("engine"));
+    put(client, "SignalUUID_", text("v"));
+    EXPECT_TRUE(hvIsA(property(client.get(), "SignalInfo").get(), "Kestrel.HMI.SignalSpecification"));
+}
+
 TEST_F(Kestrel, theSignalClassTakesACompleteStructOnly) {
     const HvArrayPtr data = ks_test::structOf(1, std::array{"UUID"});
     hvReplaceField(data.get(), 0, "UUID", hvCreateString("u"));

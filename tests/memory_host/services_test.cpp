@@ -1,3 +1,5 @@
+#include <dlfcn.h>
+
 #include "host/services.h"
 #include "memory_host/orvex/calls/call_by_name.h"
 #include "memory_host/orvex/calls/errors.h"
@@ -242,6 +244,26 @@ TEST_F(HostServices, ledgerTellsWhatLivesAndWhoMadeIt) {
     EXPECT_NE(lines.find("made by hvCreateLogicalScalar from "), std::string::npos) << lines;
     EXPECT_NE(lines.find(", while \"make\" was running\n"), std::string::npos) << lines;
     EXPECT_TRUE(orvex::describeLive(1).ends_with("and 1 more\n")) << orvex::describeLive(1);
+}
+
+TEST(LibraryLoader, whatALibraryThrowsAsItStartsOutlivesIt) {
+    try {
+        const orvex::LoadedLibrary library(KS_HMI_UNLUCKY_FILE);
+        FAIL() << "started";
+    } catch (const std::bad_alloc& failure) {
+        EXPECT_STREQ(failure.what(), std::bad_alloc().what());
+    }
+    void* const first = dlopen(KS_HMI_UNLUCKY_FILE, RTLD_NOW | RTLD_LOCAL);
+    *static_cast<bool*>(dlsym(first, "g_refuses")) = true;
+    EXPECT_EQ(failureOf([&] {
+                  try {
+                      const orvex::LoadedLibrary library(KS_HMI_UNLUCKY_FILE);
+                  } catch (...) {
+                      dlclose(first);
+                      throw;
+                  }
+              }),
+              "Refused: refused");
 }
 
 TEST(LibraryLoader, saysWhatIsMissing) {

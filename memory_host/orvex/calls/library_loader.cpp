@@ -29,13 +29,13 @@ EntryPoint entryPoint(void* handle, const std::string& symbol) noexcept {
 void initialize(void* handle, const std::string& path, const std::string& symbol) {
     const EntryPoint entry = entryPoint(handle, symbol);
     if (!entry) raise("LibraryNotLoaded", "The library \"" + path + "\" does not export \"" + symbol + "\".");
-    // Exceptions of the library's own types may not outlive it: they are turned into the host's.
+    // Exceptions of the library's own types may not outlive it, so none of its passes: each becomes one of the host's.
     try {
         entry();
-    } catch (const kssvIException&) {
-        throw;
+    } catch (const kssvIException& failure) {
+        throw kssvIException(failure);
     } catch (const std::bad_alloc&) {
-        throw;
+        throw std::bad_alloc();
     } catch (const std::exception& failure) {
         raise("LibraryNotLoaded", "The library \"" + path + "\" cannot start: " + failure.what());
     } catch (...) {
