@@ -17,14 +17,6 @@ protected:
     }
 };
 
-TEST_F(InstrumentedSignalsClass, constructorNamesTheModelWhenAsked) {
-    EXPECT_EQ(hvArrayToStdString(property(object(), "Model").get()), "m1");
-    const auto unnamed = call("Kestrel.HMI.InstrumentedSignals", {});
-    EXPECT_EQ(hvGetNumberOfElements(property(unnamed.get(), "Model").get()), 0U);
-    EXPECT_EQ(hvGetScalar(property(unnamed.get(), "Count").get()), 0.0);
-    EXPECT_NE(errorOf("Kestrel.HMI.InstrumentedSignals", {text("a").get(), text("b").get()}), "");
-}
-
 TEST_F(InstrumentedSignalsClass, elementsAreReachedByOneBasedPositions) {
     call("add", {object(), signal(u"Gain", 1).get()}, 0);
     call("add", {object(), signal(u"Sub/Switch", 2).get()}, 0);
@@ -89,32 +81,6 @@ TEST_F(InstrumentedSignalsClass, staticMethodsKeepTheUuidsOfPorts) {
     EXPECT_EQ(uuidOf(7.25, 2, true), "my-uuid");
     EXPECT_NE(uuidOf(7.25, 2, false), "my-uuid");
     EXPECT_EQ(uuidOf(7.25, 3, true), uuidOf(7.25, 3, true));
-}
-
-TEST_F(InstrumentedSignalsClass, readOnlyPropertiesRefuseAssignment) {
-    HvArrayPtr target(hvCreateSharedDataCopy(object()));
-    EXPECT_NE(raisedBy([&] { hvSetProperty(target.get(), 0, "Model", text("m2").get()); }), "");
-    EXPECT_NE(raisedBy([&] { hvSetProperty(target.get(), 0, "Count", number(3).get()); }), "");
-    EXPECT_EQ(set().getModelName(), u"m1");
-}
-
-TEST_F(InstrumentedSignalsClass, aScriptMayRemoveTheSignalThatIsBeingHandedOut) {
-    set().add(port(u"Gain", 1));
-    const auto meddling = orvex::registerFunction("Kestrel.HMI.SignalSpecification", [&](orvex::Call& c) {
-        while (set().getCount() > 0) set().remove(std::size_t{0});
-        orvex::raise("refused", std::string("with ") + std::to_string(c.ins.size()));
-    });
-    const auto result = call("get", {object(), number(1).get()});
-    EXPECT_TRUE(hvIsEmpty(result.get())) << "a 0x0 double stands for the object that was refused";
-    EXPECT_EQ(orvex::warnings().size(), 1U);
-}
-
-TEST_F(InstrumentedSignalsClass, argumentsThatAreNoObjectsOfTheClassAreRefused) {
-    const auto one = number(1);
-    EXPECT_NE(errorOf("add", {object(), one.get()}), "");
-    EXPECT_NE(errorOf("add", {object(), object()}), "");
-    EXPECT_NE(errorOf("get", {object()}), "");
-    EXPECT_EQ(set().getCount(), 0U);
 }
 
 }  // namespace
