@@ -6,7 +6,7 @@
 
 #include "benchmarks/suite.h"
 #include "host/messages.h"
-#include "kshmi/host_process.h"
+#include "workbench/session/host_process.h"
 
 namespace {
 
@@ -81,7 +81,7 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         keepHeap();
-        kshmi::enterHost(std::cerr);
+        workbench::enterHost(std::cerr);
         return run(argc, argv);
     } catch (const kssvIException& error) {
         std::cerr << "ks_hmi_benchmarks: " << error.what() << '\n';

@@ -13,8 +13,8 @@
 #include "benchmarks/persistence.h"
 #include "benchmarks/sample_signals.h"
 #include "benchmarks/suite.h"
-#include "kshmi/model_file.h"
-#include "kshmi/session.h"
+#include "workbench/model_file/model_file.h"
+#include "workbench/session/session.h"
 
 // Model files of the tool, beside the least that reading and writing them can cost.
 namespace ks_bench {
@@ -54,7 +54,7 @@ const Directory& directory() {
 const std::string& modelFile() {
     static const std::string s_path = [] {
         std::string path = directory().file("plant.kestrel.json");
-        kshmi::writeModelFile(path, makeModel(kCount), savedRecords(kCount).get(), nullptr);
+        workbench::writeModelFile(path, makeModel(kCount), savedRecords(kCount).get(), nullptr);
         return path;
     }();
     return s_path;
@@ -115,7 +115,7 @@ void parseOnly(benchmark::State& state) {
 void load(benchmark::State& state) {
     const std::string& path = modelFile();
     for ([[maybe_unused]] auto _ : state) {
-        auto session = std::make_unique<kshmi::Session>(path);
+        auto session = std::make_unique<workbench::Session>(path);
         state.PauseTiming();
         if (session->signals().getCount() != kCount) state.SkipWithError("not everything was loaded");
         session.reset();
@@ -126,7 +126,7 @@ void load(benchmark::State& state) {
 void save(benchmark::State& state) {
     const std::string copy = directory().file("saved.kestrel.json");
     std::filesystem::copy_file(modelFile(), copy, std::filesystem::copy_options::overwrite_existing);
-    kshmi::Session session(copy);
+    workbench::Session session(copy);
     for ([[maybe_unused]] auto _ : state) session.save();
     if (contentsOf(copy) != contentsOf(modelFile())) state.SkipWithError("the saved file differs");
 }

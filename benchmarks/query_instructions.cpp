@@ -4,7 +4,7 @@
 
 #include "benchmarks/bare_tables.h"
 #include "benchmarks/sample_signals.h"
-#include "kshmi/host_process.h"
+#include "workbench/session/host_process.h"
 
 #include <iostream>
 
@@ -48,7 +48,7 @@ std::size_t ask(std::string_view kind, std::size_t times) {
 
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
-    kshmi::enterHost(std::cerr);
+    workbench::enterHost(std::cerr);
     std::printf("%zu\n", ask(argv[1], std::strtoull(argv[2], nullptr, 10)));
     return 0;
 }

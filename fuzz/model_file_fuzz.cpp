@@ -7,11 +7,10 @@
 #include <string>
 
 #include "fuzz/fuzz_host.h"
-#include "kshmi/command_line.h"
-#include "kshmi/commands.h"
-#include "kshmi/error.h"
-#include "kshmi/host_process.h"
-#include "kshmi/session.h"
+#include "kshmi/commands/command_line.h"
+#include "workbench/session/host_process.h"
+#include "workbench/session/session.h"
+#include "workbench/text/error.h"
 
 /// Model files: loaded, shown and asked about with the tool, saved and loaded again.
 
@@ -69,37 +68,23 @@ bool isSaved(const std::string& path) {
     // Outlives this call: the host goes on writing to it.
     static std::ostringstream warnings;
     warnings.str({});
-    kshmi::enterHost(warnings);
+    workbench::enterHost(warnings);
     try {
-        kshmi::Session session(path, kshmi::Session::Opening::lenient);
+        workbench::Session session(path, workbench::Session::Opening::lenient);
         session.save();
         return true;
-    } catch (const kshmi::Error&) {
+    } catch (const workbench::Error&) {
         return false;
     }
-}
-
-/// The command without its command line, which would take longer than its work.
-template <class Arguments>
-int answer(int (*command)(const Arguments&, const kshmi::Output&), const Arguments& arguments) {
-    std::ostringstream out;
-    std::ostringstream err;
-    const int code = command(arguments, {out, err});
-    require(!hasControlCharacters(out.str() + err.str()), "control characters in the output");
-    return code;
 }
 
 /// What one question about the file accepts, all others do.
 void ask(const std::string& path) {
     if (run({"show", path}) != 0) return;
-    require(answer<kshmi::ShowArguments>(kshmi::runShow, {path, true}) == 0, "show --json refuses it");
-    require(answer<kshmi::ClientsArguments>(kshmi::runClients, {path, false}) == 0, "clients refuses it");
-    require(answer<kshmi::PortsArguments>(kshmi::runPorts, {path, {}, {}}) == 0, "ports refuses it");
-    try {
-        answer<kshmi::QueryArguments>(kshmi::runQuery, {path, {"A:2", "Logic/On/Fast"}, {}});
-    } catch (const kshmi::Error&) {
-        // It need not have these.
-    }
+    require(run({"show", path, "--json"}) == 0, "show --json refuses it");
+    require(run({"clients", path}) == 0, "clients refuses it");
+    require(run({"ports", path}) == 0, "ports refuses it");
+    run({"query", path, "A:2", "Logic/On/Fast"});  // it need not have these
 }
 
 }  // namespace

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "kshmi/command_line.h"
-#include "kshmi/host_process.h"
+#include "kshmi/commands/command_line.h"
+#include "workbench/session/host_process.h"
 
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     const kshmi::Output output{std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1};
     int code = kshmi::runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc), output);
-    if (!kshmi::leaveHost(std::cerr)) code = kshmi::kFailure;
+    if (!workbench::leaveHost(std::cerr)) code = kshmi::kFailure;
     std::cout.flush();
     // A command that changed a file has told that already.
     if (!std::cout && code != kshmi::kFailure) {

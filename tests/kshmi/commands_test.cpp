@@ -1,6 +1,8 @@
 #include "tests/kshmi/kshmi_test.h"
 
 namespace kshmi {
+
+using namespace workbench;
 namespace {
 
 using testing::contains;

@@ -3,6 +3,8 @@
 #include "tests/kshmi/kshmi_test.h"
 
 namespace kshmi {
+
+using namespace workbench;
 namespace {
 
 using testing::Finished;

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "kshmi/command_line.h"
-#include "kshmi/host_process.h"
+#include "kshmi/commands/command_line.h"
 #include "memory_host/orvex/account/ledger.h"
+#include "workbench/session/host_process.h"
 
 namespace kshmi::testing {
 
@@ -22,7 +22,7 @@ namespace kshmi::testing {
 class HostProcess final : public ::testing::Environment {
 public:
     void TearDown() override {
-        EXPECT_TRUE(leaveHost(std::cerr));
+        EXPECT_TRUE(workbench::leaveHost(std::cerr));
         EXPECT_EQ(orvex::liveCounts(), orvex::LedgerCounts{}) << orvex::describeLive();
     }
 };

@@ -2,11 +2,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "kshmi/atomic_file.h"
-#include "kshmi/error.h"
 #include "tests/kshmi/kshmi_test.h"
+#include "workbench/files/atomic_file.h"
+#include "workbench/text/error.h"
 
 namespace kshmi {
+
+using namespace workbench;
 namespace {
 
 using testing::kModel;

@@ -12,9 +12,9 @@
 #include <functional>
 #include <iostream>
 
-#include "kshmi/error.h"
-#include "kshmi/session.h"
 #include "tests/kshmi/kshmi_test.h"
+#include "workbench/session/session.h"
+#include "workbench/text/error.h"
 
 /// Saving when each of its system calls fails once, and when the program ends at each of them. The tool's calls are
 /// linked to the functions below, which make them unless it is their turn to fail.
@@ -64,6 +64,8 @@ int __wrap_open(const char* path, int flags, ...) { return isToFail("open") ? -1
 }
 
 namespace kshmi {
+
+using namespace workbench;
 namespace {
 
 using testing::contains;

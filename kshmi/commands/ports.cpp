@@ -1,0 +1,110 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "kshmi/print/json_lines.h"
+#include "kshmi/print/text_table.h"
+#include "workbench/json/json_object.h"
+#include "workbench/session/host_process.h"
+#include "workbench/session/script.h"
+#include "workbench/session/session.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+struct PortsArguments {
+    std::string file;
+    std::string below;
+    std::string visualType;
+    bool isHiddenListed = true;
+    bool isJson = false;
+};
+
+using Source = ks_hmi::InstrumentedSignals::Source;
+
+/// The full path to list below, empty for all.
+std::u16string requireBelow(const kestrel::Model& model, const std::string& text) {
+    if (toUtf16(text) == model.name()) return model.name();
+    const std::u16string path = withoutModel(model, text);
+    if (path.empty()) return {};
+    const bool isThere = std::any_of(model.blocks().begin(), model.blocks().end(),
+                                     [&](const kestrel::Block& block) { return isAtOrBelow(block.path, path); });
+    if (!isThere) throw Error(inQuotes(text) + ": the model has no block there; \"kshmi show\" lists them");
+    return model.name() + u"/" + path;
+}
+
+std::u16string nameOfPort(const Source& source) {
+    const kestrel::LoadedBlock found = kestrel::loadedModels().findByHandle(source.blockHandle);
+    return found ? portName({found.block, source.outputPortIndex, std::nullopt}) : std::u16string();
+}
+
+SignalFlags flagsOf(const Source& source) {
+    return {source.isFrameBased, source.hideInPLV, source.targetBufferedStreaming};
+}
+
+void printText(const Session& session, const std::vector<Source>& sources, std::ostream& out) {
+    constexpr auto kRight = TextTable::Align::right;
+    out << fmt::format("model {}: {}\n", printable(session.model().name()), counted(sources.size(), "observed port"));
+    if (sources.empty()) return;
+    TextTable table({{"BLOCK"},
+                     {"PORT", kRight},
+                     {"PORT NAME"},
+                     {"SIGNAL"},
+                     {"DECIMATION", kRight},
+                     {"MAX POINTS", kRight},
+                     {"FLAGS"}});
+    for (const Source& source : sources)
+        table.add({printable(source.blockPath), std::to_string(source.outputPortIndex), printable(nameOfPort(source)),
+                   printable(source.signalName), std::to_string(source.decimation), std::to_string(source.maxPoints),
+                   textOf(flagsOf(source))});
+    out << '\n';
+    table.print(out);
+}
+
+void appendSource(std::string& out, const Source& source) {
+    JsonObject object(out);
+    object.text("uuid", std::string_view(source.uuid)).text("block", source.blockPath);
+    object.plain("port", std::to_string(source.outputPortIndex)).text("portName", nameOfPort(source));
+    object.text("signal", source.signalName).plain("decimation", std::to_string(source.decimation));
+    object.plain("maxPoints", std::to_string(source.maxPoints)).truth("frameBased", source.isFrameBased);
+    object.truth("hidden", source.hideInPLV).truth("buffered", source.targetBufferedStreaming);
+    object.close();
+}
+
+int runPorts(const PortsArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    const Session session(arguments.file);
+    const HvArrayPtr model = script::modelObject(session.model().name());
+    const std::string below = toUtf8(requireBelow(session.model(), arguments.below));
+    std::vector<Source> sources;
+    ks_hmi::InstrumentedSignals::getObservedPorts(model.get(), below.c_str(), arguments.visualType.c_str(), sources,
+                                                  arguments.isHiddenListed, /*withUnsaved=*/true);
+    arguments.isJson ? printJsonLines(output.out, sources, appendSource) : printText(session, sources, output.out);
+    return kSuccess;
+}
+
+}  // namespace
+
+void addPorts(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<PortsArguments>();
+    CLI::App* const command = addCommand(app, "ports", "List the observed ports as an editor asks for them",
+                                         "  kshmi ports cruise.json\n"
+                                         "  kshmi ports cruise.json --below Sensors --no-hidden\n"
+                                         "  kshmi ports cruise.json --visual-type dial --json",
+                                         arguments->file);
+    command->add_option("--below", arguments->below, "only at and below this path")->type_name("PATH");
+    command->add_option("--visual-type", arguments->visualType, "only signals that feed this kind of display");
+    command->add_flag("--hidden,!--no-hidden", arguments->isHiddenListed,
+                      "list hidden signals, too (so it is unless --no-hidden is given)");
+    command->add_flag("--json", arguments->isJson, "print JSON");
+    runWith(*command, runPorts, arguments, run);
+}
+
+}  // namespace kshmi

@@ -1,0 +1,115 @@
+#include <fmt/format.h>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "kshmi/print/change_report.h"
+#include "memory_host/kestrel/host_side.h"
+#include "workbench/change/renaming.h"
+#include "workbench/session/host_process.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+struct RenameArguments {
+    std::string file;
+    std::vector<std::string> names;  ///< one after the other
+    bool isDryRun = false;
+};
+
+/// What a rename changes in a client.
+struct Named {
+    std::u16string source;
+    std::u16string parameter;
+};
+
+Named namesIn(const ks_hmi::SignalClient& client) {
+    // A file keeps no source model of a client without a model path.
+    const std::u16string source = client.m_modelPath.empty() ? std::u16string() : client.m_sourceModel;
+    return {source, textOf(hvGetField(client.m_observerParams.get(), 0, "ModelName"))};
+}
+
+std::vector<Named> namesOf(const Session& session) {
+    std::vector<Named> names;
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i) names.push_back(namesIn(*session.clients().get(i)));
+    return names;
+}
+
+std::u16string requireName(const std::string& text) {
+    std::u16string name = toUtf16(text);
+    if (name.find(u'\0') != std::u16string::npos) throw Error(inQuotes(text) + ": a name has no NUL characters");
+    try {
+        return kestrel::Model(name).name();
+    } catch (const kestrel::ModelError& refusal) {
+        throw Error(std::string(refusal.what()) + " Give another name.");
+    }
+}
+
+void tellClients(const std::vector<Named>& before, const std::vector<Named>& after, ChangeReport& report) {
+    std::size_t sources = 0;
+    std::size_t parameters = 0;
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        sources += before[i].source != after[i].source ? 1U : 0U;
+        parameters += before[i].parameter != after[i].parameter ? 1U : 0U;
+    }
+    const std::string renamed = fmt::format("renamed in clients: {} and {}", counted(sources, "source model"),
+                                            counted(parameters, "\"ModelName\" parameter"));
+    report.note("  would be " + renamed, "  " + renamed);
+}
+
+void tellManager(const std::vector<std::string>& received, bool isKnownName, ChangeReport& report) {
+    const auto note = [&](const char* would, const char* did, const std::string& what) {
+        const auto sentence = [&](const char* verb) { return fmt::format("  the interface manager {}{}", verb, what); };
+        report.note(sentence(would), sentence(did));
+    };
+    for (const std::string& line : received) note("would receive ", "received ", line);
+    if (!received.empty()) return;
+    note("would not be told", "is not told", isKnownName ? ": the set was last known by this name" : "");
+}
+
+int runRename(const RenameArguments& arguments, const Output& output) {
+    enterHost(output.err);
+    std::vector<std::u16string> names;
+    for (const std::string& name : arguments.names) names.push_back(requireName(name));
+    Session session(arguments.file);
+    // Nothing is validated in between, so the set is known by this name throughout.
+    const std::u16string knownName = session.model().name();
+    ChangeReport report(output, arguments.isDryRun);
+    for (const std::u16string& name : names) {
+        const std::u16string oldName = session.model().name();
+        if (name == oldName) {
+            report.note("already named " + printable(name));
+            continue;
+        }
+        const std::vector<Named> before = namesOf(session);
+        const std::vector<std::string> received = renameModel(session, name);
+        report.change("rename", "renamed", fmt::format("{} to {}", printable(oldName), printable(name)));
+        tellClients(before, namesOf(session), report);
+        tellManager(received, name == knownName, report);
+    }
+    report.finish(session);
+    return kSuccess;
+}
+
+}  // namespace
+
+void addRename(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<RenameArguments>();
+    CLI::App* const command =
+        addCommand(app, "rename", "Give a model a new name, tell the interface manager, and save the model",
+                   "  kshmi rename cruise.json cruise_v2\n"
+                   "  kshmi rename cruise.json draft final   (two renames without a validation in between)",
+                   arguments->file);
+    command
+        ->add_option("NEW-NAME", arguments->names,
+                     "new name; several are given one after the other; a name that starts with \"-\" goes after \"--\"")
+        ->required();
+    addDryRun(*command, arguments->isDryRun);
+    runWith(*command, runRename, arguments, run);
+}
+
+}  // namespace kshmi

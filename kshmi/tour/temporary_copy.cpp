@@ -1,0 +1,43 @@
+#include "kshmi/tour/temporary_copy.h"
+
+#include <stdlib.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "workbench/text/error.h"
+
+namespace kshmi {
+
+using namespace workbench;
+
+namespace fs = std::filesystem;
+
+TemporaryCopy::TemporaryCopy(const std::string& file) : m_original(file) {
+    if (fs::is_directory(file)) throw Error(file + ": is a directory; name a model file");
+    std::error_code code;
+    const fs::path base = fs::temp_directory_path(code);
+    m_directory = (base / "kshmi-tour-XXXXXX").string();
+    if (!code && !::mkdtemp(m_directory.data())) code.assign(errno, std::generic_category());
+    if (code)
+        throw Error("no directory for the copy can be made: " + code.message() +
+                    "; set TMPDIR to one that can be written");
+    m_path = (fs::path(m_directory) / fs::path(file).filename()).string();
+    fs::copy_file(file, m_path, code);
+    if (!code) fs::permissions(m_path, fs::perms::owner_read | fs::perms::owner_write, code);
+    if (!code) return;
+    std::error_code ignored;
+    fs::remove_all(m_directory, ignored);
+    throw Error(file + ": cannot be copied: " + code.message() + "; check the path and its permissions");
+}
+
+std::string TemporaryCopy::aboutOriginal(const std::string& message) const {
+    return message.starts_with(m_path) ? m_original + message.substr(m_path.size()) : message;
+}
+
+TemporaryCopy::~TemporaryCopy() {
+    std::error_code ignored;
+    fs::remove_all(m_directory, ignored);
+}
+
+}  // namespace kshmi

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/hv_array.h"
+#include "workbench/find/positions.h"
+#include "workbench/session/session.h"
+
+/// The observers of a model's signals. Positions are 0-based.
+namespace workbench {
+
+/// What is said of a new client. Texts are UTF-8.
+struct ClientSettings {
+    std::string type;
+    HvArrayPtr params;  ///< null for none
+    std::uint32_t updateRate = 1;
+    std::uint32_t channel = 1;
+    bool isImaginary = false;
+    std::string busLeaf;
+};
+
+/// Adds a client of the signal at that position to the end of the set. Its model path is the signal's block, so that
+/// its source model is saved with it. Throws `Error` when the host makes no object for it.
+void addClient(Session& session, std::size_t signal, const ClientSettings& settings);
+
+/// Removes the clients at the positions, in any order, duplicates allowed.
+void removeClients(Session& session, Positions positions);
+
+/// New clients with aligned model paths, in the set's order, as the host answers for all. Throws `Error` when it does
+/// not.
+std::vector<ks_hmi::StreamingClients::ClientPtr> alignedClients(const Session& session);
+
+}  // namespace workbench

@@ -1,0 +1,157 @@
+#include "workbench/files/atomic_file.h"
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+#include "workbench/text/error.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr std::size_t kBufferSize = std::size_t{1} << 16U;
+constexpr mode_t kPermissionBits = 07777;
+constexpr mode_t kNewFile = 0644;
+
+std::string directoryOf(const std::string& path) {
+    const std::string parent = std::filesystem::path(path).parent_path().string();
+    return parent.empty() ? "." : parent;
+}
+
+}  // namespace
+
+AtomicFile::Uninterrupted::Uninterrupted() noexcept {
+    sigset_t held;
+    ::sigemptyset(&held);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) ::sigaddset(&held, signal);
+    ::pthread_sigmask(SIG_BLOCK, &held, &m_mask);
+    struct sigaction ignore {};
+    ignore.sa_handler = SIG_IGN;
+    ::sigaction(SIGXFSZ, &ignore, &m_sizeLimit);
+}
+
+AtomicFile::Uninterrupted::~Uninterrupted() {
+    ::sigaction(SIGXFSZ, &m_sizeLimit, nullptr);
+    ::pthread_sigmask(SIG_SETMASK, &m_mask, nullptr);
+}
+
+AtomicFile::AtomicFile(const std::string& path, std::optional<FileVersion> replaced)
+    : m_path(path), m_replaced(replaced) {
+    std::error_code code;
+    const auto real = std::filesystem::weakly_canonical(path, code);
+    m_target = code ? path : real.string();
+    struct stat old {};
+    const bool isThere = ::stat(m_path.c_str(), &old) == 0;
+    if (!isThere && errno != ENOENT) fail("it cannot be looked at");
+    if (isThere && !S_ISREG(old.st_mode)) refuse("it is no regular file; name one");
+    if (isThere && ::faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) fail("it must not be written");
+    try {
+        if (isThere) lock();
+        makeTemporary();
+        if (isThere)
+            takeOverFrom(old);
+        else if (::fchmod(m_descriptor, kNewFile) != 0)
+            fail("permissions cannot be set");
+    } catch (...) {
+        discard();
+        throw;
+    }
+}
+
+AtomicFile::~AtomicFile() { discard(); }
+
+void AtomicFile::discard() noexcept {
+    if (m_descriptor >= 0) ::close(m_descriptor);
+    if (!m_temporary.empty()) ::unlink(m_temporary.c_str());
+    if (m_lock >= 0) ::close(m_lock);
+}
+
+// The lock is on the file that will be replaced, and goes with it: who waited for it finds another version.
+void AtomicFile::lock() {
+    m_lock = ::open(m_target.c_str(), O_RDONLY | O_CLOEXEC);
+    if (m_lock < 0) return;
+    // Some file systems have no locks; the version is looked at in any case.
+    if (::flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+        refuse("somebody else is saving it; try again when that is done");
+}
+
+void AtomicFile::makeTemporary() {
+    m_temporary = directoryOf(m_target) + "/.kshmi-XXXXXX";
+    m_descriptor = ::mkostemp(m_temporary.data(), O_CLOEXEC);
+    if (m_descriptor >= 0) return;
+    m_temporary.clear();
+    fail("no file can be made beside it");
+}
+
+void AtomicFile::takeOverFrom(const struct stat& old) const {
+    struct stat made {};
+    if (::fstat(m_descriptor, &made) != 0) fail("the new file cannot be looked at");
+    const bool isAnothers = made.st_uid != old.st_uid || made.st_gid != old.st_gid;
+    if (isAnothers && ::fchown(m_descriptor, old.st_uid, old.st_gid) != 0)
+        refuse("its owner and group cannot be kept; copy it and work on the copy");
+    if (::fchmod(m_descriptor, old.st_mode & kPermissionBits) != 0) fail("its permissions cannot be kept");
+}
+
+void AtomicFile::write(std::string_view text) {
+    m_buffer += text;
+    if (m_buffer.size() >= kBufferSize) flush();
+}
+
+void AtomicFile::flush() {
+    std::string_view rest = m_buffer;
+    while (!rest.empty()) {
+        const ssize_t written = ::write(m_descriptor, rest.data(), rest.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) fail("writing failed");
+        rest.remove_prefix(static_cast<std::size_t>(written));
+    }
+    m_buffer.clear();
+}
+
+void AtomicFile::requireReplaceable() const {
+    if (!m_replaced) return;
+    struct stat now {};
+    if (::stat(m_target.c_str(), &now) != 0) fail("it can no longer be looked at");
+    if (FileVersion::of(now) != *m_replaced)
+        refuse("it has been changed since it was read; look at the change and try again");
+}
+
+FileVersion AtomicFile::commit() {
+    flush();
+    struct stat written {};
+    if (::fsync(m_descriptor) != 0 || ::fstat(m_descriptor, &written) != 0) fail("writing failed");
+    const int descriptor = m_descriptor;
+    m_descriptor = -1;
+    if (::close(descriptor) != 0) fail("writing failed");
+    requireReplaceable();
+    if (std::rename(m_temporary.c_str(), m_target.c_str()) != 0) fail("it cannot be replaced");
+    m_temporary.clear();
+    syncDirectory();
+    return FileVersion::of(written);
+}
+
+void AtomicFile::syncDirectory() const {
+    const int directory = ::open(directoryOf(m_target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (directory < 0) return;
+    ::fsync(directory);
+    ::close(directory);
+}
+
+void AtomicFile::fail(const char* what) const {
+    const int reason = errno;
+    refuse(std::string(what) + ": " + std::strerror(reason) + "; check permissions and free space and try again");
+}
+
+void AtomicFile::refuse(const std::string& why) const {
+    throw Error(m_path + ": not saved, the file is as it was: " + why);
+}
+
+}  // namespace workbench

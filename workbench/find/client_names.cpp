@@ -1,0 +1,44 @@
+#include "workbench/find/client_names.h"
+
+#include <fmt/format.h>
+
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+using ks_hmi::SignalClient;
+
+std::string nameOfSignal(const Session& session, std::size_t position) {
+    const ks_hmi::SignalSpecification& signal = *session.signals().get(position);
+    const SignalSource source = sourceOf(session.model(), signal);
+    const std::string name = printable(source.block ? fullName(session.model(), source) : signal.m_blockPath);
+    return source.item ? fmt::format("{} ({})", name, printable(activityOf(signal))) : name;
+}
+
+std::string nameOfClient(const Session& session, std::size_t position) {
+    return fmt::format("client {} ({})", position + 1,
+                       printable(std::string_view(session.clients().get(position)->m_observerType)));
+}
+
+std::string describeClient(const Session& session, std::size_t position, const SignalUuids& uuids) {
+    const SignalClient& client = *session.clients().get(position);
+    const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
+    const std::string name = nameOfClient(session, position);
+    if (signal) return name + " on " + nameOfSignal(session, *signal);
+    return fmt::format("{} of the absent signal {}", name, inQuotes(std::string_view(client.m_signalUUID)));
+}
+
+std::string notesOn(const SignalClient& client, Watched target) {
+    std::string notes;
+    const auto add = [&](bool isSo, const std::string& note) {
+        if (isSo) notes += (notes.empty() ? "" : ", ") + note;
+    };
+    add(target == Watched::gone, "dangling");
+    add(target == Watched::elsewhere, "in a model that is not open");
+    add(client.isDeprecatedObserver(), "deprecated");
+    add(client.m_observeImaginaryPart, "imaginary part");
+    add(!client.m_busLeafPath.empty(), "leaf " + printable(std::string_view(client.m_busLeafPath)));
+    return notes;
+}
+
+}  // namespace workbench

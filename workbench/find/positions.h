@@ -1,0 +1,20 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+namespace workbench {
+
+/// Where signals or clients stand in their set, 0-based.
+using Positions = std::vector<std::size_t>;
+
+/// Sorts the positions and drops duplicates.
+template <typename Order = std::less<>>
+void sortUnique(Positions& positions, Order order = {}) {
+    std::sort(positions.begin(), positions.end(), order);
+    positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+}
+
+}  // namespace workbench

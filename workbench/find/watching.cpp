@@ -1,0 +1,59 @@
+#include "workbench/find/watching.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace workbench {
+
+namespace {
+
+using ks_hmi::SignalClient;
+
+bool isOpen(std::u16string_view modelName) {
+    return modelName.empty() || kestrel::loadedModels().find(modelName) != nullptr;
+}
+
+/// The first element of the model path is in the owning model; the others start with their model's name.
+bool namesOpenModelsOnly(const SignalClient& client) {
+    if (!client.m_modelPath.empty() && !isOpen(client.m_sourceModel)) return false;
+    for (std::size_t i = 1; i < client.m_modelPath.size(); ++i)
+        if (!isOpen(client.m_modelPath[i].substr(0, client.m_modelPath[i].find(u'/')))) return false;
+    return true;
+}
+
+}  // namespace
+
+SignalUuids::SignalUuids(const Session& session) {
+    m_positions.reserve(session.signals().getCount());
+    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
+        m_positions.emplace(session.signals().get(i)->m_uuid, i);
+}
+
+std::optional<std::size_t> SignalUuids::positionOf(std::string_view uuid) const {
+    const auto found = m_positions.find(uuid);
+    return found == m_positions.end() ? std::nullopt : std::optional(found->second);
+}
+
+Watched watched(const SignalClient& client, const SignalUuids& uuids) {
+    if (uuids.positionOf(client.m_signalUUID)) return Watched::here;
+    return namesOpenModelsOnly(client) ? Watched::gone : Watched::elsewhere;
+}
+
+DanglingWatch::DanglingWatch(const Session& session) : m_session(session), m_before(dangling()) {}
+
+Positions DanglingWatch::dangling() const {
+    const SignalUuids uuids(m_session);
+    Positions positions;
+    for (std::size_t i = 0; i < m_session.clients().getCount(); ++i)
+        if (watched(*m_session.clients().get(i), uuids) == Watched::gone) positions.push_back(i);
+    return positions;
+}
+
+Positions DanglingWatch::lost() const {
+    const Positions now = dangling();
+    Positions lost;
+    std::set_difference(now.begin(), now.end(), m_before.begin(), m_before.end(), std::back_inserter(lost));
+    return lost;
+}
+
+}  // namespace workbench

@@ -1,0 +1,147 @@
+#include "workbench/json/json_file.h"
+
+#include <sys/stat.h>
+
+#include <array>
+#include <boost/json/basic_parser_impl.hpp>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "workbench/json/json_mistake.h"
+#include "workbench/text/error.h"
+
+namespace workbench {
+
+namespace json = boost::json;
+
+namespace {
+
+constexpr std::size_t kMaxDepth = 256;
+constexpr std::size_t kChunkSize = std::size_t{1} << 16U;
+
+/// Puts tokens together that arrive in parts.
+class Handler {
+public:
+    static constexpr std::size_t max_object_size = std::size_t(-1);
+    static constexpr std::size_t max_array_size = std::size_t(-1);
+    static constexpr std::size_t max_key_size = std::size_t(-1);
+    static constexpr std::size_t max_string_size = std::size_t(-1);
+    using Code = json::error_code;
+
+    explicit Handler(JsonSink& sink) : m_sink(sink) {}
+
+    bool on_document_begin(Code&) { return true; }
+    bool on_document_end(Code&) { return true; }
+    bool on_object_begin(Code&) { return m_sink.beginObject(), true; }
+    bool on_object_end(std::size_t, Code&) { return m_sink.endObject(), true; }
+    bool on_array_begin(Code&) { return m_sink.beginArray(), true; }
+    bool on_array_end(std::size_t, Code&) { return m_sink.endArray(), true; }
+    bool on_key_part(json::string_view part, std::size_t, Code&) { return keep(part); }
+    bool on_key(json::string_view part, std::size_t, Code&) { return m_sink.key(whole(part)), done(); }
+    bool on_string_part(json::string_view part, std::size_t, Code&) { return keep(part); }
+    bool on_string(json::string_view part, std::size_t, Code&) { return m_sink.string(whole(part)), done(); }
+    bool on_number_part(json::string_view part, Code&) { return keep(part); }
+    bool on_int64(std::int64_t, json::string_view part, Code&) { return m_sink.number(whole(part)), done(); }
+    bool on_uint64(std::uint64_t, json::string_view part, Code&) { return m_sink.number(whole(part)), done(); }
+    bool on_double(double, json::string_view part, Code&) { return m_sink.number(whole(part)), done(); }
+    bool on_bool(bool value, Code&) { return m_sink.boolean(value), true; }
+    bool on_null(Code&) { return m_sink.null(), true; }
+    bool on_comment_part(json::string_view, Code&) { return true; }
+    bool on_comment(json::string_view, Code&) { return true; }
+
+private:
+    bool keep(json::string_view part) {
+        m_parts.append(part.data(), part.size());
+        return true;
+    }
+    std::string_view whole(json::string_view last) {
+        if (m_parts.empty()) return {last.data(), last.size()};
+        keep(last);
+        return m_parts;
+    }
+    bool done() noexcept {
+        m_parts.clear();
+        return true;
+    }
+
+    JsonSink& m_sink;
+    std::string m_parts;
+};
+
+std::string describe(const json::error_code& code, std::string_view piece, std::size_t used) {
+    if (code == json::error::too_deep) return "more than " + std::to_string(kMaxDepth) + " levels of nesting";
+    return describeMistake(code, piece, used);
+}
+
+bool isDirectory(std::FILE* file) {
+    struct stat status {};
+    return ::fstat(::fileno(file), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+JsonFile::JsonFile(std::string path) : m_path(std::move(path)), m_file(std::fopen(m_path.c_str(), "rbe")) {
+    if (!m_file)
+        throw Error(m_path + ": cannot be opened: " + std::strerror(errno) + "; check the path and its permissions");
+    if (isDirectory(m_file.get())) throw Error(m_path + ": is a directory; name a model file");
+}
+
+JsonFile JsonFile::ofText(std::string name, const std::string& text) {
+    std::FILE* const file = ::fmemopen(nullptr, text.size() + 1, "w+");
+    JsonFile result(std::move(name), file);
+    if (!file) throw Error(result.m_path + ": cannot be read: " + std::strerror(errno));
+    std::fwrite(text.data(), 1, text.size(), file);
+    std::rewind(file);
+    return result;
+}
+
+std::optional<FileVersion> JsonFile::version() const noexcept {
+    struct stat status {};
+    if (::fstat(::fileno(m_file.get()), &status) != 0) return std::nullopt;
+    return FileVersion::of(status);
+}
+
+void JsonFile::read(JsonSink& sink) {
+    json::parse_options options;
+    options.max_depth = kMaxDepth;
+    json::basic_parser<Handler> parser(options, sink);
+    // The parser tells "more is needed" by a pointer to itself, which must not be the end of a chunk that happens to
+    // lie in front of it: one byte is never filled.
+    std::array<char, kChunkSize + 1> chunk;
+    while (const std::size_t size = std::fread(chunk.data(), 1, kChunkSize, m_file.get())) {
+        // Piece by piece, so that the line is known while the sink works on what is in it.
+        for (std::string_view rest(chunk.data(), size); !rest.empty();) {
+            const std::size_t end = rest.find('\n');
+            const std::string_view piece = rest.substr(0, end == std::string_view::npos ? rest.size() : end + 1);
+            feed(parser, piece, true);
+            rest.remove_prefix(piece.size());
+        }
+    }
+    if (std::ferror(m_file.get())) throw Error(m_path + ": cannot be read: " + std::strerror(errno));
+    feed(parser, {}, false);
+}
+
+template <typename Parser>
+void JsonFile::feed(Parser& parser, std::string_view piece, bool more) {
+    json::error_code code;
+    const std::size_t used = parser.write_some(more, piece.data(), piece.size(), code);
+    if (code) failSyntax(describe(code, piece, used), m_column + used + 1);
+    if (used < piece.size()) failSyntax("something follows the document", m_column + used + 1);
+    m_column += piece.size();
+    if (!piece.empty() && piece.back() == '\n') {
+        ++m_line;
+        m_column = 0;
+    }
+}
+
+void JsonFile::fail(const std::string& pointer, const std::string& text) const {
+    throw Error(atPlace(m_path, m_line, pointer, text));
+}
+
+void JsonFile::failSyntax(const std::string& what, std::size_t column) const {
+    throw Error(m_path + ":" + std::to_string(m_line) + ":" + std::to_string(column) + ": not JSON: " + what +
+                "; correct it");
+}
+
+}  // namespace workbench

@@ -1,0 +1,65 @@
+#include "workbench/model_file/model_file_parts.h"
+
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr double kFormatVersion = 1.0;
+
+}  // namespace
+
+void ModelFileParts::setVersion(double version, const std::string& pointer) {
+    if (version != kFormatVersion)
+        m_file.fail(pointer, "this program reads version 1 of the format only; save the model in that version");
+}
+
+void ModelFileParts::beginBlock() { m_blocks.push_back({{}, m_file.line()}); }
+
+void ModelFileParts::checkChart(const std::string& pointer) const {
+    const kestrel::Chart& chart = *m_blocks.back().block.chart;
+    std::set<std::uint32_t> identifiers;
+    std::set<std::u16string_view> texts;
+    const auto check = [&](std::uint32_t ssid, std::u16string_view text) {
+        if (text.empty()) m_file.fail(pointer, "a state needs a path and a datum a name");
+        if (!identifiers.insert(ssid).second)
+            m_file.fail(pointer, "the SSID " + std::to_string(ssid) + " is there twice; give each item its own");
+        if (!texts.insert(text).second)
+            m_file.fail(pointer, inQuotes(text) + " is there twice; give each item its own name");
+    };
+    for (const kestrel::ChartState& state : chart.states) check(state.ssid, state.path);
+    texts.clear();
+    for (const kestrel::ChartData& datum : chart.data) check(datum.ssid, datum.name);
+}
+
+ModelFile ModelFileParts::finish() {
+    kestrel::Model model = buildModel();
+    HvArrayPtr signals = m_signals.build();
+    return {std::move(model), std::move(signals), m_clients.build(), m_signals.takeLines(), m_clients.takeLines()};
+}
+
+kestrel::Model ModelFileParts::buildModel() {
+    std::size_t line = m_nameLine;
+    std::string pointer = "/name";
+    try {
+        kestrel::Model model(m_name);
+        for (std::size_t i = 0; i < m_blocks.size(); ++i) {
+            kestrel::Block& block = m_blocks[i].block;
+            const bool isPathBad = !kestrel::isBlockPath(block.path) || model.findByPath(block.path);
+            line = m_blocks[i].line;
+            pointer = "/blocks/" + std::to_string(i) + (isPathBad ? "/path" : "/eid");
+            model.add(std::move(block));
+        }
+        return model;
+    } catch (const kestrel::ModelError& error) {
+        throw Error(atPlace(m_file.path(), line, pointer, printable(std::string_view(error.what())) + " Change it."));
+    }
+}
+
+}  // namespace workbench

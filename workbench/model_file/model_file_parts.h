@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "workbench/json/json_file.h"
+#include "workbench/model_file/model_file.h"
+#include "workbench/model_file/record_table.h"
+
+namespace workbench {
+
+/// Gathers what a model file holds, whatever the order of its keys, and puts the contents together at the
+/// end. Throws `Error` at the file's current line for what cannot be.
+class ModelFileParts {
+public:
+    explicit ModelFileParts(const JsonFile& file)
+        : m_file(file), m_signals(file, RecordKind::signal), m_clients(file, RecordKind::client) {}
+
+    void setVersion(double version, const std::string& pointer);
+    void setName(std::u16string name) {
+        m_name = std::move(name);
+        m_nameLine = m_file.line();
+    }
+
+    void beginBlock();
+    kestrel::Block& block() noexcept { return m_blocks.back().block; }
+    /// A chart's items must be told apart by identifier, states by path and data by name.
+    void checkChart(const std::string& pointer) const;
+
+    RecordTable& records(RecordKind kind) noexcept { return kind == RecordKind::signal ? m_signals : m_clients; }
+
+    ModelFile finish();
+
+private:
+    struct PlacedBlock {
+        kestrel::Block block;
+        std::size_t line = 0;
+    };
+
+    kestrel::Model buildModel();
+
+    const JsonFile& m_file;
+    std::u16string m_name;
+    std::size_t m_nameLine = 0;
+    std::vector<PlacedBlock> m_blocks;
+    RecordTable m_signals;
+    RecordTable m_clients;
+};
+
+}  // namespace workbench

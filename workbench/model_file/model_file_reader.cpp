@@ -1,0 +1,270 @@
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+#include "host/messages.h"
+#include "workbench/model_file/model_file.h"
+#include "workbench/model_file/model_file_parts.h"
+#include "workbench/model_file/model_file_shapes.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+#include "workbench/values/host_value_builder.h"
+#include "workbench/values/number_text.h"
+
+namespace workbench {
+
+namespace {
+
+using shapes::Kind;
+using shapes::Place;
+using shapes::Rule;
+
+/// Follows the document's structure and hands what it finds to the parts.
+class ModelFileReader final : public JsonSink {
+public:
+    explicit ModelFileReader(const JsonFile& file) : m_file(file), m_parts(file) {}
+    ModelFile finish() { return m_parts.finish(); }
+
+    void beginObject() override { begin(Kind::object, &JsonSink::beginObject); }
+    void beginArray() override { begin(Kind::array, &JsonSink::beginArray); }
+    void endObject() override { end(&JsonSink::endObject); }
+    void endArray() override { end(&JsonSink::endArray); }
+    void key(std::string_view name) override;
+    void string(std::string_view text) override;
+    void number(std::string_view text) override;
+    void boolean(bool value) override {
+        if (!inValue()) failKind("true or false");
+        build([&] { m_value.boolean(value); });
+    }
+    void null() override {
+        if (!inValue()) failKind("null");
+        build([&] { m_value.null(); });
+    }
+
+private:
+    struct Frame {
+        Place place;
+        bool isArray;
+        std::uint32_t keysSeen = 0;
+        std::size_t position = 0;  ///< of the element in an array; of the key in the rules or the record's fields
+        std::string key{};
+    };
+
+    const Rule& expected() const noexcept;
+    bool inValue() const noexcept { return m_valueDepth > 0 || expected().kind == Kind::value; }
+    void begin(Kind kind, void (JsonSink::*event)());
+    void end(void (JsonSink::*event)());
+    void enter(Place place, bool isArray);
+    void leave();
+    static bool isRecord(Place place) noexcept { return place == Place::signal || place == Place::client; }
+    RecordTable& records(Place place) noexcept {
+        return m_parts.records(place == Place::signal ? RecordKind::signal : RecordKind::client);
+    }
+    void recordKey(Frame& frame, std::string_view name);
+    void setText(std::u16string text);
+    void setNumber(double value);
+    std::uint32_t ssidOf(double value) const;
+    template <typename Event>
+    void build(Event event);
+    void deliverValue();
+    /// Steps to the next element when the current place is an array.
+    void advance() noexcept {
+        if (!m_frames.empty() && m_frames.back().isArray) ++m_frames.back().position;
+    }
+    std::string pointer() const;
+    [[noreturn]] void failKind(const std::string& found) const;
+
+    const JsonFile& m_file;
+    ModelFileParts m_parts;
+    std::vector<Frame> m_frames;
+    HostValueBuilder m_value;
+    std::size_t m_valueDepth = 0;
+};
+
+const Rule& ModelFileReader::expected() const noexcept {
+    static constexpr Rule kTop{"", Kind::object, Place::document};
+    static constexpr Rule kRecordField{"", Kind::value};
+    if (m_frames.empty()) return kTop;
+    const Frame& frame = m_frames.back();
+    if (frame.isArray) return shapes::elementOf(frame.place);
+    return isRecord(frame.place) ? kRecordField : shapes::keysOf(frame.place)[frame.position];
+}
+
+void ModelFileReader::begin(Kind kind, void (JsonSink::*event)()) {
+    if (inValue()) {
+        ++m_valueDepth;
+        return build([&] { (m_value.*event)(); });
+    }
+    const Rule& rule = expected();
+    if (rule.kind != kind) failKind(shapes::describe(kind));
+    enter(rule.place, kind == Kind::array);
+}
+
+void ModelFileReader::end(void (JsonSink::*event)()) {
+    if (m_valueDepth == 0) return leave();
+    --m_valueDepth;
+    build([&] { (m_value.*event)(); });
+}
+
+void ModelFileReader::enter(Place place, bool isArray) {
+    m_frames.push_back(Frame{.place = place, .isArray = isArray});
+    switch (place) {
+        case Place::block:
+            m_parts.beginBlock();
+            break;
+        case Place::chart:
+            m_parts.block().chart.emplace();
+            break;
+        case Place::state:
+            m_parts.block().chart->states.emplace_back();
+            break;
+        case Place::datum:
+            m_parts.block().chart->data.emplace_back();
+            break;
+        case Place::signal:
+        case Place::client:
+            records(place).begin();
+            break;
+        default:
+            break;
+    }
+}
+
+void ModelFileReader::leave() {
+    const Frame frame = std::move(m_frames.back());
+    m_frames.pop_back();
+    const auto rules = shapes::keysOf(frame.place);
+    for (std::size_t i = 0; !frame.isArray && i < rules.size(); ++i)
+        if (rules[i].isRequired && (frame.keysSeen & (1U << i)) == 0)
+            m_file.fail(pointer(), "the key " + inQuotes(rules[i].key) + " is missing; add it");
+    if (frame.place == Place::chart) m_parts.checkChart(pointer());
+    advance();
+}
+
+void ModelFileReader::key(std::string_view name) {
+    if (m_valueDepth > 0) return build([&] { m_value.key(name); });
+    Frame& frame = m_frames.back();
+    frame.key = name;
+    if (isRecord(frame.place)) return recordKey(frame, name);
+    const auto rules = shapes::keysOf(frame.place);
+    for (frame.position = 0; frame.position < rules.size(); ++frame.position)
+        if (rules[frame.position].key == name) break;
+    if (frame.position == rules.size()) m_file.fail(pointer(), "this key is unknown; remove it");
+    const std::uint32_t bit = 1U << frame.position;
+    if (frame.keysSeen & bit) m_file.fail(pointer(), "this key is there twice; remove one");
+    frame.keysSeen |= bit;
+}
+
+void ModelFileReader::recordKey(Frame& frame, std::string_view name) {
+    RecordTable& table = records(frame.place);
+    frame.position = fieldNumber(table.kind(), name);
+    if (frame.position == fieldsOf(table.kind()).size()) m_file.fail(pointer(), "this key is unknown; remove it");
+    if (table.hasField(frame.position)) m_file.fail(pointer(), "this key is there twice; remove one");
+    table.noteField(frame.position);
+}
+
+void ModelFileReader::string(std::string_view text) {
+    if (inValue()) return build([&] { m_value.string(text); });
+    if (expected().kind != Kind::text) failKind("the text " + inQuotes(text));
+    if (text.find('\0') != std::string_view::npos) m_file.fail(pointer(), "contains a NUL character; remove it");
+    setText(toUtf16(text));
+    advance();
+}
+
+void ModelFileReader::number(std::string_view text) {
+    if (inValue()) return build([&] { m_value.number(text); });
+    if (expected().kind != Kind::number) failKind("the number " + std::string(text));
+    double value = 0.0;
+    try {
+        value = numberOfText(text);
+    } catch (const Error& error) {
+        m_file.fail(pointer(), error.what());
+    }
+    setNumber(value);
+}
+
+void ModelFileReader::setText(std::u16string text) {
+    const Frame& frame = m_frames.back();
+    switch (frame.place) {
+        case Place::document:
+            return m_parts.setName(std::move(text));
+        case Place::outputs:
+            m_parts.block().outputs.push_back(std::move(text));
+            break;
+        case Place::state:
+            m_parts.block().chart->states.back().path = std::move(text);
+            break;
+        case Place::datum:
+            m_parts.block().chart->data.back().name = std::move(text);
+            break;
+        default:
+            if (frame.key == "path")
+                m_parts.block().path = std::move(text);
+            else
+                m_parts.block().eid = toUtf8(text);
+    }
+}
+
+void ModelFileReader::setNumber(double value) {
+    switch (m_frames.back().place) {
+        case Place::state:
+            m_parts.block().chart->states.back().ssid = ssidOf(value);
+            break;
+        case Place::datum:
+            m_parts.block().chart->data.back().ssid = ssidOf(value);
+            break;
+        default:
+            m_parts.setVersion(value, pointer());
+    }
+}
+
+std::uint32_t ModelFileReader::ssidOf(double value) const {
+    constexpr double kMost = std::numeric_limits<std::uint32_t>::max();
+    if (!(value >= 1.0) || value > kMost || value != std::floor(value))
+        m_file.fail(pointer(), "an SSID is a whole number from 1 on (0 is the chart itself)");
+    return static_cast<std::uint32_t>(value);
+}
+
+template <typename Event>
+void ModelFileReader::build(Event event) {
+    try {
+        event();
+        if (m_value.isComplete()) deliverValue();
+    } catch (const Error& error) {
+        m_file.fail(pointer() + m_value.pointer(), error.what());
+    } catch (const kssvIException& refusal) {
+        m_file.fail(pointer() + m_value.pointer(), refusal.what());
+    }
+}
+
+void ModelFileReader::deliverValue() {
+    const Frame& frame = m_frames.back();
+    records(frame.place).setField(frame.position, m_value.take());
+    advance();
+}
+
+std::string ModelFileReader::pointer() const {
+    std::string result;
+    for (const Frame& frame : m_frames)
+        result += frame.isArray ? "/" + std::to_string(frame.position) : pointerToken(frame.key);
+    return result;
+}
+
+void ModelFileReader::failKind(const std::string& found) const {
+    m_file.fail(pointer(), found + " stands where " + shapes::describe(expected().kind) + " belongs; correct it");
+}
+
+}  // namespace
+
+ModelFile readModelFile(const std::string& path) {
+    JsonFile file(path);
+    const auto version = file.version();
+    ModelFileReader reader(file);
+    file.read(reader);
+    ModelFile result = reader.finish();
+    result.version = version;
+    return result;
+}
+
+}  // namespace workbench

@@ -1,0 +1,82 @@
+#include "workbench/model_file/model_file_shapes.h"
+
+#include <array>
+
+namespace workbench::shapes {
+
+namespace {
+
+constexpr std::array<Rule, 5> kDocument{{{"kestrelModel", Kind::number},
+                                         {"name", Kind::text},
+                                         {"blocks", Kind::array, Place::blocks},
+                                         {"signals", Kind::array, Place::signals},
+                                         {"clients", Kind::array, Place::clients}}};
+constexpr std::array<Rule, 4> kBlock{{{"path", Kind::text},
+                                      {"eid", Kind::text},
+                                      {"outputs", Kind::array, Place::outputs},
+                                      {"chart", Kind::object, Place::chart, false}}};
+constexpr std::array<Rule, 2> kChart{
+    {{"states", Kind::array, Place::states, false}, {"data", Kind::array, Place::dataItems, false}}};
+constexpr std::array<Rule, 2> kState{{{"path", Kind::text}, {"ssid", Kind::number}}};
+constexpr std::array<Rule, 2> kDatum{{{"name", Kind::text}, {"ssid", Kind::number}}};
+
+constexpr Rule kText{"", Kind::text};
+constexpr Rule kBlockElement{"", Kind::object, Place::block};
+constexpr Rule kStateElement{"", Kind::object, Place::state};
+constexpr Rule kDatumElement{"", Kind::object, Place::datum};
+constexpr Rule kSignalElement{"", Kind::object, Place::signal};
+constexpr Rule kClientElement{"", Kind::object, Place::client};
+
+}  // namespace
+
+std::span<const Rule> keysOf(Place object) noexcept {
+    switch (object) {
+        case Place::document:
+            return kDocument;
+        case Place::block:
+            return kBlock;
+        case Place::chart:
+            return kChart;
+        case Place::state:
+            return kState;
+        case Place::datum:
+            return kDatum;
+        default:
+            return {};
+    }
+}
+
+const Rule& elementOf(Place array) noexcept {
+    switch (array) {
+        case Place::blocks:
+            return kBlockElement;
+        case Place::outputs:
+            return kText;
+        case Place::states:
+            return kStateElement;
+        case Place::dataItems:
+            return kDatumElement;
+        case Place::signals:
+            return kSignalElement;
+        default:
+            return kClientElement;
+    }
+}
+
+const char* describe(Kind kind) noexcept {
+    switch (kind) {
+        case Kind::text:
+            return "a text";
+        case Kind::number:
+            return "a number";
+        case Kind::object:
+            return "an object";
+        case Kind::array:
+            return "an array";
+        case Kind::value:
+            break;
+    }
+    return "a value";
+}
+
+}  // namespace workbench::shapes

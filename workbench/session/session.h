@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/hv_array.h"
+#include "memory_host/kestrel/loaded_models.h"
+#include "observers/streaming_clients.h"
+#include "signals/instrumented_signals.h"
+#include "workbench/model_file/model_file.h"
+#include "workbench/session/signal_checks.h"
+#include "workbench/session/signal_source.h"
+
+namespace workbench {
+
+/// A model file that is open: its model loaded in the host, its signals and clients in sets made as a script
+/// makes them. The model is unloaded with the session. The host must have been entered.
+class Session {
+public:
+    enum class Opening {
+        strict,   ///< a signal that does not fit the model is refused
+        lenient,  ///< signals whose block, port or chart item is gone are let in
+    };
+
+    /// Throws `Error` for a file that cannot be opened.
+    explicit Session(std::string path, Opening opening = Opening::strict);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session();
+
+    const std::string& path() const noexcept { return m_path; }
+    kestrel::Model& model() noexcept { return m_loaded->model(); }
+    const kestrel::Model& model() const noexcept { return m_loaded->model(); }
+    /// The host object of the set of signals, for scripts.
+    hvArray* set() noexcept { return m_loaded->signals(); }
+    /// The set itself, for editors and engines.
+    ks_hmi::InstrumentedSignals& signals() const { return *m_signals; }
+    /// Signals that were let in although what they are on is gone, in order.
+    const std::vector<SignalFault>& dangling() const noexcept { return m_dangling; }
+    /// The host object of the set of clients, for scripts. Clients may watch what no open model has.
+    hvArray* clientSet() noexcept { return m_loaded->clients(); }
+    const hvArray* clientSet() const noexcept { return m_loaded->clients(); }
+    /// That set itself.
+    ks_hmi::StreamingClients& clients() const { return *m_clients; }
+
+    /// Whether the block's output port is observed. Records nothing in the set.
+    bool isObserved(const kestrel::Block& block, int port) const;
+    /// Whether the activity of the chart item is.
+    bool isObserved(const kestrel::Block& block, const ChartItem& item, const std::u16string& activity) const;
+    /// Whether any activity of the chart item is.
+    bool isAnyObserved(const kestrel::Block& block, const ChartItem& item) const;
+
+    /// Writes the model with its clients and the signals that are to be saved. Returns how many were left out because
+    /// they are excluded from saving. Throws `Error`, also for a file that has changed since; it is then as it was.
+    std::size_t save();
+
+private:
+    void read(Opening opening);
+    void makeSets();
+    void give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const;
+    void checkClients(const std::vector<RecordLines>& lines) const;
+    void check(const std::vector<RecordLines>& lines, Opening opening);
+    void bindRenumbered();
+    void requirePaths(const hvArray* saved) const;
+
+    std::string m_path;
+    kestrel::LoadedModel* m_loaded = nullptr;
+    ks_hmi::InstrumentedSignals* m_signals = nullptr;
+    ks_hmi::StreamingClients* m_clients = nullptr;
+    std::vector<SignalFault> m_dangling;
+    std::optional<FileVersion> m_version;  ///< of the file that was read or saved last
+};
+
+}  // namespace workbench

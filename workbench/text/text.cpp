@@ -1,0 +1,77 @@
+#include "workbench/text/text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "host/text.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr unsigned char kDelete = 0x7F;
+constexpr unsigned char kFirstVisible = 0x20;
+
+/// Whether the two bytes are one of the control characters U+0080 to U+009F.
+bool isHighControl(unsigned char first, unsigned char second) noexcept { return first == 0xC2 && second < 0xA0; }
+
+std::string escapeInText(unsigned char control) {
+    if (control == '\n') return "\\n";
+    if (control == '\t') return "\\t";
+    return fmt::format("\\x{:02x}", control);
+}
+
+/// The lines of a document stay.
+std::string escapeInJson(unsigned char control) { return control == '\n' ? "\n" : fmt::format("\\u{:04x}", control); }
+
+template <typename Escape>
+std::string withoutControls(std::string_view text, Escape escape) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0xFF);
+        if (byte < kFirstVisible || byte == kDelete)
+            result += escape(byte);
+        else if (isHighControl(byte, next))
+            result += escape(static_cast<unsigned char>(text[++i]));
+        else
+            result += text[i];
+    }
+    return result;
+}
+
+}  // namespace
+
+std::u16string toUtf16(std::string_view text) { return matrix::get_ustring(textValue(text).get()); }
+
+std::string toUtf8(std::u16string_view text) { return fl::i18n::to_string(std::u16string(text)); }
+
+std::u16string textOf(const hvArray* value) {
+    return hvGetClassID(value) == hvCHAR_CLASS ? matrix::get_ustring(value) : std::u16string();
+}
+
+HvArrayPtr textValue(std::u16string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
+HvArrayPtr textValue(std::string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
+
+bool isWellFormed(std::u16string_view text) noexcept {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] < 0xD800 || text[i] > 0xDFFF) continue;
+        const bool isPair = text[i] < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
+        if (!isPair) return false;
+        ++i;
+    }
+    return true;
+}
+
+std::string printable(std::string_view text) { return withoutControls(text, escapeInText); }
+std::string printable(std::u16string_view text) { return printable(toUtf8(text)); }
+std::string printableJson(std::string_view document) { return withoutControls(document, escapeInJson); }
+std::string inQuotes(std::string_view text) { return '"' + printable(text) + '"'; }
+std::string inQuotes(std::u16string_view text) { return inQuotes(toUtf8(text)); }
+
+std::string counted(std::size_t count, std::string_view singular) {
+    return fmt::format("{} {}{}", count, singular, count == 1 ? "" : "s");
+}
+
+}  // namespace workbench

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "host/hv_array.h"
+
+/// Texts of the tool: UTF-8 outside, UTF-16 towards the host.
+namespace workbench {
+
+/// UTF-8 to UTF-16, NULs included; ill-formed sequences become U+FFFD.
+std::u16string toUtf16(std::string_view text);
+std::string toUtf8(std::u16string_view text);
+
+/// The text of a character array; empty for any other value and for null.
+std::u16string textOf(const hvArray* value);
+HvArrayPtr textValue(std::u16string_view text);
+/// The same of UTF-8.
+HvArrayPtr textValue(std::string_view text);
+
+/// Whether every surrogate has its partner.
+bool isWellFormed(std::u16string_view text) noexcept;
+
+/// The text with control characters escaped ("\n", "\x1b"), so that a name cannot drive a terminal.
+std::string printable(std::string_view text);
+std::string printable(std::u16string_view text);
+/// A JSON document in which the control characters that JSON lets stand (U+007F to U+009F) are escaped as well.
+std::string printableJson(std::string_view document);
+/// As `printable`, in double quotes.
+std::string inQuotes(std::string_view text);
+std::string inQuotes(std::u16string_view text);
+
+/// "1 signal", "2 signals".
+std::string counted(std::size_t count, std::string_view singular);
+
+}  // namespace workbench

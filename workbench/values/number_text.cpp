@@ -1,0 +1,142 @@
+#include "workbench/values/number_text.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <system_error>
+#include <type_traits>
+
+#include "memory_host/orvex/values/element_type.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+#include "workbench/values/class_names.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr std::string_view kNan = "NaN";
+constexpr std::string_view kNanBits = "NaN:";
+constexpr std::string_view kInfinity = "Infinity";
+constexpr std::string_view kMinusInfinity = "-Infinity";
+
+template <typename T>
+T parsed(std::string_view text, const char* wanted) {
+    using Limits = std::numeric_limits<T>;
+    T value{};
+    const char* const end = text.data() + text.size();
+    const auto [stop, code] = std::from_chars(text.data(), end, value);
+    if (code == std::errc() && stop == end) return value;
+    throw Error(fmt::format("the number {} is no {}; give a {}number from {} to {}", text, wanted,
+                            std::is_integral_v<T> ? "whole " : "", Limits::lowest(), Limits::max()));
+}
+
+template <typename T, typename... Base>
+std::string written(T value, Base... base) {
+    std::array<char, 64> buffer{};
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, base...);
+    return {buffer.data(), result.ptr};
+}
+
+template <typename Float>
+using BitsOf = std::conditional_t<sizeof(Float) == sizeof(double), std::uint64_t, std::uint32_t>;
+
+template <typename Float>
+std::string textOfFloat(Float value) {
+    if (value == 0 && std::signbit(value)) return "-0.0";
+    return written(value);
+}
+
+template <typename Float>
+std::string textOfFloatElement(BitsOf<Float> bits) {
+    const auto value = std::bit_cast<Float>(bits);
+    if (std::isfinite(value)) return textOfFloat(value);
+    std::string text(value > 0 ? kInfinity : kMinusInfinity);
+    if (std::isnan(value)) {
+        const bool isUsual = bits == std::bit_cast<BitsOf<Float>>(std::numeric_limits<Float>::quiet_NaN());
+        text = isUsual ? std::string(kNan) : std::string(kNanBits) + written(bits, 16);
+    }
+    return '"' + text + '"';
+}
+
+template <typename Float>
+std::uint64_t floatOfText(std::string_view text) {
+    using Limits = std::numeric_limits<Float>;
+    using Bits = BitsOf<Float>;
+    if (text == kNan) return std::bit_cast<Bits>(Limits::quiet_NaN());
+    if (text == kInfinity) return std::bit_cast<Bits>(Limits::infinity());
+    if (text == kMinusInfinity) return std::bit_cast<Bits>(-Limits::infinity());
+    Bits bits{};
+    const char* const end = text.data() + text.size();
+    const bool isNan = text.starts_with(kNanBits) &&
+                       std::from_chars(text.data() + kNanBits.size(), end, bits, 16).ptr == end &&
+                       std::isnan(std::bit_cast<Float>(bits));
+    if (!isNan) throw Error(inQuotes(text) + R"( is no number; allowed are "NaN", "Infinity" and "-Infinity")");
+    return bits;
+}
+
+template <typename T>
+std::string textOfBits(std::uint64_t bits) {
+    if constexpr (std::is_same_v<T, bool>)
+        return bits ? "true" : "false";
+    else if constexpr (std::is_floating_point_v<T>)
+        return textOfFloatElement<T>(static_cast<BitsOf<T>>(bits));
+    else
+        return written(static_cast<T>(bits));
+}
+
+[[noreturn]] void refuseNumber(std::string_view text) {
+    throw Error("the number " + std::string(text) + " stands where true or false belongs");
+}
+
+template <typename T>
+std::uint64_t bitsOfNumber(std::string_view text, const char* className) {
+    if constexpr (std::is_same_v<T, bool>)
+        refuseNumber(text);
+    else if constexpr (std::is_floating_point_v<T>)
+        return std::bit_cast<BitsOf<T>>(parsed<T>(text, className));
+    else
+        return static_cast<std::uint64_t>(parsed<T>(text, className));
+}
+
+}  // namespace
+
+std::string textOfNumber(double value) { return textOfFloat(value); }
+
+double numberOfText(std::string_view text) { return parsed<double>(text, "double"); }
+
+std::size_t lengthOfText(std::string_view text) { return parsed<std::size_t>(text, "length"); }
+
+std::string textOfElement(hvClassID classId, std::uint64_t bits) {
+    if (classId == hvCHAR_CLASS) return written(bits);
+    std::string text;
+    orvex::withElementType(classId, [&]<typename T>(std::type_identity<T>) { text = textOfBits<T>(bits); });
+    return text;
+}
+
+std::uint64_t elementOfNumber(hvClassID classId, std::string_view text) {
+    if (classId == hvCHAR_CLASS) return parsed<std::uint16_t>(text, "UTF-16 code unit");
+    std::uint64_t bits = 0;
+    const bool isNumeric = orvex::withElementType(
+        classId, [&]<typename T>(std::type_identity<T>) { bits = bitsOfNumber<T>(text, nameOfClass(classId)); });
+    if (!isNumeric) refuseNumber(text);
+    return bits;
+}
+
+std::uint64_t elementOfText(hvClassID classId, std::string_view text) {
+    if (classId == hvDOUBLE_CLASS) return floatOfText<double>(text);
+    if (classId == hvSINGLE_CLASS) return floatOfText<float>(text);
+    throw Error("the text " + inQuotes(text) + " stands where an element of the array belongs");
+}
+
+std::size_t elementSize(hvClassID classId) noexcept {
+    std::size_t size = classId == hvCHAR_CLASS ? sizeof(char16_t) : 0;
+    orvex::withElementType(classId, [&]<typename T>(std::type_identity<T>) { size = sizeof(T); });
+    return size;
+}
+
+}  // namespace workbench
