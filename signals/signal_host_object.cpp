@@ -5,6 +5,7 @@
 #include "foundation/host_call.h"
 #include "foundation/host_value.h"
 #include "host/text.h"
+#include "signals/domain_params.h"
 #include "signals/signal_specification.h"
 
 namespace ks_hmi {
@@ -95,13 +96,14 @@ HvArrayPtr SignalSpecification::getDomainParamsAsHvArray() const {
 }
 
 void SignalSpecification::extractDomainParamsFromHvArray(const hvArray* value, DomainParamsMap&) {
-    DomainParamsMap params;
+    std::vector<DomainParam> params;
     const int fieldCount = hvIsEmpty(value) ? 0 : hvGetNumberOfFields(value);
+    params.reserve(static_cast<std::size_t>(fieldCount));
     for (int i = 0; i < fieldCount; ++i) {
         const char* const name = hvGetFieldNameByNumber(value, i);
-        params[fl::i18n::to_ustring(name)] = textOf(hvGetField(value, 0, name));
+        params.emplace_back(fl::i18n::to_ustring(name), textOf(hvGetField(value, 0, name)));
     }
-    m_domainParams = std::move(params);
+    m_domainParams = domainParamsInOrder(params);
 }
 
 std::u16string SignalSpecification::getValueForDomainParams(const std::u16string& name) const {

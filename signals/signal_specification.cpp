@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <tuple>
 
 #include "foundation/field_reader.h"
 #include "foundation/host_value.h"
@@ -110,18 +109,10 @@ void SignalSpecification::setFromPersistentData(const hvArray* s, std::size_t in
 
 bool SignalSpecification::isEqual(const SignalSpecification* other) const {
     if (other == nullptr) return false;
-    const auto numbers = [](const SignalSpecification& s) {
-        return std::tie(s.m_outputPortIndex, s.m_logicalPortIndex, s.m_decimation, s.m_maxPoints,
-                        s.m_targetBufferedStreaming, s.m_isFrameBased, s.m_hideInPLV);
-    };
-    const auto texts = [](const SignalSpecification& s) {
-        return std::tie(s.m_uuid, s.m_blockPath, s.m_eid, s.m_subPath, s.m_signalName, s.m_subSysPath, s.m_domainType,
-                        s.m_visualType);
-    };
-    // An ordered walk, not a look-up, on purpose: equal parameters in another order compare unequal.
-    return numbers(*this) == numbers(*other) && texts(*this) == texts(*other) &&
-           std::equal(m_domainParams.begin(), m_domainParams.end(), other->m_domainParams.begin(),
-                      other->m_domainParams.end());
+    const SignalFields& fields = *this;
+    // Kept: an ordered walk, not a look-up; equal parameters in another order compare unequal.
+    return fields == *other && std::equal(m_domainParams.begin(), m_domainParams.end(), other->m_domainParams.begin(),
+                                          other->m_domainParams.end());
 }
 
 bool SignalSpecification::isSameSignal(const SignalSpecification* other) const {

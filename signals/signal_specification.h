@@ -12,6 +12,27 @@
 
 namespace ks_hmi {
 
+/// What of a signal is saved and compared member by member.
+struct SignalFields {
+    std::string m_uuid;
+    std::u16string m_blockPath;   ///< relative to the model
+    std::string m_eid;            ///< relative to the model
+    std::u16string m_subPath;     ///< below the block, e.g. inside a chart
+    std::u16string m_signalName;  ///< as shown to the user
+    std::u16string m_subSysPath;  ///< of the enclosing subsystem
+    std::u16string m_domainType;  ///< empty for an output port
+    std::u16string m_visualType;  ///< kind of display that the signal feeds
+    std::int32_t m_outputPortIndex = 0;
+    std::int32_t m_logicalPortIndex = 0;
+    std::int32_t m_decimation = 1;  ///< keep every n-th sample
+    std::int32_t m_maxPoints = 0;
+    bool m_targetBufferedStreaming = false;
+    bool m_isFrameBased = false;
+    bool m_hideInPLV = false;
+
+    friend bool operator==(const SignalFields&, const SignalFields&) = default;
+};
+
 /// One instrumented signal of a model: a block output port, or a chart's state, activity or data,
 /// told apart by the domain type, whose values are streamed to dashboards, viewers and recorders.
 ///
@@ -20,7 +41,7 @@ namespace ks_hmi {
 /// Failures of host calls by name become host warnings and give an empty result; failures of host
 /// value operations are thrown as the host's exception. A caller that asks the host keeps the record alive
 /// (`InstrumentedSignals::share`): scripts may change the set it is in. Thread: the host's interpreter thread.
-class KS_HMI_EXPORT SignalSpecification {
+class KS_HMI_EXPORT SignalSpecification : public SignalFields {
 public:
     using DomainParamsMap = std::unordered_map<std::u16string, std::u16string>;
     using BlockUUIDMap = std::unordered_map<std::string, std::string>;
@@ -73,17 +94,17 @@ public:
 
     /// A 1x1 struct with one character field per domain parameter, in the map's order. Names are not checked.
     HvArrayPtr getDomainParamsAsHvArray() const;
-    /// Replaces the record's own domain parameters by the fields of `value`; an empty value leaves none.
-    /// The map argument is ignored, on purpose: every caller passes that very map.
+    /// Replaces the record's own domain parameters by the fields of `value`, walked in the order of the fields; an
+    /// empty value leaves none. The map argument is ignored: every caller passes that very map.
     void extractDomainParamsFromHvArray(const hvArray* value, DomainParamsMap& ignored);
     /// The parameter's value, or the empty text when there is none; adds nothing.
     std::u16string getValueForDomainParams(const std::u16string& name) const;
 
     // ---- comparing ----
 
-    /// All persisted members are equal. The runtime-only ones are not compared. The domain parameters are
-    /// compared in the maps' own orders, on purpose: equal contents in another order are unequal, which may
-    /// befall a record that was read back once it has two parameters. False for null.
+    /// All persisted members are equal; the runtime-only ones are not compared. The domain parameters are compared in
+    /// the maps' own orders: equal contents in another order are unequal. A record that was saved and read back, or
+    /// went through a host object, has its parameters in the same order again. False for null.
     bool isEqual(const SignalSpecification* other) const;
     /// Both records denote the same source port: equal cached handles and ports, else, also when the handles
     /// differ (on purpose), equal port numbers, block path and sub-path. False for null.
@@ -136,24 +157,9 @@ public:
     /// The map itself. It outlives models and only grows.
     static BlockUUIDMap& getBlockUUIDmap();
 
-    // ---- the members, open to sets and host classes ----
+    // ---- further members, open to sets and host classes like the fields ----
 
-    std::string m_uuid;
-    std::u16string m_blockPath;   ///< relative to the model
-    std::string m_eid;            ///< relative to the model
-    std::u16string m_subPath;     ///< below the block, e.g. inside a chart
-    std::u16string m_signalName;  ///< as shown to the user
-    std::u16string m_subSysPath;  ///< of the enclosing subsystem
-    std::u16string m_domainType;  ///< empty for an output port
-    std::u16string m_visualType;  ///< kind of display that the signal feeds
     DomainParamsMap m_domainParams;
-    std::int32_t m_outputPortIndex = 0;
-    std::int32_t m_logicalPortIndex = 0;
-    std::int32_t m_decimation = 1;  ///< keep every n-th sample
-    std::int32_t m_maxPoints = 0;
-    bool m_targetBufferedStreaming = false;
-    bool m_isFrameBased = false;
-    bool m_hideInPLV = false;
     double m_cachedBlockHandle = 0.0;  ///< runtime only; valid for one load of the model
     std::int32_t m_cachedPortIdx = 0;  ///< runtime only; 0 until the handle is resolved
     std::string m_bindingRule;         ///< runtime only

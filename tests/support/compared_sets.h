@@ -231,10 +231,6 @@ private:
         for (std::size_t i = before; i < other.real().getCount(); ++i) {
             loaded.push_back(std::make_shared<PlainSignal>(side.plain.share(i - before)->asLoaded()));
             enter(other.real().share(i), loaded.back());
-            // A record that was read back may have its parameters in another order.
-            auto& parameters = loaded.back()->m_domainParams;
-            const auto read = PlainSignal::of(*m_records.back().real).m_domainParams;
-            if (std::is_permutation(read.begin(), read.end(), parameters.begin(), parameters.end())) parameters = read;
         }
         for (const PlainSignalPtr& signal : loaded) other.plain.add(signal);
     }
