@@ -21,14 +21,11 @@ public:
     }
 
     void unregisterBlock(const BlockContextPtr& ctx) {
-        // Declared before the lock, so that contexts die after it is released.
-        BlockContextSet::node_type block;
+        // Declared before the lock, so that the context it holds dies after that is released; `ctx` outlives both.
         BlocksById::node_type entry;
         const std::lock_guard lock(m_mutex);
-        // Asked first: a context that fails to answer stays registered.
-        const std::string blockId = ctx->getBlockId();
-        block = m_registeredBlocks.extract(ctx);
-        entry = m_blocksById.extract(blockId);
+        m_registeredBlocks.erase(ctx);
+        entry = m_blocksById.extract(ctx->getBlockId());
     }
 
     BlockContextSet getRegisteredBlocks() const {

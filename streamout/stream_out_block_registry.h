@@ -16,7 +16,8 @@ namespace streamout {
 /// `getBlockId` must not. Destroying the registry must not run beside another operation on it; a context that
 /// dies with it still sees it, empty, and must not register anything.
 /// Throws `std::system_error` when the lock fails, `std::bad_alloc` when memory runs out, and what a context's
-/// `getBlockId` throws; the registry is then as it was before.
+/// `getBlockId` throws. The registry is then as it was before, but for a context that cannot tell its identifier while
+/// it is unregistered: it has left already, and an entry under its identifier stays.
 class STREAMOUT_EXPORT StreamOutBlockRegistry {
 public:
     using BlockContextPtr = std::shared_ptr<StreamOutBlockContext>;

@@ -100,9 +100,17 @@ TEST_F(Registry, isUnchangedWhenAContextCannotAnswer) {
     registry.registerBlock(first);
     first->answersFail = true;
     EXPECT_THROW(registry.registerBlock(first), std::runtime_error);
-    EXPECT_THROW(registry.unregisterBlock(first), std::runtime_error);
     EXPECT_EQ(registry.getRegisteredBlocks(), Blocks{first});
     EXPECT_EQ(registry.getBlockForBlockId("block"), first);
+}
+
+TEST_F(Registry, aContextHasLeftWhenItIsAskedForItsIdentifier) {
+    registry.registerBlock(first);
+    first->answersFail = true;
+    EXPECT_THROW(registry.unregisterBlock(first), std::runtime_error);
+    EXPECT_EQ(registry.getRegisteredBlocks(), Blocks{});
+    EXPECT_EQ(registry.getBlockForBlockId("block"), first);
+    EXPECT_EQ(first.use_count(), 2) << "ours and the identifier's";
 }
 
 TEST_F(Registry, letsADyingContextUseIt) {
