@@ -34,8 +34,8 @@ void ModelObservers::getSignalsAndClients(HvArrayPtr& signals, HvArrayPtr& clien
 }
 
 HvArrayPtr ModelObservers::createFromSignalsAndClients(const hvArray* signals, const hvArray* clients) {
-    if (signals == nullptr && clients == nullptr) return nullptr;
     const HvArrayPtr none = inLocalScope(makeEmpty());
+    if (signals == nullptr && clients == nullptr) return nullptr;
     auto bundle =
         tryCallHost<1>("Kestrel.HMI.ModelObservers.createFromSignalsAndClients",
                        {signals != nullptr ? signals : none.get(), clients != nullptr ? clients : none.get()});

@@ -36,7 +36,6 @@ HvArrayPtr makeUint32(std::uint64_t value) {
 HvArrayPtr deepCopy(const HvArrayPtr& value) { return HvArrayPtr(hvCreateDeepCopy(value.get())); }
 
 bool areEqualValues(const hvArray* a, const hvArray* b) {
-    if (a == nullptr && b == nullptr) return true;
     const HvArrayPtr none = makeEmpty();
     const auto result = callHost<1>("isequal", {a != nullptr ? a : none.get(), b != nullptr ? b : none.get()});
     const bool* const answer = hvGetLogicals(result[0].get());
@@ -104,26 +103,14 @@ void SignalClient::getPersistenceData(hvArray* s, std::size_t index) const {
 }
 
 bool SignalClient::isEqual(const SignalClient* other) const {
-    return other != nullptr && m_updateRate == other->m_updateRate && m_dimensionChannel == other->m_dimensionChannel &&
-           m_observeImaginaryPart == other->m_observeImaginaryPart && m_busLeafPath == other->m_busLeafPath &&
-           m_uuid == other->m_uuid && m_signalUUID == other->m_signalUUID && m_sourceModel == other->m_sourceModel &&
-           m_observerType == other->m_observerType && m_modelPath == other->m_modelPath &&
-           m_modelPathEID == other->m_modelPathEID &&
-           areEqualValues(m_observerParams.get(), other->m_observerParams.get());
+    if (other == nullptr) return false;
+    const SignalClientFields& fields = *this;
+    return fields == *other && areEqualValues(m_observerParams.get(), other->m_observerParams.get());
 }
 
 std::unique_ptr<SignalClient> SignalClient::clone() const {
     auto copy = std::make_unique<SignalClient>();
-    copy->m_uuid = m_uuid;
-    copy->m_sourceModel = m_sourceModel;
-    copy->m_signalUUID = m_signalUUID;
-    copy->m_observerType = m_observerType;
-    copy->m_updateRate = m_updateRate;
-    copy->m_dimensionChannel = m_dimensionChannel;
-    copy->m_observeImaginaryPart = m_observeImaginaryPart;
-    copy->m_busLeafPath = m_busLeafPath;
-    copy->m_modelPath = m_modelPath;
-    copy->m_modelPathEID = m_modelPathEID;
+    static_cast<SignalClientFields&>(*copy) = *this;
     if (m_observerParams) copy->m_observerParams = persistent(deepCopy(m_observerParams));
     return copy;
 }
@@ -134,11 +121,11 @@ void SignalClient::stripModelName(const std::u16string& modelName) {
 }
 
 void SignalClient::renameModel(const std::u16string& oldName, const std::u16string& newName) {
-    // The parameters name the new model on purpose also when the source model is another.
+    if (m_sourceModel == oldName || m_sourceModel.empty()) m_sourceModel = newName;
+    // Kept: the parameters name the new model also when the source model is another.
     if (isStruct(m_observerParams.get()) && hvGetField(m_observerParams.get(), 0, "ModelName") != nullptr) {
         setField(m_observerParams.get(), 0, "ModelName", makeText(newName));
     }
-    if (m_sourceModel == oldName || m_sourceModel.empty()) m_sourceModel = newName;
 }
 
 bool SignalClient::isDeprecatedObserver() const {

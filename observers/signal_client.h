@@ -13,14 +13,32 @@
 
 namespace ks_hmi {
 
+/// What of an observer is saved, copied and compared member by member.
+struct SignalClientFields {
+    std::string m_uuid;
+    std::u16string m_sourceModel;
+    std::string m_signalUUID;    ///< of the observed `SignalSpecification`
+    std::string m_observerType;  ///< such as "hmi_web_widget_observer"
+    std::vector<std::u16string> m_modelPath;
+    std::vector<std::string> m_modelPathEID;
+    std::uint64_t m_updateRate = 1;
+    std::uint64_t m_dimensionChannel = 1;
+    bool m_observeImaginaryPart = false;
+    std::string m_busLeafPath;
+
+    friend bool operator==(const SignalClientFields&, const SignalClientFields&) = default;
+};
+
 /// One observer of an instrumented signal: a dashboard widget or another consumer of the signal whose UUID it names.
 ///
 /// Element 0 of the model path and of its identifiers is held relative to the owning model; further elements
-/// are never touched by model names. Records are copied with `clone` only. Queries that ask the host turn its
-/// refusals into warnings and give their fixed answers; failures of host value operations are thrown as the
-/// host's exception. A caller that asks the host keeps the record alive: scripts may change the set it is in.
+/// are never touched by model names. Records are copied with `clone` only.
+///
+/// Queries that ask the host turn its refusals into warnings and give their fixed answers. Failures of host value
+/// operations are thrown as the host's exception. A caller that asks the host keeps the record alive: scripts may
+/// change the set it is in. Parameters that hold the very set the client is in are a circle that nothing releases.
 /// Thread: the host's interpreter thread.
-class KS_HMI_EXPORT SignalClient {
+class KS_HMI_EXPORT SignalClient : public SignalClientFields {
 public:
     /// A record with the defaults that the members show.
     SignalClient();
@@ -49,8 +67,8 @@ public:
     /// The same relative to the model. A client without a model path so loses its source model.
     void getPersistenceData(hvArray* s, std::size_t index) const;
 
-    /// All members but the cached signal are equal; parameters are compared by the host's "isequal", whose
-    /// failure is thrown. False for null.
+    /// All members but the cached signal are equal. What decides last is the host's "isequal" of the parameters, with a
+    /// 0x0 double for none; its failure is thrown. False for null.
     bool isEqual(const SignalClient* other) const;
     /// An independent record without the cached signal.
     std::unique_ptr<SignalClient> clone() const;
@@ -84,19 +102,9 @@ public:
     /// The signal's maximum number of points; 0 without a signal.
     int getMaxPoints(const std::u16string& modelName);
 
-    // ---- the members, open to sets and host classes ----
+    // ---- further members, open to sets and host classes like the fields ----
 
-    std::string m_uuid;
-    std::u16string m_sourceModel;
-    std::string m_signalUUID;    ///< of the observed `SignalSpecification`
-    std::string m_observerType;  ///< such as "hmi_web_widget_observer"
-    std::vector<std::u16string> m_modelPath;
-    std::vector<std::string> m_modelPathEID;
-    HvArrayPtr m_observerParams;  ///< outlives host calls; null for none
-    std::uint64_t m_updateRate = 1;
-    std::uint64_t m_dimensionChannel = 1;
-    bool m_observeImaginaryPart = false;
-    std::string m_busLeafPath;
+    HvArrayPtr m_observerParams;                        ///< outlives host calls; null for none
     std::unique_ptr<SignalSpecification> m_signalSpec;  ///< runtime only
 };
 

@@ -209,7 +209,17 @@ TEST_F(SignalClientTest, equalityComparesEveryPersistedMember) {
 
     const auto failing = orvex::registerFunction("isequal", [](orvex::Call&) { orvex::raise("no", "no"); });
     EXPECT_EQ(raisedBy([&] { client->isEqual(client->clone().get()); }), "no no");
-    EXPECT_TRUE(SignalClient().isEqual(SignalClient().clone().get())) << "without parameters the host is not asked";
+
+    std::vector<bool> isNone;
+    const auto recording = orvex::registerFunction("isequal", [&](orvex::Call& c) {
+        for (const hvArray* const value : c.ins)
+            isNone.push_back(hvGetClassID(value) == hvDOUBLE_CLASS && hvIsEmpty(value));
+        c.outs[0] = logical(isNone.size() == 2);
+    });
+    EXPECT_TRUE(SignalClient().isEqual(SignalClient().clone().get())) << "the host decides also when there are none";
+    other->m_observerParams.reset();
+    EXPECT_FALSE(client->isEqual(other.get()));
+    EXPECT_EQ(isNone, (std::vector{true, true, false, true}));
 }
 
 TEST_F(SignalClientTest, renamingFollowsTheSourceModelAndAlwaysTheParameters) {
@@ -224,6 +234,15 @@ TEST_F(SignalClientTest, renamingFollowsTheSourceModelAndAlwaysTheParameters) {
         EXPECT_EQ(hvArrayToStdString(hvGetField(client->m_observerParams.get(), 0, "ModelName")), "b");
         EXPECT_EQ(client->m_modelPath[0], u"Sub/Model");
     }
+    const auto failing = filled();
+    failing->m_sourceModel = u"a";
+    EXPECT_NE(raisedBy([&] {
+                  const orvex::FaultInjection faults({1, true});
+                  failing->renameModel(u"a", u"b");
+              }),
+              "");
+    EXPECT_EQ(failing->m_sourceModel, u"b") << "before the parameters";
+
     SignalClient without;
     without.renameModel(u"a", u"b");
     without.m_observerParams = number(1);
