@@ -7,11 +7,15 @@
 /// The native instance behind a host object. `T` is a set.
 namespace ks_hmi_foundation {
 
+/// Element 0, null for a null or empty value. While it is held the object lives, whatever a script does to the value.
+inline hos::ObjectInterface heldObject(const hvArray* value) noexcept {
+    return hvIsEmpty(value) ? nullptr : omGetArrayElement(value, 0);
+}
+
 /// The instance behind element 0, not owned; null for a null or empty value and for another class.
 template <class T>
 T* nativeObject(const hvArray* value, hos::InternedName fullClassName) noexcept {
-    if (hvIsEmpty(value)) return nullptr;
-    return static_cast<T*>(hos::getNativeInstance(omGetArrayElement(value, 0), fullClassName));
+    return static_cast<T*>(hos::getNativeInstance(heldObject(value), fullClassName));
 }
 
 /// The same, never null: raises `InvalidObject` where there is none.

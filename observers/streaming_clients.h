@@ -66,7 +66,8 @@ public:
     /// Failures become warnings.
     static void handleModelRename(const hvArray* value);
     /// Fills `out` with new clients, the aligned observers as the host answers them; empty when the host refuses,
-    /// and after a failure part-way, which propagates.
+    /// and after a failure part-way, which propagates. The set is held meanwhile; `value` itself must live until the
+    /// host has taken the call.
     static void getAlignedObservers(const hvArray* value, std::vector<ClientPtr>& out);
 
 private:

@@ -9,6 +9,11 @@ using namespace ks_hmi_foundation;
 
 namespace {
 
+hos::InternedName className() {
+    static const hos::InternedName name = hos::internal::makeInterned(StreamingClients::kHostClass);
+    return name;
+}
+
 HvArrayPtr scalarObject(const hvArray* objects, std::size_t index) {
     return HvArrayPtr(omCreateHOSScalar(omGetArrayElement(objects, index)));
 }
@@ -30,8 +35,7 @@ HvArrayPtr StreamingClients::copy() const {
 bool StreamingClients::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kHostClass); }
 
 StreamingClients* StreamingClients::getFromHvArray(const hvArray* value) {
-    static const hos::InternedName className = hos::internal::makeInterned(kHostClass);
-    return nativeObject<StreamingClients>(value, className);
+    return nativeObject<StreamingClients>(value, className());
 }
 
 void StreamingClients::validateAndRemoveUnused(const hvArray* value) {
@@ -48,17 +52,19 @@ void StreamingClients::handleModelRename(const hvArray* value) {
     const HvArrayPtr newName = makeText(clients->m_modelName);
     const auto manager = tryCallHost<1>("Kestrel.HMI.InterfaceMgr.getInterfaceMgr", {});
     if (!manager || !(*manager)[0]) return;
-    // The known name stays on purpose: it catches up when the set is validated.
+    // Kept: the known name stays; it catches up when the set is validated.
     tryCallHost<0>("renameModel", {(*manager)[0].get(), oldName.get(), newName.get()});
 }
 
 void StreamingClients::getAlignedObservers(const hvArray* value, std::vector<ClientPtr>& out) {
     out.clear();
-    if (getFromHvArray(value) == nullptr) return;
+    const hos::ObjectInterface held = heldObject(value);
+    const auto* const clients = static_cast<StreamingClients*>(hos::getNativeInstance(held, className()));
+    if (clients == nullptr) return;
     const auto result = tryCallHost<1>("getAlignedObservers", {value});
     if (!result) return;
     const hvArray* const observers = (*result)[0].get();
-    const std::u16string modelName = requireNativeObject<StreamingClients>(value, kHostClass).m_modelName;
+    const std::u16string modelName = clients->m_modelName;
     std::vector<ClientPtr> aligned(hvGetNumberOfElements(observers));
     for (std::size_t i = 0; i < aligned.size(); ++i) {
         aligned[i] = std::make_unique<SignalClient>(scalarObject(observers, i).get(), 0, modelName);

@@ -71,7 +71,7 @@ std::optional<InstrumentedSignals::ChartEntry> InstrumentedSignals::chartEntryOf
     return ChartEntry{std::move(ssid), std::move(activity), objectKey, bit->second};
 }
 
-void InstrumentedSignals::addToObservedCWObjectCache(const SignalPtr& spec) {
+void InstrumentedSignals::addToObservedCWObjectCache(SignalPtr spec) {
     const auto entry = chartEntryOf(spec);
     if (!entry) return;
     // The activity goes in before the bit is set: when it cannot, nothing has changed but an empty entry.
@@ -80,7 +80,7 @@ void InstrumentedSignals::addToObservedCWObjectCache(const SignalPtr& spec) {
     activities.set(entry->bit);
 }
 
-void InstrumentedSignals::removeFromObservedCWObject(const SignalPtr& spec) {
+void InstrumentedSignals::removeFromObservedCWObject(SignalPtr spec) {
     const auto entry = chartEntryOf(spec);
     if (!entry) return;
     // The object's entry stays on purpose, also when no bit is left.

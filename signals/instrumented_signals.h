@@ -83,8 +83,9 @@ public:
     bool isEqual(const InstrumentedSignals* other) const;
     /// A new host object with clones of the signals, leaving out those not to be saved when asked to. Its
     /// port index still refers to this set's records, on purpose: a path query on the copy resolves the
-    /// originals until `updateObservedPortMap`. The chart index is copied only while an activity is observed. Throws
-    /// when the host refuses the new object.
+    /// originals until `updateObservedPortMap`. Until then path queries on both sets, which may write to those records,
+    /// must not run at the same time. The chart index is copied only while an activity is observed. Throws when the
+    /// host refuses the new object.
     HvArrayPtr copy(bool excludeUnsaved) const;
 
     // ---- persistence ----
@@ -102,9 +103,10 @@ public:
     static InstrumentedSignals* getFromHvArray(const hvArray* object);
     /// True for null and empty values, else exactly for one object of class `kHostClass`.
     static bool isValidType(const hvArray* value);
-    /// Has the host rebind the signals of the set behind `object`. A failure becomes a warning; rebinding is
-    /// no longer pending afterwards in every case. Nothing happens for null.
-    static void applyRebindingRules(hvArray* object, bool flag);
+    /// Has the host rebind the signals of the set behind `object`, which need not be this one. A failure becomes a
+    /// warning; rebinding is no longer pending afterwards in every case. Nothing happens for null. The object's set is
+    /// held meanwhile; `object` itself must live until the host has taken the call.
+    void applyRebindingRules(hvArray* object, bool flag);
 
     /// While rebinding is pending, signals whose cached handle is stale still answer for their path and port.
     void setRebindingPending(bool pending);
@@ -144,9 +146,9 @@ public:
     /// Whether the domain type is "cw_state", "cw_chart" or "cw_data".
     bool isChartworkDomain(const std::u16string& domainType) const;
     /// Enters a chart signal by its "Activity" and "SSID" parameters; an unknown activity is not recorded.
-    void addToObservedCWObjectCache(const SignalPtr& spec);
+    void addToObservedCWObjectCache(SignalPtr spec);
     /// Takes a chart signal's activity out again; the chart object's entry stays, on purpose, without the bit.
-    void removeFromObservedCWObject(const SignalPtr& spec);
+    void removeFromObservedCWObject(SignalPtr spec);
     /// Append the model's name, `eid`, `ssid` (and `activity`) to `list`, which is not cleared.
     void constructCWLookupStr(std::vector<std::string>& list, const std::string& eid, const std::string& ssid) const;
     void constructCWLookupStrUsingActivity(std::vector<std::string>& list, const std::string& eid,

@@ -37,9 +37,9 @@ HvArrayPtr InstrumentedSignals::copy(bool excludeUnsaved) const {
     other.m_signals.insert(other.m_signals.end(), clones.begin(), clones.end());
     other.m_modelName.swap(modelName);
     if (&other == this) return object;
-    // The copied index refers to this set's records on purpose; `updateObservedPortMap` makes it follow the clones.
+    // Kept: the copied index refers to this set's records; `updateObservedPortMap` makes it follow the clones.
     std::swap(other.m_observedPortMap, observedPorts);
-    // Without an observed activity neither chart container is copied, on purpose, whatever the objects' entries are.
+    // Kept: without an observed activity neither chart container is copied, whatever the objects' entries are.
     if (!activities.empty()) {
         other.m_observedCWActivity.swap(activities);
         other.m_observedCWObjectCache.swap(chartObjects);
@@ -71,8 +71,10 @@ bool InstrumentedSignals::isValidType(const hvArray* value) { return isNoneOrOne
 
 void InstrumentedSignals::applyRebindingRules(hvArray* object, bool flag) {
     if (object == nullptr) return;
-    Rollback settled([object, name = className()]() noexcept {
-        if (auto* const set = nativeObject<InstrumentedSignals>(object, name)) set->m_rebindingPending = false;
+    const hos::ObjectInterface held = heldObject(object);
+    const Rollback settled([&held, name = className()]() noexcept {
+        auto* const set = static_cast<InstrumentedSignals*>(hos::getNativeInstance(held, name));
+        if (set != nullptr) set->m_rebindingPending = false;
     });
     const HvArrayPtr flagValue = makeLogical(flag);
     hvSetArrayScope(flagValue.get(), nullptr);

@@ -40,7 +40,7 @@ struct Answer {
 
 std::vector<Answer> answersOf(Session& session) {
     // Ports are known of signals that are bound.
-    ks_hmi::InstrumentedSignals::applyRebindingRules(session.set(), true);
+    session.signals().applyRebindingRules(session.set(), true);
     const std::u16string& model = session.model().name();
     const SignalUuids uuids(session);
     std::vector<Answer> answers;

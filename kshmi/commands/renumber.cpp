@@ -135,7 +135,7 @@ int runRenumber(const RenumberArguments& arguments, const Output& output) {
     const Block& block = resolveBlock(model, arguments.block);
     std::vector<std::u16string> outputs = renumbered(block, numbers);
     // What is bound answers by handle under its new number, whatever its logical number is.
-    ks_hmi::InstrumentedSignals::applyRebindingRules(session.set(), true);
+    session.signals().applyRebindingRules(session.set(), true);
 
     ChangeReport report(output, arguments.isDryRun);
     const DanglingWatch watch(session);

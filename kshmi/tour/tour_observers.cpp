@@ -46,7 +46,7 @@ void Tour::addClients() {
 
 void Tour::askClients() {
     title("Who watches what?");
-    ks_hmi::InstrumentedSignals::applyRebindingRules(m_session->set(), true);
+    m_session->signals().applyRebindingRules(m_session->set(), true);
     const std::vector<StreamingClients::ClientPtr> aligned = alignedClients(*m_session);
     if (aligned.empty()) say("nobody watches anything");
     const std::u16string& model = m_session->model().name();

@@ -212,6 +212,15 @@ TEST_F(StreamingClientsTest, alignedObserversAreNewClientsWithRelativePaths) {
     EXPECT_EQ(clients().get(1)->m_modelPath[0], u"Sub");
     StreamingClients::getAlignedObservers(emptyDouble().get(), out);
     EXPECT_TRUE(out.empty());
+
+    HvArrayPtr only = call("Kestrel.HMI.StreamingClients", {text("m1").get()});
+    const auto releasing = orvex::registerFunction("getAlignedObservers", [&](orvex::Call& c) {
+        only.reset();
+        c.outs[0] = client("c")->getHOSObject(u"m1");
+    });
+    StreamingClients::getAlignedObservers(only.get(), out);
+    ASSERT_EQ(out.size(), 1U) << "a script lets go of the caller's value";
+    EXPECT_EQ(out[0]->m_modelPath[0], u"Sub");
 }
 
 TEST_F(StreamingClientsTest, copyIsDeepAndKeepsBothNames) {
@@ -278,6 +287,11 @@ TEST_F(StreamingClientsTest, bundlesValidateTheScalarFirst) {
 }
 
 TEST_F(StreamingClientsTest, bundlesSplitIntoWhatTheyWereBuiltFrom) {
+    {
+        const orvex::FaultInjection memory({1, true, orvex::FaultKind::outOfMemory});
+        EXPECT_THROW(ModelObservers::createFromSignalsAndClients(nullptr, nullptr), std::bad_alloc)
+            << "what stands for a missing part is made first";
+    }
     EXPECT_EQ(ModelObservers::createFromSignalsAndClients(nullptr, nullptr), nullptr);
     const auto bundle = ModelObservers::createFromSignalsAndClients(nullptr, clientsObject());
     HvArrayPtr signals;

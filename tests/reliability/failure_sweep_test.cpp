@@ -132,7 +132,7 @@ const std::vector<Row>& setRows() {
         {"rebind",
          [](World& w) {
              w.signals().setRebindingPending(true);
-             InstrumentedSignals::applyRebindingRules(w.signalsObject.get(), false);
+             w.signals().applyRebindingRules(w.signalsObject.get(), false);
          },
          Leaves::beginning},
         {"rebuild the index", [](World& w) { w.signals().updateObservedPortMap(); }},

@@ -223,13 +223,13 @@ TEST_F(InstrumentedSignalsTest, rebindingFindsPortsByIdentifierThenByPathAndForg
                   call("applyRebindingRules", {object(), object()}, 0);
               }).find("Argument 2 of"),
               std::string::npos);
-    InstrumentedSignals::applyRebindingRules(target.get(), true);
+    set().applyRebindingRules(target.get(), true);
     for (std::size_t i = 0; i < std::size(rows); ++i) {
         EXPECT_EQ(set().get(i)->m_bindingRule, rows[i].rule) << i;
         EXPECT_EQ(set().get(i)->m_cachedBlockHandle, rows[i].boundTo ? handleOf(rows[i].boundTo) : 0.0) << i;
     }
     set().get(1)->setCachedInfo(kStale, 1);
-    InstrumentedSignals::applyRebindingRules(target.get(), false);
+    set().applyRebindingRules(target.get(), false);
     EXPECT_EQ(set().get(0)->m_cachedBlockHandle, handleOf(u"Sub/Switch"));
     EXPECT_EQ(set().get(1)->m_cachedBlockHandle, 0.0) << "stale";
     EXPECT_TRUE(orvex::warnings().empty());
@@ -241,7 +241,7 @@ TEST_F(InstrumentedSignalsTest, rebindingIsNoLongerPendingWhateverTheHostDoes) {
     const auto pendingAfter = [&](orvex::HostFunction function) {
         const auto registration = orvex::registerFunction("applyRebindingRules", std::move(function));
         set().setRebindingPending(true);
-        InstrumentedSignals::applyRebindingRules(target.get(), true);
+        set().applyRebindingRules(target.get(), true);
         return set().isRebindingPending();
     };
     EXPECT_FALSE(pendingAfter([&](orvex::Call& c) { flag = hvIsLogicalScalarTrue(c.ins[1]); }));
@@ -249,10 +249,11 @@ TEST_F(InstrumentedSignalsTest, rebindingIsNoLongerPendingWhateverTheHostDoes) {
     EXPECT_TRUE(orvex::warnings().empty());
     EXPECT_FALSE(pendingAfter([](orvex::Call&) { orvex::raise("no", "no"); }));
     EXPECT_EQ(orvex::warnings().size(), 1U);
-    InstrumentedSignals::applyRebindingRules(nullptr, true);
+    EXPECT_FALSE(pendingAfter([&](orvex::Call&) { target.reset(); })) << "a script lets go of the caller's value";
+    set().applyRebindingRules(nullptr, true);
     const auto notASet = number(1);
     const auto accepting = orvex::registerFunction("applyRebindingRules", [](orvex::Call&) {});
-    InstrumentedSignals::applyRebindingRules(notASet.get(), false);
+    set().applyRebindingRules(notASet.get(), false);
 }
 
 }  // namespace

@@ -113,8 +113,7 @@ void Session::bindRenumbered() {
         const ks_hmi::SignalSpecification& signal = *signals().get(i);
         const bool isRenumbered =
             signal.m_logicalPortIndex >= 1 && signal.m_logicalPortIndex != signal.m_outputPortIndex;
-        if (isRenumbered && !isChartSignal(signal))
-            return ks_hmi::InstrumentedSignals::applyRebindingRules(set(), true);
+        if (isRenumbered && !isChartSignal(signal)) return signals().applyRebindingRules(set(), true);
     }
 }
 
