@@ -192,7 +192,7 @@ TEST_F(HostTraffic, queriesOfTheHostPassTheirArgumentsInOrder) {
     std::set<double> badges;
     EXPECT_EQ(recorded(kCalls, [&] { InstrumentedSignals::getPortsWithBadges(world.modelObject.get(), badges); }),
               (Lines{"kssvFEVAL_NoThrow 1 getPortsWithBadges (Kestrel.Model) true null"}));
-    EXPECT_EQ(recorded(kCalls, [&] { InstrumentedSignals::applyRebindingRules(world.signalsObject.get(), true); }),
+    EXPECT_EQ(recorded(kCalls, [&] { world.signals().applyRebindingRules(world.signalsObject.get(), true); }),
               (Lines{"hvSetArrayScope true null",
                      "kssvFEVAL_NoThrow 0 applyRebindingRules (Kestrel.HMI.InstrumentedSignals, true) true null"}));
     EXPECT_EQ(recorded(kCalls, [&] { world.signals().copy(false); }),
