@@ -159,6 +159,17 @@ TEST_F(InstrumentedSignalsTest, chartContainersAreCopiedOnlyWhileAnActivityIsObs
     EXPECT_FALSE(observedInCopy());
 }
 
+TEST_F(InstrumentedSignalsTest, chartObjectsMatchByTheTextsOfTheirIdentifiers) {
+    for (const char16_t* const ssid : {u"0.10000000000000001", u"-0"}) set().add(chartItem(u"cw_state", ssid, u"Self"));
+    for (const auto& [ssid, expected] : {std::pair(0.1, true), {-0.0, true}, {0.0, false}}) {
+        EXPECT_EQ(set().isCWActivityObserved(u"m1:4", ssid, u"Self"), expected) << ssid;
+        EXPECT_EQ(set().isAnyCWActivityObserved(u"m1:4", ssid), expected) << ssid;
+    }
+    std::vector<std::string> list = {"kept"};
+    set().constructCWLookupStrUsingActivity(list, "4", "7", "Self");
+    EXPECT_EQ(list, (std::vector<std::string>{"kept", "m1", "4", "7", "Self"}));
+}
+
 TEST_F(InstrumentedSignalsTest, typeTestAndLookupAcceptNothingOrOneObjectOfTheClass) {
     struct Row {
         HvArrayPtr value;

@@ -1,6 +1,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 #include "tests/support/host_test.h"
 
@@ -28,10 +29,13 @@ HvArrayPtr cells(std::initializer_list<const char*> texts) {
     return column;
 }
 
-/// One row in which no two results could be taken for each other; the flags are 0.
-Results oneRow() {
-    return {cells({"uuid"}), doubles({12.5}), doubles({2}),      doubles({3}), doubles({4}),
-            doubles({0}),    doubles({0}),    cells({"signal"}), doubles({0}), cells({"m1/Gain"})};
+/// Two rows: one that holds nothing, and one in which no two results could be taken for each other; flags are 0.
+Results twoRows() {
+    return {cells({nullptr, "uuid"}), doubles({0, 12.5}),
+            doubles({0, 2}),          doubles({0, 3}),
+            doubles({0, 4}),          doubles({1, 0}),
+            doubles({1, 0}),          cells({nullptr, "name"}),
+            doubles({1, 0}),          cells({nullptr, "m1/Gain"})};
 }
 
 class ObservedPortQueries : public ModelTest {
@@ -57,117 +61,73 @@ protected:
 };
 
 TEST_F(ObservedPortQueries, eachFieldComesFromItsResult) {
-    const auto expectTextsAndNumbers = [](const Source& source) {
-        EXPECT_EQ(source.uuid, "uuid");
-        EXPECT_EQ(source.blockHandle, 12.5);
-        EXPECT_EQ(source.outputPortIndex, 2);
-        EXPECT_EQ(source.decimation, 3);
-        EXPECT_EQ(source.maxPoints, 4);
-        EXPECT_EQ(source.signalName, u"signal");
-        EXPECT_EQ(source.blockPath, u"m1/Gain");
-    };
     struct Row {
         std::size_t result;
         bool Source::*flag;
     };
     const Row rows[] = {{6, &Source::isFrameBased}, {7, &Source::targetBufferedStreaming}, {9, &Source::hideInPLV}};
     for (const Row& row : rows) {
-        Results results = oneRow();
-        results[row.result - 1] = doubles({1});
+        Results results = twoRows();
+        results[row.result - 1] = doubles({0, 1});
         const std::vector<Source> sources = sourcesFrom(results);
-        ASSERT_EQ(sources.size(), 1U);
-        expectTextsAndNumbers(sources[0]);
-        for (const Row& other : rows) EXPECT_EQ(sources[0].*other.flag, &row == &other) << row.result;
+        ASSERT_EQ(sources.size(), 2U);
+        const Source& s = sources[1];
+        EXPECT_EQ(std::tie(s.uuid, s.signalName, s.blockPath), std::tuple("uuid", u"name", u"m1/Gain"));
+        EXPECT_EQ(std::tie(s.blockHandle, s.outputPortIndex, s.decimation, s.maxPoints), std::tuple(12.5, 2, 3, 4));
+        for (const Row& other : rows) EXPECT_EQ(s.*other.flag, &row == &other) << row.result;
     }
 }
 
-TEST_F(ObservedPortQueries, argumentsReachTheHostInOrder) {
-    std::string seen;
-    const auto recording = orvex::registerFunction("getObservedPorts", [&](orvex::Call& c) {
-        seen = std::to_string(c.nOut) + hvGetClassName(c.ins[0]);
-        for (const std::size_t i : {1U, 2U}) seen += ' ' + hvArrayToStdString(c.ins[i]);
-        for (const std::size_t i : {3U, 4U}) seen += hvIsLogicalScalarTrue(c.ins[i]) ? " yes" : " no";
-        EXPECT_EQ(c.ins.size(), 5U);
-        EXPECT_EQ(hvGetClassID(c.ins[3]), hvLOGICAL_CLASS);
-    });
-    std::vector<Source> sources(1);
-    InstrumentedSignals::getObservedPorts(object(), "m1/Sub", "scope", sources, false, true);
-    EXPECT_EQ(seen, "10Kestrel.HMI.InstrumentedSignals m1/Sub scope no yes");
-    EXPECT_TRUE(sources.empty()) << "a result 2 that is not there has no elements";
-}
-
-TEST_F(ObservedPortQueries, numbersTruncateAndSaturateAndNaNIsATrueFlag) {
+TEST_F(ObservedPortQueries, numbersOfAnyClassTruncateAndSaturateAndWhatIsNoNumberIsTheDefault) {
     struct Row {
-        double number;
+        HvArrayPtr given;
         std::int32_t integer;
         bool flag;
     };
     const Row rows[] = {
-        {2.9, 2, true},    {-2.9, -2, true},        {0.0, 0, false},         {-0.0, 0, false},
-        {1e-300, 0, true}, {std::nan(""), 0, true}, {1e10, INT32_MAX, true}, {-kInfinity, INT32_MIN, true},
+        {doubles({2.9}), 2, true},
+        {doubles({-2.9}), -2, true},
+        {doubles({-0.0}), 0, false},
+        {doubles({1e-300}), 0, true},
+        {doubles({std::nan("")}), 0, true},
+        {doubles({1e10}), INT32_MAX, true},
+        {doubles({-kInfinity}), INT32_MIN, true},
+        {logical(true), 1, true},
+        {numbers<float>(hvSINGLE_CLASS, {2.5F}), 2, true},
+        {numbers<std::int8_t>(hvINT8_CLASS, {-7}), -7, true},
+        {numbers<std::uint16_t>(hvUINT16_CLASS, {0}), 0, false},
+        {numbers<std::uint64_t>(hvUINT64_CLASS, {UINT64_MAX}), INT32_MAX, true},
+        {nullptr, 0, false},
+        {emptyDouble(), 0, false},
+        {cells({"1"}), 0, false},
     };
     for (const Row& row : rows) {
-        Results results = oneRow();
-        for (const std::size_t result : {2U, 3U, 4U, 5U, 6U, 7U, 9U}) results[result - 1] = doubles({row.number});
-        const Source source = sourcesFrom(results).at(0);
-        const std::string given = std::to_string(row.number);
-        for (const auto field : {&Source::outputPortIndex, &Source::decimation, &Source::maxPoints}) {
-            EXPECT_EQ(source.*field, row.integer) << given;
-        }
-        for (const auto field : {&Source::isFrameBased, &Source::targetBufferedStreaming, &Source::hideInPLV}) {
-            EXPECT_EQ(source.*field, row.flag) << given;
-        }
-        EXPECT_TRUE(source.blockHandle == row.number || std::isnan(row.number)) << "the handle is taken as it is";
+        Results results;
+        results[1] = doubles({1.5});
+        for (const std::size_t result : {3U, 4U, 5U, 6U, 7U, 9U})
+            if (row.given) results[result - 1].reset(hvCreateDeepCopy(row.given.get()));
+        const Source s = sourcesFrom(results).at(0);
+        for (const auto field : {&Source::outputPortIndex, &Source::decimation, &Source::maxPoints})
+            EXPECT_EQ(s.*field, row.integer) << &row - rows;
+        for (const auto field : {&Source::isFrameBased, &Source::targetBufferedStreaming, &Source::hideInPLV})
+            EXPECT_EQ(s.*field, row.flag) << &row - rows;
     }
-}
-
-TEST_F(ObservedPortQueries, logicalAndIntegerClassesConvert) {
-    Results results = oneRow();
+    Results results;
+    EXPECT_TRUE(sourcesFrom(results).empty()) << "as many ports as result 2 has numbers";
     results[1] = numbers<float>(hvSINGLE_CLASS, {1.5F, 2.5F});
-    results[2] = numbers<std::int8_t>(hvINT8_CLASS, {-7, 3});
-    results[3] = numbers<std::uint64_t>(hvUINT64_CLASS, {UINT64_MAX, 4});
-    results[5] = logical(true);
-    results[8] = numbers<std::uint16_t>(hvUINT16_CLASS, {0, 9});
-    const std::vector<Source> sources = sourcesFrom(results);
-    ASSERT_EQ(sources.size(), 2U);
-    EXPECT_EQ(sources[1].blockHandle, 2.5);
-    EXPECT_EQ(sources[0].outputPortIndex, -7);
-    EXPECT_EQ(sources[0].decimation, INT32_MAX);
-    EXPECT_EQ(sources[1].decimation, 4);
-    EXPECT_TRUE(sources[0].isFrameBased);
-    EXPECT_FALSE(sources[0].hideInPLV);
-    EXPECT_TRUE(sources[1].hideInPLV);
+    EXPECT_EQ(sourcesFrom(results).at(1).blockHandle, 2.5);
 }
 
-TEST_F(ObservedPortQueries, whatAResultDoesNotHoldKeepsTheDefault) {
-    Results missing;
-    missing[1] = doubles({1.5, 2.5});
-    Results shorter = oneRow();
-    shorter[1] = doubles({1.5, 2.5});
-    Results ofOtherClasses = oneRow();
-    for (const std::size_t textResult : {1U, 8U, 10U}) ofOtherClasses[textResult - 1] = doubles({1, 2});
-    for (const std::size_t number : {3U, 4U, 5U, 6U, 7U, 9U}) ofOtherClasses[number - 1] = cells({"1", "2"});
-    ofOtherClasses[1] = doubles({1.5, 2.5});
-    Results unset = oneRow();
-    unset[1] = doubles({1.5, 2.5});
-    unset[0] = cells({"uuid", nullptr});
-    unset[7] = cells({"signal", nullptr});
-    hvSetCell(unset[7].get(), 1, number(7).release());
-    unset[9] = cells({"m1/Gain", nullptr});
-
-    Results none = oneRow();
-    none[1] = emptyDouble();
-    EXPECT_TRUE(sourcesFrom(none).empty());
-    for (const Results* const results : {&missing, &shorter, &ofOtherClasses, &unset}) {
-        const std::vector<Source> sources = sourcesFrom(*results);
-        ASSERT_EQ(sources.size(), 2U);
-        const Source& source = sources[1];
-        EXPECT_EQ(source.blockHandle, 2.5);
-        EXPECT_EQ(source.uuid, "");
-        EXPECT_EQ(source.signalName, u"");
-        EXPECT_EQ(source.blockPath, u"");
-        EXPECT_EQ(source.outputPortIndex + source.decimation + source.maxPoints, 0);
-        EXPECT_FALSE(source.isFrameBased || source.targetBufferedStreaming || source.hideInPLV);
+TEST_F(ObservedPortQueries, whatIsNoTextIsTheEmptyOne) {
+    HvArrayPtr withNumber = cells({nullptr});
+    hvSetCell(withNumber.get(), 0, number(7).release());
+    for (const HvArrayPtr& given : {HvArrayPtr(), cells({nullptr}), doubles({1}), std::move(withNumber)}) {
+        Results results;
+        results[1] = doubles({1.5});
+        for (const std::size_t result : {1U, 8U, 10U})
+            if (given) results[result - 1].reset(hvCreateDeepCopy(given.get()));
+        const Source s = sourcesFrom(results).at(0);
+        EXPECT_EQ(s.uuid + utf8(s.signalName + s.blockPath), "");
     }
     EXPECT_TRUE(orvex::warnings().empty());
 }
@@ -221,13 +181,10 @@ TEST_F(ObservedPortQueries, anOpenModelListsItsOwnObservedPorts) {
     ASSERT_EQ(sources.size(), 2U) << "neither the hidden signal, nor the one without a block, nor the chart's";
     EXPECT_EQ(sources[0].uuid, set().get(0)->m_uuid);
     EXPECT_EQ(sources[0].blockPath, u"m1/Gain");
-    EXPECT_EQ(sources[1].blockHandle, handleOf(u"Sub/Switch"));
-    EXPECT_EQ(sources[1].outputPortIndex, 3);
-    EXPECT_EQ(sources[1].decimation, 5);
-    EXPECT_EQ(sources[1].maxPoints, 100);
-    EXPECT_EQ(sources[1].signalName, u"speed");
-    EXPECT_TRUE(sources[1].isFrameBased);
-    EXPECT_FALSE(sources[1].targetBufferedStreaming || sources[1].hideInPLV);
+    const Source& s = sources[1];
+    EXPECT_EQ(std::tie(s.blockHandle, s.outputPortIndex, s.decimation, s.maxPoints, s.signalName),
+              std::tuple(handleOf(u"Sub/Switch"), 3, 5, 100, u"speed"));
+    EXPECT_EQ(std::tie(s.isFrameBased, s.targetBufferedStreaming, s.hideInPLV), std::tuple(true, false, false));
     InstrumentedSignals::getObservedPorts(model.get(), "m1/Sub", "", sources, true, true);
     EXPECT_EQ(sources.size(), 1U);
     InstrumentedSignals::getObservedPorts(model.get(), "m1/Su", "", sources, true, true);

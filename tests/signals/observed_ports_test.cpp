@@ -34,8 +34,9 @@ TEST_F(ObservedPorts, handlesCompareExactly) {
 TEST_F(ObservedPorts, subPathsMatchWhenTheirUtf8Does) {
     std::vector<std::u16string> texts;
     for (const std::size_t letters : {0U, 2U, 5U, 9U})
-        for (const std::u16string core : {u"\xD800", u"\xDC00", u"\xFFFD", u"\xD83D\xDE00", u"\xDE00\xD83D",
-                                          u"\xD83D\xD83D", u"\xFFFD\xFFFD", u"\xD83Dx\xDE00", u"\xFFFDx\xFFFD"})
+        for (const std::u16string core :
+             {u"\xD800", u"\xDC00", u"\xFFFD", u"\xD83D\xDE00", u"\xD83D\xDE01", u"\xDE00\xD83D", u"\xD83D\xD83D",
+              u"\xFFFD\xFFFD", u"\xD83Dx\xDE00", u"\xFFFDx\xFFFD"})
             for (const bool isFirst : {false, true})
                 texts.push_back(isFirst ? core + std::u16string(letters, u'a') : std::u16string(letters, u'a') + core);
     for (const std::u16string& watched : texts) {

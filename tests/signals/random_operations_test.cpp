@@ -80,6 +80,8 @@ TEST_F(RandomOperations, theSetAgreesWithItsPlainModel) {
             FAIL() << "Seed " << seed << ": " << shortest(operations, *failure);
     }
     EXPECT_TRUE(orvex::warnings().empty());
+    EXPECT_EQ(totals.steps, count * kSteps);
+    EXPECT_TRUE(totals.failures > 0 && totals.yes > 0 && totals.questions > totals.yes);
     std::cout << count << " sequences, " << totals.steps << " steps, " << totals.failures << " of them failed, "
               << totals.questions << " questions, " << totals.yes << " of them answered yes\n";
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -30,18 +31,14 @@ WksRecordingContext withFormat(const std::string& format) {
 
 TEST(FileRecordingContext, keepsEachArgumentForItsGetter) {
     CsvContext context(u"/tmp/run.csv", u"cruise", "wheels", u"cruise/Sensors", {{"gain", 2.0}});
-    EXPECT_EQ(context.getFullFilePath(), u"/tmp/run.csv");
-    EXPECT_EQ(context.getModelName(), u"cruise");
-    EXPECT_EQ(context.getLoggingDomain(), "wheels");
-    EXPECT_EQ(context.getBlockPath(), u"cruise/Sensors");
+    EXPECT_EQ(std::tuple(context.getFullFilePath(), context.getModelName(), context.getLoggingDomain(),
+                         context.getBlockPath(), context.getFileExtensionAsString()),
+              std::tuple(u"/tmp/run.csv", u"cruise", "wheels", u"cruise/Sensors", ".csv"));
     EXPECT_TRUE((context.getFilePropertiesMap() == FileRecordingContext::FilePropertiesMap{{"gain", 2.0}}));
-    EXPECT_EQ(context.getFileExtensionAsString(), ".csv");
     EXPECT_EQ(context.getDecimation() + context.getMaxPoints(), "");
-
     context.setDecimation("ten");
     context.setMaxPoints("inf");
-    EXPECT_EQ(context.getDecimation(), "ten");
-    EXPECT_EQ(context.getMaxPoints(), "inf");
+    EXPECT_EQ(std::tuple(context.getDecimation(), context.getMaxPoints()), std::tuple("ten", "inf"));
 }
 
 TEST(FileRecordingContext, namesTheFileByWhatFollowsTheLastSeparator) {
@@ -98,13 +95,9 @@ TEST(FileRecordingContext, asksADerivedClassForPropertiesAndKey) {
 
 TEST(WksRecordingContext, keepsEachArgumentForItsGetter) {
     const WksRecordingContext context(u"speed", u"cruise", "source:1", "array", "2", "100", true);
-    EXPECT_EQ(context.getVariableName(), u"speed");
-    EXPECT_EQ(context.getModelName(), u"cruise");
-    EXPECT_EQ(context.getSourceID(), "source:1");
-    EXPECT_EQ(context.getFormat(), "array");
-    EXPECT_EQ(context.getDecimation(), "2");
-    EXPECT_EQ(context.getMaxPoints(), "100");
-    EXPECT_TRUE(context.getFixedPtAsDoubleFlag());
+    EXPECT_EQ(std::tuple(context.getVariableName(), context.getModelName(), context.getSourceID(), context.getFormat(),
+                         context.getDecimation(), context.getMaxPoints(), context.getFixedPtAsDoubleFlag()),
+              std::tuple(u"speed", u"cruise", "source:1", "array", "2", "100", true));
     EXPECT_FALSE(withFormat("array").getFixedPtAsDoubleFlag());
 }
 

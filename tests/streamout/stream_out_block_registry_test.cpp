@@ -143,6 +143,7 @@ TEST_F(Registry, reportsALockThatFailsByItsErrorNumberAndReleasesItAtEveryExit) 
         g_lockError = EDEADLK;
         try {
             operation();
+            g_lockError = 0;
             ADD_FAILURE() << &operation - operations;
         } catch (const std::system_error& error) {
             EXPECT_EQ(error.code().value(), EDEADLK);
