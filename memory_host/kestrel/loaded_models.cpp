@@ -10,7 +10,7 @@ namespace kestrel {
 
 namespace {
 
-// Fractional on purpose: code that squeezes a handle through an integer must be found out.
+// Kept: fractional, so that code that squeezes a handle through an integer is found out.
 double nextHandle() {
     constexpr double kFraction = 1.0 / 8192.0;
     static std::uint64_t count = 0;

@@ -24,7 +24,7 @@ public:
     /// Borrowed: a 1x1 "Kestrel.HMI.InstrumentedSignals" object, or null.
     hvArray* signals() noexcept { return m_signals.get(); }
     const hvArray* signals() const noexcept { return m_signals.get(); }
-    void setSignals(HvArrayPtr signals) noexcept { m_signals = std::move(signals); }
+    void setSignals(HvArrayPtr signals) noexcept { m_signals = kept(std::move(signals)); }
     /// Positions (1-based) at which signals were found last, by UUID. A hint: the set may have changed since,
     /// and of several signals with one UUID it may be any.
     std::unordered_map<std::u16string, double>& foundSignals() noexcept { return m_foundSignals; }
@@ -32,9 +32,14 @@ public:
     /// Borrowed: a 1x1 "Kestrel.HMI.StreamingClients" object, or null.
     hvArray* clients() noexcept { return m_clients.get(); }
     const hvArray* clients() const noexcept { return m_clients.get(); }
-    void setClients(HvArrayPtr clients) noexcept { m_clients = std::move(clients); }
+    void setClients(HvArrayPtr clients) noexcept { m_clients = kept(std::move(clients)); }
 
 private:
+    static HvArrayPtr kept(HvArrayPtr value) noexcept {
+        hvSetArrayScope(value.get(), nullptr);
+        return value;
+    }
+
     Model m_model;
     HvArrayPtr m_signals;
     std::unordered_map<std::u16string, double> m_foundSignals;

@@ -14,6 +14,7 @@
 
 #include "kshmi/commands/command_line.h"
 #include "memory_host/orvex/account/ledger.h"
+#include "memory_host/orvex/account/scope_errors.h"
 #include "workbench/session/host_process.h"
 
 namespace kshmi::testing {
@@ -24,6 +25,7 @@ public:
     void TearDown() override {
         EXPECT_TRUE(workbench::leaveHost(std::cerr));
         EXPECT_EQ(orvex::liveCounts(), orvex::LedgerCounts{}) << orvex::describeLive();
+        EXPECT_EQ(orvex::scopeErrors(), std::vector<std::string>());
     }
 };
 inline const auto* const kHostProcess = ::testing::AddGlobalTestEnvironment(new HostProcess);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -102,7 +103,13 @@ inline void constructCounter(hos::Invocation& call) {
 template <class Make>
 Body gives(Make make) {
     return [make](hos::Invocation& call) {
-        call.results[0] = make();
+        if constexpr (std::is_same_v<decltype(make()), HvArrayPtr>) {
+            HvArrayPtr result = make();
+            hvSetArrayScope(result.get(), hvSCOPE_NONE);
+            call.results[0] = std::move(result);
+        } else {
+            call.results[0] = make();
+        }
         call.resultCount = 1;
     };
 }
@@ -130,6 +137,13 @@ public:
         method("isGood", Types{kCounter, "", "logical scalar"}, Types{"logical scalar"}, gives([] { return true; }), 1);
         method("noObject", Types{kCounter}, Types{kCounter}, gives([] { return HvArrayPtr(); }));
         method("wrongResult", Types{kCounter}, Types{kCounter}, gives([] { return ks_test::number(1.0); }));
+        method(
+            "bare", Types{}, Types{"any"},
+            [](hos::Invocation& call) {
+                call.results[0] = ks_test::number(1.0);
+                call.resultCount = 1;
+            },
+            0, true);
         method("make", Types{}, Types{"any"}, gives([] { return ks_test::number(1.0); }), 0, true);
     }
     void* createInstance() const override {

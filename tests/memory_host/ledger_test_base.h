@@ -3,17 +3,27 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <string>
+#include <vector>
 
 #include "host/hv_array.h"
 #include "memory_host/orvex/account/ledger.h"
+#include "memory_host/orvex/account/scope_errors.h"
 #include "memory_host/orvex/calls/warnings.h"
 #include "tests/support/values.h"
 
-/// Ends with as many live values, objects and diagnostics as it began with, and starts without warnings.
+/// Ends with as many live values, objects and diagnostics as it began with and without scope errors; starts without
+/// warnings.
 class LedgerTest : public ::testing::Test {
 protected:
-    LedgerTest() { orvex::clearWarnings(); }
-    void TearDown() override { EXPECT_EQ(orvex::liveCounts(), m_before) << orvex::describeLive(); }
+    LedgerTest() {
+        orvex::clearWarnings();
+        orvex::clearScopeErrors();
+    }
+    void TearDown() override {
+        EXPECT_EQ(orvex::liveCounts(), m_before) << orvex::describeLive();
+        EXPECT_EQ(orvex::scopeErrors(), std::vector<std::string>());
+    }
 
 private:
     const orvex::LedgerCounts m_before = orvex::liveCounts();

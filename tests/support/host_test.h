@@ -10,6 +10,7 @@
 #include "memory_host/kestrel/loaded_models.h"
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/account/ledger.h"
+#include "memory_host/orvex/account/scope_errors.h"
 #include "memory_host/orvex/calls/library_loader.h"
 #include "memory_host/orvex/calls/warnings.h"
 #include "signals/instrumented_signals.h"
@@ -34,6 +35,8 @@ protected:
         kestrel::releaseHostSide();
         orvex::clearWarnings();
         EXPECT_EQ(orvex::liveCounts(), orvex::LedgerCounts{}) << orvex::describeLive();
+        EXPECT_EQ(orvex::scopeErrors(), std::vector<std::string>());
+        orvex::clearScopeErrors();
     }
 };
 

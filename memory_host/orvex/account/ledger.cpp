@@ -65,6 +65,11 @@ LedgerEntry::LedgerEntry(LedgerKind kind, const void* thing, Describe describe, 
 }
 
 LedgerEntry::~LedgerEntry() {
+    if (!m_isStruck) strike();
+}
+
+void LedgerEntry::strike() noexcept {
+    m_isStruck = true;
     (m_older ? m_older->m_newer : g_oldest) = m_newer;
     (m_newer ? m_newer->m_older : g_newest) = m_older;
     --countOf(m_kind);
@@ -74,7 +79,7 @@ std::string LedgerEntry::line() const {
     std::string text = m_describe(m_thing) + " #" + std::to_string(m_serial) + ", made by " + m_site.operation +
                        " from " + placeOf(m_site.caller);
     if (m_hostFunction) text += ", while \"" + *m_hostFunction + "\" was running";
-    return text + "\n";
+    return text;
 }
 
 LedgerCounts liveCounts() noexcept { return g_counts; }
@@ -83,7 +88,7 @@ std::string describeLive(std::size_t most) {
     std::string text;
     std::size_t left = g_counts.values + g_counts.objects + g_counts.diagnostics;
     for (const LedgerEntry* entry = g_oldest; entry && most > 0; entry = entry->m_newer, --most, --left)
-        text += entry->line();
+        text += entry->line() + '\n';
     if (left > 0) text += "and " + std::to_string(left) + " more\n";
     return text;
 }

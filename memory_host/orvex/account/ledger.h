@@ -51,9 +51,13 @@ public:
     LedgerEntry& operator=(const LedgerEntry&) = delete;
     ~LedgerEntry();
 
+    /// What the thing is, its serial number and the place that made it.
+    std::string line() const;
+    /// Takes it off the account before its end.
+    void strike() noexcept;
+
 private:
     friend OX_API std::string describeLive(std::size_t most);
-    std::string line() const;
 
     LedgerEntry* m_older;
     LedgerEntry* m_newer = nullptr;
@@ -63,6 +67,7 @@ private:
     const std::string* m_hostFunction;
     std::uint64_t m_serial;  ///< 1 for the first thing made in the process, then counting up
     LedgerKind m_kind;
+    bool m_isStruck = false;
 };
 
 }  // namespace orvex

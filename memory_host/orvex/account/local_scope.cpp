@@ -1,17 +1,63 @@
 #include "memory_host/orvex/account/local_scope.h"
 
+#include <array>
+#include <memory>
+#include <string>
+#include <utility>
+
 #include "host/services.h"
+#include "memory_host/orvex/account/scope_errors.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
 
 namespace orvex {
 namespace {
 
-constinit hvArray* g_newestInScope = nullptr;
+constinit hvArray* g_local = nullptr;
+/// Made or handed out while a call runs, in no container and without a scope.
+constinit hvArray* g_loose = nullptr;
 
-bool isInScope(const hvArray* value) noexcept { return value->m_scopePrevious || value == g_newestInScope; }
+void enter(hvArray*& list, hvArray* value, Lifetime lifetime) noexcept {
+    value->m_lifetime = lifetime;
+    value->m_next = list;
+    value->m_place = &list;
+    if (list) list->m_place = &value->m_next;
+    list = value;
+}
 
-void drain() noexcept {
-    while (hvArray* const value = g_newestInScope) THvArrayDeleter::destroy(value);
+/// Keeps the shells of the last expired values, so that a late use of one is told from any other fault.
+void bury(hvArray* value) noexcept {
+    static auto& graves = *new std::array<std::unique_ptr<hvArray>, 64>;
+    static std::size_t next = 0;
+    graves[next].reset(value);
+    next = (next + 1) % graves.size();
+}
+
+void expire(hvArray* value) noexcept {
+    leaveScopes(value);
+    // A running call still holds it: its end is the value's.
+    if (value->m_owners > 1) return intrusive_ptr_release(value);
+    value->m_lifetime = Lifetime::expired;
+    value->m_class = hvUNKNOWN_CLASS;
+    value->m_dimensions = Dimensions(0, 0);
+    value->m_ledger.strike();
+    const Payload contents = std::exchange(value->m_payload, CellData{});
+    bury(value);
+}
+
+void report(const hvArray* value, const char* what) noexcept {
+    try {
+        reportScopeError(what + value->m_ledger.line());
+    } catch (...) {
+        reportScopeError(what);
+    }
+}
+
+void endScopes() noexcept {
+    while (g_local) expire(g_local);
+    while (g_loose) {
+        report(g_loose, "A value was kept beyond the host call, and was given no scope: ");
+        leaveScopes(g_loose);
+    }
 }
 
 }  // namespace
@@ -19,23 +65,37 @@ void drain() noexcept {
 HostCall::HostCall(std::string_view functionName) : m_running(functionName) {}
 
 HostCall::~HostCall() {
-    // Still running while it drains: what is released may call the host and register more.
-    if (hostCallDepth() == 1) drain();
+    // Still running while they end: what is released may call the host and register more.
+    if (hostCallDepth() == 1) endScopes();
 }
 
-void leaveLocalScope(hvArray* value) noexcept {
-    if (!value || !isInScope(value)) return;
-    (value->m_scopePrevious ? value->m_scopePrevious->m_scopeNext : g_newestInScope) = value->m_scopeNext;
-    if (value->m_scopeNext) value->m_scopeNext->m_scopePrevious = value->m_scopePrevious;
-    value->m_scopePrevious = value->m_scopeNext = nullptr;
+void leaveScopes(hvArray* value) noexcept {
+    if (!value || !value->m_place) return;
+    *value->m_place = value->m_next;
+    if (value->m_next) value->m_next->m_place = value->m_place;
+    value->m_place = nullptr;
+    value->m_next = nullptr;
+    value->m_lifetime = Lifetime::owned;
+}
+
+void handOut(hvArray* value) noexcept {
+    if (!value || value->m_lifetime == Lifetime::expired) return;
+    leaveScopes(value);
+    value->m_lifetime = Lifetime::owned;
+    if (hostCallDepth() > 0) enter(g_loose, value, Lifetime::loose);
+}
+
+void reportExpired(const hvArray* value) noexcept {
+    report(value, "A value was used after the local scope that it was left in had ended: ");
 }
 
 }  // namespace orvex
 
 void kssvSetLocalScope(hvArray* value) noexcept {
     using namespace orvex;
-    if (!value || hostCallDepth() == 0 || value->m_isContained || isInScope(value)) return;
-    value->m_scopeNext = g_newestInScope;
-    if (g_newestInScope) g_newestInScope->m_scopePrevious = value;
-    g_newestInScope = value;
+    const bool canEnter = value && hostCallDepth() > 0 && value->m_lifetime != Lifetime::contained &&
+                          value->m_lifetime != Lifetime::expired;
+    if (!canEnter) return;
+    leaveScopes(value);
+    enter(g_local, value, Lifetime::local);
 }

@@ -6,12 +6,16 @@
 #include "host/hv_array.h"
 #include "memory_host/orvex/account/running_call.h"
 
-/// Running host calls and the local scope: values that are released when the outermost call ends.
+/// Running host calls and what becomes of values at their end.
+///
+/// The end of the outermost call ends the local scope: values that are still in it are gone. Whoever holds on to one
+/// finds a value of no class and no elements, called "expired" in messages; releasing it is a scope error. A value that
+/// was made or handed out while a call ran, and that somebody keeps by itself (in no container), must have been given a
+/// scope by then: without one it lives on, and is a scope error. Values made outside any call are their owner's affair.
 /// Thread: the interpreter thread only.
 namespace orvex {
 
-/// A host call that runs while this lives. The end of the outermost one releases the values that were
-/// registered with the local scope and are still in it, also those registered while it does so.
+/// A host call that runs while this lives.
 class OX_API HostCall {
 public:
     explicit HostCall(std::string_view functionName);
@@ -23,7 +27,11 @@ private:
     RunningCall m_running;
 };
 
-/// Takes a value out of the local scope; null, and a value that is in none, are ignored. Constant time.
-OX_API void leaveLocalScope(hvArray* value) noexcept;
+/// Takes a value out of any scope; null, and a value in a container, are ignored. Constant time.
+OX_API void leaveScopes(hvArray* value) noexcept;
+/// The same for a value that the running call, if any, gives to somebody: keeping it beyond the call needs a scope.
+OX_API void handOut(hvArray* value) noexcept;
+/// Reports a use of the value, which was left in a local scope that has ended.
+void reportExpired(const hvArray* value) noexcept;
 
 }  // namespace orvex

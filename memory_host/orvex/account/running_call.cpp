@@ -3,7 +3,6 @@
 #include <unordered_set>
 #include <utility>
 
-
 namespace orvex {
 namespace {
 

@@ -37,20 +37,14 @@ public:
     std::span<const hvArray* const> inputs() const noexcept { return m_inputs; }
 
 private:
-    struct Unpin {
-        void operator()(const hvArray* input) const noexcept { giveUp(input); }
-    };
+    using Pin = boost::intrusive_ptr<const hvArray>;
 
     void pin(const hvArray* input) {
-        if (input)
-            share(input);
-        else
-            input = makeEmpty("a missing input").release();
-        m_pins.emplace_back(input);
-        m_inputs.push_back(input);
+        m_pins.push_back(input ? Pin(input) : Pin(makeEmpty("a missing input").release(), /*add_ref=*/false));
+        m_inputs.push_back(m_pins.back().get());
     }
 
-    std::vector<std::unique_ptr<const hvArray, Unpin>> m_pins;
+    std::vector<Pin> m_pins;
     std::vector<const hvArray*> m_inputs;
 };
 
@@ -93,6 +87,9 @@ Results substitutes(Outcome outcome, std::size_t count) {
     return results;
 }
 
+/// The caller's from here on; the outermost call's result is nobody else's business any more.
+void handBack(hvArray* result) noexcept { hostCallDepth() > 1 ? handOut(result) : leaveScopes(result); }
+
 Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut, Outcome outcome) {
     const std::size_t slots = nOut > 0 ? static_cast<std::size_t>(nOut) : 1;
     if (outcome == Outcome::refuse)
@@ -106,7 +103,7 @@ Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut
     Results results(slots);
     Call call{nOut, results, pinned.inputs(), name};
     dispatchAsHost(call);
-    for (const HvArrayPtr& result : results) leaveLocalScope(result.get());
+    for (const HvArrayPtr& result : results) handBack(result.get());
     return results;
 }
 

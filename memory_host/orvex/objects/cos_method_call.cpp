@@ -6,8 +6,10 @@
 #include <variant>
 #include <vector>
 
+#include "memory_host/orvex/account/scope_errors.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/objects/types.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
 
 namespace orvex {
 
@@ -54,11 +56,24 @@ std::vector<hos::Argument> convertArguments(const Callee& callee, std::span<cons
     return arguments;
 }
 
+HvArrayPtr scopedLogical(bool truth) {
+    HvArrayPtr value(hvCreateLogicalScalar(truth));
+    hvSetArrayScope(value.get(), hvSCOPE_NONE);
+    return value;
+}
+
+void requireScope(const Callee& callee, std::size_t position, const hvArray* result) {
+    if (result->m_lifetime == Lifetime::scoped) return;
+    reportScopeError("Result " + std::to_string(position + 1) + " of " + callee.text() +
+                     " was handed back without a scope: " + result->m_ledger.line());
+}
+
 HvArrayPtr toHostValue(const Callee& callee, std::size_t position, hos::Result result) {
-    if (const bool* truth = std::get_if<bool>(&result)) result = HvArrayPtr(hvCreateLogicalScalar(*truth));
+    if (const bool* truth = std::get_if<bool>(&result)) result = scopedLogical(*truth);
     HvArrayPtr* value = std::get_if<HvArrayPtr>(&result);
     if (!value) return nullptr;
     if (!*value) return HvArrayPtr(hvCreateNumericMatrix(0, 0, hvDOUBLE_CLASS, hvREAL));
+    requireScope(callee, position, value->get());
     const hos::COSType& type = resolveType(callee.signature().outputTypes()[position]);
     if (!convertByType(type, value->get()))
         refuseValue(type, value->get(), "Result " + std::to_string(position + 1) + " of " + callee.text());
@@ -91,6 +106,7 @@ void invokeNativeMethod(const NativeClass& owner, const hos::COSMethodInfo& meth
 
 void constructNativeObject(const std::shared_ptr<const NativeClass>& nativeClass, Call& call) {
     HvArrayPtr object(omCreateHOSScalar(std::make_shared<NativeObject>(nativeClass)));
+    hvSetArrayScope(object.get(), hvSCOPE_NONE);
     const hos::COSMethodInfo* constructor = nativeClass->constructor();
     if (constructor) {
         std::vector<hos::Result> results = slotsFor(call);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "memory_host/orvex/account/faults.h"
+#include "memory_host/orvex/account/local_scope.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
 
@@ -28,7 +29,7 @@ HvArrayPtr readProperty(const hvArray* object, std::size_t index, const char* na
     const orvex::faults::Outcome outcome = orvex::faults::point(Operation::readProperty);
     if (outcome != orvex::faults::Outcome::proceed) return orvex::faults::substitute(outcome);
     HvArrayPtr value = requireElement(object, index, name)->getProperty(name);
-    hvSetArrayScope(value.get(), nullptr);
+    orvex::handOut(value.get());
     return value;
 }
 

@@ -40,7 +40,9 @@ void ScriptObject::setProperty(std::string_view name, const hvArray* value) {
     if (!property.settable || property.computed)
         raise("ReadOnlyProperty",
               "The property \"" + std::string(name) + "\" of class " + className() + " is read-only.");
-    m_values[slot] = HvArrayPtr(hvCreateSharedDataCopy(value));
+    HvArrayPtr copy(hvCreateSharedDataCopy(value));
+    hvSetArrayScope(copy.get(), nullptr);
+    m_values[slot] = std::move(copy);
 }
 
 void* ScriptObject::nativeInstance(std::string_view) const noexcept { return nullptr; }

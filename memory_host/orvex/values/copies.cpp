@@ -7,24 +7,20 @@
 
 namespace orvex {
 
-void share(const hvArray* value) noexcept {
-    if (value) ++value->m_owners;
-}
-
-void giveUp(const hvArray* value) noexcept {
-    if (value && --value->m_owners == 0) delete value;
-}
-
-HvArrayPtr& Children::forWriting(std::size_t position) {
+SharedValue& Children::forWriting(std::size_t position) {
     if (m_values.use_count() > 1) {
-        const std::shared_ptr<HvArrayPtr[]> own = std::make_shared_for_overwrite<HvArrayPtr[]>(m_count);
-        std::transform(m_values.get(), m_values.get() + m_count, own.get(), [](const HvArrayPtr& value) {
-            share(value.get());
-            return HvArrayPtr(value.get());
-        });
+        const std::shared_ptr<SharedValue[]> own = std::make_shared<SharedValue[]>(m_count);
+        std::copy_n(m_values.get(), m_count, own.get());
         m_values = own;
     }
     return m_values.get()[position];
+}
+
+SharedValue contained(HvArrayPtr value) noexcept {
+    if (!value) return nullptr;
+    leaveScopes(value.get());
+    value->m_lifetime = Lifetime::contained;
+    return SharedValue(value.release(), /*add_ref=*/false);
 }
 
 namespace {
@@ -41,9 +37,7 @@ Children deepCopies(const Children& originals, const Site& site) {
     Children copies(originals.size());
     for (std::size_t i = 0; i < originals.size(); ++i) {
         if (!originals[i]) continue;
-        HvArrayPtr& copy = copies.forWriting(i);
-        copy = deepCopy(*originals[i], site);
-        copy->m_isContained = true;
+        copies.forWriting(i) = contained(deepCopy(*originals[i], site));
     }
     return copies;
 }
@@ -75,8 +69,10 @@ hvArray* hvCreateSharedDataCopy(const hvArray* value) {
 }
 
 void THvArrayDeleter::destroy(hvArray* value) noexcept {
-    orvex::leaveLocalScope(value);
-    orvex::giveUp(value);
+    if (!value) return;
+    if (value->m_lifetime == orvex::Lifetime::expired) return orvex::reportExpired(value);
+    orvex::leaveScopes(value);
+    intrusive_ptr_release(value);
 }
 
 void THvArrayDeleter::operator()(hvArray* value) const noexcept { destroy(value); }

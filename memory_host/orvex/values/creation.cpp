@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "memory_host/orvex/account/faults.h"
+#include "memory_host/orvex/account/local_scope.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/values/element_type.h"
 #include "memory_host/orvex/values/field_names.h"
@@ -19,10 +20,14 @@ hvArray::hvArray(hvClassID classId, orvex::Dimensions dimensions, orvex::Payload
           orvex::LedgerKind::value, this,
           [](const void* thing) { return orvex::describeValue(static_cast<const hvArray*>(thing)); }, site) {}
 
+hvArray::~hvArray() { orvex::leaveScopes(this); }
+
 namespace orvex {
 
 HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload&& payload, const Site& site) {
-    return HvArrayPtr(new hvArray(classId, std::move(dimensions), std::move(payload), site));
+    HvArrayPtr value(new hvArray(classId, std::move(dimensions), std::move(payload), site));
+    handOut(value.get());
+    return value;
 }
 
 HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const Site& site) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -19,6 +21,9 @@
 
 /// What a host value is made of. For the memory host itself, and not installed: everybody else uses the operations in
 /// host/ and in values.h.
+void intrusive_ptr_add_ref(const hvArray* value) noexcept;
+void intrusive_ptr_release(const hvArray* value) noexcept;
+
 namespace orvex {
 
 /// The lengths of a value, at least two; trailing lengths of 1 beyond the second are dropped.
@@ -71,20 +76,23 @@ private:
 
 using Text = Buffer<char16_t>;
 
+/// One of the owners of a value: copies of a container share what is in it, and a running call keeps its inputs.
+using SharedValue = boost::intrusive_ptr<hvArray>;
+
 /// The values in a struct or cell array; null where there is none. Shared by copies until one of them is written; the
 /// values themselves stay shared, nobody changes them while they are in a container.
 class OX_API Children {
 public:
     Children() = default;
     explicit Children(std::size_t count)
-        : m_values(count > 0 ? std::make_shared_for_overwrite<HvArrayPtr[]>(count) : nullptr), m_count(count) {}
+        : m_values(count > 0 ? std::make_shared<SharedValue[]>(count) : nullptr), m_count(count) {}
 
     std::size_t size() const noexcept { return m_count; }
-    const HvArrayPtr& operator[](std::size_t position) const noexcept { return m_values.get()[position]; }
-    HvArrayPtr& forWriting(std::size_t position);
+    const SharedValue& operator[](std::size_t position) const noexcept { return m_values.get()[position]; }
+    SharedValue& forWriting(std::size_t position);
 
 private:
-    std::shared_ptr<HvArrayPtr[]> m_values;
+    std::shared_ptr<SharedValue[]> m_values;
     std::size_t m_count = 0;
 };
 
@@ -129,24 +137,44 @@ using Payload =
 
 }  // namespace orvex
 
+namespace orvex {
+
+/// Who sees to the end of a value. See local_scope.h.
+enum class Lifetime : std::uint8_t {
+    owned,      ///< made outside any host call
+    loose,      ///< made or handed out in the running call, and given no scope yet
+    local,      ///< in the local scope
+    scoped,     ///< given a scope: outlives the call
+    contained,  ///< in a struct or a cell, which owns it
+    expired,    ///< was left in a local scope that has ended
+};
+
+}  // namespace orvex
+
 struct hvArray {
     hvArray(hvClassID classId, orvex::Dimensions dimensions, orvex::Payload&& payload,
             const orvex::Site& site) noexcept;
+    hvArray(const hvArray&) = delete;
+    hvArray& operator=(const hvArray&) = delete;
+    ~hvArray();
 
     hvClassID m_class;
-    hvVariableScope m_scope = hvSCOPE_NONE;
     bool m_fromFile = false;
-    /// In a struct or a cell, which owns it.
-    bool m_isContained = false;
-    /// Owners: copies of a container share what is in it, and a running call keeps its inputs.
+    orvex::Lifetime m_lifetime = orvex::Lifetime::owned;
+    /// See SharedValue.
     mutable std::uint32_t m_owners = 1;
     orvex::Dimensions m_dimensions;
     orvex::Payload m_payload;
-    /// Neighbours in the local scope; a value outside it has none.
-    hvArray* m_scopePrevious = nullptr;
-    hvArray* m_scopeNext = nullptr;
+    /// In the list of local or of loose values: the next one, and what points here; null outside them.
+    hvArray* m_next = nullptr;
+    hvArray** m_place = nullptr;
     orvex::LedgerEntry m_ledger;
 };
+
+inline void intrusive_ptr_add_ref(const hvArray* value) noexcept { ++value->m_owners; }
+inline void intrusive_ptr_release(const hvArray* value) noexcept {
+    if (--value->m_owners == 0) delete value;
+}
 
 namespace orvex {
 
@@ -154,6 +182,9 @@ namespace orvex {
 OX_API HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload&& payload, const Site& site);
 /// An object array; counts as creating a value.
 OX_API HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const Site& site);
+
+/// The value as one in a container; takes it out of any scope.
+SharedValue contained(HvArrayPtr value) noexcept;
 
 /// The payload as T, or null for null and for a value of another class. What copies share is taken apart by
 /// `dataForWriting` and `forWriting` only.
@@ -167,9 +198,5 @@ T* payloadOf(hvArray* value) noexcept {
 }
 /// The objects of an object array, borrowed; null for any other value.
 inline const Objects* objectsOf(const hvArray* value) noexcept { return payloadOf<Objects>(value); }
-
-/// Becomes one more owner of the value; `giveUp` ends it without touching the local scope.
-void share(const hvArray* value) noexcept;
-void giveUp(const hvArray* value) noexcept;
 
 }  // namespace orvex

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::uint32_t kFromFileBit = 0x10;
 
-constexpr std::array kClassNames{"unknown", "double", "struct", "logical", "char",   "cell",  "single", "int8",
+constexpr std::array kClassNames{"expired", "double", "struct", "logical", "char",   "cell",  "single", "int8",
                                  "uint8",   "int16",  "uint16", "int32",   "uint32", "int64", "uint64", "object"};
 
 const hos::COSObject* firstObject(const hvArray* value) noexcept {
@@ -47,7 +47,7 @@ std::uint32_t hvGetClassWord(const hvArray* value) noexcept {
 
 const char* hvGetClassName(const hvArray* value) noexcept {
     if (const hos::COSObject* object = orvex::firstObject(value)) return object->className().c_str();
-    return orvex::kClassNames[hvGetClassID(value)];
+    return value ? orvex::kClassNames[value->m_class] : "unknown";
 }
 
 std::size_t hvGetNumberOfDimensions(const hvArray* value) noexcept { return value ? value->m_dimensions.count() : 0; }

@@ -17,9 +17,12 @@ void markAsPersisted(hvArray* structArray) {
 namespace {
 
 HvArrayPtr takenOver(const hvArray* container, hvArray* value) {
-    if (value && (value == container || value->m_isContained))
+    if (value && (value == container || value->m_lifetime == Lifetime::contained))
         raise("InvalidArgument", "A value in a container, or the container itself, cannot be stored; store a copy.");
-    leaveLocalScope(value);
+    if (value && value->m_lifetime == Lifetime::expired) {
+        reportExpired(value);
+        return nullptr;
+    }
     return HvArrayPtr(value);
 }
 
@@ -29,7 +32,7 @@ void requireIndex(std::size_t index, std::size_t count, const char* what) {
                                      std::to_string(count) + ".");
 }
 
-HvArrayPtr& fieldSlot(hvArray* structArray, std::size_t index, const char* name) {
+SharedValue& fieldSlot(hvArray* structArray, std::size_t index, const char* name) {
     auto* data = payloadOf<StructData>(structArray);
     if (!data) raise("WrongClass", "Fields are set in a struct, not in " + describeValue(structArray) + ".");
     requireIndex(index, hvGetNumberOfElements(structArray), "element");
@@ -41,12 +44,11 @@ HvArrayPtr& fieldSlot(hvArray* structArray, std::size_t index, const char* name)
 }
 
 /// Stores the value and gives back what was there, to be released when everything is in order again.
-HvArrayPtr storedInField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
+SharedValue storedInField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
     HvArrayPtr incoming = takenOver(structArray, value);
     faults::point(faults::Operation::writeField);
-    HvArrayPtr& slot = fieldSlot(structArray, index, name);
-    if (incoming) incoming->m_isContained = true;
-    return std::exchange(slot, std::move(incoming));
+    SharedValue& slot = fieldSlot(structArray, index, name);
+    return std::exchange(slot, contained(std::move(incoming)));
 }
 
 template <typename T>
@@ -67,12 +69,12 @@ void* hvGetDataForWriting(hvArray* value) {
 }
 
 void hvReplaceField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
-    const HvArrayPtr earlier = orvex::storedInField(structArray, index, name, value);
+    const orvex::SharedValue earlier = orvex::storedInField(structArray, index, name, value);
 }
 
 void hvSetField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
     // Whoever sets a field twice this way loses the first value: the ledger then shows it.
-    [[maybe_unused]] hvArray* const lost = orvex::storedInField(structArray, index, name, value).release();
+    [[maybe_unused]] hvArray* const lost = orvex::storedInField(structArray, index, name, value).detach();
 }
 
 void hvSetCell(hvArray* cellArray, std::size_t index, hvArray* value) {
@@ -82,14 +84,15 @@ void hvSetCell(hvArray* cellArray, std::size_t index, hvArray* value) {
     if (!data)
         orvex::raise("WrongClass", "Cells are set in a cell array, not in " + orvex::describeValue(cellArray) + ".");
     orvex::requireIndex(index, data->cells.size(), "cell");
-    if (incoming) incoming->m_isContained = true;
-    const HvArrayPtr earlier = std::exchange(data->cells.forWriting(index), std::move(incoming));
+    const orvex::SharedValue earlier =
+        std::exchange(data->cells.forWriting(index), orvex::contained(std::move(incoming)));
 }
 
-void hvSetArrayScope(hvArray* value, hvVariableScope scope) noexcept {
-    if (!value) return;
-    orvex::leaveLocalScope(value);
-    value->m_scope = scope;
+void hvSetArrayScope(hvArray* value, hvVariableScope) noexcept {
+    using orvex::Lifetime;
+    if (!value || value->m_lifetime == Lifetime::contained || value->m_lifetime == Lifetime::expired) return;
+    orvex::leaveScopes(value);
+    value->m_lifetime = Lifetime::scoped;
 }
 
 void hvSetArrayScope(hvArray* value, std::nullptr_t) noexcept { hvSetArrayScope(value, hvSCOPE_NONE); }
