@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "memory_host/kestrel/signal_block.h"
 #include "workbench/session/signal_source.h"
 #include "workbench/text/text.h"
 
@@ -48,9 +49,8 @@ void alignItem(Record& record, const kestrel::Block& block) {
 void alignRecords(hvArray* signals, const kestrel::Model& model) {
     for (std::size_t i = 0; i < hvGetNumberOfElements(signals); ++i) {
         Record record(signals, i);
-        const std::string eid = toUtf8(record.text("EID_"));
         const kestrel::Block* const block =
-            eid.empty() ? model.findByPath(record.text("BlockPath_")) : model.findByEid(eid);
+            kestrel::signalBlock(model, toUtf8(record.text("EID_")), record.text("BlockPath_"));
         if (!block) continue;
         alignPath(record, *block);
         alignItem(record, *block);

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iterator>
 
+#include "memory_host/kestrel/signal_block.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
@@ -78,7 +79,7 @@ bool isChartSignal(const ks_hmi::SignalSpecification& signal) {
 }
 
 const kestrel::Block* blockOf(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal) {
-    return signal.m_eid.empty() ? model.findByPath(signal.m_blockPath) : model.findByEid(signal.m_eid);
+    return kestrel::signalBlock(model, signal.m_eid, signal.m_blockPath);
 }
 
 SignalSource sourceOf(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal) {
