@@ -181,6 +181,21 @@ TEST_F(HostTraffic, whatARecordKeepsIsPersistent) {
               (Lines{"hvSetArrayScope Kestrel.HMI.ModelObservers null"}));
 }
 
+TEST_F(HostTraffic, whatOutlivesTheHostCallThatItIsMadeInHasAScopeByThen) {
+    std::vector<std::unique_ptr<SignalClient>> clients;
+    std::unique_ptr<ModelObservers> bundle;
+    HvArrayPtr runtimeStruct;
+    const auto keep = orvex::registerFunction("keep", [&](orvex::Call&) {
+        clients.push_back(std::make_unique<SignalClient>(world.savedClients.get(), 0, u""));
+        clients.push_back(world.clients().get(0)->clone());
+        bundle = std::make_unique<ModelObservers>(world.bundle.get());
+        runtimeStruct = world.signals().get(0)->getHOSObject(u"m1", true);
+    });
+    ks_test::call("keep", {}, 0);
+    EXPECT_EQ(hvGetClassID(runtimeStruct.get()), hvSTRUCT_CLASS);
+    EXPECT_EQ(orvex::scopeErrors(), Lines());
+}
+
 TEST_F(HostTraffic, queriesOfTheHostPassTheirArgumentsInOrder) {
     std::vector<InstrumentedSignals::Source> sources;
     const Lines listed = recorded(kCalls, [&] {

@@ -4,9 +4,11 @@
 #include <utility>
 
 namespace orvex {
+
+constinit int internal::g_callDepth = 0;
+
 namespace {
 
-constinit int g_depth = 0;
 constinit const std::string* g_runningFunction = nullptr;
 
 const std::string* internedName(std::string_view name) {
@@ -18,15 +20,13 @@ const std::string* internedName(std::string_view name) {
 
 RunningCall::RunningCall(std::string_view functionName)
     : m_outerFunction(std::exchange(g_runningFunction, internedName(functionName))) {
-    ++g_depth;
+    ++internal::g_callDepth;
 }
 
 RunningCall::~RunningCall() {
-    --g_depth;
+    --internal::g_callDepth;
     g_runningFunction = m_outerFunction;
 }
-
-int hostCallDepth() noexcept { return g_depth; }
 
 const std::string* runningHostFunction() noexcept { return g_runningFunction; }
 

@@ -8,6 +8,10 @@
 /// What is being called by name just now. Thread: the interpreter thread only.
 namespace orvex {
 
+namespace internal {
+OX_API extern int g_callDepth;
+}
+
 /// A call that runs while this lives.
 class RunningCall {
 public:
@@ -21,7 +25,7 @@ private:
 };
 
 /// How many host calls run inside one another.
-OX_API int hostCallDepth() noexcept;
+inline int hostCallDepth() noexcept { return internal::g_callDepth; }
 /// The function that is being called by name, innermost; null when none is. The text lives as long as
 /// the process.
 OX_API const std::string* runningHostFunction() noexcept;

@@ -18,7 +18,7 @@ SharedValue& Children::forWriting(std::size_t position) {
 
 SharedValue contained(HvArrayPtr value) noexcept {
     if (!value) return nullptr;
-    leaveScopes(value.get());
+    if (value->m_place) leaveScopes(value.get());
     value->m_lifetime = Lifetime::contained;
     return SharedValue(value.release(), /*add_ref=*/false);
 }
@@ -71,7 +71,7 @@ hvArray* hvCreateSharedDataCopy(const hvArray* value) {
 void THvArrayDeleter::destroy(hvArray* value) noexcept {
     if (!value) return;
     if (value->m_lifetime == orvex::Lifetime::expired) return orvex::reportExpired(value);
-    orvex::leaveScopes(value);
+    if (value->m_place) orvex::leaveScopes(value);
     intrusive_ptr_release(value);
 }
 

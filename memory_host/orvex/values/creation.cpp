@@ -20,13 +20,15 @@ hvArray::hvArray(hvClassID classId, orvex::Dimensions dimensions, orvex::Payload
           orvex::LedgerKind::value, this,
           [](const void* thing) { return orvex::describeValue(static_cast<const hvArray*>(thing)); }, site) {}
 
-hvArray::~hvArray() { orvex::leaveScopes(this); }
+hvArray::~hvArray() {
+    if (m_place) orvex::leaveScopes(this);
+}
 
 namespace orvex {
 
 HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload&& payload, const Site& site) {
     HvArrayPtr value(new hvArray(classId, std::move(dimensions), std::move(payload), site));
-    handOut(value.get());
+    if (hostCallDepth() > 0) handOut(value.get());
     return value;
 }
 
