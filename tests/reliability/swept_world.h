@@ -100,7 +100,8 @@ public:
         return answersOf(plain);
     }
 
-    double gain = 0.0;  ///< the handle of "Gain"
+    double gain = 0.0;           ///< the handle of "Gain"
+    bool isMeddledWith = false;  ///< whether the host changes the state while it is asked
     ksPort engine, otherEngine;
     HvArrayPtr signalsObject, clientsObject;
     HvArrayPtr modelObject, bundle, specObject, clientObject, saved, savedClients, one, yes, name, newName;

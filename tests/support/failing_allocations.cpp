@@ -1,6 +1,9 @@
 #include "tests/support/failing_allocations.h"
 
+#include <malloc.h>
+
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "tests/support/sanitized.h"
@@ -44,6 +47,13 @@ bool isToFail() noexcept {
     return true;
 }
 
+/// What is freed is overwritten first, so that who still uses it is found out.
+void release(void* storage) noexcept {
+    if (storage != nullptr) std::memset(storage, 0xdd, malloc_usable_size(storage));
+    asm volatile("" : : "r"(storage) : "memory");  // or the writing would be left out
+    std::free(storage);
+}
+
 void* orThrow(void* storage) {
     if (storage == nullptr) throw std::bad_alloc();
     return storage;
@@ -56,10 +66,10 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
     const auto step = static_cast<std::size_t>(alignment);
     return orThrow(isToFail() ? nullptr : std::aligned_alloc(step, (size + step - 1) / step * step));
 }
-void operator delete(void* storage) noexcept { std::free(storage); }
-void operator delete(void* storage, std::size_t) noexcept { std::free(storage); }
-void operator delete(void* storage, std::align_val_t) noexcept { std::free(storage); }
-void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { std::free(storage); }
-void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept { std::free(storage); }
+void operator delete(void* storage) noexcept { release(storage); }
+void operator delete(void* storage, std::size_t) noexcept { release(storage); }
+void operator delete(void* storage, std::align_val_t) noexcept { release(storage); }
+void operator delete(void* storage, std::size_t, std::align_val_t) noexcept { release(storage); }
+void operator delete[](void* storage, std::size_t, std::align_val_t) noexcept { release(storage); }
 
 #endif

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <span>
 #include <type_traits>
 #include <utility>
@@ -80,25 +81,51 @@ requires std::is_arithmetic_v<Number> || std::is_enum_v<Number> std::string word
     return textOf(static_cast<double>(number));
 }
 
-template <class... Arguments>
-void write(const void* caller, const char* operation, const Arguments&... arguments) {
-    if (HostRecorder* const recorder = std::exchange(g_recorder, nullptr)) {
-        if (isInLibrary(caller)) recorder->write(operation, {word(arguments)...});
-        g_recorder = recorder;
-    }
-}
-
-/// Nothing is written down while the host carries out a call of the library's.
-class CallOfTheLibrary {
+/// Nothing is written down while this lives.
+class Silence {
 public:
-    explicit CallOfTheLibrary(const void* caller)
-        : m_recorder(isInLibrary(caller) ? std::exchange(g_recorder, nullptr) : g_recorder) {}
-    CallOfTheLibrary(const CallOfTheLibrary&) = delete;
-    CallOfTheLibrary& operator=(const CallOfTheLibrary&) = delete;
-    ~CallOfTheLibrary() { g_recorder = m_recorder; }
+    Silence() : m_recorder(std::exchange(g_recorder, nullptr)) {}
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+    ~Silence() { g_recorder = m_recorder; }
 
 private:
     HostRecorder* m_recorder;
+};
+
+/// What the host does to carry out a call of the library's is not written down.
+class HostCall {
+public:
+    explicit HostCall(const void* caller) {
+        if (g_recorder != nullptr && isInLibrary(caller)) m_silence.emplace();
+    }
+
+private:
+    std::optional<Silence> m_silence;
+};
+
+/// One operation that the library asks for: written down, and shown to the hook before and after it.
+class Written {
+public:
+    template <class... Arguments>
+    Written(const void* caller, const char* operation, const Arguments&... arguments) : m_operation(operation) {
+        if (g_recorder == nullptr || !g_recorder->isNamed(operation) || !isInLibrary(caller)) return;
+        m_recorder = g_recorder;
+        const Silence silence;
+        m_recorder->write(operation, {word(arguments)...});
+        m_recorder->callHook(HostRecorder::Moment::before, operation);
+    }
+    Written(const Written&) = delete;
+    Written& operator=(const Written&) = delete;
+    ~Written() {
+        if (m_recorder == nullptr) return;
+        const Silence silence;
+        m_recorder->callHook(HostRecorder::Moment::after, m_operation);
+    }
+
+private:
+    const char* m_operation;
+    HostRecorder* m_recorder = nullptr;
 };
 
 }  // namespace
@@ -110,9 +137,11 @@ HostRecorder::~HostRecorder() { g_recorder = m_outer; }
 
 Lines HostRecorder::lines() { return std::exchange(m_lines, {}); }
 
+bool HostRecorder::isNamed(std::string_view operation) const {
+    return m_operations.empty() || std::find(m_operations.begin(), m_operations.end(), operation) != m_operations.end();
+}
+
 void HostRecorder::write(std::string_view operation, std::initializer_list<std::string> arguments) {
-    if (!m_operations.empty() && std::find(m_operations.begin(), m_operations.end(), operation) == m_operations.end())
-        return;
     std::string line(operation);
     for (const std::string& argument : arguments) line += " " + argument;
     m_lines.push_back(std::move(line));
@@ -141,12 +170,11 @@ std::string describe(const hvArray* value) {
 
 }  // namespace ks_test
 
-using ks_test::CallOfTheLibrary;
 using ks_test::describe;
 using ks_test::describeCall;
 using ks_test::hostFunction;
 
-#define KS_WRITE(...) ks_test::write(__builtin_return_address(0), __VA_ARGS__)
+#define KS_WRITE(...) const ks_test::Written written(__builtin_return_address(0), __VA_ARGS__)
 /// Calls the host's function of that type, which is needed to tell overloads apart.
 #define KS_FORWARD(type, name, ...)                          \
     static auto* const function = hostFunction<type>(&name); \
@@ -245,7 +273,8 @@ void THvArrayDeleter::operator()(hvArray* value) const noexcept {
 }
 void utFree(void* storage) noexcept {
     // Called by what the library hands over, from wherever that is released.
-    if (ks_test::g_recorder != nullptr) ks_test::g_recorder->write("utFree", {});
+    if (ks_test::g_recorder != nullptr && ks_test::g_recorder->isNamed("utFree"))
+        ks_test::g_recorder->write("utFree", {});
     KS_FORWARD(decltype(utFree), utFree, storage);
 }
 
@@ -253,13 +282,13 @@ void utFree(void* storage) noexcept {
 
 void kssvFEVAL(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, const char* name) {
     KS_WRITE("kssvFEVAL", nOut, name, describeCall(nIn, ins));
-    const CallOfTheLibrary call(__builtin_return_address(0));
+    const ks_test::HostCall call(__builtin_return_address(0));
     KS_FORWARD(decltype(kssvFEVAL), kssvFEVAL, nOut, outs, nIn, ins, name);
 }
 kssvDiagnosticImpl* kssvFEVAL_NoThrow(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, const char* name,
                                       bool captureErrors, void* reserved) {
     KS_WRITE("kssvFEVAL_NoThrow", nOut, name, describeCall(nIn, ins), captureErrors, reserved ? "something" : "null");
-    const CallOfTheLibrary call(__builtin_return_address(0));
+    const ks_test::HostCall call(__builtin_return_address(0));
     KS_FORWARD(kssvDiagnosticImpl * (int, hvArray**, int, const hvArray* const*, const char*, bool, void*),
                kssvFEVAL_NoThrow, nOut, outs, nIn, ins, name, captureErrors, reserved);
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 struct hvArray;
@@ -36,10 +38,21 @@ public:
     /// What was written down since the last time.
     Lines lines();
 
+    enum class Moment { before, after };
+    /// Called around each of the named operations, while nothing is written down. What it throws before an operation
+    /// the operation throws; after one it must not throw.
+    using Hook = std::function<void(Moment, std::string_view operation)>;
+    void setHook(Hook hook) { m_hook = std::move(hook); }
+
+    bool isNamed(std::string_view operation) const;
     void write(std::string_view operation, std::initializer_list<std::string> arguments);
+    void callHook(Moment moment, std::string_view operation) const {
+        if (m_hook) m_hook(moment, operation);
+    }
 
 private:
     Operations m_operations;
+    Hook m_hook;
     Lines m_lines;
     HostRecorder* m_outer;
 };
