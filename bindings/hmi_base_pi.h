@@ -32,11 +32,10 @@ public:
 protected:
     HMIBasePI(const hos::COSClassInfo* owner, ValueKind kind) noexcept : m_owner(owner), m_kind(kind) {}
 
-    const hos::COSClassInfo* owner() const noexcept { return m_owner; }
     static const hos::COSType* typeNamed(std::string_view text);
 
 private:
-    const hos::COSClassInfo* m_owner;
+    [[maybe_unused]] const hos::COSClassInfo* m_owner;
     ValueKind m_kind;
 };
 

@@ -6,10 +6,10 @@ namespace ks_hmi_foundation {
 
 using InstrumentedSignalsMethod = SetMethod<ks_hmi::InstrumentedSignals>;
 
-class InstrumentedSignalsConstructor final : public SetConstructor<ks_hmi::InstrumentedSignals> {};
-class InstrumentedSignalsAdd final : public SetAdd<ks_hmi::InstrumentedSignals> {};
-class InstrumentedSignalsSet final : public SetSet<ks_hmi::InstrumentedSignals> {};
-class InstrumentedSignalsRemove final : public SetRemove<ks_hmi::InstrumentedSignals> {};
+using InstrumentedSignalsConstructor = SetConstructor<ks_hmi::InstrumentedSignals>;
+using InstrumentedSignalsAdd = SetAdd<ks_hmi::InstrumentedSignals>;
+using InstrumentedSignalsSet = SetSet<ks_hmi::InstrumentedSignals>;
+using InstrumentedSignalsRemove = SetRemove<ks_hmi::InstrumentedSignals>;
 
 class InstrumentedSignalsGet final : public InstrumentedSignalsMethod {
 public:

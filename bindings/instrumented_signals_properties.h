@@ -5,19 +5,8 @@
 
 namespace ks_hmi_foundation {
 
-class SignalsModelPI final : public ModelPI<ks_hmi::InstrumentedSignals> {
-public:
-    using ModelPI::ModelPI;
-};
-
-class SignalsCountPI final : public CountPI<ks_hmi::InstrumentedSignals> {
-public:
-    using CountPI::CountPI;
-};
-
-class SignalsPersistencePI final : public PersistencePI<ks_hmi::InstrumentedSignals> {
-public:
-    using PersistencePI::PersistencePI;
-};
+using SignalsModelPI = ModelPI<ks_hmi::InstrumentedSignals>;
+using SignalsCountPI = CountPI<ks_hmi::InstrumentedSignals>;
+using SignalsPersistencePI = PersistencePI<ks_hmi::InstrumentedSignals>;
 
 }  // namespace ks_hmi_foundation

@@ -7,8 +7,8 @@
 #include "foundation/zeroed_storage.h"
 #include "host/object_system.h"
 
-/// Registration of the library's host classes. Each entry point includes this once and so has, on purpose, a
-/// private pair of namespace descriptions in its own unit.
+/// Registration of the library's host classes. Each entry point includes this once.
+// Kept: each has a private pair of namespace descriptions in its own unit, and its own flag.
 namespace ks_hmi_foundation {
 namespace {
 
@@ -45,7 +45,7 @@ void registerHostClassesOnce(bool& isRegistered) {
     isRegistered = true;
     hos::COSNamespace* const kestrel = findNamespace("Kestrel");
     if (kestrel == nullptr) {
-        // The rest arrives on purpose when the host first loads the new namespace's contents.
+        // Kept: the rest arrives when the host first loads the new namespace's contents.
         hos::COSNamespace::addNamespace(std::make_unique<KESTRELHOSNamespaceInfo>());
         return;
     }

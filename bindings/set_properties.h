@@ -36,7 +36,7 @@ public:
 };
 
 /// "Persistence": the records as a struct array; assigning it appends its records. Neither displayed nor offered for
-/// completion, on purpose, unlike the others.
+/// completion, unlike the others.
 template <class Set>
 class PersistencePI : public HMIBasePI {
 public:

@@ -6,10 +6,10 @@ namespace ks_hmi_foundation {
 
 using StreamingClientsMethod = SetMethod<ks_hmi::StreamingClients>;
 
-class StreamingClientsConstructor final : public SetConstructor<ks_hmi::StreamingClients> {};
-class StreamingClientsAdd final : public SetAdd<ks_hmi::StreamingClients> {};
-class StreamingClientsSet final : public SetSet<ks_hmi::StreamingClients> {};
-class StreamingClientsRemove final : public SetRemove<ks_hmi::StreamingClients> {};
+using StreamingClientsConstructor = SetConstructor<ks_hmi::StreamingClients>;
+using StreamingClientsAdd = SetAdd<ks_hmi::StreamingClients>;
+using StreamingClientsSet = SetSet<ks_hmi::StreamingClients>;
+using StreamingClientsRemove = SetRemove<ks_hmi::StreamingClients>;
 
 class StreamingClientsGet final : public StreamingClientsMethod {
 public:

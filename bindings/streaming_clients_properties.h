@@ -15,14 +15,7 @@ public:
     }
 };
 
-class ClientsCountPI final : public CountPI<ks_hmi::StreamingClients> {
-public:
-    using CountPI::CountPI;
-};
-
-class ClientsPersistencePI final : public PersistencePI<ks_hmi::StreamingClients> {
-public:
-    using PersistencePI::PersistencePI;
-};
+using ClientsCountPI = CountPI<ks_hmi::StreamingClients>;
+using ClientsPersistencePI = PersistencePI<ks_hmi::StreamingClients>;
 
 }  // namespace ks_hmi_foundation

@@ -84,7 +84,7 @@ void SignalClient::createStructData(hvArray* s, std::size_t index, const std::u1
     setField(s, index, "ObserverType_", makeText(m_observerType));
     std::vector<std::u16string> path = m_modelPath;
     if (!path.empty()) path[0] = AddModelToPath(path[0], modelName);
-    // A client without a path belongs to the model being written, on purpose; one with a path names its own.
+    // Kept: a client without a path belongs to the model being written; one with a path names its own.
     setField(s, index, "SourceModel_", makeText(path.empty() ? modelName : m_sourceModel));
     std::vector<std::string> eids = m_modelPathEID;
     if (!eids.empty()) eids[0] = AddModelToEID(eids[0], modelName);

@@ -83,7 +83,7 @@ void InstrumentedSignals::addToObservedCWObjectCache(SignalPtr spec) {
 void InstrumentedSignals::removeFromObservedCWObject(SignalPtr spec) {
     const auto entry = chartEntryOf(spec);
     if (!entry) return;
-    // The object's entry stays on purpose, also when no bit is left.
+    // Kept: the object's entry stays, also when no bit is left.
     auto& activities = m_observedCWObjectCache[entry->objectKey];
     removeObservedCWActivity(spec->m_eid, entry->ssid, entry->activity);
     activities.reset(entry->bit);
@@ -113,7 +113,7 @@ bool InstrumentedSignals::isCWActivityObserved(const std::u16string& eidPath, do
 bool InstrumentedSignals::isAnyCWActivityObserved(const std::u16string& eidPath, double ssid) {
     KeyText key;
     addObjectKey(key, m_modelName, eidPath, ssid);
-    // Insert if absent, on purpose: the empty entry left for an unknown object changes no answer.
+    // Kept: insert if absent; the empty entry left for an unknown object changes no answer.
     return m_observedCWObjectCache[key.hash()].any();
 }
 

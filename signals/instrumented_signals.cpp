@@ -24,7 +24,7 @@ std::u16string InstrumentedSignals::getModelName() const { return m_modelName; }
 void InstrumentedSignals::setModelName(const std::u16string& newName) {
     std::u16string name = newName;
     m_modelName.swap(name);
-    // The index keeps its keys on purpose: who needs it under the new name calls `updateObservedPortMap`.
+    // Kept: the index keeps its keys; who needs it under the new name calls `updateObservedPortMap`.
     for (const SignalPtr& signal : m_signals) signal->renameModel(name, m_modelName);
 }
 
@@ -41,7 +41,7 @@ void InstrumentedSignals::add(SignalPtr spec) { insert(m_signals.size(), std::mo
 
 void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
     errors::requireRecord(spec);
-    // The end is a valid position here, on purpose, unlike for the other operations.
+    // Kept: the end is a valid position here, unlike for the other operations.
     if (index > m_signals.size()) errors::raise(errors::InvalidElementIndex(static_cast<long>(m_signals.size())));
     m_signals.insert(m_signals.begin() + offset(index), spec);
     Rollback unlisted([&]() noexcept { m_signals.erase(m_signals.begin() + offset(index)); });
@@ -62,7 +62,7 @@ void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {
         removeFromObservedPortMap(m_signals[index]);
         addToObservedPortMap(spec);
     }
-    // A replaced chart signal keeps its entry in the chart index on purpose, unlike one that is removed.
+    // Kept: a replaced chart signal keeps its entry in the chart index, unlike one that is removed.
     m_signals[index].swap(spec);
     forgetKSPorts();
 }
@@ -89,7 +89,7 @@ void InstrumentedSignals::remove(const SignalSpecification& spec) {
     if (match == m_signals.end()) return;
     const SignalPtr signal = *match;
     forgetKSPorts();
-    // The chart index is left alone on purpose, also for a chart signal, unlike by a removal by position.
+    // Kept: the chart index is left alone, also for a chart signal, unlike by a removal by position.
     removeFromObservedPortMap(signal);
     m_signals.erase(match);
 }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kResults = 10;
 
-/// The results of "getObservedPorts", numbered from 1.
+// The results of "getObservedPorts", numbered from 1.
 class ObservedPortColumns {
 public:
     explicit ObservedPortColumns(const HostOutputs<kResults>& results) noexcept : m_results(results) {}
@@ -38,7 +38,7 @@ InstrumentedSignals::Source sourceAt(const ObservedPortColumns& columns, std::si
     source.maxPoints = columns.integer(5, row);
     source.isFrameBased = columns.flag(6, row);
     source.targetBufferedStreaming = columns.flag(7, row);
-    // Result 9 comes in front of result 8 on purpose: the flags stand together.
+    // Kept: result 9 comes in front of result 8; the flags stand together.
     source.hideInPLV = columns.flag(9, row);
     source.signalName = textOf(columns.cell(8, row));
     source.blockPath = textOf(columns.cell(10, row));

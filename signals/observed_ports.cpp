@@ -45,7 +45,7 @@ void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
         addToObservedCWObjectCache(spec);
         return;
     }
-    // No look for an earlier entry, on purpose: a signal entered twice is there twice.
+    // Kept: no look for an earlier entry; a signal entered twice is there twice.
     m_observedPortMap.makeRoom();
     m_observedPortMap.enter(pathKey(*spec), spec);
     forgetKSPorts();
@@ -55,7 +55,7 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
     errors::requireRecord(spec);
     const SignalPtr removed = spec;
     if (isChartworkDomain(removed->m_domainType)) return;
-    // By port and not by record, on purpose: all signals on the block's port leave the index together.
+    // Kept: by port and not by record; all signals on the block's port leave the index together.
     std::size_t erased = m_observedPortMap.byPath.eraseIf(pathKey(*removed), [&](const SignalSpecification& entry) {
         return entry.m_outputPortIndex == removed->m_outputPortIndex &&
                isSameText(entry.m_blockPath, removed->m_blockPath);
@@ -79,7 +79,7 @@ void InstrumentedSignals::updateObservedPortMap() {
         }
     }
     std::swap(m_observedPortMap, rebuilt);
-    // A rebuild that enters no port keeps the cache of engine ports on purpose: only entering one empties it.
+    // Kept: a rebuild that enters no port keeps the cache of engine ports; only entering one empties it.
     if (isAnyPortObserved()) forgetKSPorts();
 }
 
@@ -120,7 +120,7 @@ bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16strin
     Rollback unresolved(
         [&signal, earlier = signal->m_cachedBlockHandle]() noexcept { signal->setCachedInfo(earlier, 0); });
     signal->setCachedInfo(blockHandle, portIdx);
-    // Entered once more under its path key on purpose: no query minds, and the handle key joins.
+    // Kept: entered once more under its path key; no query minds, and the handle key joins.
     addToObservedPortMap(signal);
     unresolved.commit();
     return true;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr char kKeySeparator[] = "$$";
 
-// Six decimals on purpose: handles that differ beyond them share an entry.
+// Kept: six decimals; handles that differ beyond them share an entry.
 std::string portKey(int port, double handle) {
     return std::string(KeyText().add(port).add("-").addFixed6(handle).text());
 }
@@ -84,7 +84,7 @@ std::unique_ptr<SignalSpecification> SignalSpecification::createSigSpecFromPort(
     spec->m_cachedPortIdx = portIdx;
     spec->m_cachedBlockHandle = blockHandle;
     spec->stripModelName(modelName);
-    // A fresh UUID stays out of the map on purpose: only those who ask for the map enter one.
+    // Kept: a fresh UUID stays out of the map; only those who ask for the map enter one.
     const auto known = m_blockUUIDmap.find(portKey(portIdx, blockHandle));
     spec->m_uuid = known != m_blockUUIDmap.end() ? known->second : mintUUID();
     spec->m_excludeForSave = excludeForSave;

@@ -75,7 +75,7 @@ void SignalSpecification::createStructData(hvArray* s, std::size_t index, const 
     setField(s, index, "LogicalPortIndex_", makeDouble(m_logicalPortIndex));
     setField(s, index, "Decimation_", makeDouble(m_decimation));
     setField(s, index, "MaxPoints_", makeDouble(m_maxPoints));
-    // Doubles, not logicals, on purpose: saved models carry doubles here.
+    // Kept: doubles, not logicals; saved models carry doubles here.
     setField(s, index, "TargetBufferedStreaming_", makeFlag(m_targetBufferedStreaming));
     setField(s, index, "IsFrameBased_", makeFlag(m_isFrameBased));
     setField(s, index, "HideInPLV_", makeFlag(m_hideInPLV));
@@ -121,7 +121,7 @@ bool SignalSpecification::isSameSignal(const SignalSpecification* other) const {
     if (bothCached && m_cachedBlockHandle == other->m_cachedBlockHandle && m_cachedPortIdx == other->m_cachedPortIdx) {
         return true;
     }
-    // Different handles fall through to the paths on purpose: a handle may be stale.
+    // Kept: different handles fall through to the paths; a handle may be stale.
     return m_outputPortIndex == other->m_outputPortIndex && m_logicalPortIndex == other->m_logicalPortIndex &&
            m_blockPath == other->m_blockPath && m_subPath == other->m_subPath;
 }
