@@ -237,6 +237,8 @@ TEST_F(SignalSpecificationTest, domainParametersConvertBothWaysAndReplaceWhatWas
     const auto data = spec.getDomainParamsAsHvArray();
     EXPECT_EQ(hvGetNumberOfFields(data.get()), 2);
     EXPECT_EQ(hvArrayToStdString(hvGetField(data.get(), 0, "Unit")), "V");
+    EXPECT_EQ(spec.getValueForDomainParams(u"absent"), u"");
+    EXPECT_EQ(spec.m_domainParams.size(), 2U) << "asking adds nothing";
     SignalSpecification other;
     other.m_domainParams = {{u"Old", u"1"}};
     SignalSpecification::DomainParamsMap ignored = {{u"kept", u"1"}};
