@@ -80,7 +80,7 @@ void leaveScopes(hvArray* value) noexcept {
 
 void handOut(hvArray* value) noexcept {
     if (!value || value->m_lifetime == Lifetime::expired) return;
-    leaveScopes(value);
+    if (value->m_place) leaveScopes(value);
     value->m_lifetime = Lifetime::owned;
     if (hostCallDepth() > 0) enter(g_loose, value, Lifetime::loose);
 }

@@ -28,9 +28,9 @@ private:
 };
 
 /// Takes a value out of any scope; null, and a value in a container, are ignored. Constant time.
-OX_API void leaveScopes(hvArray* value) noexcept;
+void leaveScopes(hvArray* value) noexcept;
 /// The same for a value that the running call, if any, gives to somebody: keeping it beyond the call needs a scope.
-OX_API void handOut(hvArray* value) noexcept;
+void handOut(hvArray* value) noexcept;
 /// Reports a use of the value, which was left in a local scope that has ended.
 void reportExpired(const hvArray* value) noexcept;
 
