@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <map>
-#include <ranges>
 #include <set>
 #include <utility>
 
@@ -49,7 +48,7 @@ void validateAndRemoveUnused(orvex::Call& call) {
     requireInputs(call, 1);
     const hvArray* clients = call.ins[0];
     SignalUuids uuids;
-    for (const SetElement element : elementsOf(clients) | std::views::reverse) {
+    for (const SetElement element : elementsFromLast(clients)) {
         const HvArrayPtr client = element.get();
         if (!hvIsA(client.get(), kSignalClientClass)) continue;
         if (!isDeprecated(client.get()) && !isSignalGone(client.get(), uuids)) continue;
