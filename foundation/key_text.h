@@ -4,61 +4,51 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <memory>
 #include <string_view>
+
+#include "foundation/number_digits.h"
+#include "foundation/stack_text.h"
+#include "foundation/utf8_units.h"
 
 namespace ks_hmi_foundation {
 
-/// Builds the text of a key in a stack buffer and hashes it; only texts that outgrow the buffer go to the heap.
-/// Numbers are written as in the "C" locale, whatever the process's locale is.
+/// The text of a key and its hash. Allocates only for texts of hundreds of bytes.
 class KeyText {
 public:
-    KeyText() noexcept : m_begin(m_stack) {}
-    KeyText(const KeyText&) = delete;
-    KeyText& operator=(const KeyText&) = delete;
-
-    KeyText& add(std::string_view utf8);
+    KeyText& add(std::string_view utf8) {
+        char* const to = m_text.reserve(utf8.size());
+        if (!utf8.empty()) std::memcpy(to, utf8.data(), utf8.size());
+        return endAt(to + utf8.size());
+    }
     /// A text that is known here: copied without a call.
     template <std::size_t Size>
     KeyText& add(const char (&literal)[Size]) {
-        std::memcpy(reserve(Size - 1), literal, Size - 1);
-        m_size += Size - 1;
-        return *this;
+        char* const to = m_text.reserve(Size - 1);
+        std::memcpy(to, literal, Size - 1);
+        return endAt(to + Size - 1);
     }
     /// Adds the text in UTF-8; ill-formed UTF-16 becomes U+FFFD.
-    KeyText& add(std::u16string_view text);
-    KeyText& add(int number) {
-        if (number < 0 || number > 9) return addLongNumber(number);
-        *reserve(1) = static_cast<char>('0' + number);
-        ++m_size;
-        return *this;
+    KeyText& add(std::u16string_view text) {
+        const bool fitsInAnyCase = kMostUtf8BytesPerUnit * text.size() <= m_text.room();
+        return endAt(putUtf8(m_text.reserve(fitsInAnyCase ? 0 : mostUtf8Bytes(text)), text));
     }
+    KeyText& add(int number) { return endAt(putInt(m_text.reserve(kMostIntBytes), number)); }
     /// As "%.17g" writes it.
-    KeyText& addGeneral17(double number);
+    KeyText& addGeneral17(double number) { return endAt(putGeneral17(m_text.reserve(kMostGeneral17Bytes), number)); }
     /// As "%f" writes it.
-    KeyText& addFixed6(double number);
+    KeyText& addFixed6(double number) { return endAt(putFixed6(m_text.reserve(kMostFixed6Bytes), number)); }
 
-    std::string_view text() const noexcept { return {m_begin, m_size}; }
+    std::string_view text() const noexcept { return m_text.text(); }
     /// The string hash behind all source keys: Boost's container hash of the narrow text.
     std::uint64_t hash() const noexcept { return boost::hash<std::string_view>()(text()); }
 
 private:
-    /// Room for that many more bytes.
-    char* reserve(std::size_t more) {
-        if (m_capacity - m_size < more) grow(more);
-        return m_begin + m_size;
+    KeyText& endAt(const char* end) noexcept {
+        m_text.endAt(end);
+        return *this;
     }
-    void grow(std::size_t more);
-    KeyText& addLongNumber(int number);
-    void advanceTo(const char* end) noexcept { m_size = static_cast<std::size_t>(end - m_begin); }
 
-    static constexpr std::size_t kStackSize = 512;
-
-    char* m_begin;
-    std::size_t m_size = 0;
-    std::size_t m_capacity = kStackSize;
-    std::unique_ptr<char[]> m_heap;
-    char m_stack[kStackSize];
+    StackText m_text;
 };
 
 }  // namespace ks_hmi_foundation
