@@ -9,6 +9,7 @@
 
 #include "memory_host/kestrel/model.h"
 #include "signals/instrumented_signals.h"
+#include "signals/signal_specification.h"
 
 /// The signals that are measured, and the questions about them. Everything is the same at each run.
 namespace ks_bench {

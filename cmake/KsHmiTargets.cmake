@@ -1,5 +1,7 @@
 # What every target of the project shares: warnings, sanitizers, and how the shipped library is put together.
 
+include(KsHmiExports)
+
 function(ks_hmi_configure_target target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
                                            -Woverloaded-virtual)
@@ -30,8 +32,11 @@ function(ks_hmi_add_foundation_library)
   if(NOT KS_HMI_SANITIZE)  # the checks' own entry points are found in the program, at run time
     target_link_options(ks_hmi_foundation PRIVATE -Wl,--no-undefined)
   endif()
-  target_link_options(ks_hmi_foundation PRIVATE "-Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map")
-  set_property(TARGET ks_hmi_foundation APPEND PROPERTY LINK_DEPENDS "${PROJECT_SOURCE_DIR}/cmake/exports.map")
+  set(exports "${PROJECT_BINARY_DIR}/ks_hmi_foundation.map")
+  ks_hmi_write_version_script("${PROJECT_SOURCE_DIR}/cmake/exported_symbols.txt"
+    KS_HMI_${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR} "${exports}")
+  target_link_options(ks_hmi_foundation PRIVATE "-Wl,--version-script=${exports}")
+  set_property(TARGET ks_hmi_foundation APPEND PROPERTY LINK_DEPENDS "${exports}")
   set_target_properties(ks_hmi_foundation PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
   ks_hmi_configure_target(ks_hmi_foundation)
 endfunction()

@@ -5,6 +5,7 @@
 #include "host/messages.h"
 #include "observers/streaming_clients.h"
 #include "signals/instrumented_signals.h"
+#include "signals/signal_specification.h"
 #include "tests/support/host_test.h"
 
 /// Saved records with any value in any field, read into sets, asked about, written, and read again.

@@ -1,26 +1,50 @@
 #include <algorithm>
+#include <iterator>
 #include <optional>
+#include <string_view>
+#include <utility>
 
 #include "foundation/errors.h"
 #include "foundation/key_text.h"
 #include "foundation/model_prefix.h"
 #include "host/text.h"
-#include "signals/instrumented_signals.h"
+#include "signals/observed_indexes.h"
 
 namespace ks_hmi {
 
 using ks_hmi_foundation::KeyText;
-
-const std::unordered_map<std::string, std::size_t> InstrumentedSignals::m_cwActivityBitMask = {
-    {"Self", 0}, {"Child", 1}, {"Leaf", 2}, {"Data", 3}};
 
 namespace {
 
 constexpr const char16_t* kActivity = u"Activity";
 constexpr const char16_t* kSSID = u"SSID";
 
+constexpr std::string_view kActivityNames[kActivities] = {"Self", "Child", "Leaf", "Data"};
+
 std::string parameter(const SignalSpecification& spec, const char16_t* name) {
     return fl::i18n::to_string(spec.getValueForDomainParams(name));
+}
+
+/// Where a chart signal stands in the chart index.
+struct ChartEntry {
+    std::string ssid;
+    std::string activity;
+    std::uint64_t objectKey;
+    std::size_t bit;
+};
+
+/// Nothing for an unknown activity.
+std::optional<ChartEntry> chartEntryOf(const InstrumentedSignals& set, const InstrumentedSignals::SignalPtr& spec) {
+    plv_hmi_foundation::errors::requireRecord(spec);
+    std::string activity = parameter(*spec, kActivity);
+    const auto* const name = std::find(std::begin(kActivityNames), std::end(kActivityNames), activity);
+    if (name == std::end(kActivityNames)) return std::nullopt;
+    std::string ssid = parameter(*spec, kSSID);
+    std::vector<std::string> list;
+    set.constructCWLookupStr(list, spec->m_eid, ssid);
+    const std::uint64_t objectKey = SignalSpecification::getInfoHashFromStringList(std::move(list));
+    return ChartEntry{std::move(ssid), std::move(activity), objectKey,
+                      static_cast<std::size_t>(name - std::begin(kActivityNames))};
 }
 
 // Adds the same texts as `constructCWLookupStr` lists, without allocating.
@@ -59,32 +83,20 @@ void InstrumentedSignals::constructCWLookupStrUsingActivity(std::vector<std::str
     list.push_back(activity);
 }
 
-std::optional<InstrumentedSignals::ChartEntry> InstrumentedSignals::chartEntryOf(const SignalPtr& spec) const {
-    plv_hmi_foundation::errors::requireRecord(spec);
-    std::string activity = parameter(*spec, kActivity);
-    const auto bit = m_cwActivityBitMask.find(activity);
-    if (bit == m_cwActivityBitMask.end()) return std::nullopt;
-    std::string ssid = parameter(*spec, kSSID);
-    std::vector<std::string> list;
-    constructCWLookupStr(list, spec->m_eid, ssid);
-    const std::uint64_t objectKey = SignalSpecification::getInfoHashFromStringList(std::move(list));
-    return ChartEntry{std::move(ssid), std::move(activity), objectKey, bit->second};
-}
-
 void InstrumentedSignals::addToObservedCWObjectCache(SignalPtr spec) {
-    const auto entry = chartEntryOf(spec);
+    const auto entry = chartEntryOf(*this, spec);
     if (!entry) return;
     // The activity goes in before the bit is set: when it cannot, nothing has changed but an empty entry.
-    auto& activities = m_observedCWObjectCache[entry->objectKey];
+    auto& activities = m_indexes->chartObjects[entry->objectKey];
     addToObservedCWActivity(spec->m_eid, entry->ssid, entry->activity);
     activities.set(entry->bit);
 }
 
 void InstrumentedSignals::removeFromObservedCWObject(SignalPtr spec) {
-    const auto entry = chartEntryOf(spec);
+    const auto entry = chartEntryOf(*this, spec);
     if (!entry) return;
     // Kept: the object's entry stays, also when no bit is left.
-    auto& activities = m_observedCWObjectCache[entry->objectKey];
+    auto& activities = m_indexes->chartObjects[entry->objectKey];
     removeObservedCWActivity(spec->m_eid, entry->ssid, entry->activity);
     activities.reset(entry->bit);
 }
@@ -93,28 +105,28 @@ void InstrumentedSignals::addToObservedCWActivity(const std::string& eid, const 
                                                   const std::string& activity) {
     std::vector<std::string> list;
     constructCWLookupStrUsingActivity(list, eid, ssid, activity);
-    m_observedCWActivity[SignalSpecification::getInfoHashFromStringList(std::move(list))] = true;
+    m_indexes->chartActivities[SignalSpecification::getInfoHashFromStringList(std::move(list))] = true;
 }
 
 void InstrumentedSignals::removeObservedCWActivity(const std::string& eid, const std::string& ssid,
                                                    const std::string& activity) {
     std::vector<std::string> list;
     constructCWLookupStrUsingActivity(list, eid, ssid, activity);
-    m_observedCWActivity.erase(SignalSpecification::getInfoHashFromStringList(std::move(list)));
+    m_indexes->chartActivities.erase(SignalSpecification::getInfoHashFromStringList(std::move(list)));
 }
 
 bool InstrumentedSignals::isCWActivityObserved(const std::u16string& eidPath, double ssid,
                                                const std::u16string& activity) const {
     KeyText key;
     addObjectKey(key, m_modelName, eidPath, ssid);
-    return m_observedCWActivity.contains(key.add(activity).hash());
+    return m_indexes->chartActivities.contains(key.add(activity).hash());
 }
 
 bool InstrumentedSignals::isAnyCWActivityObserved(const std::u16string& eidPath, double ssid) {
     KeyText key;
     addObjectKey(key, m_modelName, eidPath, ssid);
     // Kept: insert if absent; the empty entry left for an unknown object changes no answer.
-    return m_observedCWObjectCache[key.hash()].any();
+    return m_indexes->chartObjects[key.hash()].any();
 }
 
 std::vector<InstrumentedSignals::SignalPtr> InstrumentedSignals::setDifference_cw(

@@ -1,9 +1,12 @@
 #include "signals/instrumented_signals.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 #include "foundation/errors.h"
 #include "foundation/rollback.h"
+#include "signals/observed_indexes.h"
 
 namespace ks_hmi {
 
@@ -16,7 +19,7 @@ std::ptrdiff_t offset(std::size_t index) { return static_cast<std::ptrdiff_t>(in
 
 }  // namespace
 
-InstrumentedSignals::InstrumentedSignals() = default;
+InstrumentedSignals::InstrumentedSignals() : m_indexes(std::make_unique<Indexes>()) {}
 InstrumentedSignals::~InstrumentedSignals() = default;
 
 std::u16string InstrumentedSignals::getModelName() const { return m_modelName; }
@@ -47,7 +50,7 @@ void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
     Rollback unlisted([&]() noexcept { m_signals.erase(m_signals.begin() + offset(index)); });
     addToObservedPortMap(spec);
     unlisted.commit();
-    forgetKSPorts();
+    m_indexes->forgetEnginePorts();
 }
 
 void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {
@@ -58,13 +61,13 @@ void InstrumentedSignals::set(std::size_t index, SignalPtr spec) {
         removeFromObservedPortMap(m_signals[index]);
     } else {
         // With the room made first nothing can fail between taking the old entries out and putting the new ones in.
-        m_observedPortMap.makeRoom();
+        m_indexes->ports.makeRoom();
         removeFromObservedPortMap(m_signals[index]);
         addToObservedPortMap(spec);
     }
     // Kept: a replaced chart signal keeps its entry in the chart index, unlike one that is removed.
     m_signals[index].swap(spec);
-    forgetKSPorts();
+    m_indexes->forgetEnginePorts();
 }
 
 void InstrumentedSignals::remove(std::size_t index) {
@@ -79,7 +82,7 @@ void InstrumentedSignals::leaveIndex(const SignalPtr& signal) {
         removeFromObservedCWObject(signal);
     } else {
         removeFromObservedPortMap(signal);
-        forgetKSPorts();
+        m_indexes->forgetEnginePorts();
     }
 }
 
@@ -88,7 +91,7 @@ void InstrumentedSignals::remove(const SignalSpecification& spec) {
                                     [&](const SignalPtr& signal) { return spec.isSameSignal(signal.get()); });
     if (match == m_signals.end()) return;
     const SignalPtr signal = *match;
-    forgetKSPorts();
+    m_indexes->forgetEnginePorts();
     // Kept: the chart index is left alone, also for a chart signal, unlike by a removal by position.
     removeFromObservedPortMap(signal);
     m_signals.erase(match);

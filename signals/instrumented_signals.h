@@ -1,31 +1,28 @@
 #pragma once
 
-#include <bitset>
 #include <boost/smart_ptr/shared_ptr.hpp>
-#include <boost/unordered/unordered_flat_map.hpp>
-#include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "foundation/export.h"
 #include "host/engine.h"
 #include "host/hv_array.h"
-#include "signals/signal_specification.h"
-#include "signals/source_key_index.h"
 
 namespace ks_hmi {
+
+class SignalSpecification;
 
 /// The instrumented signals of one model: an ordered list of records, with the indexes that answer whether
 /// a port or a chart's activity is observed without walking the list.
 ///
 /// Positions are 0-based. A position outside the set raises the host's exception "InvalidElementIndex"
 /// with the number of signals; nothing is changed then. A null record is refused with a host exception
-/// before anything changes. Records are shared: with the index, and with callers that hold a pointer.
+/// before anything changes. Records are shared: with the index, and with callers that hold a pointer; who looks
+/// into one includes its own header.
 /// Thread: the host's interpreter thread.
 class KS_HMI_EXPORT InstrumentedSignals {
 public:
@@ -193,52 +190,17 @@ public:
                        std::vector<int> newNumbers);
 
 private:
-    static constexpr std::size_t kActivityBits = 4;
+    struct KS_HMI_LOCAL Indexes;
 
-    /// One hash multimap in two tables: no path key ever equals a handle key.
-    struct ObservedPortMap {
-        SourceKeyIndex<std::uint64_t, IdentityHash> byPath;
-        SourceKeyIndex<HandleKey, HandleKeyHash> byHandle;
-
-        /// After this one `enter` cannot throw, also when entries are erased before it.
-        void makeRoom() {
-            byPath.makeRoom();
-            byHandle.makeRoom();
-        }
-        /// Under the path key and, once the signal is resolved, under its handle key; room has been made.
-        void enter(std::uint64_t pathKey, const SignalPtr& spec);
-    };
-
-    using EnginePorts = boost::unordered_flat_set<std::uint64_t, NumberHash>;
-
-    /// Where a chart signal stands in the chart index.
-    struct ChartEntry {
-        std::string ssid;
-        std::string activity;
-        std::uint64_t objectKey;
-        std::size_t bit;
-    };
-
-    void forgetKSPorts() noexcept;
     /// Takes a listed signal out of the index that a removal by position clears.
-    void leaveIndex(const SignalPtr& signal);
+    KS_HMI_LOCAL void leaveIndex(const SignalPtr& signal);
     /// Removes those ascending positions, from the last to the first.
-    void removeAll(const std::vector<std::size_t>& positions);
-    /// Nothing for an unknown activity.
-    std::optional<ChartEntry> chartEntryOf(const SignalPtr& spec) const;
-    std::uint64_t pathKey(const std::u16string& blockPath, const std::u16string& subPath, int outputPortIndex,
-                          int logicalPortIndex) const;
-    std::uint64_t pathKey(const SignalSpecification& spec) const;
+    KS_HMI_LOCAL void removeAll(const std::vector<std::size_t>& positions);
 
+    std::unique_ptr<Indexes> m_indexes;
     std::u16string m_modelName;
     std::vector<SignalPtr> m_signals;
-    ObservedPortMap m_observedPortMap;
-    EnginePorts m_cachedKSPorts;
-    boost::unordered_flat_map<std::uint64_t, bool> m_observedCWActivity;
-    boost::unordered_flat_map<std::uint64_t, std::bitset<kActivityBits>> m_observedCWObjectCache;
     bool m_rebindingPending = false;
-
-    static const std::unordered_map<std::string, std::size_t> m_cwActivityBitMask;
 };
 
 }  // namespace ks_hmi

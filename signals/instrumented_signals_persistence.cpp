@@ -5,7 +5,7 @@
 #include "foundation/native_object.h"
 #include "foundation/record_sequence.h"
 #include "foundation/rollback.h"
-#include "signals/instrumented_signals.h"
+#include "signals/observed_indexes.h"
 
 namespace ks_hmi {
 
@@ -30,19 +30,19 @@ HvArrayPtr InstrumentedSignals::copy(bool excludeUnsaved) const {
         if (!excludeUnsaved || !signal->m_excludeForSave) clones.emplace_back(signal->clone());
     }
     std::u16string modelName = m_modelName;
-    ObservedPortMap observedPorts = m_observedPortMap;
-    auto activities = m_observedCWActivity;
-    auto chartObjects = m_observedCWObjectCache;
+    Indexes::Ports ports = m_indexes->ports;
+    Indexes::ChartActivities activities = m_indexes->chartActivities;
+    Indexes::ChartObjects chartObjects = m_indexes->chartObjects;
 
     other.m_signals.insert(other.m_signals.end(), clones.begin(), clones.end());
     other.m_modelName.swap(modelName);
     if (&other == this) return object;
     // Kept: the copied index refers to this set's records; `updateObservedPortMap` makes it follow the clones.
-    std::swap(other.m_observedPortMap, observedPorts);
+    std::swap(other.m_indexes->ports, ports);
     // Kept: without an observed activity neither chart container is copied, whatever the objects' entries are.
     if (!activities.empty()) {
-        other.m_observedCWActivity.swap(activities);
-        other.m_observedCWObjectCache.swap(chartObjects);
+        other.m_indexes->chartActivities.swap(activities);
+        other.m_indexes->chartObjects.swap(chartObjects);
     }
     return object;
 }

@@ -3,41 +3,19 @@
 #include "foundation/errors.h"
 #include "foundation/rollback.h"
 #include "foundation/text_hash.h"
-#include "signals/instrumented_signals.h"
+#include "signals/observed_indexes.h"
 
 namespace ks_hmi {
 
 namespace errors = plv_hmi_foundation::errors;
 using ks_hmi_foundation::isSameText;
 using ks_hmi_foundation::Rollback;
-using ks_hmi_foundation::TextHash;
 
 namespace {
 
 std::uint64_t identity(const ksPort* port) { return reinterpret_cast<std::uintptr_t>(port); }
 
 }  // namespace
-
-// Equal for equal parts of the non-cached source key, which `SignalSpecification` gives to those who ask for it.
-std::uint64_t InstrumentedSignals::pathKey(const std::u16string& blockPath, const std::u16string& subPath,
-                                           int outputPortIndex, int logicalPortIndex) const {
-    const int port = SignalSpecification::pathKeyPort(outputPortIndex, logicalPortIndex);
-    return TextHash().add(m_modelName).add(blockPath).add(subPath).add(static_cast<std::uint32_t>(port)).value();
-}
-
-std::uint64_t InstrumentedSignals::pathKey(const SignalSpecification& spec) const {
-    return pathKey(spec.m_blockPath, spec.m_subPath, spec.m_outputPortIndex, spec.m_logicalPortIndex);
-}
-
-void InstrumentedSignals::ObservedPortMap::enter(std::uint64_t pathKey, const SignalPtr& spec) {
-    byPath.insert(pathKey, spec);
-    if (spec->m_cachedPortIdx != 0) byHandle.insert({spec->m_cachedBlockHandle, spec->m_cachedPortIdx}, spec);
-}
-
-void InstrumentedSignals::forgetKSPorts() noexcept {
-    // Clearing walks the whole table, so an empty one is left alone.
-    if (!m_cachedKSPorts.empty()) m_cachedKSPorts.clear();
-}
 
 void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
     errors::requireRecord(spec);
@@ -46,9 +24,9 @@ void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
         return;
     }
     // Kept: no look for an earlier entry; a signal entered twice is there twice.
-    m_observedPortMap.makeRoom();
-    m_observedPortMap.enter(pathKey(*spec), spec);
-    forgetKSPorts();
+    m_indexes->ports.makeRoom();
+    m_indexes->ports.enter(Indexes::pathKey(m_modelName, *spec), spec);
+    m_indexes->forgetEnginePorts();
 }
 
 void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
@@ -56,49 +34,49 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
     const SignalPtr removed = spec;
     if (isChartworkDomain(removed->m_domainType)) return;
     // Kept: by port and not by record; all signals on the block's port leave the index together.
-    std::size_t erased = m_observedPortMap.byPath.eraseIf(pathKey(*removed), [&](const SignalSpecification& entry) {
-        return entry.m_outputPortIndex == removed->m_outputPortIndex &&
-               isSameText(entry.m_blockPath, removed->m_blockPath);
-    });
-    erased += m_observedPortMap.byHandle.eraseIf({removed->m_cachedBlockHandle, removed->m_cachedPortIdx},
-                                                 [&](const SignalSpecification& entry) {
-                                                     return entry.m_cachedPortIdx == removed->m_cachedPortIdx &&
-                                                            entry.m_cachedBlockHandle == removed->m_cachedBlockHandle;
-                                                 });
-    if (erased != 0) forgetKSPorts();
+    Indexes::Ports& ports = m_indexes->ports;
+    std::size_t erased =
+        ports.byPath.eraseIf(Indexes::pathKey(m_modelName, *removed), [&](const SignalSpecification& entry) {
+            return entry.m_outputPortIndex == removed->m_outputPortIndex &&
+                   isSameText(entry.m_blockPath, removed->m_blockPath);
+        });
+    erased += ports.byHandle.eraseIf({removed->m_cachedBlockHandle, removed->m_cachedPortIdx},
+                                     [&](const SignalSpecification& entry) {
+                                         return entry.m_cachedPortIdx == removed->m_cachedPortIdx &&
+                                                entry.m_cachedBlockHandle == removed->m_cachedBlockHandle;
+                                     });
+    if (erased != 0) m_indexes->forgetEnginePorts();
 }
 
 void InstrumentedSignals::updateObservedPortMap() {
-    ObservedPortMap rebuilt;
+    Indexes::Ports rebuilt;
     for (const SignalPtr& signal : m_signals) {
         if (isChartworkDomain(signal->m_domainType)) {
             addToObservedCWObjectCache(signal);
         } else {
             rebuilt.makeRoom();
-            rebuilt.enter(pathKey(*signal), signal);
+            rebuilt.enter(Indexes::pathKey(m_modelName, *signal), signal);
         }
     }
-    std::swap(m_observedPortMap, rebuilt);
+    std::swap(m_indexes->ports, rebuilt);
     // Kept: a rebuild that enters no port keeps the cache of engine ports; only entering one empties it.
-    if (isAnyPortObserved()) forgetKSPorts();
+    if (isAnyPortObserved()) m_indexes->forgetEnginePorts();
 }
 
-bool InstrumentedSignals::isAnyPortObserved() const {
-    return !m_observedPortMap.byPath.isEmpty() || !m_observedPortMap.byHandle.isEmpty();
-}
+bool InstrumentedSignals::isAnyPortObserved() const { return !m_indexes->ports.isEmpty(); }
 
 void InstrumentedSignals::cacheKSPorts(const std::vector<ksPort*>& ports) {
-    EnginePorts cached(ports.size());
+    Indexes::EnginePorts cached(ports.size());
     for (const ksPort* const port : ports) cached.insert(identity(port));
-    m_cachedKSPorts.swap(cached);
+    m_indexes->enginePorts.swap(cached);
 }
 
 bool InstrumentedSignals::isKSPortObserved(const ksPort* port) const {
-    return m_cachedKSPorts.contains(identity(port));
+    return m_indexes->enginePorts.contains(identity(port));
 }
 
 bool InstrumentedSignals::isPortObserved(double blockHandle, int portIdx) const {
-    return m_observedPortMap.byHandle.find({blockHandle, portIdx}, [&](const SignalSpecification& entry) {
+    return m_indexes->ports.byHandle.find({blockHandle, portIdx}, [&](const SignalSpecification& entry) {
         return entry.m_cachedPortIdx == portIdx && entry.m_cachedBlockHandle == blockHandle;
     }) != nullptr;
 }
@@ -112,8 +90,8 @@ bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16strin
         const bool isUnresolved = entry.m_cachedPortIdx == 0;
         return portIdx == 0 || isUnresolved || (m_rebindingPending && entry.m_cachedPortIdx == portIdx);
     };
-    const SignalPtr* const found =
-        m_observedPortMap.byPath.find(pathKey(blockPath, subPath, outputPortIndex, logicalPortIndex), observes);
+    const SignalPtr* const found = m_indexes->ports.byPath.find(
+        Indexes::pathKey(m_modelName, blockPath, subPath, outputPortIndex, logicalPortIndex), observes);
     if (found == nullptr) return false;
     if (portIdx == 0 || (*found)->m_cachedPortIdx != 0) return true;
     const SignalPtr signal = *found;

@@ -1,6 +1,6 @@
 #include "foundation/model_path.h"
 #include "foundation/rollback.h"
-#include "signals/instrumented_signals.h"
+#include "signals/observed_indexes.h"
 
 namespace ks_hmi {
 
@@ -32,7 +32,7 @@ void InstrumentedSignals::renumberPorts(double blockHandle, const std::u16string
     if (deleted.empty() && !isAnyMoved) return;
 
     removeAll(deleted);
-    forgetKSPorts();
+    m_indexes->forgetEnginePorts();
     updateObservedPortMap();
 }
 

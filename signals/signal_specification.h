@@ -166,9 +166,9 @@ public:
     bool m_excludeForSave = false;     ///< runtime only
 
 private:
-    SignalSpecification(const SignalSpecification&);
+    KS_HMI_LOCAL SignalSpecification(const SignalSpecification&);
 
-    static BlockUUIDMap m_blockUUIDmap;
+    KS_HMI_LOCAL static BlockUUIDMap m_blockUUIDmap;
 };
 
 }  // namespace ks_hmi

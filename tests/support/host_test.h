@@ -14,6 +14,7 @@
 #include "memory_host/orvex/calls/library_loader.h"
 #include "memory_host/orvex/calls/warnings.h"
 #include "signals/instrumented_signals.h"
+#include "signals/signal_specification.h"
 #include "tests/support/values.h"
 
 /// What all tests of the library share: the host with the library loaded into it, and an empty ledger at the end.
