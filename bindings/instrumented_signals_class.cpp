@@ -2,6 +2,7 @@
 
 #include "bindings/instrumented_signals_methods.h"
 #include "bindings/instrumented_signals_properties.h"
+#include "signals/signal_specification.h"
 
 namespace ks_hmi_foundation {
 

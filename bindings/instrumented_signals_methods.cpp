@@ -1,4 +1,5 @@
 #include "bindings/instrumented_signals_methods.h"
+#include "signals/signal_specification.h"
 
 namespace ks_hmi_foundation {
 

@@ -6,6 +6,7 @@
 #include "foundation/host_value.h"
 #include "foundation/model_path.h"
 #include "observers/signal_client_fields.h"
+#include "signals/signal_specification.h"
 
 namespace ks_hmi {
 

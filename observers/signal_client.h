@@ -9,9 +9,10 @@
 
 #include "foundation/export.h"
 #include "host/hv_array.h"
-#include "signals/signal_specification.h"
 
 namespace ks_hmi {
+
+class SignalSpecification;
 
 /// What of an observer is saved, copied and compared member by member.
 struct SignalClientFields {
