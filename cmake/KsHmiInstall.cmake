@@ -24,7 +24,7 @@ function(ks_hmi_install_library)
     LIBRARY COMPONENT ks_hmi_foundation)
   install(EXPORT ks_hmi_foundation NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
     FILE ks_hmi_foundation-targets.cmake COMPONENT ks_hmi_foundation)
-  set_target_properties(ks_hmi_foundation PROPERTIES INSTALL_RPATH "$ORIGIN")
+  ks_hmi_ship_target(ks_hmi_foundation "$ORIGIN")
 
   ks_hmi_install_headers(exported_headers.txt ks_hmi_foundation)
 
@@ -43,14 +43,14 @@ function(ks_hmi_install_memory_host)
     LIBRARY COMPONENT memory_host)
   install(EXPORT ks_hmi_memory_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
     FILE memory_host-targets.cmake COMPONENT memory_host)
-  set_target_properties(memory_host PROPERTIES INSTALL_RPATH "$ORIGIN")
+  ks_hmi_ship_target(memory_host "$ORIGIN")
   ks_hmi_install_headers(memory_host_headers.txt memory_host)
   ks_hmi_install_pkg_config(ks_hmi_memory_host memory_host)
 endfunction()
 
 function(ks_hmi_install_tool)
   file(RELATIVE_PATH to_libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
-  set_target_properties(kshmi PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  ks_hmi_ship_target(kshmi "$ORIGIN/${to_libraries}")
   install(TARGETS kshmi COMPONENT tool)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation/examples"
     COMPONENT tool FILES_MATCHING PATTERN "*.json")

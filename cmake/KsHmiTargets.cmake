@@ -1,4 +1,4 @@
-# What every target of the project shares: warnings, sanitizers, and how the shipped library is put together.
+# What every target of the project shares: warnings, hardening, sanitizers, and how the shipped library is put together.
 
 include(KsHmiExports)
 
@@ -16,7 +16,26 @@ function(ks_hmi_configure_target target)
     target_compile_options(${target} PRIVATE -fsanitize=${KS_HMI_SANITIZE} -fno-omit-frame-pointer
                                              -fno-sanitize-recover=all)
     target_link_options(${target} PRIVATE -fsanitize=${KS_HMI_SANITIZE})
+  else()
+    ks_hmi_harden_target(${target})
   endif()
+endfunction()
+
+# Functions that return into overwritten memory stop, calls are bound before anything runs and their table is closed
+# to writing, and the C library checks the sizes it can know. tools/check_hardening reads it off the binaries.
+function(ks_hmi_harden_target target)
+  target_compile_options(${target} PRIVATE -fstack-protector-strong
+    $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
+  target_link_options(${target} PRIVATE -Wl,-z,relro -Wl,-z,now)
+endfunction()
+
+# What is installed is built as it will be installed, in the same places relative to each other: nothing is patched on
+# the way, which would leave padding in the search paths.
+function(ks_hmi_ship_target target run_path)
+  set_target_properties(${target} PROPERTIES
+    LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}"
+    INSTALL_RPATH "${run_path}"
+    BUILD_WITH_INSTALL_RPATH ON)
 endfunction()
 
 # The rooms that make up libks_hmi_foundation.so; each lists its own sources.

@@ -9,7 +9,7 @@
 /// "plv_hmi_foundation:errors", thrown as the host's exception. Warnings are never built here.
 namespace plv_hmi_foundation::errors {
 
-/// A position outside a set. The argument is the number of elements, not the position, on purpose.
+/// A position outside a set. The argument is the number of elements, not the position.
 class InvalidElementIndex final : public resource_core::BaseMsgID {
 public:
     explicit InvalidElementIndex(long count);

@@ -11,7 +11,7 @@ class KS_HMI_EXPORT HMIEngineUtils {
 public:
     HMIEngineUtils() = delete;
 
-    /// Tells the dashboard layer that the parameters of a block have changed. Silent on purpose, whatever fails:
+    /// Tells the dashboard layer that the parameters of a block have changed. Silent, whatever fails:
     /// no warning is shown, for a parameter change must not depend on the dashboards.
     static void updateParamsForBlock(const std::u16string& blockPath) noexcept;
 };

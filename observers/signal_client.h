@@ -57,13 +57,13 @@ public:
     static std::span<const char* const> getStructFields();
     static int getNumStructFields();
     /// Reads element `index` of a persisted struct array by field name. Missing fields 8 to 11 read as 0, 0, false
-    /// and empty, on purpose not as the defaults of a new record; any other missing field, a number field that
+    /// and empty, not as the defaults of a new record; any other missing field, a number field that
     /// holds no number, and a path field that is no cell array throws the host's exception and leaves what was read
     /// before it; a text field of another class reads as empty.
     void setFromPersistentData(const hvArray* s, std::size_t index);
     /// Writes all fields of element `index` of `s`, replacing what was there; `modelName` is put in front of the
     /// first path and identifier. Without a model path the client belongs to the model being written: its
-    /// source model is then `modelName`, on purpose. Without parameters a 0x0 double is written.
+    /// source model is then `modelName`. Without parameters a 0x0 double is written.
     void createStructData(hvArray* s, std::size_t index, const std::u16string& modelName) const;
     /// The same relative to the model. A client without a model path so loses its source model.
     void getPersistenceData(hvArray* s, std::size_t index) const;
@@ -75,8 +75,8 @@ public:
     std::unique_ptr<SignalClient> clone() const;
     /// Takes a leading `modelName` off the first path and the first identifier.
     void stripModelName(const std::u16string& modelName);
-    /// A source model that is `oldName` or empty becomes `newName`; a field "ModelName" of the parameters becomes
-    /// `newName` whatever the source model is, on purpose.
+    /// A source model that is `oldName` or empty becomes `newName`; then a field "ModelName" of the parameters does,
+    /// whatever the source model is. When the field cannot be written, the source model has its new name already.
     void renameModel(const std::u16string& oldName, const std::u16string& newName);
     /// Whether the observer type is one that is no longer supported (exact match).
     bool isDeprecatedObserver() const;
@@ -89,7 +89,7 @@ public:
     /// A new host object with full paths; null when the host refuses.
     HvArrayPtr getHOSObject(const std::u16string& modelName) const;
     /// The observed signal as the host finds it, owned by the client; null when there is none, and then nothing is
-    /// kept. What was found once is kept, on purpose: later changes of the model, renames included, are not seen.
+    /// kept. What was found once is kept: later changes of the model, renames included, are not seen.
     SignalSpecification* getSignalSpecification(const std::u16string& modelName);
     /// Sets `path` to the aligned path of the observed block through the model hierarchy (the model path, its first
     /// element with the model's name in front, then the block's full path) and `subPath` to the signal's

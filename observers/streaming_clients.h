@@ -47,7 +47,7 @@ public:
 
     /// A new N x 1 struct array with one element per client.
     HvArrayPtr getPersistenceData() const;
-    /// Appends a client per element, on purpose: assigning the same data twice holds every client twice. When an
+    /// Appends a client per element: assigning the same data twice holds every client twice. When an
     /// element cannot be read, the ones before it stay and the error propagates.
     void setFromPersistenceData(const hvArray* s);
     /// A new host object holding a deep copy of this set. Throws when the host refuses the new object.

@@ -32,7 +32,7 @@ public:
     static constexpr const char* kHostClass = "Kestrel.HMI.InstrumentedSignals";
 
     /// One observed port, as the host's "getObservedPorts" lists it. Each field names the result (1 to 10) that
-    /// it is filled from; the flags stand together in front of the texts, on purpose.
+    /// it is filled from; the flags stand together in front of the texts.
     struct Source {
         std::string uuid;                      ///< result 1: of the signal that observes the port
         double blockHandle = 0.0;              ///< result 2
@@ -67,19 +67,19 @@ public:
     /// Inserts before `index`; the count itself is a valid position, at which it appends.
     void insert(std::size_t index, SignalPtr spec);
     /// Replaces the record at `index`, or changes nothing when that fails. The old record leaves the port index only
-    /// (as by `removeFromObservedPortMap`): a chart signal's entry in the chart index stays, on purpose.
+    /// (as by `removeFromObservedPortMap`): a chart signal's entry in the chart index stays.
     void set(std::size_t index, SignalPtr spec);
     /// Removes the record at `index`. Other signals under the same path key (path, sub-path and port) with the same
     /// output port, or with the same cached handle and port, lose those index entries with it, until
     /// `updateObservedPortMap`; of two chart signals on the same activity, removing one clears the activity for both.
     void remove(std::size_t index);
     /// Removes the first signal that is the same signal as `spec`; does nothing when there is none. The chart
-    /// index is not touched, on purpose, unlike by `remove` by position.
+    /// index is not touched, unlike by `remove` by position.
     void remove(const SignalSpecification& spec);
     /// The same signals in the same order; model names and indexes take no part. False for null.
     bool isEqual(const InstrumentedSignals* other) const;
     /// A new host object with clones of the signals, leaving out those not to be saved when asked to. Its
-    /// port index still refers to this set's records, on purpose: a path query on the copy resolves the
+    /// port index still refers to this set's records: a path query on the copy resolves the
     /// originals until `updateObservedPortMap`. Until then path queries on both sets, which may write to those records,
     /// must not run at the same time. The chart index is copied only while an activity is observed. Throws when the
     /// host refuses the new object.
@@ -89,7 +89,7 @@ public:
 
     /// A new N x 1 struct array with one element per signal, those excluded from saving included.
     HvArrayPtr getPersistenceData() const;
-    /// Appends a signal per element, on purpose: what the set held stays in front. When an element cannot be
+    /// Appends a signal per element: what the set held stays in front. When an element cannot be
     /// read, the ones before it stay and the error propagates.
     void setFromPersistenceData(const hvArray* data);
 
@@ -112,7 +112,7 @@ public:
     // ---- the observed-port index ----
 
     /// Enters the signal under its path key and, once its handle is resolved, under its handle key; a chart
-    /// signal goes to the chart index. Entering a signal twice gives it two entries, on purpose.
+    /// signal goes to the chart index. Entering a signal twice gives it two entries.
     void addToObservedPortMap(const SignalPtr& spec);
     /// Erases the entries under the signal's path key that have its block path and output port, and those of its
     /// cached handle and port, whichever signals they belong to. A chart signal has no effect.
@@ -128,11 +128,11 @@ public:
     bool isKSPortObserved(const ksPort* port) const;
     /// By block handle and port. A handle of NaN is never observed. Does not allocate.
     bool isPortObserved(double blockHandle, int portIdx) const;
-    /// By handle and port, else by path and port. The first match of a signal that has no handle yet records
-    /// this one in it, gives it a second entry under its path key (on purpose, harmless), and empties the
-    /// cache of engine ports. With `portIdx` 0 nothing is recorded. A handle of 0.0 or NaN uses the signal up: it
-    /// counts as resolved, and its real handle answers only while rebinding is pending; with 0.0 every later
-    /// query with handle 0.0 and that port is true, whatever its path, while NaN is never found.
+    /// By handle and port, else by path and port.
+    /// The first match of a signal that has no handle yet records this one in it, unless `portIdx` is 0. The signal
+    /// gets a second entry under its path key, and the cache of engine ports is emptied.
+    /// A handle of 0.0 or NaN uses the signal up: its real handle answers only while rebinding is pending. NaN is never
+    /// found again; 0.0 answers for every path with that port.
     bool isPortObserved(double blockHandle, const std::u16string& blockPath, const std::u16string& subPath,
                         int outputPortIndex, int portIdx, int logicalPortIndex);
     /// The same with the signal's own values. False for null.
@@ -144,7 +144,7 @@ public:
     bool isChartworkDomain(const std::u16string& domainType) const;
     /// Enters a chart signal by its "Activity" and "SSID" parameters; an unknown activity is not recorded.
     void addToObservedCWObjectCache(SignalPtr spec);
-    /// Takes a chart signal's activity out again; the chart object's entry stays, on purpose, without the bit.
+    /// Takes a chart signal's activity out again; the chart object's entry stays, without the bit.
     void removeFromObservedCWObject(SignalPtr spec);
     /// Append the model's name, `eid`, `ssid` (and `activity`) to `list`, which is not cleared.
     void constructCWLookupStr(std::vector<std::string>& list, const std::string& eid, const std::string& ssid) const;
@@ -156,7 +156,7 @@ public:
     /// allocate, but for texts of hundreds of characters.
     bool isCWActivityObserved(const std::u16string& eidPath, double ssid, const std::u16string& activity) const;
     /// Whether any activity of the chart object is. Asking about an unknown object leaves an empty entry
-    /// behind, on purpose; it is harmless to every query.
+    /// behind; it is harmless to every query.
     bool isAnyCWActivityObserved(const std::u16string& eidPath, double ssid);
     /// The chart signals of this set that `other` (may be null) does not observe, in order. Chart-level
     /// signals (SSID "0") match by identifier and activity, all others by identifier and SSID.

@@ -70,8 +70,8 @@ public:
     /// a non-empty `modelName` is put in front of the block path and the element identifier.
     void createStructData(hvArray* s, std::size_t index, const std::u16string& modelName) const;
     /// Writes element `index` of `s` as it is saved: references relative to the model, and the block path
-    /// freshly aligned by the host for `modelName`. When the host cannot align it, the path is saved empty,
-    /// on purpose: the warning has been given, and a path that is no longer true is not kept.
+    /// freshly aligned by the host for `modelName`. When the host cannot align it, the path is saved empty:
+    /// the warning has been given, and a path that is no longer true is not kept.
     void getPersistenceData(hvArray* s, std::size_t index, std::u16string modelName) const;
     /// Reads element `index` of a persisted struct array by field name. The runtime-only members keep their
     /// values, even when the struct has such fields. "LogicalPortIndex_" and the three flags may be missing
@@ -84,7 +84,7 @@ public:
 
     /// The signal as the host's object of class "Kestrel.HMI.SignalSpecification", or with `asStruct` as a 1x1
     /// struct of 20 fields. Null when the host refuses to construct the object. An object for a signal without
-    /// a cached handle keeps the class's own defaults for handle and port, on purpose.
+    /// a cached handle keeps the class's own defaults for handle and port.
     HvArrayPtr getHOSObject(const std::u16string& modelName, bool asStruct) const;
     /// Reads the properties of element 0 of a host object and takes `modelName` off the references. An empty
     /// "CachedBlockHandle_" leaves handle and port at their values.
@@ -107,17 +107,17 @@ public:
     /// went through a host object, has its parameters in the same order again. False for null.
     bool isEqual(const SignalSpecification* other) const;
     /// Both records denote the same source port: equal cached handles and ports, else, also when the handles
-    /// differ (on purpose), equal port numbers, block path and sub-path. False for null.
+    /// differ, equal port numbers, block path and sub-path. False for null.
     bool isSameSignal(const SignalSpecification* other) const;
 
     // ---- changing ----
 
-    /// Does nothing, by design: the record holds no model name.
+    /// Does nothing: the record holds no model name.
     void renameModel(const std::u16string& oldName, const std::u16string& newName);
     /// Takes a leading `modelName` off the block path and the element identifier.
     void stripModelName(const std::u16string& modelName);
     void setCachedInfo(double blockHandle, int portIdx);
-    /// Sets the output port and the cached port; the logical port is left unchanged on purpose.
+    /// Sets the output port and the cached port; the logical port is left unchanged.
     void renumberPortIndex(int portIndex);
 
     // ---- identity ----
@@ -140,7 +140,7 @@ public:
     std::uint64_t getSourceKeyCached() const;
 
     /// Whether the process-wide map has a UUID for the block's port. Handles that differ beyond the sixth
-    /// decimal share an entry, on purpose.
+    /// decimal share an entry.
     static bool isInBlockHandleUUIDmap(const int& port, const double& handle);
     /// Sets the map's entry for the block's port; an empty UUID is an entry like any other.
     static void addToBlockHandleUUIDmap(const int& port, const double& handle, const std::string& uuid);
@@ -148,7 +148,7 @@ public:
     /// that is entered nowhere. Throws Boost's entropy error when the system has no randomness to give.
     static std::string getUUIDFromBlockHandle(const int& port, const double& handle, const bool& useMap);
     /// A new record for a block's output port, with the UUID that the map has for it or a fresh one, which is
-    /// not entered in the map on purpose. References may carry the model's name and are stored without it.
+    /// not entered in the map. References may carry the model's name and are stored without it.
     static std::unique_ptr<SignalSpecification> createSigSpecFromPort(const std::u16string& blockPath,
                                                                       const std::string& eid, int portIdx,
                                                                       int logicalPortIdx, double blockHandle,

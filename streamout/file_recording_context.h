@@ -47,7 +47,7 @@ public:
     virtual std::string getMaxPoints() const;
 
     /// Appends the properties of `getFilePropertiesMap`, in its order, split by kind; each name stands at the
-    /// position of its value. The lists are never cleared: a second call appends again, on purpose. When
+    /// position of its value. The lists are never cleared: a second call appends again. When
     /// memory runs out, what was appended stays, and one name may lack its value.
     void getProperties(std::vector<std::string>& numberNames, std::vector<double>& numberValues,
                        std::vector<std::string>& textNames, std::vector<std::u16string>& textValues) const;

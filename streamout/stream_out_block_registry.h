@@ -32,9 +32,9 @@ public:
     static std::string getPluginName();
 
     /// Shares `ctx` until it is unregistered; once is enough, null is ignored. Of several contexts with one
-    /// identifier all are registered, but the first stays the one that is found by it, on purpose.
+    /// identifier all are registered, but the first stays the one that is found by it.
     void registerBlock(BlockContextPtr ctx);
-    /// Forgets `ctx` and whatever context its identifier finds, on purpose: when a second context with that
+    /// Forgets `ctx` and whatever context its identifier finds: when a second context with that
     /// identifier is unregistered, the first is still registered, but no longer found by it. So it is also with a
     /// context that was never registered. Null is ignored.
     void unregisterBlock(BlockContextPtr ctx);

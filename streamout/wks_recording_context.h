@@ -17,7 +17,7 @@ public:
 
     std::string getSourceID() const override;
     /// UTF-8 of what `getModelName` answers, so that overriding that moves the key. Two workspace blocks of
-    /// one model have the same key, on purpose. Ill-formed UTF-16 becomes U+FFFD.
+    /// one model have the same key. Ill-formed UTF-16 becomes U+FFFD.
     /// Thread: converts with the host's `fl::i18n::to_string`, which any thread may call.
     std::string getBlockId() const override;
     virtual std::u16string getModelName() const;
