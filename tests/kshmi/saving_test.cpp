@@ -150,11 +150,14 @@ TEST_F(Saving, isDoneOrNotWhicheverCallFails) {
         EXPECT_EQ(fileCount(), 1U) << where;
     }
     std::cout << "each failed once:" << names << '\n';
+    for (const char* const call : {"open", "flock", "fstat", "mkostemp", "write", "fchmod", "fsync", "close", "rename"})
+        EXPECT_TRUE(contains(names + ' ', std::string(" ") + call + ' ')) << call << " was not met";
 }
 
 TEST_F(Saving, leavesTheOldOrTheNewFileWhereverTheProgramEnds) {
     bool isOver = false;
-    for (std::size_t at = 1; !isOver; ++at) {
+    std::size_t at = 1;
+    for (; !isOver; ++at) {
         write(kModel);
         const pid_t child = ::fork();
         ASSERT_GE(child, 0);
@@ -170,6 +173,7 @@ TEST_F(Saving, leavesTheOldOrTheNewFileWhereverTheProgramEnds) {
         EXPECT_TRUE(read() == kModel || read() == unmarked()) << at;
     }
     EXPECT_TRUE(read() == unmarked());
+    EXPECT_GT(at, 9U) << "most calls were not met";
 }
 
 TEST_F(Saving, aDiskThatIsFullIsToldAndInterruptedWritesGoOn) {
