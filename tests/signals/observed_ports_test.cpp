@@ -1,34 +1,10 @@
-#include <cmath>
-
 #include "tests/support/host_test.h"
 
 using namespace ks_test;
 
 namespace {
 
-class ObservedPorts : public ModelTest {
-protected:
-    bool byPath(double handle, const std::u16string& path, int outputPort, int portIdx) {
-        return set().isPortObserved(handle, path, u"", outputPort, portIdx, 0);
-    }
-};
-
-TEST_F(ObservedPorts, staleHandlesAnswerOnlyWhileRebindingIsPending) {
-    set().add(resolvedPort(u"Gain", 2, 1.5));
-    EXPECT_FALSE(byPath(2.5, u"Gain", 2, 2));
-    set().setRebindingPending(true);
-    EXPECT_TRUE(byPath(2.5, u"Gain", 2, 2));
-    EXPECT_FALSE(byPath(2.5, u"Gain", 2, 3));
-    EXPECT_EQ(set().get(0)->m_cachedBlockHandle, 1.5);
-}
-
-TEST_F(ObservedPorts, handlesCompareExactly) {
-    set().add(resolvedPort(u"A", 1, NAN));
-    set().add(resolvedPort(u"B", 1, 0.0));
-    EXPECT_FALSE(set().isPortObserved(NAN, 1));
-    EXPECT_TRUE(set().isPortObserved(0.0, 1));
-    EXPECT_FALSE(set().isPortObserved(-0.0, 1)) << "equal, but another key";
-}
+class ObservedPorts : public ModelTest {};
 
 // Only the key tells sub-paths apart, and to it an unpaired surrogate is the replacement character.
 TEST_F(ObservedPorts, subPathsMatchWhenTheirUtf8Does) {
