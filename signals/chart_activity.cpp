@@ -25,7 +25,7 @@ std::string parameter(const SignalSpecification& spec, const char16_t* name) {
     return fl::i18n::to_string(spec.getValueForDomainParams(name));
 }
 
-/// Where a chart signal stands in the chart index.
+// Where a chart signal stands in the chart index.
 struct ChartEntry {
     std::string ssid;
     std::string activity;
@@ -33,7 +33,7 @@ struct ChartEntry {
     std::size_t bit;
 };
 
-/// Nothing for an unknown activity.
+// Nothing for an unknown activity.
 std::optional<ChartEntry> chartEntryOf(const InstrumentedSignals& set, const InstrumentedSignals::SignalPtr& spec) {
     plv_hmi_foundation::errors::requireRecord(spec);
     std::string activity = parameter(*spec, kActivity);
