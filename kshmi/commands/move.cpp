@@ -3,6 +3,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
+#include "signals/signal_specification.h"
 #include "workbench/change/moving.h"
 #include "workbench/session/host_process.h"
 #include "workbench/text/error.h"

@@ -9,6 +9,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
 #include "kshmi/print/lost_clients.h"
+#include "signals/signal_specification.h"
 #include "workbench/find/watching.h"
 #include "workbench/session/host_process.h"
 #include "workbench/text/error.h"

@@ -6,6 +6,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/block_tree.h"
 #include "kshmi/print/text_table.h"
+#include "signals/signal_specification.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"

@@ -5,6 +5,7 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
 #include "kshmi/print/lost_clients.h"
+#include "signals/signal_specification.h"
 #include "workbench/change/marking.h"
 #include "workbench/find/positions.h"
 #include "workbench/find/signal_index.h"

@@ -5,6 +5,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
+#include "signals/signal_specification.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/signal_index.h"

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 
+#include "signals/signal_specification.h"
 #include "workbench/session/script.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"

@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "signals/signal_specification.h"
 #include "workbench/change/observing.h"
 #include "workbench/session/signal_source.h"
 

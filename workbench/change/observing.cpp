@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "signals/signal_specification.h"
 #include "workbench/find/client_names.h"
 #include "workbench/session/script.h"
 #include "workbench/text/error.h"

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "signals/signal_specification.h"
 #include "workbench/text/text.h"
 
 namespace workbench {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "signals/signal_specification.h"
+
 namespace workbench {
 
 namespace {

@@ -7,6 +7,7 @@
 
 #include "foundation/model_path.h"
 #include "host/messages.h"
+#include "signals/signal_specification.h"
 #include "workbench/session/record_alignment.h"
 #include "workbench/session/script.h"
 #include "workbench/text/error.h"

@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "signals/signal_specification.h"
 #include "workbench/session/signal_source.h"
 #include "workbench/text/text.h"
 

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "memory_host/kestrel/signal_block.h"
+#include "signals/signal_specification.h"
 #include "workbench/text/text.h"
 
 namespace workbench {

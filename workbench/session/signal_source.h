@@ -7,7 +7,10 @@
 #include <vector>
 
 #include "memory_host/kestrel/model.h"
-#include "signals/signal_specification.h"
+
+namespace ks_hmi {
+class SignalSpecification;
+}
 
 namespace workbench {
 
