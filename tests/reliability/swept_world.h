@@ -82,6 +82,7 @@ public:
         result->m_observerParams = structOf(1, std::array{"ModelName", "gain"});
         hvReplaceField(result->m_observerParams.get(), 0, "ModelName", text("m1").release());
         hvReplaceField(result->m_observerParams.get(), 0, "gain", number(3).release());
+        hvSetArrayScope(result->m_observerParams.get(), nullptr);  // made in a host call at times
         return result;
     }
     static HvArrayPtr shared(const HvArrayPtr& value) { return HvArrayPtr(hvCreateSharedDataCopy(value.get())); }

@@ -180,28 +180,8 @@ using ks_test::hostFunction;
     static auto* const function = hostFunction<type>(&name); \
     return function(__VA_ARGS__)
 
-// ---- creating ----
+// ---- copies and what is released ----
 
-hvArray* hvCreateStructArray(std::size_t ndim, const std::size_t* dims, int nfields, const char* const* names) {
-    KS_WRITE("hvCreateStructArray", dims[0], nfields);
-    KS_FORWARD(decltype(hvCreateStructArray), hvCreateStructArray, ndim, dims, nfields, names);
-}
-hvArray* hvCreateString(const char* text) {
-    KS_WRITE("hvCreateString", text);
-    KS_FORWARD(decltype(hvCreateString), hvCreateString, text);
-}
-hvArray* hvCreateDoubleScalar(double value) {
-    KS_WRITE("hvCreateDoubleScalar", value);
-    KS_FORWARD(decltype(hvCreateDoubleScalar), hvCreateDoubleScalar, value);
-}
-hvArray* hvCreateLogicalScalar(bool value) {
-    KS_WRITE("hvCreateLogicalScalar", value);
-    KS_FORWARD(decltype(hvCreateLogicalScalar), hvCreateLogicalScalar, value);
-}
-hvArray* hvCreateNumericMatrix(std::size_t m, std::size_t n, hvClassID classID, hvComplexity complexity) {
-    KS_WRITE("hvCreateNumericMatrix", m, n);
-    KS_FORWARD(decltype(hvCreateNumericMatrix), hvCreateNumericMatrix, m, n, classID, complexity);
-}
 hvArray* hvCreateDeepCopy(const hvArray* value) {
     KS_WRITE("hvCreateDeepCopy", value);
     KS_FORWARD(decltype(hvCreateDeepCopy), hvCreateDeepCopy, value);
@@ -212,18 +192,6 @@ hvArray* hvCreateSharedDataCopy(const hvArray* value) {
 }
 
 namespace matrix {
-hvArray* create_struct(std::span<const std::size_t> dims, std::span<const char* const> fields) {
-    KS_WRITE("create_struct", dims[0], fields.size());
-    KS_FORWARD(decltype(create_struct), create_struct, dims, fields);
-}
-hvArray* create(const char* text, std::size_t length) {
-    KS_WRITE("create", std::string(text, length));
-    KS_FORWARD(hvArray * (const char*, std::size_t), create, text, length);
-}
-hvArray* create(const char16_t* text, std::size_t length) {
-    KS_WRITE("create", std::string(text, text + length));
-    KS_FORWARD(hvArray * (const char16_t*, std::size_t), create, text, length);
-}
 void destroyArray(hvArray* value) noexcept {
     KS_WRITE("destroyArray", value);
     KS_FORWARD(decltype(destroyArray), destroyArray, value);
