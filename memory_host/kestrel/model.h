@@ -55,6 +55,7 @@ struct Block {
     double handle = 0.0;                       ///< fractional, new at each load; 0.0 while the model is not loaded
     std::vector<std::u16string> outputs = {};  ///< names of the output ports; port number = position, from 1
     std::optional<Chart> chart = {};
+    std::optional<std::string> source = {};  ///< UTF-8; what an imported block is called where it comes from
 };
 
 /// A model: its name and its blocks in the order they were added. Look-ups by path, element

@@ -22,6 +22,30 @@ void ModelFileParts::setVersion(double version, const std::string& pointer) {
 
 void ModelFileParts::beginBlock() { m_blocks.push_back({{}, m_file.line()}); }
 
+std::string& ModelFileParts::originText(std::string_view key) {
+    if (key == "kind") return m_origin->kind;
+    if (key == "version") return m_origin->version;
+    if (key == "file") return m_origin->file;
+    if (key == "hash") return m_origin->hash;
+    GoneBlock& block = m_origin->gone.back();
+    return key == "source" ? block.source : block.eid;
+}
+
+void ModelFileParts::checkOrigin(const std::string& pointer) const {
+    for (const char* const kind : {"ssd", "ssp", "fmi", "fmu"})
+        if (m_origin->kind == kind) return;
+    m_file.fail(pointer + "/kind", "a model comes from ssd, ssp, fmi or fmu; correct it");
+}
+
+void ModelFileParts::setBlockText(std::string_view key, std::u16string text) {
+    if (key == "path")
+        block().path = std::move(text);
+    else if (key == "eid")
+        block().eid = toUtf8(text);
+    else
+        block().source = toUtf8(text);
+}
+
 void ModelFileParts::checkChart(const std::string& pointer) const {
     const kestrel::Chart& chart = *m_blocks.back().block.chart;
     std::set<std::uint32_t> identifiers;
@@ -41,7 +65,8 @@ void ModelFileParts::checkChart(const std::string& pointer) const {
 ModelFile ModelFileParts::finish() {
     kestrel::Model model = buildModel();
     HvArrayPtr signals = m_signals.build();
-    return {std::move(model), std::move(signals), m_clients.build(), m_signals.takeLines(), m_clients.takeLines()};
+    return {std::move(model),      std::move(signals),    m_clients.build(),
+            m_signals.takeLines(), m_clients.takeLines(), std::move(m_origin)};
 }
 
 kestrel::Model ModelFileParts::buildModel() {

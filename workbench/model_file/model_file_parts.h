@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "workbench/json/json_file.h"
@@ -23,8 +25,16 @@ public:
         m_nameLine = m_file.line();
     }
 
+    void beginOrigin() { m_origin.emplace(); }
+    Origin& origin() noexcept { return *m_origin; }
+    /// A text of the origin or, for the keys of a gone block, of the last one.
+    std::string& originText(std::string_view key);
+
+    void checkOrigin(const std::string& pointer) const;
+
     void beginBlock();
     kestrel::Block& block() noexcept { return m_blocks.back().block; }
+    void setBlockText(std::string_view key, std::u16string text);
     /// A chart's items must be told apart by identifier, states by path and data by name.
     void checkChart(const std::string& pointer) const;
 
@@ -43,6 +53,7 @@ private:
     const JsonFile& m_file;
     std::u16string m_name;
     std::size_t m_nameLine = 0;
+    std::optional<Origin> m_origin;
     std::vector<PlacedBlock> m_blocks;
     RecordTable m_signals;
     RecordTable m_clients;

@@ -33,10 +33,7 @@ public:
     void key(std::string_view name) override;
     void string(std::string_view text) override;
     void number(std::string_view text) override;
-    void boolean(bool value) override {
-        if (!inValue()) failKind("true or false");
-        build([&] { m_value.boolean(value); });
-    }
+    void boolean(bool value) override;
     void null() override {
         if (!inValue()) failKind("null");
         build([&] { m_value.null(); });
@@ -110,6 +107,12 @@ void ModelFileReader::end(void (JsonSink::*event)()) {
 void ModelFileReader::enter(Place place, bool isArray) {
     m_frames.push_back(Frame{.place = place, .isArray = isArray});
     switch (place) {
+        case Place::origin:
+            m_parts.beginOrigin();
+            break;
+        case Place::goneBlock:
+            m_parts.origin().gone.emplace_back();
+            break;
         case Place::block:
             m_parts.beginBlock();
             break;
@@ -138,6 +141,7 @@ void ModelFileReader::leave() {
     for (std::size_t i = 0; !frame.isArray && i < rules.size(); ++i)
         if (rules[i].isRequired && (frame.keysSeen & (1U << i)) == 0)
             m_file.fail(pointer(), "the key " + inQuotes(rules[i].key) + " is missing; add it");
+    if (frame.place == Place::origin) m_parts.checkOrigin(pointer());
     if (frame.place == Place::chart) m_parts.checkChart(pointer());
     advance();
 }
@@ -172,6 +176,12 @@ void ModelFileReader::string(std::string_view text) {
     advance();
 }
 
+void ModelFileReader::boolean(bool value) {
+    if (inValue()) return build([&] { m_value.boolean(value); });
+    if (expected().kind != Kind::boolean) failKind("true or false");
+    m_parts.origin().locals = value;
+}
+
 void ModelFileReader::number(std::string_view text) {
     if (inValue()) return build([&] { m_value.number(text); });
     if (expected().kind != Kind::number) failKind("the number " + std::string(text));
@@ -198,11 +208,12 @@ void ModelFileReader::setText(std::u16string text) {
         case Place::datum:
             m_parts.block().chart->data.back().name = std::move(text);
             break;
+        case Place::origin:
+        case Place::goneBlock:
+            m_parts.originText(frame.key) = toUtf8(text);
+            break;
         default:
-            if (frame.key == "path")
-                m_parts.block().path = std::move(text);
-            else
-                m_parts.block().eid = toUtf8(text);
+            m_parts.setBlockText(frame.key, std::move(text));
     }
 }
 

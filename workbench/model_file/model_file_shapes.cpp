@@ -6,13 +6,22 @@ namespace workbench::shapes {
 
 namespace {
 
-constexpr std::array<Rule, 5> kDocument{{{"kestrelModel", Kind::number},
+constexpr std::array<Rule, 6> kDocument{{{"kestrelModel", Kind::number},
                                          {"name", Kind::text},
+                                         {"origin", Kind::object, Place::origin, false},
                                          {"blocks", Kind::array, Place::blocks},
                                          {"signals", Kind::array, Place::signals},
                                          {"clients", Kind::array, Place::clients}}};
-constexpr std::array<Rule, 4> kBlock{{{"path", Kind::text},
+constexpr std::array<Rule, 6> kOrigin{{{"kind", Kind::text},
+                                       {"version", Kind::text},
+                                       {"file", Kind::text},
+                                       {"hash", Kind::text},
+                                       {"locals", Kind::boolean, Place::nowhere, false},
+                                       {"gone", Kind::array, Place::goneBlocks, false}}};
+constexpr std::array<Rule, 2> kGoneBlock{{{"source", Kind::text}, {"eid", Kind::text}}};
+constexpr std::array<Rule, 5> kBlock{{{"path", Kind::text},
                                       {"eid", Kind::text},
+                                      {"source", Kind::text, Place::nowhere, false},
                                       {"outputs", Kind::array, Place::outputs},
                                       {"chart", Kind::object, Place::chart, false}}};
 constexpr std::array<Rule, 2> kChart{
@@ -21,6 +30,7 @@ constexpr std::array<Rule, 2> kState{{{"path", Kind::text}, {"ssid", Kind::numbe
 constexpr std::array<Rule, 2> kDatum{{{"name", Kind::text}, {"ssid", Kind::number}}};
 
 constexpr Rule kText{"", Kind::text};
+constexpr Rule kGoneElement{"", Kind::object, Place::goneBlock};
 constexpr Rule kBlockElement{"", Kind::object, Place::block};
 constexpr Rule kStateElement{"", Kind::object, Place::state};
 constexpr Rule kDatumElement{"", Kind::object, Place::datum};
@@ -33,6 +43,10 @@ std::span<const Rule> keysOf(Place object) noexcept {
     switch (object) {
         case Place::document:
             return kDocument;
+        case Place::origin:
+            return kOrigin;
+        case Place::goneBlock:
+            return kGoneBlock;
         case Place::block:
             return kBlock;
         case Place::chart:
@@ -48,6 +62,8 @@ std::span<const Rule> keysOf(Place object) noexcept {
 
 const Rule& elementOf(Place array) noexcept {
     switch (array) {
+        case Place::goneBlocks:
+            return kGoneElement;
         case Place::blocks:
             return kBlockElement;
         case Place::outputs:
@@ -69,6 +85,8 @@ const char* describe(Kind kind) noexcept {
             return "a text";
         case Kind::number:
             return "a number";
+        case Kind::boolean:
+            return "true or false";
         case Kind::object:
             return "an object";
         case Kind::array:

@@ -12,6 +12,9 @@ namespace workbench::shapes {
 enum class Place : std::uint8_t {
     nowhere,
     document,
+    origin,
+    goneBlocks,
+    goneBlock,
     blocks,
     block,
     outputs,
@@ -26,7 +29,7 @@ enum class Place : std::uint8_t {
     client,
 };
 
-enum class Kind : std::uint8_t { text, number, object, array, value };
+enum class Kind : std::uint8_t { text, number, boolean, object, array, value };
 
 /// What is expected at one position.
 struct Rule {

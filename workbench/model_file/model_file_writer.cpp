@@ -1,6 +1,7 @@
 #include <string>
 
 #include "workbench/files/atomic_file.h"
+#include "workbench/json/json_object.h"
 #include "workbench/json/json_text.h"
 #include "workbench/model_file/model_file.h"
 #include "workbench/values/host_value_writer.h"
@@ -44,6 +45,10 @@ std::string blockLine(const kestrel::Block& block) {
     appendJsonText(line, std::u16string_view(block.path));
     line += ", \"eid\": ";
     appendJsonText(line, std::string_view(block.eid));
+    if (block.source) {
+        line += ", \"source\": ";
+        appendJsonText(line, std::string_view(*block.source));
+    }
     line += ", \"outputs\": [";
     for (std::size_t i = 0; i < block.outputs.size(); ++i) {
         if (i > 0) line += ", ";
@@ -58,6 +63,25 @@ std::string blockLine(const kestrel::Block& block) {
         line += "]}";
     }
     return line + "}";
+}
+
+std::string originLine(const Origin& origin) {
+    std::string line = "  \"origin\": ";
+    JsonObject object(line);
+    object.text("kind", std::string_view(origin.kind)).text("version", std::string_view(origin.version));
+    object.text("file", std::string_view(origin.file)).text("hash", std::string_view(origin.hash));
+    if (origin.locals) object.truth("locals", true);
+    if (!origin.gone.empty()) {
+        std::string gone;
+        appendJsonList(gone, origin.gone.size(), [&](std::size_t i) {
+            const GoneBlock& block = origin.gone[i];
+            JsonObject one(gone);
+            one.text("source", std::string_view(block.source)).text("eid", std::string_view(block.eid)).close();
+        });
+        object.plain("gone", gone);
+    }
+    object.close();
+    return line + ",\n";
 }
 
 /// Fields whose class the library sets, whatever it was: plain numbers lose nothing.
@@ -85,11 +109,13 @@ std::string structLines(const hvArray* value, std::size_t element) {
 }  // namespace
 
 FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                           const hvArray* clients, std::optional<FileVersion> replaced) {
+                           const hvArray* clients, const std::optional<Origin>& origin,
+                           std::optional<FileVersion> replaced) {
     AtomicFile file(path, replaced);
     std::string head = "{\n  \"kestrelModel\": 1,\n  \"name\": ";
     appendJsonText(head, std::u16string_view(model.name()));
     file.write(head + ",\n");
+    if (origin) file.write(originLine(*origin));
 
     Listing blocks(file, "blocks");
     for (const kestrel::Block& block : model.blocks()) blocks.next(blockLine(block));

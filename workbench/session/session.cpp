@@ -56,6 +56,7 @@ Session::~Session() {
 void Session::read(Opening opening) {
     ModelFile file = readModelFile(m_path);
     m_version = file.version;
+    m_origin = file.origin;
     m_loaded = &kestrel::loadedModels().load(std::move(file.model));
     makeSets();
     // Before the index is built: an old path may be another block's now.
@@ -144,7 +145,7 @@ std::size_t Session::save() {
     const HvArrayPtr saved = script::persistence(copy.get());
     requirePaths(saved.get());
     const HvArrayPtr savedClients = script::persistence(clientSet());
-    m_version = writeModelFile(m_path, model(), saved.get(), savedClients.get(), m_version);
+    m_version = writeModelFile(m_path, model(), saved.get(), savedClients.get(), m_origin, m_version);
     return signals().getCount() - hvGetNumberOfElements(saved.get());
 }
 

@@ -33,6 +33,8 @@ public:
     const std::string& path() const noexcept { return m_path; }
     kestrel::Model& model() noexcept { return m_loaded->model(); }
     const kestrel::Model& model() const noexcept { return m_loaded->model(); }
+    /// Where the model was imported from; nothing when it was not.
+    const std::optional<Origin>& origin() const noexcept { return m_origin; }
     /// The host object of the set of signals, for scripts.
     hvArray* set() noexcept { return m_loaded->signals(); }
     /// The set itself, for editors and engines.
@@ -70,6 +72,7 @@ private:
     ks_hmi::InstrumentedSignals* m_signals = nullptr;
     ks_hmi::StreamingClients* m_clients = nullptr;
     std::vector<SignalFault> m_dangling;
+    std::optional<Origin> m_origin;
     std::optional<FileVersion> m_version;  ///< of the file that was read or saved last
 };
 
