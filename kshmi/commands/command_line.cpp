@@ -23,7 +23,7 @@ void describe(CLI::App& app, Run& run) {
     app.require_subcommand(1);
     app.footer("\"kshmi COMMAND --help\" explains a command, with examples.");
     for (const auto add : {addTour, addShow, addMark, addUnmark, addQuery, addObserve, addUnobserve, addClients,
-                           addPorts, addRename, addMove, addRenumber})
+                           addPorts, addRename, addMove, addRenumber, addImport})
         add(app, run);
 }
 

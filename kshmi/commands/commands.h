@@ -28,5 +28,6 @@ void addPorts(CLI::App& app, Run& run);
 void addRename(CLI::App& app, Run& run);
 void addMove(CLI::App& app, Run& run);
 void addRenumber(CLI::App& app, Run& run);
+void addImport(CLI::App& app, Run& run);
 
 }  // namespace kshmi

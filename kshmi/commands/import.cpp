@@ -1,0 +1,178 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "workbench/import/import_model.h"
+#include "workbench/json/json_object.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+constexpr std::size_t kMostNames = 3;
+constexpr std::uintmax_t kBigFile = std::uintmax_t{4} << 20U;
+
+struct ImportArguments {
+    std::string source;
+    std::string target;
+    std::string previous;
+    std::string name;
+    bool isUpdate = false;
+    bool takesLocals = false;
+    bool leavesLocals = false;
+    bool isJson = false;
+    bool isQuiet = false;
+};
+
+/// The first names of a note; empty when none has one.
+std::string someNames(const std::vector<std::string>& names) {
+    std::string list;
+    std::size_t shown = 0;
+    for (const std::string& name : names) {
+        if (name.empty()) continue;
+        if (shown == kMostNames) break;
+        list += (shown++ > 0 ? ", " : "") + printable(std::string_view(name));
+    }
+    const std::size_t rest = names.size() - shown;
+    return shown > 0 && rest > 0 ? list + fmt::format(" and {} more", rest) : list;
+}
+
+std::string withNames(const std::string& text, const ImportNote& note) {
+    const std::string names = someNames(note.names);
+    return names.empty() ? text : text + ": " + names;
+}
+
+void warn(const ImportedModel& model, const Output& output) {
+    for (const ImportNote& note : model.warnings.all())
+        output.err << "kshmi: warning: "
+                   << withNames(atPlace(printable(std::string_view(model.document)), note.line, "", note.text), note)
+                   << '\n';
+}
+
+void tell(const ImportedModel& model, const ImportArguments& arguments, bool hasPrevious, const Output& output) {
+    const std::size_t blocks = model.model.blocks().size();
+    output.out << fmt::format("{}: {} {}, model {}\n", printable(std::string_view(arguments.source)), model.origin.kind,
+                              printable(std::string_view(model.origin.version)), inQuotes(model.model.name()));
+    if (!model.dropped.empty()) output.out << "not taken over:\n";
+    for (const ImportNote& note : model.dropped.all())
+        output.out << withNames(fmt::format("  {} ({})", note.text, note.names.size()), note) << '\n';
+    if (hasPrevious)
+        output.out << fmt::format("{} the identifier, {} new, {} gone\n",
+                                  counted(model.keptCount, "block") + (model.keptCount == 1 ? " keeps" : " keep"),
+                                  blocks - model.keptCount, model.goneCount);
+    output.out << fmt::format("{}: saved with {} and {}\n", printable(std::string_view(arguments.target)),
+                              counted(blocks, "block"), counted(model.portCount, "port"));
+}
+
+std::string jsonOf(const ImportNotes& notes) {
+    std::string text;
+    appendJsonList(text, notes.all().size(), [&](std::size_t i) {
+        const ImportNote& note = notes.all()[i];
+        std::string names;
+        appendJsonList(names, note.names.size(), [&](std::size_t k) { appendJsonText(names, note.names[k]); });
+        JsonObject object(text);
+        object.text("text", std::string_view(note.text)).plain("count", std::to_string(note.names.size()));
+        if (note.line > 0) object.plain("line", std::to_string(note.line));
+        object.plain("names", names).close();
+    });
+    return text;
+}
+
+void tellJson(const ImportedModel& model, const ImportArguments& arguments, const Output& output) {
+    std::string text;
+    JsonObject object(text);
+    object.text("file", std::string_view(arguments.target)).text("model", model.model.name());
+    object.text("kind", std::string_view(model.origin.kind)).text("version", std::string_view(model.origin.version));
+    object.plain("blocks", std::to_string(model.model.blocks().size())).plain("ports", std::to_string(model.portCount));
+    object.plain("kept", std::to_string(model.keptCount)).plain("gone", std::to_string(model.goneCount));
+    object.plain("dropped", jsonOf(model.dropped)).plain("warnings", jsonOf(model.warnings)).close();
+    output.out << printableJson(text) << '\n';
+}
+
+/// The version before: the model file to update, or the one named. Marks are not put on blocks unseen.
+std::optional<ModelFile> previousOf(const ImportArguments& arguments) {
+    const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(arguments.target));
+    if (isThere && !arguments.isUpdate)
+        throw Error(atPlace(arguments.target, 0, "",
+                            "is there already; give another name, or --update to import the next version onto it"));
+    if (!arguments.isUpdate && arguments.previous.empty()) return std::nullopt;
+    ModelFile file = readModelFile(arguments.isUpdate ? arguments.target : arguments.previous);
+    const std::size_t signals = hvGetNumberOfElements(file.signals.get());
+    const std::size_t clients = hvGetNumberOfElements(file.clients.get());
+    if (arguments.isUpdate && signals + clients > 0)
+        throw Error(atPlace(
+            arguments.target, 0, "",
+            fmt::format("holds {} and {}, which could end up on other ports; import to a new file with --previous {} "
+                        "and carry them over with \"kshmi carry\"",
+                        counted(signals, "signal"), counted(clients, "client"), arguments.target)));
+    return file;
+}
+
+ImportOptions optionsOf(const ImportArguments& arguments, const ModelFile* previous, const Output& output) {
+    ImportOptions options;
+    options.name = arguments.name.empty() && arguments.isUpdate ? toUtf8(previous->model.name()) : arguments.name;
+    if (arguments.takesLocals || arguments.leavesLocals) options.locals = arguments.takesLocals;
+    options.previous = previous;
+    std::error_code code;
+    const std::uintmax_t size = std::filesystem::file_size(arguments.source, code);
+    if (output.isTerminal && !arguments.isQuiet && !code && size > kBigFile)
+        options.progress = [&output](const char* stage) { output.err << stage << " ..." << std::endl; };
+    return options;
+}
+
+int runImport(const ImportArguments& arguments, const Output& output) {
+    const std::optional<ModelFile> previous = previousOf(arguments);
+    const ModelFile* const before = previous ? &*previous : nullptr;
+    const ImportOptions options = optionsOf(arguments, before, output);
+    const ImportedModel model = importFile(arguments.source, arguments.target, options);
+    if (options.progress) options.progress("saving");
+    writeModelFile(arguments.target, model.model, nullptr, nullptr, model.origin,
+                   arguments.isUpdate ? before->version : std::nullopt);
+    warn(model, output);
+    if (arguments.isJson)
+        tellJson(model, arguments, output);
+    else if (!arguments.isQuiet)
+        tell(model, arguments, before != nullptr, output);
+    return kSuccess;
+}
+
+}  // namespace
+
+void addImport(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<ImportArguments>();
+    CLI::App* const command = app.add_subcommand("import", "Make a model file of a system structure or a unit");
+    command->footer(
+        "Examples:\n"
+        "  kshmi import car.ssp -o car.json\n"
+        "  kshmi import engine.fmu -o engine.json --locals\n"
+        "  kshmi import engine_v2.fmu -o engine_v2.json --previous engine.json");
+    command
+        ->add_option("FILE", arguments->source,
+                     "an .ssd or .ssp (System Structure and Parameterization 1.0, 2.0), modelDescription.xml or .fmu "
+                     "(FMI 1.0, 2.0, 3.0)")
+        ->required();
+    command->add_option("-o,--output", arguments->target, "model file to write")->required();
+    CLI::Option* const locals =
+        command->add_flag("--locals", arguments->takesLocals, "take local variables as well as outputs");
+    command->add_flag("--no-locals", arguments->leavesLocals, "outputs only, even if the version before has locals")
+        ->excludes(locals);
+    command->add_option("--name", arguments->name, "the model's name; what the file calls it if left out");
+    CLI::Option* const previous = command->add_option(
+        "--previous", arguments->previous, "model file of an earlier version: its blocks keep their identifiers");
+    command
+        ->add_flag("--update", arguments->isUpdate,
+                   "MODEL is that earlier version, and is replaced; it must have no signals and clients")
+        ->excludes(previous);
+    command->add_flag("--json", arguments->isJson, "print JSON");
+    command->add_flag("--quiet", arguments->isQuiet, "print warnings only");
+    runWith(*command, runImport, arguments, run);
+}
+
+}  // namespace kshmi

@@ -1,0 +1,11 @@
+#include "workbench/import/import_error.h"
+
+#include "workbench/text/error.h"
+
+namespace workbench {
+
+void failImport(const std::string& file, std::size_t line, const std::string& text, const std::string& remedy) {
+    throw Error(atPlace(file, line, "", text + "; " + remedy));
+}
+
+}  // namespace workbench
