@@ -13,6 +13,11 @@ namespace {
 constexpr unsigned char kDelete = 0x7F;
 constexpr unsigned char kFirstVisible = 0x20;
 
+// In bytes.
+constexpr std::size_t kLongestQuoted = 400;
+constexpr std::size_t kQuotedHead = 200;
+constexpr std::size_t kQuotedTail = 60;
+
 /// Whether the two bytes are one of the control characters U+0080 to U+009F.
 bool isHighControl(unsigned char first, unsigned char second) noexcept { return first == 0xC2 && second < 0xA0; }
 
@@ -67,7 +72,20 @@ bool isWellFormed(std::u16string_view text) noexcept {
 std::string printable(std::string_view text) { return withoutControls(text, escapeInText); }
 std::string printable(std::u16string_view text) { return printable(toUtf8(text)); }
 std::string printableJson(std::string_view document) { return withoutControls(document, escapeInJson); }
-std::string inQuotes(std::string_view text) { return '"' + printable(text) + '"'; }
+
+std::string inQuotes(std::string_view text) {
+    if (text.size() <= kLongestQuoted) return '"' + printable(text) + '"';
+    const auto isInside = [&](std::size_t at) { return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U; };
+    std::size_t head = kQuotedHead;
+    while (isInside(head)) --head;
+    std::size_t tail = text.size() - kQuotedTail;
+    while (tail < text.size() && isInside(tail)) ++tail;
+    std::size_t characters = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) characters += isInside(at) ? 0U : 1U;
+    return fmt::format("\"{}...{}\" ({} characters)", printable(text.substr(0, head)), printable(text.substr(tail)),
+                       characters);
+}
+
 std::string inQuotes(std::u16string_view text) { return inQuotes(toUtf8(text)); }
 
 std::string counted(std::size_t count, std::string_view singular) {

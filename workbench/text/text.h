@@ -27,7 +27,8 @@ std::string printable(std::string_view text);
 std::string printable(std::u16string_view text);
 /// A JSON document in which the control characters that JSON lets stand (U+007F to U+009F) are escaped as well.
 std::string printableJson(std::string_view document);
-/// As `printable`, in double quotes.
+/// As `printable`, in double quotes; of a long text only its ends, with the number of its characters, so that a message
+/// stays readable.
 std::string inQuotes(std::string_view text);
 std::string inQuotes(std::u16string_view text);
 
