@@ -6,6 +6,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <utility>
 
@@ -43,7 +44,7 @@ public:
     }
     /// Whether all that was converted was of the encoding.
     bool isClean() const noexcept { return m_isClean; }
-    bool isOpen() const noexcept { return m_handle != reinterpret_cast<iconv_t>(-1); }
+    bool isOpen() const noexcept { return reinterpret_cast<std::intptr_t>(m_handle) != -1; }
 
     /// What is no character of the encoding becomes U+FFFD.
     std::string convert(std::string& bytes) {
