@@ -5,6 +5,7 @@ build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev l
 lint_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev)
+mutation_packages=(python3-clang-14)
 
 works_with_cxx20() {
     have "$1" && printf '#include <concepts>\n#include <span>\n' | "$1" -std=c++20 -fsyntax-only -x c++ - >/dev/null 2>&1
@@ -47,6 +48,7 @@ is_there() {
         ninja-build) have ninja ;;
         pkg-config | clang-format | clang-tidy | valgrind) have "$1" ;;
         libboost1.81-dev) boost_is_recent ;;
+        python3-clang-14) /usr/bin/python3 -c 'import clang.cindex' 2>/dev/null ;;
         *) if have dpkg-query; then has_package "$1"; else has_header "${headers[$1]}"; fi ;;
     esac
 }
