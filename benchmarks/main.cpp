@@ -81,7 +81,7 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         keepHeap();
-        workbench::enterHost(std::cerr);
+        workbench::enterHost([](const std::string& text) { std::cerr << "warning: " << text << '\n'; });
         return run(argc, argv);
     } catch (const kssvIException& error) {
         std::cerr << "ks_hmi_benchmarks: " << error.what() << '\n';

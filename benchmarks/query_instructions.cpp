@@ -48,7 +48,7 @@ std::size_t ask(std::string_view kind, std::size_t times) {
 
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
-    workbench::enterHost(std::cerr);
+    workbench::enterHost([](const std::string& text) { std::cerr << "warning: " << text << '\n'; });
     std::printf("%zu\n", ask(argv[1], std::strtoull(argv[2], nullptr, 10)));
     return 0;
 }

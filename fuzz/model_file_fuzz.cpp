@@ -65,10 +65,7 @@ int run(std::vector<std::string> words) {
 
 /// Whether the file is a model; the bytes that saving gives are then in it.
 bool isSaved(const std::string& path) {
-    // Outlives this call: the host goes on writing to it.
-    static std::ostringstream warnings;
-    warnings.str({});
-    workbench::enterHost(warnings);
+    workbench::enterHost({});
     try {
         workbench::Session session(path, workbench::Session::Opening::lenient);
         session.save();

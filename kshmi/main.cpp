@@ -11,7 +11,10 @@ int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     const kshmi::Output output{std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1};
     int code = kshmi::runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc), output);
-    if (!workbench::leaveHost(std::cerr)) code = kshmi::kFailure;
+    if (const std::string lives = workbench::leaveHost(); !lives.empty()) {
+        std::cerr << "kshmi: not everything was released:\n" << lives;
+        code = kshmi::kFailure;
+    }
     std::cout.flush();
     // A command that changed a file has told that already.
     if (!std::cout && code != kshmi::kFailure) {

@@ -8,7 +8,6 @@
 #include "workbench/find/client_names.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"
-#include "workbench/session/host_process.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -40,7 +39,7 @@ struct Answer {
 
 std::vector<Answer> answersOf(Session& session) {
     // Ports are known of signals that are bound.
-    session.signals().applyRebindingRules(session.set(), true);
+    session.signals().applyRebindingRules(session.signalSet(), true);
     const std::u16string& model = session.model().name();
     const SignalUuids uuids(session);
     std::vector<Answer> answers;
@@ -97,30 +96,25 @@ void printText(const Session& session, const std::vector<Answer>& answers, std::
     table.print(out);
 }
 
-std::string listOf(const std::vector<std::u16string>& texts) {
-    std::string list;
-    appendJsonList(list, texts.size(), [&](std::size_t i) { appendJsonText(list, std::u16string_view(texts[i])); });
-    return list;
-}
-
 void appendAnswer(std::string& out, const Answer& answer) {
     const SignalClient& client = *answer.client;
     JsonObject object(out);
-    object.plain("position", std::to_string(answer.position + 1)).text("uuid", std::string_view(client.m_uuid));
-    object.text("type", std::string_view(client.m_observerType)).plain("path", listOf(answer.path));
-    object.text("subPath", answer.subPath).plain("port", std::to_string(answer.port));
-    object.text("activity", answer.activity).plain("decimation", std::to_string(answer.decimation));
-    object.plain("maxPoints", std::to_string(answer.maxPoints));
+    object.number("position", answer.position + 1).text("uuid", std::string_view(client.m_uuid));
+    object.text("type", std::string_view(client.m_observerType)).name("path");
+    appendJsonArray(out, answer.path, [&](std::u16string_view path) { appendJsonText(out, path); });
+    object.text("subPath", answer.subPath).number("port", answer.port);
+    object.text("activity", answer.activity).number("decimation", answer.decimation);
+    object.number("maxPoints", answer.maxPoints);
     object.text("signalUuid", std::string_view(client.m_signalUUID)).text("sourceModel", client.m_sourceModel);
-    object.plain("updateRate", std::to_string(static_cast<std::uint32_t>(client.m_updateRate)));
-    object.plain("channel", std::to_string(static_cast<std::uint32_t>(client.m_dimensionChannel)));
+    object.number("updateRate", static_cast<std::uint32_t>(client.m_updateRate));
+    object.number("channel", static_cast<std::uint32_t>(client.m_dimensionChannel));
     object.truth("imaginary", client.m_observeImaginaryPart).text("busLeaf", std::string_view(client.m_busLeafPath));
     object.truth("dangling", answer.target == Watched::gone).truth("deprecated", client.isDeprecatedObserver());
     object.close();
 }
 
 int runClients(const ClientsArguments& arguments, const Output& output) {
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     Session session(arguments.file);
     const std::vector<Answer> answers = answersOf(session);
     arguments.isJson ? printJsonLines(output.out, answers, appendAnswer) : printText(session, answers, output.out);

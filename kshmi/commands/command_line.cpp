@@ -8,6 +8,7 @@
 #include <new>
 #include <string_view>
 
+#include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -80,6 +81,8 @@ int runCommandLine(std::vector<std::string> arguments, const Output& output) noe
         return run(std::move(arguments), output);
     } catch (const std::bad_alloc&) {
         output.err << "kshmi: not enough memory\n";
+    } catch (const Error& error) {
+        output.err << "kshmi: " << printable(std::string_view(messageOf(error))) << '\n';
     } catch (const std::exception& exception) {
         output.err << "kshmi: " << printable(std::string_view(exception.what())) << '\n';
     }

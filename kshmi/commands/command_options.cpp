@@ -71,10 +71,23 @@ int inFile(const std::string& file, const std::function<int()>& work) {
     try {
         return work();
     } catch (const Error& error) {
-        const std::string_view what = error.what();
-        if (what.starts_with(file + ":") || what.starts_with("--")) throw;
-        throw Error(atPlace(file, 0, "", error.what()));
+        const bool namesOption = error.text().starts_with("--");
+        if (!error.place().file.empty() || namesOption) throw;
+        throw error.at({file, 0, {}});
     }
+}
+
+std::string messageOf(const Error& error) {
+    switch (error.remedy()) {
+        case Remedy::listBlocks:
+            return fmt::format("{}; \"kshmi show\" lists them", error.what());
+        case Remedy::removeDangling:
+            return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(),
+                               error.place().file);
+        case Remedy::none:
+            break;
+    }
+    return error.what();
 }
 
 }  // namespace kshmi

@@ -11,6 +11,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/output.h"
 #include "workbench/find/selecting.h"
+#include "workbench/text/error.h"
 
 /// What the descriptions of the commands have in common.
 namespace kshmi {
@@ -28,6 +29,9 @@ void addDryRun(CLI::App& command, bool& isDryRun);
 
 /// What `work` returns. A refusal that names neither the file nor an option in front is given the file's name.
 int inFile(const std::string& file, const std::function<int()>& work);
+
+/// What the error says, and its remedy as a command.
+std::string messageOf(const workbench::Error& error);
 
 /// Once the user has chosen the command, makes `run` call the function with its arguments, as they then are.
 template <typename Arguments>

@@ -52,7 +52,7 @@ std::string withNames(const std::string& text, const ImportNote& note) {
 void warn(const ImportedModel& model, const Output& output) {
     for (const ImportNote& note : model.warnings.all())
         output.err << "kshmi: warning: "
-                   << withNames(atPlace(printable(std::string_view(model.document)), note.line, "", note.text), note)
+                   << withNames(atPlace({printable(std::string_view(model.document)), note.line}, note.text), note)
                    << '\n';
 }
 
@@ -71,28 +71,28 @@ void tell(const ImportedModel& model, const ImportArguments& arguments, bool has
                               counted(blocks, "block"), counted(model.portCount, "port"));
 }
 
-std::string jsonOf(const ImportNotes& notes) {
-    std::string text;
-    appendJsonList(text, notes.all().size(), [&](std::size_t i) {
-        const ImportNote& note = notes.all()[i];
-        std::string names;
-        appendJsonList(names, note.names.size(), [&](std::size_t k) { appendJsonText(names, note.names[k]); });
-        JsonObject object(text);
-        object.text("text", std::string_view(note.text)).plain("count", std::to_string(note.names.size()));
-        if (note.line > 0) object.plain("line", std::to_string(note.line));
-        object.plain("names", names).close();
+void appendNotes(std::string& out, const ImportNotes& notes) {
+    appendJsonArray(out, notes.all(), [&](const ImportNote& note) {
+        JsonObject object(out);
+        object.text("text", note.text).number("count", note.names.size());
+        if (note.line > 0) object.number("line", note.line);
+        object.name("names");
+        appendJsonArray(out, note.names, [&](std::string_view name) { appendJsonText(out, name); });
+        object.close();
     });
-    return text;
 }
 
 void tellJson(const ImportedModel& model, const ImportArguments& arguments, const Output& output) {
     std::string text;
     JsonObject object(text);
-    object.text("file", std::string_view(arguments.target)).text("model", model.model.name());
-    object.text("kind", std::string_view(model.origin.kind)).text("version", std::string_view(model.origin.version));
-    object.plain("blocks", std::to_string(model.model.blocks().size())).plain("ports", std::to_string(model.portCount));
-    object.plain("kept", std::to_string(model.keptCount)).plain("gone", std::to_string(model.goneCount));
-    object.plain("dropped", jsonOf(model.dropped)).plain("warnings", jsonOf(model.warnings)).close();
+    object.text("file", arguments.target).text("model", model.model.name());
+    object.text("kind", model.origin.kind).text("version", model.origin.version);
+    object.number("blocks", model.model.blocks().size()).number("ports", model.portCount);
+    object.number("kept", model.keptCount).number("gone", model.goneCount).name("dropped");
+    appendNotes(text, model.dropped);
+    object.name("warnings");
+    appendNotes(text, model.warnings);
+    object.close();
     output.out << printableJson(text) << '\n';
 }
 
@@ -100,18 +100,20 @@ void tellJson(const ImportedModel& model, const ImportArguments& arguments, cons
 std::optional<ModelFile> previousOf(const ImportArguments& arguments) {
     const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(arguments.target));
     if (isThere && !arguments.isUpdate)
-        throw Error(atPlace(arguments.target, 0, "",
-                            "is there already; give another name, or --update to import the next version onto it"));
+        throw Error({arguments.target},
+                    "is there already; give another name, or --update to import the next version onto it",
+                    ErrorCode::file);
     if (!arguments.isUpdate && arguments.previous.empty()) return std::nullopt;
     ModelFile file = readModelFile(arguments.isUpdate ? arguments.target : arguments.previous);
     const std::size_t signals = hvGetNumberOfElements(file.signals.get());
     const std::size_t clients = hvGetNumberOfElements(file.clients.get());
     if (arguments.isUpdate && signals + clients > 0)
-        throw Error(atPlace(
-            arguments.target, 0, "",
+        throw Error(
+            {arguments.target},
             fmt::format("holds {} and {}, which could end up on other ports; import to a new file with --previous {} "
                         "and carry them over with \"kshmi carry\"",
-                        counted(signals, "signal"), counted(clients, "client"), arguments.target)));
+                        counted(signals, "signal"), counted(clients, "client"), arguments.target),
+            ErrorCode::request);
     return file;
 }
 

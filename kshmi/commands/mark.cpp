@@ -5,7 +5,6 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
 #include "workbench/change/marking.h"
-#include "workbench/session/host_process.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -50,7 +49,7 @@ std::string describe(const kestrel::Model& model, const Wanted& wanted) {
 
 int runMark(const MarkArguments& arguments, const Output& output) {
     requireSelection(arguments.selection, false);
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     Session session(arguments.file);
     const std::vector<Wanted> wanted = wantedOf(session.model(), arguments.selection, output);
     ChangeReport report(output, arguments.isDryRun);

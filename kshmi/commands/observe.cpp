@@ -10,7 +10,6 @@
 #include "workbench/find/client_names.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/find/watching.h"
-#include "workbench/session/host_process.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 #include "workbench/values/host_value_builder.h"
@@ -40,9 +39,8 @@ HvArrayPtr valueOf(const std::string& json) {
     try {
         text.read(builder);
     } catch (const Error& error) {
-        const std::string_view what = error.what();
-        if (what.starts_with("--params")) throw;
-        text.fail(builder.pointer(), error.what());
+        if (!error.place().file.empty()) throw;
+        text.fail(builder.pointer(), error.text());
     }
     return builder.take();
 }
@@ -94,7 +92,7 @@ std::vector<std::size_t> signalsOf(const Session& session, const ObserveArgument
 }
 
 int runObserve(const ObserveArguments& arguments, const Output& output) {
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     const ClientSettings settings = settingsOf(arguments);
     Session session(arguments.file);
     const SignalUuids uuids(session);

@@ -7,7 +7,6 @@
 #include "kshmi/print/json_lines.h"
 #include "kshmi/print/text_table.h"
 #include "workbench/json/json_object.h"
-#include "workbench/session/host_process.h"
 #include "workbench/session/script.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
@@ -71,15 +70,15 @@ void printText(const Session& session, const std::vector<Source>& sources, std::
 void appendSource(std::string& out, const Source& source) {
     JsonObject object(out);
     object.text("uuid", std::string_view(source.uuid)).text("block", source.blockPath);
-    object.plain("port", std::to_string(source.outputPortIndex)).text("portName", nameOfPort(source));
-    object.text("signal", source.signalName).plain("decimation", std::to_string(source.decimation));
-    object.plain("maxPoints", std::to_string(source.maxPoints)).truth("frameBased", source.isFrameBased);
+    object.number("port", source.outputPortIndex).text("portName", nameOfPort(source));
+    object.text("signal", source.signalName).number("decimation", source.decimation);
+    object.number("maxPoints", source.maxPoints).truth("frameBased", source.isFrameBased);
     object.truth("hidden", source.hideInPLV).truth("buffered", source.targetBufferedStreaming);
     object.close();
 }
 
 int runPorts(const PortsArguments& arguments, const Output& output) {
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     const Session session(arguments.file);
     const HvArrayPtr model = script::modelObject(session.model().name());
     const std::string below = toUtf8(requireBelow(session.model(), arguments.below));

@@ -4,7 +4,6 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/json_lines.h"
 #include "workbench/json/json_object.h"
-#include "workbench/session/host_process.h"
 #include "workbench/session/session.h"
 #include "workbench/text/text.h"
 
@@ -57,7 +56,7 @@ void appendAnswer(std::string& out, const Answer& answer) {
 }
 
 int runQuery(const QueryArguments& arguments, const Output& output) {
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     const Session session(arguments.file);
     std::vector<Answer> answers;
     bool isAllObserved = true;

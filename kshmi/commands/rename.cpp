@@ -1,12 +1,11 @@
 #include <fmt/format.h>
 
+#include "host/values.h"
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
 #include "memory_host/kestrel/host_side.h"
 #include "workbench/change/renaming.h"
-#include "workbench/session/host_process.h"
-#include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -21,43 +20,9 @@ struct RenameArguments {
     bool isDryRun = false;
 };
 
-/// What a rename changes in a client.
-struct Named {
-    std::u16string source;
-    std::u16string parameter;
-};
-
-Named namesIn(const ks_hmi::SignalClient& client) {
-    // A file keeps no source model of a client without a model path.
-    const std::u16string source = client.m_modelPath.empty() ? std::u16string() : client.m_sourceModel;
-    return {source, textOf(hvGetField(client.m_observerParams.get(), 0, "ModelName"))};
-}
-
-std::vector<Named> namesOf(const Session& session) {
-    std::vector<Named> names;
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i) names.push_back(namesIn(*session.clients().get(i)));
-    return names;
-}
-
-std::u16string requireName(const std::string& text) {
-    std::u16string name = toUtf16(text);
-    if (name.find(u'\0') != std::u16string::npos) throw Error(inQuotes(text) + ": a name has no NUL characters");
-    try {
-        return kestrel::Model(name).name();
-    } catch (const kestrel::ModelError& refusal) {
-        throw Error(std::string(refusal.what()) + " Give another name.");
-    }
-}
-
-void tellClients(const std::vector<Named>& before, const std::vector<Named>& after, ChangeReport& report) {
-    std::size_t sources = 0;
-    std::size_t parameters = 0;
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        sources += before[i].source != after[i].source ? 1U : 0U;
-        parameters += before[i].parameter != after[i].parameter ? 1U : 0U;
-    }
-    const std::string renamed = fmt::format("renamed in clients: {} and {}", counted(sources, "source model"),
-                                            counted(parameters, "\"ModelName\" parameter"));
+void tellClients(const Renamed& done, ChangeReport& report) {
+    const std::string renamed = fmt::format("renamed in clients: {} and {}", counted(done.sourceModels, "source model"),
+                                            counted(done.parameters, "\"ModelName\" parameter"));
     report.note("  would be " + renamed, "  " + renamed);
 }
 
@@ -72,9 +37,9 @@ void tellManager(const std::vector<std::string>& received, bool isKnownName, Cha
 }
 
 int runRename(const RenameArguments& arguments, const Output& output) {
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     std::vector<std::u16string> names;
-    for (const std::string& name : arguments.names) names.push_back(requireName(name));
+    for (const std::string& name : arguments.names) names.push_back(requireModelName(name));
     Session session(arguments.file);
     // Nothing is validated in between, so the set is known by this name throughout.
     const std::u16string knownName = session.model().name();
@@ -85,11 +50,10 @@ int runRename(const RenameArguments& arguments, const Output& output) {
             report.note("already named " + printable(name));
             continue;
         }
-        const std::vector<Named> before = namesOf(session);
-        const std::vector<std::string> received = renameModel(session, name);
+        const Renamed done = renameModel(session, name);
         report.change("rename", "renamed", fmt::format("{} to {}", printable(oldName), printable(name)));
-        tellClients(before, namesOf(session), report);
-        tellManager(received, name == knownName, report);
+        tellClients(done, report);
+        tellManager(done.received, name == knownName, report);
     }
     report.finish(session);
     return kSuccess;

@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <limits>
+#include <ranges>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
@@ -10,7 +11,6 @@
 #include "workbench/find/client_names.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"
-#include "workbench/session/host_process.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -96,48 +96,42 @@ void appendSignal(std::string& out, const Session& session, std::size_t position
     const SignalSpecification& signal = *session.signals().get(position);
     const SignalSource source = sourceOf(session.model(), signal);
     JsonObject object(out);
-    object.plain("position", std::to_string(position + 1)).text("uuid", toUtf16(signal.m_uuid));
+    object.number("position", position + 1).text("uuid", toUtf16(signal.m_uuid));
     object.text("block", source.block->path).text("subPath", signal.m_subPath);
-    object.plain("port", std::to_string(source.port)).text("portName", portName(source));
+    object.number("port", source.port).text("portName", portName(source));
     object.text("signal", signal.m_signalName).text("domain", signal.m_domainType);
     object.text("activity", signal.getValueForDomainParams(u"Activity"));
     object.text("ssid", signal.getValueForDomainParams(u"SSID"));
-    object.plain("decimation", std::to_string(signal.m_decimation));
-    object.plain("maxPoints", std::to_string(signal.m_maxPoints));
+    object.number("decimation", signal.m_decimation);
+    object.number("maxPoints", signal.m_maxPoints);
     object.truth("frameBased", signal.m_isFrameBased).truth("hidden", signal.m_hideInPLV);
     object.truth("buffered", signal.m_targetBufferedStreaming).text("visualType", signal.m_visualType);
     object.close();
 }
 
-std::string portsJson(const Session& session, const kestrel::Block& block) {
-    std::string out;
-    appendJsonList(out, block.outputs.size(), [&](std::size_t i) {
+void appendPorts(std::string& out, const Session& session, const kestrel::Block& block) {
+    int port = 0;
+    appendJsonArray(out, block.outputs, [&](std::u16string_view name) {
         JsonObject object(out);
-        object.text("name", block.outputs[i]);
-        object.truth("observed", session.isObserved(block, static_cast<int>(i) + 1)).close();
+        object.text("name", name).truth("observed", session.isObserved(block, ++port)).close();
     });
-    return out;
 }
 
-std::string itemsJson(const Session& session, const kestrel::Block& block) {
-    const std::vector<ChartItem> items = chartItemsOf(block);
-    std::string out;
-    appendJsonList(out, items.size(), [&](std::size_t i) {
+void appendItems(std::string& out, const Session& session, const kestrel::Block& block) {
+    appendJsonArray(out, chartItemsOf(block), [&](const ChartItem& item) {
         JsonObject object(out);
-        object.text("domain", items[i].domainType).text("subPath", items[i].subPath);
-        object.plain("ssid", std::to_string(items[i].ssid));
-        object.truth("observed", session.isAnyObserved(block, items[i])).close();
+        object.text("domain", item.domainType).text("subPath", item.subPath).number("ssid", item.ssid);
+        object.truth("observed", session.isAnyObserved(block, item)).close();
     });
-    return out;
 }
 
 void appendClient(std::string& out, const Session& session, std::size_t position, const SignalUuids& uuids) {
     const ks_hmi::SignalClient& client = *session.clients().get(position);
     const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
     JsonObject object(out);
-    object.plain("position", std::to_string(position + 1)).text("uuid", std::string_view(client.m_uuid));
+    object.number("position", position + 1).text("uuid", std::string_view(client.m_uuid));
     object.text("type", std::string_view(client.m_observerType));
-    object.plain("signal", signal ? std::to_string(*signal + 1) : "null");
+    signal ? object.number("signal", *signal + 1) : object.null("signal");
     object.truth("dangling", watched(client, uuids) == Watched::gone);
     object.truth("deprecated", client.isDeprecatedObserver());
     object.close();
@@ -145,30 +139,42 @@ void appendClient(std::string& out, const Session& session, std::size_t position
 
 void appendBlock(std::string& out, const Session& session, const kestrel::Block& block, bool hasBadge) {
     JsonObject object(out);
-    object.text("path", block.path).text("eid", toUtf16(block.eid)).plain("outputs", portsJson(session, block));
-    if (block.chart) object.plain("chart", itemsJson(session, block));
-    object.truth("badge", hasBadge);
-    object.close();
+    object.text("path", block.path).text("eid", toUtf16(block.eid)).name("outputs");
+    appendPorts(out, session, block);
+    if (block.chart) {
+        object.name("chart");
+        appendItems(out, session, block);
+    }
+    object.truth("badge", hasBadge).close();
 }
 
 void printJson(const Session& session, std::ostream& out) {
-    std::string text = "{\"model\": ";
-    appendJsonText(text, std::u16string_view(session.model().name()));
-    text += ",\n\"signals\": [";
-    appendJsonLines(text, session.signals().getCount(), [&](std::size_t i) { appendSignal(text, session, i); });
-    text += "],\n\"blocks\": [";
+    constexpr JsonLayout kParts{"", ",\n", ""};
+    constexpr JsonLayout kElements{"\n  ", ",\n  ", ""};
+    const auto positions = [](std::size_t count) { return std::views::iota(std::size_t{0}, count); };
     const std::set<double> badges = blocksWithBadges(session);
-    const auto& blocks = session.model().blocks();
-    appendJsonLines(text, blocks.size(),
-                    [&](std::size_t i) { appendBlock(text, session, blocks[i], badges.contains(blocks[i].handle)); });
-    text += "],\n\"clients\": [";
     const SignalUuids uuids(session);
-    appendJsonLines(text, session.clients().getCount(), [&](std::size_t i) { appendClient(text, session, i, uuids); });
-    out << printableJson(text) << "]}\n";
+    std::string text;
+    JsonObject document(text, kParts);
+    document.text("model", session.model().name()).name("signals");
+    appendJsonArray(
+        text, positions(session.signals().getCount()), [&](std::size_t i) { appendSignal(text, session, i); },
+        kElements);
+    document.name("blocks");
+    appendJsonArray(
+        text, session.model().blocks(),
+        [&](const kestrel::Block& block) { appendBlock(text, session, block, badges.contains(block.handle)); },
+        kElements);
+    document.name("clients");
+    appendJsonArray(
+        text, positions(session.clients().getCount()), [&](std::size_t i) { appendClient(text, session, i, uuids); },
+        kElements);
+    document.close();
+    out << printableJson(text) << '\n';
 }
 
 int runShow(const ShowArguments& arguments, const Output& output) {
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     const Session session(arguments.file);
     if (arguments.isJson)
         printJson(session, output.out);

@@ -10,7 +10,6 @@
 #include "workbench/find/positions.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/find/watching.h"
-#include "workbench/session/host_process.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -52,7 +51,7 @@ std::string describe(const Session& session, std::size_t position) {
 
 int runUnmark(const UnmarkArguments& arguments, const Output& output) {
     requireSelection(arguments.selection, arguments.isDangling);
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     Session session(arguments.file, arguments.isDangling ? Session::Opening::lenient : Session::Opening::strict);
     Positions positions = selected(session, arguments.selection, output);
     for (const SignalFault& fault : session.dangling()) positions.push_back(fault.position);

@@ -10,7 +10,6 @@
 #include "workbench/find/client_names.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/find/watching.h"
-#include "workbench/session/host_process.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -134,7 +133,7 @@ void requireSomething(const UnobserveArguments& arguments) {
 
 int runUnobserve(const UnobserveArguments& arguments, const Output& output) {
     requireSomething(arguments);
-    enterHost(output.err);
+    kshmi::enterHost(output.err);
     Session session(arguments.file);
     requireAll(session, arguments.uuids, &ks_hmi::SignalClient::m_uuid, "UUID");
     requireAll(session, arguments.types, &ks_hmi::SignalClient::m_observerType, "type");

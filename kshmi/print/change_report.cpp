@@ -59,7 +59,9 @@ void ChangeReport::saveAndTell(Session& session) const {
         m_output.out << fmt::format("{} excluded from saving {} left out of the file\n", counted(leftOut, "signal"),
                                     leftOut == 1 ? "was" : "were");
     m_output.out.flush();
-    if (!m_output.out) throw Error(session.path() + ": saved, but what was changed cannot be written to the output");
+    if (!m_output.out)
+        throw Error({session.path(), 0, {}}, "saved, but what was changed cannot be written to the output",
+                    ErrorCode::file);
 }
 
 }  // namespace kshmi

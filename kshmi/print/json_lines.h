@@ -2,7 +2,6 @@
 
 #include <ostream>
 #include <string>
-#include <vector>
 
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
@@ -11,11 +10,12 @@ namespace kshmi {
 
 /// Prints a JSON array as a document, each element on a line of its own; `appendOne(out, item)` appends an element's
 /// JSON.
-template <typename Item, typename AppendOne>
-void printJsonLines(std::ostream& out, const std::vector<Item>& items, AppendOne appendOne) {
-    std::string text = "[";
-    workbench::appendJsonLines(text, items.size(), [&](std::size_t i) { appendOne(text, items[i]); });
-    out << workbench::printableJson(text) << (items.empty() ? "]\n" : "\n]\n");
+template <typename Items, typename AppendOne>
+void printJsonLines(std::ostream& out, const Items& items, AppendOne appendOne) {
+    std::string text;
+    workbench::appendJsonArray(
+        text, items, [&](const auto& item) { appendOne(text, item); }, workbench::kLines);
+    out << workbench::printableJson(text) << '\n';
 }
 
 }  // namespace kshmi

@@ -12,6 +12,9 @@ struct Output {
     bool isTerminal = false;
 };
 
+/// As `workbench::enterHost`, with the host's warnings on `err` from now on.
+void enterHost(std::ostream& err);
+
 /// How a run ends.
 enum ExitCode : int { kSuccess = 0, kNotObserved = 1, kFailure = 2 };
 

@@ -1,5 +1,7 @@
 #include "kshmi/print/text_table.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace kshmi {
@@ -8,12 +10,11 @@ namespace {
 
 constexpr std::size_t kGap = 2;
 
-bool isContinuation(char c) noexcept { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
-
 }  // namespace
 
-std::size_t displayWidth(std::string_view text) noexcept {
-    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) { return !isContinuation(c); }));
+std::size_t displayWidth(std::string_view text) {
+    // Padded to as many columns as the text has bytes, which is no fewer than it takes, it grows by the difference.
+    return 2 * text.size() - fmt::formatted_size("{:{}}", text, text.size());
 }
 
 void TextTable::print(std::ostream& out) const {
@@ -36,8 +37,8 @@ void TextTable::printRow(std::ostream& out, const std::vector<std::string>& cell
                          const std::vector<std::size_t>& widths) const {
     std::string line;
     for (std::size_t i = 0; i < cells.size(); ++i) {
-        const std::string padding(widths[i] - displayWidth(cells[i]), ' ');
-        line += m_columns[i].align == Align::right ? padding + cells[i] : cells[i] + padding;
+        const bool isRight = m_columns[i].align == Align::right;
+        line += isRight ? fmt::format("{:>{}}", cells[i], widths[i]) : fmt::format("{:<{}}", cells[i], widths[i]);
         line.append(kGap, ' ');
     }
     line.erase(line.find_last_not_of(' ') + 1);

@@ -9,8 +9,8 @@
 
 namespace kshmi {
 
-/// Number of code points, which is the width in columns for most scripts.
-std::size_t displayWidth(std::string_view text) noexcept;
+/// Columns that the text takes in a terminal: two for a wide character, one for any other.
+std::size_t displayWidth(std::string_view text);
 
 /// Rows of texts in aligned columns.
 class TextTable {

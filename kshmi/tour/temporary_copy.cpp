@@ -1,5 +1,6 @@
 #include "kshmi/tour/temporary_copy.h"
 
+#include <fmt/format.h>
 #include <stdlib.h>
 
 #include <cerrno>
@@ -14,7 +15,7 @@ using namespace workbench;
 namespace fs = std::filesystem;
 
 TemporaryCopy::TemporaryCopy(const std::string& file) : m_original(file) {
-    if (fs::is_directory(file)) throw Error(file + ": is a directory; name a model file");
+    if (fs::is_directory(file)) throw Error({file}, "is a directory; name a model file", ErrorCode::file);
     std::error_code code;
     const fs::path base = fs::temp_directory_path(code);
     m_directory = (base / "kshmi-tour-XXXXXX").string();
@@ -28,11 +29,13 @@ TemporaryCopy::TemporaryCopy(const std::string& file) : m_original(file) {
     if (!code) return;
     std::error_code ignored;
     fs::remove_all(m_directory, ignored);
-    throw Error(file + ": cannot be copied: " + code.message() + "; check the path and its permissions");
+    throw Error({file}, fmt::format("cannot be copied: {}; check the path and its permissions", code.message()),
+                ErrorCode::file);
 }
 
-std::string TemporaryCopy::aboutOriginal(const std::string& message) const {
-    return message.starts_with(m_path) ? m_original + message.substr(m_path.size()) : message;
+ErrorPlace TemporaryCopy::aboutOriginal(ErrorPlace place) const {
+    if (place.file == m_path) place.file = m_original;
+    return place;
 }
 
 TemporaryCopy::~TemporaryCopy() {

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "workbench/text/error.h"
+
 namespace kshmi {
 
 /// A copy of a file in a directory of its own, both removed at the end.
@@ -14,8 +16,8 @@ public:
     ~TemporaryCopy();
 
     const std::string& path() const noexcept { return m_path; }
-    /// A message about the copy as one about the file that it was made of.
-    std::string aboutOriginal(const std::string& message) const;
+    /// A place in the copy as one in the file that it was made of.
+    workbench::ErrorPlace aboutOriginal(workbench::ErrorPlace place) const;
 
 private:
     std::string m_original;

@@ -61,7 +61,7 @@ void Tour::run() {
 void Tour::loadLibrary() {
     title("The host loads the library");
     const std::string before = presence("Kestrel.HMI");
-    enterHost(m_output.err);
+    kshmi::enterHost(m_output.err);
     say("{} is loaded and initialised", kLibrary);
     say("namespace Kestrel.HMI: {} before, {} now", before, presence("Kestrel.HMI"));
     const HvArrayPtr set = script::newSet(u"any_model");
@@ -74,7 +74,7 @@ void Tour::openModel() {
     try {
         m_session = std::make_unique<Session>(m_copy.path());
     } catch (const Error& error) {
-        throw Error(m_copy.aboutOriginal(error.what()));
+        throw error.at(m_copy.aboutOriginal(error.place()));
     }
     std::size_t ports = 0;
     std::size_t charts = 0;
@@ -84,7 +84,7 @@ void Tour::openModel() {
     }
     say("{}: {} with {} and {}", printable(m_session->model().name()),
         counted(m_session->model().blocks().size(), "block"), counted(ports, "output port"), counted(charts, "chart"));
-    say("its sets hold {} and {}", counted(script::count(m_session->set()), "signal"),
+    say("its sets hold {} and {}", counted(script::count(m_session->signalSet()), "signal"),
         counted(script::count(m_session->clientSet()), "client"));
     m_handleBefore = firstHandle();
     if (!m_handleBefore.empty()) say("blocks have handles for as long as the model is loaded: {}", m_handleBefore);
@@ -109,7 +109,7 @@ void Tour::markStop(const Stop& stop, bool isExcludedFromSave) {
     SignalSettings settings;
     settings.isExcludedFromSave = isExcludedFromSave;
     addSignal(*m_session, find(stop), stop.activity, settings);
-    say("signal {} on {}{}", script::count(m_session->set()), nameOf(stop),
+    say("signal {} on {}{}", script::count(m_session->signalSet()), nameOf(stop),
         isExcludedFromSave ? ", excluded from saving" : "");
 }
 
@@ -125,7 +125,7 @@ void Tour::markAgain() {
 
 void Tour::saveAndClose() {
     title("The model is saved and closed");
-    const std::size_t count = script::count(m_session->set());
+    const std::size_t count = script::count(m_session->signalSet());
     const std::size_t leftOut = m_session->save();
     say("{} saved, {} bytes", counted(count - leftOut, "signal"), std::filesystem::file_size(m_copy.path()));
     if (leftOut > 0) say("{} excluded from saving, left out", counted(leftOut, "signal"));
@@ -136,7 +136,7 @@ void Tour::saveAndClose() {
 void Tour::loadAgain() {
     title("The model is loaded again");
     m_session = std::make_unique<Session>(m_copy.path());
-    say("its set holds {}", counted(script::count(m_session->set()), "signal"));
+    say("its set holds {}", counted(script::count(m_session->signalSet()), "signal"));
     const std::string now = firstHandle();
     if (!now.empty()) say("handles are {}: {}", now == m_handleBefore ? "the same" : "new", now);
 }

@@ -46,7 +46,7 @@ void Tour::addClients() {
 
 void Tour::askClients() {
     title("Who watches what?");
-    m_session->signals().applyRebindingRules(m_session->set(), true);
+    m_session->signals().applyRebindingRules(m_session->signalSet(), true);
     const std::vector<StreamingClients::ClientPtr> aligned = alignedClients(*m_session);
     if (aligned.empty()) say("nobody watches anything");
     const std::u16string& model = m_session->model().name();
@@ -66,7 +66,7 @@ void Tour::renameTwice() {
     m_nameBefore = m_session->model().name();
     for (const char16_t* const suffix : {u"_draft", u"_final"}) {
         const std::u16string before = m_session->model().name();
-        const std::vector<std::string> received = renameModel(*m_session, m_nameBefore + suffix);
+        const std::vector<std::string> received = renameModel(*m_session, m_nameBefore + suffix).received;
         say("{} is now {}; any port observed: {}", printable(before), printable(m_session->model().name()),
             m_session->signals().isAnyPortObserved());
         for (const std::string& line : received) say("the interface manager received {}", line);
@@ -76,7 +76,7 @@ void Tour::renameTwice() {
 void Tour::bundle() {
     title("Signals and observers travel as one value");
     const HvArrayPtr bundle =
-        ks_hmi::ModelObservers::createFromSignalsAndClients(m_session->set(), m_session->clientSet());
+        ks_hmi::ModelObservers::createFromSignalsAndClients(m_session->signalSet(), m_session->clientSet());
     HvArrayPtr signals;
     HvArrayPtr clients;
     ks_hmi::ModelObservers(bundle.get()).getSignalsAndClients(signals, clients);
@@ -107,7 +107,7 @@ void Tour::validate() {
     const std::size_t before = m_session->clients().getCount();
     StreamingClients::validateAndRemoveUnused(m_session->clientSet());
     say("of {}, {} are left", counted(before, "client"), m_session->clients().getCount());
-    for (const std::string& line : renameModel(*m_session, m_nameBefore))
+    for (const std::string& line : renameModel(*m_session, m_nameBefore).received)
         say("renamed back, the interface manager received {}", line);
 }
 

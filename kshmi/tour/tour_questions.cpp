@@ -101,12 +101,12 @@ void Tour::unmarkAndMark() {
     const Stop& stop = m_ports.front();
     const std::vector<std::size_t> positions = SignalIndex(*m_session).on(find(stop));
     if (positions.empty()) return say("{} has no signal any more", nameOf(stop));
-    const std::string before = script::uuidOf(m_session->set(), positions.front() + 1);
+    const std::string before = script::uuidOf(m_session->signalSet(), positions.front() + 1);
     say("{}: UUID {}", nameOf(stop), before);
     removeSignals(*m_session, positions);
     say("removed: {}", answer(isMarked(*m_session, find(stop), {})));
     addSignal(*m_session, find(stop), {}, {});
-    const std::string after = script::uuidOf(m_session->set(), script::count(m_session->set()));
+    const std::string after = script::uuidOf(m_session->signalSet(), script::count(m_session->signalSet()));
     say("marked again: {}, {} UUID {}", answer(isMarked(*m_session, find(stop), {})),
         before == after ? "the same" : "another", after);
 }
@@ -119,12 +119,12 @@ void Tour::moveBlock() {
     const kestrel::Block& block = *sourceOf(m_session->model(), *m_session->signals().get(last)).block;
     const std::u16string path = block.path;
     const std::u16string newPath = freePath(m_session->model(), path);
-    say("signal {} would be saved on {}", count, printable(savedPath(m_session->set(), last)));
+    say("signal {} would be saved on {}", count, printable(savedPath(m_session->signalSet(), last)));
     const std::size_t moved = m_session->model().move(path, newPath);
     say("{} moved to {}", counted(moved, "block"), printable(newPath));
-    say("signal {} would be saved on {}", count, printable(savedPath(m_session->set(), last)));
+    say("signal {} would be saved on {}", count, printable(savedPath(m_session->signalSet(), last)));
     m_session->model().move(newPath, path);
-    say("moved back: {}", printable(savedPath(m_session->set(), last)));
+    say("moved back: {}", printable(savedPath(m_session->signalSet(), last)));
 }
 
 }  // namespace kshmi

@@ -23,7 +23,7 @@ namespace kshmi::testing {
 class HostProcess final : public ::testing::Environment {
 public:
     void TearDown() override {
-        EXPECT_TRUE(workbench::leaveHost(std::cerr));
+        EXPECT_EQ(workbench::leaveHost(), "");
         EXPECT_EQ(orvex::liveCounts(), orvex::LedgerCounts{}) << orvex::describeLive();
         EXPECT_EQ(orvex::scopeErrors(), std::vector<std::string>());
     }

@@ -66,7 +66,7 @@ void addSignal(Session& session, const SignalSource& source, const std::u16strin
     apply(settings, source, *record);
     const HvArrayPtr object = record->getHOSObject(model.name(), /*asStruct=*/false);
     if (!object) throw Error(inQuotes(fullName(model, source)) + ": the host made no signal object");
-    script::add(session.set(), object.get());
+    script::add(session.signalSet(), object.get());
 }
 
 bool isMarked(const Session& session, const SignalSource& source, const std::u16string& activity) {
@@ -78,8 +78,8 @@ void removeSignals(Session& session, Positions positions) {
     // From the last to the first: positions stay valid, and of a port's signals the first keeps its UUID.
     sortUnique(positions, std::greater<>());
     for (const std::size_t position : positions) {
-        keepUuid(session, session.set(), position);
-        script::remove(session.set(), position + 1);
+        keepUuid(session, session.signalSet(), position);
+        script::remove(session.signalSet(), position + 1);
     }
     // A removal takes the index entries of other signals on the same path along.
     if (!positions.empty()) session.signals().updateObservedPortMap();

@@ -1,10 +1,13 @@
 #include "workbench/change/moving.h"
 
+#include <fmt/format.h>
+
 #include <utility>
 #include <vector>
 
 #include "signals/signal_specification.h"
 #include "workbench/change/observing.h"
+#include "workbench/session/records.h"
 #include "workbench/session/signal_source.h"
 
 namespace workbench {
@@ -15,14 +18,13 @@ using kestrel::Block;
 
 std::vector<const Block*> blocksOfSignals(const Session& session) {
     std::vector<const Block*> blocks;
-    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
-        blocks.push_back(blockOf(session.model(), *session.signals().get(i)));
+    for (const auto& signal : recordsOf(session.signals())) blocks.push_back(blockOf(session.model(), signal));
     return blocks;
 }
 
 /// The signals take over the paths of their blocks, in the same order; null: gone. A subsystem path may also lead to a
 /// parent farther up.
-void follow(const Session& session, const std::vector<const Block*>& blocks, const std::u16string& oldPath,
+void follow(Session& session, const std::vector<const Block*>& blocks, const std::u16string& oldPath,
             const std::u16string& newPath) {
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         ks_hmi::SignalSpecification& signal = *session.signals().get(i);
@@ -36,28 +38,70 @@ void follow(const Session& session, const std::vector<const Block*>& blocks, con
     session.signals().updateObservedPortMap();
 }
 
-void followByPath(const Session& session, const std::u16string& oldPath, const std::u16string& newPath) {
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
-        ks_hmi::SignalClient& client = *session.clients().get(i);
+void followByPath(Session& session, const std::u16string& oldPath, const std::u16string& newPath) {
+    for (ks_hmi::SignalClient& client : recordsOf(session.clients())) {
         const bool hasEid = !client.m_modelPathEID.empty() && !client.m_modelPathEID.front().empty();
         if (hasEid || client.m_modelPath.empty() || !isAtOrBelow(client.m_modelPath.front(), oldPath)) continue;
         client.m_modelPath.front() = newPath + client.m_modelPath.front().substr(oldPath.size());
     }
 }
 
-void alignClients(const Session& session) {
+void alignClients(Session& session) {
     const auto aligned = alignedClients(session);
     for (std::size_t i = 0; i < aligned.size(); ++i) session.clients().get(i)->m_modelPath = aligned[i]->m_modelPath;
 }
 
+/// What a move may change.
+struct Paths {
+    std::vector<std::u16string> blocks;
+    std::vector<std::u16string> signals;
+    std::vector<std::vector<std::u16string>> clients;
+};
+
+Paths pathsOf(const Session& session) {
+    Paths paths;
+    for (const kestrel::Block& block : session.model().blocks()) paths.blocks.push_back(block.path);
+    for (const auto& signal : recordsOf(session.signals())) paths.signals.push_back(signal.m_blockPath);
+    for (const auto& client : recordsOf(session.clients())) paths.clients.push_back(client.m_modelPath);
+    return paths;
+}
+
+template <typename List>
+std::size_t differences(const List& before, const List& after) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < before.size(); ++i) count += before[i] != after[i] ? 1U : 0U;
+    return count;
+}
+
+Moved changesBetween(const Paths& before, const Paths& after) {
+    Moved moved;
+    for (std::size_t i = 0; i < before.blocks.size(); ++i)
+        if (before.blocks[i] != after.blocks[i]) moved.blocks.emplace_back(before.blocks[i], after.blocks[i]);
+    moved.signals = differences(before.signals, after.signals);
+    moved.clients = differences(before.clients, after.clients);
+    return moved;
+}
+
+void moveInModel(kestrel::Model& model, const std::u16string& path, const std::u16string& newPath) {
+    try {
+        model.move(path, newPath);
+    } catch (const kestrel::ModelError& refusal) {
+        throw Error(fmt::format("{} Name another path.", refusal.what()), ErrorCode::model);
+    }
+}
+
 }  // namespace
 
-void moveBlocks(Session& session, const std::u16string& path, const std::u16string& newPath) {
-    const std::vector<const Block*> blocks = blocksOfSignals(session);
-    session.model().move(path, newPath);
-    follow(session, blocks, path, newPath);
-    followByPath(session, path, newPath);
-    alignClients(session);
+Moved moveBlocks(Session& session, const std::u16string& path, const std::u16string& newPath) {
+    const Paths before = pathsOf(session);
+    if (path != newPath) {
+        const std::vector<const Block*> blocks = blocksOfSignals(session);
+        moveInModel(session.model(), path, newPath);
+        follow(session, blocks, path, newPath);
+        followByPath(session, path, newPath);
+        alignClients(session);
+    }
+    return changesBetween(before, pathsOf(session));
 }
 
 }  // namespace workbench

@@ -45,7 +45,8 @@ std::vector<ks_hmi::StreamingClients::ClientPtr> alignedClients(const Session& s
     std::vector<ks_hmi::StreamingClients::ClientPtr> aligned;
     ks_hmi::StreamingClients::getAlignedObservers(session.clientSet(), aligned);
     if (aligned.size() != session.clients().getCount())
-        throw Error(session.path() + ": the host cannot tell where the signals of all clients are; try again");
+        throw Error({session.path(), 0, {}}, "the host cannot tell where the signals of all clients are; try again",
+                    ErrorCode::host);
     return aligned;
 }
 

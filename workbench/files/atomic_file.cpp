@@ -1,6 +1,7 @@
 #include "workbench/files/atomic_file.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <stdlib.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -20,6 +21,7 @@ namespace {
 constexpr std::size_t kBufferSize = std::size_t{1} << 16U;
 constexpr mode_t kPermissionBits = 07777;
 constexpr mode_t kNewFile = 0644;
+constexpr const char* kIsThere = "there is a file of this name already; name another, or replace that one";
 
 std::string directoryOf(const std::string& path) {
     const std::string parent = std::filesystem::path(path).parent_path().string();
@@ -45,12 +47,19 @@ AtomicFile::Uninterrupted::~Uninterrupted() {
 
 AtomicFile::AtomicFile(const std::string& path, std::optional<FileVersion> replaced)
     : m_path(path), m_replaced(replaced) {
+    prepare();
+}
+
+AtomicFile::AtomicFile(New, const std::string& path) : m_path(path), m_isNew(true) { prepare(); }
+
+void AtomicFile::prepare() {
     std::error_code code;
-    const auto real = std::filesystem::weakly_canonical(path, code);
-    m_target = code ? path : real.string();
+    const auto real = std::filesystem::weakly_canonical(m_path, code);
+    m_target = code ? m_path : real.string();
     struct stat old {};
     const bool isThere = ::stat(m_path.c_str(), &old) == 0;
     if (!isThere && errno != ENOENT) fail("it cannot be looked at");
+    if (isThere && m_isNew) refuse(kIsThere);
     if (isThere && !S_ISREG(old.st_mode)) refuse("it is no regular file; name one");
     if (isThere && ::faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) fail("it must not be written");
     try {
@@ -132,10 +141,20 @@ FileVersion AtomicFile::commit() {
     m_descriptor = -1;
     if (::close(descriptor) != 0) fail("writing failed");
     requireReplaceable();
-    if (std::rename(m_temporary.c_str(), m_target.c_str()) != 0) fail("it cannot be replaced");
+    takePlace();
     m_temporary.clear();
     syncDirectory();
     return FileVersion::of(written);
+}
+
+void AtomicFile::takePlace() {
+    // A link does not take another file's place, as a renamed file does.
+    if (m_isNew && ::link(m_temporary.c_str(), m_target.c_str()) == 0) {
+        ::unlink(m_temporary.c_str());
+        return;
+    }
+    if (m_isNew && errno == EEXIST) refuse(kIsThere);
+    if (std::rename(m_temporary.c_str(), m_target.c_str()) != 0) fail("it cannot be replaced");
 }
 
 void AtomicFile::syncDirectory() const {
@@ -147,11 +166,11 @@ void AtomicFile::syncDirectory() const {
 
 void AtomicFile::fail(const char* what) const {
     const int reason = errno;
-    refuse(std::string(what) + ": " + std::strerror(reason) + "; check permissions and free space and try again");
+    refuse(fmt::format("{}: {}; check permissions and free space and try again", what, std::strerror(reason)));
 }
 
 void AtomicFile::refuse(const std::string& why) const {
-    throw Error(m_path + ": not saved, the file is as it was: " + why);
+    throw Error({m_path, 0, {}}, fmt::format("not saved, the file is as it was: {}", why), ErrorCode::file);
 }
 
 }  // namespace workbench

@@ -23,6 +23,10 @@ public:
     /// written, whose owner, group or permissions cannot be kept, or that somebody else is saving. With `replaced` only
     /// that version of the file is replaced.
     explicit AtomicFile(const std::string& path, std::optional<FileVersion> replaced = std::nullopt);
+    struct New {};
+    static constexpr New kNew{};
+    /// A file that is not there yet. Throws `Error` when it is, here or on `commit`.
+    AtomicFile(New, const std::string& path);
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
     ~AtomicFile();
@@ -47,6 +51,8 @@ private:
         struct sigaction m_sizeLimit {};
     };
 
+    void prepare();
+    void takePlace();
     void lock();
     void makeTemporary();
     void flush();
@@ -64,6 +70,7 @@ private:
     std::string m_temporary;
     std::string m_buffer;
     std::optional<FileVersion> m_replaced;
+    bool m_isNew = false;
     int m_lock = -1;
     int m_descriptor = -1;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "host/unicode.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
@@ -12,11 +13,7 @@ namespace {
 std::u32string toUtf32(std::u16string_view text) {
     std::u32string result;
     result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char32_t unit = text[i];
-        const bool isPair = unit >= 0xD800 && unit < 0xDC00 && i + 1 < text.size();
-        result += isPair ? 0x10000 + ((unit - 0xD800) << 10U) + (text[++i] - char32_t{0xDC00}) : unit;
-    }
+    for (std::size_t at = 0; at < text.size();) result += ks_host::takeCodePoint(text, at);
     return result;
 }
 

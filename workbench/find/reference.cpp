@@ -30,6 +30,10 @@ std::optional<int> portOf(const Block& block, std::u16string_view text) {
     return found;
 }
 
+std::string noSuchBlock(const kestrel::Model& model, std::string_view reference) {
+    return fmt::format("{}: the model {} has no such block", inQuotes(reference), inQuotes(model.name()));
+}
+
 std::string portList(const Block& block) {
     if (block.outputs.empty()) return "it has none";
     std::string list = "it has";
@@ -130,8 +134,7 @@ SignalSource resolveReference(const kestrel::Model& model, std::string_view refe
         }
         if (reason.empty()) reason = lookup.reason();
     }
-    if (reason.empty())
-        reason = "the model " + inQuotes(model.name()) + " has no such block; \"kshmi show\" lists them";
+    if (reason.empty()) throw Error(noSuchBlock(model, reference), ErrorCode::request, Remedy::listBlocks);
     throw Error(inQuotes(reference) + ": " + reason);
 }
 
@@ -144,9 +147,7 @@ std::u16string withoutModel(const kestrel::Model& model, std::string_view path) 
 const Block& resolveBlock(const kestrel::Model& model, std::string_view path) {
     const Block* block = model.findByPath(withoutModel(model, path));
     if (!block) block = model.findByPath(toUtf16(path));
-    if (!block)
-        throw Error(inQuotes(path) + ": the model " + inQuotes(model.name()) +
-                    " has no such block; \"kshmi show\" lists them");
+    if (!block) throw Error(noSuchBlock(model, path), ErrorCode::request, Remedy::listBlocks);
     return *block;
 }
 

@@ -5,7 +5,7 @@
 namespace workbench {
 
 void failImport(const std::string& file, std::size_t line, const std::string& text, const std::string& remedy) {
-    throw Error(atPlace(file, line, "", text + "; " + remedy));
+    throw Error({file, line}, text + "; " + remedy, ErrorCode::format);
 }
 
 }  // namespace workbench

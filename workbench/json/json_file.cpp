@@ -1,5 +1,6 @@
 #include "workbench/json/json_file.h"
 
+#include <fmt/format.h>
 #include <sys/stat.h>
 
 #include <array>
@@ -70,7 +71,7 @@ private:
 };
 
 std::string describe(const json::error_code& code, std::string_view piece, std::size_t used) {
-    if (code == json::error::too_deep) return "more than " + std::to_string(kMaxDepth) + " levels of nesting";
+    if (code == json::error::too_deep) return fmt::format("more than {} levels of nesting", kMaxDepth);
     return describeMistake(code, piece, used);
 }
 
@@ -82,15 +83,14 @@ bool isDirectory(std::FILE* file) {
 }  // namespace
 
 JsonFile::JsonFile(std::string path) : m_path(std::move(path)), m_file(std::fopen(m_path.c_str(), "rbe")) {
-    if (!m_file)
-        throw Error(m_path + ": cannot be opened: " + std::strerror(errno) + "; check the path and its permissions");
-    if (isDirectory(m_file.get())) throw Error(m_path + ": is a directory; name a model file");
+    if (!m_file) fail(fmt::format("cannot be opened: {}; check the path and its permissions", std::strerror(errno)));
+    if (isDirectory(m_file.get())) fail("is a directory; name a model file");
 }
 
 JsonFile JsonFile::ofText(std::string name, const std::string& text) {
     std::FILE* const file = ::fmemopen(nullptr, text.size() + 1, "w+");
     JsonFile result(std::move(name), file);
-    if (!file) throw Error(result.m_path + ": cannot be read: " + std::strerror(errno));
+    if (!file) result.fail(fmt::format("cannot be read: {}", std::strerror(errno)));
     std::fwrite(text.data(), 1, text.size(), file);
     std::rewind(file);
     return result;
@@ -118,7 +118,7 @@ void JsonFile::read(JsonSink& sink) {
             rest.remove_prefix(piece.size());
         }
     }
-    if (std::ferror(m_file.get())) throw Error(m_path + ": cannot be read: " + std::strerror(errno));
+    if (std::ferror(m_file.get())) fail(fmt::format("cannot be read: {}", std::strerror(errno)));
     feed(parser, {}, false);
 }
 
@@ -136,12 +136,13 @@ void JsonFile::feed(Parser& parser, std::string_view piece, bool more) {
 }
 
 void JsonFile::fail(const std::string& pointer, const std::string& text) const {
-    throw Error(atPlace(m_path, m_line, pointer, text));
+    throw Error({m_path, m_line, pointer}, text, ErrorCode::format);
 }
 
+void JsonFile::fail(const std::string& text) const { throw Error({m_path, 0, {}}, text, ErrorCode::file); }
+
 void JsonFile::failSyntax(const std::string& what, std::size_t column) const {
-    throw Error(m_path + ":" + std::to_string(m_line) + ":" + std::to_string(column) + ": not JSON: " + what +
-                "; correct it");
+    throw Error({m_path, m_line, {}, column}, fmt::format("not JSON: {}; correct it", what), ErrorCode::format);
 }
 
 }  // namespace workbench

@@ -2,44 +2,88 @@
 
 #include <fmt/format.h>
 
+#include <concepts>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 #include "workbench/json/json_text.h"
 
+/// How everything here writes JSON: objects and arrays, element by element, at the end of a text.
 namespace workbench {
 
-/// One JSON object on one line, written member by member.
-class JsonObject {
-public:
-    explicit JsonObject(std::string& out) : m_out(out) { m_out += '{'; }
-    JsonObject& text(const char* key, std::u16string_view value) {
-        return name(key), appendJsonText(m_out, value), *this;
-    }
-    JsonObject& text(const char* key, std::string_view value) { return name(key), appendJsonText(m_out, value), *this; }
-    JsonObject& truth(const char* key, bool value) { return plain(key, value ? "true" : "false"); }
-    /// JSON as it stands: a number, an array, `null`.
-    JsonObject& plain(const char* key, const std::string& value) { return name(key), m_out += value, *this; }
-    void close() { m_out += '}'; }
+/// What stands around the elements of an object or array; none of it in an empty one.
+struct JsonLayout {
+    std::string_view first{};
+    std::string_view between = ", ";
+    std::string_view last{};
+};
+inline constexpr JsonLayout kOneLine{};
+/// Each element on a line of its own.
+inline constexpr JsonLayout kLines{"\n  ", ",\n  ", "\n"};
 
-private:
-    void name(const char* key) {
-        m_out += fmt::format("{}\"{}\": ", m_isEmpty ? "" : ", ", key);
+/// A JSON array. `next` makes room for one more element, to be appended to the text.
+class JsonArray {
+public:
+    explicit JsonArray(std::string& out, JsonLayout layout = kOneLine) : m_out(out), m_layout(layout) { m_out += '['; }
+    void next() {
+        m_out += m_isEmpty ? m_layout.first : m_layout.between;
         m_isEmpty = false;
     }
+    void close() {
+        if (!m_isEmpty) m_out += m_layout.last;
+        m_out += ']';
+    }
+
+private:
     std::string& m_out;
+    JsonLayout m_layout;
     bool m_isEmpty = true;
 };
 
-/// Appends what stands between the brackets of a JSON array with each element on a line of its own; `append(i)`
-/// appends the i-th (0-based).
-template <typename Append>
-void appendJsonLines(std::string& out, std::size_t count, Append append) {
-    for (std::size_t i = 0; i < count; ++i) {
-        out += i > 0 ? ",\n  " : "\n  ";
-        append(i);
+/// A JSON object.
+class JsonObject {
+public:
+    explicit JsonObject(std::string& out, JsonLayout layout = kOneLine) : m_out(out), m_layout(layout) { m_out += '{'; }
+    /// Makes room for one more member's value, to be appended to the text.
+    JsonObject& name(std::string_view key) {
+        m_out += m_isEmpty ? m_layout.first : m_layout.between;
+        m_isEmpty = false;
+        appendJsonText(m_out, key);
+        m_out += ": ";
+        return *this;
     }
+    JsonObject& text(std::string_view key, std::u16string_view value) {
+        return name(key), appendJsonText(m_out, value), *this;
+    }
+    JsonObject& text(std::string_view key, std::string_view value) {
+        return name(key), appendJsonText(m_out, value), *this;
+    }
+    JsonObject& truth(std::string_view key, bool value) { return name(key), m_out += value ? "true" : "false", *this; }
+    JsonObject& number(std::string_view key, std::integral auto value) {
+        return name(key), m_out += fmt::format("{}", value), *this;
+    }
+    JsonObject& null(std::string_view key) { return name(key), m_out += "null", *this; }
+    void close() {
+        if (!m_isEmpty) m_out += m_layout.last;
+        m_out += '}';
+    }
+
+private:
+    std::string& m_out;
+    JsonLayout m_layout;
+    bool m_isEmpty = true;
+};
+
+/// Appends a JSON array of the elements of any range; `append(element)` appends one.
+template <typename Range, typename Append>
+void appendJsonArray(std::string& out, const Range& elements, Append append, JsonLayout layout = kOneLine) {
+    JsonArray array(out, layout);
+    for (const auto& element : elements) {
+        array.next();
+        append(element);
+    }
+    array.close();
 }
 
 }  // namespace workbench

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/hv_array.h"
@@ -26,17 +28,34 @@ struct ModelFile {
     std::optional<FileVersion> version = std::nullopt;
 };
 
+/// An empty model of that name, with no signals and no clients. Throws `Error` for a name that cannot be.
+ModelFile newModelFile(const std::u16string& name);
+
 /// Reads a model file. Throws `Error` that names file, line and JSON pointer for whatever is not as the
 /// format says: syntax, unknown, missing and duplicate keys, wrong kinds, paths and identifiers that are
 /// empty or taken. Whether signals and clients fit the model is not looked at.
 ModelFile readModelFile(const std::string& path);
+/// The same of a text in memory; `name` stands for the path in messages.
+ModelFile readModelText(const std::string& name, const std::string& text);
 
-/// Writes a model in the canonical form: the same contents give the same bytes. Replaces the file at
-/// `path` as a whole or leaves it as it was. The records are struct arrays with the saved
-/// fields; null for none. With `replaced` only that version of the file is replaced. Returns the new version. Throws
-/// `Error` when the file cannot be written or a value has no JSON form.
+/// Takes the next piece of what is written.
+using TextSink = std::function<void(std::string_view piece)>;
+
+/// Writes a model in the canonical form: the same contents give the same bytes. The records are struct arrays with
+/// the saved fields, null for none. Throws `Error` when a value has no JSON form, and what the sink throws.
+void writeModel(const TextSink& sink, const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
+                const std::optional<Origin>& origin = std::nullopt);
+/// The same as one text.
+std::string modelText(const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
+                      const std::optional<Origin>& origin = std::nullopt);
+
+/// The same into the file at `path`, which is replaced as a whole or left as it was: only that version of it with
+/// `replaced`. Returns the new version. Throws `Error`, also when the file cannot be written.
 FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
                            const hvArray* clients, const std::optional<Origin>& origin,
                            std::optional<FileVersion> replaced = std::nullopt);
+/// The same into a file that is not there yet. Throws `Error` when it is.
+FileVersion writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
+                              const hvArray* clients, const std::optional<Origin>& origin);
 
 }  // namespace workbench

@@ -1,5 +1,7 @@
 #include "workbench/model_file/model_file_parts.h"
 
+#include <fmt/format.h>
+
 #include <set>
 #include <string_view>
 #include <utility>
@@ -83,7 +85,8 @@ kestrel::Model ModelFileParts::buildModel() {
         }
         return model;
     } catch (const kestrel::ModelError& error) {
-        throw Error(atPlace(m_file.path(), line, pointer, printable(std::string_view(error.what())) + " Change it."));
+        throw Error({m_file.path(), line, pointer},
+                    fmt::format("{} Change it.", printable(std::string_view(error.what()))), ErrorCode::model);
     }
 }
 

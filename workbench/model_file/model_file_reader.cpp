@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -266,15 +268,34 @@ void ModelFileReader::failKind(const std::string& found) const {
     m_file.fail(pointer(), found + " stands where " + shapes::describe(expected().kind) + " belongs; correct it");
 }
 
-}  // namespace
-
-ModelFile readModelFile(const std::string& path) {
-    JsonFile file(path);
+ModelFile readDocument(JsonFile& file) {
     const auto version = file.version();
     ModelFileReader reader(file);
     file.read(reader);
     ModelFile result = reader.finish();
     result.version = version;
+    return result;
+}
+
+}  // namespace
+
+ModelFile newModelFile(const std::u16string& name) {
+    try {
+        return {kestrel::Model(name), emptyRecords(RecordKind::signal), emptyRecords(RecordKind::client), {}, {}};
+    } catch (const kestrel::ModelError& refusal) {
+        throw Error(fmt::format("{} Give another name.", refusal.what()));
+    }
+}
+
+ModelFile readModelFile(const std::string& path) {
+    JsonFile file(path);
+    return readDocument(file);
+}
+
+ModelFile readModelText(const std::string& name, const std::string& text) {
+    JsonFile file = JsonFile::ofText(name, text);
+    ModelFile result = readDocument(file);
+    result.version.reset();
     return result;
 }
 

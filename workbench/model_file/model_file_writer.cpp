@@ -1,8 +1,8 @@
 #include <string>
 
+#include "host/values.h"
 #include "workbench/files/atomic_file.h"
 #include "workbench/json/json_object.h"
-#include "workbench/json/json_text.h"
 #include "workbench/model_file/model_file.h"
 #include "workbench/values/host_value_writer.h"
 
@@ -10,124 +10,128 @@ namespace workbench {
 
 namespace {
 
-/// Separates the elements of a list that is written one element per line or lines.
-class Listing {
-public:
-    Listing(AtomicFile& file, const char* key) : m_file(file) { m_file.write(std::string("  \"") + key + "\": ["); }
-    void next(const std::string& element) {
-        m_file.write(m_isEmpty ? "\n" : ",\n");
-        m_file.write(element);
-        m_isEmpty = false;
-    }
-    void close(const char* after) {
-        m_file.write(m_isEmpty ? "]" : "\n  ]");
-        m_file.write(after);
-    }
-
-private:
-    AtomicFile& m_file;
-    bool m_isEmpty = true;
-};
+constexpr JsonLayout kDocument{"\n  ", ",\n  ", "\n"};
+constexpr JsonLayout kList{"\n    ", ",\n    ", "\n  "};
+/// One field per line.
+constexpr JsonLayout kRecord{"\n      ", ",\n      ", "\n    "};
 
 template <typename Items, typename TextOf>
 void appendChartItems(std::string& out, const Items& items, const char* key, TextOf textOf) {
-    const char* separator = "";
-    for (const auto& item : items) {
-        out += separator + std::string("{\"") + key + "\": ";
-        appendJsonText(out, std::u16string_view(textOf(item)));
-        out += ", \"ssid\": " + std::to_string(item.ssid) + "}";
-        separator = ", ";
-    }
+    appendJsonArray(out, items, [&](const auto& item) {
+        JsonObject object(out);
+        object.text(key, std::u16string_view(textOf(item))).number("ssid", item.ssid).close();
+    });
 }
 
-std::string blockLine(const kestrel::Block& block) {
-    std::string line = "    {\"path\": ";
-    appendJsonText(line, std::u16string_view(block.path));
-    line += ", \"eid\": ";
-    appendJsonText(line, std::string_view(block.eid));
-    if (block.source) {
-        line += ", \"source\": ";
-        appendJsonText(line, std::string_view(*block.source));
-    }
-    line += ", \"outputs\": [";
-    for (std::size_t i = 0; i < block.outputs.size(); ++i) {
-        if (i > 0) line += ", ";
-        appendJsonText(line, std::u16string_view(block.outputs[i]));
-    }
-    line += "]";
+void appendChart(std::string& out, const kestrel::Chart& chart) {
+    JsonObject object(out);
+    object.name("states");
+    appendChartItems(
+        out, chart.states, "path", [](const auto& state) -> auto& { return state.path; });
+    object.name("data");
+    appendChartItems(
+        out, chart.data, "name", [](const auto& datum) -> auto& { return datum.name; });
+    object.close();
+}
+
+void appendBlock(std::string& out, const kestrel::Block& block) {
+    JsonObject object(out);
+    object.text("path", block.path).text("eid", block.eid);
+    if (block.source) object.text("source", *block.source);
+    object.name("outputs");
+    appendJsonArray(out, block.outputs, [&](std::u16string_view name) { appendJsonText(out, name); });
     if (block.chart) {
-        line += ", \"chart\": {\"states\": [";
-        appendChartItems(line, block.chart->states, "path", [](const auto& state) { return state.path; });
-        line += "], \"data\": [";
-        appendChartItems(line, block.chart->data, "name", [](const auto& datum) { return datum.name; });
-        line += "]}";
-    }
-    return line + "}";
-}
-
-std::string originLine(const Origin& origin) {
-    std::string line = "  \"origin\": ";
-    JsonObject object(line);
-    object.text("kind", std::string_view(origin.kind)).text("version", std::string_view(origin.version));
-    object.text("file", std::string_view(origin.file)).text("hash", std::string_view(origin.hash));
-    if (origin.locals) object.truth("locals", true);
-    if (!origin.gone.empty()) {
-        std::string gone;
-        appendJsonList(gone, origin.gone.size(), [&](std::size_t i) {
-            const GoneBlock& block = origin.gone[i];
-            JsonObject one(gone);
-            one.text("source", std::string_view(block.source)).text("eid", std::string_view(block.eid)).close();
-        });
-        object.plain("gone", gone);
+        object.name("chart");
+        appendChart(out, *block.chart);
     }
     object.close();
-    return line + ",\n";
+}
+
+void appendOrigin(std::string& out, const Origin& origin) {
+    JsonObject object(out);
+    object.text("kind", origin.kind).text("version", origin.version).text("file", origin.file);
+    object.text("hash", origin.hash);
+    if (origin.locals) object.truth("locals", true);
+    if (!origin.gone.empty()) {
+        object.name("gone");
+        appendJsonArray(out, origin.gone, [&](const GoneBlock& block) {
+            JsonObject(out).text("source", block.source).text("eid", block.eid).close();
+        });
+    }
+    object.close();
 }
 
 /// Fields whose class the library sets, whatever it was: plain numbers lose nothing.
 bool isCountField(std::string_view name) { return name == "UpdateRate_" || name == "DimensionChannel_"; }
 
-/// One field per line.
-std::string structLines(const hvArray* value, std::size_t element) {
-    std::string lines = "    {";
-    for (int i = 0; i < hvGetNumberOfFields(value); ++i) {
-        const std::string_view name = hvGetFieldNameByNumber(value, i);
-        lines += i > 0 ? ",\n      " : "\n      ";
-        appendJsonText(lines, name);
-        lines += ": ";
-        const hvArray* const field = hvGetField(value, element, name.data());
-        if (name == "DomainParams_")
-            appendJsonFieldsSorted(lines, field);
-        else if (isCountField(name))
-            lines += std::to_string(hvGetScalarInt(field));
-        else
-            appendJsonValue(lines, field);
+void appendRecord(std::string& out, const hvArray* records, std::size_t element) {
+    JsonObject object(out, kRecord);
+    for (int i = 0; i < hvGetNumberOfFields(records); ++i) {
+        const std::string_view name = hvGetFieldNameByNumber(records, i);
+        const hvArray* const field = hvGetField(records, element, name.data());
+        if (isCountField(name)) {
+            object.number(name, hvGetScalarInt(field));
+            continue;
+        }
+        object.name(name);
+        name == "DomainParams_" ? appendJsonFieldsSorted(out, field) : appendJsonValue(out, field);
     }
-    return lines + (hvGetNumberOfFields(value) > 0 ? "\n    }" : "}");
+    object.close();
+}
+
+/// A list of the document; each element is handed on as soon as it is written.
+template <typename Range, typename Append>
+void writeList(const TextSink& sink, std::string& out, const Range& elements, Append append) {
+    appendJsonArray(
+        out, elements,
+        [&](const auto& element) {
+            append(element);
+            sink(out);
+            out.clear();
+        },
+        kList);
 }
 
 }  // namespace
+
+void writeModel(const TextSink& sink, const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
+                const std::optional<Origin>& origin) {
+    std::string out;
+    JsonObject document(out, kDocument);
+    document.number("kestrelModel", 1).text("name", model.name());
+    if (origin) {
+        document.name("origin");
+        appendOrigin(out, *origin);
+    }
+    document.name("blocks");
+    writeList(sink, out, model.blocks(), [&](const kestrel::Block& block) { appendBlock(out, block); });
+    document.name("signals");
+    writeList(sink, out, ks_host::indicesOf(signals), [&](std::size_t i) { appendRecord(out, signals, i); });
+    document.name("clients");
+    writeList(sink, out, ks_host::indicesOf(clients), [&](std::size_t i) { appendRecord(out, clients, i); });
+    document.close();
+    sink(out += '\n');
+}
+
+std::string modelText(const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
+                      const std::optional<Origin>& origin) {
+    std::string text;
+    writeModel([&](std::string_view piece) { text += piece; }, model, signals, clients, origin);
+    return text;
+}
 
 FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
                            const hvArray* clients, const std::optional<Origin>& origin,
                            std::optional<FileVersion> replaced) {
     AtomicFile file(path, replaced);
-    std::string head = "{\n  \"kestrelModel\": 1,\n  \"name\": ";
-    appendJsonText(head, std::u16string_view(model.name()));
-    file.write(head + ",\n");
-    if (origin) file.write(originLine(*origin));
+    writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, origin);
+    return file.commit();
+}
 
-    Listing blocks(file, "blocks");
-    for (const kestrel::Block& block : model.blocks()) blocks.next(blockLine(block));
-    blocks.close(",\n");
-
-    Listing records(file, "signals");
-    for (std::size_t i = 0; i < hvGetNumberOfElements(signals); ++i) records.next(structLines(signals, i));
-    records.close(",\n");
-
-    Listing observers(file, "clients");
-    for (std::size_t i = 0; i < hvGetNumberOfElements(clients); ++i) observers.next(structLines(clients, i));
-    observers.close("\n}\n");
+FileVersion writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
+                              const hvArray* clients, const std::optional<Origin>& origin) {
+    AtomicFile file(AtomicFile::kNew, path);
+    writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, origin);
     return file.commit();
 }
 

@@ -134,6 +134,11 @@ const std::vector<Field>& fieldTable(RecordKind kind) {
     return kind == RecordKind::signal ? signalFields : clientFields;
 }
 
+HvArrayPtr makeRecords(RecordKind kind, std::size_t count) {
+    const auto fields = fieldsOf(kind);
+    return HvArrayPtr(hvCreateStructArray(1, &count, static_cast<int>(fields.size()), fields.data()));
+}
+
 }  // namespace
 
 std::span<const char* const> fieldsOf(RecordKind kind) {
@@ -149,16 +154,16 @@ std::size_t fieldNumber(RecordKind kind, std::string_view name) {
     return static_cast<std::size_t>(found - fields.begin());
 }
 
-std::string atRecord(const std::string& path, RecordKind kind, const std::vector<RecordLines>& lines,
-                     std::size_t position, const std::string& field, const std::string& text) {
+ErrorPlace recordPlace(const std::string& path, RecordKind kind, const std::vector<RecordLines>& lines,
+                       std::size_t position, const std::string& field) {
     std::size_t line = 0;
     if (position < lines.size()) {
         const std::size_t number = fieldNumber(kind, field);
         line = number < fieldsOf(kind).size() ? lines[position].fields.at(number) : 0;
         if (line == 0) line = lines[position].start;
     }
-    const std::string list = kind == RecordKind::signal ? "/signals/" : "/clients/";
-    return atPlace(path, line, list + std::to_string(position) + (field.empty() ? "" : pointerToken(field)), text);
+    const char* const list = kind == RecordKind::signal ? "signals" : "clients";
+    return {path, line, fmt::format("/{}/{}{}", list, position, field.empty() ? "" : pointerToken(field))};
 }
 
 void RecordTable::begin() {
@@ -169,18 +174,23 @@ void RecordTable::begin() {
 void RecordTable::setField(std::size_t field, HvArrayPtr value) {
     const FieldKind& kind = *fieldTable(m_kind)[field].kind;
     if (value && !kind.holds(value.get()))
-        throw Error(describe(value.get()) + " stands where " + kind.description + " belongs; correct it");
+        throw Error(fmt::format("{} stands where {} belongs; correct it", describe(value.get()), kind.description));
     m_rows.back().at(field) = std::move(value);
 }
 
 HvArrayPtr RecordTable::build() {
-    const std::size_t count = m_rows.size();
+    HvArrayPtr records = makeRecords(m_kind, m_rows.size());
     const auto fields = fieldsOf(m_kind);
-    HvArrayPtr records(hvCreateStructArray(1, &count, static_cast<int>(fields.size()), fields.data()));
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < m_rows.size(); ++i)
         for (std::size_t field = 0; field < fields.size(); ++field)
             if (HvArrayPtr& value = m_rows[i].at(field)) hvSetField(records.get(), i, fields[field], value.release());
     m_rows.clear();
+    orvex::markAsPersisted(records.get());
+    return records;
+}
+
+HvArrayPtr emptyRecords(RecordKind kind) {
+    HvArrayPtr records = makeRecords(kind, 0);
     orvex::markAsPersisted(records.get());
     return records;
 }

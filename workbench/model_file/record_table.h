@@ -11,6 +11,7 @@
 
 #include "host/hv_array.h"
 #include "workbench/json/json_file.h"
+#include "workbench/text/error.h"
 
 /// The records of a model file: its signals and its clients, an object each. The keys are the names of the
 /// fields that the library saves.
@@ -30,10 +31,12 @@ struct RecordLines {
     std::array<std::size_t, kMostFields> fields{};
 };
 
-/// The file's place for a field (empty: the record itself) of the record at `position` (0-based), followed by the
-/// text.
-std::string atRecord(const std::string& path, RecordKind kind, const std::vector<RecordLines>& lines,
-                     std::size_t position, const std::string& field, const std::string& text);
+/// The file's place for a field (empty: the record itself) of the record at `position` (0-based).
+ErrorPlace recordPlace(const std::string& path, RecordKind kind, const std::vector<RecordLines>& lines,
+                       std::size_t position, const std::string& field);
+
+/// A 0 x 1 struct array of all fields, marked as read from a file.
+HvArrayPtr emptyRecords(RecordKind kind);
 
 /// Gathers the records of one kind.
 class RecordTable {

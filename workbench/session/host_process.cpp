@@ -1,6 +1,7 @@
 #include "workbench/session/host_process.h"
 
 #include <optional>
+#include <utility>
 
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/orvex/account/ledger.h"
@@ -19,32 +20,29 @@ std::optional<orvex::LoadedLibrary>& library() {
 }
 
 #ifdef NDEBUG
-bool nothingLives(std::ostream&) { return true; }
+std::string whatLives() { return {}; }
 #else
-bool nothingLives(std::ostream& err) {
-    if (orvex::liveCounts() == orvex::LedgerCounts{}) return true;
-    err << "kshmi: not everything was released:\n" << orvex::describeLive();
-    return false;
-}
+std::string whatLives() { return orvex::liveCounts() == orvex::LedgerCounts{} ? "" : orvex::describeLive(); }
 #endif
 
 }  // namespace
 
-void enterHost(std::ostream& warnings) {
-    orvex::setWarningSink(
-        [&warnings](const orvex::Warning& warning) { warnings << "warning: " << printable(warning.text) << '\n'; });
+void enterHost(WarningSink warnings) {
+    orvex::setWarningSink([warnings = std::move(warnings)](const orvex::Warning& warning) {
+        if (warnings) warnings(printable(warning.text));
+    });
     if (library()) return;
     kestrel::installHostSide();
     library().emplace(kLibrary);
 }
 
-bool leaveHost(std::ostream& err) {
+std::string leaveHost() {
     orvex::setWarningSink({});
-    if (!library()) return true;
+    if (!library()) return {};
     kestrel::releaseHostSide();
     orvex::releaseObjectSystem();
     library()->unload();
-    return nothingLives(err);
+    return whatLives();
 }
 
 }  // namespace workbench

@@ -1,18 +1,22 @@
 #pragma once
 
-#include <ostream>
+#include <functional>
+#include <string>
 
 namespace workbench {
+
+/// Receives the host's warnings: UTF-8, one line, without control characters.
+using WarningSink = std::function<void(const std::string& text)>;
 
 /// Brings the host into this process, once: its modelling side, and the signals library, loaded and
 /// initialised as the environment does it. From now on the host's warnings go to `warnings`. Throws the
 /// host's exception when the library cannot be loaded.
-void enterHost(std::ostream& warnings);
+void enterHost(WarningSink warnings);
 
-/// Releases everything that lives in the host and lets the library go; the host cannot be entered again.
-/// False when something still lives that nobody released: it is then listed on `err`. Release builds do
+/// Releases everything that lives in the host and lets the library go; the host cannot be entered again. Returns a
+/// list of what still lives, a line each, that nobody released; empty as it should be, and in release builds, which do
 /// not look.
-bool leaveHost(std::ostream& err);
+std::string leaveHost();
 
 /// File name of the library.
 inline constexpr const char* kLibrary = "libks_hmi_foundation.so.0";

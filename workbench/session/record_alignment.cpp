@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "host/values.h"
 #include "memory_host/kestrel/signal_block.h"
 #include "workbench/session/signal_source.h"
 #include "workbench/text/text.h"
@@ -16,12 +17,12 @@ class Record {
 public:
     Record(hvArray* signals, std::size_t position) : m_signals(signals), m_position(position) {}
 
-    std::u16string text(const char* field) const { return textOf(hvGetField(m_signals, m_position, field)); }
+    std::u16string text(const char* field) const { return ks_host::textOf(hvGetField(m_signals, m_position, field)); }
     std::u16string parameter(const char* name) const {
-        return textOf(hvGetField(hvGetField(m_signals, m_position, "DomainParams_"), 0, name));
+        return ks_host::textOf(hvGetField(hvGetField(m_signals, m_position, "DomainParams_"), 0, name));
     }
     void setText(const char* field, const std::u16string& text) {
-        hvReplaceField(m_signals, m_position, field, textValue(text).release());
+        hvReplaceField(m_signals, m_position, field, ks_host::makeText(text).release());
     }
 
 private:
@@ -49,8 +50,8 @@ void alignItem(Record& record, const kestrel::Block& block) {
 void alignRecords(hvArray* signals, const kestrel::Model& model) {
     for (std::size_t i = 0; i < hvGetNumberOfElements(signals); ++i) {
         Record record(signals, i);
-        const kestrel::Block* const block =
-            kestrel::signalBlock(model, toUtf8(record.text("EID_")), record.text("BlockPath_"));
+        const std::string eid = toUtf8(record.text("EID_"));
+        const kestrel::Block* const block = kestrel::signalBlock(model, eid, record.text("BlockPath_"));
         if (!block) continue;
         alignPath(record, *block);
         alignItem(record, *block);

@@ -4,10 +4,10 @@
 #include <span>
 #include <vector>
 
+#include "host/values.h"
 #include "memory_host/orvex/calls/call_by_name.h"
 #include "observers/streaming_clients.h"
 #include "signals/instrumented_signals.h"
-#include "workbench/text/text.h"
 
 namespace workbench::script {
 
@@ -25,18 +25,20 @@ HvArrayPtr numberValue(double number) { return HvArrayPtr(hvCreateDoubleScalar(n
 }  // namespace
 
 HvArrayPtr newSet(const std::u16string& modelName) {
-    return call(ks_hmi::InstrumentedSignals::kHostClass, 1, {textValue(modelName).get()});
+    return call(ks_hmi::InstrumentedSignals::kHostClass, 1, {ks_host::makeText(modelName).get()});
 }
 
 HvArrayPtr newClientSet(const std::u16string& modelName) {
-    return call(ks_hmi::StreamingClients::kHostClass, 1, {textValue(modelName).get()});
+    return call(ks_hmi::StreamingClients::kHostClass, 1, {ks_host::makeText(modelName).get()});
 }
 
 void renameClientSet(hvArray* set, const std::u16string& modelName) {
-    hvSetProperty(set, 0, "Model", textValue(modelName).get());
+    hvSetProperty(set, 0, "Model", ks_host::makeText(modelName).get());
 }
 
-HvArrayPtr modelObject(const std::u16string& modelName) { return call(kModelClass, 1, {textValue(modelName).get()}); }
+HvArrayPtr modelObject(const std::u16string& modelName) {
+    return call(kModelClass, 1, {ks_host::makeText(modelName).get()});
+}
 
 void add(const hvArray* set, const hvArray* record) { call("add", 0, {set, record}); }
 
@@ -53,7 +55,7 @@ std::string uuidOf(const hvArray* set, std::size_t position) {
 void rememberUuid(double blockHandle, int port, const std::string& uuid) {
     const HvArrayPtr handle = numberValue(blockHandle);
     const HvArrayPtr portNumber = numberValue(port);
-    const HvArrayPtr text = textValue(std::string_view(uuid));
+    const HvArrayPtr text = ks_host::makeText(std::string_view(uuid));
     call(std::string(ks_hmi::InstrumentedSignals::kHostClass) + ".setUUIDForBlock", 0,
          {handle.get(), portNumber.get(), text.get()});
 }

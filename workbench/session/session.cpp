@@ -1,5 +1,7 @@
 #include "workbench/session/session.h"
 
+#include <fmt/format.h>
+
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -39,9 +41,11 @@ std::u16string fullEid(const kestrel::Model& model, const kestrel::Block& block)
 
 }  // namespace
 
-Session::Session(std::string path, Opening opening) : m_path(std::move(path)) {
+Session::Session(std::string path, Opening opening) : Session(path, readModelFile(path), opening) {}
+
+Session::Session(std::string path, ModelFile file, Opening opening) : m_path(std::move(path)) {
     try {
-        read(opening);
+        open(std::move(file), opening);
     } catch (...) {
         if (m_loaded) kestrel::loadedModels().unload(std::u16string(m_loaded->model().name()));
         throw;
@@ -53,15 +57,14 @@ Session::~Session() {
     kestrel::loadedModels().unload(name);
 }
 
-void Session::read(Opening opening) {
-    ModelFile file = readModelFile(m_path);
+void Session::open(ModelFile file, Opening opening) {
     m_version = file.version;
     m_origin = file.origin;
     m_loaded = &kestrel::loadedModels().load(std::move(file.model));
     makeSets();
     // Before the index is built: an old path may be another block's now.
     alignRecords(file.signals.get(), model());
-    give(set(), file.signals.get(), RecordKind::signal, file.signalLines);
+    give(signalSet(), file.signals.get(), RecordKind::signal, file.signalLines);
     give(clientSet(), file.clients.get(), RecordKind::client, file.clientLines);
     check(file.signalLines, opening);
     checkClients(file.clientLines);
@@ -71,9 +74,10 @@ void Session::read(Opening opening) {
 void Session::makeSets() {
     m_loaded->setSignals(script::newSet(model().name()));
     m_loaded->setClients(script::newClientSet(model().name()));
-    m_signals = ks_hmi::InstrumentedSignals::getFromHvArray(set());
+    m_signals = ks_hmi::InstrumentedSignals::getFromHvArray(signalSet());
     m_clients = ks_hmi::StreamingClients::getFromHvArray(clientSet());
-    if (!m_signals || !m_clients) throw Error(m_path + ": the host made no set for the model's signals or clients");
+    if (!m_signals || !m_clients)
+        throw Error({m_path, 0, {}}, "the host made no set for the model's signals or clients", ErrorCode::host);
 }
 
 void Session::give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const {
@@ -82,7 +86,8 @@ void Session::give(hvArray* set, const hvArray* records, RecordKind kind, const 
     } catch (const kssvIException& exception) {
         const RefusedField refused = refusedField(exception.messageId());
         if (refused.element == 0) throw;
-        throw Error(atRecord(m_path, kind, lines, refused.element - 1, refused.field, exception.what()));
+        throw Error(recordPlace(m_path, kind, lines, refused.element - 1, refused.field), exception.what(),
+                    ErrorCode::model);
     }
 }
 
@@ -92,18 +97,19 @@ void Session::checkClients(const std::vector<RecordLines>& lines) const {
         const std::string& uuid = clients().get(i)->m_uuid;
         if (!uuid.empty() && uuids.insert(uuid).second) continue;
         const std::string text =
-            uuid.empty() ? "the client has no UUID" : "another client has the UUID " + inQuotes(uuid);
-        throw Error(atRecord(m_path, RecordKind::client, lines, i, "UUID", text + "; correct it or remove the client"));
+            uuid.empty() ? "the client has no UUID" : fmt::format("another client has the UUID {}", inQuotes(uuid));
+        throw Error(recordPlace(m_path, RecordKind::client, lines, i, "UUID"),
+                    text + "; correct it or remove the client", ErrorCode::model);
     }
 }
 
 void Session::check(const std::vector<RecordLines>& lines, Opening opening) {
     for (SignalFault& fault : faultsOf(signals(), model())) {
         if (!fault.isDangling || opening == Opening::strict) {
-            const std::string remedy = fault.isDangling ? "; correct it, or remove such signals with \"kshmi unmark " +
-                                                              m_path + " --dangling\""
-                                                        : "; correct it or remove the signal";
-            throw Error(atRecord(m_path, RecordKind::signal, lines, fault.position, fault.field, fault.text + remedy));
+            const char* const advice = fault.isDangling ? "; correct it" : "; correct it or remove the signal";
+            throw Error(recordPlace(m_path, RecordKind::signal, lines, fault.position, fault.field),
+                        fault.text + advice, ErrorCode::model,
+                        fault.isDangling ? Remedy::removeDangling : Remedy::none);
         }
         m_dangling.push_back(std::move(fault));
     }
@@ -115,13 +121,13 @@ void Session::bindRenumbered() {
         const ks_hmi::SignalSpecification& signal = *signals().get(i);
         const bool isRenumbered =
             signal.m_logicalPortIndex >= 1 && signal.m_logicalPortIndex != signal.m_outputPortIndex;
-        if (isRenumbered && !isChartSignal(signal)) return signals().applyRebindingRules(set(), true);
+        if (isRenumbered && !isChartSignal(signal)) return signals().applyRebindingRules(signalSet(), true);
     }
 }
 
 bool Session::isObserved(const kestrel::Block& block, int port) const {
-    return signals().isPortObserved(block.handle, port) ||
-           signals().isPortObserved(block.handle, block.path, std::u16string(), port, 0, 0);
+    return m_signals->isPortObserved(block.handle, port) ||
+           m_signals->isPortObserved(block.handle, block.path, std::u16string(), port, 0, 0);
 }
 
 bool Session::isObserved(const kestrel::Block& block, const ChartItem& item, const std::u16string& activity) const {
@@ -129,24 +135,48 @@ bool Session::isObserved(const kestrel::Block& block, const ChartItem& item, con
 }
 
 bool Session::isAnyObserved(const kestrel::Block& block, const ChartItem& item) const {
-    return signals().isAnyCWActivityObserved(fullEid(model(), block), item.ssid);
+    return m_signals->isAnyCWActivityObserved(fullEid(model(), block), item.ssid);
 }
 
 // A signal that the host cannot align is saved without its path; no file is to lose paths to that.
 void Session::requirePaths(const hvArray* saved) const {
     for (std::size_t i = 0; i < hvGetNumberOfElements(saved); ++i)
         if (hvIsEmpty(hvGetField(saved, i, "BlockPath_")))
-            throw Error(m_path + ": not saved, the file is as it was: the host cannot tell where the block of signal " +
-                        std::to_string(i + 1) + " is; try again");
+            throw Error({m_path, 0, {}},
+                        fmt::format("not saved, the file is as it was: the host cannot tell where the block of signal "
+                                    "{} is; try again",
+                                    i + 1),
+                        ErrorCode::host);
+}
+
+Session::Saved Session::savedForm() const {
+    const HvArrayPtr copy = signals().copy(/*excludeUnsaved=*/true);
+    Saved saved{script::persistence(copy.get()), nullptr};
+    requirePaths(saved.signals.get());
+    saved.clients = script::persistence(clientSet());
+    return saved;
 }
 
 std::size_t Session::save() {
-    const HvArrayPtr copy = signals().copy(/*excludeUnsaved=*/true);
-    const HvArrayPtr saved = script::persistence(copy.get());
-    requirePaths(saved.get());
-    const HvArrayPtr savedClients = script::persistence(clientSet());
-    m_version = writeModelFile(m_path, model(), saved.get(), savedClients.get(), m_origin, m_version);
-    return signals().getCount() - hvGetNumberOfElements(saved.get());
+    const Saved saved = savedForm();
+    m_version = writeModelFile(m_path, model(), saved.signals.get(), saved.clients.get(), m_origin, m_version);
+    return signals().getCount() - hvGetNumberOfElements(saved.signals.get());
+}
+
+std::size_t Session::saveAs(const std::string& path, Existing existing) {
+    const Saved saved = savedForm();
+    const auto write = [&](auto function) {
+        return function(path, model(), saved.signals.get(), saved.clients.get(), m_origin);
+    };
+    m_version = existing == Existing::refuse ? write(writeNewModelFile)
+                                             : write([](const auto&... what) { return writeModelFile(what...); });
+    m_path = path;
+    return signals().getCount() - hvGetNumberOfElements(saved.signals.get());
+}
+
+std::string Session::text() const {
+    const Saved saved = savedForm();
+    return modelText(model(), saved.signals.get(), saved.clients.get(), m_origin);
 }
 
 }  // namespace workbench

@@ -26,6 +26,8 @@ public:
 
     /// Throws `Error` for a file that cannot be opened.
     explicit Session(std::string path, Opening opening = Opening::strict);
+    /// The same for contents that are in memory; `path` is where they will be saved.
+    Session(std::string path, ModelFile file, Opening opening = Opening::strict);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session();
@@ -36,16 +38,19 @@ public:
     /// Where the model was imported from; nothing when it was not.
     const std::optional<Origin>& origin() const noexcept { return m_origin; }
     /// The host object of the set of signals, for scripts.
-    hvArray* set() noexcept { return m_loaded->signals(); }
+    hvArray* signalSet() noexcept { return m_loaded->signals(); }
+    const hvArray* signalSet() const noexcept { return m_loaded->signals(); }
     /// The set itself, for editors and engines.
-    ks_hmi::InstrumentedSignals& signals() const { return *m_signals; }
+    ks_hmi::InstrumentedSignals& signals() noexcept { return *m_signals; }
+    const ks_hmi::InstrumentedSignals& signals() const noexcept { return *m_signals; }
     /// Signals that were let in although what they are on is gone, in order.
     const std::vector<SignalFault>& dangling() const noexcept { return m_dangling; }
     /// The host object of the set of clients, for scripts. Clients may watch what no open model has.
     hvArray* clientSet() noexcept { return m_loaded->clients(); }
     const hvArray* clientSet() const noexcept { return m_loaded->clients(); }
     /// That set itself.
-    ks_hmi::StreamingClients& clients() const { return *m_clients; }
+    ks_hmi::StreamingClients& clients() noexcept { return *m_clients; }
+    const ks_hmi::StreamingClients& clients() const noexcept { return *m_clients; }
 
     /// Whether the block's output port is observed. Records nothing in the set.
     bool isObserved(const kestrel::Block& block, int port) const;
@@ -57,9 +62,20 @@ public:
     /// Writes the model with its clients and the signals that are to be saved. Returns how many were left out because
     /// they are excluded from saving. Throws `Error`, also for a file that has changed since; it is then as it was.
     std::size_t save();
+    /// The same into another file, which is the session's from then on. A file that is there already is replaced only
+    /// when that is asked for. When it throws, the session keeps its file.
+    enum class Existing { refuse, replace };
+    std::size_t saveAs(const std::string& path, Existing existing = Existing::refuse);
+    /// What `save` would write, as a text.
+    std::string text() const;
 
 private:
-    void read(Opening opening);
+    void open(ModelFile file, Opening opening);
+    struct Saved {
+        HvArrayPtr signals;
+        HvArrayPtr clients;
+    };
+    Saved savedForm() const;
     void makeSets();
     void give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const;
     void checkClients(const std::vector<RecordLines>& lines) const;

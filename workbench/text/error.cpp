@@ -1,13 +1,25 @@
 #include "workbench/text/error.h"
 
+#include <fmt/format.h>
+
+#include <utility>
+
 namespace workbench {
 
-std::string atPlace(const std::string& file, std::size_t line, const std::string& pointer, const std::string& text) {
-    std::string result = file;
-    if (line > 0) result += ":" + std::to_string(line);
-    if (!pointer.empty()) result += ": " + pointer;
-    return result + ": " + text;
+std::string atPlace(const ErrorPlace& place, const std::string& text) {
+    std::string result = place.file;
+    if (place.line > 0) result += fmt::format(":{}", place.line);
+    if (place.column > 0) result += fmt::format(":{}", place.column);
+    if (!place.pointer.empty()) result += (result.empty() ? "" : ": ") + place.pointer;
+    return result.empty() ? text : fmt::format("{}: {}", result, text);
 }
+
+Error::Error(ErrorPlace place, const std::string& text, ErrorCode code, Remedy remedy)
+    : std::runtime_error(atPlace(place, text)),
+      m_place(std::move(place)),
+      m_text(text),
+      m_code(code),
+      m_remedy(remedy) {}
 
 std::string pointerToken(std::string_view key) {
     std::string token = "/";

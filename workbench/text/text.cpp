@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "host/text.h"
+#include "host/values.h"
 
 namespace workbench {
 
@@ -48,26 +49,9 @@ std::string withoutControls(std::string_view text, Escape escape) {
 
 }  // namespace
 
-std::u16string toUtf16(std::string_view text) { return matrix::get_ustring(textValue(text).get()); }
+std::u16string toUtf16(std::string_view text) { return ks_host::textOf(ks_host::makeText(text).get()); }
 
 std::string toUtf8(std::u16string_view text) { return fl::i18n::to_string(std::u16string(text)); }
-
-std::u16string textOf(const hvArray* value) {
-    return hvGetClassID(value) == hvCHAR_CLASS ? matrix::get_ustring(value) : std::u16string();
-}
-
-HvArrayPtr textValue(std::u16string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
-HvArrayPtr textValue(std::string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
-
-bool isWellFormed(std::u16string_view text) noexcept {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] < 0xD800 || text[i] > 0xDFFF) continue;
-        const bool isPair = text[i] < 0xDC00 && i + 1 < text.size() && text[i + 1] >= 0xDC00 && text[i + 1] <= 0xDFFF;
-        if (!isPair) return false;
-        ++i;
-    }
-    return true;
-}
 
 std::string printable(std::string_view text) { return withoutControls(text, escapeInText); }
 std::string printable(std::u16string_view text) { return printable(toUtf8(text)); }

@@ -4,23 +4,12 @@
 #include <string>
 #include <string_view>
 
-#include "host/hv_array.h"
-
 /// Texts of the tool: UTF-8 outside, UTF-16 towards the host.
 namespace workbench {
 
 /// UTF-8 to UTF-16, NULs included; ill-formed sequences become U+FFFD.
 std::u16string toUtf16(std::string_view text);
 std::string toUtf8(std::u16string_view text);
-
-/// The text of a character array; empty for any other value and for null.
-std::u16string textOf(const hvArray* value);
-HvArrayPtr textValue(std::u16string_view text);
-/// The same of UTF-8.
-HvArrayPtr textValue(std::string_view text);
-
-/// Whether every surrogate has its partner.
-bool isWellFormed(std::u16string_view text) noexcept;
 
 /// The text with control characters escaped ("\n", "\x1b"), so that a name cannot drive a terminal.
 std::string printable(std::string_view text);

@@ -6,11 +6,14 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <type_traits>
 #include <vector>
 
+#include "host/unicode.h"
+#include "host/values.h"
 #include "memory_host/orvex/values/element_type.h"
-#include "workbench/json/json_text.h"
+#include "workbench/json/json_object.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 #include "workbench/values/class_names.h"
@@ -66,7 +69,7 @@ bool isPlain(const hvArray* value) {
         case hvLOGICAL_CLASS:
             return hasSize(value, 1, 1);
         case hvCHAR_CLASS:
-            return hasSize(value, 1, hvGetNumberOfElements(value)) && isWellFormed(charsOf(value));
+            return hasSize(value, 1, hvGetNumberOfElements(value)) && ks_host::isWellFormed(charsOf(value));
         case hvCELL_CLASS:
             return isColumn(value);
         case hvSTRUCT_CLASS:
@@ -78,19 +81,20 @@ bool isPlain(const hvArray* value) {
 }
 
 void appendFields(std::string& out, const hvArray* value, const std::vector<const char*>& names) {
-    out += '{';
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        if (i > 0) out += ", ";
-        appendJsonText(out, std::string_view(names[i]));
-        out += ": ";
-        appendJsonValue(out, hvGetField(value, 0, names[i]));
+    JsonObject object(out);
+    for (const char* const name : names) {
+        object.name(name);
+        appendJsonValue(out, hvGetField(value, 0, name));
     }
-    out += '}';
+    object.close();
 }
 
 void appendCells(std::string& out, const hvArray* value) {
-    appendJsonList(out, hvGetNumberOfElements(value),
-                   [&](std::size_t i) { appendJsonValue(out, hvGetCell(value, i)); });
+    appendJsonArray(out, ks_host::cellsOf(value), [&](const hvArray* cell) { appendJsonValue(out, cell); });
+}
+
+void appendNames(std::string& out, const std::vector<const char*>& names) {
+    appendJsonArray(out, names, [&](const char* name) { appendJsonText(out, std::string_view(name)); });
 }
 
 void appendPlain(std::string& out, const hvArray* value) {
@@ -112,36 +116,41 @@ void appendPlain(std::string& out, const hvArray* value) {
     }
 }
 
-void appendStructArray(std::string& out, const hvArray* value) {
-    const std::vector<const char*> names = fieldNames(value);
-    out += R"(, "fields": )";
-    appendJsonList(out, names.size(), [&](std::size_t i) { appendJsonText(out, std::string_view(names[i])); });
-    out += R"(, "data": )";
-    appendJsonList(out, names.size() * hvGetNumberOfElements(value), [&](std::size_t i) {
-        appendJsonValue(out, hvGetField(value, i / names.size(), names[i % names.size()]));
-    });
+void appendStructs(std::string& out, const hvArray* value, const std::vector<const char*>& names) {
+    JsonArray array(out);
+    for (const std::size_t element : ks_host::indicesOf(value))
+        for (const char* const name : names) {
+            array.next();
+            appendJsonValue(out, hvGetField(value, element, name));
+        }
+    array.close();
+}
+
+void appendElements(std::string& out, const hvArray* value) {
+    const hvClassID classId = hvGetClassID(value);
+    if (classId == hvCELL_CLASS) return appendCells(out, value);
+    if (classId == hvCHAR_CLASS && ks_host::isWellFormed(charsOf(value))) return appendJsonText(out, charsOf(value));
+    appendJsonArray(out, ks_host::indicesOf(value),
+                    [&](std::size_t i) { out += textOfElement(classId, bitsAt(value, i)); });
 }
 
 void appendTagged(std::string& out, const hvArray* value) {
     const hvClassID classId = hvGetClassID(value);
     if (classOfName(nameOfClass(classId)) == hvUNKNOWN_CLASS)
-        throw Error(std::string("a value of class ") + hvGetClassName(value) + " cannot be saved in a model file");
-    out += fmt::format(R"({{"$class": "{}", "size": )", nameOfClass(classId));
-    appendJsonList(out, hvGetNumberOfDimensions(value),
-                   [&](std::size_t i) { out += std::to_string(hvGetDimensions(value)[i]); });
-    if (classId == hvSTRUCT_CLASS) {
-        appendStructArray(out, value);
-    } else {
-        out += R"(, "data": )";
-        if (classId == hvCELL_CLASS)
-            appendCells(out, value);
-        else if (classId == hvCHAR_CLASS && isWellFormed(charsOf(value)))
-            appendJsonText(out, charsOf(value));
-        else
-            appendJsonList(out, hvGetNumberOfElements(value),
-                           [&](std::size_t i) { out += textOfElement(classId, bitsAt(value, i)); });
+        throw Error(fmt::format("a value of class {} cannot be saved in a model file", hvGetClassName(value)));
+    JsonObject object(out);
+    object.text("$class", std::string_view(nameOfClass(classId))).name("size");
+    const std::span lengths(hvGetDimensions(value), hvGetNumberOfDimensions(value));
+    appendJsonArray(out, lengths, [&](std::size_t length) { out += fmt::format("{}", length); });
+    const bool isStruct = classId == hvSTRUCT_CLASS;
+    const std::vector<const char*> names = isStruct ? fieldNames(value) : std::vector<const char*>();
+    if (isStruct) {
+        object.name("fields");
+        appendNames(out, names);
     }
-    out += '}';
+    object.name("data");
+    isStruct ? appendStructs(out, value, names) : appendElements(out, value);
+    object.close();
 }
 
 }  // namespace
