@@ -48,7 +48,7 @@ void requireUtf8(const std::vector<std::string>& words) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::u16string text = toUtf16(words[i]);
         if (toUtf8(text) != words[i])
-            throw Error(fmt::format("argument {}, {}: has bytes that are no UTF-8; convert it", i + 1, inQuotes(text)));
+            throw Error(fmt::format("argument {}, {}: some bytes are not UTF-8; convert it", i + 1, inQuotes(text)));
     }
 }
 

@@ -23,7 +23,7 @@ struct MoveArguments {
 
 std::u16string requirePath(const std::string& text, std::u16string path) {
     const bool isBad = !kestrel::isBlockPath(path) || path.find(u'\0') != std::u16string::npos;
-    if (isBad) throw Error(inQuotes(text) + ": is no path; give names with one '/' between them");
+    if (isBad) throw Error(inQuotes(text) + ": is not a path; give names with one '/' between them");
     return path;
 }
 

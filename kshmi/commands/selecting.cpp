@@ -11,7 +11,7 @@ void requireApplicable(const Selection& selection) {
     if (!selection.except.empty() && selection.all.empty()) throw Error("--except narrows --all; give --all 'GLOB'");
     const bool isNarrowed = !selection.options.activity.empty() || selection.options.ssid;
     if (isNarrowed && selection.references.empty() && selection.all.empty())
-        throw Error("--activity and --ssid say more of a chart; name one as REF");
+        throw Error("--activity and --ssid refine a reference to a chart; name the chart as REF");
     if (selection.options.ssid && !selection.all.empty())
         throw Error("--ssid is for one chart and --all for many blocks; name the chart as REF");
 }

@@ -128,7 +128,7 @@ TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
     expectSaid("mark --all m/* --activity Child", 2, "--all marks ports");
     expectSaid("query Logic/On/Fast --ssid 5", 2, "is 4, not 5");
     expectSaid("query Logic --ssid 9", 2, "the chart \"Logic\" has no item with the SSID 9");
-    expectSaid("query A --ssid 4", 2, "the block \"A\" is no chart");
+    expectSaid("query A --ssid 4", 2, "the block \"A\" is not a chart");
     EXPECT_EQ(query("Logic/Both --ssid 5"), 1);
     EXPECT_EQ(read(), kModel);
 }

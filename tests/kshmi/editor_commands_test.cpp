@@ -39,7 +39,7 @@ TEST_F(EditorCommands, whatCannotBeDoneIsRefusedAndChangesNothing) {
         {"move C D", "\"C\": the model \"m\" has no such block"},
         {"move A Logic", "has a block with the path \"Logic\""},
         {"move A A/C", "cannot move below itself"},
-        {"move A C//D", "model.json: \"C//D\": is no path"},
+        {"move A C//D", "model.json: \"C//D\": is not a path"},
         {"renumber C 1", "has no such block"},
         {"renumber A 1,x", "give the ports' new numbers"},
         {"renumber A 1,", "give the ports' new numbers"},

@@ -190,7 +190,7 @@ TEST_F(Saving, aDiskThatFillsUpOrIsReadOnlyLeavesTheOldFile) {
         return mountSmallDisk() && ::mount("disk", folder().c_str(), "tmpfs", MS_REMOUNT | MS_RDONLY, nullptr) == 0;
     };
     if (!failsIn(fill, "writing failed: No space left on device") ||
-        !failsIn(protect, "it must not be written: Read-only file system"))
+        !failsIn(protect, "it cannot be written to: Read-only file system"))
         GTEST_SKIP() << "this user may not mount a disk of its own here";
 }
 

@@ -58,10 +58,10 @@ void AtomicFile::prepare() {
     m_target = code ? m_path : real.string();
     struct stat old {};
     const bool isThere = ::stat(m_path.c_str(), &old) == 0;
-    if (!isThere && errno != ENOENT) fail("it cannot be looked at");
+    if (!isThere && errno != ENOENT) fail("its status cannot be read");
     if (isThere && m_isNew) refuse(kIsThere);
-    if (isThere && !S_ISREG(old.st_mode)) refuse("it is no regular file; name one");
-    if (isThere && ::faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) fail("it must not be written");
+    if (isThere && !S_ISREG(old.st_mode)) refuse("it is not a regular file; name one");
+    if (isThere && ::faccessat(AT_FDCWD, m_target.c_str(), W_OK, AT_EACCESS) != 0) fail("it cannot be written to");
     try {
         if (isThere) lock();
         makeTemporary();
@@ -102,7 +102,7 @@ void AtomicFile::makeTemporary() {
 
 void AtomicFile::takeOverFrom(const struct stat& old) const {
     struct stat made {};
-    if (::fstat(m_descriptor, &made) != 0) fail("the new file cannot be looked at");
+    if (::fstat(m_descriptor, &made) != 0) fail("the status of the new file cannot be read");
     const bool isAnothers = made.st_uid != old.st_uid || made.st_gid != old.st_gid;
     if (isAnothers && ::fchown(m_descriptor, old.st_uid, old.st_gid) != 0)
         refuse("its owner and group cannot be kept; copy it and work on the copy");
@@ -128,7 +128,7 @@ void AtomicFile::flush() {
 void AtomicFile::requireReplaceable() const {
     if (!m_replaced) return;
     struct stat now {};
-    if (::stat(m_target.c_str(), &now) != 0) fail("it can no longer be looked at");
+    if (::stat(m_target.c_str(), &now) != 0) fail("its status can no longer be read");
     if (FileVersion::of(now) != *m_replaced)
         refuse("it has been changed since it was read; look at the change and try again");
 }

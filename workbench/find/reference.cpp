@@ -78,7 +78,7 @@ private:
     std::optional<SignalSource> bySsid(const Block& block, std::uint32_t ssid) {
         if (auto found = chartItemOf(block, ssid)) return SignalSource{&block, 0, std::move(found)};
         return miss(block.chart ? fmt::format("the chart {} has no item with the SSID {}", inQuotes(block.path), ssid)
-                                : "the block " + inQuotes(block.path) + " is no chart");
+                                : "the block " + inQuotes(block.path) + " is not a chart");
     }
 
     std::optional<SignalSource> port(const Block& block, std::u16string_view text) {
@@ -156,7 +156,7 @@ std::u16string activityFor(const ChartItem& item, const ReferenceOptions& option
     std::u16string activity = toUtf16(options.activity);
     if (!hasActivity(item, activity))
         throw Error("the activity " + inQuotes(activity) +
-                    " is none of the chart item's; use one of: " + activityList(item));
+                    " is not one of the chart item's; use one of: " + activityList(item));
     return activity;
 }
 

@@ -42,10 +42,10 @@ std::string describeMistake(const json::error_code& code, std::string_view piece
     if (code != json::error::syntax) return code.message();
     const std::string_view rest = piece.substr(std::min(used, piece.size()));
     if (used == 0 && rest.starts_with(kByteOrderMark))
-        return "a byte order mark stands in front (save the file without one)";
+        return "the file starts with a byte order mark (save it without one)";
     if (endsWithHalfPair(piece.substr(0, used))) return kHalfPair;
     if (rest.empty() || isAscii(rest.front())) return code.message();
-    return startsWithCharacter(rest) ? "a character stands outside of texts" : "there are bytes that are no UTF-8";
+    return startsWithCharacter(rest) ? "there is a non-ASCII character outside a string" : "some bytes are not UTF-8";
 }
 
 }  // namespace workbench

@@ -55,9 +55,9 @@ void ModelFileParts::checkChart(const std::string& pointer) const {
     const auto check = [&](std::uint32_t ssid, std::u16string_view text) {
         if (text.empty()) m_file.fail(pointer, "a state needs a path and a datum a name");
         if (!identifiers.insert(ssid).second)
-            m_file.fail(pointer, "the SSID " + std::to_string(ssid) + " is there twice; give each item its own");
+            m_file.fail(pointer, "the SSID " + std::to_string(ssid) + " appears twice; give each item its own");
         if (!texts.insert(text).second)
-            m_file.fail(pointer, inQuotes(text) + " is there twice; give each item its own name");
+            m_file.fail(pointer, inQuotes(text) + " appears twice; give each item its own name");
     };
     for (const kestrel::ChartState& state : chart.states) check(state.ssid, state.path);
     texts.clear();

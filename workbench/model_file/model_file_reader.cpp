@@ -158,7 +158,7 @@ void ModelFileReader::key(std::string_view name) {
         if (rules[frame.position].key == name) break;
     if (frame.position == rules.size()) m_file.fail(pointer(), "this key is unknown; remove it");
     const std::uint32_t bit = 1U << frame.position;
-    if (frame.keysSeen & bit) m_file.fail(pointer(), "this key is there twice; remove one");
+    if (frame.keysSeen & bit) m_file.fail(pointer(), "this key appears twice; remove one");
     frame.keysSeen |= bit;
 }
 
@@ -166,7 +166,7 @@ void ModelFileReader::recordKey(Frame& frame, std::string_view name) {
     RecordTable& table = records(frame.place);
     frame.position = fieldNumber(table.kind(), name);
     if (frame.position == fieldsOf(table.kind()).size()) m_file.fail(pointer(), "this key is unknown; remove it");
-    if (table.hasField(frame.position)) m_file.fail(pointer(), "this key is there twice; remove one");
+    if (table.hasField(frame.position)) m_file.fail(pointer(), "this key appears twice; remove one");
     table.noteField(frame.position);
 }
 
@@ -265,7 +265,7 @@ std::string ModelFileReader::pointer() const {
 }
 
 void ModelFileReader::failKind(const std::string& found) const {
-    m_file.fail(pointer(), found + " stands where " + shapes::describe(expected().kind) + " belongs; correct it");
+    m_file.fail(pointer(), found + " appears where " + shapes::describe(expected().kind) + " is expected; correct it");
 }
 
 ModelFile readDocument(JsonFile& file) {

@@ -174,7 +174,8 @@ void RecordTable::begin() {
 void RecordTable::setField(std::size_t field, HvArrayPtr value) {
     const FieldKind& kind = *fieldTable(m_kind)[field].kind;
     if (value && !kind.holds(value.get()))
-        throw Error(fmt::format("{} stands where {} belongs; correct it", describe(value.get()), kind.description));
+        throw Error(
+            fmt::format("{} appears where {} is expected; correct it", describe(value.get()), kind.description));
     m_rows.back().at(field) = std::move(value);
 }
 

@@ -30,9 +30,9 @@ std::optional<SignalFault> portFault(const SignalSpecification& signal, const ke
 }
 
 std::optional<SignalFault> chartFault(const SignalSpecification& signal, const kestrel::Block& block) {
-    if (!block.chart) return dangling("DomainType_", "the block " + inQuotes(block.path) + " is no chart");
+    if (!block.chart) return dangling("DomainType_", "the block " + inQuotes(block.path) + " is not a chart");
     const std::optional<std::uint32_t> ssid = ssidOf(signal);
-    if (!ssid) return wrong("DomainParams_", "\"SSID\" is no plain whole number");
+    if (!ssid) return wrong("DomainParams_", "\"SSID\" is not a plain whole number");
     const std::optional<ChartItem> item = chartItemOf(block, *ssid);
     if (!item || item->domainType != signal.m_domainType)
         return dangling("DomainParams_", "the chart " + inQuotes(block.path) + " has no item with the SSID " +
@@ -41,13 +41,13 @@ std::optional<SignalFault> chartFault(const SignalSpecification& signal, const k
     const std::u16string activity = signal.getValueForDomainParams(u"Activity");
     if (hasActivity(*item, activity)) return std::nullopt;
     return wrong("DomainParams_",
-                 "the activity " + inQuotes(activity) + " is none of the item's: " + activityList(*item));
+                 "the activity " + inQuotes(activity) + " is not one of the item's: " + activityList(*item));
 }
 
 std::optional<SignalFault> sourceFault(const SignalSpecification& signal, const kestrel::Model& model) {
     if (!signal.m_domainType.empty() && !isChartSignal(signal))
         return wrong("DomainType_", "the domain " + inQuotes(signal.m_domainType) +
-                                        " is none of cw_chart, cw_state, cw_data, and empty for a port");
+                                        " is not one of cw_chart, cw_state and cw_data; for a port, leave it empty");
     const kestrel::Block* const block = blockOf(model, signal);
     if (block) return isChartSignal(signal) ? chartFault(signal, *block) : portFault(signal, *block);
     const std::string path = "(path " + inQuotes(signal.m_blockPath) + ")";

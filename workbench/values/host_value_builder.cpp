@@ -80,7 +80,7 @@ void checkNames(const std::vector<std::string>& names) {
     std::vector<std::string_view> sorted(names.begin(), names.end());
     std::sort(sorted.begin(), sorted.end());
     if (const auto twice = std::adjacent_find(sorted.begin(), sorted.end()); twice != sorted.end())
-        throw Error("the key " + inQuotes(*twice) + " stands there twice; remove one");
+        throw Error("the key " + inQuotes(*twice) + " appears twice; remove one");
     for (const std::string& name : names) {
         if (name.empty()) throw Error("a key is empty; name the field");
         if (name.find('\0') != std::string::npos)
@@ -107,7 +107,7 @@ void HostValueBuilder::deliver(HvArrayPtr value) {
 }
 
 void HostValueBuilder::beginObject() {
-    if (taggedTop()) throw Error("an object stands where a member of a \"$class\" object belongs");
+    if (taggedTop()) throw Error("an object appears where a member of a \"$class\" object is expected");
     m_stack.push_back(Node{.kind = Kind::plainStruct});
 }
 
@@ -127,7 +127,7 @@ void HostValueBuilder::key(std::string_view name) {
 
 void HostValueBuilder::taggedKey(Node& node, std::string_view name) {
     const auto use = [&](Member member, bool& wasThere) {
-        if (wasThere) throw Error("the key " + inQuotes(name) + " stands there twice; remove one");
+        if (wasThere) throw Error("the key " + inQuotes(name) + " appears twice; remove one");
         wasThere = true;
         node.member = member;
     };
@@ -155,7 +155,7 @@ void HostValueBuilder::beginArray() {
         return;
     }
     if (node->isListOpen || node->member == Member::className)
-        throw Error("an array stands where a member of a \"$class\" object belongs");
+        throw Error("an array appears where a member of a \"$class\" object is expected");
     node->isListOpen = true;
 }
 
@@ -189,7 +189,7 @@ void HostValueBuilder::taggedString(Node& node, std::string_view text) {
     } else if (!node.isListOpen && node.member == Member::elements && node.classId == hvCHAR_CLASS) {
         for (const char16_t unit : toUtf16(text)) node.bits.push_back(unit);
     } else {
-        throw Error("the text " + inQuotes(text) + " stands where an array belongs");
+        throw Error("the text " + inQuotes(text) + " appears where an array is expected");
     }
 }
 
@@ -201,19 +201,19 @@ void HostValueBuilder::number(std::string_view text) {
     else if (node->isListOpen && node->member == Member::elements)
         node->bits.push_back(elementOfNumber(node->classId, text));
     else
-        throw Error("the number " + std::string(text) + " stands where an array or a text belongs");
+        throw Error("the number " + std::string(text) + " appears where an array or a text is expected");
 }
 
 void HostValueBuilder::boolean(bool value) {
     Node* const node = taggedTop();
     if (!node) return deliver(HvArrayPtr(hvCreateLogicalScalar(value)));
     if (!node->isListOpen || node->member != Member::elements || node->classId != hvLOGICAL_CLASS)
-        throw Error(std::string(value ? "true" : "false") + " stands where an array, a text or a number belongs");
+        throw Error(std::string(value ? "true" : "false") + " appears where an array, a text or a number is expected");
     node->bits.push_back(value ? 1U : 0U);
 }
 
 void HostValueBuilder::null() {
-    if (taggedTop()) throw Error("null stands where a member of a \"$class\" object belongs");
+    if (taggedTop()) throw Error("null appears where a member of a \"$class\" object is expected");
     deliver(nullptr);
 }
 

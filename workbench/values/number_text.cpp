@@ -31,7 +31,7 @@ T parsed(std::string_view text, const char* wanted) {
     const char* const end = text.data() + text.size();
     const auto [stop, code] = std::from_chars(text.data(), end, value);
     if (code == std::errc() && stop == end) return value;
-    throw Error(fmt::format("the number {} is no {}; give a {}number from {} to {}", text, wanted,
+    throw Error(fmt::format("the number {} is not a valid {}; give a {}number from {} to {}", text, wanted,
                             std::is_integral_v<T> ? "whole " : "", Limits::lowest(), Limits::max()));
 }
 
@@ -75,7 +75,7 @@ std::uint64_t floatOfText(std::string_view text) {
     const bool isNan = text.starts_with(kNanBits) &&
                        std::from_chars(text.data() + kNanBits.size(), end, bits, 16).ptr == end &&
                        std::isnan(std::bit_cast<Float>(bits));
-    if (!isNan) throw Error(inQuotes(text) + R"( is no number; allowed are "NaN", "Infinity" and "-Infinity")");
+    if (!isNan) throw Error(inQuotes(text) + R"( is not a number; allowed are "NaN", "Infinity" and "-Infinity")");
     return bits;
 }
 
@@ -90,7 +90,7 @@ std::string textOfBits(std::uint64_t bits) {
 }
 
 [[noreturn]] void refuseNumber(std::string_view text) {
-    throw Error("the number " + std::string(text) + " stands where true or false belongs");
+    throw Error("the number " + std::string(text) + " appears where true or false is expected");
 }
 
 template <typename T>
@@ -130,7 +130,7 @@ std::uint64_t elementOfNumber(hvClassID classId, std::string_view text) {
 std::uint64_t elementOfText(hvClassID classId, std::string_view text) {
     if (classId == hvDOUBLE_CLASS) return floatOfText<double>(text);
     if (classId == hvSINGLE_CLASS) return floatOfText<float>(text);
-    throw Error("the text " + inQuotes(text) + " stands where an element of the array belongs");
+    throw Error("the text " + inQuotes(text) + " appears where an element of the array is expected");
 }
 
 std::size_t elementSize(hvClassID classId) noexcept {
