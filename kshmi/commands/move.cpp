@@ -3,7 +3,6 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
-#include "signals/signal_specification.h"
 #include "workbench/change/moving.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"

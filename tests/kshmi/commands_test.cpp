@@ -124,7 +124,7 @@ TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
     expectSaid("unmark --all m/* --activity Idle", 2, "Self,Child,Leaf,Data");
     expectSaid("unmark --all m/* --ssid 4", 2, "--ssid is for one chart");
     expectSaid("unobserve --all m/* --ssid 4", 2, "--ssid is for one chart");
-    expectSaid("unmark --dangling --activity Self", 2, "name one as REF");
+    expectSaid("unmark --dangling --activity Self", 2, "name the chart as REF");
     expectSaid("mark --all m/* --activity Child", 2, "--all marks ports");
     expectSaid("query Logic/On/Fast --ssid 5", 2, "is 4, not 5");
     expectSaid("query Logic --ssid 9", 2, "the chart \"Logic\" has no item with the SSID 9");

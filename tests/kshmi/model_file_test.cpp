@@ -82,7 +82,7 @@ TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
         {"      \"MaxPoints_\": 100,\n", "", ":11: /signals/0/MaxPoints_: "},
         {"\"MaxPoints_\": 100", "\"MaxPoints_\": [1]", ":21: /signals/0/MaxPoints_: "},
         {"\"MaxPoints_\": 100", "\"MaxPoints_\": 1e999", ":21: /signals/0/MaxPoints_: the number 1e999"},
-        {"\"VisualType_\": \"scope\"", "\"VisualType_\": 3", ":27: /signals/0/VisualType_: the number 3 stands where"},
+        {"\"VisualType_\": \"scope\"", "\"VisualType_\": 3", ":27: /signals/0/VisualType_: the number 3 appears where"},
         {"\"MaxPoints_\": 100", "\"MaxPoints_\": 2147483648", "number 2147483648 appears where a whole number from -"},
         {"\"MaxPoints_\": 100", R"("MaxPoints_": {"$class": "double", "size": [1, 2], "data": [1, 2]})", "double 1x2"},
         {"\"Decimation_\": 2", "\"Decimation_\": 0", "the number 0 appears where a whole number from 1"},

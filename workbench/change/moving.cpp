@@ -9,6 +9,7 @@
 #include "workbench/change/observing.h"
 #include "workbench/session/records.h"
 #include "workbench/session/signal_source.h"
+#include "workbench/text/error.h"
 
 namespace workbench {
 

@@ -4,6 +4,7 @@
 
 #include "host/values.h"
 #include "memory_host/kestrel/host_side.h"
+#include "observers/signal_client.h"
 #include "workbench/session/records.h"
 #include "workbench/session/script.h"
 #include "workbench/text/error.h"

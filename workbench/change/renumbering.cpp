@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "foundation/model_path.h"
+#include "signals/signal_specification.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 

@@ -95,7 +95,7 @@ TEST_F(HostValueJson, aPieceOfTheFileMayEndAnywhere) {
 
 TEST_F(HostValueJson, formsThatNoValueHasAreRefused) {
     const std::vector<std::pair<std::string, std::string>> refusals{
-        {"1e999", "no double; give a number from"},
+        {"1e999", "not a valid double; give a number from"},
         {R"({"a": 1, "a": 2})", "twice"},
         {R"({"$size": 1})", "\"$class\" first"},
         {R"({"a\u0000": 1})", "NUL"},
@@ -108,10 +108,10 @@ TEST_F(HostValueJson, formsThatNoValueHasAreRefused) {
          "the number -1 is not a valid length; give a whole number"},
         {R"({"$class": "double", "size": [4294967296, 4294967296, 2], "data": []})", "too large"},
         {R"({"$class": "double", "size": [1, 1]})", "needs \"data\""},
-        {R"({"$class": "double", "size": [1, 1], "data": ["nan"]})", "no number"},
-        {R"({"$class": "double", "size": [1, 1], "data": [null]})", "null stands"},
-        {R"({"$class": "int8", "size": [1, 1], "data": [128]})", "no int8; give a whole number from -128 to 127"},
-        {R"({"$class": "uint8", "size": [1, 1], "data": [1.5]})", "no uint8"},
+        {R"({"$class": "double", "size": [1, 1], "data": ["nan"]})", "not a number"},
+        {R"({"$class": "double", "size": [1, 1], "data": [null]})", "null appears"},
+        {R"({"$class": "int8", "size": [1, 1], "data": [128]})", "not a valid int8; give a whole number from -128 to 127"},
+        {R"({"$class": "uint8", "size": [1, 1], "data": [1.5]})", "not a valid uint8"},
         {R"({"$class": "logical", "size": [1, 1], "data": [1]})", "true or false"},
         {R"({"$class": "cell", "size": [1, 1], "data": 3})", "appears where"},
         {R"({"$class": "cell", "size": [1, 1], "fields": []})", "\"fields\" is unknown"},
