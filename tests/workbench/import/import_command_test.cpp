@@ -160,9 +160,9 @@ TEST_F(ImportCommand, refusesOriginsThatAreNone) {
               ":1: /origin/kind: a model comes from ssd, ssp, fmi or fmu; correct it");
     EXPECT_EQ(refusal(R"({"kind": "fmu"})"), ":1: /origin: the key \"version\" is missing; add it");
     EXPECT_EQ(refusal(R"({"kind": "fmu", "locals": 1})"),
-              ":1: /origin/locals: the number 1 stands where true or false belongs; correct it");
+              ":1: /origin/locals: the number 1 appears where true or false is expected; correct it");
     EXPECT_EQ(refusal(R"({"kind": "fmu", "gone": [{"eid": true}]})"),
-              ":1: /origin/gone/0/eid: true or false stands where a text belongs; correct it");
+              ":1: /origin/gone/0/eid: true or false appears where a text is expected; correct it");
 }
 
 }  // namespace
