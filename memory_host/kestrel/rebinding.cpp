@@ -14,7 +14,7 @@ namespace kestrel {
 
 namespace {
 
-/// What a signal has cached: the block's handle (nothing: unresolved), the port and the rule that found it.
+// What a signal has cached: the block's handle (nothing: unresolved), the port and the rule that found it.
 struct Binding {
     std::optional<double> handle;
     double port = 0.0;
@@ -31,7 +31,7 @@ Binding currentBinding(const hvArray* signal) {
     return binding;
 }
 
-/// A block resolves the ports only that it has; charts are observed as a whole.
+// A block resolves the ports only that it has; charts are observed as a whole.
 bool hasPort(const LoadedBlock& found, const hvArray* signal) {
     if (isOnChart(signal)) return true;
     const double port = numberProperty(signal, "OutputPortIndex_");
@@ -67,10 +67,10 @@ void assign(hvArray* signal, const Binding& binding) {
     hvSetProperty(signal, 0, "CachedPortIdx_", port.get());
 }
 
-/// With `all` every signal is bound anew: by its element identifier (rule "eid"), else by its path (rule
-/// "path"); one whose port is found neither way is left unresolved, with no rule. Without, only the
-/// signals are left unresolved whose handle belongs to no open block. Signals are changed one after the
-/// other through the set's own methods; after a failure those before it stay changed.
+// With `all` every signal is bound anew: by its element identifier (rule "eid"), else by its path (rule
+// "path"); one whose port is found neither way is left unresolved, with no rule. Without, only the
+// signals are left unresolved whose handle belongs to no open block. Signals are changed one after the
+// other through the set's own methods; after a failure those before it stay changed.
 void applyRebindingRules(orvex::Call& call) {
     requireInputs(call, 2);
     const hvArray* set = call.ins[0];

@@ -14,7 +14,7 @@ namespace {
 
 using EntryPoint = void (*)();
 
-/// NAME of ".../libNAME.so[.version]"; empty for a file of another name.
+// NAME of ".../libNAME.so[.version]"; empty for a file of another name.
 std::string stemOf(const std::string& path) {
     const std::string file = std::filesystem::path(path).filename().string();
     const std::size_t end = file.find(".so");

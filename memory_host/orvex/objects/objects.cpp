@@ -14,7 +14,7 @@ using orvex::faults::Operation;
 
 std::string describeObject(const void* object) { return static_cast<const hos::COSObject*>(object)->className(); }
 
-/// The element, which stays alive while its property is read or written.
+// The element, which stays alive while its property is read or written.
 hos::ObjectInterface requireElement(const hvArray* object, std::size_t index, const char* name) {
     hos::ObjectInterface element = omGetArrayElement(object, index);
     if (element && name) return element;

@@ -49,7 +49,7 @@ private:
 
 /// The elements of a numeric, logical or character array. A few are stored in place; more are shared by copies until
 /// one of them is written.
-template <typename T>
+template <class T>
 class Buffer {
 public:
     /// Zeros.
@@ -188,11 +188,11 @@ SharedValue contained(HvArrayPtr value) noexcept;
 
 /// The payload as T, or null for null and for a value of another class. What copies share is taken apart by
 /// `dataForWriting` and `forWriting` only.
-template <typename T>
+template <class T>
 const T* payloadOf(const hvArray* value) noexcept {
     return value ? std::get_if<T>(&value->m_payload) : nullptr;
 }
-template <typename T>
+template <class T>
 T* payloadOf(hvArray* value) noexcept {
     return value ? std::get_if<T>(&value->m_payload) : nullptr;
 }
