@@ -32,23 +32,24 @@ Binding currentBinding(const hvArray* signal) {
 }
 
 // A block resolves the ports only that it has; charts are observed as a whole.
-bool hasPort(const LoadedBlock& found, const hvArray* signal) {
-    if (isOnChart(signal)) return true;
-    const double port = numberProperty(signal, "OutputPortIndex_");
-    return port >= 1.0 && port <= static_cast<double>(found.block->outputs.size()) && port == std::floor(port);
+bool hasPort(const Block& block, double port, bool isChart) {
+    return isChart || (port >= 1.0 && port <= static_cast<double>(block.outputs.size()) && port == std::floor(port));
 }
 
-Binding boundTo(const LoadedBlock& found, const hvArray* signal, const char16_t* rule) {
-    return {.handle = found.block->handle, .port = numberProperty(signal, "OutputPortIndex_"), .rule = rule};
-}
-
+// All that the signal says is read before its block is looked for: to read may be to run a script, which may unload
+// the model.
 Binding rebind(const hvArray* signal) {
     const std::string eid = fl::i18n::to_string(textProperty(signal, "EID_"));
+    const std::u16string path = textProperty(signal, "BlockPath_");
+    const double port = numberProperty(signal, "OutputPortIndex_");
+    const bool isChart = isOnChart(signal);
     const auto bound = [&](const LoadedBlock& found, const char16_t* rule) {
-        return found && hasPort(found, signal) ? std::optional(boundTo(found, signal, rule)) : std::nullopt;
+        return found && hasPort(*found.block, port, isChart)
+                   ? std::optional(Binding{.handle = found.block->handle, .port = port, .rule = rule})
+                   : std::nullopt;
     };
     return onSignalBlock(
-               eid, textProperty(signal, "BlockPath_"), PathFallback::afterEid,
+               eid, path, PathFallback::afterEid,
                [&](std::string_view text) { return bound(findByFullEid(text), u"eid"); },
                [&](const std::u16string& text) { return bound(findByFullPath(text), u"path"); })
         .value_or(Binding{});
