@@ -130,7 +130,8 @@ void constructModel(orvex::ScriptObject& self, std::span<const hvArray* const> a
     const std::u16string name = arguments.size() == 1 ? textOf(arguments[0]) : std::u16string();
     if (!loadedModels().find(name))
         orvex::raise("ModelNotOpen", std::string("The constructor of class ") + kModelClass +
-                                         " takes the name of an open model, and " + quoted(name) + " is none.");
+                                         " takes the name of an open model; no model named " + quoted(name) +
+                                         " is open.");
     self.store("Name", makeText(name));
 }
 

@@ -20,7 +20,8 @@ hos::ObjectInterface requireElement(const hvArray* object, std::size_t index, co
     if (element && name) return element;
     const std::string property = "property \"" + std::string(name ? name : "") + "\"";
     const orvex::Objects* objects = orvex::objectsOf(object);
-    if (!objects) orvex::raise("NoObject", orvex::describeValue(object) + " is no object and has no " + property + ".");
+    if (!objects)
+        orvex::raise("NoObject", orvex::describeValue(object) + " is not an object and has no " + property + ".");
     orvex::raise("IndexOutOfRange", "There is no object at index " + std::to_string(index) + " of " +
                                         std::to_string(objects->size()) + " to ask for the " + property + ".");
 }

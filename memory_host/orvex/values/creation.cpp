@@ -55,7 +55,7 @@ Payload zerosOf(hvClassID classId, std::size_t number) {
     Payload zeros;
     const bool isNumeric = withElementType(
         classId, [&]<class Stored>(std::type_identity<Stored>) { zeros.emplace<Buffer<Stored>>(number); });
-    if (!isNumeric) raise("WrongClass", "Class " + std::to_string(classId) + " is no numeric class.");
+    if (!isNumeric) raise("WrongClass", "Class " + std::to_string(classId) + " is not a numeric class.");
     return zeros;
 }
 

@@ -135,10 +135,6 @@ using Payload =
                  Buffer<std::int16_t>, Buffer<std::uint16_t>, Buffer<std::int32_t>, Buffer<std::uint32_t>,
                  Buffer<std::int64_t>, Buffer<std::uint64_t>, StructData, CellData, Objects>;
 
-}  // namespace orvex
-
-namespace orvex {
-
 /// Who sees to the end of a value. See local_scope.h.
 enum class Lifetime : std::uint8_t {
     owned,      ///< made outside any host call
