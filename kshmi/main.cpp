@@ -5,11 +5,13 @@
 #include <vector>
 
 #include "kshmi/commands/command_line.h"
+#include "kshmi/print/terminal.h"
 #include "workbench/session/host_process.h"
 
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
-    const kshmi::Output output{std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1};
+    const kshmi::Output output{std::cout, std::cerr, kshmi::isColourWelcome(STDOUT_FILENO),
+                               kshmi::columnsOfTerminal(STDOUT_FILENO), ::isatty(STDERR_FILENO) == 1};
     int code = kshmi::runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc), output);
     if (const std::string lives = workbench::leaveHost(); !lives.empty()) {
         std::cerr << "kshmi: not everything was released:\n" << lives;

@@ -71,10 +71,10 @@ std::string whereabouts(const Answer& answer) {
     return answer.port > 0 ? fmt::format("{}:{}", text, answer.port) : text;
 }
 
-void printText(const Session& session, const std::vector<Answer>& answers, std::ostream& out) {
+void printText(const Session& session, const std::vector<Answer>& answers, const Output& output) {
     constexpr auto kRight = TextTable::Align::right;
-    out << fmt::format("model {}: {}\n", printable(session.model().name()),
-                       counted(session.clients().getCount(), "client"));
+    output.out << fmt::format("model {}: {}\n", printable(session.model().name()),
+                              counted(session.clients().getCount(), "client"));
     if (answers.empty()) return;
     TextTable table({{"#", kRight},
                      {"TYPE"},
@@ -92,8 +92,8 @@ void printText(const Session& session, const std::vector<Answer>& answers, std::
                    std::to_string(answer.decimation), std::to_string(answer.maxPoints),
                    notesOn(client, answer.target)});
     }
-    out << '\n';
-    table.print(out);
+    output.out << '\n';
+    table.print(output.out, output.width);
 }
 
 void appendAnswer(std::string& out, const Answer& answer) {
@@ -117,7 +117,7 @@ int runClients(const ClientsArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
     const std::vector<Answer> answers = answersOf(session);
-    arguments.isJson ? printJsonLines(output.out, answers, appendAnswer) : printText(session, answers, output.out);
+    arguments.isJson ? printJsonLines(output.out, answers, appendAnswer) : printText(session, answers, output);
     return kSuccess;
 }
 

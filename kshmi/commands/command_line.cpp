@@ -82,9 +82,9 @@ int runCommandLine(std::vector<std::string> arguments, const Output& output) noe
     } catch (const std::bad_alloc&) {
         output.err << "kshmi: not enough memory\n";
     } catch (const Error& error) {
-        output.err << "kshmi: " << printable(std::string_view(messageOf(error))) << '\n';
+        output.err << "kshmi: " << printableMessage(messageOf(error)) << '\n';
     } catch (const std::exception& exception) {
-        output.err << "kshmi: " << printable(std::string_view(exception.what())) << '\n';
+        output.err << "kshmi: " << printableMessage(exception.what()) << '\n';
     }
     return kFailure;
 }

@@ -17,7 +17,6 @@ namespace {
 using namespace workbench;
 
 constexpr std::size_t kMostNames = 3;
-constexpr std::uintmax_t kBigFile = std::uintmax_t{4} << 20U;
 
 struct ImportArguments {
     std::string source;
@@ -122,10 +121,7 @@ ImportOptions optionsOf(const ImportArguments& arguments, const ModelFile* previ
     options.name = arguments.name.empty() && arguments.isUpdate ? toUtf8(previous->model.name()) : arguments.name;
     if (arguments.takesLocals || arguments.leavesLocals) options.locals = arguments.takesLocals;
     options.previous = previous;
-    std::error_code code;
-    const std::uintmax_t size = std::filesystem::file_size(arguments.source, code);
-    if (output.isTerminal && !arguments.isQuiet && !code && size > kBigFile)
-        options.progress = [&output](const char* stage) { output.err << stage << " ..." << std::endl; };
+    options.progress = [&output](const char* stage) { tellProgress(output, stage); };
     return options;
 }
 

@@ -1,15 +1,13 @@
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/json_lines.h"
 #include "kshmi/print/text_table.h"
+#include "workbench/find/below.h"
 #include "workbench/json/json_object.h"
 #include "workbench/session/script.h"
 #include "workbench/session/session.h"
-#include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -29,14 +27,10 @@ struct PortsArguments {
 using Source = ks_hmi::InstrumentedSignals::Source;
 
 /// The full path to list below, empty for all.
-std::u16string requireBelow(const kestrel::Model& model, const std::string& text) {
-    if (toUtf16(text) == model.name()) return model.name();
-    const std::u16string path = withoutModel(model, text);
-    if (path.empty()) return {};
-    const bool isThere = std::any_of(model.blocks().begin(), model.blocks().end(),
-                                     [&](const kestrel::Block& block) { return isAtOrBelow(block.path, path); });
-    if (!isThere) throw Error(inQuotes(text) + ": the model has no block there; \"kshmi show\" lists them");
-    return model.name() + u"/" + path;
+std::string fullBelow(const kestrel::Model& model, const std::string& text) {
+    if (text.empty()) return {};
+    const std::u16string below = resolveBelow(model, text);
+    return toUtf8(below.empty() ? model.name() : model.name() + u"/" + below);
 }
 
 std::u16string nameOfPort(const Source& source) {
@@ -48,9 +42,10 @@ SignalFlags flagsOf(const Source& source) {
     return {source.isFrameBased, source.hideInPLV, source.targetBufferedStreaming};
 }
 
-void printText(const Session& session, const std::vector<Source>& sources, std::ostream& out) {
+void printText(const Session& session, const std::vector<Source>& sources, const Output& output) {
     constexpr auto kRight = TextTable::Align::right;
-    out << fmt::format("model {}: {}\n", printable(session.model().name()), counted(sources.size(), "observed port"));
+    output.out << fmt::format("model {}: {}\n", printable(session.model().name()),
+                              counted(sources.size(), "observed port"));
     if (sources.empty()) return;
     TextTable table({{"BLOCK"},
                      {"PORT", kRight},
@@ -63,8 +58,8 @@ void printText(const Session& session, const std::vector<Source>& sources, std::
         table.add({printable(source.blockPath), std::to_string(source.outputPortIndex), printable(nameOfPort(source)),
                    printable(source.signalName), std::to_string(source.decimation), std::to_string(source.maxPoints),
                    textOf(flagsOf(source))});
-    out << '\n';
-    table.print(out);
+    output.out << '\n';
+    table.print(output.out, output.width);
 }
 
 void appendSource(std::string& out, const Source& source) {
@@ -81,11 +76,11 @@ int runPorts(const PortsArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     const Session session(arguments.file);
     const HvArrayPtr model = script::modelObject(session.model().name());
-    const std::string below = toUtf8(requireBelow(session.model(), arguments.below));
+    const std::string below = fullBelow(session.model(), arguments.below);
     std::vector<Source> sources;
     ks_hmi::InstrumentedSignals::getObservedPorts(model.get(), below.c_str(), arguments.visualType.c_str(), sources,
                                                   arguments.isHiddenListed, /*withUnsaved=*/true);
-    arguments.isJson ? printJsonLines(output.out, sources, appendSource) : printText(session, sources, output.out);
+    arguments.isJson ? printJsonLines(output.out, sources, appendSource) : printText(session, sources, output);
     return kSuccess;
 }
 

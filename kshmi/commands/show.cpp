@@ -1,14 +1,13 @@
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
-#include <limits>
-#include <ranges>
+#include <algorithm>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/block_tree.h"
-#include "kshmi/print/text_table.h"
+#include "kshmi/print/shown_model.h"
 #include "signals/signal_specification.h"
-#include "workbench/find/client_names.h"
+#include "workbench/find/below.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
@@ -21,76 +20,13 @@ using namespace workbench;
 
 struct ShowArguments {
     std::string file;
+    std::string below;
+    bool isObservedOnly = false;
+    std::uint32_t limit = 0;
     bool isJson = false;
 };
 
 using ks_hmi::SignalSpecification;
-
-SignalFlags flagsOf(const SignalSpecification& signal) {
-    return {signal.m_isFrameBased, signal.m_hideInPLV, signal.m_targetBufferedStreaming, signal.m_excludeForSave};
-}
-
-std::vector<std::string> rowOf(const Session& session, std::size_t position) {
-    const SignalSpecification& signal = *session.signals().get(position);
-    const SignalSource source = sourceOf(session.model(), signal);
-    std::string block = printable(source.block->path);
-    if (!signal.m_subPath.empty()) block += "/" + printable(signal.m_subPath);
-    return {std::to_string(position + 1),
-            block,
-            source.item ? "" : std::to_string(source.port),
-            printable(portName(source)),
-            printable(signal.m_signalName),
-            signal.m_domainType.empty() ? "port" : printable(signal.m_domainType),
-            printable(signal.getValueForDomainParams(u"Activity")),
-            std::to_string(signal.m_decimation),
-            std::to_string(signal.m_maxPoints),
-            textOf(flagsOf(signal))};
-}
-
-void printClients(const Session& session, std::ostream& out) {
-    if (session.clients().getCount() == 0) return;
-    constexpr auto kRight = TextTable::Align::right;
-    TextTable table({{"#", kRight}, {"OBSERVER"}, {"OF SIGNAL", kRight}, {"NAME"}, {"RATE", kRight}, {"NOTES"}});
-    const SignalUuids uuids(session);
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
-        const ks_hmi::SignalClient& client = *session.clients().get(i);
-        const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
-        table.add({std::to_string(i + 1), printable(std::string_view(client.m_observerType)),
-                   signal ? std::to_string(*signal + 1) : "",
-                   signal ? printable(session.signals().get(*signal)->m_signalName) : "",
-                   std::to_string(static_cast<std::uint32_t>(client.m_updateRate)),
-                   notesOn(client, watched(client, uuids))});
-    }
-    out << '\n';
-    table.print(out);
-}
-
-void printText(const Session& session, const Output& output) {
-    constexpr auto kRight = TextTable::Align::right;
-    const std::size_t count = session.signals().getCount();
-    output.out << fmt::format("model {}: {}, {}, {}\n", printable(session.model().name()),
-                              counted(session.model().blocks().size(), "block"), counted(count, "signal"),
-                              counted(session.clients().getCount(), "client"));
-    if (count > 0) {
-        TextTable table({{"#", kRight},
-                         {"BLOCK"},
-                         {"PORT", kRight},
-                         {"PORT NAME"},
-                         {"SIGNAL"},
-                         {"DOMAIN"},
-                         {"ACTIVITY"},
-                         {"DECIMATION", kRight},
-                         {"MAX POINTS", kRight},
-                         {"FLAGS"}});
-        for (std::size_t i = 0; i < count; ++i) table.add(rowOf(session, i));
-        output.out << '\n';
-        table.print(output.out);
-    }
-    printClients(session, output.out);
-    if (session.model().blocks().empty()) return;
-    output.out << "\nblocks ([x] observed, * with a badge)\n";
-    printBlockTree(session, output, std::numeric_limits<std::size_t>::max() - 1);
-}
 
 void appendSignal(std::string& out, const Session& session, std::size_t position) {
     const SignalSpecification& signal = *session.signals().get(position);
@@ -109,19 +45,20 @@ void appendSignal(std::string& out, const Session& session, std::size_t position
     object.close();
 }
 
-void appendPorts(std::string& out, const Session& session, const kestrel::Block& block) {
-    int port = 0;
-    appendJsonArray(out, block.outputs, [&](std::u16string_view name) {
+void appendPorts(std::string& out, const BlockNode& node) {
+    appendJsonArray(out, node.ports, [&](const PortNode& port) {
         JsonObject object(out);
-        object.text("name", name).truth("observed", session.isObserved(block, ++port)).close();
+        object.number("port", port.port).text("portName", port.name).truth("observed", port.isObserved).close();
     });
 }
 
-void appendItems(std::string& out, const Session& session, const kestrel::Block& block) {
-    appendJsonArray(out, chartItemsOf(block), [&](const ChartItem& item) {
+void appendItems(std::string& out, const BlockNode& node) {
+    appendJsonArray(out, node.items, [&](const ItemNode& item) {
         JsonObject object(out);
-        object.text("domain", item.domainType).text("subPath", item.subPath).number("ssid", item.ssid);
-        object.truth("observed", session.isAnyObserved(block, item)).close();
+        object.text("item", item.item.subPath).text("domain", item.item.domainType).number("ssid", item.item.ssid);
+        object.truth("observed", item.isObserved).name("activities");
+        appendJsonArray(out, item.activities, [&](std::u16string_view activity) { appendJsonText(out, activity); });
+        object.close();
     });
 }
 
@@ -137,49 +74,99 @@ void appendClient(std::string& out, const Session& session, std::size_t position
     object.close();
 }
 
-void appendBlock(std::string& out, const Session& session, const kestrel::Block& block, bool hasBadge) {
+void appendBlock(std::string& out, const kestrel::Model& model, const BlockNode& node) {
     JsonObject object(out);
-    object.text("path", block.path).text("eid", toUtf16(block.eid)).name("outputs");
-    appendPorts(out, session, block);
-    if (block.chart) {
+    object.text("block", model.fullPath(*node.block)).text("eid", std::string_view(node.block->eid)).name("outputs");
+    appendPorts(out, node);
+    if (node.block->chart) {
         object.name("chart");
-        appendItems(out, session, block);
+        appendItems(out, node);
     }
-    object.truth("badge", hasBadge).close();
+    object.truth("badge", node.hasBadge).close();
 }
 
-void printJson(const Session& session, std::ostream& out) {
+void printJson(const ShownModel& shown, std::ostream& out) {
     constexpr JsonLayout kParts{"", ",\n", ""};
     constexpr JsonLayout kElements{"\n  ", ",\n  ", ""};
-    const auto positions = [](std::size_t count) { return std::views::iota(std::size_t{0}, count); };
-    const std::set<double> badges = blocksWithBadges(session);
+    const Session& session = *shown.session;
     const SignalUuids uuids(session);
     std::string text;
     JsonObject document(text, kParts);
     document.text("model", session.model().name()).name("signals");
     appendJsonArray(
-        text, positions(session.signals().getCount()), [&](std::size_t i) { appendSignal(text, session, i); },
-        kElements);
+        text, shown.signals, [&](std::size_t i) { appendSignal(text, session, i); }, kElements);
     document.name("blocks");
+    std::vector<const BlockNode*> blocks;
+    for (const BlockNode& node : shown.blocks)
+        if (node.block != nullptr) blocks.push_back(&node);
     appendJsonArray(
-        text, session.model().blocks(),
-        [&](const kestrel::Block& block) { appendBlock(text, session, block, badges.contains(block.handle)); },
-        kElements);
+        text, blocks, [&](const BlockNode* node) { appendBlock(text, session.model(), *node); }, kElements);
     document.name("clients");
     appendJsonArray(
-        text, positions(session.clients().getCount()), [&](std::size_t i) { appendClient(text, session, i, uuids); },
-        kElements);
+        text, shown.clients, [&](std::size_t i) { appendClient(text, session, i, uuids); }, kElements);
     document.close();
     out << printableJson(text) << '\n';
+}
+
+bool isShown(const std::u16string& path, const std::u16string& below) {
+    return below.empty() || isAtOrBelow(path, below);
+}
+
+/// The blocks that the options ask for.
+std::vector<BlockNode> shownBlocks(const Session& session, const ShowArguments& arguments,
+                                   const std::u16string& below) {
+    std::vector<BlockNode> nodes = blockTree(session);
+    if (arguments.isObservedOnly) keepObserved(nodes);
+    const auto isWanted = [&](const BlockNode& node) {
+        if (node.block == nullptr || !isShown(node.block->path, below)) return false;
+        return !arguments.isObservedOnly || !node.ports.empty() || !node.items.empty();
+    };
+    if (arguments.isObservedOnly || !below.empty()) keepWanted(nodes, isWanted);
+    return nodes;
+}
+
+ShownModel shownOf(const Session& session, const ShowArguments& arguments) {
+    ShownModel shown{&session, {}, {}, {}, arguments.limit};
+    const std::u16string below = resolveBelow(session.model(), arguments.below);
+    const SignalUuids uuids(session);
+    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
+        if (isShown(sourceOf(session.model(), *session.signals().get(i)).block->path, below))
+            shown.signals.push_back(i);
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
+        const std::optional<std::size_t> signal = uuids.positionOf(session.clients().get(i)->m_signalUUID);
+        if (below.empty() || (signal && std::ranges::binary_search(shown.signals, *signal))) shown.clients.push_back(i);
+    }
+    shown.blocks = shownBlocks(session, arguments, below);
+    return shown;
+}
+
+/// The first of each kind.
+void cut(ShownModel& shown, std::size_t limit) {
+    shown.signals.resize(std::min(shown.signals.size(), limit));
+    shown.clients.resize(std::min(shown.clients.size(), limit));
+    std::size_t blocks = 0;
+    const auto isOver = [&](const BlockNode& node) { return node.block != nullptr && ++blocks > limit; };
+    shown.blocks.erase(std::find_if(shown.blocks.begin(), shown.blocks.end(), isOver), shown.blocks.end());
+}
+
+std::string filtersOf(const ShowArguments& arguments) {
+    std::vector<std::string> filters;
+    if (!arguments.below.empty()) filters.emplace_back("--below");
+    if (arguments.isObservedOnly) filters.emplace_back("--observed");
+    if (arguments.limit > 0) filters.emplace_back("--limit");
+    return fmt::format("{}", fmt::join(filters, ", "));
 }
 
 int runShow(const ShowArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     const Session session(arguments.file);
+    ShownModel shown = shownOf(session, arguments);
+    if (arguments.limit > 0) cut(shown, arguments.limit);
+    shown.leftOutFor = filtersOf(arguments);
     if (arguments.isJson)
-        printJson(session, output.out);
+        printJson(shown, output.out);
     else
-        printText(session, output);
+        printShown(shown, output);
     return kSuccess;
 }
 
@@ -189,7 +176,17 @@ void addShow(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<ShowArguments>();
     CLI::App* const command =
         addCommand(app, "show", "List a model's signals, its observers, and its blocks with what is observed",
-                   "  kshmi show cruise.json\n  kshmi show cruise.json --json", arguments->file);
+                   "  kshmi show cruise.json\n"
+                   "  kshmi show cruise.json --below Sensors --observed\n"
+                   "  kshmi show cruise.json --limit 10 --json",
+                   arguments->file);
+    command->add_option("--below", arguments->below, "only at and below this path")->type_name("PATH");
+    command->add_flag("--observed", arguments->isObservedOnly, "only ports, chart items and blocks that are observed");
+    command
+        ->add_option("--limit", arguments->limit,
+                     "only the first so many signals, clients, blocks, and ports of a block")
+        ->type_name("COUNT")
+        ->transform(wholeNumber(1));
     command->add_flag("--json", arguments->isJson, "print JSON");
     runWith(*command, runShow, arguments, run);
 }

@@ -1,13 +1,11 @@
 #include "kshmi/print/block_tree.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <string>
-#include <vector>
 
-#include "kshmi/print/text_table.h"
+#include "workbench/text/columns.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -17,67 +15,148 @@ using namespace workbench;
 namespace {
 
 constexpr std::size_t kIndent = 2;
+constexpr std::size_t kGap = 2;
 constexpr std::size_t kWidestName = 48;
+/// Names are shortened where lines have no end, too.
+constexpr std::size_t kLongestName = 120;
+/// Of so many parents without blocks in a row, only the first and the last are listed.
+constexpr std::size_t kMostParents = 8;
+
+/// What stands behind a name: a port, or whether an item is observed.
+struct Entry {
+    bool isObserved = false;
+    std::string text;
+};
 
 struct Line {
     std::string name;
-    std::string badges;
+    std::vector<Entry> entries{};
+    std::size_t leftOut = 0;  ///< entries
 };
 
-std::string badge(bool isObserved, const Output& output) {
-    if (!isObserved) return "[ ]";
-    return output.isTerminal ? "\x1b[32m[x]\x1b[0m" : "[x]";
-}
+class TreePrinter {
+public:
+    TreePrinter(const Output& output, const TreeLimits& limits)
+        : m_output(output), m_limits(limits), m_width(output.width) {}
 
-std::string indented(std::size_t depth, const std::string& name) { return std::string(depth * kIndent, ' ') + name; }
-
-std::string nameOf(const BlockNode& node) {
-    return printable(node.name) + (!node.block ? "/" : node.hasBadge ? " *" : "");
-}
-
-/// With what "--ssid" takes.
-std::string nameOf(const ChartItem& item) {
-    if (item.ssid == 0) return "(chart)";
-    return fmt::format("{} {} #{}", item.domainType == kStateDomain ? "(state)" : "(data)", printable(item.subPath),
-                       item.ssid);
-}
-
-Line lineOf(const BlockNode& node, const Output& output) {
-    std::vector<std::string> ports;
-    for (const PortNode& port : node.ports)
-        ports.push_back(fmt::format("{} {} {}", badge(port.isObserved, output), port.port, printable(port.name)));
-    return {indented(node.depth, nameOf(node)), fmt::format("{}", fmt::join(ports, "  "))};
-}
-
-Line lineOf(const ItemNode& node, std::size_t depth, const Output& output) {
-    std::string badges = badge(node.isObserved, output);
-    for (const std::u16string& activity : node.activities) badges += " " + toUtf8(activity);
-    return {indented(depth, nameOf(node.item)), badges};
-}
-
-std::vector<Line> linesOf(const Session& session, const Output& output, std::size_t most) {
-    std::vector<Line> lines;
-    for (const BlockNode& node : blockTree(session, most)) {
-        lines.push_back(lineOf(node, output));
-        for (const ItemNode& item : node.items) lines.push_back(lineOf(item, node.depth + 1, output));
+    std::vector<Line> lines(const std::vector<BlockNode>& nodes) const {
+        std::vector<Line> lines;
+        for (std::size_t i = 0; i < nodes.size() && lines.size() <= m_limits.lines;) {
+            const std::size_t parents = bareParents(nodes, i);
+            for (std::size_t k = 0; k < parents; ++k) {
+                const std::size_t skipped =
+                    k == kMostParents / 2 && parents > kMostParents ? parents - kMostParents : 0;
+                if (skipped > 0)
+                    lines.push_back({indented(nodes[i + k].depth, fmt::format("... {} more levels", skipped))});
+                k += skipped;
+                lines.push_back(lineOf(nodes[i + k]));
+            }
+            i += parents;
+            if (i == nodes.size()) break;
+            lines.push_back(lineOf(nodes[i]));
+            addItems(lines, nodes[i]);
+            ++i;
+        }
+        return lines;
     }
-    return lines;
-}
+
+    void print(const std::vector<Line>& lines) const {
+        const std::size_t count = std::min(lines.size(), m_limits.lines);
+        std::size_t widest = 0;
+        for (std::size_t i = 0; i < count; ++i) widest = std::max(widest, columnsOf(lines[i].name));
+        const std::size_t column = std::min({widest, kWidestName, half()}) + kGap;
+        for (std::size_t i = 0; i < count; ++i) printLine(lines[i], column);
+    }
+
+private:
+    /// How many from there on are parents without blocks, each of the next.
+    static std::size_t bareParents(const std::vector<BlockNode>& nodes, std::size_t from) {
+        std::size_t end = from;
+        while (end < nodes.size() && nodes[end].block == nullptr) ++end;
+        return end - from;
+    }
+
+    std::string indented(std::size_t depth, const std::string& name) const {
+        const std::size_t deepest = half() / 3 / kIndent;
+        const std::string blanks(std::min(depth, deepest) * kIndent, ' ');
+        return depth <= deepest ? blanks + name : fmt::format("{}(level {}) {}", blanks, depth + 1, name);
+    }
+
+    Line lineOf(const BlockNode& node) const {
+        const char* const mark = node.block == nullptr ? "/" : node.hasBadge ? " *" : "";
+        Line line{indented(node.depth, shortName(node.name) + mark)};
+        const std::size_t count = std::min(node.ports.size(), m_limits.ports);
+        for (std::size_t i = 0; i < count; ++i)
+            line.entries.push_back(
+                {node.ports[i].isObserved, fmt::format("{} {}", node.ports[i].port, shortName(node.ports[i].name))});
+        line.leftOut = node.ports.size() - count;
+        return line;
+    }
+
+    void addItems(std::vector<Line>& lines, const BlockNode& node) const {
+        const std::size_t count = std::min(node.items.size(), m_limits.ports);
+        for (std::size_t i = 0; i < count; ++i) {
+            std::string activities;
+            for (const std::u16string& activity : node.items[i].activities) activities += " " + toUtf8(activity);
+            lines.push_back({indented(node.depth + 1, nameOf(node.items[i].item)),
+                             {{node.items[i].isObserved, activities.empty() ? "" : activities.substr(1)}}});
+        }
+        if (count < node.items.size())
+            lines.push_back(
+                {indented(node.depth + 1, fmt::format("... and {} more items", node.items.size() - count))});
+    }
+
+    std::string shortName(const std::u16string& name) const { return shortened(printable(name), half()); }
+    std::size_t half() const { return m_width > 0 ? m_width / 2 : kLongestName; }
+
+    /// With what "--ssid" takes.
+    std::string nameOf(const ChartItem& item) const {
+        if (item.ssid == 0) return "(chart)";
+        return fmt::format("{} {} #{}", item.domainType == kStateDomain ? "(state)" : "(data)", shortName(item.subPath),
+                           item.ssid);
+    }
+
+    std::string badge(bool isObserved) const {
+        if (!isObserved) return "[ ]";
+        return m_output.isColoured ? "\x1b[32m[x]\x1b[0m" : "[x]";
+    }
+
+    void printLine(const Line& line, std::size_t column) const {
+        constexpr std::size_t kBadge = 4;
+        std::string text = line.name;
+        std::size_t at = columnsOf(line.name);
+        const auto append = [&](const std::string& shown, std::size_t width) {
+            if (m_width > 0 && at > column && at + kGap + width > m_width) {
+                m_output.out << text << '\n';
+                text.clear();
+                at = 0;
+            }
+            const std::size_t blanks = at < column ? column - at : kGap;
+            text.append(blanks, ' ').append(shown);
+            at += blanks + width;
+        };
+        for (const Entry& entry : line.entries)
+            append(entry.text.empty() ? badge(entry.isObserved) : badge(entry.isObserved) + " " + entry.text,
+                   kBadge + columnsOf(entry.text));
+        if (line.leftOut > 0) {
+            const std::string more = "... and " + counted(line.leftOut, "more port");
+            append(more, more.size());
+        }
+        m_output.out << text << '\n';
+    }
+
+    const Output& m_output;
+    const TreeLimits& m_limits;
+    std::size_t m_width;
+};
 
 }  // namespace
 
-void printBlockTree(const Session& session, const Output& output, std::size_t most) {
-    const std::vector<Line> lines = linesOf(session, output, most);
-    std::size_t width = 0;
-    for (const Line& line : lines) width = std::max(width, std::min(displayWidth(line.name), kWidestName));
-    for (std::size_t i = 0; i < std::min(most, lines.size()); ++i) {
-        const Line& line = lines[i];
-        output.out << (line.badges.empty() ? line.name
-                                           : fmt::format("{:{}}{}", line.name, width + kIndent, line.badges))
-                   << '\n';
-    }
-    if (lines.size() > most)
-        output.out << fmt::format("... \"kshmi show\" prints all {} blocks\n", session.model().blocks().size());
+bool printBlockTree(const std::vector<BlockNode>& nodes, const Output& output, const TreeLimits& limits) {
+    const TreePrinter printer(output, limits);
+    const std::vector<Line> lines = printer.lines(nodes);
+    printer.print(lines);
+    return lines.size() > limits.lines;
 }
 
 }  // namespace kshmi

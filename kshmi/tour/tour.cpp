@@ -144,7 +144,8 @@ void Tour::loadAgain() {
 void Tour::showBlocks() {
     title("What is observed now ([x], * on blocks with a badge)");
     if (m_session->model().blocks().empty()) say("the model has no blocks");
-    printBlockTree(*m_session, m_output, kMostTreeLines);
+    if (printBlockTree(blockTree(*m_session, kMostTreeLines), m_output, {.lines = kMostTreeLines}))
+        m_output.out << fmt::format("... \"kshmi show\" prints all {} blocks\n", m_session->model().blocks().size());
 }
 
 void Tour::title(const std::string& text) { m_output.out << '\n' << ++m_step << ". " << text << '\n'; }

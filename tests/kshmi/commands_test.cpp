@@ -175,9 +175,9 @@ TEST_F(Commands, signalsTakeTheNewNameOfARenamedState) {
 }
 
 TEST_F(Commands, showListsSignalsAndBlocks) {
-    expectParts(runOn("show").out, {"1  A                 1  y          speed \"ü\"  port", "[x] 1 y  [ ] 2 valid",
-                                    "(state) On/Fast #4  [x] Self"});
-    expectParts(runOn("show --json").out, {R"({"name": "valid", "observed": false})"});
+    expectParts(runOn("show").out, {"1  A:1 (y)               speed \"ü\"  decimation 2, max points 100, frame-based",
+                                    "[x] 1 y  [ ] 2 valid", "(state) On/Fast #4  [x] Self"});
+    expectParts(runOn("show --json").out, {R"("portName": "valid", "observed": false})"});
 }
 
 TEST_F(Commands, aSaveThatCannotBeToldIsNamed) {

@@ -86,7 +86,7 @@ kestrel::Model ModelFileParts::buildModel() {
         return model;
     } catch (const kestrel::ModelError& error) {
         throw Error({m_file.path(), line, pointer},
-                    fmt::format("{} Change it.", printable(std::string_view(error.what()))), ErrorCode::model);
+                    fmt::format("{} Change it.", printableMessage(error.what())), ErrorCode::model);
     }
 }
 

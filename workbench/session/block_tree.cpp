@@ -82,4 +82,29 @@ std::vector<BlockNode> blockTree(const Session& session, std::size_t most) {
     return nodes;
 }
 
+void keepObserved(std::vector<BlockNode>& nodes) {
+    for (BlockNode& node : nodes) {
+        std::erase_if(node.ports, [](const PortNode& port) { return !port.isObserved; });
+        std::erase_if(node.items, [](const ItemNode& item) { return !item.isObserved; });
+    }
+}
+
+void keepWanted(std::vector<BlockNode>& nodes, const std::function<bool(const BlockNode&)>& isWanted) {
+    std::vector<BlockNode> kept;
+    std::size_t childDepth = 0;  // of the node kept last: what is next above it is its parent
+    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
+        const bool isParent = node->depth < childDepth;
+        if (isWanted(*node)) {
+            kept.push_back(std::move(*node));
+        } else if (isParent) {
+            kept.push_back({node->depth, std::move(node->name), node->block, node->hasBadge});
+        } else {
+            continue;
+        }
+        childDepth = kept.back().depth;
+    }
+    std::reverse(kept.begin(), kept.end());
+    nodes = std::move(kept);
+}
+
 }  // namespace workbench

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <limits>
 #include <set>
 #include <string>
@@ -39,5 +40,10 @@ std::set<double> blocksWithBadges(const Session& session);
 /// The whole tree from the top, parents before their children, siblings by name; no more than about `most` nodes.
 /// It does not outlive the session's model.
 std::vector<BlockNode> blockTree(const Session& session, std::size_t most = std::numeric_limits<std::size_t>::max());
+
+/// Takes away the ports and chart items that are not observed.
+void keepObserved(std::vector<BlockNode>& nodes);
+/// Takes away the nodes that are not wanted, except those on the way to one that is; these lose ports and items.
+void keepWanted(std::vector<BlockNode>& nodes, const std::function<bool(const BlockNode&)>& isWanted);
 
 }  // namespace workbench

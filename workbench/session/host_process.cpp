@@ -29,7 +29,7 @@ std::string whatLives() { return orvex::liveCounts() == orvex::LedgerCounts{} ? 
 
 void enterHost(WarningSink warnings) {
     orvex::setWarningSink([warnings = std::move(warnings)](const orvex::Warning& warning) {
-        if (warnings) warnings(printable(warning.text));
+        if (warnings) warnings(printableMessage(warning.text));
     });
     if (library()) return;
     kestrel::installHostSide();

@@ -11,10 +11,13 @@ namespace workbench {
 std::u16string toUtf16(std::string_view text);
 std::string toUtf8(std::u16string_view text);
 
-/// The text with control characters escaped ("\n", "\x1b"), so that a name cannot drive a terminal.
+/// The text with what a terminal does not show or obeys escaped: "\n", "\t", "\xHH", "\u{H...}". A backslash that would
+/// read as the start of such an escape is doubled, so that different texts look different.
 std::string printable(std::string_view text);
 std::string printable(std::u16string_view text);
-/// A JSON document in which the control characters that JSON lets stand (U+007F to U+009F) are escaped as well.
+/// The same of a message whose parts are printable, so that its backslashes stay.
+std::string printableMessage(std::string_view message);
+/// A JSON document in which those characters are escaped as JSON does it.
 std::string printableJson(std::string_view document);
 /// As `printable`, in double quotes; of a long text only its ends, with the number of its characters, so that a message
 /// stays readable.

@@ -1,4 +1,3 @@
-#include "kshmi/print/text_table.h"
 #include "tests/kshmi/kshmi_test.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
@@ -77,13 +76,6 @@ TEST_F(ModelInMemory, errorTellsItsPlaceAndItsRemedyAsData) {
     EXPECT_EQ(model.code(), ErrorCode::model);
     EXPECT_EQ(model.remedy(), Remedy::removeDangling);
     EXPECT_EQ(model.place().pointer, "/signals/0/EID_");
-}
-
-TEST(DisplayWidth, countsColumns) {
-    EXPECT_EQ(kshmi::displayWidth(""), 0U);
-    EXPECT_EQ(kshmi::displayWidth("speed"), 5U);
-    EXPECT_EQ(kshmi::displayWidth("größe"), 5U);
-    EXPECT_EQ(kshmi::displayWidth("速度 v"), 6U);
 }
 
 }  // namespace

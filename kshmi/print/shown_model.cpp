@@ -1,0 +1,111 @@
+#include "kshmi/print/shown_model.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "kshmi/print/block_tree.h"
+#include "kshmi/print/text_table.h"
+#include "signals/signal_specification.h"
+#include "workbench/find/client_names.h"
+#include "workbench/find/watching.h"
+#include "workbench/text/columns.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+using namespace workbench;
+
+namespace {
+
+using ks_hmi::SignalSpecification;
+constexpr auto kRight = TextTable::Align::right;
+
+/// As references name it, with the port's name or the item's activity.
+std::string sourceText(const SignalSpecification& signal, const SignalSource& source) {
+    const std::string block = printable(source.block->path);
+    if (!source.item) return fmt::format("{}:{} ({})", block, source.port, printable(portName(source)));
+    const std::string item = signal.m_subPath.empty() ? "" : "/" + printable(signal.m_subPath);
+    return fmt::format("{}{} ({})", block, item, printable(activityOf(signal)));
+}
+
+/// What is not as it is when nothing is said.
+std::string settingsText(const SignalSpecification& signal) {
+    std::string text;
+    const auto add = [&](const std::string& setting) { text += (text.empty() ? "" : ", ") + setting; };
+    if (signal.m_decimation != 1) add(fmt::format("decimation {}", signal.m_decimation));
+    if (signal.m_maxPoints != 0) add(fmt::format("max points {}", signal.m_maxPoints));
+    const std::string flags =
+        textOf({signal.m_isFrameBased, signal.m_hideInPLV, signal.m_targetBufferedStreaming, signal.m_excludeForSave});
+    if (!flags.empty()) add(flags);
+    if (!signal.m_visualType.empty()) add("for " + printable(signal.m_visualType));
+    return text;
+}
+
+void printSignals(const ShownModel& shown, const Output& output) {
+    if (shown.signals.empty()) return;
+    TextTable table({{"#", kRight}, {"SOURCE"}, {"SIGNAL"}, {"SETTINGS"}});
+    for (const std::size_t position : shown.signals) {
+        const SignalSpecification& signal = *shown.session->signals().get(position);
+        table.add({std::to_string(position + 1), sourceText(signal, sourceOf(shown.session->model(), signal)),
+                   printable(signal.m_signalName), settingsText(signal)});
+    }
+    output.out << '\n';
+    table.print(output.out, output.width);
+}
+
+void printClients(const ShownModel& shown, const Output& output) {
+    if (shown.clients.empty()) return;
+    const Session& session = *shown.session;
+    TextTable table({{"#", kRight}, {"CLIENT"}, {"OF SIGNAL", kRight}, {"NAME"}, {"RATE", kRight}, {"NOTES"}});
+    const SignalUuids uuids(session);
+    for (const std::size_t position : shown.clients) {
+        const ks_hmi::SignalClient& client = *session.clients().get(position);
+        const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
+        table.add({std::to_string(position + 1), printable(std::string_view(client.m_observerType)),
+                   signal ? std::to_string(*signal + 1) : "",
+                   signal ? printable(session.signals().get(*signal)->m_signalName) : "",
+                   std::to_string(static_cast<std::uint32_t>(client.m_updateRate)),
+                   notesOn(client, watched(client, uuids))});
+    }
+    output.out << '\n';
+    table.print(output.out, output.width);
+}
+
+std::size_t blockCount(const ShownModel& shown) {
+    return static_cast<std::size_t>(std::count_if(shown.blocks.begin(), shown.blocks.end(),
+                                                  [](const BlockNode& node) { return node.block != nullptr; }));
+}
+
+}  // namespace
+
+std::string leftOutOf(const ShownModel& shown) {
+    std::string text;
+    const auto add = [&](std::size_t count, std::size_t all, const char* what) {
+        if (count < all) text += fmt::format("{}{} of {}", text.empty() ? "" : ", ", all - count, counted(all, what));
+    };
+    add(shown.signals.size(), shown.session->signals().getCount(), "signal");
+    add(shown.clients.size(), shown.session->clients().getCount(), "client");
+    add(blockCount(shown), shown.session->model().blocks().size(), "block");
+    return text;
+}
+
+void printShown(const ShownModel& shown, const Output& output) {
+    const Session& session = *shown.session;
+    output.out << fmt::format("model {}: {}, {}, {}\n", shortened(printable(session.model().name()), 120),
+                              counted(session.model().blocks().size(), "block"),
+                              counted(session.signals().getCount(), "signal"),
+                              counted(session.clients().getCount(), "client"));
+    printSignals(shown, output);
+    printClients(shown, output);
+    if (!shown.blocks.empty()) {
+        output.out << "\nblocks ([x] observed, * with a badge)\n";
+        TreeLimits limits;
+        if (shown.limit > 0) limits.ports = shown.limit;
+        printBlockTree(shown.blocks, output, limits);
+    }
+    if (const std::string leftOut = leftOutOf(shown); !leftOut.empty())
+        output.out << fmt::format("\nleft out ({}): {}\n", shown.leftOutFor, leftOut);
+}
+
+}  // namespace kshmi

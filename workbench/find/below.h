@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "memory_host/kestrel/model.h"
+
+namespace workbench {
+
+/// The path, without the model, at and below which the text asks for blocks; empty for the whole model, which its name
+/// and an empty text mean. Throws `Error` when the model has no block there.
+std::u16string resolveBelow(const kestrel::Model& model, std::string_view text);
+
+}  // namespace workbench
