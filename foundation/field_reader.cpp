@@ -39,8 +39,9 @@ template <class Text>
 std::vector<Text> FieldSource::cellsOf(const char* name, Text (*read)(const hvArray*)) {
     const hvArray* const cells = require(name);
     if (hvGetClassID(cells) != hvCELL_CLASS) errors::raise(errors::InvalidFieldValue(name, elementNumber()));
-    std::vector<Text> result(hvGetNumberOfElements(cells));
-    for (std::size_t i = 0; i < result.size(); ++i) result[i] = read(hvGetCell(cells, i));
+    std::vector<Text> result;
+    result.reserve(hvGetNumberOfElements(cells));
+    for (const hvArray* const cell : ks_host::cellsOf(cells)) result.push_back(read(cell));
     return result;
 }
 

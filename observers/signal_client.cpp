@@ -28,16 +28,12 @@ HvArrayPtr makeCells(const std::vector<Text>& texts) {
     return cells;
 }
 
-HvArrayPtr makeUint32(std::uint64_t value) {
-    HvArrayPtr scalar(hvCreateNumericScalar(hvUINT32_CLASS, hvREAL));
-    *static_cast<std::uint32_t*>(hvGetDataForWriting(scalar.get())) = static_cast<std::uint32_t>(value);
-    return scalar;
-}
+HvArrayPtr makeLow32Bits(std::uint64_t value) { return ks_host::makeUint32(static_cast<std::uint32_t>(value)); }
 
 HvArrayPtr deepCopy(const HvArrayPtr& value) { return HvArrayPtr(hvCreateDeepCopy(value.get())); }
 
 bool areEqualValues(const hvArray* a, const hvArray* b) {
-    const HvArrayPtr none = makeEmpty();
+    const HvArrayPtr none = a == nullptr || b == nullptr ? makeEmpty() : nullptr;
     const auto result = callHost<1>("isequal", {a != nullptr ? a : none.get(), b != nullptr ? b : none.get()});
     const bool* const answer = hvGetLogicals(result[0].get());
     return answer != nullptr && !hvIsEmpty(result[0].get()) && answer[0];
@@ -92,8 +88,8 @@ void SignalClient::createStructData(hvArray* s, std::size_t index, const std::u1
     setField(s, index, "ModelPath_", makeCells(path));
     setField(s, index, "ModelPathEID_", makeCells(eids));
     setField(s, index, "ObserverParams_", m_observerParams ? deepCopy(m_observerParams) : makeEmpty());
-    setField(s, index, "UpdateRate_", makeUint32(m_updateRate));
-    setField(s, index, "DimensionChannel_", makeUint32(m_dimensionChannel));
+    setField(s, index, "UpdateRate_", makeLow32Bits(m_updateRate));
+    setField(s, index, "DimensionChannel_", makeLow32Bits(m_dimensionChannel));
     setField(s, index, "ObserveImaginaryPart_", makeLogical(m_observeImaginaryPart));
     // Up to a NUL only, unlike the other texts: the host's creator for plain narrow text is the one for this field.
     setField(s, index, "BusLeafPath_", HvArrayPtr(hvCreateString(m_busLeafPath.c_str())));

@@ -56,14 +56,14 @@ public:
     /// The names of the 11 fields in order, NUL-terminated, valid as long as the library is loaded.
     static std::span<const char* const> getStructFields();
     static int getNumStructFields();
-    /// Reads element `index` of a persisted struct array by field name. Missing fields 8 to 11 read as 0, 0, false
-    /// and empty, not as the defaults of a new record; any other missing field, a number field that
-    /// holds no number, and a path field that is no cell array throws the host's exception and leaves what was read
-    /// before it; a text field of another class reads as empty.
+    /// Reads element `index` of a persisted struct array by field name. Missing fields 8 to 11 read as 0, 0, false and
+    /// empty, not as the defaults of a new record; a text field of another class reads as empty.
+    /// Any other missing field, a number field without a number, and a path field that is not a cell array throws the
+    /// host's exception; what was read before it stays read.
     void setFromPersistentData(const hvArray* s, std::size_t index);
-    /// Writes all fields of element `index` of `s`, replacing what was there; `modelName` is put in front of the
-    /// first path and identifier. Without a model path the client belongs to the model being written: its
-    /// source model is then `modelName`. Without parameters a 0x0 double is written.
+    /// Writes all fields of element `index` of `s` over what was there. `modelName` is put in front of the first path
+    /// and identifier. A client without a model path belongs to the model being written: its source model is then
+    /// `modelName`. Without parameters a 0x0 double is written.
     void createStructData(hvArray* s, std::size_t index, const std::u16string& modelName) const;
     /// The same relative to the model. A client without a model path so loses its source model.
     void getPersistenceData(hvArray* s, std::size_t index) const;
@@ -91,9 +91,9 @@ public:
     /// The observed signal as the host finds it, owned by the client; null when there is none, and then nothing is
     /// kept. What was found once is kept: later changes of the model, renames included, are not seen.
     SignalSpecification* getSignalSpecification(const std::u16string& modelName);
-    /// Sets `path` to the aligned path of the observed block through the model hierarchy (the model path, its first
-    /// element with the model's name in front, then the block's full path) and `subPath` to the signal's
-    /// sub-path; both become empty when the host cannot tell. The block's path is asked anew each time.
+    /// Sets `path` to the aligned path of the observed block through the model hierarchy: the model path, its first
+    /// element with the model's name in front, then the block's full path. Sets `subPath` to the signal's sub-path.
+    /// Both become empty when the host cannot tell. The block's path is asked anew each time.
     void getAlignedBlockPath(const std::u16string& modelName, std::vector<std::u16string>& path,
                              std::u16string& subPath);
     /// The signal's cached port, 1-based; 0 without a signal.

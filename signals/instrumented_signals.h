@@ -55,8 +55,8 @@ public:
 
     std::u16string getModelName() const;
     /// The index is not rebuilt, although its keys include the model's name: path and chart entries made under the
-    /// old name answer no more until `updateObservedPortMap`. Until then a record that is removed lives on in its
-    /// orphaned path entry; orphaned chart entries stay for good.
+    /// old name answer no more. `updateObservedPortMap` mends that; until then a record that is removed lives on in its
+    /// orphaned path entry. Orphaned chart entries stay for good.
     void setModelName(const std::u16string& newName);
     std::size_t getCount() const;
     /// The record at `index`, not owned; it lives as long as somebody shares it.
@@ -71,18 +71,17 @@ public:
     void set(std::size_t index, SignalPtr spec);
     /// Removes the record at `index`. Other signals under the same path key (path, sub-path and port) with the same
     /// output port, or with the same cached handle and port, lose those index entries with it, until
-    /// `updateObservedPortMap`; of two chart signals on the same activity, removing one clears the activity for both.
+    /// `updateObservedPortMap`. Of two chart signals on the same activity, removing one clears the activity for both.
     void remove(std::size_t index);
     /// Removes the first signal that is the same signal as `spec`; does nothing when there is none. The chart
     /// index is not touched, unlike by `remove` by position.
     void remove(const SignalSpecification& spec);
     /// The same signals in the same order; model names and indexes take no part. False for null.
     bool isEqual(const InstrumentedSignals* other) const;
-    /// A new host object with clones of the signals, leaving out those not to be saved when asked to. Its
-    /// port index still refers to this set's records: a path query on the copy resolves the
-    /// originals until `updateObservedPortMap`. Until then path queries on both sets, which may write to those records,
-    /// must not run at the same time. The chart index is copied only while an activity is observed. Throws when the
-    /// host refuses the new object.
+    /// A new host object with clones of the signals, leaving out those not to be saved when asked to. The chart index
+    /// is copied only while an activity is observed. Throws when the host refuses the new object. The copy's port index
+    /// refers to this set's records until `updateObservedPortMap`: a path query on the copy resolves the originals.
+    /// Such queries on both sets, which may write to those records, must not run at the same time.
     HvArrayPtr copy(bool excludeUnsaved) const;
 
     // ---- persistence ----
@@ -166,9 +165,10 @@ public:
 
     /// Fills `out` with the observed ports of the host's model object. The texts and flags are the host function's:
     /// a full path to list below and a kind of display (empty for all), and whether hidden signals and those not
-    /// to be saved are listed. `out` becomes empty when the host refuses (a warning) and is unchanged when
-    /// something is thrown. Integers truncate toward zero and saturate, NaN is 0 and a true flag; what a
-    /// result does not hold keeps the field's default.
+    /// to be saved are listed. `out` becomes empty when the host refuses (a warning), and is unchanged when something
+    /// is thrown.
+    /// Integers truncate toward zero and saturate; NaN is 0, and a true flag. What a result does not hold keeps the
+    /// field's default.
     static void getObservedPorts(const hvArray* modelObject, const char* belowPath, const char* visualType,
                                  std::vector<Source>& out, bool withHidden, bool withUnsaved);
     /// Adds the handles of the blocks that carry badges to `out`, which is not cleared. Unchanged for a null or empty
@@ -176,14 +176,14 @@ public:
     /// and is skipped.
     static void getPortsWithBadges(const hvArray* modelObject, std::set<double>& out);
 
-    /// Lets the signals of one block follow its output ports: entry k (0-based) of `newNumbers` is the new 1-based
-    /// number of old port k + 1, 0 for a deleted port, whose signals leave the set; a negative number is taken as
-    /// any other, and ports beyond the list stay. Path and identifier carry the model's name. A signal belongs to
-    /// the block by its cached handle, else its path, else its identifier: a handle of 0.0 matches every
-    /// unresolved signal, an empty identifier every signal without one. A signal that was never resolved has a
-    /// cached port afterwards, and so counts as resolved to its old handle (0.0). Logical ports keep their numbers,
-    /// and a signal with one is still found under it. A record that is listed twice is renumbered at each of its
-    /// places, one after the other. The index is rebuilt when anything changed.
+    /// Lets the signals of one block follow its output ports. Entry k (0-based) of `newNumbers` is the new 1-based
+    /// number of old port k + 1, or 0 for a deleted port, whose signals leave the set. Ports beyond the list stay; a
+    /// negative number is taken as any other. The index is rebuilt when anything changed.
+    /// Path and identifier carry the model's name. A signal belongs to the block by its cached handle, else its path,
+    /// else its identifier: a handle of 0.0 matches every unresolved signal, an empty identifier every signal without.
+    /// Logical ports keep their numbers, and a signal with one is still found under it. A signal that was never
+    /// resolved has a cached port afterwards, and so counts as resolved to its old handle (0.0). A record that is
+    /// listed twice is renumbered at each of its places, one after the other.
     /// When memory runs out, signals already removed stay removed, numbers already changed stay changed, and
     /// `updateObservedPortMap` is due.
     void renumberPorts(double blockHandle, const std::u16string& blockPath, const std::string& eid,

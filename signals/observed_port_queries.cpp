@@ -61,8 +61,10 @@ void InstrumentedSignals::getObservedPorts(const hvArray* modelObject, const cha
     }
     for (HvArrayPtr& result : *results) result = inLocalScope(std::move(result));
     const ObservedPortColumns columns(*results);
-    std::vector<Source> sources(hvGetNumberOfElements(columns.column(2)));
-    for (std::size_t row = 0; row < sources.size(); ++row) sources[row] = sourceAt(columns, row);
+    const auto rows = ks_host::indicesOf(columns.column(2));
+    std::vector<Source> sources;
+    sources.reserve(rows.size());
+    for (const std::size_t row : rows) sources.push_back(sourceAt(columns, row));
     out.swap(sources);
 }
 
@@ -70,12 +72,9 @@ void InstrumentedSignals::getPortsWithBadges(const hvArray* modelObject, std::se
     if (hvIsEmpty(modelObject)) return;
     const auto result = tryCallHost<1>("getPortsWithBadges", {modelObject});
     if (!result) return;
-    const hvArray* const badges = (*result)[0].get();
     std::set<double> handles;
-    for (std::size_t i = 0; i < hvGetNumberOfElements(badges); ++i) {
-        const double handle = numberAt(badges, i).value_or(std::nan(""));
+    for (const double handle : ks_host::numbersOf((*result)[0].get()))
         if (!std::isnan(handle)) handles.insert(handle);
-    }
     out.merge(handles);
 }
 

@@ -1,4 +1,5 @@
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "foundation/field_reader.h"
@@ -95,6 +96,7 @@ HvArrayPtr SignalSpecification::getDomainParamsAsHvArray() const {
     return params;
 }
 
+// Kept: the map given is left alone; every caller passes the record's own.
 void SignalSpecification::extractDomainParamsFromHvArray(const hvArray* value, DomainParamsMap&) {
     std::vector<DomainParam> params;
     const int fieldCount = hvIsEmpty(value) ? 0 : hvGetNumberOfFields(value);
@@ -103,7 +105,7 @@ void SignalSpecification::extractDomainParamsFromHvArray(const hvArray* value, D
         const char* const name = hvGetFieldNameByNumber(value, i);
         params.emplace_back(fl::i18n::to_ustring(name), textOf(hvGetField(value, 0, name)));
     }
-    m_domainParams = domainParamsInOrder(params);
+    m_domainParams = domainParamsInOrder(std::move(params));
 }
 
 std::u16string SignalSpecification::getValueForDomainParams(const std::u16string& name) const {

@@ -110,7 +110,7 @@ void SignalSpecification::setFromPersistentData(const hvArray* s, std::size_t in
 bool SignalSpecification::isEqual(const SignalSpecification* other) const {
     if (other == nullptr) return false;
     const SignalFields& fields = *this;
-    // Kept: an ordered walk, not a look-up; equal parameters in another order compare unequal.
+    // Kept: an ordered walk beside the look-up; equal parameters in another order compare unequal.
     return fields == *other && std::equal(m_domainParams.begin(), m_domainParams.end(), other->m_domainParams.begin(),
                                           other->m_domainParams.end());
 }

@@ -12,8 +12,10 @@
 
 namespace ks_hmi {
 
-/// What of a signal is saved and compared member by member.
+/// What of a signal is saved. Comparing looks the domain parameters up; their order is the record's affair.
 struct SignalFields {
+    using DomainParamsMap = std::unordered_map<std::u16string, std::u16string>;
+
     std::string m_uuid;
     std::u16string m_blockPath;   ///< relative to the model
     std::string m_eid;            ///< relative to the model
@@ -22,6 +24,7 @@ struct SignalFields {
     std::u16string m_subSysPath;  ///< of the enclosing subsystem
     std::u16string m_domainType;  ///< empty for an output port
     std::u16string m_visualType;  ///< kind of display that the signal feeds
+    DomainParamsMap m_domainParams;
     std::int32_t m_outputPortIndex = 0;
     std::int32_t m_logicalPortIndex = 0;
     std::int32_t m_decimation = 1;  ///< keep every n-th sample
@@ -43,7 +46,6 @@ struct SignalFields {
 /// (`InstrumentedSignals::share`): scripts may change the set it is in. Thread: the host's interpreter thread.
 class KS_HMI_EXPORT SignalSpecification : public SignalFields {
 public:
-    using DomainParamsMap = std::unordered_map<std::u16string, std::u16string>;
     using BlockUUIDMap = std::unordered_map<std::string, std::string>;
 
     /// A record with the defaults that the members show.
@@ -66,25 +68,24 @@ public:
     /// How many of them a struct has: 20 with the runtime fields, 16 (the first ones) as persisted.
     static int getNumStructFields(bool withRuntimeFields);
 
-    /// Writes the 16 persisted fields of element `index` of `s`, which has them, replacing what was there;
-    /// a non-empty `modelName` is put in front of the block path and the element identifier.
+    /// Writes the 16 persisted fields of element `index` of `s`, which has them, over what was there. A non-empty
+    /// `modelName` is put in front of the block path and the element identifier.
     void createStructData(hvArray* s, std::size_t index, const std::u16string& modelName) const;
-    /// Writes element `index` of `s` as it is saved: references relative to the model, and the block path
-    /// freshly aligned by the host for `modelName`. When the host cannot align it, the path is saved empty:
-    /// the warning has been given, and a path that is no longer true is not kept.
+    /// Writes element `index` of `s` as it is saved: references relative to the model, the block path freshly aligned
+    /// by the host for `modelName`. A path that the host cannot align is saved empty; the host has warned of it.
     void getPersistenceData(hvArray* s, std::size_t index, std::u16string modelName) const;
-    /// Reads element `index` of a persisted struct array by field name. The runtime-only members keep their
-    /// values, even when the struct has such fields. "LogicalPortIndex_" and the three flags may be missing
-    /// and keep their values, the domain type, visual type and parameters may be and become empty; any other
-    /// missing field, and a number field that holds no number, throws the host's exception and leaves what
-    /// was read before it.
+    /// Reads element `index` of a persisted struct array by field name. The runtime-only members keep their values,
+    /// even when the struct has such fields.
+    /// Of missing fields, "LogicalPortIndex_" and the three flags keep their values; domain type, visual type and
+    /// parameters become empty. Any other missing field, and a number field without a number, throws the host's
+    /// exception; what was read before it stays read.
     void setFromPersistentData(const hvArray* s, std::size_t index);
 
     // ---- the host's forms ----
 
-    /// The signal as the host's object of class "Kestrel.HMI.SignalSpecification", or with `asStruct` as a 1x1
-    /// struct of 20 fields. Null when the host refuses to construct the object. An object for a signal without
-    /// a cached handle keeps the class's own defaults for handle and port.
+    /// The signal as an object of the host class "Kestrel.HMI.SignalSpecification", or with `asStruct` as a 1x1 struct
+    /// of 20 fields. Null when the host refuses the object. Without a cached handle the object keeps the class's own
+    /// handle and port.
     HvArrayPtr getHOSObject(const std::u16string& modelName, bool asStruct) const;
     /// Reads the properties of element 0 of a host object and takes `modelName` off the references. An empty
     /// "CachedBlockHandle_" leaves handle and port at their values.
@@ -102,9 +103,9 @@ public:
 
     // ---- comparing ----
 
-    /// All persisted members are equal; the runtime-only ones are not compared. The domain parameters are compared in
-    /// the maps' own orders: equal contents in another order are unequal. A record that was saved and read back, or
-    /// went through a host object, has its parameters in the same order again. False for null.
+    /// All persisted members are equal; the runtime-only ones are not compared. Domain parameters whose maps are walked
+    /// in another order are unequal. Saving and reading back keeps the order, and so does a trip through a host object.
+    /// False for null.
     bool isEqual(const SignalSpecification* other) const;
     /// Both records denote the same source port: equal cached handles and ports, else, also when the handles
     /// differ, equal port numbers, block path and sub-path. False for null.
@@ -157,13 +158,12 @@ public:
     /// The map itself. It outlives models and only grows.
     static BlockUUIDMap& getBlockUUIDmap();
 
-    // ---- further members, open to sets and host classes like the fields ----
+    // ---- runtime only; open to sets and host classes like the fields ----
 
-    DomainParamsMap m_domainParams;
-    double m_cachedBlockHandle = 0.0;  ///< runtime only; valid for one load of the model
-    std::int32_t m_cachedPortIdx = 0;  ///< runtime only; 0 until the handle is resolved
-    std::string m_bindingRule;         ///< runtime only
-    bool m_excludeForSave = false;     ///< runtime only
+    double m_cachedBlockHandle = 0.0;  ///< valid for one load of the model
+    std::int32_t m_cachedPortIdx = 0;  ///< 0 until the handle is resolved
+    std::string m_bindingRule;
+    bool m_excludeForSave = false;
 
 private:
     KS_HMI_LOCAL SignalSpecification(const SignalSpecification&);

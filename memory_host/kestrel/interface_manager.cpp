@@ -19,7 +19,7 @@ constexpr const char* kClassName = "Kestrel.HMI.InterfaceMgr";
 
 std::vector<ModelRename> g_renames;
 std::vector<HmiEvent> g_events;
-/// The one manager, which lives while somebody holds it: it has no state of its own.
+// The one manager, which lives while somebody holds it: it has no state of its own.
 std::weak_ptr<hos::COSObject> g_manager;
 
 void getInterfaceMgr(orvex::Call& call) {
@@ -30,8 +30,8 @@ void getInterfaceMgr(orvex::Call& call) {
     g_manager = manager;
 }
 
-/// The open model that `oldName` means: a set that was renamed several times before it is validated
-/// reports each time the name that it was last known by.
+// The open model that `oldName` means: a set that was renamed several times before it is validated
+// reports each time the name that it was last known by.
 std::u16string openNameFor(const std::u16string& oldName) {
     if (loadedModels().find(oldName)) return oldName;
     const auto isAbout = [&](const ModelRename& told) {
@@ -41,8 +41,8 @@ std::u16string openNameFor(const std::u16string& oldName) {
     return told == g_renames.rend() ? oldName : told->newName;
 }
 
-/// Records the rename and gives the model of the old name its new one, should it still be open under the old.
-/// Throws the host's exception for a name that no model can have and for one that another open model has.
+// Records the rename and gives the model of the old name its new one, should it still be open under the old.
+// Throws the host's exception for a name that no model can have and for one that another open model has.
 void renameModel(orvex::Call& call) {
     requireInputs(call, 3);
     orvex::requireScriptObject(call.ins[0], kClassName);

@@ -24,7 +24,7 @@ bool haveSameSize(const hvArray* left, const hvArray* right) {
            std::equal(hvGetDimensions(left), hvGetDimensions(left) + count, hvGetDimensions(right));
 }
 
-/// Wide enough for every number that the host knows.
+// Wide enough for every number that the host knows.
 long double numberAt(const hvArray* value, std::size_t index) {
     long double number = 0;
     orvex::withElementType(hvGetClassID(value), [&]<class Stored>(std::type_identity<Stored>) {
@@ -37,7 +37,7 @@ bool isNumeric(const hvArray* value) {
     return orvex::withElementType(hvGetClassID(value), [](auto) {});
 }
 
-/// What holds nothing reads as a 0x0 double.
+// What holds nothing reads as a 0x0 double.
 bool readsAsNothing(const hvArray* value) {
     return !value || (isNumeric(value) && hvGetNumberOfDimensions(value) == 2 && hvGetDimensions(value)[0] == 0 &&
                       hvGetDimensions(value)[1] == 0);

@@ -26,7 +26,7 @@ void checkName(const std::u16string& name) {
 void checkPath(std::u16string_view path) {
     if (isBlockPath(path)) return;
     const std::string text = fl::i18n::to_string(std::u16string(path));
-    throw ModelError("A block's path is names with '/' between them, and " + quoted(text) + " is none.", text);
+    throw ModelError(quoted(text) + " is not a block path. A path consists of names separated by '/'.", text);
 }
 
 [[noreturn]] void throwPathTaken(const std::u16string& modelName, const Block& holder) {

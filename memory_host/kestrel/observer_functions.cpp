@@ -17,7 +17,7 @@ namespace kestrel {
 
 namespace {
 
-/// The UUIDs of the open models' signals, read once a model.
+// The UUIDs of the open models' signals, read once a model.
 class SignalUuids {
 public:
     bool has(const std::u16string& modelName, const std::u16string& uuid) {
@@ -33,7 +33,7 @@ private:
     std::map<std::u16string, std::set<std::u16string>> m_uuids;
 };
 
-/// Gone for certain: every model that the client names is open, and none has the signal.
+// Gone for certain: every model that the client names is open, and none has the signal.
 bool isSignalGone(const hvArray* client, SignalUuids& uuids) {
     const std::vector<std::u16string> names = modelsOfClient(*omGetArrayElement(client, 0));
     const std::u16string uuid = textProperty(client, "SignalUUID_");
@@ -43,7 +43,7 @@ bool isSignalGone(const hvArray* client, SignalUuids& uuids) {
 
 bool isDeprecated(const hvArray* client) { return textProperty(client, "ObserverType_") == u"hmi_web_widget_observer"; }
 
-/// Removes the clients of a deprecated kind and those whose signal is gone, from the last to the first.
+// Removes the clients of a deprecated kind and those whose signal is gone, from the last to the first.
 void validateAndRemoveUnused(orvex::Call& call) {
     requireInputs(call, 1);
     const hvArray* clients = call.ins[0];
@@ -57,7 +57,7 @@ void validateAndRemoveUnused(orvex::Call& call) {
     }
 }
 
-/// The elements of the model path as their blocks are now; one whose block is not found stays as it is.
+// The elements of the model path as their blocks are now; one whose block is not found stays as it is.
 HvArrayPtr alignedModelPath(const hvArray* client) {
     const HvArrayPtr path(hvGetPropertyShared(client, 0, "ModelPath_"));
     const HvArrayPtr eids(hvGetPropertyShared(client, 0, "ModelPathEID_"));
@@ -72,8 +72,8 @@ HvArrayPtr alignedModelPath(const hvArray* client) {
     return aligned;
 }
 
-/// The clients as an N x 1 object array, in order, with aligned model paths. A client whose object was
-/// refused is left out.
+// The clients as an N x 1 object array, in order, with aligned model paths. A client whose object was
+// refused is left out.
 void getAlignedObservers(orvex::Call& call) {
     requireInputs(call, 1);
     orvex::Objects aligned;

@@ -20,8 +20,8 @@ namespace {
 
 constexpr const char* kModelClass = "Kestrel.Model";
 
-/// One observed port with the signal that observes it and what its block was when the signal was read: a script that
-/// is called for the next signal may unload the model.
+// One observed port with the signal that observes it and what its block was when the signal was read: a script that
+// is called for the next signal may unload the model.
 struct ObservedPort {
     HvArrayPtr signal;
     double blockHandle;
@@ -30,14 +30,14 @@ struct ObservedPort {
 
 bool flagProperty(const hvArray* object, const char* name) { return numberProperty(object, name) != 0.0; }
 
-/// The model's set, or null while it has none; a value of its own, which outlives the model.
+// The model's set, or null while it has none; a value of its own, which outlives the model.
 HvArrayPtr requireSignals(const hvArray* modelObject) {
     const std::u16string name = textOf(orvex::requireScriptObject(modelObject, kModelClass).stored("Name"));
     if (!loadedModels().find(name)) orvex::raise("ModelNotOpen", "No model named " + quoted(name) + " is open.");
     return signalsOf(name);
 }
 
-/// The port signals of the model's set whose block is in an open model, in the set's order.
+// The port signals of the model's set whose block is in an open model, in the set's order.
 std::vector<ObservedPort> observedPorts(const hvArray* modelObject) {
     const HvArrayPtr signals = requireSignals(modelObject);
     std::vector<ObservedPort> ports;
@@ -79,7 +79,7 @@ HvArrayPtr numberColumn(const std::vector<ObservedPort>& ports, const char* prop
     return numberColumn(ports, [&](const ObservedPort& port) { return numberProperty(port.signal.get(), property); });
 }
 
-/// Leaves what the five arguments of "getObservedPorts" ask for.
+// Leaves what the five arguments of "getObservedPorts" ask for.
 void filter(std::vector<ObservedPort>& ports, const orvex::Call& call) {
     const std::u16string below = textOf(call.ins[1]);
     const std::u16string visualType = textOf(call.ins[2]);
@@ -130,7 +130,8 @@ void constructModel(orvex::ScriptObject& self, std::span<const hvArray* const> a
     const std::u16string name = arguments.size() == 1 ? textOf(arguments[0]) : std::u16string();
     if (!loadedModels().find(name))
         orvex::raise("ModelNotOpen", std::string("The constructor of class ") + kModelClass +
-                                         " takes the name of an open model, and " + quoted(name) + " is none.");
+                                         " takes the name of an open model; no model named " + quoted(name) +
+                                         " is open.");
     self.store("Name", makeText(name));
 }
 

@@ -14,7 +14,7 @@ namespace kestrel {
 
 namespace {
 
-/// What a signal has cached: the block's handle (nothing: unresolved), the port and the rule that found it.
+// What a signal has cached: the block's handle (nothing: unresolved), the port and the rule that found it.
 struct Binding {
     std::optional<double> handle;
     double port = 0.0;
@@ -31,24 +31,25 @@ Binding currentBinding(const hvArray* signal) {
     return binding;
 }
 
-/// A block resolves the ports only that it has; charts are observed as a whole.
-bool hasPort(const LoadedBlock& found, const hvArray* signal) {
-    if (isOnChart(signal)) return true;
-    const double port = numberProperty(signal, "OutputPortIndex_");
-    return port >= 1.0 && port <= static_cast<double>(found.block->outputs.size()) && port == std::floor(port);
+// A block resolves the ports only that it has; charts are observed as a whole.
+bool hasPort(const Block& block, double port, bool isChart) {
+    return isChart || (port >= 1.0 && port <= static_cast<double>(block.outputs.size()) && port == std::floor(port));
 }
 
-Binding boundTo(const LoadedBlock& found, const hvArray* signal, const char16_t* rule) {
-    return {.handle = found.block->handle, .port = numberProperty(signal, "OutputPortIndex_"), .rule = rule};
-}
-
+// All that the signal says is read before its block is looked for: to read may be to run a script, which may unload
+// the model.
 Binding rebind(const hvArray* signal) {
     const std::string eid = fl::i18n::to_string(textProperty(signal, "EID_"));
+    const std::u16string path = textProperty(signal, "BlockPath_");
+    const double port = numberProperty(signal, "OutputPortIndex_");
+    const bool isChart = isOnChart(signal);
     const auto bound = [&](const LoadedBlock& found, const char16_t* rule) {
-        return found && hasPort(found, signal) ? std::optional(boundTo(found, signal, rule)) : std::nullopt;
+        return found && hasPort(*found.block, port, isChart)
+                   ? std::optional(Binding{.handle = found.block->handle, .port = port, .rule = rule})
+                   : std::nullopt;
     };
     return onSignalBlock(
-               eid, textProperty(signal, "BlockPath_"), PathFallback::afterEid,
+               eid, path, PathFallback::afterEid,
                [&](std::string_view text) { return bound(findByFullEid(text), u"eid"); },
                [&](const std::u16string& text) { return bound(findByFullPath(text), u"path"); })
         .value_or(Binding{});
@@ -67,10 +68,10 @@ void assign(hvArray* signal, const Binding& binding) {
     hvSetProperty(signal, 0, "CachedPortIdx_", port.get());
 }
 
-/// With `all` every signal is bound anew: by its element identifier (rule "eid"), else by its path (rule
-/// "path"); one whose port is found neither way is left unresolved, with no rule. Without, only the
-/// signals are left unresolved whose handle belongs to no open block. Signals are changed one after the
-/// other through the set's own methods; after a failure those before it stay changed.
+// With `all` every signal is bound anew: by its element identifier (rule "eid"), else by its path (rule
+// "path"); one whose port is found neither way is left unresolved, with no rule. Without, only the
+// signals are left unresolved whose handle belongs to no open block. Signals are changed one after the
+// other through the set's own methods; after a failure those before it stay changed.
 void applyRebindingRules(orvex::Call& call) {
     requireInputs(call, 2);
     const hvArray* set = call.ins[0];

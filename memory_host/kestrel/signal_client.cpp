@@ -8,13 +8,13 @@ namespace kestrel {
 
 namespace {
 
-/// So many of the properties, the first ones, are saved.
+// So many of the properties, the first ones, are saved.
 constexpr std::size_t kSaved = 11;
 
 HvArrayPtr one() { return makeUint32(1); }
 HvArrayPtr no() { return makeLogical(false); }
 
-/// The object of the observed signal; a 0x0 double when no open model that the client names has it.
+// The object of the observed signal; a 0x0 double when no open model that the client names has it.
 HvArrayPtr signalInfo(const orvex::ScriptObject& self) {
     HvArrayPtr signal = findSignal(modelsOfClient(self), textOf(self.stored("SignalUUID_")));
     return signal ? std::move(signal) : makeEmpty();

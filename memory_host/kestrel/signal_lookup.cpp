@@ -44,7 +44,7 @@ std::vector<std::u16string> signalUuids(const hvArray* signals) {
 
 namespace {
 
-/// Where the signal was found last; 0 when that is not known.
+// Where the signal was found last; 0 when that is not known.
 double knownPosition(std::u16string_view modelName, const std::u16string& uuid) {
     LoadedModel* const open = loadedModels().find(modelName);
     if (!open) return 0.0;
@@ -52,7 +52,7 @@ double knownPosition(std::u16string_view modelName, const std::u16string& uuid) 
     return known == open->foundSignals().end() ? 0.0 : known->second;
 }
 
-/// 0 when the set has no such signal.
+// 0 when the set has no such signal.
 double positionOf(std::u16string_view modelName, const hvArray* signals, const std::u16string& uuid) {
     const double hint = knownPosition(modelName, uuid);
     if (hint > 0.0 && hint <= numberProperty(signals, "Count") && uuidAt(signals, hint) == uuid) return hint;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const char* kClassName = "Kestrel.HMI.SignalSpecification";
 
-/// So many of the properties, the first ones, are saved.
+// So many of the properties, the first ones, are saved.
 constexpr std::size_t kSaved = 16;
 
 HvArrayPtr zero() { return makeDouble(0.0); }

@@ -153,6 +153,29 @@ TEST_F(Kestrel, questionsOutliveTheModelThatAScriptUnloadsMeanwhile) {
     EXPECT_TRUE(hvIsA(property(client.get(), "SignalInfo").get(), "Kestrel.HMI.SignalSpecification"));
 }
 
+TEST_F(Kestrel, rebindingReadsASignalBeforeItLooksForTheBlock) {
+    static HvArrayPtr only;
+    orvex::ScriptClass leaving;
+    leaving.fullName = "Test.Leaving";
+    leaving.superclass = "Kestrel.HMI.SignalSpecification";
+    leaving.properties = {{"OutputPortIndex_", {}, false, [](const orvex::ScriptObject&) {
+                               loadedModels().unload(u"engine");
+                               return number(1.0);
+                           }}};
+    orvex::defineScriptClass(leaving);
+    orvex::ScriptClass set;
+    set.fullName = "Test.One";
+    set.properties = {{"Count", [] { return number(1.0); }}};
+    set.methods["get"] = [](orvex::Call& get) { get.outs[0].reset(hvCreateSharedDataCopy(only.get())); };
+    orvex::defineScriptClass(set);
+    only = call("Test.Leaving", {});
+    put(only, "EID_", text("engine:2"));
+    loadedModels().load(engine());
+    call("applyRebindingRules", {call("Test.One", {}).get(), logical(true).get()}, 0);
+    EXPECT_EQ(hvArrayToStdString(property(only.get(), "BindingRule_").get()), "");
+    only.reset();
+}
+
 TEST_F(Kestrel, theSignalClassTakesACompleteStructOnly) {
     const HvArrayPtr data = ks_test::structOf(1, std::array{"UUID"});
     hvReplaceField(data.get(), 0, "UUID", hvCreateString("u"));

@@ -196,7 +196,7 @@ TEST_F(ObjectSystem, enforcesAccessAndTypesOfProperties) {
     EXPECT_TRUE(assign("Colour", seven).starts_with("UnknownProperty"));
     EXPECT_EQ(assign("Name", text("right")), "");
     EXPECT_EQ(orvex::displayObject(object.get()), "Lib.Tools.Counter\n  Name: 'right'\n  Count: 0");
-    EXPECT_NE(failureOf([&] { property(seven.get(), "Name"); }).find("is no object"), std::string::npos);
+    EXPECT_NE(failureOf([&] { property(seven.get(), "Name"); }).find("is not an object"), std::string::npos);
     EXPECT_NE(failureOf([&] { hvGetProperty(object.get(), 1, "Name"); }).find("index 1 of 1"), std::string::npos);
 }
 

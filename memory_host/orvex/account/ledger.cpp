@@ -37,7 +37,7 @@ std::string demangled(const char* symbol) {
     return status == 0 && text ? text.get() : symbol;
 }
 
-/// The function that holds the code address, else the file and the offset in it (for a symboliser).
+// The function that holds the code address, else the file and the offset in it (for a symboliser).
 std::string placeOf(const void* address) {
     Dl_info info{};
     // One byte back: the return address of a call at a function's end belongs to the next function.

@@ -13,7 +13,7 @@ namespace orvex {
 namespace {
 
 constinit hvArray* g_local = nullptr;
-/// Made or handed out while a call runs, in no container and without a scope.
+// Made or handed out while a call runs, in no container and without a scope.
 constinit hvArray* g_loose = nullptr;
 
 void enter(hvArray*& list, hvArray* value, Lifetime lifetime) noexcept {
@@ -24,7 +24,7 @@ void enter(hvArray*& list, hvArray* value, Lifetime lifetime) noexcept {
     list = value;
 }
 
-/// Keeps the shells of the last expired values, so that a late use of one is told from any other fault.
+// Keeps the shells of the last expired values, so that a late use of one is told from any other fault.
 void bury(hvArray* value) noexcept {
     static auto& graves = *new std::array<std::unique_ptr<hvArray>, 64>;
     static std::size_t next = 0;

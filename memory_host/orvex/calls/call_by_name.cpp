@@ -21,11 +21,11 @@ namespace {
 
 using faults::Outcome;
 
-/// Scripts that call themselves for ever are stopped while there is stack left.
+// Scripts that call themselves for ever are stopped while there is stack left.
 constexpr int kGreatestDepth = 500;
 
-/// A call's inputs: each lives until the call ends, with the objects in it, even if the caller's script
-/// drops them meanwhile. A missing one is an empty array to the function.
+// A call's inputs: each lives until the call ends, with the objects in it, even if the caller's script
+// drops them meanwhile. A missing one is an empty array to the function.
 class PinnedInputs {
 public:
     explicit PinnedInputs(std::span<const hvArray* const> ins) {
@@ -66,7 +66,7 @@ void dispatch(Call& call) {
     raise("UndefinedFunction", text + ".");
 }
 
-/// What a function throws is a failure of the call, whatever its type.
+// What a function throws is a failure of the call, whatever its type.
 void dispatchAsHost(Call& call) {
     try {
         dispatch(call);
@@ -87,7 +87,7 @@ Results substitutes(Outcome outcome, std::size_t count) {
     return results;
 }
 
-/// The caller's from here on; the outermost call's result is nobody else's business any more.
+// The caller's from here on; the outermost call's result is nobody else's business any more.
 void handBack(hvArray* result) noexcept { hostCallDepth() > 1 ? handOut(result) : leaveScopes(result); }
 
 Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut, Outcome outcome) {

@@ -24,7 +24,7 @@ std::unordered_set<const kssvDiagnosticImpl*>& liveDiagnostics() {
     return live;
 }
 
-/// Takes the diagnostic from its holder; null for null and for one that was consumed before.
+// Takes the diagnostic from its holder; null for null and for one that was consumed before.
 Owned consumed(kssvDiagnosticImpl* diagnostic) noexcept {
     if (!diagnostic) return nullptr;
     if (liveDiagnostics().erase(diagnostic) == 1) return Owned(diagnostic);

@@ -18,7 +18,7 @@ struct NameHash {
     std::size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>()(name); }
 };
 
-/// For each name the definition, if there is one, and the registrations in front of it; the last counts.
+// For each name the definition, if there is one, and the registrations in front of it; the last counts.
 using Table = std::unordered_map<std::string, std::vector<Entry>, NameHash, std::equal_to<>>;
 
 Table& table() {

@@ -14,7 +14,7 @@ namespace {
 
 using EntryPoint = void (*)();
 
-/// NAME of ".../libNAME.so[.version]"; empty for a file of another name.
+// NAME of ".../libNAME.so[.version]"; empty for a file of another name.
 std::string stemOf(const std::string& path) {
     const std::string file = std::filesystem::path(path).filename().string();
     const std::size_t end = file.find(".so");
@@ -47,7 +47,7 @@ void initialize(void* handle, const std::string& path, const std::string& symbol
 
 LoadedLibrary::LoadedLibrary(const std::string& pathOrSoname) : m_name(stemOf(pathOrSoname)) {
     if (m_name.empty())
-        raise("LibraryNotLoaded", "\"" + pathOrSoname + "\" is no library file name; such names are libNAME.so.");
+        raise("LibraryNotLoaded", "\"" + pathOrSoname + "\" is not a library file name; it must have the form libNAME.so.");
     void* const handle = dlopen(pathOrSoname.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) {
         const char* reason = dlerror();

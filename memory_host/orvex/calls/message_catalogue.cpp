@@ -47,7 +47,7 @@ struct ArgumentText {
 
 using Arguments = std::vector<resource_core::BaseMsgID::Argument>;
 
-/// Replaces {0} to {9}; a number that no argument has stays as it is.
+// Replaces {0} to {9}; a number that no argument has stays as it is.
 std::string filledIn(std::string_view pattern, const Arguments& arguments) {
     std::string text;
     for (std::size_t i = 0; i < pattern.size(); ++i) {

@@ -15,7 +15,7 @@ namespace orvex {
 
 namespace {
 
-/// A method with the class it belongs to, as messages name it.
+// A method with the class it belongs to, as messages name it.
 struct Callee {
     const NativeClass& owner;
     const hos::COSMethodInfo& method;
@@ -80,7 +80,7 @@ HvArrayPtr toHostValue(const Callee& callee, std::size_t position, hos::Result r
     return std::move(*value);
 }
 
-/// `results` has a slot for every output of the call, and at least one.
+// `results` has a slot for every output of the call, and at least one.
 void invoke(const Callee& callee, Call& call, std::vector<hos::Result>& results) {
     checkCounts(callee, call);
     const std::vector<hos::Argument> arguments = convertArguments(callee, call.ins);

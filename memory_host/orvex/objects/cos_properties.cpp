@@ -13,7 +13,7 @@ namespace {
 
 using Kind = hos::COSType::Kind;
 
-/// A value handed out by a getter, given back exactly once.
+// A value handed out by a getter, given back exactly once.
 class HandedOut {
 public:
     HandedOut(const hos::COSPropInfo& property, const void* instance) : m_property(property) {

@@ -33,8 +33,8 @@ void defineScriptClass(ScriptClass definition) {
     if (!definition.superclass.empty()) {
         const auto base = findScriptClass(definition.superclass);
         if (!base)
-            raise("UnknownClass", "The superclass " + definition.superclass + " of " + definition.fullName +
-                                      " is no class that is defined.");
+            raise("UnknownClass",
+                  "The superclass " + definition.superclass + " of " + definition.fullName + " is not defined.");
         inherit(definition, *base);
     }
     addScriptClass(std::move(definition));

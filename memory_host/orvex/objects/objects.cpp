@@ -14,13 +14,14 @@ using orvex::faults::Operation;
 
 std::string describeObject(const void* object) { return static_cast<const hos::COSObject*>(object)->className(); }
 
-/// The element, which stays alive while its property is read or written.
+// The element, which stays alive while its property is read or written.
 hos::ObjectInterface requireElement(const hvArray* object, std::size_t index, const char* name) {
     hos::ObjectInterface element = omGetArrayElement(object, index);
     if (element && name) return element;
     const std::string property = "property \"" + std::string(name ? name : "") + "\"";
     const orvex::Objects* objects = orvex::objectsOf(object);
-    if (!objects) orvex::raise("NoObject", orvex::describeValue(object) + " is no object and has no " + property + ".");
+    if (!objects)
+        orvex::raise("NoObject", orvex::describeValue(object) + " is not an object and has no " + property + ".");
     orvex::raise("IndexOutOfRange", "There is no object at index " + std::to_string(index) + " of " +
                                         std::to_string(objects->size()) + " to ask for the " + property + ".");
 }

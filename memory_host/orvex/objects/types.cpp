@@ -23,7 +23,7 @@ namespace orvex {
 namespace {
 
 using Kind = hos::COSType::Kind;
-/// A number as it is stored, so that nothing is lost before the comparison with the wanted type.
+// A number as it is stored, so that nothing is lost before the comparison with the wanted type.
 using Number = std::variant<double, std::int64_t, std::uint64_t>;
 
 std::optional<Kind> builtInKind(std::string_view text) {

@@ -26,7 +26,7 @@ std::int64_t saturated(double number) noexcept {
     return static_cast<std::int64_t>(number);
 }
 
-template <typename Number>
+template <class Number>
 Number converted(auto element) noexcept {
     using Element = decltype(element);
     if constexpr (std::is_same_v<Number, double>) {
@@ -41,21 +41,21 @@ Number converted(auto element) noexcept {
     }
 }
 
-template <typename Number>
+template <class Number>
 struct FirstElement {
     const hvArray* value;
 
-    template <typename T>
+    template <class T>
     Number operator()(const Buffer<T>& buffer) const {
         return converted<Number>(*buffer.data());
     }
-    template <typename Other>
+    template <class Other>
     Number operator()(const Other&) const {
         raise("WrongClass", "A number is needed here, not " + describeValue(value) + ".");
     }
 };
 
-template <typename Number>
+template <class Number>
 Number firstElement(const hvArray* value) {
     faults::point(faults::Operation::readScalar);
     if (hvIsEmpty(value)) raise("EmptyValue", "A number is needed here, not " + describeValue(value) + ".");

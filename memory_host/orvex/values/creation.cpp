@@ -49,13 +49,13 @@ HvArrayPtr makeEmpty(const Site& site) { return makeValue(hvDOUBLE_CLASS, Dimens
 
 namespace {
 
-/// `number` zeros of the class.
+// `number` zeros of the class.
 Payload zerosOf(hvClassID classId, std::size_t number) {
     if (classId == hvCHAR_CLASS) return Text(number);
     Payload zeros;
     const bool isNumeric = withElementType(
         classId, [&]<class Stored>(std::type_identity<Stored>) { zeros.emplace<Buffer<Stored>>(number); });
-    if (!isNumeric) raise("WrongClass", "Class " + std::to_string(classId) + " is no numeric class.");
+    if (!isNumeric) raise("WrongClass", "Class " + std::to_string(classId) + " is not a numeric class.");
     return zeros;
 }
 
@@ -66,8 +66,8 @@ hvArray* createNumeric(Dimensions dimensions, hvClassID classId, hvComplexity co
     return makeValue(classId, std::move(dimensions), zerosOf(classId, elements), site).release();
 }
 
-/// Works for UTF-8 as well when it is ASCII.
-template <typename Unit>
+// Works for UTF-8 as well when it is ASCII.
+template <class Unit>
 hvArray* createText(std::basic_string_view<Unit> text, const Site& site) {
     Text units(text.size());
     std::copy(text.begin(), text.end(), units.dataForWriting());
@@ -78,7 +78,7 @@ hvArray* createTextOfUtf8(std::string_view text, const Site& site) {
     return isAscii(text) ? createText(text, site) : createText(std::u16string_view(utf16Of(text)), site);
 }
 
-template <typename T>
+template <class T>
 hvArray* createScalar(hvClassID classId, T value, const Site& site) {
     faults::point(faults::Operation::createValue);
     Buffer<T> one;

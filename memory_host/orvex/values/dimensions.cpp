@@ -9,7 +9,7 @@
 namespace orvex {
 namespace {
 
-/// Leaves room for the multiplication by an element's size.
+// Leaves room for the multiplication by an element's size.
 constexpr std::size_t kMostElements = std::size_t{std::numeric_limits<std::ptrdiff_t>::max()} / 16;
 
 std::string joined(std::span<const std::size_t> lengths) {

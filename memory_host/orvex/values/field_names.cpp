@@ -12,7 +12,7 @@ namespace {
 
 using SharedNames = std::shared_ptr<const FieldNames>;
 
-/// Up to here comparing one after the other is as fast as searching.
+// Up to here comparing one after the other is as fast as searching.
 constexpr std::size_t kFew = 32;
 
 bool areSame(const FieldNames& known, std::span<const char* const> names) {

@@ -49,7 +49,7 @@ private:
 
 /// The elements of a numeric, logical or character array. A few are stored in place; more are shared by copies until
 /// one of them is written.
-template <typename T>
+template <class T>
 class Buffer {
 public:
     /// Zeros.
@@ -135,10 +135,6 @@ using Payload =
                  Buffer<std::int16_t>, Buffer<std::uint16_t>, Buffer<std::int32_t>, Buffer<std::uint32_t>,
                  Buffer<std::int64_t>, Buffer<std::uint64_t>, StructData, CellData, Objects>;
 
-}  // namespace orvex
-
-namespace orvex {
-
 /// Who sees to the end of a value. See local_scope.h.
 enum class Lifetime : std::uint8_t {
     owned,      ///< made outside any host call
@@ -188,11 +184,11 @@ SharedValue contained(HvArrayPtr value) noexcept;
 
 /// The payload as T, or null for null and for a value of another class. What copies share is taken apart by
 /// `dataForWriting` and `forWriting` only.
-template <typename T>
+template <class T>
 const T* payloadOf(const hvArray* value) noexcept {
     return value ? std::get_if<T>(&value->m_payload) : nullptr;
 }
-template <typename T>
+template <class T>
 T* payloadOf(hvArray* value) noexcept {
     return value ? std::get_if<T>(&value->m_payload) : nullptr;
 }

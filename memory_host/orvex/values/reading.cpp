@@ -16,7 +16,7 @@ const hos::COSObject* firstObject(const hvArray* value) noexcept {
     return objects && !objects->empty() ? objects->front().get() : nullptr;
 }
 
-template <typename T>
+template <class T>
 const void* dataIn(const Buffer<T>& buffer) noexcept {
     return buffer.data();
 }
@@ -24,7 +24,7 @@ const void* dataIn(const StructData&) noexcept { return nullptr; }
 const void* dataIn(const CellData&) noexcept { return nullptr; }
 const void* dataIn(const Objects&) noexcept { return nullptr; }
 
-template <typename T>
+template <class T>
 const T* bufferIn(const hvArray* value) noexcept {
     const auto* buffer = payloadOf<Buffer<T>>(value);
     return buffer ? buffer->data() : nullptr;

@@ -14,7 +14,7 @@ struct Decoded {
     std::size_t length;
 };
 
-/// What a leading byte promises: how many bytes follow, and which values the next one may have.
+// What a leading byte promises: how many bytes follow, and which values the next one may have.
 struct Lead {
     std::size_t following = 0;
     std::uint8_t least = 0x80;
@@ -33,8 +33,8 @@ Lead leadOf(std::uint8_t byte) noexcept {
     return {};
 }
 
-/// Decodes one character from a text that is not empty; an ill-formed one has the length of its
-/// maximal subpart.
+// Decodes one character from a text that is not empty; an ill-formed one has the length of its
+// maximal subpart.
 Decoded decodeUtf8(std::string_view text) noexcept {
     const auto first = static_cast<std::uint8_t>(text[0]);
     if (first < 0x80) return {first, 1};
@@ -63,8 +63,8 @@ void append(std::string& text, char32_t codePoint) {
     text.append(bytes, ks_host::putUtf8(bytes, codePoint));
 }
 
-/// Looks at all units: such loops run over many of them at a time.
-template <typename Text>
+// Looks at all units: such loops run over many of them at a time.
+template <class Text>
 bool isAsciiText(Text text) noexcept {
     using Unit = std::make_unsigned_t<typename Text::value_type>;
     Unit all = 0;
@@ -72,7 +72,7 @@ bool isAsciiText(Text text) noexcept {
     return all < 0x80;
 }
 
-template <typename Target, typename Source, typename Decode>
+template <class Target, class Source, class Decode>
 Target transcoded(Source text, Decode decode) {
     Target result;
     result.reserve(text.size());

@@ -43,7 +43,7 @@ SharedValue& fieldSlot(hvArray* structArray, std::size_t index, const char* name
     return data->values.forWriting(index * data->names->size() + static_cast<std::size_t>(field));
 }
 
-/// Stores the value and gives back what was there, to be released when everything is in order again.
+// Stores the value and gives back what was there, to be released when everything is in order again.
 SharedValue storedInField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
     HvArrayPtr incoming = takenOver(structArray, value);
     faults::point(faults::Operation::writeField);
@@ -51,11 +51,11 @@ SharedValue storedInField(hvArray* structArray, std::size_t index, const char* n
     return std::exchange(slot, contained(std::move(incoming)));
 }
 
-template <typename T>
+template <class T>
 void* writableData(Buffer<T>& buffer) {
     return buffer.dataForWriting();
 }
-template <typename Other>
+template <class Other>
 void* writableData(Other&) noexcept {
     return nullptr;
 }
