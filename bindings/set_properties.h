@@ -50,6 +50,7 @@ public:
     void setValue(void* instance, const hos::PropValue& value) const override {
         static_cast<Set*>(instance)->setFromPersistenceData(value.array);
     }
+    // Kept: it is the host's way to save, and not a script's.
     bool isDisplayed() const override { return false; }
 };
 

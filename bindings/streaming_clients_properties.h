@@ -9,6 +9,7 @@ namespace ks_hmi_foundation {
 class ClientsModelPI final : public ModelPI<ks_hmi::StreamingClients> {
 public:
     using ModelPI::ModelPI;
+    // Kept: scripts may rename a set of clients; a set of signals is renamed by the environment itself.
     int getSetAccess() const override { return hos::kSettableAccess; }
     void setValue(void* instance, const hos::PropValue& value) const override {
         static_cast<ks_hmi::StreamingClients*>(instance)->setModelName(value.text);

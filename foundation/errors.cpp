@@ -16,6 +16,7 @@ std::int64_t elementNumber(std::size_t number) { return static_cast<std::int64_t
 
 }  // namespace
 
+// Kept: the number of elements and not the position; the host's message says how many there are.
 InvalidElementIndex::InvalidElementIndex(long count)
     : BaseMsgID(kCatalogue, "InvalidElementIndex", {std::int64_t{count}}) {}
 

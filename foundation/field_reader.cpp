@@ -51,6 +51,7 @@ std::vector<std::string> FieldSource::narrowTexts(const char* name) { return cel
 
 std::uint64_t FieldSource::widened(const char* name) {
     const hvArray* const value = find(name);
+    // Kept: 0 and not a new record's 1, which tells an old record apart.
     if (value == nullptr) return 0;
     numberIn(value, name);  // refuses what holds no number
     const auto low = static_cast<std::int32_t>(hvGetScalarInt(value));

@@ -13,6 +13,7 @@ template <class CharT>
 constexpr std::basic_string_view<CharT> withoutModelPrefix(std::basic_string_view<CharT> reference,
                                                            std::basic_string_view<CharT> modelName,
                                                            std::basic_string_view<CharT> separator) {
+    // Kept: what is only the prefix stays whole, and an empty name takes a leading separator off.
     const std::size_t length = modelName.size() + separator.size();
     const bool hasPrefix = length < reference.size() && reference.substr(0, modelName.size()) == modelName &&
                            reference.substr(modelName.size(), separator.size()) == separator;

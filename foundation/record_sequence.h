@@ -26,6 +26,7 @@ HvArrayPtr persistRecords(const std::vector<boost::shared_ptr<Record>>& records,
 /// When an element cannot be read, the ones before it have been appended and the error propagates.
 template <class Record, class Append>
 void appendRecords(const hvArray* data, Append append) {
+    // Kept: what is there already stays, so that the same data twice is held twice.
     const std::size_t count = hvGetNumberOfElements(data);
     for (std::size_t i = 0; i < count; ++i) {
         append(boost::shared_ptr<Record>(std::make_unique<Record>(data, i, std::u16string())));

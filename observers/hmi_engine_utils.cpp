@@ -36,6 +36,7 @@ void discardCaughtException() noexcept {
 
 }  // namespace
 
+// Kept: silent, whatever fails; a parameter change must not depend on dashboards being there.
 void HMIEngineUtils::updateParamsForBlock(const std::u16string& blockPath) noexcept {
     try {
         sendBlockParamChange(blockPath);

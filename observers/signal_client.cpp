@@ -33,6 +33,7 @@ HvArrayPtr makeLow32Bits(std::uint64_t value) { return ks_host::makeUint32(stati
 HvArrayPtr deepCopy(const HvArrayPtr& value) { return HvArrayPtr(hvCreateDeepCopy(value.get())); }
 
 bool areEqualValues(const hvArray* a, const hvArray* b) {
+    // Kept: the host is asked also when both are missing; it may count them as different.
     const HvArrayPtr none = a == nullptr || b == nullptr ? makeEmpty() : nullptr;
     const auto result = callHost<1>("isequal", {a != nullptr ? a : none.get(), b != nullptr ? b : none.get()});
     const bool* const answer = hvGetLogicals(result[0].get());
@@ -91,7 +92,7 @@ void SignalClient::createStructData(hvArray* s, std::size_t index, const std::u1
     setField(s, index, "UpdateRate_", makeLow32Bits(m_updateRate));
     setField(s, index, "DimensionChannel_", makeLow32Bits(m_dimensionChannel));
     setField(s, index, "ObserveImaginaryPart_", makeLogical(m_observeImaginaryPart));
-    // Up to a NUL only, unlike the other texts: the host's creator for plain narrow text is the one for this field.
+    // Kept: up to a NUL only, unlike the other texts; the host's creator for plain narrow text is the one here.
     setField(s, index, "BusLeafPath_", HvArrayPtr(hvCreateString(m_busLeafPath.c_str())));
 }
 

@@ -32,6 +32,7 @@ HvArrayPtr SignalClient::getHOSObject(const std::u16string& modelName) const {
 }
 
 SignalSpecification* SignalClient::getSignalSpecification(const std::u16string& modelName) {
+    // Kept: looked up once; a client is rebuilt when its model changes.
     if (m_signalSpec) return m_signalSpec.get();
     const HvArrayPtr object = getHOSObject(modelName);
     if (!object) return nullptr;

@@ -40,6 +40,7 @@ HvArrayPtr SignalSpecification::getHOSObject(const std::u16string& modelName, bo
     HvArrayPtr object = std::move((*result)[0]);
     if (!object) return nullptr;
     setProperty(object.get(), "BindingRule_", makeText(m_bindingRule));
+    // Kept: without a handle the class decides what "not resolved" looks like.
     if (m_cachedBlockHandle != 0.0) {
         setProperty(object.get(), "CachedBlockHandle_", makeDouble(m_cachedBlockHandle));
         setProperty(object.get(), "CachedPortIdx_", makeDouble(m_cachedPortIdx));

@@ -83,6 +83,7 @@ void SignalSpecification::createStructData(hvArray* s, std::size_t index, const 
 
 void SignalSpecification::getPersistenceData(hvArray* s, std::size_t index, std::u16string modelName) const {
     createStructData(s, index, std::u16string());
+    // Kept: empty when the host cannot align it; a path that is no longer true may find another block.
     const std::u16string aligned = getAlignedBlockPath(modelName);
     setField(s, index, "BlockPath_", makeText(RemoveModelFromPath(aligned, modelName)));
 }
@@ -126,6 +127,7 @@ bool SignalSpecification::isSameSignal(const SignalSpecification* other) const {
            m_blockPath == other->m_blockPath && m_subPath == other->m_subPath;
 }
 
+// Kept: sets call it, and a record holds no model name.
 void SignalSpecification::renameModel(const std::u16string&, const std::u16string&) {}
 
 void SignalSpecification::stripModelName(const std::u16string& modelName) {
@@ -138,6 +140,7 @@ void SignalSpecification::setCachedInfo(double blockHandle, int portIdx) {
     m_cachedPortIdx = portIdx;
 }
 
+// Kept: the logical port stays; it is the author's numbering and not the block's.
 void SignalSpecification::renumberPortIndex(int portIndex) {
     m_outputPortIndex = portIndex;
     m_cachedPortIdx = portIndex;

@@ -52,6 +52,7 @@ std::string FileRecordingContext::getMaxPoints() const { return m_maxPoints; }
 void FileRecordingContext::getProperties(std::vector<std::string>& numberNames, std::vector<double>& numberValues,
                                          std::vector<std::string>& textNames,
                                          std::vector<std::u16string>& textValues) const {
+    // Kept: appends only; callers gather the properties of several contexts.
     const FilePropertiesMap properties = getFilePropertiesMap();
     for (const auto& [name, value] : properties) {
         if (const auto* const number = boost::get<double>(&value)) {

@@ -13,6 +13,7 @@ public:
         const std::lock_guard lock(m_mutex);
         const auto [position, isNew] = m_registeredBlocks.insert(ctx);
         try {
+            // Kept: of several with one identifier the first is found, and any of them erases the entry when it goes.
             m_blocksById.try_emplace(ctx->getBlockId(), ctx);
         } catch (...) {
             if (isNew) m_registeredBlocks.erase(position);
@@ -24,6 +25,7 @@ public:
         // Declared before the lock, so that the context it holds dies after that is released; `ctx` outlives both.
         BlocksById::node_type entry;
         const std::lock_guard lock(m_mutex);
+        // Kept: gone before it is asked; one that can no longer tell its identifier must not stay registered.
         m_registeredBlocks.erase(ctx);
         entry = m_blocksById.extract(ctx->getBlockId());
     }

@@ -21,6 +21,7 @@ WksRecordingContext::~WksRecordingContext() = default;
 
 std::string WksRecordingContext::getSourceID() const { return m_sourceID; }
 
+// Kept: contexts of one model share a key; the registry knows them by their model.
 std::string WksRecordingContext::getBlockId() const { return fl::i18n::to_string(getModelName()); }
 
 std::u16string WksRecordingContext::getModelName() const { return m_modelName; }

@@ -36,6 +36,18 @@ TEST_F(ObservedPorts, whatLeavesTheIndexIsReleased) {
     EXPECT_EQ(shared.use_count(), 1);
 }
 
+TEST_F(ObservedPorts, theFirstMatchByPathIsEnteredOnceMore) {
+    const ks_hmi::InstrumentedSignals::SignalPtr shared(port(u"Gain", 1).release());
+    set().add(shared);
+    const long before = shared.use_count();
+    for (int asked = 0; asked < 2; ++asked) {
+        EXPECT_TRUE(set().isPortObserved(4.5, u"Gain", u"", 1, 1, 0));
+        EXPECT_EQ(shared.use_count(), before + 2) << "under its path key again, and under its handle key";
+    }
+    set().remove(std::size_t{0});
+    EXPECT_EQ(shared.use_count(), 1);
+}
+
 TEST_F(ObservedPorts, signalsUnderOnePathKeyComeAndGoEachForItself) {
     const auto add = [&](int outputPort) {
         auto spec = port(u"Gain", outputPort);
