@@ -1,13 +1,18 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/json_lines.h"
+#include "kshmi/commands/selecting.h"
+#include "kshmi/print/json_document.h"
+#include "kshmi/print/json_records.h"
 #include "kshmi/print/text_table.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
+#include "workbench/find/selecting_clients.h"
 #include "workbench/find/watching.h"
-#include "workbench/json/json_object.h"
+#include "workbench/json/json_text.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -18,6 +23,8 @@ using namespace workbench;
 
 struct ClientsArguments {
     std::string file;
+    SelectionArguments what;
+    ClientSelection clients;
     bool isJson = false;
 };
 
@@ -34,7 +41,7 @@ struct Answer {
     int port = 0;
     int decimation = 1;
     int maxPoints = 0;
-    Watched target = Watched::here;
+    std::string notes;
 };
 
 std::vector<Answer> answersOf(Session& session) {
@@ -51,7 +58,7 @@ std::vector<Answer> answersOf(Session& session) {
         answer.port = client->getAlignedPortIndex(model);
         answer.decimation = client->getDecimation(model);
         answer.maxPoints = client->getMaxPoints(model);
-        answer.target = watched(*client, uuids);
+        answer.notes = notesOn(*client, uuids, model);
         if (const auto signal = uuids.positionOf(client->m_signalUUID))
             answer.activity = activityOf(*session.signals().get(*signal));
         answers.push_back(std::move(answer));
@@ -73,8 +80,7 @@ std::string whereabouts(const Answer& answer) {
 
 void printText(const Session& session, const std::vector<Answer>& answers, const Output& output) {
     constexpr auto kRight = TextTable::Align::right;
-    output.out << fmt::format("model {}: {}\n", printable(session.model().name()),
-                              counted(session.clients().getCount(), "client"));
+    output.out << fmt::format("model {}: {}\n", printable(session.model().name()), counted(answers.size(), "client"));
     if (answers.empty()) return;
     TextTable table({{"#", kRight},
                      {"TYPE"},
@@ -89,35 +95,47 @@ void printText(const Session& session, const std::vector<Answer>& answers, const
         table.add({std::to_string(answer.position + 1), printable(std::string_view(client.m_observerType)),
                    whereabouts(answer), std::to_string(static_cast<std::uint32_t>(client.m_updateRate)),
                    std::to_string(static_cast<std::uint32_t>(client.m_dimensionChannel)),
-                   std::to_string(answer.decimation), std::to_string(answer.maxPoints),
-                   notesOn(client, answer.target)});
+                   std::to_string(answer.decimation), std::to_string(answer.maxPoints), answer.notes});
     }
     output.out << '\n';
     table.print(output.out, output.width);
 }
 
-void appendAnswer(std::string& out, const Answer& answer) {
-    const SignalClient& client = *answer.client;
-    JsonObject object(out);
-    object.number("position", answer.position + 1).text("uuid", std::string_view(client.m_uuid));
-    object.text("type", std::string_view(client.m_observerType)).name("path");
-    appendJsonArray(out, answer.path, [&](std::u16string_view path) { appendJsonText(out, path); });
-    object.text("subPath", answer.subPath).number("port", answer.port);
-    object.text("activity", answer.activity).number("decimation", answer.decimation);
-    object.number("maxPoints", answer.maxPoints);
-    object.text("signalUuid", std::string_view(client.m_signalUUID)).text("sourceModel", client.m_sourceModel);
-    object.number("updateRate", static_cast<std::uint32_t>(client.m_updateRate));
-    object.number("channel", static_cast<std::uint32_t>(client.m_dimensionChannel));
-    object.truth("imaginary", client.m_observeImaginaryPart).text("busLeaf", std::string_view(client.m_busLeafPath));
-    object.truth("dangling", answer.target == Watched::gone).truth("deprecated", client.isDeprecatedObserver());
-    object.close();
+void printJson(const Session& session, const std::vector<Answer>& answers, std::ostream& out) {
+    const SignalUuids uuids(session);
+    JsonDocument document("clients");
+    document.object().text("model", session.model().name());
+    document.list("clients", answers, [&](const Answer& answer) {
+        JsonObject object(document.text());
+        appendClient(object, *answer.client, answer.position, session, uuids);
+        object.name("path");
+        appendJsonArray(document.text(), answer.path,
+                        [&](std::u16string_view path) { appendJsonText(document.text(), path); });
+        if (!answer.path.empty()) object.text("block", answer.path.back());
+        if (answer.port > 0) object.number("port", answer.port);
+        if (!answer.activity.empty()) object.text("item", answer.subPath).text("activity", answer.activity);
+        object.number("decimation", answer.decimation).number("maxPoints", answer.maxPoints).close();
+    });
+    document.print(out);
+}
+
+/// Leaves the clients that are selected.
+void narrow(const Session& session, const ClientsArguments& arguments, const Output& output,
+            std::vector<Answer>& answers) {
+    const Positions positions = selectedClients(session, arguments.what, arguments.clients, output);
+    std::erase_if(answers, [&](const Answer& answer) {
+        return !std::binary_search(positions.begin(), positions.end(), answer.position);
+    });
 }
 
 int runClients(const ClientsArguments& arguments, const Output& output) {
+    const bool isGiven = arguments.clients.isAnything() || !arguments.clients.types.empty();
+    requireSelection(arguments.what, true);
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    const std::vector<Answer> answers = answersOf(session);
-    arguments.isJson ? printJsonLines(output.out, answers, appendAnswer) : printText(session, answers, output);
+    std::vector<Answer> answers = answersOf(session);
+    if (isGiven || isAnythingSelected(arguments.what)) narrow(session, arguments, output, answers);
+    arguments.isJson ? printJson(session, answers, output.out) : printText(session, answers, output);
     return kSuccess;
 }
 
@@ -126,8 +144,12 @@ int runClients(const ClientsArguments& arguments, const Output& output) {
 void addClients(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<ClientsArguments>();
     CLI::App* const command =
-        addCommand(app, "clients", "List a model's observers with what they watch, as the host finds it now",
-                   "  kshmi clients cruise.json\n  kshmi clients cruise.json --json", arguments->file);
+        addCommand(app, "clients", "List a model's clients with what they watch, as the host finds it now",
+                   "  kshmi clients cruise.json\n  kshmi clients cruise.json --state foreign --json\n"
+                   "  kshmi clients cruise.json Sensors/Speed:1",
+                   arguments->file);
+    addSelection(*command, arguments->what);
+    addClientSelection(*command, arguments->clients);
     command->add_flag("--json", arguments->isJson, "print JSON");
     runWith(*command, runClients, arguments, run);
 }

@@ -23,7 +23,7 @@ void describe(CLI::App& app, Run& run) {
     app.set_version_flag("--version", "kshmi " KSHMI_VERSION);
     app.require_subcommand(1);
     app.footer("\"kshmi COMMAND --help\" explains a command, with examples.");
-    for (const auto add : {addTour, addShow, addMark, addUnmark, addQuery, addObserve, addUnobserve, addClients,
+    for (const auto add : {addTour, addShow, addMark, addSet, addUnmark, addQuery, addObserve, addUnobserve, addClients,
                            addPorts, addRename, addMove, addRenumber, addImport})
         add(app, run);
 }
@@ -54,7 +54,7 @@ void requireUtf8(const std::vector<std::string>& words) {
 
 int run(std::vector<std::string> words, const Output& output) {
     requireUtf8(words);
-    CLI::App app("Marks signals in model files, lets observers watch them, and tells what is observed", "kshmi");
+    CLI::App app("Marks signals in model files, lets clients watch them, and tells what is observed", "kshmi");
     Run command;
     describe(app, command);
     if (words.empty()) {

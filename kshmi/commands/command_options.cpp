@@ -3,10 +3,13 @@
 #include <fmt/format.h>
 
 #include <charconv>
+#include <limits>
 #include <system_error>
 
+#include "workbench/json/json_file.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
+#include "workbench/values/host_value_builder.h"
 
 namespace kshmi {
 
@@ -14,10 +17,30 @@ using namespace workbench;
 
 namespace {
 
-constexpr const char* kReferenceHelp =
-    "block/path:port (number or name, 1 if left out), chart/State, chart/datum, or a chart with --activity or --ssid; "
-    "the model's name may stand in front. Beside a block named \"a:1\", \"a:1\" is that block: call port 1 of \"a\" "
-    "\"a\" or by its name";
+constexpr std::uint32_t kLargest = std::numeric_limits<std::int32_t>::max();
+
+/// A flag and its opposite; neither leaves things as they are.
+void addSwitch(CLI::App& command, const std::string& on, const std::string& off, std::optional<bool>& value,
+               const std::string& help, const std::string& opposite) {
+    CLI::Option* const first = command.add_flag_callback(
+        on, [&value] { value = true; }, help);
+    command
+        .add_flag_callback(
+            off, [&value] { value = false; }, opposite)
+        ->excludes(first);
+}
+
+HvArrayPtr valueOf(const std::string& json) {
+    JsonFile text = JsonFile::ofText("--params", json);
+    HostValueBuilder builder;
+    try {
+        text.read(builder);
+    } catch (const Error& error) {
+        if (!error.place().file.empty()) throw;
+        text.fail(builder.pointer(), error.text());
+    }
+    return builder.take();
+}
 
 }  // namespace
 
@@ -39,32 +62,50 @@ CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const ch
     CLI::App* const command = app.add_subcommand(name, help);
     command->footer(std::string("Examples:\n") + examples);
     command->add_option("MODEL", file, "model file")->required();
+    const std::string quietHelp = "print nothing but warnings and errors";
+    command->add_flag("-q,--quiet", quietHelp);
     return command;
 }
 
-CLI::Option* addReferences(CLI::App& command, std::vector<std::string>& references) {
-    return command.add_option("REF", references, kReferenceHelp);
+void addChangeOptions(CLI::App& command, ChangeOptions& options) {
+    command.add_flag("--dry-run", options.isDryRun, "say what would change and change nothing");
+    command.add_flag("--json", options.isJson, "print JSON");
+    command.add_flag("--all-lines", options.isAllTold, "print every line, not only the first ones");
 }
 
-void addReferenceOptions(CLI::App& command, ReferenceOptions& options) {
-    command
-        .add_option("--activity", options.activity, "activity of a chart item: Self, Child or Leaf; Data of a datum")
-        ->check(CLI::IsMember({"Self", "Child", "Leaf", "Data"}));
-    command.add_option("--ssid", options.ssid, "the chart item's identifier within its chart; 0 is the chart itself")
+void addSettings(CLI::App& command, SignalSettings& settings) {
+    command.add_option("--name", settings.name,
+                       "signal name; of a new one the port's or chart item's name if left out");
+    command.add_option("--decimation", settings.decimation, "keep every n-th sample")
+        ->transform(wholeNumber(1, kLargest));
+    command.add_option("--max-points", settings.maxPoints, "most points to keep, 0 for any number")
+        ->transform(wholeNumber(0, kLargest));
+    addSwitch(command, "--frame-based", "--no-frame-based", settings.isFrameBased, "the signal is frame based",
+              "it is not");
+    addSwitch(command, "--hide", "--show", settings.isHidden, "do not show it in the signal viewer", "show it there");
+    addSwitch(command, "--buffered", "--no-buffered", settings.isBuffered, "stream it buffered from the target",
+              "do not buffer it");
+    addSwitch(command, "--exclude-from-save", "--include-in-save", settings.isExcludedFromSave,
+              "leave it out when the model is saved, so the file will not have it", "save it");
+    command.add_option("--visual-type", settings.visualType, "kind of display that it feeds");
+}
+
+void addClientSettings(CLI::App& command, ClientArguments& arguments) {
+    command.add_option("--params", arguments.params, "parameters as JSON, written as in a model file")
+        ->type_name("JSON");
+    command.add_option("--update-rate", arguments.updateRate, "update rate")->transform(wholeNumber());
+    command.add_option("--channel,--dimension", arguments.channel, "which element of the signal")
         ->transform(wholeNumber());
+    addSwitch(command, "--imaginary", "--no-imaginary", arguments.isImaginary, "watch the imaginary part",
+              "watch the real part");
+    command.add_option("--bus-leaf", arguments.busLeaf, "path of the leaf inside a bus signal")->type_name("PATH");
 }
 
-void addPatterns(CLI::App& command, Selection& selection) {
-    command.add_option("--all", selection.all, "everything whose full path matches the pattern; may be repeated")
-        ->type_name("GLOB")
-        ->allow_extra_args(false);
-    command.add_option("--except", selection.except, "but not what matches this one; may be repeated")
-        ->type_name("GLOB")
-        ->allow_extra_args(false);
-}
-
-void addDryRun(CLI::App& command, bool& isDryRun) {
-    command.add_flag("--dry-run", isDryRun, "say what would change and change nothing");
+ClientSettings settingsOf(const ClientArguments& arguments) {
+    if (arguments.type && arguments.type->empty()) throw Error("the kind of client is empty; name it");
+    return {arguments.type,        arguments.params ? valueOf(*arguments.params) : nullptr,
+            arguments.updateRate,  arguments.channel,
+            arguments.isImaginary, arguments.busLeaf};
 }
 
 int inFile(const std::string& file, const std::function<int()>& work) {
@@ -81,6 +122,12 @@ std::string messageOf(const Error& error) {
     switch (error.remedy()) {
         case Remedy::listBlocks:
             return fmt::format("{}; \"kshmi show\" lists them", error.what());
+        case Remedy::listSignals:
+            return fmt::format("{}; \"kshmi show\" lists the signals", error.what());
+        case Remedy::listClients:
+            return fmt::format("{}; \"kshmi clients\" lists them", error.what());
+        case Remedy::usePatterns:
+            return fmt::format("{}; a name is taken literally here: for a pattern give --all 'GLOB'", error.what());
         case Remedy::removeDangling:
             return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(),
                                error.place().file);

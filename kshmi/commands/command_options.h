@@ -5,12 +5,15 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "kshmi/commands/commands.h"
+#include "kshmi/print/change_report.h"
 #include "kshmi/print/output.h"
-#include "workbench/find/selecting.h"
+#include "workbench/change/marking.h"
+#include "workbench/change/observing.h"
 #include "workbench/text/error.h"
 
 /// What the descriptions of the commands have in common.
@@ -21,11 +24,22 @@ namespace kshmi {
 CLI::Validator wholeNumber(std::uint32_t least = 0, std::uint32_t most = std::numeric_limits<std::uint32_t>::max());
 /// A command on a model file, with its help.
 CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file);
-CLI::Option* addReferences(CLI::App& command, std::vector<std::string>& references);
-void addReferenceOptions(CLI::App& command, workbench::ReferenceOptions& options);
-/// "--all" and "--except".
-void addPatterns(CLI::App& command, workbench::Selection& selection);
-void addDryRun(CLI::App& command, bool& isDryRun);
+/// "--dry-run", "--json" and "--all-lines".
+void addChangeOptions(CLI::App& command, ChangeOptions& options);
+/// What can be said of a signal: "--name", "--decimation" and so on.
+void addSettings(CLI::App& command, workbench::SignalSettings& settings);
+/// What can be said of a client but its kind: "--params", "--update-rate" and so on.
+struct ClientArguments {
+    std::optional<std::string> type;
+    std::optional<std::string> params;  ///< JSON, as docs/model-file.md maps it
+    std::optional<std::uint32_t> updateRate;
+    std::optional<std::uint32_t> channel;
+    std::optional<bool> isImaginary;
+    std::optional<std::string> busLeaf;
+};
+void addClientSettings(CLI::App& command, ClientArguments& arguments);
+/// Throws `workbench::Error` for parameters that are no value and for a kind without a name.
+workbench::ClientSettings settingsOf(const ClientArguments& arguments);
 
 /// What `work` returns. A refusal that names neither the file nor an option in front is given the file's name.
 int inFile(const std::string& file, const std::function<int()>& work);
@@ -37,8 +51,12 @@ std::string messageOf(const workbench::Error& error);
 template <typename Arguments>
 void runWith(CLI::App& command, int (*function)(const Arguments&, const Output&),
              const std::shared_ptr<Arguments>& arguments, Run& run) {
-    command.callback([function, arguments, &run] {
-        run = [function, arguments](const Output& output) {
+    command.callback([&command, function, arguments, &run] {
+        const CLI::Option* const quiet = command.get_option_no_throw("--quiet");
+        const bool isQuiet = quiet && quiet->count() > 0;
+        run = [function, arguments, isQuiet](const Output& asked) {
+            const NoOutput silence;
+            const Output output = isQuiet ? silence.insteadOf(asked) : asked;
             if constexpr (requires { arguments->file; })
                 return inFile(arguments->file, [&] { return function(*arguments, output); });
             else

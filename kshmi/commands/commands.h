@@ -19,6 +19,7 @@ using Run = std::function<int(const Output&)>;
 void addTour(CLI::App& app, Run& run);
 void addShow(CLI::App& app, Run& run);
 void addMark(CLI::App& app, Run& run);
+void addSet(CLI::App& app, Run& run);
 void addUnmark(CLI::App& app, Run& run);
 void addQuery(CLI::App& app, Run& run);
 void addObserve(CLI::App& app, Run& run);

@@ -4,6 +4,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
+#include "kshmi/print/json_records.h"
 #include "workbench/change/marking.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -16,28 +17,27 @@ using namespace workbench;
 
 struct MarkArguments {
     std::string file;
-    Selection selection;
+    SelectionArguments what;
     SignalSettings settings;
     bool isAgain = false;
-    bool isDryRun = false;
+    bool isMarkedSkipped = false;
+    ChangeOptions options;
 };
 
 struct Wanted {
     SignalSource source;
     std::u16string activity;  ///< of a chart item
+    bool isMarked;            ///< already
 };
 
-std::vector<Wanted> wantedOf(const kestrel::Model& model, const Selection& selection, const Output& output) {
-    if (!selection.all.empty() && !selection.options.activity.empty())
-        throw Error("--all marks ports, and --activity is for chart items; name those as REF");
+std::vector<Wanted> wantedOf(const Session& session, const MarkArguments& arguments, const Output& output) {
+    const ReferenceOptions& options = arguments.what.selection.options;
     std::vector<Wanted> wanted;
-    for (const std::string& reference : selection.references) {
-        SignalSource source = resolveReference(model, reference, selection.options);
-        std::u16string activity = source.item ? activityFor(*source.item, selection.options) : std::u16string();
-        wanted.push_back({std::move(source), std::move(activity)});
+    for (SignalSource& source : select(session.model(), arguments.what, output).sources()) {
+        std::u16string activity = source.item ? activityFor(*source.item, options) : std::u16string();
+        const bool isThere = !arguments.isAgain && isMarked(session, source, activity);
+        wanted.push_back({std::move(source), std::move(activity), isThere});
     }
-    for (SignalSource& source : matchingSources(model, selection, Selectable::ports, output))
-        wanted.push_back({std::move(source), {}});
     return wanted;
 }
 
@@ -47,56 +47,72 @@ std::string describe(const kestrel::Model& model, const Wanted& wanted) {
     return fmt::format("{} ({})", name, printable(portName(wanted.source)));
 }
 
+/// Settings are for new signals: what is marked would not get them.
+void requireUnmarked(const Session& session, const std::vector<Wanted>& wanted) {
+    std::size_t count = 0;
+    const Wanted* first = nullptr;
+    for (const Wanted& one : wanted) {
+        if (one.isMarked && count++ == 0) first = &one;
+    }
+    if (count == 0) return;
+    const std::string others = count > 1 ? fmt::format(" and {} more are", count - 1) : " is";
+    throw Error(
+        fmt::format("{}{} marked already; \"kshmi set\" changes the settings, --skip-marked marks only the "
+                    "others, --again adds a further signal",
+                    describe(session.model(), *first), others));
+}
+
+void keep(const Session& session, const Wanted& wanted, const std::string& what, ChangeReport& report) {
+    report.keep(Fate::unchanged, "already marked " + what, [&](JsonObject& object) {
+        object.text("kind", std::string_view("signal"));
+        appendSource(object, session.model(), wanted.source);
+        if (wanted.source.item) object.text("activity", wanted.activity);
+    });
+}
+
 int runMark(const MarkArguments& arguments, const Output& output) {
-    requireSelection(arguments.selection, false);
+    requireSelection(arguments.what, false);
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    const std::vector<Wanted> wanted = wantedOf(session.model(), arguments.selection, output);
-    ChangeReport report(output, arguments.isDryRun);
+    const std::vector<Wanted> wanted = wantedOf(session, arguments, output);
+    if (arguments.settings.isAny() && !arguments.isMarkedSkipped) requireUnmarked(session, wanted);
+    ChangeReport report(output, "mark", arguments.options);
     for (const Wanted& one : wanted) {
         const std::string what = describe(session.model(), one);
-        if (!arguments.isAgain && isMarked(session, one.source, one.activity)) {
-            report.note("already marked " + what);
+        if (one.isMarked) {
+            keep(session, one, what, report);
             continue;
         }
         addSignal(session, one.source, one.activity, arguments.settings);
-        report.change("mark", "marked", fmt::format("{} as signal {}", what, session.signals().getCount()));
+        const std::size_t position = session.signals().getCount() - 1;
+        report.change(Fate::added, "mark", "marked", fmt::format("{} as signal {}", what, position + 1),
+                      [&](JsonObject& object) {
+                          object.text("kind", std::string_view("signal"));
+                          appendSignal(object, session, position);
+                      });
     }
-    report.finish(session);
-    return kSuccess;
-}
-
-constexpr std::uint32_t kLargest = std::numeric_limits<std::int32_t>::max();
-
-void addSettings(CLI::App& command, SignalSettings& settings) {
-    command.add_option("--name", settings.name, "signal name; the port's or chart item's name if left out");
-    command.add_option("--decimation", settings.decimation, "keep every n-th sample")
-        ->transform(wholeNumber(1, kLargest));
-    command.add_option("--max-points", settings.maxPoints, "most points to keep, 0 for any number")
-        ->transform(wholeNumber(0, kLargest));
-    command.add_flag("--frame-based", settings.isFrameBased, "the signal is frame based");
-    command.add_flag("--hide", settings.isHidden, "do not show it in the signal viewer");
-    command.add_flag("--exclude-from-save", settings.isExcludedFromSave, "leave it out when the model is saved");
-    command.add_flag("--buffered", settings.isBuffered, "stream it buffered from the target");
-    command.add_option("--visual-type", settings.visualType, "kind of display that it feeds");
+    if (arguments.settings.isExcludedFromSave.value_or(false))
+        output.err << "warning: the saved file does not have what is excluded from saving; without "
+                      "--exclude-from-save it does\n";
+    return report.finish(session);
 }
 
 }  // namespace
 
 void addMark(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<MarkArguments>();
-    CLI::App* const command =
-        addCommand(app, "mark", "Mark ports and chart items as signals and save the model",
-                   "  kshmi mark cruise.json Sensors/Speed:1 --name speed --decimation 10\n"
-                   "  kshmi mark cruise.json 'Control/Mode/Engaged' --activity Child\n"
-                   "  kshmi mark cruise.json --all 'cruise/Sensors/*' --except '*:valid' --dry-run",
-                   arguments->file);
-    addReferences(*command, arguments->selection.references);
-    addPatterns(*command, arguments->selection);
-    addReferenceOptions(*command, arguments->selection.options);
+    CLI::App* const command = addCommand(app, "mark", "Mark ports and chart items as signals and save the model",
+                                         "  kshmi mark cruise.json Sensors/Speed:1 --name speed --decimation 10\n"
+                                         "  kshmi mark cruise.json 'Control/Mode/Engaged' --activity Child\n"
+                                         "  kshmi mark cruise.json --all 'Sensors/*' --except '*:valid' --dry-run\n"
+                                         "  kshmi mark cruise.json --all '*' --kind state",
+                                         arguments->file);
+    addSelection(*command, arguments->what);
     addSettings(*command, arguments->settings);
     command->add_flag("--again", arguments->isAgain, "add a further signal where one is");
-    addDryRun(*command, arguments->isDryRun);
+    command->add_flag("--skip-marked", arguments->isMarkedSkipped,
+                      "with settings: leave alone what is marked already, in place of refusing");
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runMark, arguments, run);
 }
 

@@ -4,6 +4,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
 #include "workbench/change/moving.h"
+#include "workbench/find/reference.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -17,7 +18,7 @@ struct MoveArguments {
     std::string file;
     std::string block;
     std::string newPath;
-    bool isDryRun = false;
+    ChangeOptions options;
 };
 
 std::u16string requirePath(const std::string& text, std::u16string path) {
@@ -26,9 +27,13 @@ std::u16string requirePath(const std::string& text, std::u16string path) {
     return path;
 }
 
-void tell(const Moved& moved, ChangeReport& report) {
+void tell(const kestrel::Model& model, const Moved& moved, ChangeReport& report) {
     for (const auto& [before, after] : moved.blocks)
-        report.change("move", "moved", fmt::format("{} to {}", printable(before), printable(after)));
+        report.change(Fate::changed, "move", "moved", fmt::format("{} to {}", printable(before), printable(after)),
+                      [&, from = before, to = after](JsonObject& object) {
+                          object.text("kind", std::string_view("block")).text("block", model.name() + u"/" + to);
+                          object.text("from", model.name() + u"/" + from);
+                      });
     const std::string followers =
         fmt::format("{}, {}", counted(moved.signals, "signal"), counted(moved.clients, "client"));
     report.note("would follow: " + followers, "following: " + followers);
@@ -37,15 +42,16 @@ void tell(const Moved& moved, ChangeReport& report) {
 int runMove(const MoveArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    const std::u16string path = resolveBlock(session.model(), arguments.block).path;
+    const std::u16string path = resolveParent(session.model(), arguments.block);
     // Beside a block with the model's name, both paths are read in the way in which the first one is found.
     const bool isLiteral = path != withoutModel(session.model(), arguments.block);
-    const std::u16string newPath = requirePath(
-        arguments.newPath, isLiteral ? toUtf16(arguments.newPath) : withoutModel(session.model(), arguments.newPath));
-    ChangeReport report(output, arguments.isDryRun);
-    tell(moveBlocks(session, path, newPath), report);
-    report.finish(session);
-    return kSuccess;
+    const std::u16string newPath =
+        requirePath(arguments.newPath, isLiteral && !arguments.newPath.starts_with('/')
+                                           ? toUtf16(arguments.newPath)
+                                           : withoutModel(session.model(), arguments.newPath));
+    ChangeReport report(output, "move", arguments.options);
+    tell(session.model(), moveBlocks(session, path, newPath), report);
+    return report.finish(session);
 }
 
 }  // namespace
@@ -53,12 +59,12 @@ int runMove(const MoveArguments& arguments, const Output& output) {
 void addMove(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<MoveArguments>();
     CLI::App* const command = addCommand(
-        app, "move", "Move a block and all below it; signals and observers follow, and the model is saved",
+        app, "move", "Move a block, or a parent, and all below it; signals and clients follow, and the model is saved",
         "  kshmi move cruise.json Sensors/Speed 'Inputs/Wheel Speed'\n  kshmi move cruise.json Plant Vehicle --dry-run",
         arguments->file);
-    command->add_option("BLOCK", arguments->block, "path of the block")->required();
+    command->add_option("BLOCK", arguments->block, "path of the block or parent")->required();
     command->add_option("NEW-PATH", arguments->newPath, "its new path, parents included")->required();
-    addDryRun(*command, arguments->isDryRun);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runMove, arguments, run);
 }
 

@@ -2,17 +2,17 @@
 
 #include <algorithm>
 
-#include "host/messages.h"
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
+#include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
+#include "kshmi/print/json_records.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/find/watching.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
-#include "workbench/values/host_value_builder.h"
 
 namespace kshmi {
 
@@ -22,93 +22,78 @@ using namespace workbench;
 
 struct ObserveArguments {
     std::string file;
-    std::vector<std::string> references;
-    ReferenceOptions options;
-    std::string type;
-    std::string params = "{}";  ///< JSON, as docs/model-file.md maps it
-    std::uint32_t updateRate = 1;
-    std::uint32_t channel = 1;
-    bool isImaginary = false;
-    std::string busLeaf;
-    bool isDryRun = false;
+    SelectionArguments what;
+    std::vector<std::string> signals;  ///< UUIDs and positions
+    ClientArguments client;
+    ChangeOptions options;
 };
-
-HvArrayPtr valueOf(const std::string& json) {
-    JsonFile text = JsonFile::ofText("--params", json);
-    HostValueBuilder builder;
-    try {
-        text.read(builder);
-    } catch (const Error& error) {
-        if (!error.place().file.empty()) throw;
-        text.fail(builder.pointer(), error.text());
-    }
-    return builder.take();
-}
-
-ClientSettings settingsOf(const ObserveArguments& arguments) {
-    if (arguments.type.empty()) throw Error("--type \"\": name the kind of observer");
-    ClientSettings settings;
-    settings.type = arguments.type;
-    settings.params = valueOf(arguments.params);
-    settings.updateRate = arguments.updateRate;
-    settings.channel = arguments.channel;
-    settings.isImaginary = arguments.isImaginary;
-    settings.busLeaf = arguments.busLeaf;
-    return settings;
-}
 
 /// Of a chart item's signals, the first on the activity that is meant when none is said. When there is none, the first
 /// of all, if they agree on another.
-std::size_t signalOnItem(const Session& session, const std::string& reference, const ChartItem& item,
-                         const std::vector<std::size_t>& found) {
-    const auto activityAt = [&](std::size_t position) { return activityOf(*session.signals().get(position)); };
+std::size_t signalOnItem(const Session& session, const SignalSource& source, const Positions& found) {
     std::vector<std::u16string> activities;
     for (const std::size_t position : found) {
-        std::u16string activity = activityAt(position);
-        if (activity == defaultActivity(item)) return position;
+        std::u16string activity = activityOf(*session.signals().get(position));
+        if (activity == defaultActivity(*source.item)) return position;
         if (std::find(activities.begin(), activities.end(), activity) == activities.end())
             activities.push_back(std::move(activity));
     }
     if (activities.size() == 1) return found.front();
     std::string list;
     for (const std::u16string& activity : activities) list += (list.empty() ? "" : ", ") + printable(activity);
-    throw Error(inQuotes(reference) + ": several activities are marked; give --activity with one of: " + list);
+    throw Error(inQuotes(fullName(session.model(), source)) +
+                ": several activities are marked; give --activity with one of: " + list);
 }
 
-/// The signal on each reference, the first one where several are alike.
-std::vector<std::size_t> signalsOf(const Session& session, const ObserveArguments& arguments) {
+void requireMarked(const NamedSources& named, const ReferenceOptions& options, const SignalIndex& index,
+                   const std::string& file) {
+    const bool isMarked = std::any_of(named.sources.begin(), named.sources.end(),
+                                      [&](const SignalSource& source) { return !index.on(source, options).empty(); });
+    if (isMarked || named.sources.empty()) return;
+    const Error error(inQuotes(named.reference.text) + ": is not marked; mark it first with \"kshmi mark " + file +
+                      " REF\"");
+    throw named.reference.place.file.empty() ? error : error.at(named.reference.place);
+}
+
+/// One signal on each port and item, the first one where several are alike.
+Positions signalsOf(const Session& session, const ObserveArguments& arguments, const Output& output) {
+    const ReferenceOptions& options = arguments.what.selection.options;
     const SignalIndex index(session);
-    std::vector<std::size_t> signals;
-    for (const std::string& reference : arguments.references) {
-        const SignalSource source = resolveReference(session.model(), reference, arguments.options);
-        const std::vector<std::size_t> found = index.on(source, arguments.options);
-        if (found.empty())
-            throw Error(inQuotes(reference) + ": is not marked; mark it first with \"kshmi mark " + arguments.file +
-                        " REF\"");
-        const bool isActivityOpen = source.item && arguments.options.activity.empty();
-        signals.push_back(isActivityOpen ? signalOnItem(session, reference, *source.item, found) : found.front());
+    const Selected selected = select(session.model(), arguments.what, output);
+    for (const NamedSources& named : selected.named) requireMarked(named, options, index, arguments.file);
+    Positions signals;
+    for (const SignalSource& source : selected.sources()) {
+        const Positions found = index.on(source, options);
+        if (found.empty()) continue;
+        const bool isActivityOpen = source.item && options.activity.empty();
+        signals.push_back(isActivityOpen ? signalOnItem(session, source, found) : found.front());
     }
+    for (const std::string& call : arguments.signals) signals.push_back(signalCalled(session, call));
     return signals;
 }
 
 int runObserve(const ObserveArguments& arguments, const Output& output) {
+    const ClientSettings settings = settingsOf(arguments.client);
+    requireSelection(arguments.what, !arguments.signals.empty(), "--signal");
     kshmi::enterHost(output.err);
-    const ClientSettings settings = settingsOf(arguments);
     Session session(arguments.file);
     const SignalUuids uuids(session);
-    ChangeReport report(output, arguments.isDryRun);
-    for (const std::size_t signal : signalsOf(session, arguments)) {
+    ChangeReport report(output, "observe", arguments.options);
+    const std::size_t before = session.clients().getCount();
+    for (const std::size_t signal : signalsOf(session, arguments, output)) {
         addClient(session, signal, settings);
-        report.change("add", "added", describeClient(session, session.clients().getCount() - 1, uuids));
+        const std::size_t position = session.clients().getCount() - 1;
+        report.change(Fate::added, "add", "added", describeClient(session, position, uuids), [&](JsonObject& object) {
+            object.text("kind", std::string_view("client"));
+            appendClient(object, *session.clients().get(position), position, session, uuids);
+        });
     }
-    const std::size_t last = session.clients().getCount() - 1;
-    if (session.clients().get(last)->isDeprecatedObserver())
+    const std::size_t count = session.clients().getCount();
+    if (count > before && session.clients().get(count - 1)->isDeprecatedObserver())
         output.err << fmt::format(
-            "warning: observers of the type {} are deprecated; validation drops them (\"kshmi unobserve {} "
-            "--unused\")\n",
-            inQuotes(settings.type), printable(std::string_view(arguments.file)));
-    report.finish(session);
-    return kSuccess;
+            "warning: clients of the type {} are deprecated; validation drops them (\"kshmi unobserve {} --unused\")\n",
+            inQuotes(*settings.type), printable(std::string_view(arguments.file)));
+    return report.finish(session);
 }
 
 }  // namespace
@@ -116,21 +101,17 @@ int runObserve(const ObserveArguments& arguments, const Output& output) {
 void addObserve(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<ObserveArguments>();
     CLI::App* const command =
-        addCommand(app, "observe", "Let observers watch marked ports and chart items, and save the model",
+        addCommand(app, "observe", "Let clients watch marked ports and chart items, and save the model",
                    "  kshmi observe cruise.json Sensors/Speed:1 --type ks_scope_observer\n"
                    "  kshmi observe cruise.json 'Set Speed:1' --type ks_gauge_observer --params '{\"max\": 180}'\n"
-                   "  kshmi observe cruise.json Plant:1 --type ks_logger_observer --update-rate 10 --channel 2",
+                   "  kshmi observe cruise.json --all 'Plant/*' --type ks_logger_observer --update-rate 10",
                    arguments->file);
-    addReferences(*command, arguments->references)->required();
-    addReferenceOptions(*command, arguments->options);
-    command->add_option("--type", arguments->type, "kind of observer")->required();
-    command->add_option("--params", arguments->params, "parameters as JSON, written as in a model file")
-        ->type_name("JSON");
-    command->add_option("--update-rate", arguments->updateRate, "update rate")->transform(wholeNumber());
-    command->add_option("--channel", arguments->channel, "which element of the signal")->transform(wholeNumber());
-    command->add_flag("--imaginary", arguments->isImaginary, "watch the imaginary part");
-    command->add_option("--bus-leaf", arguments->busLeaf, "path of the leaf inside a bus signal")->type_name("PATH");
-    addDryRun(*command, arguments->isDryRun);
+    addSelection(*command, arguments->what);
+    command->add_option("--signal", arguments->signals, "the signal with this UUID or position; may be repeated")
+        ->allow_extra_args(false);
+    command->add_option("--type", arguments->client.type, "kind of client (its observer type)")->required();
+    addClientSettings(*command, arguments->client);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runObserve, arguments, run);
 }
 

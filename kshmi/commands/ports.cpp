@@ -1,11 +1,16 @@
 #include <fmt/format.h>
 
+#include <set>
+#include <utility>
+
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/json_lines.h"
+#include "kshmi/commands/selecting.h"
+#include "kshmi/print/json_document.h"
+#include "kshmi/print/json_records.h"
 #include "kshmi/print/text_table.h"
 #include "workbench/find/below.h"
-#include "workbench/json/json_object.h"
+#include "workbench/find/watching.h"
 #include "workbench/session/script.h"
 #include "workbench/session/session.h"
 #include "workbench/text/text.h"
@@ -18,6 +23,7 @@ using namespace workbench;
 
 struct PortsArguments {
     std::string file;
+    SelectionArguments what;
     std::string below;
     std::string visualType;
     bool isHiddenListed = true;
@@ -31,6 +37,17 @@ std::string fullBelow(const kestrel::Model& model, const std::string& text) {
     if (text.empty()) return {};
     const std::u16string below = resolveBelow(model, text);
     return toUtf8(below.empty() ? model.name() : model.name() + u"/" + below);
+}
+
+/// Leaves the ports that are selected.
+void narrow(const Session& session, const SelectionArguments& what, const Output& output,
+            std::vector<Source>& sources) {
+    std::set<std::pair<double, int>> ports;
+    for (const SignalSource& source : selectOrAll(session.model(), what, output).sources())
+        if (!source.item) ports.emplace(source.block->handle, source.port);
+    std::erase_if(sources, [&](const Source& source) {
+        return !ports.contains({source.blockHandle, source.outputPortIndex});
+    });
 }
 
 std::u16string nameOfPort(const Source& source) {
@@ -62,14 +79,21 @@ void printText(const Session& session, const std::vector<Source>& sources, const
     table.print(output.out, output.width);
 }
 
-void appendSource(std::string& out, const Source& source) {
-    JsonObject object(out);
-    object.text("uuid", std::string_view(source.uuid)).text("block", source.blockPath);
-    object.number("port", source.outputPortIndex).text("portName", nameOfPort(source));
-    object.text("signal", source.signalName).number("decimation", source.decimation);
-    object.number("maxPoints", source.maxPoints).truth("frameBased", source.isFrameBased);
-    object.truth("hidden", source.hideInPLV).truth("buffered", source.targetBufferedStreaming);
-    object.close();
+void printJson(const Session& session, const std::vector<Source>& sources, std::ostream& out) {
+    const SignalUuids uuids(session);
+    JsonDocument document("ports");
+    document.object().text("model", session.model().name());
+    document.list("ports", sources, [&](const Source& source) {
+        JsonObject object(document.text());
+        const auto position = uuids.positionOf(source.uuid);
+        if (position) appendSignalId(object, session, *position);
+        object.text("block", source.blockPath).number("port", source.outputPortIndex);
+        object.text("portName", nameOfPort(source)).text("name", source.signalName);
+        object.number("decimation", source.decimation).number("maxPoints", source.maxPoints);
+        object.truth("frameBased", source.isFrameBased).truth("hidden", source.hideInPLV);
+        object.truth("buffered", source.targetBufferedStreaming).close();
+    });
+    document.print(out);
 }
 
 int runPorts(const PortsArguments& arguments, const Output& output) {
@@ -80,7 +104,9 @@ int runPorts(const PortsArguments& arguments, const Output& output) {
     std::vector<Source> sources;
     ks_hmi::InstrumentedSignals::getObservedPorts(model.get(), below.c_str(), arguments.visualType.c_str(), sources,
                                                   arguments.isHiddenListed, /*withUnsaved=*/true);
-    arguments.isJson ? printJsonLines(output.out, sources, appendSource) : printText(session, sources, output);
+    const bool isNarrowed = isAnythingSelected(arguments.what) || !arguments.what.selection.except.empty();
+    if (isNarrowed) narrow(session, arguments.what, output, sources);
+    arguments.isJson ? printJson(session, sources, output.out) : printText(session, sources, output);
     return kSuccess;
 }
 
@@ -91,8 +117,10 @@ void addPorts(CLI::App& app, Run& run) {
     CLI::App* const command = addCommand(app, "ports", "List the observed ports as an editor asks for them",
                                          "  kshmi ports cruise.json\n"
                                          "  kshmi ports cruise.json --below Sensors --no-hidden\n"
+                                         "  kshmi ports cruise.json --all '*:valid'\n"
                                          "  kshmi ports cruise.json --visual-type dial --json",
                                          arguments->file);
+    addSelection(*command, arguments->what);
     command->add_option("--below", arguments->below, "only at and below this path")->type_name("PATH");
     command->add_option("--visual-type", arguments->visualType, "only signals that feed this kind of display");
     command->add_flag("--hidden,!--no-hidden", arguments->isHiddenListed,

@@ -1,9 +1,12 @@
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/json_lines.h"
-#include "workbench/json/json_object.h"
+#include "kshmi/commands/selecting.h"
+#include "kshmi/print/json_document.h"
+#include "kshmi/print/json_records.h"
 #include "workbench/session/session.h"
 #include "workbench/text/text.h"
 
@@ -15,20 +18,18 @@ using namespace workbench;
 
 struct QueryArguments {
     std::string file;
-    std::vector<std::string> references;
-    ReferenceOptions options;
+    SelectionArguments what;
     bool isJson = false;
 };
 
 struct Answer {
-    std::u16string name;
+    SignalSource source;
     std::u16string activity;  ///< that was asked for; empty for a port and for any activity
     bool isObserved = false;
 };
 
-Answer ask(const Session& session, const std::string& reference, const ReferenceOptions& options) {
-    const SignalSource source = resolveReference(session.model(), reference, options);
-    Answer answer{fullName(session.model(), source), {}, false};
+Answer ask(const Session& session, const SignalSource& source, const ReferenceOptions& options) {
+    Answer answer{source, {}, false};
     if (!source.item) {
         answer.isObserved = session.isObserved(*source.block, source.port);
     } else if (options.activity.empty()) {
@@ -40,32 +41,38 @@ Answer ask(const Session& session, const std::string& reference, const Reference
     return answer;
 }
 
-void printLines(const std::vector<Answer>& answers, std::ostream& out) {
+void printLines(const kestrel::Model& model, const std::vector<Answer>& answers, std::ostream& out) {
     for (const Answer& answer : answers) {
         const std::string activity = answer.activity.empty() ? "" : " (" + printable(answer.activity) + ")";
-        out << fmt::format("{:<13} {}{}\n", answer.isObserved ? "observed" : "not observed", printable(answer.name),
-                           activity);
+        out << fmt::format("{:<13} {}{}\n", answer.isObserved ? "observed" : "not observed",
+                           printable(fullName(model, answer.source)), activity);
     }
 }
 
-void appendAnswer(std::string& out, const Answer& answer) {
-    JsonObject object(out);
-    object.text("source", answer.name);
-    if (!answer.activity.empty()) object.text("activity", answer.activity);
-    object.truth("observed", answer.isObserved).close();
+void printJson(const kestrel::Model& model, const std::vector<Answer>& answers, std::ostream& out) {
+    JsonDocument document("query");
+    document.object().text("model", model.name());
+    document.list("answers", answers, [&](const Answer& answer) {
+        JsonObject object(document.text());
+        appendSource(object, model, answer.source);
+        if (!answer.activity.empty()) object.text("activity", answer.activity);
+        object.truth("observed", answer.isObserved).close();
+    });
+    document.print(out);
 }
 
 int runQuery(const QueryArguments& arguments, const Output& output) {
+    requireSelection(arguments.what, false);
     kshmi::enterHost(output.err);
     const Session session(arguments.file);
+    const kestrel::Model& model = session.model();
     std::vector<Answer> answers;
-    bool isAllObserved = true;
-    for (const std::string& reference : arguments.references) {
-        answers.push_back(ask(session, reference, arguments.options));
-        isAllObserved = isAllObserved && answers.back().isObserved;
-    }
-    arguments.isJson ? printJsonLines(output.out, answers, appendAnswer) : printLines(answers, output.out);
-    return isAllObserved ? kSuccess : kNotObserved;
+    for (const SignalSource& source : select(model, arguments.what, output).sources())
+        answers.push_back(ask(session, source, arguments.what.selection.options));
+    arguments.isJson ? printJson(model, answers, output.out) : printLines(model, answers, output.out);
+    const bool isAllObserved =
+        std::all_of(answers.begin(), answers.end(), [](const Answer& answer) { return answer.isObserved; });
+    return isAllObserved && !answers.empty() ? kSuccess : kNothing;
 }
 
 }  // namespace
@@ -75,10 +82,10 @@ void addQuery(CLI::App& app, Run& run) {
     CLI::App* const command =
         addCommand(app, "query", "Tell whether ports and chart items are observed; exit 1 if any is not",
                    "  kshmi query cruise.json Sensors/Speed:valid\n"
-                   "  kshmi query cruise.json Control/Mode --activity Child --json",
+                   "  kshmi query cruise.json Control/Mode --activity Child --json\n"
+                   "  kshmi query cruise.json --all 'Sensors/*' --quiet",
                    arguments->file);
-    addReferences(*command, arguments->references)->required();
-    addReferenceOptions(*command, arguments->options);
+    addSelection(*command, arguments->what);
     command->add_flag("--json", arguments->isJson, "print JSON");
     runWith(*command, runQuery, arguments, run);
 }

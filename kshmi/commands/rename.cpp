@@ -6,6 +6,8 @@
 #include "kshmi/print/change_report.h"
 #include "memory_host/kestrel/host_side.h"
 #include "workbench/change/renaming.h"
+#include "workbench/find/reference.h"
+#include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -17,8 +19,15 @@ using namespace workbench;
 struct RenameArguments {
     std::string file;
     std::vector<std::string> names;  ///< one after the other
-    bool isDryRun = false;
+    bool isModelMeant = false;       ///< although a block has such a name
+    ChangeOptions options;
 };
+
+ChangeReport::Members membersOf(const std::u16string& from, const std::u16string& name) {
+    return [=](JsonObject& object) {
+        object.text("kind", std::string_view("model")).text("name", name).text("from", from);
+    };
+}
 
 void tellClients(const Renamed& done, ChangeReport& report) {
     const std::string renamed = fmt::format("renamed in clients: {} and {}", counted(done.sourceModels, "source model"),
@@ -36,27 +45,41 @@ void tellManager(const std::vector<std::string>& received, bool isKnownName, Cha
     note("would not be told", "is not told", isKnownName ? ": the set was last known by this name" : "");
 }
 
+/// Who gives a block's name most likely wants to rename that block.
+void requireNoBlock(const Session& session, const RenameArguments& arguments) {
+    if (arguments.isModelMeant) return;
+    for (const std::string& name : arguments.names) {
+        const std::u16string path = withoutModel(session.model(), name);
+        if (!session.model().findByPath(path)) continue;
+        throw Error(
+            fmt::format("{} is a block, and this renames the model; \"kshmi move {} {} NEW-PATH\" renames the "
+                        "block; --model gives the model that name all the same",
+                        inQuotes(name), arguments.file, inQuotes(path)));
+    }
+}
+
 int runRename(const RenameArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    requireNoBlock(session, arguments);
     std::vector<std::u16string> names;
     for (const std::string& name : arguments.names) names.push_back(requireModelName(name));
-    Session session(arguments.file);
     // Nothing is validated in between, so the set is known by this name throughout.
     const std::u16string knownName = session.model().name();
-    ChangeReport report(output, arguments.isDryRun);
+    ChangeReport report(output, "rename", arguments.options);
     for (const std::u16string& name : names) {
         const std::u16string oldName = session.model().name();
         if (name == oldName) {
-            report.note("already named " + printable(name));
+            report.keep(Fate::unchanged, "already named " + printable(name), membersOf(oldName, name));
             continue;
         }
         const Renamed done = renameModel(session, name);
-        report.change("rename", "renamed", fmt::format("{} to {}", printable(oldName), printable(name)));
+        report.change(Fate::changed, "rename", "renamed", fmt::format("{} to {}", printable(oldName), printable(name)),
+                      membersOf(oldName, name));
         tellClients(done, report);
         tellManager(done.received, name == knownName, report);
     }
-    report.finish(session);
-    return kSuccess;
+    return report.finish(session);
 }
 
 }  // namespace
@@ -72,7 +95,8 @@ void addRename(CLI::App& app, Run& run) {
         ->add_option("NEW-NAME", arguments->names,
                      "new name; several are given one after the other; a name that starts with \"-\" goes after \"--\"")
         ->required();
-    addDryRun(*command, arguments->isDryRun);
+    command->add_flag("--model", arguments->isModelMeant, "rename the model although a block has such a name");
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runRename, arguments, run);
 }
 

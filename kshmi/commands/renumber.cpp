@@ -22,7 +22,7 @@ struct RenumberArguments {
     std::string file;
     std::string block;
     std::string numbers;  ///< with commas between; entry k is the new number of port k, 0 for a deleted one
-    bool isDryRun = false;
+    ChangeOptions options;
 };
 
 std::vector<int> numbersOf(const std::string& text) {
@@ -42,21 +42,32 @@ std::vector<int> numbersOf(const std::string& text) {
     return numbers;
 }
 
-void tell(const Renumbering& changes, ChangeReport& report) {
+/// The members of a port or of a signal on one: where it is now, and where it was when it stays.
+ChangeReport::Members membersOf(std::string_view kind, const std::u16string& block, const PortChange& one) {
+    return [=](JsonObject& object) {
+        object.text("kind", kind).text("block", block).number("port", one.to == 0 ? one.from : one.to);
+        object.text(kind == "port" ? "portName" : "name", one.name);
+        if (one.to != 0) object.number("from", one.from);
+    };
+}
+
+void tell(const std::u16string& block, const Renumbering& changes, ChangeReport& report) {
     for (const PortChange& one : changes.ports) {
         const std::string port = fmt::format("port {} ({})", one.from, printable(one.name));
+        const ChangeReport::Members members = membersOf("port", block, one);
         if (one.to == 0)
-            report.change("delete", "deleted", port);
+            report.change(Fate::removed, "delete", "deleted", port, members);
         else
-            report.change("renumber", "renumbered", fmt::format("{} to {}", port, one.to));
+            report.change(Fate::changed, "renumber", "renumbered", fmt::format("{} to {}", port, one.to), members);
     }
     for (const PortChange& one : changes.signals) {
         const std::string name = fmt::format("  signal {} on port {}", inQuotes(one.name), one.from);
+        const ChangeReport::Members members = membersOf("signal", block, one);
         if (one.to == 0)
-            report.note(name + " would be lost", name + " is lost");
+            report.note(Fate::removed, name + " would be lost", name + " is lost", members);
         else
-            report.note(fmt::format("{} would follow to port {}", name, one.to),
-                        fmt::format("{} follows to port {}", name, one.to));
+            report.note(Fate::changed, fmt::format("{} would follow to port {}", name, one.to),
+                        fmt::format("{} follows to port {}", name, one.to), members);
     }
 }
 
@@ -65,12 +76,12 @@ int runRenumber(const RenumberArguments& arguments, const Output& output) {
     const std::vector<int> numbers = numbersOf(arguments.numbers);
     Session session(arguments.file);
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
-    ChangeReport report(output, arguments.isDryRun);
+    ChangeReport report(output, "renumber", arguments.options);
     const DanglingWatch watch(session);
-    tell(renumberPorts(session, block, numbers), report);
-    report.finish(session);
-    warnOfLost(session, watch, arguments.isDryRun, output.err);
-    return kSuccess;
+    tell(session.model().fullPath(block), renumberPorts(session, block, numbers), report);
+    const ExitCode code = report.finish(session);
+    warnOfLost(session, watch, arguments.options.isDryRun, output.err);
+    return code;
 }
 
 }  // namespace
@@ -89,7 +100,7 @@ void addRenumber(CLI::App& app, Run& run) {
                      "new numbers of ports 1, 2, ... with commas between, 0 for a deleted one; further ports keep "
                      "theirs; with a 0, give numbers for all ports")
         ->required();
-    addDryRun(*command, arguments->isDryRun);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runRenumber, arguments, run);
 }
 

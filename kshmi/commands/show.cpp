@@ -5,6 +5,8 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
+#include "kshmi/print/json_document.h"
+#include "kshmi/print/json_records.h"
 #include "kshmi/print/shown_model.h"
 #include "signals/signal_specification.h"
 #include "workbench/find/below.h"
@@ -26,25 +28,6 @@ struct ShowArguments {
     bool isJson = false;
 };
 
-using ks_hmi::SignalSpecification;
-
-void appendSignal(std::string& out, const Session& session, std::size_t position) {
-    const SignalSpecification& signal = *session.signals().get(position);
-    const SignalSource source = sourceOf(session.model(), signal);
-    JsonObject object(out);
-    object.number("position", position + 1).text("uuid", toUtf16(signal.m_uuid));
-    object.text("block", source.block->path).text("subPath", signal.m_subPath);
-    object.number("port", source.port).text("portName", portName(source));
-    object.text("signal", signal.m_signalName).text("domain", signal.m_domainType);
-    object.text("activity", signal.getValueForDomainParams(u"Activity"));
-    object.text("ssid", signal.getValueForDomainParams(u"SSID"));
-    object.number("decimation", signal.m_decimation);
-    object.number("maxPoints", signal.m_maxPoints);
-    object.truth("frameBased", signal.m_isFrameBased).truth("hidden", signal.m_hideInPLV);
-    object.truth("buffered", signal.m_targetBufferedStreaming).text("visualType", signal.m_visualType);
-    object.close();
-}
-
 void appendPorts(std::string& out, const BlockNode& node) {
     appendJsonArray(out, node.ports, [&](const PortNode& port) {
         JsonObject object(out);
@@ -62,18 +45,6 @@ void appendItems(std::string& out, const BlockNode& node) {
     });
 }
 
-void appendClient(std::string& out, const Session& session, std::size_t position, const SignalUuids& uuids) {
-    const ks_hmi::SignalClient& client = *session.clients().get(position);
-    const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
-    JsonObject object(out);
-    object.number("position", position + 1).text("uuid", std::string_view(client.m_uuid));
-    object.text("type", std::string_view(client.m_observerType));
-    signal ? object.number("signal", *signal + 1) : object.null("signal");
-    object.truth("dangling", watched(client, uuids) == Watched::gone);
-    object.truth("deprecated", client.isDeprecatedObserver());
-    object.close();
-}
-
 void appendBlock(std::string& out, const kestrel::Model& model, const BlockNode& node) {
     JsonObject object(out);
     object.text("block", model.fullPath(*node.block)).text("eid", std::string_view(node.block->eid)).name("outputs");
@@ -86,26 +57,26 @@ void appendBlock(std::string& out, const kestrel::Model& model, const BlockNode&
 }
 
 void printJson(const ShownModel& shown, std::ostream& out) {
-    constexpr JsonLayout kParts{"", ",\n", ""};
-    constexpr JsonLayout kElements{"\n  ", ",\n  ", ""};
     const Session& session = *shown.session;
     const SignalUuids uuids(session);
-    std::string text;
-    JsonObject document(text, kParts);
-    document.text("model", session.model().name()).name("signals");
-    appendJsonArray(
-        text, shown.signals, [&](std::size_t i) { appendSignal(text, session, i); }, kElements);
-    document.name("blocks");
     std::vector<const BlockNode*> blocks;
     for (const BlockNode& node : shown.blocks)
         if (node.block != nullptr) blocks.push_back(&node);
-    appendJsonArray(
-        text, blocks, [&](const BlockNode* node) { appendBlock(text, session.model(), *node); }, kElements);
-    document.name("clients");
-    appendJsonArray(
-        text, shown.clients, [&](std::size_t i) { appendClient(text, session, i, uuids); }, kElements);
-    document.close();
-    out << printableJson(text) << '\n';
+    JsonDocument document("show");
+    document.object().text("model", session.model().name());
+    document.list("signals", shown.signals, [&](std::size_t i) {
+        JsonObject object(document.text());
+        appendSignal(object, session, i);
+        object.close();
+    });
+    document.list("blocks", blocks,
+                  [&](const BlockNode* node) { appendBlock(document.text(), session.model(), *node); });
+    document.list("clients", shown.clients, [&](std::size_t i) {
+        JsonObject object(document.text());
+        appendClient(object, *session.clients().get(i), i, session, uuids);
+        object.close();
+    });
+    document.print(out);
 }
 
 bool isShown(const std::u16string& path, const std::u16string& below) {
@@ -175,7 +146,7 @@ int runShow(const ShowArguments& arguments, const Output& output) {
 void addShow(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<ShowArguments>();
     CLI::App* const command =
-        addCommand(app, "show", "List a model's signals, its observers, and its blocks with what is observed",
+        addCommand(app, "show", "List a model's signals, its clients, and its blocks with what is observed",
                    "  kshmi show cruise.json\n"
                    "  kshmi show cruise.json --below Sensors --observed\n"
                    "  kshmi show cruise.json --limit 10 --json",

@@ -1,40 +1,66 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "kshmi/print/output.h"
+#include "workbench/json/json_object.h"
 #include "workbench/session/session.h"
 
 namespace kshmi {
 
+/// How a change is made and told.
+struct ChangeOptions {
+    bool isDryRun = false;
+    bool isJson = false;
+    bool isAllTold = false;  ///< every line, however many there are
+};
+
+/// What becomes of a thing. JSON has a list of each.
+enum class Fate : std::uint8_t { added, changed, removed, skipped, unchanged };
+
 /// Tells what a command changes, or in a dry run would change, and saves it.
 class ChangeReport {
 public:
-    ChangeReport(const Output& output, bool isDryRun) : m_output(output), m_isDryRun(isDryRun) {}
+    /// Adds the members of the thing's JSON object.
+    using Members = std::function<void(workbench::JsonObject&)>;
+
+    ChangeReport(const Output& output, std::string_view command, const ChangeOptions& options)
+        : m_output(output), m_command(command), m_options(options) {}
 
     /// One line: "would mark a/b:1" in a dry run, else "marked a/b:1".
-    void change(std::string_view infinitive, std::string_view past, const std::string& what);
+    void change(Fate fate, std::string_view infinitive, std::string_view past, const std::string& what,
+                const Members& members);
     /// A line about something that stays as it is.
-    void note(const std::string& text);
+    void keep(Fate fate, const std::string& text, const Members& members);
     /// A line about what follows from a change: the first text in a dry run, else the second.
     void note(const std::string& expected, const std::string& happened);
-    /// Saves the session unless nothing was changed or the run is dry; then prints the lines and sums up. After a save
-    /// only the first lines are printed, and the others counted. Throws `Error` when the save fails, with nothing
-    /// printed, and when it was made and cannot be told.
-    void finish(workbench::Session& session);
+    void note(Fate fate, const std::string& expected, const std::string& happened, const Members& members);
+
+    /// Saves the session unless nothing was changed or the run is dry; then prints the lines and sums up, or prints
+    /// the JSON. Only the first lines are printed, and the others counted, unless all are asked for. Returns how the
+    /// run ends. Throws `Error` when the save fails, with nothing printed, and when it was made and cannot be told.
+    [[nodiscard]] ExitCode finish(workbench::Session& session);
 
 private:
-    void line(std::string text);
-    void print(std::size_t most) const;
-    void saveAndTell(workbench::Session& session) const;
+    void collect(Fate fate, const Members& members);
+    void printText(const workbench::Session& session, bool isSaved, std::size_t leftOut) const;
+    void printSaved(const workbench::Session& session, std::size_t leftOut) const;
+    void printJson(const workbench::Session& session, bool isSaved) const;
+
+    static constexpr std::size_t kFates = 5;
 
     const Output& m_output;
-    bool m_isDryRun;
+    std::string m_command;
+    ChangeOptions m_options;
     std::size_t m_changes = 0;
     std::vector<std::string> m_lines;
+    std::array<std::vector<std::string>, kFates> m_things;  ///< JSON objects
 };
 
 }  // namespace kshmi

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "workbench/find/client_names.h"
 #include "workbench/text/text.h"
 
@@ -12,8 +14,11 @@ using namespace workbench;
 void warnOfLost(const Session& session, const DanglingWatch& watch, bool isDryRun, std::ostream& err) {
     const Positions lost = watch.lost();
     if (lost.empty()) return;
+    constexpr std::size_t kMostNamed = 5;
     std::string names;
-    for (const std::size_t position : lost) names += (names.empty() ? "" : ", ") + nameOfClient(session, position);
+    for (std::size_t i = 0; i < std::min(kMostNamed, lost.size()); ++i)
+        names += (names.empty() ? "" : ", ") + nameOfClient(session, lost[i]);
+    if (lost.size() > kMostNamed) names += fmt::format(" and {} more", lost.size() - kMostNamed);
     err << "warning: " << (isDryRun ? "would be " : "") << "left without a signal: " << names;
     if (!isDryRun)
         err << fmt::format("; \"kshmi unobserve {} --dangling\" removes {}",

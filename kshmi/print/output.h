@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <ostream>
+#include <streambuf>
 #include <string>
 
 namespace kshmi {
@@ -20,6 +21,23 @@ struct Output {
     Progress* progress = nullptr;
 };
 
+/// An output that takes everything and keeps nothing.
+class NoOutput {
+public:
+    /// The same but for what is printed. It does not outlive this.
+    Output insteadOf(const Output& other) const {
+        return {m_stream, other.err, false, 0, other.isWatched, other.progress};
+    }
+
+private:
+    struct Buffer final : std::streambuf {
+        int overflow(int character) override { return traits_type::not_eof(character); }
+        std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+    };
+    mutable Buffer m_buffer;
+    mutable std::ostream m_stream{&m_buffer};
+};
+
 /// As `workbench::enterHost`, with the host's warnings on `err` from now on.
 void enterHost(std::ostream& err);
 
@@ -27,6 +45,6 @@ void enterHost(std::ostream& err);
 void tellProgress(const Output& output, std::string work);
 
 /// How a run ends.
-enum ExitCode : int { kSuccess = 0, kNotObserved = 1, kFailure = 2 };
+enum ExitCode : int { kSuccess = 0, kNothing = 1, kFailure = 2 };
 
 }  // namespace kshmi

@@ -66,7 +66,7 @@ void printClients(const ShownModel& shown, const Output& output) {
                    signal ? std::to_string(*signal + 1) : "",
                    signal ? printable(session.signals().get(*signal)->m_signalName) : "",
                    std::to_string(static_cast<std::uint32_t>(client.m_updateRate)),
-                   notesOn(client, watched(client, uuids))});
+                   notesOn(client, uuids, session.model().name())});
     }
     output.out << '\n';
     table.print(output.out, output.width);

@@ -100,9 +100,8 @@ void Tour::validate() {
     const SignalUuids uuids(*m_session);
     for (std::size_t i = 0; i < m_session->clients().getCount(); ++i) {
         const ks_hmi::SignalClient& client = *m_session->clients().get(i);
-        const Watched target = watched(client, uuids);
-        if (target == Watched::gone || client.isDeprecatedObserver())
-            say("{}: {}", describeClient(*m_session, i, uuids), notesOn(client, target));
+        if (watched(client, uuids) == Watched::gone || client.isDeprecatedObserver())
+            say("{}: {}", describeClient(*m_session, i, uuids), notesOn(client, uuids, m_session->model().name()));
     }
     const std::size_t before = m_session->clients().getCount();
     StreamingClients::validateAndRemoveUnused(m_session->clientSet());

@@ -82,7 +82,6 @@ const Block& Model::add(Block block) {
 }
 
 std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
-    if (!findByPath(path)) throwNoBlock(m_name, path);
     const std::string text = fl::i18n::to_string(std::u16string(newPath));
     checkPath(newPath);
     if (isBelow(newPath, path)) throw ModelError("A block cannot move below itself, to " + quoted(text) + ".", text);
@@ -94,6 +93,7 @@ std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
         moving.emplace_back(&block, std::u16string(newPath) + block.path.substr(path.size()));
         isMoving.insert(&block);
     }
+    if (moving.empty()) throwNoBlock(m_name, path);
     for (const auto& [block, movedPath] : moving) {
         const Block* there = findByPath(movedPath);
         if (there && !isMoving.contains(there)) throwPathTaken(m_name, *there);

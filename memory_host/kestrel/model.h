@@ -77,8 +77,8 @@ public:
     /// Appends a block. Throws `ModelError` for a text that is no path or is taken, and for an empty or
     /// taken element identifier; the model is then unchanged. The parent need not exist.
     const Block& add(Block block);
-    /// Gives the block at `path` and all blocks below it ("path/...") new paths. Throws `ModelError`
-    /// when there is no such block, the new text is no path, lies below the old one, or any path that
+    /// Gives the block at `path`, which need not be there itself, and all blocks below it ("path/...") new paths.
+    /// Throws `ModelError` when there is no block, the new text is no path, lies below the old one, or any path that
     /// would result is taken; the model is then unchanged. Returns how many blocks moved.
     std::size_t move(std::u16string_view path, std::u16string_view newPath);
     /// Replaces the names of a block's output ports. Throws `ModelError` when there is no such block.

@@ -39,7 +39,8 @@ protected:
 
 TEST_F(HostFailures, whatIsChangedIsSavedAsAskedForOrNotAtAll) {
     for (const char* const command :
-         {"mark A:2 Logic/limit", "observe A --type t", "unobserve A", "rename n", "move A C", "renumber A 2,1"}) {
+         {"mark A:2 Logic/limit", "observe A --type t", "unobserve A", "set A --hide --clients --update-rate 7",
+          "rename n", "move A C", "renumber A 2,1"}) {
         const auto doneNow = [&] {
             write(kModel);
             runOn(command);
@@ -59,7 +60,7 @@ TEST_F(HostFailures, whatIsChangedIsSavedAsAskedForOrNotAtAll) {
 }
 
 TEST_F(HostFailures, aQueryAnswersOrSaysThatItCannot) {
-    sweep("query A Logic/On/Fast", orvex::FaultKind::exception, [](const Finished& finished) {
+    sweep("query A:1 Logic/On/Fast", orvex::FaultKind::exception, [](const Finished& finished) {
         EXPECT_NE(finished.code, 1) << "an answer was made up";
         EXPECT_EQ(finished.code == 2, !finished.err.empty());
     });

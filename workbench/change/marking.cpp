@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "signals/signal_specification.h"
 #include "workbench/session/script.h"
@@ -23,12 +24,13 @@ std::u16string ownName(const SignalSource& source) {
 }
 
 std::unique_ptr<SignalSpecification> makeRecord(const kestrel::Model& model, const SignalSource& source,
-                                                const std::u16string& activity, bool isExcludedFromSave) {
+                                                const std::u16string& activity) {
     const kestrel::Block& block = *source.block;
     // A chart item has no handle of its own, and shares none with the chart's ports.
     const double handle = source.item ? 0.0 : block.handle;
     auto record = SignalSpecification::createSigSpecFromPort(block.path, block.eid, source.port, 0, handle,
-                                                             model.name(), isExcludedFromSave);
+                                                             model.name(), /*excludeForSave=*/false);
+    record->m_signalName = ownName(source);
     record->m_subSysPath = parentPath(block.path);
     if (!source.item) return record;
     record->m_subPath = source.item->subPath;
@@ -37,14 +39,15 @@ std::unique_ptr<SignalSpecification> makeRecord(const kestrel::Model& model, con
     return record;
 }
 
-void apply(const SignalSettings& settings, const SignalSource& source, SignalSpecification& record) {
-    record.m_signalName = settings.name ? toUtf16(*settings.name) : ownName(source);
-    record.m_decimation = settings.decimation;
-    record.m_maxPoints = settings.maxPoints;
-    record.m_isFrameBased = settings.isFrameBased;
-    record.m_hideInPLV = settings.isHidden;
-    record.m_targetBufferedStreaming = settings.isBuffered;
-    record.m_visualType = toUtf16(settings.visualType);
+void apply(const SignalSettings& settings, SignalSpecification& record) {
+    if (settings.name) record.m_signalName = toUtf16(*settings.name);
+    if (settings.visualType) record.m_visualType = toUtf16(*settings.visualType);
+    record.m_decimation = settings.decimation.value_or(record.m_decimation);
+    record.m_maxPoints = settings.maxPoints.value_or(record.m_maxPoints);
+    record.m_isFrameBased = settings.isFrameBased.value_or(record.m_isFrameBased);
+    record.m_hideInPLV = settings.isHidden.value_or(record.m_hideInPLV);
+    record.m_targetBufferedStreaming = settings.isBuffered.value_or(record.m_targetBufferedStreaming);
+    record.m_excludeForSave = settings.isExcludedFromSave.value_or(record.m_excludeForSave);
 }
 
 bool isAscii(const std::string& text) {
@@ -59,14 +62,34 @@ void keepUuid(const Session& session, const hvArray* set, std::size_t position) 
 
 }  // namespace
 
+bool SignalSettings::isAny() const noexcept {
+    return name || decimation || maxPoints || isFrameBased || isHidden || isExcludedFromSave || isBuffered ||
+           visualType;
+}
+
 void addSignal(Session& session, const SignalSource& source, const std::u16string& activity,
                const SignalSettings& settings) {
     const kestrel::Model& model = session.model();
-    const auto record = makeRecord(model, source, activity, settings.isExcludedFromSave);
-    apply(settings, source, *record);
+    const auto record = makeRecord(model, source, activity);
+    apply(settings, *record);
     const HvArrayPtr object = record->getHOSObject(model.name(), /*asStruct=*/false);
     if (!object) throw Error(inQuotes(fullName(model, source)) + ": the host made no signal object");
     script::add(session.signalSet(), object.get());
+}
+
+Positions changeSignals(Session& session, Positions positions, const SignalSettings& settings) {
+    sortUnique(positions);
+    std::erase_if(positions, [&](std::size_t position) {
+        const SignalSpecification& before = *session.signals().get(position);
+        ks_hmi::InstrumentedSignals::SignalPtr record(before.clone().release());
+        apply(settings, *record);
+        const bool isSame = record->isEqual(&before) && record->m_excludeForSave == before.m_excludeForSave;
+        if (!isSame) session.signals().set(position, std::move(record));
+        return isSame;
+    });
+    // Putting a record in another's place takes the index entries of other signals on the same path along.
+    if (!positions.empty()) session.signals().updateObservedPortMap();
+    return positions;
 }
 
 bool isMarked(const Session& session, const SignalSource& source, const std::u16string& activity) {

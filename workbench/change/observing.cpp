@@ -1,6 +1,7 @@
 #include "workbench/change/observing.h"
 
 #include <functional>
+#include <utility>
 
 #include "signals/signal_specification.h"
 #include "workbench/find/client_names.h"
@@ -14,7 +15,20 @@ namespace {
 using ks_hmi::SignalClient;
 using ks_hmi::SignalSpecification;
 
+void apply(const ClientSettings& settings, SignalClient& client) {
+    if (settings.type) client.m_observerType = *settings.type;
+    if (settings.params) client.m_observerParams.reset(hvCreateDeepCopy(settings.params.get()));
+    if (settings.updateRate) client.m_updateRate = *settings.updateRate;
+    if (settings.channel) client.m_dimensionChannel = *settings.channel;
+    if (settings.isImaginary) client.m_observeImaginaryPart = *settings.isImaginary;
+    if (settings.busLeaf) client.m_busLeafPath = *settings.busLeaf;
+}
+
 }  // namespace
+
+bool ClientSettings::isAny() const noexcept {
+    return type || params || updateRate || channel || isImaginary || busLeaf;
+}
 
 void addClient(Session& session, std::size_t signal, const ClientSettings& settings) {
     const std::u16string& modelName = session.model().name();
@@ -23,17 +37,25 @@ void addClient(Session& session, std::size_t signal, const ClientSettings& setti
     client.m_uuid = SignalSpecification::getUUIDFromBlockHandle(0, 0.0, /*useMap=*/false);
     client.m_sourceModel = modelName;
     client.m_signalUUID = observed.m_uuid;
-    client.m_observerType = settings.type;
     client.m_modelPath = {sourceOf(session.model(), observed).block->path};
     client.m_modelPathEID = {observed.m_eid};
-    client.m_observerParams.reset(settings.params ? hvCreateDeepCopy(settings.params.get()) : nullptr);
-    client.m_updateRate = settings.updateRate;
-    client.m_dimensionChannel = settings.channel;
-    client.m_observeImaginaryPart = settings.isImaginary;
-    client.m_busLeafPath = settings.busLeaf;
+    apply(settings, client);
     const HvArrayPtr object = client.getHOSObject(modelName);
     if (!object) throw Error(nameOfSignal(session, signal) + ": the host made no object for a client");
     script::add(session.clientSet(), object.get());
+}
+
+Positions changeClients(Session& session, Positions positions, const ClientSettings& settings) {
+    sortUnique(positions);
+    std::erase_if(positions, [&](std::size_t position) {
+        const SignalClient& before = *session.clients().get(position);
+        ks_hmi::StreamingClients::ClientPtr client(before.clone().release());
+        apply(settings, *client);
+        const bool isSame = client->isEqual(&before);
+        if (!isSame) session.clients().set(position, std::move(client));
+        return isSame;
+    });
+    return positions;
 }
 
 void removeClients(Session& session, Positions positions) {

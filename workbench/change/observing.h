@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,22 +10,29 @@
 #include "workbench/find/positions.h"
 #include "workbench/session/session.h"
 
-/// The observers of a model's signals. Positions are 0-based.
+/// The clients of a model's signals. Positions are 0-based.
 namespace workbench {
 
-/// What is said of a new client. Texts are UTF-8.
+/// What can be said of a client; what is left out is the default of a new one and stays of one that is there. Texts are
+/// UTF-8.
 struct ClientSettings {
-    std::string type;
-    HvArrayPtr params;  ///< null for none
-    std::uint32_t updateRate = 1;
-    std::uint32_t channel = 1;
-    bool isImaginary = false;
-    std::string busLeaf;
+    std::optional<std::string> type;
+    HvArrayPtr params;                        ///< null to leave them out
+    std::optional<std::uint32_t> updateRate;  ///< 1
+    std::optional<std::uint32_t> channel;     ///< 1
+    std::optional<bool> isImaginary;
+    std::optional<std::string> busLeaf;
+
+    bool isAny() const noexcept;
 };
 
 /// Adds a client of the signal at that position to the end of the set. Its model path is the signal's block, so that
 /// its source model is saved with it. Throws `Error` when the host makes no object for it.
 void addClient(Session& session, std::size_t signal, const ClientSettings& settings);
+
+/// Gives the clients at the positions those settings; each keeps its UUID, place and signal. Returns the positions of
+/// those that were otherwise before, ascending.
+Positions changeClients(Session& session, Positions positions, const ClientSettings& settings);
 
 /// Removes the clients at the positions, in any order, duplicates allowed.
 void removeClients(Session& session, Positions positions);

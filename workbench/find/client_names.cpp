@@ -16,6 +16,13 @@ std::string nameOfSignal(const Session& session, std::size_t position) {
     return source.item ? fmt::format("{} ({})", name, printable(activityOf(signal))) : name;
 }
 
+std::string describeSignal(const Session& session, std::size_t position) {
+    const ks_hmi::SignalSpecification& signal = *session.signals().get(position);
+    const bool isGone = blockOf(session.model(), signal) == nullptr;
+    return fmt::format("signal {}, {} on {}{}", position + 1, inQuotes(signal.m_signalName),
+                       nameOfSignal(session, position), isGone ? " (gone)" : "");
+}
+
 std::string nameOfClient(const Session& session, std::size_t position) {
     return fmt::format("client {} ({})", position + 1,
                        printable(std::string_view(session.clients().get(position)->m_observerType)));
@@ -29,13 +36,16 @@ std::string describeClient(const Session& session, std::size_t position, const S
     return fmt::format("{} of the absent signal {}", name, inQuotes(std::string_view(client.m_signalUUID)));
 }
 
-std::string notesOn(const SignalClient& client, Watched target) {
+std::string notesOn(const SignalClient& client, const SignalUuids& uuids, std::u16string_view modelName) {
+    const Watched target = watched(client, uuids);
+    const bool isForeign = stateOf(client, uuids, modelName) == ClientState::foreign;
     std::string notes;
     const auto add = [&](bool isSo, const std::string& note) {
         if (isSo) notes += (notes.empty() ? "" : ", ") + note;
     };
     add(target == Watched::gone, "dangling");
     add(target == Watched::elsewhere, "in a model that is not open");
+    add(isForeign, "foreign: of the model " + printable(client.m_sourceModel));
     add(client.isDeprecatedObserver(), "deprecated");
     add(client.m_observeImaginaryPart, "imaginary part");
     add(!client.m_busLeafPath.empty(), "leaf " + printable(std::string_view(client.m_busLeafPath)));

@@ -92,17 +92,27 @@ bool Pattern::matches(std::u32string_view name) const noexcept {
     return true;
 }
 
+bool hasUnescapedBracket(std::string_view pattern) noexcept {
+    for (std::size_t at = 0; at < pattern.size(); ++at) {
+        if (pattern[at] == '[') return true;
+        if (pattern[at] == '\\') ++at;
+    }
+    return false;
+}
+
 bool Globs::matches(const kestrel::Model& model, const SignalSource& source) const {
-    const auto isMatch = [&](const std::u16string& name) {
-        const std::u32string characters = toUtf32(name);
-        return std::any_of(m_patterns.begin(), m_patterns.end(),
-                           [&](const Pattern& pattern) { return pattern.matches(characters); });
-    };
     if (m_patterns.empty()) return false;
+    const std::size_t modelSize = toUtf32(model.name()).size();
+    const auto isMatch = [&](const std::u16string& name) {
+        const std::u32string full = toUtf32(name);
+        const std::u32string_view fromSlash = std::u32string_view(full).substr(modelSize);
+        return std::any_of(m_patterns.begin(), m_patterns.end(), [&](const Pattern& pattern) {
+            return pattern.matches(full) || pattern.matches(fromSlash) || pattern.matches(fromSlash.substr(1));
+        });
+    };
     const std::u16string block = model.fullPath(*source.block);
-    if (isMatch(block)) return true;
-    if (source.item) return !source.item->subPath.empty() && isMatch(block + u"/" + source.item->subPath);
-    return isMatch(fullName(model, source)) || isMatch(block + u":" + portName(source));
+    if (source.item) return isMatch(source.item->subPath.empty() ? block : block + u"/" + source.item->subPath);
+    return isMatch(block) || isMatch(fullName(model, source)) || isMatch(block + u":" + portName(source));
 }
 
 }  // namespace workbench

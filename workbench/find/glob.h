@@ -21,7 +21,11 @@ private:
     std::u32string m_text;
 };
 
-/// Patterns that match full paths: "model/block/path", and with ":number" or ":name" behind for a port. "*" matches
+/// Whether a pattern has a "[" that stands for a set.
+bool hasUnescapedBracket(std::string_view pattern) noexcept;
+
+/// Patterns that match whole paths: "block/path" with or without "model/" or a "/" in front, and with ":number" or
+/// ":name" behind for a port. A block's path alone matches its ports and, for a chart, the chart itself. "*" matches
 /// across "/".
 class Globs {
 public:

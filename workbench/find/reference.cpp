@@ -2,9 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
-#include <vector>
 
+#include "workbench/find/spelling.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -13,6 +14,14 @@ namespace workbench {
 namespace {
 
 using kestrel::Block;
+using Sources = std::vector<SignalSource>;
+
+/// A number as it is, a name in quotes.
+std::string nameOf(std::u16string_view port) {
+    constexpr std::size_t kLongestNumber = 10;
+    const bool isNumber = port.find_first_not_of(u"0123456789") == std::u16string_view::npos && !port.empty();
+    return isNumber && port.size() <= kLongestNumber ? toUtf8(port) : inQuotes(port);
+}
 
 std::optional<int> portOf(const Block& block, std::u16string_view text) {
     const std::string digits = toUtf8(text);
@@ -30,18 +39,6 @@ std::optional<int> portOf(const Block& block, std::u16string_view text) {
     return found;
 }
 
-std::string noSuchBlock(const kestrel::Model& model, std::string_view reference) {
-    return fmt::format("{}: the model {} has no such block", inQuotes(reference), inQuotes(model.name()));
-}
-
-std::string portList(const Block& block) {
-    if (block.outputs.empty()) return "it has none";
-    std::string list = "it has";
-    for (std::size_t i = 0; i < block.outputs.size(); ++i)
-        list += fmt::format("{} {} ({})", i == 0 ? "" : ",", i + 1, printable(block.outputs[i]));
-    return list;
-}
-
 std::string identifiers(const std::vector<ChartItem>& items) {
     std::string list;
     for (const ChartItem& item : items) list += (list.empty() ? "" : " or ") + std::to_string(item.ssid);
@@ -54,25 +51,33 @@ public:
     Lookup(const kestrel::Model& model, std::u16string_view text, const ReferenceOptions& options)
         : m_model(model), m_text(text), m_options(options) {}
 
-    std::optional<SignalSource> find() {
+    Sources find() {
         if (const Block* const block = m_model.findByPath(m_text)) return whole(*block);
         for (std::size_t at = m_text.size(); at-- > 0;) {
             if (m_text[at] != u':' && m_text[at] != u'/') continue;
             const Block* const block = m_model.findByPath(m_text.substr(0, at));
             if (!block) continue;
             const std::u16string_view rest = m_text.substr(at + 1);
-            if (auto source = m_text[at] == u':' ? port(*block, rest) : item(*block, rest)) return source;
+            if (auto source = m_text[at] == u':' ? port(*block, rest) : item(*block, rest)) return {std::move(*source)};
         }
-        return std::nullopt;
+        return {};
     }
     /// Why nothing was found, when a block was; else empty.
     const std::string& reason() const noexcept { return m_reason; }
 
 private:
-    std::optional<SignalSource> whole(const Block& block) {
-        const bool isChartItself = block.chart && (!m_options.activity.empty() || block.outputs.empty());
-        if (m_options.ssid || isChartItself) return bySsid(block, m_options.ssid.value_or(0));
-        return port(block, u"1");
+    Sources whole(const Block& block) {
+        if (m_options.ssid) {
+            auto item = bySsid(block, *m_options.ssid);
+            return item ? Sources{std::move(*item)} : Sources();
+        }
+        Sources sources;
+        const bool isChartOnly = block.chart && !m_options.activity.empty();
+        for (int port = 1; !isChartOnly && port <= static_cast<int>(block.outputs.size()); ++port)
+            sources.push_back({&block, port, std::nullopt});
+        if (block.chart) sources.push_back({&block, 0, chartItemOf(block, 0)});
+        if (sources.empty()) miss("the block " + inQuotes(block.path) + " has no output ports");
+        return sources;
     }
 
     std::optional<SignalSource> bySsid(const Block& block, std::uint32_t ssid) {
@@ -83,8 +88,8 @@ private:
 
     std::optional<SignalSource> port(const Block& block, std::u16string_view text) {
         if (const auto number = portOf(block, text)) return SignalSource{&block, *number, std::nullopt};
-        return miss("the block " + inQuotes(block.path) + " has no output port " + printable(text) + "; " +
-                    portList(block));
+        return miss("the block " + inQuotes(block.path) + " has no output port " + nameOf(text) + "; " +
+                    portList(block, text));
     }
 
     std::optional<SignalSource> item(const Block& block, std::u16string_view text) {
@@ -115,40 +120,58 @@ private:
     std::string m_reason;
 };
 
+Error twoWays(const kestrel::Model& model, std::string_view reference,
+              const std::vector<std::pair<Spelling, Sources>>& found) {
+    const auto blockOf = [&](std::size_t i) { return found[i].second.front().block->path; };
+    return ambiguous(model, reference, found[0].first, blockOf(0), found[1].first, blockOf(1));
+}
+
+/// The one way of reading the text that leads somewhere.
+template <typename IsThere>
+std::u16string resolvePath(const kestrel::Model& model, std::string_view text, IsThere isThere) {
+    std::vector<Spelling> found = spellingsOf(model, text);
+    std::erase_if(found, [&](const Spelling& spelling) { return spelling.path.empty() || !isThere(spelling.path); });
+    if (found.empty()) throw noSuchBlock(model, text);
+    if (found.size() > 1) throw ambiguous(model, text, found[0], found[0].path, found[1], found[1].path);
+    return found.front().path;
+}
+
 }  // namespace
 
-SignalSource resolveReference(const kestrel::Model& model, std::string_view reference,
-                              const ReferenceOptions& options) {
-    const std::u16string text = toUtf16(reference);
-    const std::u16string inModel = withoutModel(model, reference);
+std::vector<SignalSource> resolveReference(const kestrel::Model& model, std::string_view reference,
+                                           const ReferenceOptions& options) {
     std::string reason;
-    std::vector<std::u16string_view> spellings{inModel};
-    if (inModel != text) spellings.emplace_back(text);
-    for (const std::u16string_view spelling : spellings) {
-        Lookup lookup(model, spelling, options);
-        if (auto source = lookup.find()) {
-            if (!source->item && (!options.activity.empty() || options.ssid))
-                throw Error(inQuotes(reference) +
-                            ": --activity and --ssid are for charts; name a chart without a port");
-            return *source;
-        }
+    std::vector<std::pair<Spelling, Sources>> found;
+    for (const Spelling& spelling : spellingsOf(model, reference)) {
+        Lookup lookup(model, spelling.path, options);
+        if (Sources sources = lookup.find(); !sources.empty()) found.emplace_back(spelling, std::move(sources));
         if (reason.empty()) reason = lookup.reason();
     }
-    if (reason.empty()) throw Error(noSuchBlock(model, reference), ErrorCode::request, Remedy::listBlocks);
-    throw Error(inQuotes(reference) + ": " + reason);
+    if (found.size() > 1) throw twoWays(model, reference, found);
+    if (found.empty() && reason.empty()) throw noSuchBlock(model, reference);
+    if (found.empty())
+        throw Error(inQuotes(reference) + ": " + reason, ErrorCode::request,
+                    isLikePattern(reference) ? Remedy::usePatterns : Remedy::none);
+    const bool isOfChart = !options.activity.empty() || options.ssid;
+    if (isOfChart && !found.front().second.front().item)
+        throw Error(inQuotes(reference) + ": --activity and --ssid are for charts; name a chart without a port");
+    return std::move(found.front().second);
 }
 
 std::u16string withoutModel(const kestrel::Model& model, std::string_view path) {
-    const std::u16string text = toUtf16(path);
-    const std::u16string prefix = model.name() + u"/";
-    return text.starts_with(prefix) ? text.substr(prefix.size()) : text;
+    return spellingsOf(model, path).front().path;
 }
 
 const Block& resolveBlock(const kestrel::Model& model, std::string_view path) {
-    const Block* block = model.findByPath(withoutModel(model, path));
-    if (!block) block = model.findByPath(toUtf16(path));
-    if (!block) throw Error(noSuchBlock(model, path), ErrorCode::request, Remedy::listBlocks);
-    return *block;
+    const auto isBlock = [&](const std::u16string& text) { return model.findByPath(text) != nullptr; };
+    return *model.findByPath(resolvePath(model, path, isBlock));
+}
+
+std::u16string resolveParent(const kestrel::Model& model, std::string_view path) {
+    return resolvePath(model, path, [&](const std::u16string& text) {
+        const auto isThere = [&](const Block& block) { return isAtOrBelow(block.path, text); };
+        return std::any_of(model.blocks().begin(), model.blocks().end(), isThere);
+    });
 }
 
 std::u16string activityFor(const ChartItem& item, const ReferenceOptions& options) {

@@ -4,29 +4,58 @@
 #include <string>
 #include <vector>
 
+#include "workbench/find/positions.h"
 #include "workbench/find/reference.h"
+#include "workbench/find/signal_index.h"
+#include "workbench/session/session.h"
 #include "workbench/session/signal_source.h"
+#include "workbench/text/error.h"
 
 namespace workbench {
 
-/// What somebody means: references, and patterns over full paths.
+/// A reference from a list, with its place there.
+struct ListedReference {
+    std::string text;
+    ErrorPlace place;
+};
+
+enum class SourceKind : std::uint8_t { port, chart, state, datum };
+SourceKind kindOf(const SignalSource& source);
+
+/// What somebody means, the same for whatever is done with it: references and patterns, less what is excepted. A block
+/// without a port means the same in both: all its output ports and, for a chart, the chart itself.
 struct Selection {
     std::vector<std::string> references;
+    std::vector<ListedReference> listed;
     std::vector<std::string> all;     ///< patterns
     std::vector<std::string> except;  ///< patterns
+    std::vector<SourceKind> kinds;    ///< only these; all when empty
     ReferenceOptions options;
+
+    bool isAnything() const noexcept { return !references.empty() || !listed.empty() || !all.empty(); }
 };
 
-enum class Selectable : std::uint8_t { ports, portsAndItems };
-
-/// What a selection's patterns match.
-struct Matching {
-    std::vector<SignalSource> sources;  ///< in the model's order
-    std::vector<std::string> idle;      ///< "except" patterns that leave nothing out
+/// What one reference names.
+struct NamedSources {
+    ListedReference reference;  ///< its place is empty outside lists
+    std::vector<SignalSource> sources;
 };
 
-/// What any "all" pattern matches and no "except" pattern; with an activity in the options only the chart items that
-/// can have it. Throws `Error` for an "all" pattern that matches nothing in the model.
-Matching selectMatching(const kestrel::Model& model, const Selection& selection, Selectable what);
+struct Selected {
+    std::vector<NamedSources> named;
+    std::vector<SignalSource> matching;  ///< what the patterns match, in the model's order
+    std::vector<std::string> idle;       ///< "except" patterns that leave nothing out
+
+    /// All of it, each port and item once: what is named in its order, then what matches.
+    std::vector<SignalSource> sources() const;
+};
+
+/// Finds what a selection means in the model. With an activity, patterns select only the chart items that can have
+/// it. Throws `Error` as `resolveReference`, and for an "all" pattern that matches nothing.
+Selected select(const kestrel::Model& model, const Selection& selection);
+
+/// Positions of the signals on what is selected, ascending; with an activity only those that have it. Throws `Error`
+/// for a reference that names nothing that is marked.
+Positions signalsOn(const Selected& selected, const ReferenceOptions& options, const SignalIndex& index);
 
 }  // namespace workbench

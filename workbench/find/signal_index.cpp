@@ -16,10 +16,6 @@ const std::vector<std::size_t>& SignalIndex::on(const SignalSource& source) cons
     return found == m_positions.end() ? none : found->second;
 }
 
-std::vector<std::size_t> SignalIndex::on(const std::string& reference, const ReferenceOptions& options) const {
-    return on(resolveReference(m_session.model(), reference, options), options);
-}
-
 std::vector<std::size_t> SignalIndex::on(const SignalSource& source, const ReferenceOptions& options) const {
     std::vector<std::size_t> positions = on(source);
     if (!source.item || options.activity.empty()) return positions;

@@ -23,8 +23,6 @@ public:
     /// Of a chart item only those of the activity, when the options say one. Throws `Error` for one that it cannot
     /// have.
     std::vector<std::size_t> on(const SignalSource& source, const ReferenceOptions& options) const;
-    /// The same for what a reference names. Throws as `resolveReference`.
-    std::vector<std::size_t> on(const std::string& reference, const ReferenceOptions& options) const;
 
 private:
     struct Key {

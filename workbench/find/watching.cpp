@@ -1,7 +1,13 @@
 #include "workbench/find/watching.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
+#include <charconv>
 #include <iterator>
+
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
 
 #include "signals/signal_specification.h"
 
@@ -23,6 +29,18 @@ bool namesOpenModelsOnly(const SignalClient& client) {
     return true;
 }
 
+template <typename Set>
+std::size_t positionCalled(const Set& set, const std::string& call, const char* kind, Remedy remedy) {
+    for (std::size_t i = 0; i < set.getCount(); ++i)
+        if (set.get(i)->m_uuid == call) return i;
+    std::size_t number = 0;
+    const char* const end = call.data() + call.size();
+    const bool isNumber = std::from_chars(call.data(), end, number).ptr == end && !call.empty();
+    if (isNumber && number >= 1 && number <= set.getCount()) return number - 1;
+    throw Error(fmt::format("no {} has the UUID or position {}", kind, inQuotes(std::string_view(call))),
+                ErrorCode::noMatch, remedy);
+}
+
 }  // namespace
 
 SignalUuids::SignalUuids(const Session& session) {
@@ -36,9 +54,35 @@ std::optional<std::size_t> SignalUuids::positionOf(std::string_view uuid) const 
     return found == m_positions.end() ? std::nullopt : std::optional(found->second);
 }
 
+std::size_t signalCalled(const Session& session, const std::string& call) {
+    return positionCalled(session.signals(), call, "signal", Remedy::listSignals);
+}
+
+std::size_t clientCalled(const Session& session, const std::string& call) {
+    return positionCalled(session.clients(), call, "client", Remedy::listClients);
+}
+
 Watched watched(const SignalClient& client, const SignalUuids& uuids) {
     if (uuids.positionOf(client.m_signalUUID)) return Watched::here;
     return namesOpenModelsOnly(client) ? Watched::gone : Watched::elsewhere;
+}
+
+ClientState stateOf(const SignalClient& client, const SignalUuids& uuids, std::u16string_view modelName) {
+    if (!client.m_sourceModel.empty() && client.m_sourceModel != modelName) return ClientState::foreign;
+    switch (watched(client, uuids)) {
+        case Watched::gone:
+            return ClientState::dangling;
+        case Watched::elsewhere:
+            return ClientState::elsewhere;
+        case Watched::here:
+            break;
+    }
+    return ClientState::watching;
+}
+
+const char* nameOf(ClientState state) noexcept {
+    constexpr const char* kNames[] = {"watching", "dangling", "elsewhere", "foreign"};
+    return kNames[static_cast<std::size_t>(state)];
 }
 
 DanglingWatch::DanglingWatch(const Session& session) : m_session(session), m_before(dangling()) {}

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 
@@ -22,6 +23,10 @@ private:
     std::unordered_map<std::string_view, std::size_t> m_positions;
 };
 
+/// Position of the signal or client that a UUID or a 1-based position calls. Throws `Error` when there is none.
+std::size_t signalCalled(const Session& session, const std::string& call);
+std::size_t clientCalled(const Session& session, const std::string& call);
+
 /// Where the signal is that a client watches.
 enum class Watched : std::uint8_t {
     here,
@@ -29,6 +34,17 @@ enum class Watched : std::uint8_t {
     elsewhere,  ///< a model that the client names is not open
 };
 Watched watched(const ks_hmi::SignalClient& client, const SignalUuids& uuids);
+
+/// How it stands with a client, in one word.
+enum class ClientState : std::uint8_t {
+    watching,   ///< its signal is here
+    dangling,   ///< its signal is gone
+    elsewhere,  ///< its signal may be in a model that is not open
+    foreign,    ///< it names another model as its own, wherever its signal is
+};
+ClientState stateOf(const ks_hmi::SignalClient& client, const SignalUuids& uuids, std::u16string_view modelName);
+/// The word: "watching", "dangling", "elsewhere", "foreign".
+const char* nameOf(ClientState state) noexcept;
 
 /// Tells which clients lose their signals while this lives. The set of clients must not change meanwhile.
 class DanglingWatch {

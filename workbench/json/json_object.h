@@ -64,6 +64,8 @@ public:
         return name(key), m_out += fmt::format("{}", value), *this;
     }
     JsonObject& null(std::string_view key) { return name(key), m_out += "null", *this; }
+    /// The text that it is written to, for the value of the member that was named last.
+    std::string& out() noexcept { return m_out; }
     void close() {
         if (!m_isEmpty) m_out += m_layout.last;
         m_out += '}';

@@ -10,7 +10,8 @@
 namespace workbench {
 
 enum class ErrorCode : std::uint8_t {
-    request,  ///< what was asked for cannot be done, or names nothing
+    request,  ///< what was asked for cannot be done, or names what is not there
+    noMatch,  ///< what was searched for is nowhere
     format,   ///< a file is no model file
     model,    ///< what a model file holds does not fit together
     file,     ///< a file cannot be opened, read or replaced
@@ -21,6 +22,9 @@ enum class ErrorCode : std::uint8_t {
 enum class Remedy : std::uint8_t {
     none,            ///< the text says all
     listBlocks,      ///< look at the model's blocks
+    listSignals,     ///< look at the model's signals
+    listClients,     ///< look at the model's clients
+    usePatterns,     ///< say that what was given as a name is a pattern
     removeDangling,  ///< remove the signals of the error's file whose source is gone
 };
 

@@ -195,7 +195,7 @@ void HostValueBuilder::taggedString(Node& node, std::string_view text) {
 
 void HostValueBuilder::number(std::string_view text) {
     Node* const node = taggedTop();
-    if (!node) return deliver(HvArrayPtr(hvCreateDoubleScalar(numberOfText(text))));
+    if (!node) return deliver(HvArrayPtr(hvCreateDoubleScalar(exactNumberOfText(text))));
     if (node->isListOpen && node->member == Member::size)
         node->size.push_back(lengthOfText(text));
     else if (node->isListOpen && node->member == Member::elements)

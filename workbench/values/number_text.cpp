@@ -24,6 +24,14 @@ constexpr std::string_view kNanBits = "NaN:";
 constexpr std::string_view kInfinity = "Infinity";
 constexpr std::string_view kMinusInfinity = "-Infinity";
 
+/// For messages.
+std::string shortened(std::string_view number) {
+    constexpr std::size_t kLongest = 60;
+    constexpr std::size_t kHead = 30;
+    if (number.size() <= kLongest) return std::string(number);
+    return fmt::format("{}... ({} digits)", number.substr(0, kHead), number.size());
+}
+
 template <typename T>
 T parsed(std::string_view text, const char* wanted) {
     using Limits = std::numeric_limits<T>;
@@ -31,7 +39,7 @@ T parsed(std::string_view text, const char* wanted) {
     const char* const end = text.data() + text.size();
     const auto [stop, code] = std::from_chars(text.data(), end, value);
     if (code == std::errc() && stop == end) return value;
-    throw Error(fmt::format("the number {} is not a valid {}; give a {}number from {} to {}", text, wanted,
+    throw Error(fmt::format("the number {} is not a valid {}; give a {}number from {} to {}", shortened(text), wanted,
                             std::is_integral_v<T> ? "whole " : "", Limits::lowest(), Limits::max()));
 }
 
@@ -90,7 +98,20 @@ std::string textOfBits(std::uint64_t bits) {
 }
 
 [[noreturn]] void refuseNumber(std::string_view text) {
-    throw Error("the number " + std::string(text) + " appears where true or false is expected");
+    throw Error("the number " + shortened(text) + " appears where true or false is expected");
+}
+
+/// A whole number that is not the float's value would be saved as another.
+template <typename Float>
+Float exact(std::string_view text, Float value) {
+    const bool isWhole = text.find_first_not_of("0123456789", text.starts_with('-') ? 1 : 0) == std::string_view::npos;
+    if (!isWhole) return value;
+    if (text == "-0") throw Error("the number -0 would be saved as -0.0; write -0.0, or 0 when no sign is meant");
+    if (fmt::format("{:.0f}", value) == text || written(value) == text) return value;
+    throw Error(
+        fmt::format(R"(the number {0} would be saved as {1:.0f}; write it as {{"$class": "int64", "size": [1, 1], )"
+                    R"("data": [{0}]}}, with "uint64" for a larger one, or as a text)",
+                    shortened(text), value));
 }
 
 template <typename T>
@@ -98,7 +119,7 @@ std::uint64_t bitsOfNumber(std::string_view text, const char* className) {
     if constexpr (std::is_same_v<T, bool>)
         refuseNumber(text);
     else if constexpr (std::is_floating_point_v<T>)
-        return std::bit_cast<BitsOf<T>>(parsed<T>(text, className));
+        return std::bit_cast<BitsOf<T>>(exact(text, parsed<T>(text, className)));
     else
         return static_cast<std::uint64_t>(parsed<T>(text, className));
 }
@@ -108,6 +129,8 @@ std::uint64_t bitsOfNumber(std::string_view text, const char* className) {
 std::string textOfNumber(double value) { return textOfFloat(value); }
 
 double numberOfText(std::string_view text) { return parsed<double>(text, "double"); }
+
+double exactNumberOfText(std::string_view text) { return exact(text, numberOfText(text)); }
 
 std::size_t lengthOfText(std::string_view text) { return parsed<std::size_t>(text, "length"); }
 

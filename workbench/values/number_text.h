@@ -15,6 +15,8 @@ std::string textOfNumber(double value);
 
 /// Throws `Error` for a number that does not fit a double.
 double numberOfText(std::string_view text);
+/// The same; also for a whole number that a double does not hold as it is, and for "-0".
+double exactNumberOfText(std::string_view text);
 
 /// A length in "size". Throws `Error` for a number that is none.
 std::size_t lengthOfText(std::string_view text);
@@ -23,7 +25,7 @@ std::size_t lengthOfText(std::string_view text);
 /// for ("NaN", "-Infinity", "NaN:7ff8000000000001").
 std::string textOfElement(hvClassID classId, std::uint64_t bits);
 
-/// The bits for a JSON number. Throws `Error` when it does not fit the class.
+/// The bits for a JSON number. Throws `Error` when it does not fit the class, or would be saved as another.
 std::uint64_t elementOfNumber(hvClassID classId, std::string_view text);
 /// The bits for one of the quoted texts. Throws `Error` for any other text and for integer classes.
 std::uint64_t elementOfText(hvClassID classId, std::string_view text);

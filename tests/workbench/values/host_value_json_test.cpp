@@ -35,6 +35,8 @@ TEST_F(HostValueJson, canonicalFormsReadAndWriteBackTheSame) {
         R"("a\"\\\n\t\u0000\u001f ü 😀")",
         "0",
         "-0.0",
+        "9007199254740992",
+        "-9007199254740994",
         "0.1",
         "5e-324",
         "1.7976931348623157e+308",
@@ -96,6 +98,11 @@ TEST_F(HostValueJson, aPieceOfTheFileMayEndAnywhere) {
 TEST_F(HostValueJson, formsThatNoValueHasAreRefused) {
     const std::vector<std::pair<std::string, std::string>> refusals{
         {"1e999", "not a valid double; give a number from"},
+        {"9007199254740993", R"(would be saved as 9007199254740992; write it as {"$class": "int64")"},
+        {R"({"a": [-9007199254740993]})", "would be saved as -9007199254740992"},
+        {"-0", "the number -0 would be saved as -0.0"},
+        {R"({"$class": "single", "size": [1, 1], "data": [16777217]})", "would be saved as 16777216"},
+        {R"({"$class": "double", "size": [1, 1], "data": [-0]})", "write -0.0, or 0"},
         {R"({"a": 1, "a": 2})", "twice"},
         {R"({"$size": 1})", "\"$class\" first"},
         {R"({"a\u0000": 1})", "NUL"},

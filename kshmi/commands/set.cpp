@@ -1,0 +1,168 @@
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "kshmi/commands/selecting.h"
+#include "kshmi/print/change_report.h"
+#include "kshmi/print/json_records.h"
+#include "signals/signal_specification.h"
+#include "workbench/change/marking.h"
+#include "workbench/change/observing.h"
+#include "workbench/find/client_names.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+struct SetArguments {
+    std::string file;
+    SelectionArguments what;
+    std::vector<std::string> signals;  ///< UUIDs and positions
+    SignalSettings settings;
+    std::vector<std::string> clients;  ///< UUIDs and positions
+    bool isOfClients = false;          ///< all clients of the signals
+    std::vector<std::string> types;    ///< only these
+    ClientArguments client;
+    ChangeOptions options;
+};
+
+void requireSense(const SetArguments& arguments, const ClientSettings& client) {
+    const bool isOfSignals = isAnythingSelected(arguments.what) || !arguments.signals.empty();
+    const bool isOfClients = arguments.isOfClients || !arguments.clients.empty();
+    if (!arguments.settings.isAny() && !client.isAny())
+        throw Error("nothing to set; give --name, --decimation, --update-rate or another setting");
+    requireSelection(arguments.what, !arguments.signals.empty() || !arguments.clients.empty(), "--signal, --client");
+    if (client.isAny() && !isOfClients)
+        throw Error(
+            "--params, --update-rate and what else is said of clients need --clients, for all clients of what "
+            "is selected, or --client");
+    if (!client.isAny() && isOfClients)
+        throw Error("--clients and --client select clients; say what to set of them, such as --update-rate");
+    if (arguments.settings.isAny() && !isOfSignals)
+        throw Error("--name, --decimation and what else is said of signals need a signal; name a REF or give --signal");
+    if (arguments.isOfClients && !isOfSignals)
+        throw Error("--clients means the clients of what is selected; name a REF or give --signal");
+}
+
+Positions signalsOf(const Session& session, const SetArguments& arguments, const Output& output) {
+    Positions positions = signalsOn(select(session.model(), arguments.what, output), arguments.what.selection.options,
+                                    SignalIndex(session));
+    for (const std::string& call : arguments.signals) positions.push_back(signalCalled(session, call));
+    sortUnique(positions);
+    return positions;
+}
+
+std::unordered_set<std::string> uuidsOf(const Session& session, const Positions& signals) {
+    std::unordered_set<std::string> uuids;
+    for (const std::size_t position : signals) uuids.insert(session.signals().get(position)->m_uuid);
+    return uuids;
+}
+
+Positions clientsOf(const Session& session, const SetArguments& arguments, const Positions& signals) {
+    Positions positions;
+    const auto uuids = uuidsOf(session, signals);
+    for (std::size_t i = 0; arguments.isOfClients && i < session.clients().getCount(); ++i) {
+        const ks_hmi::SignalClient& client = *session.clients().get(i);
+        const auto& types = arguments.types;
+        const bool isOfType =
+            types.empty() || std::find(types.begin(), types.end(), client.m_observerType) != types.end();
+        if (isOfType && uuids.contains(client.m_signalUUID)) positions.push_back(i);
+    }
+    for (const std::string& call : arguments.clients) positions.push_back(clientCalled(session, call));
+    sortUnique(positions);
+    return positions;
+}
+
+/// Tells of each position what became of it; `changed` are those that are otherwise now.
+template <typename Describe, typename Append>
+void tell(const Positions& positions, const Positions& changed, ChangeReport& report, Describe describe,
+          Append append) {
+    for (const std::size_t position : positions) {
+        const auto members = [&](JsonObject& object) { append(object, position); };
+        if (std::binary_search(changed.begin(), changed.end(), position))
+            report.change(Fate::changed, "change", "changed", describe(position), members);
+        else
+            report.keep(Fate::unchanged, "already so: " + describe(position), members);
+    }
+}
+
+void setSignals(Session& session, const Positions& positions, const SignalSettings& settings, ChangeReport& report) {
+    const Positions changed = changeSignals(session, positions, settings);
+    tell(
+        positions, changed, report, [&](std::size_t position) { return describeSignal(session, position); },
+        [&](JsonObject& object, std::size_t position) {
+            object.text("kind", std::string_view("signal"));
+            appendSignal(object, session, position);
+        });
+}
+
+void setClients(Session& session, const Positions& positions, const ClientSettings& settings, ChangeReport& report) {
+    const Positions changed = changeClients(session, positions, settings);
+    const SignalUuids uuids(session);
+    tell(
+        positions, changed, report, [&](std::size_t position) { return describeClient(session, position, uuids); },
+        [&](JsonObject& object, std::size_t position) {
+            object.text("kind", std::string_view("client"));
+            appendClient(object, *session.clients().get(position), position, session, uuids);
+        });
+}
+
+void warnOfExcluded(const Session& session, const Positions& signals, std::ostream& err) {
+    const auto uuids = uuidsOf(session, signals);
+    std::size_t clients = 0;
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i)
+        clients += uuids.contains(session.clients().get(i)->m_signalUUID) ? 1U : 0U;
+    err << fmt::format("warning: the saved file no longer has what is excluded from saving: {}{}\n",
+                       counted(signals.size(), "signal"),
+                       clients > 0 ? ", whose " + counted(clients, "client") + " it leaves without a signal" : "");
+}
+
+int runSet(const SetArguments& arguments, const Output& output) {
+    const ClientSettings client = settingsOf(arguments.client);
+    requireSense(arguments, client);
+    kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    const Positions signals = signalsOf(session, arguments, output);
+    const Positions clients = clientsOf(session, arguments, signals);
+    ChangeReport report(output, "set", arguments.options);
+    if (arguments.settings.isAny()) setSignals(session, signals, arguments.settings, report);
+    if (client.isAny()) setClients(session, clients, client, report);
+    if (arguments.settings.isExcludedFromSave.value_or(false) && !signals.empty())
+        warnOfExcluded(session, signals, output.err);
+    return report.finish(session);
+}
+
+}  // namespace
+
+void addSet(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<SetArguments>();
+    CLI::App* const command =
+        addCommand(app, "set", "Change the settings of signals and clients in place and save the model",
+                   "  kshmi set cruise.json Sensors/Speed:1 --decimation 10 --name speed\n"
+                   "  kshmi set cruise.json --all 'Sensors/*' --hide\n"
+                   "  kshmi set cruise.json Sensors/Speed:1 --clients --update-rate 5\n"
+                   "  kshmi set cruise.json --client 2 --params '{\"max\": 180}'",
+                   arguments->file);
+    addSelection(*command, arguments->what);
+    command->add_option("--signal", arguments->signals, "the signal with this UUID or position; may be repeated")
+        ->allow_extra_args(false);
+    addSettings(*command, arguments->settings);
+    command->add_option("--client", arguments->clients, "the client with this UUID or position; may be repeated")
+        ->allow_extra_args(false);
+    command->add_flag("--clients", arguments->isOfClients, "all clients of the signals that are selected");
+    command->add_option("--type", arguments->types, "of --clients only those of this kind; may be repeated")
+        ->allow_extra_args(false);
+    addClientSettings(*command, arguments->client);
+    command->add_option("--new-type", arguments->client.type, "kind of client");
+    addChangeOptions(*command, arguments->options);
+    runWith(*command, runSet, arguments, run);
+}
+
+}  // namespace kshmi
