@@ -14,7 +14,7 @@ int main(int argc, char** argv) {
                                kshmi::columnsOfTerminal(STDOUT_FILENO), ::isatty(STDERR_FILENO) == 1};
     int code = kshmi::runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc), output);
     if (const std::string lives = workbench::leaveHost(); !lives.empty()) {
-        std::cerr << "kshmi: not everything was released:\n" << lives;
+        std::cerr << "kshmi: the host was not left as it was found:\n" << lives;
         code = kshmi::kFailure;
     }
     std::cout.flush();

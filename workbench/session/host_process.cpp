@@ -5,6 +5,7 @@
 
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/orvex/account/ledger.h"
+#include "memory_host/orvex/account/scope_errors.h"
 #include "memory_host/orvex/calls/library_loader.h"
 #include "memory_host/orvex/calls/warnings.h"
 #include "memory_host/orvex/objects/object_system.h"
@@ -20,9 +21,13 @@ std::optional<orvex::LoadedLibrary>& library() {
 }
 
 #ifdef NDEBUG
-std::string whatLives() { return {}; }
+std::string whatIsAmiss() { return {}; }
 #else
-std::string whatLives() { return orvex::liveCounts() == orvex::LedgerCounts{} ? "" : orvex::describeLive(); }
+std::string whatIsAmiss() {
+    std::string text = orvex::liveCounts() == orvex::LedgerCounts{} ? "" : orvex::describeLive();
+    for (const std::string& error : orvex::scopeErrors()) text += error + '\n';
+    return text;
+}
 #endif
 
 }  // namespace
@@ -42,7 +47,7 @@ std::string leaveHost() {
     kestrel::releaseHostSide();
     orvex::releaseObjectSystem();
     library()->unload();
-    return whatLives();
+    return whatIsAmiss();
 }
 
 }  // namespace workbench

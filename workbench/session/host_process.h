@@ -13,9 +13,9 @@ using WarningSink = std::function<void(const std::string& text)>;
 /// host's exception when the library cannot be loaded.
 void enterHost(WarningSink warnings);
 
-/// Releases everything that lives in the host and lets the library go; the host cannot be entered again. Returns a
-/// list of what still lives, a line each, that nobody released; empty as it should be, and in release builds, which do
-/// not look.
+/// Releases everything that lives in the host and lets the library go; the host cannot be entered again. Returns a line
+/// for each thing that still lives, because nobody released it, and for each value that was used or kept against its
+/// scope. Empty as it should be, and in release builds, which do not look.
 std::string leaveHost();
 
 /// File name of the library.
