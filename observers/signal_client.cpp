@@ -108,7 +108,8 @@ bool SignalClient::isEqual(const SignalClient* other) const {
 
 std::unique_ptr<SignalClient> SignalClient::clone() const {
     auto copy = std::make_unique<SignalClient>();
-    static_cast<SignalClientFields&>(*copy) = *this;
+    const SignalClientFields& fields = *this;
+    static_cast<SignalClientFields&>(*copy) = fields;
     if (m_observerParams) copy->m_observerParams = persistent(deepCopy(m_observerParams));
     return copy;
 }
