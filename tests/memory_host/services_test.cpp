@@ -1,5 +1,3 @@
-#include <dlfcn.h>
-
 #include "host/services.h"
 #include "memory_host/orvex/calls/call_by_name.h"
 #include "memory_host/orvex/calls/errors.h"
@@ -11,7 +9,6 @@
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/account/local_scope.h"
 #include "memory_host/orvex/calls/functions.h"
-#include "memory_host/orvex/calls/library_loader.h"
 #include "memory_host/orvex/values/values.h"
 #include "tests/memory_host/ledger_test_base.h"
 
@@ -277,38 +274,6 @@ TEST_F(HostServices, ledgerTellsWhatLivesAndWhoMadeIt) {
     EXPECT_NE(lines.find("made by hvCreateLogicalScalar from "), std::string::npos) << lines;
     EXPECT_NE(lines.find(", while \"make\" was running\n"), std::string::npos) << lines;
     EXPECT_TRUE(orvex::describeLive(1).ends_with("and 1 more\n")) << orvex::describeLive(1);
-}
-
-TEST(LibraryLoader, whatALibraryThrowsAsItStartsOutlivesIt) {
-    try {
-        const orvex::LoadedLibrary library(KS_HMI_UNLUCKY_FILE);
-        FAIL() << "started";
-    } catch (const std::bad_alloc& failure) {
-        EXPECT_STREQ(failure.what(), std::bad_alloc().what());
-    }
-    void* const first = dlopen(KS_HMI_UNLUCKY_FILE, RTLD_NOW | RTLD_LOCAL);
-    *static_cast<bool*>(dlsym(first, "g_refuses")) = true;
-    EXPECT_EQ(failureOf([&] {
-                  try {
-                      const orvex::LoadedLibrary library(KS_HMI_UNLUCKY_FILE);
-                  } catch (...) {
-                      dlclose(first);
-                      throw;
-                  }
-              }),
-              "Refused: refused");
-}
-
-TEST(LibraryLoader, saysWhatIsMissing) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"/nowhere/libabsent.so", "/nowhere/libabsent.so"},
-        {"libm.so.6", "does not export \"OXInitialize_m\""},
-        {"notes.txt", "libNAME.so"},
-    };
-    for (const auto& [path, expected] : cases) {
-        const std::string failure = failureOf([path = path] { orvex::LoadedLibrary library(path); });
-        EXPECT_NE(failure.find(expected), std::string::npos) << failure;
-    }
 }
 
 }  // namespace
