@@ -10,6 +10,7 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
+#include "workbench/text/columns.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -18,6 +19,9 @@ namespace kshmi {
 namespace {
 
 using namespace workbench;
+
+/// A mistake is told with the text that has it, which can be of any length.
+constexpr std::size_t kLongestMistake = 600;
 
 void describe(CLI::App& app, Run& run) {
     app.set_version_flag("--version", "kshmi " KSHMI_VERSION);
@@ -67,7 +71,8 @@ int run(std::vector<std::string> words, const Output& output) {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         const bool isAskedFor = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-        if (!isAskedFor) throw Error(std::string(error.what()) + "; \"kshmi COMMAND --help\" explains it");
+        if (!isAskedFor)
+            throw Error(shortened(error.what(), kLongestMistake) + "; \"kshmi COMMAND --help\" explains it");
         app.exit(error, output.out, output.err);
         return kSuccess;
     }

@@ -62,8 +62,8 @@ void requireUnmarked(const Session& session, const std::vector<Wanted>& wanted) 
                     describe(session.model(), *first), others));
 }
 
-void keep(const Session& session, const Wanted& wanted, const std::string& what, ChangeReport& report) {
-    report.keep(Fate::unchanged, "already marked " + what, [&](JsonObject& object) {
+void keep(const Session& session, const Wanted& wanted, Fate fate, const std::string& what, ChangeReport& report) {
+    report.keep(fate, "already marked " + what, [&](JsonObject& object) {
         object.text("kind", std::string_view("signal"));
         appendSource(object, session.model(), wanted.source);
         if (wanted.source.item) object.text("activity", wanted.activity);
@@ -80,7 +80,7 @@ int runMark(const MarkArguments& arguments, const Output& output) {
     for (const Wanted& one : wanted) {
         const std::string what = describe(session.model(), one);
         if (one.isMarked) {
-            keep(session, one, what, report);
+            keep(session, one, arguments.settings.isAny() ? Fate::skipped : Fate::unchanged, what, report);
             continue;
         }
         addSignal(session, one.source, one.activity, arguments.settings);

@@ -7,6 +7,7 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
 #include "kshmi/print/json_records.h"
+#include "kshmi/print/lost_clients.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/signal_index.h"
@@ -89,10 +90,7 @@ int runObserve(const ObserveArguments& arguments, const Output& output) {
         });
     }
     const std::size_t count = session.clients().getCount();
-    if (count > before && session.clients().get(count - 1)->isDeprecatedObserver())
-        output.err << fmt::format(
-            "warning: clients of the type {} are deprecated; validation drops them (\"kshmi unobserve {} --unused\")\n",
-            inQuotes(*settings.type), printable(std::string_view(arguments.file)));
+    if (count > before) warnOfDeprecated(*session.clients().get(count - 1), arguments.file, output.err);
     return report.finish(session);
 }
 

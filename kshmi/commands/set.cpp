@@ -8,6 +8,7 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
 #include "kshmi/print/json_records.h"
+#include "kshmi/print/lost_clients.h"
 #include "signals/signal_specification.h"
 #include "workbench/change/marking.h"
 #include "workbench/change/observing.h"
@@ -134,6 +135,8 @@ int runSet(const SetArguments& arguments, const Output& output) {
     ChangeReport report(output, "set", arguments.options);
     if (arguments.settings.isAny()) setSignals(session, signals, arguments.settings, report);
     if (client.isAny()) setClients(session, clients, client, report);
+    if (client.type && !clients.empty())
+        warnOfDeprecated(*session.clients().get(clients.front()), arguments.file, output.err);
     if (arguments.settings.isExcludedFromSave.value_or(false) && !signals.empty())
         warnOfExcluded(session, signals, output.err);
     return report.finish(session);

@@ -26,4 +26,11 @@ void warnOfLost(const Session& session, const DanglingWatch& watch, bool isDryRu
     err << '\n';
 }
 
+void warnOfDeprecated(const ks_hmi::SignalClient& client, const std::string& file, std::ostream& err) {
+    if (!client.isDeprecatedObserver()) return;
+    err << fmt::format(
+        "warning: clients of the type {} are deprecated; validation drops them (\"kshmi unobserve {} --unused\")\n",
+        inQuotes(std::string_view(client.m_observerType)), printable(std::string_view(file)));
+}
+
 }  // namespace kshmi

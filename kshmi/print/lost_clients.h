@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ostream>
+#include <string>
 
 #include "workbench/find/watching.h"
 
@@ -10,5 +11,8 @@ namespace kshmi {
 /// run it names those that would.
 void warnOfLost(const workbench::Session& session, const workbench::DanglingWatch& watch, bool isDryRun,
                 std::ostream& err);
+
+/// A warning when the client is of a kind that is no longer supported, as a validation would drop it.
+void warnOfDeprecated(const ks_hmi::SignalClient& client, const std::string& file, std::ostream& err);
 
 }  // namespace kshmi

@@ -69,7 +69,7 @@ TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
         {"\"name\": \"m\"", "\"name\": \"m\", \"name\": \"m\"", "/name: this key appears twice"},
         {"\"eid\": \"2\"", "\"eid\": \"1\"",
          ":6: /blocks/1/eid: Model \"m\" has a block with the element identifier \"1\" (path \"A\")"},
-        {"\"path\": \"A/B:1\"", "\"path\": \"A//B\"", ":6: /blocks/1/path: A block's path is names with"},
+        {"\"path\": \"A/B:1\"", "\"path\": \"A//B\"", ":6: /blocks/1/path: \"A//B\" is not a block path"},
         {"\"eid\": \"2\"", "\"eid\": \"\"", ":6: /blocks/1/eid: "},
         {"\"path\": \"A/B:1\"", "\"path\": \"A\"", ":6: /blocks/1/path: "},
         {"\"path\": \"A/B:1\"", "\"path\": \"A\\u0000\"", "/blocks/1/path: contains a NUL"},

@@ -127,6 +127,7 @@ TEST_F(Selecting, messagesFitAScreen) {
         "mark A --decimation " + digits,
         "query " + digits,
         "query --all " + digits,
+        "query A --kind " + digits,
         "renumber A " + digits,
         "set --client " + digits + " --update-rate 1",
     };

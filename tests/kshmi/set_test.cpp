@@ -94,6 +94,12 @@ TEST_F(Settings, thatLeaveASignalOutOfTheFileAreWarnedOf) {
     expectParts(runOn("clients").out, {"dangling"});
 }
 
+TEST_F(Settings, aDeprecatedKindOfClientIsWarnedOf) {
+    for (const char* line :
+         {"set --client 1 --new-type hmi_web_widget_observer", "observe A:1 --type hmi_web_widget_observer"})
+        expectParts(runOn(line).err, {"warning: clients of the type \"hmi_web_widget_observer\" are deprecated"});
+}
+
 TEST_F(Settings, clientsOfAnotherModelAreToldAndCanBeRemoved) {
     write(replaced(kModel, "\"SourceModel_\": \"m\"", "\"SourceModel_\": \"other\""));
     expectParts(runOn("clients").out, {"foreign: of the model other", "dangling, deprecated"});
