@@ -2,14 +2,19 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <set>
+#include <tuple>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
+#include "kshmi/commands/selecting.h"
 #include "kshmi/print/json_document.h"
 #include "kshmi/print/json_records.h"
 #include "kshmi/print/shown_model.h"
 #include "signals/signal_specification.h"
 #include "workbench/find/below.h"
+#include "workbench/find/signal_index.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
@@ -22,6 +27,7 @@ using namespace workbench;
 
 struct ShowArguments {
     std::string file;
+    SelectionArguments what;
     std::string below;
     bool isObservedOnly = false;
     std::uint32_t limit = 0;
@@ -111,6 +117,40 @@ ShownModel shownOf(const Session& session, const ShowArguments& arguments) {
     return shown;
 }
 
+bool isNarrowed(const SelectionArguments& what) {
+    return isAnythingSelected(what) || !what.selection.except.empty() || !what.kinds.empty();
+}
+
+void narrowBlocks(const std::vector<SignalSource>& sources, std::vector<BlockNode>& nodes) {
+    std::set<std::tuple<const kestrel::Block*, int, std::int64_t>> wanted;
+    for (const SignalSource& source : sources)
+        wanted.emplace(source.block, source.port, source.item ? std::int64_t{source.item->ssid} : -1);
+    for (BlockNode& node : nodes) {
+        std::erase_if(node.ports, [&](const PortNode& port) { return !wanted.contains({node.block, port.port, -1}); });
+        std::erase_if(node.items, [&](const ItemNode& item) {
+            return !wanted.contains({node.block, 0, item.item.ssid});
+        });
+    }
+    keepWanted(nodes, [](const BlockNode& node) { return !node.ports.empty() || !node.items.empty(); });
+}
+
+/// Leaves what is selected: ports and items with their signals and clients.
+void narrow(const SelectionArguments& what, const Output& output, ShownModel& shown) {
+    const Session& session = *shown.session;
+    const std::vector<SignalSource> sources = selectOrAll(session.model(), what, output).sources();
+    const SignalIndex index(session);
+    std::set<std::size_t> signals;
+    for (const SignalSource& source : sources)
+        for (const std::size_t position : index.on(source, what.selection.options)) signals.insert(position);
+    std::erase_if(shown.signals, [&](std::size_t position) { return !signals.contains(position); });
+    const SignalUuids uuids(session);
+    std::erase_if(shown.clients, [&](std::size_t position) {
+        const auto signal = uuids.positionOf(session.clients().get(position)->m_signalUUID);
+        return !signal || !signals.contains(*signal);
+    });
+    narrowBlocks(sources, shown.blocks);
+}
+
 /// The first of each kind.
 void cut(ShownModel& shown, std::size_t limit) {
     shown.signals.resize(std::min(shown.signals.size(), limit));
@@ -122,6 +162,7 @@ void cut(ShownModel& shown, std::size_t limit) {
 
 std::string filtersOf(const ShowArguments& arguments) {
     std::vector<std::string> filters;
+    if (isNarrowed(arguments.what)) filters.emplace_back("the selection");
     if (!arguments.below.empty()) filters.emplace_back("--below");
     if (arguments.isObservedOnly) filters.emplace_back("--observed");
     if (arguments.limit > 0) filters.emplace_back("--limit");
@@ -132,6 +173,7 @@ int runShow(const ShowArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     const Session session(arguments.file);
     ShownModel shown = shownOf(session, arguments);
+    if (isNarrowed(arguments.what)) narrow(arguments.what, output, shown);
     if (arguments.limit > 0) cut(shown, arguments.limit);
     shown.leftOutFor = filtersOf(arguments);
     if (arguments.isJson)
@@ -148,9 +190,11 @@ void addShow(CLI::App& app, Run& run) {
     CLI::App* const command =
         addCommand(app, "show", "List a model's signals, its clients, and its blocks with what is observed",
                    "  kshmi show cruise.json\n"
+                   "  kshmi show cruise.json Sensors/Speed --all '*:valid'\n"
                    "  kshmi show cruise.json --below Sensors --observed\n"
                    "  kshmi show cruise.json --limit 10 --json",
                    arguments->file);
+    addSelection(*command, arguments->what);
     command->add_option("--below", arguments->below, "only at and below this path")->type_name("PATH");
     command->add_flag("--observed", arguments->isObservedOnly, "only ports, chart items and blocks that are observed");
     command

@@ -62,6 +62,10 @@ TEST_F(Selecting, everyCommandTakesAllOfIt) {
     expectParts(outOf("observe" + list + " --type t"), {"client 3 (t) on m/A:2", "client 4 (t) on m/Logic/limit"});
     expectParts(outOf("set --hide" + list), {"changed signal 3", "changed signal 4"});
     expectParts(outOf("ports" + list), {"1 observed port\n"});
+    const std::string shown = outOf("show" + list);
+    expectParts(shown, {"A:2 (valid)", "limit", "[x] 2 valid"});
+    for (const char* absent : {"speed", "1 y", "On/Fast", "ks_scope_observer"})
+        EXPECT_FALSE(contains(shown, absent)) << shown;
     expectParts(outOf("clients" + list), {"model m: 2 clients"});
     expectParts(outOf("unobserve --except m/Logic*" + list),
                 {"removed client 3", "saved with 4 signals and 3 clients"});
