@@ -3,7 +3,6 @@
 #include "tests/support/host_test.h"
 
 using namespace ks_test;
-using ks_hmi::SignalSpecification;
 
 namespace {
 
@@ -67,20 +66,6 @@ TEST_F(InstrumentedSignalsClass, queriesForwardToTheSet) {
         truth("isGivenCWActivityObserved", {object(), text("m1:4").get(), number(7).get(), text("Leaf").get()}));
     EXPECT_TRUE(truth("isAnyCWActivityObserved", {object(), text("m1:4").get(), number(7).get()}));
     EXPECT_FALSE(truth("isAnyCWActivityObserved", {object(), text("m1:5").get(), number(7).get()}));
-}
-
-TEST_F(InstrumentedSignalsClass, staticMethodsKeepTheUuidsOfPorts) {
-    const auto uuidOf = [&](double handle, double portIndex, bool useMap) {
-        return hvArrayToStdString(call("Kestrel.HMI.InstrumentedSignals.getUUIDForBlock",
-                                       {number(handle).get(), number(portIndex).get(), logical(useMap).get()})
-                                      .get());
-    };
-    call("Kestrel.HMI.InstrumentedSignals.setUUIDForBlock",
-         {number(7.25).get(), number(2).get(), text("my-uuid").get()}, 0);
-    EXPECT_EQ(SignalSpecification::getBlockUUIDmap().at("2-7.250000"), "my-uuid");
-    EXPECT_EQ(uuidOf(7.25, 2, true), "my-uuid");
-    EXPECT_NE(uuidOf(7.25, 2, false), "my-uuid");
-    EXPECT_EQ(uuidOf(7.25, 3, true), uuidOf(7.25, 3, true));
 }
 
 }  // namespace

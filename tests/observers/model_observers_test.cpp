@@ -84,17 +84,4 @@ TEST_F(ModelObserversTest, whatCannotBeMadeOfANoticeIsAnEmptyDoubleAndWhatIsThro
     EXPECT_TRUE(orvex::warnings().empty());
 }
 
-TEST_F(ModelObserversTest, parameterNoticesAreSentAndNeverHeardOfWhenTheyFail) {
-    ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain");
-    ks_hmi::HMIEngineUtils::updateParamsForBlock(u"");
-    ASSERT_EQ(kestrel::recordedEvents().size(), 2U);
-    EXPECT_EQ(kestrel::recordedEvents()[0].event, u"block_param_change");
-    EXPECT_EQ(kestrel::recordedEvents()[0].path, u"m1/Gain");
-    orvex::undefineFunction("Kestrel.HMI.kshmi");
-    ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain");
-    EXPECT_TRUE(orvex::warnings().empty());
-    orvex::defineFunction(
-        "Kestrel.HMI.kshmi", [](orvex::Call&) {}, 0);
-}
-
 }  // namespace

@@ -174,22 +174,6 @@ TEST_F(StreamingClientsTest, aValueWithoutASetIsNothingToDo) {
     EXPECT_TRUE(orvex::warnings().empty());
 }
 
-TEST_F(StreamingClientsTest, validationDropsDeprecatedAndDanglingClients) {
-    set().add(port(u"Gain", 1, "1"));
-    kestrel::loadedModels().find(u"m1")->setSignals(HvArrayPtr(hvCreateSharedDataCopy(object())));
-    const std::string uuid = set().get(0)->m_uuid;
-    clients().setModelName(u"m1");
-    clients().add(client("gone", "no such signal"));
-    clients().add(client("kept", uuid));
-    clients().add(client("old", uuid));
-    clients().get(2)->m_observerType = "hmi_web_widget_observer";
-    clients().add(client("near", uuid));
-    clients().get(3)->m_observerType = "hmi_web_widget_observer ";
-    StreamingClients::validateAndRemoveUnused(clientsObject());
-    EXPECT_EQ(uuids(), "kept near ");
-    EXPECT_TRUE(orvex::warnings().empty());
-}
-
 TEST_F(StreamingClientsTest, alignedObserversAreNewClientsWithRelativePaths) {
     clients().setModelName(u"known before");
     clients().setModelName(u"m1");

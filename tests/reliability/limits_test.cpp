@@ -15,34 +15,6 @@ namespace {
 
 class Limits : public ModelTest {};
 
-/// Texts as long, empty and ill-formed as can be.
-const std::vector<std::u16string>& texts() {
-    static const std::vector<std::u16string> values{
-        std::u16string(1U << 20U, u'p'), u"", u"\xd800", u"a\xdc00z", std::u16string(u"a\0b\0", 4), u"$$", u"m1/", u"/",
-    };
-    return values;
-}
-
-TEST_F(Limits, textsOfAnyKindAreObservedSavedAndLoaded) {
-    for (const std::u16string& value : texts()) {
-        InstrumentedSignals signals;
-        signals.setModelName(value);
-        const InstrumentedSignals::SignalPtr spec(new SignalSpecification);
-        spec->m_blockPath = spec->m_subPath = spec->m_signalName = spec->m_visualType = value;
-        spec->m_eid = spec->m_uuid = std::string(value.size(), '\xff');
-        spec->m_domainParams = {{u"Unit", value}};
-        signals.add(spec);
-        EXPECT_TRUE(signals.isPortObserved(0.0, value, value, 0, 0, 0)) << value.size();
-        EXPECT_FALSE(signals.isPortObserved(0.0, value + u"x", value, 0, 0, 0));
-        EXPECT_FALSE(signals.isAnyCWActivityObserved(value, 1.0));
-        const auto object = spec->getHOSObject(u"m1", false);
-        EXPECT_EQ(SignalSpecification(object.get(), 0, u"m1").m_signalName, value);
-        const auto name = text(value);
-        const auto set = call("Kestrel.HMI.InstrumentedSignals", {name.get()});
-        EXPECT_EQ(InstrumentedSignals::getFromHvArray(set.get())->getModelName(), value);
-    }
-}
-
 TEST_F(Limits, portsAndHandlesAreToldApartAtTheirEdges) {
     constexpr double kHandles[] = {
         0.0, std::numeric_limits<double>::denorm_min(), std::numeric_limits<double>::max(),
@@ -64,24 +36,6 @@ TEST_F(Limits, portsAndHandlesAreToldApartAtTheirEdges) {
             EXPECT_FALSE(SignalSpecification::getUUIDFromBlockHandle(number, handle, true).empty());
         }
     }
-}
-
-TEST_F(Limits, numbersOfEveryClassAreReadUpToTheirEnds) {
-    set().add(port(u"Gain", 1));
-    const auto record = set().getPersistenceData();
-    const auto portRead = [&record](HvArrayPtr field) {
-        hvReplaceField(record.get(), 0, "OutputPortIndex_", field.release());
-        return SignalSpecification(record.get(), 0, u"m1").m_outputPortIndex;
-    };
-    EXPECT_EQ(portRead(numbers<std::int8_t>(hvINT8_CLASS, {INT8_MIN})), INT8_MIN);
-    EXPECT_EQ(portRead(numbers<std::uint8_t>(hvUINT8_CLASS, {UINT8_MAX})), UINT8_MAX);
-    EXPECT_EQ(portRead(numbers<std::int16_t>(hvINT16_CLASS, {INT16_MIN})), INT16_MIN);
-    EXPECT_EQ(portRead(numbers<std::uint16_t>(hvUINT16_CLASS, {UINT16_MAX})), UINT16_MAX);
-    EXPECT_EQ(portRead(numbers<std::int32_t>(hvINT32_CLASS, {INT_MIN})), INT_MIN);
-    EXPECT_EQ(portRead(numbers<std::uint32_t>(hvUINT32_CLASS, {INT_MAX})), INT_MAX);
-    EXPECT_EQ(portRead(numbers<std::int64_t>(hvINT64_CLASS, {INT_MIN})), INT_MIN);
-    EXPECT_EQ(portRead(numbers<std::uint64_t>(hvUINT64_CLASS, {INT_MAX})), INT_MAX);
-    EXPECT_EQ(portRead(numbers<float>(hvSINGLE_CLASS, {-1.5F})), -1);
 }
 
 class DecimalComma : public std::numpunct<char> {

@@ -80,14 +80,22 @@ TEST_F(DomainParams, tripsKeepTheOrderInWhichTheyAreWalked) {
     EXPECT_GT(reordered, 80U) << "the same parameters in another order are unequal";
 }
 
-TEST_F(DomainParams, ofEqualNamesTheLastOneHolds) {
+TEST_F(DomainParams, replaceThoseThatWereThereAndOfEqualNamesTheLastOneHolds) {
     // Both names are read as U+FFFD.
     const HvArrayPtr value = structOf(1, std::array{"\xC0", "\xC1", "a"});
     for (const char* const name : {"\xC0", "\xC1", "a"})
         hvReplaceField(value.get(), 0, name, text(std::string_view(name) == "\xC1" ? "last" : "x").release());
     SignalSpecification spec;
-    spec.extractDomainParamsFromHvArray(value.get(), spec.m_domainParams);
+    spec.m_domainParams = {{u"old", u"1"}};
+    Params ignored = {{u"kept", u"1"}};
+    spec.extractDomainParamsFromHvArray(value.get(), ignored);
     EXPECT_EQ(spec.m_domainParams, (Params{{u"\uFFFD", u"last"}, {u"a", u"x"}}));
+    EXPECT_EQ(ignored.size(), 1U);
+    EXPECT_EQ(spec.getValueForDomainParams(u"absent"), u"");
+    EXPECT_EQ(hvGetNumberOfFields(spec.getDomainParamsAsHvArray().get()), 2) << "asking adds nothing";
+    spec.extractDomainParamsFromHvArray(emptyDouble().get(), ignored);
+    EXPECT_TRUE(spec.m_domainParams.empty());
+    EXPECT_EQ(hvGetNumberOfElements(spec.getDomainParamsAsHvArray().get()), 1U);
 }
 
 }  // namespace

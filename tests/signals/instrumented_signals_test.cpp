@@ -1,6 +1,7 @@
 #include "signals/instrumented_signals.h"
 
 #include <array>
+#include <functional>
 #include <span>
 
 #include "tests/support/host_test.h"
@@ -22,16 +23,13 @@ protected:
 };
 
 TEST_F(InstrumentedSignalsTest, positionsOutsideTheSetRaiseTheCountAndChangeNothing) {
-    for (std::size_t count : {0U, 3U}) {
+    for (const std::size_t count : {0U, 3U}) {
         while (set().getCount() < count) set().add(port(u"Gain", 1));
-        const std::string error = "InvalidElementIndex " + std::to_string(count);
         for (const std::size_t index : {count, count + 1, SIZE_MAX}) {
-            EXPECT_EQ(raisedBy([&] { set().get(index); }), error);
-            EXPECT_EQ(raisedBy([&] { set().set(index, port(u"Other", 1)); }), error);
-            EXPECT_EQ(raisedBy([&] { set().remove(index); }), error);
-            if (index != count) {
-                EXPECT_EQ(raisedBy([&] { set().insert(index, port(u"Other", 1)); }), error);
-            }
+            const std::function<void()> uses[] = {
+                [&] { set().get(index); }, [&] { set().set(index, port(u"Other", 1)); }, [&] { set().remove(index); },
+                [&] { set().insert(index == count ? index + 1 : index, port(u"Other", 1)); }};
+            for (const auto& use : uses) EXPECT_EQ(raisedBy(use), "InvalidElementIndex " + std::to_string(count));
         }
         EXPECT_EQ(set().getCount(), count);
     }
@@ -68,13 +66,14 @@ TEST_F(InstrumentedSignalsTest, persistenceKeepsOrderAndAppends) {
     EXPECT_EQ(set().get(3)->m_cachedPortIdx, 0);
     EXPECT_EQ(set().getModelName(), u"m1");
 
-    const auto none = call("Kestrel.HMI.InstrumentedSignals", {});
-    const auto empty = InstrumentedSignals::getFromHvArray(none.get())->getPersistenceData();
+    const auto empty = InstrumentedSignals().getPersistenceData();
     EXPECT_TRUE(hvIsEmpty(empty.get()));
     EXPECT_EQ(hvGetNumberOfFields(empty.get()), 16);
     set().setFromPersistenceData(empty.get());
     set().setFromPersistenceData(nullptr);
-    EXPECT_EQ(set().getCount(), 4U);
+    hvReplaceField(saved.get(), 1, "Decimation_", nullptr);
+    EXPECT_EQ(raisedBy([&] { set().setFromPersistenceData(saved.get()); }), "MissingField Decimation_ 2");
+    EXPECT_EQ(set().getCount(), 5U) << "the ones before it are there";
 }
 
 TEST_F(InstrumentedSignalsTest, loadingReadsEveryElementWhateverTheDimensions) {
@@ -89,27 +88,6 @@ TEST_F(InstrumentedSignalsTest, loadingReadsEveryElementWhateverTheDimensions) {
         ASSERT_EQ(loaded.getCount(), count);
         EXPECT_EQ(loaded.get(count - 1)->m_outputPortIndex, static_cast<int>(count) - 1);
     }
-}
-
-TEST_F(InstrumentedSignalsTest, anUnreadableElementLeavesTheOnesBeforeIt) {
-    for (const char16_t* const path : {u"Gain", u"Sub/Switch", u"Sub/Chart"}) set().add(port(path, 1));
-    const auto saved = set().getPersistenceData();
-    hvReplaceField(saved.get(), 1, "Decimation_", nullptr);
-    EXPECT_EQ(raisedBy([&] { set().setFromPersistenceData(saved.get()); }), "MissingField Decimation_ 2");
-    EXPECT_EQ(set().getCount(), 4U);
-}
-
-TEST_F(InstrumentedSignalsTest, savingSurvivesScriptsThatChangeTheSet) {
-    set().add(port(u"Gain", 1, "1"));
-    set().add(port(u"Sub/Switch", 1, "3"));
-    const orvex::FunctionRegistration meddling = orvex::registerFunction("getAlignedBlockPath", [&](orvex::Call& c) {
-        while (set().getCount() > 0) set().remove(std::size_t{0});
-        c.outs[0] = text("m1/moved");
-    });
-    const auto saved = set().getPersistenceData();
-    EXPECT_EQ(hvGetNumberOfElements(saved.get()), 2U);
-    EXPECT_EQ(hvArrayToStdString(hvGetField(saved.get(), 1, "BlockPath_")), "moved");
-    EXPECT_EQ(set().getCount(), 0U);
 }
 
 TEST_F(InstrumentedSignalsTest, copyClonesTheListAndSharesTheIndexUntilItIsRebuilt) {
@@ -171,25 +149,15 @@ TEST_F(InstrumentedSignalsTest, chartObjectsMatchByTheTextsOfTheirIdentifiers) {
 }
 
 TEST_F(InstrumentedSignalsTest, typeTestAndLookupAcceptNothingOrOneObjectOfTheClass) {
-    struct Row {
-        HvArrayPtr value;
-        bool isValid;
-        const InstrumentedSignals* found = nullptr;
-    };
-    const std::size_t two[] = {1, 2};
-    const Row rows[] = {
-        {objects({object()}), true, &set()},
-        {objects({object(), call("Kestrel.HMI.InstrumentedSignals", {}).get()}), false, &set()},
-        {nullptr, true},
-        {emptyDouble(), true},
-        {number(1), false},
-        {text("m1"), false},
-        {HvArrayPtr(hvCreateCellArray(2, two)), false},
-        {port(u"Gain", 1)->getHOSObject(u"m1", false), false},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(InstrumentedSignals::isValidType(row.value.get()), row.isValid) << &row - rows;
-        EXPECT_EQ(InstrumentedSignals::getFromHvArray(row.value.get()), row.found) << &row - rows;
+    const HvArrayPtr pair = objects({object(), call("Kestrel.HMI.InstrumentedSignals", {}).get()});
+    EXPECT_FALSE(InstrumentedSignals::isValidType(pair.get()));
+    EXPECT_EQ(InstrumentedSignals::getFromHvArray(pair.get()), &set());
+    EXPECT_TRUE(InstrumentedSignals::isValidType(object()));
+    const HvArrayPtr others[] = {nullptr, emptyDouble(), number(1), text("m1"),
+                                 port(u"Gain", 1)->getHOSObject(u"m1", false)};
+    for (const HvArrayPtr& value : others) {
+        EXPECT_EQ(InstrumentedSignals::isValidType(value.get()), hvIsEmpty(value.get())) << &value - others;
+        EXPECT_EQ(InstrumentedSignals::getFromHvArray(value.get()), nullptr) << &value - others;
     }
 }
 
@@ -206,43 +174,37 @@ TEST_F(InstrumentedSignalsTest, scriptsGetObjectsUnlessTheyAskForStructsAndPosit
 }
 
 TEST_F(InstrumentedSignalsTest, rebindingFindsPortsByIdentifierThenByPathAndForgetsTheRest) {
-    constexpr double kStale = 123456.5;
     struct Row {
         const char16_t* path;
         const char* eid;
         int port;
         const char16_t* domain;
         const char* rule;
-        const char16_t* boundTo;
+        double handle;
     };
     const Row rows[] = {
-        {u"Old/Switch", "3", 1, u"", "eid", u"Sub/Switch"},
-        {u"Gain", "88", 1, u"", "path", u"Gain"},
-        {u"Gone", "99", 1, u"", "", nullptr},
-        {u"Gain", "1", 2, u"", "", nullptr},
-        {u"Sub/Switch", "3", 0, u"", "", nullptr},
-        {u"Sub/Switch", "3", 0, u"cw_unheard_of", "", nullptr},
-        {u"Sub/Chart", "4", 0, u"cw_state", "eid", u"Sub/Chart"},
+        {u"Old/Switch", "3", 1, u"", "eid", handleOf(u"Sub/Switch")},
+        {u"Gain", "88", 1, u"", "path", handleOf(u"Gain")},
+        {u"Gone", "99", 1, u"", "", 0.0},
+        {u"Gain", "1", 2, u"", "", 0.0},
+        {u"Sub/Switch", "3", 0, u"cw_unheard_of", "", 0.0},
+        {u"Sub/Chart", "4", 0, u"cw_state", "eid", handleOf(u"Sub/Chart")},
     };
+    const HvArrayPtr target(hvCreateSharedDataCopy(object()));
     for (const Row& row : rows) {
         set().add(port(row.path, row.port, row.eid));
         set().get(set().getCount() - 1)->m_domainType = row.domain;
+        set().get(set().getCount() - 1)->setCachedInfo(123456.5, 1);
     }
-    set().get(2)->setCachedInfo(kStale, 1);
-    const HvArrayPtr target(hvCreateSharedDataCopy(object()));
-    EXPECT_NE(failureOf([&] {
-                  call("applyRebindingRules", {object(), object()}, 0);
-              }).find("Argument 2 of"),
-              std::string::npos);
-    set().applyRebindingRules(target.get(), true);
-    for (std::size_t i = 0; i < std::size(rows); ++i) {
-        EXPECT_EQ(set().get(i)->m_bindingRule, rows[i].rule) << i;
-        EXPECT_EQ(set().get(i)->m_cachedBlockHandle, rows[i].boundTo ? handleOf(rows[i].boundTo) : 0.0) << i;
-    }
-    set().get(1)->setCachedInfo(kStale, 1);
     set().applyRebindingRules(target.get(), false);
-    EXPECT_EQ(set().get(0)->m_cachedBlockHandle, handleOf(u"Sub/Switch"));
-    EXPECT_EQ(set().get(1)->m_cachedBlockHandle, 0.0) << "stale";
+    EXPECT_EQ(set().get(0)->m_cachedBlockHandle, 0.0) << "stale";
+    for (const bool isForced : {true, false}) {
+        set().applyRebindingRules(target.get(), isForced);
+        for (std::size_t i = 0; i < std::size(rows); ++i) {
+            EXPECT_EQ(set().get(i)->m_bindingRule, rows[i].rule) << i;
+            EXPECT_EQ(set().get(i)->m_cachedBlockHandle, rows[i].handle) << i;
+        }
+    }
     EXPECT_TRUE(orvex::warnings().empty());
 }
 

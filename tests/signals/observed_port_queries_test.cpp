@@ -162,38 +162,4 @@ TEST_F(ObservedPortQueries, badgesAreMergedInOrderWithoutNaN) {
     EXPECT_TRUE(orvex::warnings().empty());
 }
 
-TEST_F(ObservedPortQueries, anOpenModelListsItsOwnObservedPorts) {
-    set().add(port(u"Gain", 1, "1"));
-    set().add(resolvedPort(u"Sub/Switch", 3, handleOf(u"Sub/Switch")));
-    set().get(1)->m_signalName = u"speed";
-    set().get(1)->m_decimation = 5;
-    set().get(1)->m_maxPoints = 100;
-    set().get(1)->m_isFrameBased = true;
-    set().add(port(u"Gain", 1, "1"));
-    set().get(2)->m_hideInPLV = true;
-    set().add(port(u"Gone", 1));
-    set().add(chartItem(u"cw_state", u"7", u"Self"));
-    kestrel::loadedModels().find(u"m1")->setSignals(HvArrayPtr(hvCreateSharedDataCopy(object())));
-    const auto model = call("Kestrel.Model", {text("m1").get()});
-
-    std::vector<Source> sources;
-    InstrumentedSignals::getObservedPorts(model.get(), "", "", sources, false, true);
-    ASSERT_EQ(sources.size(), 2U) << "neither the hidden signal, nor the one without a block, nor the chart's";
-    EXPECT_EQ(sources[0].uuid, set().get(0)->m_uuid);
-    EXPECT_EQ(sources[0].blockPath, u"m1/Gain");
-    const Source& s = sources[1];
-    EXPECT_EQ(std::tie(s.blockHandle, s.outputPortIndex, s.decimation, s.maxPoints, s.signalName),
-              std::tuple(handleOf(u"Sub/Switch"), 3, 5, 100, u"speed"));
-    EXPECT_EQ(std::tie(s.isFrameBased, s.targetBufferedStreaming, s.hideInPLV), std::tuple(true, false, false));
-    InstrumentedSignals::getObservedPorts(model.get(), "m1/Sub", "", sources, true, true);
-    EXPECT_EQ(sources.size(), 1U);
-    InstrumentedSignals::getObservedPorts(model.get(), "m1/Su", "", sources, true, true);
-    EXPECT_TRUE(sources.empty());
-
-    std::set<double> badges;
-    InstrumentedSignals::getPortsWithBadges(model.get(), badges);
-    EXPECT_EQ(badges, (std::set<double>{handleOf(u"Gain"), handleOf(u"Sub/Switch")}));
-    EXPECT_TRUE(orvex::warnings().empty());
-}
-
 }  // namespace

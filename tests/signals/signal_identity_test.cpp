@@ -96,6 +96,12 @@ TEST_F(SignalIdentity, portKeysHaveSixDecimals) {
     EXPECT_EQ(SignalSpecification::getUUIDFromBlockHandle(2, 7.25, true), uuid);
     EXPECT_EQ(map.at("2-7.250000"), uuid);
     EXPECT_NE(SignalSpecification::getUUIDFromBlockHandle(2, 7.25, false), uuid);
+    for (const bool useMap : {true, false}) {
+        const auto told = call("Kestrel.HMI.InstrumentedSignals.getUUIDForBlock",
+                               {number(7.25).get(), number(2).get(), logical(useMap).get()});
+        EXPECT_EQ(hvArrayToStdString(told.get()) == uuid, useMap) << "so scripts are told";
+    }
+    EXPECT_NE(SignalSpecification::getUUIDFromBlockHandle(2, 7.25, false), uuid);
     ASSERT_EQ(uuid.size(), 36U);
     EXPECT_EQ(uuid.find_first_not_of("0123456789abcdef-"), std::string::npos);
     EXPECT_EQ(uuid[14], '4') << "random, as its version tells";
