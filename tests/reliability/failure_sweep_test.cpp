@@ -1,16 +1,20 @@
-#include "tests/support/failure_sweep.h"
-
 #include <iostream>
 
 #include "tests/reliability/swept_operations.h"
+#include "tests/support/failing_allocations.h"
 
 using namespace ks_test;
-using ks_hmi::InstrumentedSignals;
 
 namespace {
 
 using Row = SweptRow;
-using World = SweptWorld;
+
+/// All kinds of host failures, and the words for them.
+constexpr std::pair<orvex::FaultKind, const char*> kHostFailures[] = {
+    {orvex::FaultKind::refusal, "refusal"},        {orvex::FaultKind::exception, "exception"},
+    {orvex::FaultKind::outOfMemory, "no memory"},  {orvex::FaultKind::emptyResult, "empty result"},
+    {orvex::FaultKind::nullResult, "null result"}, {orvex::FaultKind::wrongClass, "result of another class"},
+};
 
 class FailureSweep : public HostTest {
 protected:
@@ -48,32 +52,60 @@ protected:
         EXPECT_EQ(world.answers(), world.plainAnswers()) << where;
     }
 
+    /// Makes failure 1, 2, 3, ... of the operation until it completes untouched, each once alone and once with all
+    /// that comes after it. `makeFailure(n, andEverythingAfter)` gives an object that fails things while it lives
+    /// and counts them in `fired()`. Returns how many failures were made.
+    template <class MakeFailure>
+    static std::size_t sweep(const Row& row, const std::string& kind, MakeFailure makeFailure) {
+        const Before reference(row);
+        std::size_t points = 0;
+        for (const bool andEverythingAfter : {false, true}) {
+            for (std::size_t n = 1;; ++n, ++points) {
+                World world;
+                Ending ending = Ending::completed;
+                std::size_t fired = 0;
+                {
+                    const auto failure = makeFailure(n, andEverythingAfter);
+                    ending = endingOf([&] { row.action(world); });
+                    fired = failure.fired();
+                }
+                if (fired == 0) break;
+                checkAfter(row, reference, world, ending,
+                           row.name + ", " + kind + ' ' + std::to_string(n) + (andEverythingAfter ? " and after" : ""));
+            }
+        }
+        return points;
+    }
+    /// `sweepOne` gives how many failures of a row were made.
     template <class Sweep>
-    static void sweepAll(const std::vector<Row>& rows, const char* what, std::size_t floor, Sweep sweepOne) {
+    static void sweepAll(const std::vector<Row>& rows, std::size_t floor, Sweep sweepOne) {
         const orvex::LedgerCounts before = orvex::liveCounts();
         std::size_t total = 0;
         for (const Row& row : rows) {
-            const Before reference(row);
-            const std::size_t points = sweepOne(row, [&](World& world, Ending ending, const std::string& where) {
-                checkAfter(row, reference, world, ending, where);
-            });
-            std::cout << what << ' ' << row.name << ": " << points << '\n';
-            total += points;
-            if (HasFailure()) break;
+            total += sweepOne(row);
+            if (HasFailure()) return;
         }
-        std::cout << what << " in all: " << total << " points, " << rows.size() << " operations\n";
-        if (!HasFailure()) {
-            EXPECT_GE(total, floor) << "most points were not met";
-        }
+        std::cout << total << " points, " << rows.size() << " operations\n";
+        EXPECT_GE(total, floor) << "most points were not met";
         EXPECT_EQ(orvex::liveCounts(), before) << orvex::describeLive();
     }
     static void sweepHost(const std::vector<Row>& rows, std::size_t floor) {
-        sweepAll(rows, "host failures", floor,
-                 [](const Row& row, auto check) { return sweepHostFailures(row, check); });
+        sweepAll(rows, floor, [](const Row& row) {
+            std::size_t points = 0;
+            for (const auto& [kind, name] : kHostFailures)
+                points += sweep(row, name, [kind = kind](std::size_t n, bool andEverythingAfter) {
+                    return orvex::FaultInjection(orvex::FaultPlan{n, andEverythingAfter, kind});
+                });
+            return points;
+        });
     }
     static void sweepMemory(const std::vector<Row>& rows, std::size_t floor) {
         if (!FailingAllocations::arePossible()) GTEST_SKIP() << "the checks' own allocator stays";
-        sweepAll(rows, "allocations", floor, [](const Row& row, auto check) { return sweepAllocations(row, check); });
+        sweepAll(rows, floor, [](const Row& row) {
+            return sweep(row, "allocation", [](std::size_t n, bool andEverythingAfter) {
+                return FailingAllocations(n, andEverythingAfter);
+            });
+        });
     }
 };
 

@@ -1,4 +1,6 @@
+#include <iterator>
 #include <map>
+#include <sstream>
 
 #include "observers/hmi_engine_utils.h"
 #include "tests/reliability/swept_world.h"
@@ -20,8 +22,19 @@ const Operations kCalls = {"kssvFEVAL",         "kssvFEVAL_NoThrow", "kssvReport
 /// What the library asks of the host: operations, arguments, scopes and their order.
 class HostTraffic : public HostTest {
 protected:
-    /// "PREFIX NAME" with the value behind it where `suffix` wants one.
     using Values = std::map<std::string, std::string>;
+    static Lines words(const std::string& text) {
+        std::istringstream in(text);
+        return {std::istream_iterator<std::string>(in), {}};
+    }
+    /// From "NAME=VALUE NAME=VALUE".
+    static Values valuesIn(const std::string& text) {
+        Values values;
+        for (const std::string& word : words(text))
+            values[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
+        return values;
+    }
+    /// "PREFIX NAME" with the value behind it where `suffix` wants one.
     static Lines fields(const std::string& prefix, const Lines& names, const Values& values = {}) {
         Lines lines;
         for (const std::string& name : names)
@@ -49,14 +62,12 @@ constexpr const char* kNewClient = "kssvFEVAL_NoThrow 1 Kestrel.HMI.SignalClient
 constexpr const char* kTemporary = "kssvSetLocalScope struct";
 
 TEST_F(HostTraffic, signalsAreWrittenAndReadInTheirOrder) {
-    const Values values{{"UUID", "'s-2'"},         {"EID_", "'m1:3'"},         {"BlockPath_", "'m1/Sub/Switch'"},
-                        {"SubPath_", "'in/x'"},    {"SignalName_", "'n'"},     {"SubSysPath_", "'s'"},
-                        {"DomainType_", "'d'"},    {"VisualType_", "'v'"},     {"DomainParams_", "struct"},
-                        {"OutputPortIndex_", "2"}, {"Decimation_", "4"},       {"TargetBufferedStreaming_", "1"},
-                        {"IsFrameBased_", "0"},    {"HideInPLV_", "1"},        {"LogicalPortIndex_", "3"},
-                        {"MaxPoints_", "5"},       {"BindingRule_", "'r'"},    {"CachedBlockHandle_", "12.5"},
-                        {"CachedPortIdx_", "2"},   {"ExcludeForSave_", "true"}};
-    const Lines runtime{"BindingRule_", "CachedBlockHandle_", "CachedPortIdx_", "ExcludeForSave_"};
+    const Values values = valuesIn(
+        "UUID='s-2' EID_='m1:3' BlockPath_='m1/Sub/Switch' SubPath_='in/x' SignalName_='n' SubSysPath_='s' "
+        "DomainType_='d' VisualType_='v' DomainParams_=struct OutputPortIndex_=2 Decimation_=4 "
+        "TargetBufferedStreaming_=1 IsFrameBased_=0 HideInPLV_=1 LogicalPortIndex_=3 MaxPoints_=5 BindingRule_='r' "
+        "CachedBlockHandle_=12.5 CachedPortIdx_=2 ExcludeForSave_=true");
+    const Lines runtime = words("BindingRule_ CachedBlockHandle_ CachedPortIdx_ ExcludeForSave_");
     SignalSpecification& signal = *world.signals().get(1);
     signal.m_subPath = u"in/x";
     signal.m_signalName = u"n";
@@ -69,22 +80,9 @@ TEST_F(HostTraffic, signalsAreWrittenAndReadInTheirOrder) {
     signal.m_targetBufferedStreaming = signal.m_hideInPLV = signal.m_excludeForSave = true;
     signal.m_bindingRule = "r";
     signal.setCachedInfo(12.5, 2);
-    Lines names{"UUID",
-                "EID_",
-                "BlockPath_",
-                "SubPath_",
-                "SignalName_",
-                "SubSysPath_",
-                "DomainType_",
-                "VisualType_",
-                "DomainParams_",
-                "OutputPortIndex_",
-                "LogicalPortIndex_",
-                "Decimation_",
-                "MaxPoints_",
-                "TargetBufferedStreaming_",
-                "IsFrameBased_",
-                "HideInPLV_"};
+    Lines names = words(
+        "UUID EID_ BlockPath_ SubPath_ SignalName_ SubSysPath_ DomainType_ VisualType_ DomainParams_ OutputPortIndex_ "
+        "LogicalPortIndex_ Decimation_ MaxPoints_ TargetBufferedStreaming_ IsFrameBased_ HideInPLV_");
     signal.m_domainParams.clear();
     HvArrayPtr object;
     Lines expected = fields("hvReplaceField 0", names, values);
@@ -96,59 +94,36 @@ TEST_F(HostTraffic, signalsAreWrittenAndReadInTheirOrder) {
     names.insert(names.end(), runtime.begin(), runtime.end());
     EXPECT_EQ(recorded({"hvReplaceField"}, [&] { signal.getHOSObject(u"m1", true); }),
               fields("hvReplaceField 0", names, values));
-    const Lines read{"UUID",
-                     "EID_",
-                     "BlockPath_",
-                     "SubPath_",
-                     "SubSysPath_",
-                     "SignalName_",
-                     "DomainType_",
-                     "VisualType_",
-                     "DomainParams_",
-                     "OutputPortIndex_",
-                     "LogicalPortIndex_",
-                     "Decimation_",
-                     "MaxPoints_",
-                     "TargetBufferedStreaming_",
-                     "IsFrameBased_",
-                     "HideInPLV_",
-                     "BindingRule_",
-                     "CachedBlockHandle_",
-                     "CachedPortIdx_",
-                     "ExcludeForSave_"};
+    const Lines read = words(
+        "UUID EID_ BlockPath_ SubPath_ SubSysPath_ SignalName_ DomainType_ VisualType_ DomainParams_ OutputPortIndex_ "
+        "LogicalPortIndex_ Decimation_ MaxPoints_ TargetBufferedStreaming_ IsFrameBased_ HideInPLV_ BindingRule_ "
+        "CachedBlockHandle_ CachedPortIdx_ ExcludeForSave_");
     EXPECT_EQ(recorded(kPropertyReads, [&] { SignalSpecification(object.get(), 0, u"m1"); }),
               propertyReads(read, values));
-    EXPECT_EQ(
-        recorded({"hvGetField"}, [&] { SignalSpecification(world.saved.get(), 0, u""); }),
-        fields("hvGetField 0", {"UUID", "EID_", "OutputPortIndex_", "LogicalPortIndex_", "BlockPath_", "SubPath_",
-                                "SubSysPath_", "SignalName_", "Decimation_", "MaxPoints_", "TargetBufferedStreaming_",
-                                "IsFrameBased_", "HideInPLV_", "DomainType_", "VisualType_", "DomainParams_"}));
+    EXPECT_EQ(recorded({"hvGetField"}, [&] { SignalSpecification(world.saved.get(), 0, u""); }),
+              fields("hvGetField 0",
+                     words("UUID EID_ OutputPortIndex_ LogicalPortIndex_ BlockPath_ SubPath_ SubSysPath_ SignalName_ "
+                           "Decimation_ MaxPoints_ TargetBufferedStreaming_ IsFrameBased_ HideInPLV_ DomainType_ "
+                           "VisualType_ DomainParams_")));
 }
 
 TEST_F(HostTraffic, clientsAreWrittenAndReadInTheirOrder) {
-    const Values values{{"UUID", "'c-1'"},
-                        {"SignalUUID_", "'s-1'"},
-                        {"ObserverType_", "'ks_scope_observer'"},
-                        {"SourceModel_", "'m1'"},
-                        {"ModelPath_", "{'m1/Sub'}"},
-                        {"ModelPathEID_", "{'m1:2'}"},
-                        {"ObserverParams_", "struct"},
-                        {"UpdateRate_", "uint32 1"},
-                        {"DimensionChannel_", "uint32 1"},
-                        {"ObserveImaginaryPart_", "true"},
-                        {"BusLeafPath_", "'a.b'"}};
+    Values values = valuesIn(
+        "UUID='c-1' SignalUUID_='s-1' ObserverType_='ks_scope_observer' SourceModel_='m1' ModelPath_={'m1/Sub'} "
+        "ModelPathEID_={'m1:2'} ObserverParams_=struct ObserveImaginaryPart_=true BusLeafPath_='a.b'");
+    values["UpdateRate_"] = values["DimensionChannel_"] = "uint32 1";
     SignalClient& client = *world.clients().get(0);
     client.m_observeImaginaryPart = true;
     client.m_busLeafPath = "a.b";
     HvArrayPtr object;
     EXPECT_EQ(recorded({"hvReplaceField"}, [&] { object = client.getHOSObject(u"m1"); }),
               fields("hvReplaceField 0",
-                     {"UUID", "SignalUUID_", "ObserverType_", "SourceModel_", "ModelPath_", "ModelPathEID_",
-                      "ObserverParams_", "UpdateRate_", "DimensionChannel_", "ObserveImaginaryPart_", "BusLeafPath_"},
+                     words("UUID SignalUUID_ ObserverType_ SourceModel_ ModelPath_ ModelPathEID_ ObserverParams_ "
+                           "UpdateRate_ DimensionChannel_ ObserveImaginaryPart_ BusLeafPath_"),
                      values));
-    const Lines read{"UUID",          "SourceModel_",    "SignalUUID_", "ObserverType_",     "ModelPath_",
-                     "ModelPathEID_", "ObserverParams_", "UpdateRate_", "DimensionChannel_", "ObserveImaginaryPart_",
-                     "BusLeafPath_"};
+    const Lines read = words(
+        "UUID SourceModel_ SignalUUID_ ObserverType_ ModelPath_ ModelPathEID_ ObserverParams_ UpdateRate_ "
+        "DimensionChannel_ ObserveImaginaryPart_ BusLeafPath_");
     EXPECT_EQ(recorded(kPropertyReads, [&] { SignalClient(object.get(), 0, u"m1"); }), propertyReads(read, values));
     EXPECT_EQ(recorded({"hvGetField"}, [&] { SignalClient(world.savedClients.get(), 1, u""); }),
               fields("hvGetField 1", read));

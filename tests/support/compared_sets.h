@@ -67,8 +67,8 @@ private:
     };
 
     template <class Value>
-    void agree(const char* what, const Value& real, const Value& plain) {
-        if (real != plain) throw Disagreement(std::string("The set and its plain model disagree on ") + what);
+    void agree(std::string_view what, const Value& real, const Value& plain) {
+        if (real != plain) throw Disagreement(std::string("The set and its plain model disagree on ").append(what));
     }
     /// The same to the set and to its plain model. The set goes first: should memory run out, the plain one must not
     /// have happened. The set refuses just what its model does.
@@ -81,7 +81,7 @@ private:
         } catch (const std::out_of_range&) {
             isPlainRefused = true;
         }
-        agree(kKindNames[static_cast<std::size_t>(o.kind)], isRefused, isPlainRefused);
+        agree(o.kind, isRefused, isPlainRefused);
     }
     template <class Question>
     void ask(const char* what, Side& side, Question question) {
@@ -95,7 +95,7 @@ private:
     /// Nothing happens to the real side, and so to neither, when memory runs out; but a renumbering and a rebuild of
     /// the chart index that stop half way are not undone, and a change of a record is the test's own.
     void attempt(const Operation& o) {
-        const bool isUndone = o.kind != Kind::renumber && o.kind != Kind::update && o.kind != Kind::change;
+        const bool isUndone = o.kind != "renumber" && o.kind != "update" && o.kind != "change";
         const bool canFail = o.failAt != 0 && isUndone;
         std::optional<orvex::FaultInjection> faults;
         if (canFail) faults.emplace(orvex::FaultPlan{o.failAt, false, orvex::FaultKind::outOfMemory});
@@ -130,79 +130,56 @@ private:
         return m_records.back();
     }
 
-    static bool takesRecord(Kind kind) {
-        constexpr Kind kKinds[] = {Kind::add,        Kind::insert,          Kind::set,      Kind::removeValue,
-                                   Kind::addToIndex, Kind::removeFromIndex, Kind::askSignal};
-        return std::find(std::begin(kKinds), std::end(kKinds), kind) != std::end(kKinds);
+    static bool takesRecord(std::string_view kind) {
+        constexpr std::string_view kTaking[] = {"add",        "insert",          "set",      "removeValue",
+                                                "addToIndex", "removeFromIndex", "askSignal"};
+        return std::find(std::begin(kTaking), std::end(kTaking), kind) != std::end(kTaking);
     }
     void applyToBoth(Side& side, Side& other, const Operation& o) {
-        const bool grows = o.kind == Kind::add || o.kind == Kind::insert;
+        const bool grows = o.kind == "add" || o.kind == "insert";
         if (grows && side.plain.getCount() >= kMostSignals) return;
         const Record record = takesRecord(o.kind) ? recordFor(o) : Record{};
-        switch (o.kind) {
-            case Kind::copy:
-                return copy(side, other, o);
-            case Kind::saveAndLoad:
-                return saveAndLoad(side, other);
-            case Kind::change:
-                return changeRecord(side, o);
-            case Kind::askPath:
-                return ask("isPortObserved by path", side, [&](auto& set) {
-                    return set.isPortObserved(o.handle, o.path, o.subPath, o.outputPort, o.cachedPort, o.logicalPort);
-                });
-            case Kind::askSignal: {
-                const bool answer = side.real().isPortObserved(record.real.get());
-                return agree("isPortObserved of a signal", answer, side.plain.isPortObserved(record.plain.get()));
-            }
-            case Kind::addToIndex:
-            case Kind::removeFromIndex:
-            case Kind::addActivity:
-            case Kind::removeActivity:
-                return inBoth(o, side, record, [&](auto& set, const auto& r) { changeIndex(set, r, o); });
-            default:
-                return inBoth(o, side, record, [&](auto& set, const auto& r) { changeSet(set, r, o); });
-        }
+        if (o.kind == "copy") return copy(side, other, o);
+        if (o.kind == "saveAndLoad") return saveAndLoad(side, other);
+        if (o.kind == "change") return changeRecord(side, o);
+        if (o.kind == "askPath")
+            return ask("isPortObserved by path", side, [&](auto& set) {
+                return set.isPortObserved(o.handle, o.path, o.subPath, o.outputPort, o.cachedPort, o.logicalPort);
+            });
+        if (o.kind == "askSignal")
+            return agree("isPortObserved of a signal", side.real().isPortObserved(record.real.get()),
+                         side.plain.isPortObserved(record.plain.get()));
+        inBoth(o, side, record, [&](auto& set, const auto& r) { changeSet(set, r, o); });
     }
     template <class Set, class Signal>
     void changeSet(Set& set, const Signal& signal, const Operation& o) {
         ksPort* const port = &m_engine[o.pick % std::size(m_engine)];
-        switch (o.kind) {
-            case Kind::add:
-                return set.add(signal);
-            case Kind::insert:
-                return set.insert(o.position, signal);
-            case Kind::set:
-                return set.set(o.position, signal);
-            case Kind::removeAt:
-                return set.remove(o.position);
-            case Kind::removeValue:
-                return set.remove(*signal);
-            case Kind::renumber:
-                return set.renumberPorts(o.handle, std::u16string(o.model) + u"/" + o.path,
-                                         (o.flag ? narrow(o.model) + ":" : "") + narrow(o.eid), o.newNumbers);
-            case Kind::rename:
-                return set.setModelName(o.model);
-            case Kind::pending:
-                return set.setRebindingPending(o.flag);
-            case Kind::update:
-                return set.updateObservedPortMap();
-            default:
-                return set.cacheKSPorts({port, m_engine, port});
-        }
+        if (o.kind == "add") return set.add(signal);
+        if (o.kind == "insert") return set.insert(o.position, signal);
+        if (o.kind == "set") return set.set(o.position, signal);
+        if (o.kind == "removeAt") return set.remove(o.position);
+        if (o.kind == "removeValue") return set.remove(*signal);
+        if (o.kind == "renumber")
+            return set.renumberPorts(o.handle, std::u16string(o.model) + u"/" + o.path,
+                                     (o.flag ? narrow(o.model) + ":" : "") + narrow(o.eid), o.newNumbers);
+        if (o.kind == "rename") return set.setModelName(o.model);
+        if (o.kind == "pending") return set.setRebindingPending(o.flag);
+        if (o.kind == "update") return set.updateObservedPortMap();
+        if (o.kind == "cachePorts") return set.cacheKSPorts({port, m_engine, port});
+        if (o.kind == "addActivity")
+            return set.addToObservedCWActivity(narrow(o.eid), narrow(o.ssid), narrow(o.activity));
+        if (o.kind == "removeActivity")
+            return set.removeObservedCWActivity(narrow(o.eid), narrow(o.ssid), narrow(o.activity));
+        if (o.kind == "addToIndex" || o.kind == "removeFromIndex") return changeIndex(set, signal, o);
+        throw std::logic_error("no such operation");
     }
     template <class Set, class Signal>
     static void changeIndex(Set& set, const Signal& signal, const Operation& o) {
-        if (o.kind == Kind::addActivity) {
-            set.addToObservedCWActivity(narrow(o.eid), narrow(o.ssid), narrow(o.activity));
-        } else if (o.kind == Kind::removeActivity) {
-            set.removeObservedCWActivity(narrow(o.eid), narrow(o.ssid), narrow(o.activity));
+        const bool isChart = PlainSignal::of(*signal).isChart() && o.flag;
+        if (o.kind == "addToIndex") {
+            isChart ? set.addToObservedCWObjectCache(signal) : set.addToObservedPortMap(signal);
         } else {
-            const bool isChart = PlainSignal::of(*signal).isChart() && o.flag;
-            if (o.kind == Kind::addToIndex) {
-                isChart ? set.addToObservedCWObjectCache(signal) : set.addToObservedPortMap(signal);
-            } else {
-                isChart ? set.removeFromObservedCWObject(signal) : set.removeFromObservedPortMap(signal);
-            }
+            isChart ? set.removeFromObservedCWObject(signal) : set.removeFromObservedPortMap(signal);
         }
     }
     void copy(Side& side, Side& other, const Operation& o) {
@@ -243,26 +220,14 @@ private:
     }
     template <class Signal>
     static void changeMember(Signal& signal, const Operation& o) {
-        switch (o.pick % 6) {
-            case 0:
-                signal.m_cachedBlockHandle = o.handle;
-                signal.m_cachedPortIdx = o.cachedPort;
-                break;
-            case 1:
-                signal.m_outputPortIndex = o.outputPort;
-                break;
-            case 2:
-                signal.m_blockPath = o.path;
-                break;
-            case 3:
-                signal.m_domainType = o.domain;
-                break;
-            case 4:
-                signal.m_eid = narrow(o.eid);
-                break;
-            default:
-                signal.m_excludeForSave = o.flag;
-        }
+        const std::size_t member = o.pick % 6;
+        if (member == 0) signal.m_cachedBlockHandle = o.handle;
+        if (member == 0) signal.m_cachedPortIdx = o.cachedPort;
+        if (member == 1) signal.m_outputPortIndex = o.outputPort;
+        if (member == 2) signal.m_blockPath = o.path;
+        if (member == 3) signal.m_domainType = o.domain;
+        if (member == 4) signal.m_eid = narrow(o.eid);
+        if (member == 5) signal.m_excludeForSave = o.flag;
     }
 
     // ---- what can be observed ----

@@ -179,50 +179,42 @@ using ks_test::hostFunction;
 #define KS_FORWARD(type, name, ...)                          \
     static auto* const function = hostFunction<type>(&name); \
     return function(__VA_ARGS__)
+/// The program's own function in front of the host's: written down with its arguments.
+#define KS_IN_FRONT_OF(name, ...) \
+    KS_WRITE(#name, __VA_ARGS__); \
+    KS_FORWARD(decltype(name), name, __VA_ARGS__)
 
-// ---- copies and what is released ----
+// ---- copies, reading and writing ----
 
-hvArray* hvCreateDeepCopy(const hvArray* value) {
-    KS_WRITE("hvCreateDeepCopy", value);
-    KS_FORWARD(decltype(hvCreateDeepCopy), hvCreateDeepCopy, value);
-}
-hvArray* hvCreateSharedDataCopy(const hvArray* value) {
-    KS_WRITE("hvCreateSharedDataCopy", value);
-    KS_FORWARD(decltype(hvCreateSharedDataCopy), hvCreateSharedDataCopy, value);
-}
-
-namespace matrix {
-void destroyArray(hvArray* value) noexcept {
-    KS_WRITE("destroyArray", value);
-    KS_FORWARD(decltype(destroyArray), destroyArray, value);
-}
-}  // namespace matrix
-
-// ---- reading and writing ----
-
-const hvArray* hvGetField(const hvArray* structArray, std::size_t index, const char* name) noexcept {
+hvArray* hvCreateDeepCopy(const hvArray* value) { KS_IN_FRONT_OF(hvCreateDeepCopy, value); }
+hvArray* hvCreateSharedDataCopy(const hvArray* value) { KS_IN_FRONT_OF(hvCreateSharedDataCopy, value); }
+const hvArray* hvGetField(const hvArray* from, std::size_t index, const char* name) noexcept {
     KS_WRITE("hvGetField", index, name);
-    KS_FORWARD(decltype(hvGetField), hvGetField, structArray, index, name);
+    KS_FORWARD(decltype(hvGetField), hvGetField, from, index, name);
 }
-hvArray* hvGetProperty(const hvArray* object, std::size_t index, const char* name) {
+hvArray* hvGetProperty(const hvArray* from, std::size_t index, const char* name) {
     KS_WRITE("hvGetProperty", index, name);
-    KS_FORWARD(decltype(hvGetProperty), hvGetProperty, object, index, name);
+    KS_FORWARD(decltype(hvGetProperty), hvGetProperty, from, index, name);
 }
-hvArray* hvGetPropertyShared(const hvArray* object, std::size_t index, const char* name) {
+hvArray* hvGetPropertyShared(const hvArray* from, std::size_t index, const char* name) {
     KS_WRITE("hvGetPropertyShared", index, name);
-    KS_FORWARD(decltype(hvGetPropertyShared), hvGetPropertyShared, object, index, name);
+    KS_FORWARD(decltype(hvGetPropertyShared), hvGetPropertyShared, from, index, name);
 }
-void hvReplaceField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
+void hvReplaceField(hvArray* in, std::size_t index, const char* name, hvArray* value) {
     KS_WRITE("hvReplaceField", index, name, value);
-    KS_FORWARD(decltype(hvReplaceField), hvReplaceField, structArray, index, name, value);
+    KS_FORWARD(decltype(hvReplaceField), hvReplaceField, in, index, name, value);
 }
-void hvSetProperty(hvArray* object, std::size_t index, const char* name, const hvArray* value) {
+void hvSetProperty(hvArray* in, std::size_t index, const char* name, const hvArray* value) {
     KS_WRITE("hvSetProperty", index, name, value);
-    KS_FORWARD(decltype(hvSetProperty), hvSetProperty, object, index, name, value);
+    KS_FORWARD(decltype(hvSetProperty), hvSetProperty, in, index, name, value);
 }
 
 // ---- lifetimes ----
 
+namespace matrix {
+void destroyArray(hvArray* value) noexcept { KS_IN_FRONT_OF(destroyArray, value); }
+}  // namespace matrix
+void kssvSetLocalScope(hvArray* value) noexcept { KS_IN_FRONT_OF(kssvSetLocalScope, value); }
 void hvSetArrayScope(hvArray* value, hvVariableScope scope) noexcept {
     KS_WRITE("hvSetArrayScope", value, scope);
     KS_FORWARD(void(hvArray*, hvVariableScope) noexcept, hvSetArrayScope, value, scope);
@@ -230,10 +222,6 @@ void hvSetArrayScope(hvArray* value, hvVariableScope scope) noexcept {
 void hvSetArrayScope(hvArray* value, std::nullptr_t) noexcept {
     KS_WRITE("hvSetArrayScope", value, "null");
     KS_FORWARD(void(hvArray*, std::nullptr_t) noexcept, hvSetArrayScope, value, nullptr);
-}
-void kssvSetLocalScope(hvArray* value) noexcept {
-    KS_WRITE("kssvSetLocalScope", value);
-    KS_FORWARD(decltype(kssvSetLocalScope), kssvSetLocalScope, value);
 }
 void THvArrayDeleter::operator()(hvArray* value) const noexcept {
     KS_WRITE("destroy", value);
