@@ -137,6 +137,7 @@ TEST_F(SignalIdentity, aNewRecordTakesThePortsUuidAndStoresRelativeReferences) {
     EXPECT_EQ(spec->m_cachedBlockHandle, 12.0);
     EXPECT_EQ(spec->m_decimation, 1);
     EXPECT_TRUE(spec->m_excludeForSave);
+    EXPECT_FALSE(spec->m_targetBufferedStreaming || spec->m_isFrameBased || spec->m_hideInPLV);
     EXPECT_EQ(create(2)->m_uuid.size(), 36U);
     EXPECT_EQ(SignalSpecification::getBlockUUIDmap().size(), 1U) << "a fresh UUID is not entered";
     const auto ofNoModel = SignalSpecification::createSigSpecFromPort(u"//Gain", "::3", 1, 0, 12.0, u"", false);
