@@ -1,4 +1,3 @@
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -135,21 +134,6 @@ TEST_F(ModelFiles, whatCannotBeReadIsNamed) {
     expectParts(run({"show", path("absent")}).err, {"No such file"});
     expectParts(run({"show", path(".")}).err, {"is a directory"});
     expectParts(run({"tour", path("absent")}).err, {"cannot be copied"});
-}
-
-TEST_F(ModelFiles, aFailedSaveLeavesTheOldFileAndNothingElse) {
-    write(kModel);
-    rlimit before{};
-    ::getrlimit(RLIMIT_FSIZE, &before);
-    const rlimit small{100, before.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &small);
-    const testing::Finished finished = runOn("mark A:2");
-    ::setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_EQ(finished.code, 2);
-    EXPECT_EQ(finished.out, "");
-    expectParts(finished.err, {"the file is as it was: writing failed: File too large"});
-    EXPECT_EQ(read(), kModel);
-    EXPECT_EQ(fileCount(), 1U);
 }
 
 TEST_F(ModelFiles, pipesAndWriteProtectedFilesAreNotReplaced) {
