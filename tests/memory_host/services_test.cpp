@@ -30,19 +30,23 @@ protected:
     }
 };
 
-TEST_F(HostServices, callsTakeNothingForAnInputAndLeaveTheOutputsAloneWhenTheyFail) {
-    const auto count = registerFunction(
-        "count", [](Call& call) { call.outs[0] = number(hvIsEmpty(call.ins[1]) ? 2 : 1); }, 1);
-    const HvArrayPtr one = number(1);
+TEST_F(HostServices, callsHoldTheirInputsAndLeaveTheOutputsAloneWhenTheyFail) {
+    HvArrayPtr one = number(1);
+    const auto add = registerFunction(
+        "add",
+        [&one](Call& call) {
+            one.reset();
+            call.outs[0] = number(hvGetScalar(call.ins[0]) + (hvIsEmpty(call.ins[1]) ? 2 : 0));
+        },
+        1);
     const std::array<const hvArray*, 2> ins{one.get(), nullptr};
     hvArray* untouched = nullptr;
     hvArray* const mark = reinterpret_cast<hvArray*>(&untouched);
     std::array<hvArray*, 2> outs{mark, mark};
-    EXPECT_EQ(failureOf([&] { kssvFEVAL(2, outs.data(), 2, ins.data(), "count"); }).substr(0, 15), "TooManyOutputs:");
+    EXPECT_EQ(failureOf([&] { kssvFEVAL(2, outs.data(), 2, ins.data(), "add"); }).substr(0, 15), "TooManyOutputs:");
     EXPECT_EQ(outs[0], mark);
-    kssvFEVAL(1, outs.data(), 2, ins.data(), "count");
-    EXPECT_EQ(hvGetScalar(HvArrayPtr(outs[0]).get()), 2);
-    EXPECT_EQ(kssvFEVAL_NoThrow(0, nullptr, 2, ins.data(), "count", nullptr, true, nullptr), nullptr);
+    EXPECT_EQ(kssvFEVAL_NoThrow(1, outs.data(), 2, ins.data(), "add", nullptr, true, nullptr), nullptr);
+    EXPECT_EQ(hvGetScalar(HvArrayPtr(outs[0]).get()), 3);
     const auto endless = registerFunction("endless", [](Call&) { orvex::callByName("endless", {}, 0); });
     EXPECT_EQ(call("endless").substr(0, 10), "CallDepth:");
     for (const char* const name : {"nobody", ""}) EXPECT_NE(call(name), "");
