@@ -5,6 +5,7 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
+#include "kshmi/print/json_document.h"
 #include "workbench/import/import_model.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/error.h"
@@ -82,17 +83,16 @@ void appendNotes(std::string& out, const ImportNotes& notes) {
 }
 
 void tellJson(const ImportedModel& model, const ImportArguments& arguments, const Output& output) {
-    std::string text;
-    JsonObject object(text);
+    JsonDocument document("import");
+    JsonObject& object = document.object();
     object.text("file", arguments.target).text("model", model.model.name());
     object.text("kind", model.origin.kind).text("version", model.origin.version);
     object.number("blocks", model.model.blocks().size()).number("ports", model.portCount);
     object.number("kept", model.keptCount).number("gone", model.goneCount).name("dropped");
-    appendNotes(text, model.dropped);
+    appendNotes(document.text(), model.dropped);
     object.name("warnings");
-    appendNotes(text, model.warnings);
-    object.close();
-    output.out << printableJson(text) << '\n';
+    appendNotes(document.text(), model.warnings);
+    document.print(output.out);
 }
 
 /// The version before: the model file to update, or the one named. Marks are not put on blocks unseen.

@@ -141,6 +141,12 @@ TEST_F(JsonOutput, ofEveryCommandFitsTheSchema) {
         EXPECT_EQ(m_schema.faults(value), std::vector<std::string>()) << line << '\n' << serialize(value);
         EXPECT_EQ(value.at("command").as_string(), line.substr(0, line.find(' '))) << line;
     }
+    write(R"(<fmiModelDescription fmiVersion="2.0" modelName="u"><ModelVariables>
+        <ScalarVariable name="a.x" causality="output"/><ScalarVariable name="" causality="output"/>
+        <ScalarVariable name="i" causality="input"/></ModelVariables></fmiModelDescription>)",
+          "unit.xml");
+    const json::value imported = json::parse(run({"import", path("unit.xml"), "-o", path("unit.json"), "--json"}).out);
+    EXPECT_EQ(m_schema.faults(imported), std::vector<std::string>()) << serialize(imported);
     EXPECT_FALSE(m_schema.faults(json::parse(R"({"kshmi": 1, "command": "query", "model": "m"})")).empty());
     EXPECT_FALSE(m_schema.faults(json::parse(R"({"kshmi": 2})")).empty());
 }
