@@ -56,7 +56,9 @@ void importAll(const std::string& bytes, bool locals) {
     require(second.has_value(), "the second import is refused");
     requireSame(first->model, second->model);
     const std::size_t count = first->model.blocks().size();
-    const ModelFile previous{std::move(first->model), nullptr, nullptr, {}, {}, std::move(first->origin)};
+    ModelExtras extras;
+    extras.origin = std::move(first->origin);
+    const ModelFile previous{std::move(first->model), nullptr, nullptr, {}, {}, std::move(extras)};
     const std::optional<ImportedModel> next = import(bytes, {.previous = &previous});
     require(next && next->keptCount == count && next->goneCount == 0, "a block has lost its identifier");
     requireSame(previous.model, next->model);

@@ -104,7 +104,7 @@ std::optional<ModelFile> previousOf(const ImportArguments& arguments) {
                     ErrorCode::file);
     if (!arguments.isUpdate && arguments.previous.empty()) return std::nullopt;
     ModelFile file = readModelFile(arguments.isUpdate ? arguments.target : arguments.previous);
-    const std::size_t signals = hvGetNumberOfElements(file.signals.get());
+    const std::size_t signals = hvGetNumberOfElements(file.signals.get()) + file.extras.parked.size();
     const std::size_t clients = hvGetNumberOfElements(file.clients.get());
     if (arguments.isUpdate && signals + clients > 0)
         throw Error(
@@ -131,7 +131,9 @@ int runImport(const ImportArguments& arguments, const Output& output) {
     const ImportOptions options = optionsOf(arguments, before, output);
     const ImportedModel model = importFile(arguments.source, arguments.target, options);
     if (options.progress) options.progress("saving");
-    writeModelFile(arguments.target, model.model, nullptr, nullptr, model.origin,
+    ModelExtras extras;
+    extras.origin = model.origin;
+    writeModelFile(arguments.target, model.model, nullptr, nullptr, extras,
                    arguments.isUpdate ? before->version : std::nullopt);
     warn(model, output);
     if (arguments.isJson)

@@ -68,7 +68,7 @@ std::size_t portCountOf(const std::vector<kestrel::Block>& blocks) {
 
 ImportedModel importDocument(ForeignDocument document, const ImportOptions& options) {
     const ModelFile* const previous = options.previous;
-    const Origin* const before = previous && previous->origin ? &*previous->origin : nullptr;
+    const Origin* const before = previous && previous->extras.origin ? &*previous->extras.origin : nullptr;
     const bool locals = options.locals.value_or(before && before->locals);
     const auto begin = [&](const char* stage) {
         if (options.progress) options.progress(stage);

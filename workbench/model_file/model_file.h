@@ -9,7 +9,7 @@
 #include "host/hv_array.h"
 #include "memory_host/kestrel/model.h"
 #include "workbench/files/file_version.h"
-#include "workbench/model_file/origin.h"
+#include "workbench/model_file/model_extras.h"
 #include "workbench/model_file/record_table.h"
 
 namespace workbench {
@@ -22,8 +22,7 @@ struct ModelFile {
     HvArrayPtr clients;
     std::vector<RecordLines> signalLines;
     std::vector<RecordLines> clientLines;
-    /// Nothing for a model that was not imported.
-    std::optional<Origin> origin = std::nullopt;
+    ModelExtras extras = {};
     /// Of the file when it was opened.
     std::optional<FileVersion> version = std::nullopt;
 };
@@ -44,18 +43,21 @@ using TextSink = std::function<void(std::string_view piece)>;
 /// Writes a model in the canonical form: the same contents give the same bytes. The records are struct arrays with
 /// the saved fields, null for none. Throws `Error` when a value has no JSON form, and what the sink throws.
 void writeModel(const TextSink& sink, const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
-                const std::optional<Origin>& origin = std::nullopt);
+                const ModelExtras& extras = {});
 /// The same as one text.
 std::string modelText(const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
-                      const std::optional<Origin>& origin = std::nullopt);
+                      const ModelExtras& extras = {});
+std::string modelText(const ModelFile& file);
 
 /// The same into the file at `path`, which is replaced as a whole or left as it was: only that version of it with
 /// `replaced`. Returns the new version. Throws `Error`, also when the file cannot be written.
 FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                           const hvArray* clients, const std::optional<Origin>& origin,
+                           const hvArray* clients, const ModelExtras& extras = {},
+                           std::optional<FileVersion> replaced = std::nullopt);
+FileVersion writeModelFile(const std::string& path, const ModelFile& file,
                            std::optional<FileVersion> replaced = std::nullopt);
 /// The same into a file that is not there yet. Throws `Error` when it is.
 FileVersion writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                              const hvArray* clients, const std::optional<Origin>& origin);
+                              const hvArray* clients, const ModelExtras& extras = {});
 
 }  // namespace workbench

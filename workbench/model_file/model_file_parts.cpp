@@ -25,17 +25,17 @@ void ModelFileParts::setVersion(double version, const std::string& pointer) {
 void ModelFileParts::beginBlock() { m_blocks.push_back({{}, m_file.line()}); }
 
 std::string& ModelFileParts::originText(std::string_view key) {
-    if (key == "kind") return m_origin->kind;
-    if (key == "version") return m_origin->version;
-    if (key == "file") return m_origin->file;
-    if (key == "hash") return m_origin->hash;
-    GoneBlock& block = m_origin->gone.back();
+    if (key == "kind") return m_extras.origin->kind;
+    if (key == "version") return m_extras.origin->version;
+    if (key == "file") return m_extras.origin->file;
+    if (key == "hash") return m_extras.origin->hash;
+    GoneBlock& block = m_extras.origin->gone.back();
     return key == "source" ? block.source : block.eid;
 }
 
 void ModelFileParts::checkOrigin(const std::string& pointer) const {
     for (const char* const kind : {"ssd", "ssp", "fmi", "fmu"})
-        if (m_origin->kind == kind) return;
+        if (m_extras.origin->kind == kind) return;
     m_file.fail(pointer + "/kind", "a model comes from ssd, ssp, fmi or fmu; correct it");
 }
 
@@ -64,11 +64,22 @@ void ModelFileParts::checkChart(const std::string& pointer) const {
     for (const kestrel::ChartData& datum : chart.data) check(datum.ssid, datum.name);
 }
 
+void ModelFileParts::endParked() {
+    ParkedMark& mark = parked();
+    mark.signal = m_parkedSignals.build();
+    mark.markedName = std::move(m_parkedSignals.takeMarkedNames().front());
+    mark.clients = m_parkedClients.build();
+    m_parkedSignals.takeLines();
+    m_parkedClients.takeLines();
+}
+
 ModelFile ModelFileParts::finish() {
+    m_extras.markedNames = m_signals.takeMarkedNames();
     kestrel::Model model = buildModel();
     HvArrayPtr signals = m_signals.build();
-    return {std::move(model),      std::move(signals),    m_clients.build(),
-            m_signals.takeLines(), m_clients.takeLines(), std::move(m_origin)};
+    HvArrayPtr clients = m_clients.build();
+    return {std::move(model),      std::move(signals),    std::move(clients),
+            m_signals.takeLines(), m_clients.takeLines(), std::move(m_extras)};
 }
 
 kestrel::Model ModelFileParts::buildModel() {

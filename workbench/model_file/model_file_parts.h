@@ -17,7 +17,11 @@ namespace workbench {
 class ModelFileParts {
 public:
     explicit ModelFileParts(const JsonFile& file)
-        : m_file(file), m_signals(file, RecordKind::signal), m_clients(file, RecordKind::client) {}
+        : m_file(file),
+          m_signals(file, RecordKind::signal),
+          m_clients(file, RecordKind::client),
+          m_parkedSignals(file, RecordKind::signal),
+          m_parkedClients(file, RecordKind::client) {}
 
     void setVersion(double version, const std::string& pointer);
     void setName(std::u16string name) {
@@ -25,8 +29,8 @@ public:
         m_nameLine = m_file.line();
     }
 
-    void beginOrigin() { m_origin.emplace(); }
-    Origin& origin() noexcept { return *m_origin; }
+    void beginOrigin() { m_extras.origin.emplace(); }
+    Origin& origin() noexcept { return *m_extras.origin; }
     /// A text of the origin or, for the keys of a gone block, of the last one.
     std::string& originText(std::string_view key);
 
@@ -39,6 +43,14 @@ public:
     void checkChart(const std::string& pointer) const;
 
     RecordTable& records(RecordKind kind) noexcept { return kind == RecordKind::signal ? m_signals : m_clients; }
+
+    void beginParked() { m_extras.parked.emplace_back(); }
+    ParkedMark& parked() noexcept { return m_extras.parked.back(); }
+    /// Of the parked mark that is being read.
+    RecordTable& parkedRecords(RecordKind kind) noexcept {
+        return kind == RecordKind::signal ? m_parkedSignals : m_parkedClients;
+    }
+    void endParked();
 
     ModelFile finish();
 
@@ -53,10 +65,12 @@ private:
     const JsonFile& m_file;
     std::u16string m_name;
     std::size_t m_nameLine = 0;
-    std::optional<Origin> m_origin;
     std::vector<PlacedBlock> m_blocks;
     RecordTable m_signals;
     RecordTable m_clients;
+    RecordTable m_parkedSignals;
+    RecordTable m_parkedClients;
+    ModelExtras m_extras;
 };
 
 }  // namespace workbench

@@ -56,12 +56,20 @@ private:
     void end(void (JsonSink::*event)());
     void enter(Place place, bool isArray);
     void leave();
-    static bool isRecord(Place place) noexcept { return place == Place::signal || place == Place::client; }
+    static bool isRecord(Place place) noexcept {
+        return place == Place::signal || place == Place::client || isParkedRecord(place);
+    }
+    static bool isParkedRecord(Place place) noexcept {
+        return place == Place::parkedSignal || place == Place::parkedClient;
+    }
     RecordTable& records(Place place) noexcept {
-        return m_parts.records(place == Place::signal ? RecordKind::signal : RecordKind::client);
+        const bool isSignal = place == Place::signal || place == Place::parkedSignal;
+        const RecordKind kind = isSignal ? RecordKind::signal : RecordKind::client;
+        return isParkedRecord(place) ? m_parts.parkedRecords(kind) : m_parts.records(kind);
     }
     void recordKey(Frame& frame, std::string_view name);
     void setText(std::u16string text);
+    void setParkedText(std::string_view key, std::u16string text);
     void setNumber(double value);
     std::uint32_t ssidOf(double value) const;
     template <typename Event>
@@ -129,7 +137,12 @@ void ModelFileReader::enter(Place place, bool isArray) {
             break;
         case Place::signal:
         case Place::client:
+        case Place::parkedSignal:
+        case Place::parkedClient:
             records(place).begin();
+            break;
+        case Place::parkedMark:
+            m_parts.beginParked();
             break;
         default:
             break;
@@ -145,6 +158,7 @@ void ModelFileReader::leave() {
             m_file.fail(pointer(), "the key " + inQuotes(rules[i].key) + " is missing; add it");
     if (frame.place == Place::origin) m_parts.checkOrigin(pointer());
     if (frame.place == Place::chart) m_parts.checkChart(pointer());
+    if (frame.place == Place::parkedMark) m_parts.endParked();
     advance();
 }
 
@@ -164,8 +178,9 @@ void ModelFileReader::key(std::string_view name) {
 
 void ModelFileReader::recordKey(Frame& frame, std::string_view name) {
     RecordTable& table = records(frame.place);
-    frame.position = fieldNumber(table.kind(), name);
-    if (frame.position == fieldsOf(table.kind()).size()) m_file.fail(pointer(), "this key is unknown; remove it");
+    const std::optional<std::size_t> number = fieldNumber(table.kind(), name);
+    if (!number) m_file.fail(pointer(), "this key is unknown; remove it");
+    frame.position = *number;
     if (table.hasField(frame.position)) m_file.fail(pointer(), "this key appears twice; remove one");
     table.noteField(frame.position);
 }
@@ -201,6 +216,9 @@ void ModelFileReader::setText(std::u16string text) {
     switch (frame.place) {
         case Place::document:
             return m_parts.setName(std::move(text));
+        case Place::parkedMark:
+            setParkedText(frame.key, std::move(text));
+            break;
         case Place::outputs:
             m_parts.block().outputs.push_back(std::move(text));
             break;
@@ -217,6 +235,17 @@ void ModelFileReader::setText(std::u16string text) {
         default:
             m_parts.setBlockText(frame.key, std::move(text));
     }
+}
+
+void ModelFileReader::setParkedText(std::string_view key, std::u16string text) {
+    ParkedMark& mark = m_parts.parked();
+    if (key == "from") {
+        mark.from = std::move(text);
+        return;
+    }
+    const std::optional<LostWith> lost = lostWithOf(toUtf8(text));
+    if (!lost) m_file.fail(pointer(), inQuotes(text) + " appears where block, port or item is expected; correct it");
+    mark.lost = *lost;
 }
 
 void ModelFileReader::setNumber(double value) {

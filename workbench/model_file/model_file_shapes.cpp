@@ -6,12 +6,17 @@ namespace workbench::shapes {
 
 namespace {
 
-constexpr std::array<Rule, 6> kDocument{{{"kestrelModel", Kind::number},
+constexpr std::array<Rule, 7> kDocument{{{"kestrelModel", Kind::number},
                                          {"name", Kind::text},
                                          {"origin", Kind::object, Place::origin, false},
                                          {"blocks", Kind::array, Place::blocks},
                                          {"signals", Kind::array, Place::signals},
-                                         {"clients", Kind::array, Place::clients}}};
+                                         {"clients", Kind::array, Place::clients},
+                                         {"parked", Kind::array, Place::parked, false}}};
+constexpr std::array<Rule, 4> kParked{{{"signal", Kind::object, Place::parkedSignal},
+                                       {"clients", Kind::array, Place::parkedClients},
+                                       {"lost", Kind::text},
+                                       {"from", Kind::text}}};
 constexpr std::array<Rule, 6> kOrigin{{{"kind", Kind::text},
                                        {"version", Kind::text},
                                        {"file", Kind::text},
@@ -36,6 +41,8 @@ constexpr Rule kStateElement{"", Kind::object, Place::state};
 constexpr Rule kDatumElement{"", Kind::object, Place::datum};
 constexpr Rule kSignalElement{"", Kind::object, Place::signal};
 constexpr Rule kClientElement{"", Kind::object, Place::client};
+constexpr Rule kParkedElement{"", Kind::object, Place::parkedMark};
+constexpr Rule kParkedClientElement{"", Kind::object, Place::parkedClient};
 
 }  // namespace
 
@@ -55,6 +62,8 @@ std::span<const Rule> keysOf(Place object) noexcept {
             return kState;
         case Place::datum:
             return kDatum;
+        case Place::parkedMark:
+            return kParked;
         default:
             return {};
     }
@@ -74,6 +83,10 @@ const Rule& elementOf(Place array) noexcept {
             return kDatumElement;
         case Place::signals:
             return kSignalElement;
+        case Place::parked:
+            return kParkedElement;
+        case Place::parkedClients:
+            return kParkedClientElement;
         default:
             return kClientElement;
     }

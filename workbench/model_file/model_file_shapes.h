@@ -27,6 +27,11 @@ enum class Place : std::uint8_t {
     signal,
     clients,
     client,
+    parked,
+    parkedMark,
+    parkedSignal,
+    parkedClients,
+    parkedClient,
 };
 
 enum class Kind : std::uint8_t { text, number, boolean, object, array, value };

@@ -14,6 +14,8 @@ constexpr JsonLayout kDocument{"\n  ", ",\n  ", "\n"};
 constexpr JsonLayout kList{"\n    ", ",\n    ", "\n  "};
 /// One field per line.
 constexpr JsonLayout kRecord{"\n      ", ",\n      ", "\n    "};
+constexpr JsonLayout kInRecord{"\n        ", ",\n        ", "\n      "};
+constexpr JsonLayout kInRecordList{"\n          ", ",\n          ", "\n        "};
 
 template <typename Items, typename TextOf>
 void appendChartItems(std::string& out, const Items& items, const char* key, TextOf textOf) {
@@ -64,8 +66,9 @@ void appendOrigin(std::string& out, const Origin& origin) {
 /// Fields whose class the library sets, whatever it was: plain numbers lose nothing.
 bool isCountField(std::string_view name) { return name == "UpdateRate_" || name == "DimensionChannel_"; }
 
-void appendRecord(std::string& out, const hvArray* records, std::size_t element) {
-    JsonObject object(out, kRecord);
+void appendRecord(std::string& out, const hvArray* records, std::size_t element, JsonLayout layout,
+                  const std::u16string* markedName = nullptr) {
+    JsonObject object(out, layout);
     for (int i = 0; i < hvGetNumberOfFields(records); ++i) {
         const std::string_view name = hvGetFieldNameByNumber(records, i);
         const hvArray* const field = hvGetField(records, element, name.data());
@@ -76,7 +79,19 @@ void appendRecord(std::string& out, const hvArray* records, std::size_t element)
         object.name(name);
         name == "DomainParams_" ? appendJsonFieldsSorted(out, field) : appendJsonValue(out, field);
     }
+    if (markedName) object.text(kMarkedName, *markedName);
     object.close();
+}
+
+void appendParked(std::string& out, const ParkedMark& mark) {
+    JsonObject object(out, kRecord);
+    object.name("signal");
+    appendRecord(out, mark.signal.get(), 0, kInRecord, mark.markedName ? &*mark.markedName : nullptr);
+    object.name("clients");
+    appendJsonArray(
+        out, ks_host::indicesOf(mark.clients.get()),
+        [&](std::size_t i) { appendRecord(out, mark.clients.get(), i, kInRecordList); }, kInRecord);
+    object.text("lost", std::string_view(textOf(mark.lost))).text("from", mark.from).close();
 }
 
 /// A list of the document; each element is handed on as soon as it is written.
@@ -95,43 +110,55 @@ void writeList(const TextSink& sink, std::string& out, const Range& elements, Ap
 }  // namespace
 
 void writeModel(const TextSink& sink, const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
-                const std::optional<Origin>& origin) {
+                const ModelExtras& extras) {
     std::string out;
     JsonObject document(out, kDocument);
     document.number("kestrelModel", 1).text("name", model.name());
-    if (origin) {
+    if (extras.origin) {
         document.name("origin");
-        appendOrigin(out, *origin);
+        appendOrigin(out, *extras.origin);
     }
     document.name("blocks");
     writeList(sink, out, model.blocks(), [&](const kestrel::Block& block) { appendBlock(out, block); });
     document.name("signals");
-    writeList(sink, out, ks_host::indicesOf(signals), [&](std::size_t i) { appendRecord(out, signals, i); });
+    writeList(sink, out, ks_host::indicesOf(signals),
+              [&](std::size_t i) { appendRecord(out, signals, i, kRecord, extras.markedName(i)); });
     document.name("clients");
-    writeList(sink, out, ks_host::indicesOf(clients), [&](std::size_t i) { appendRecord(out, clients, i); });
+    writeList(sink, out, ks_host::indicesOf(clients), [&](std::size_t i) { appendRecord(out, clients, i, kRecord); });
+    if (!extras.parked.empty()) {
+        document.name("parked");
+        writeList(sink, out, extras.parked, [&](const ParkedMark& mark) { appendParked(out, mark); });
+    }
     document.close();
     sink(out += '\n');
 }
 
 std::string modelText(const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
-                      const std::optional<Origin>& origin) {
+                      const ModelExtras& extras) {
     std::string text;
-    writeModel([&](std::string_view piece) { text += piece; }, model, signals, clients, origin);
+    writeModel([&](std::string_view piece) { text += piece; }, model, signals, clients, extras);
     return text;
 }
 
+std::string modelText(const ModelFile& file) {
+    return modelText(file.model, file.signals.get(), file.clients.get(), file.extras);
+}
+
 FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                           const hvArray* clients, const std::optional<Origin>& origin,
-                           std::optional<FileVersion> replaced) {
+                           const hvArray* clients, const ModelExtras& extras, std::optional<FileVersion> replaced) {
     AtomicFile file(path, replaced);
-    writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, origin);
+    writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, extras);
     return file.commit();
 }
 
+FileVersion writeModelFile(const std::string& path, const ModelFile& file, std::optional<FileVersion> replaced) {
+    return writeModelFile(path, file.model, file.signals.get(), file.clients.get(), file.extras, replaced);
+}
+
 FileVersion writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                              const hvArray* clients, const std::optional<Origin>& origin) {
+                              const hvArray* clients, const ModelExtras& extras) {
     AtomicFile file(AtomicFile::kNew, path);
-    writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, origin);
+    writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, extras);
     return file.commit();
 }
 

@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "host/values.h"
 #include "memory_host/orvex/values/values.h"
 #include "observers/signal_client.h"
 #include "signals/signal_specification.h"
@@ -148,9 +149,11 @@ std::span<const char* const> fieldsOf(RecordKind kind) {
     return {SignalSpecification::getStructFields(), static_cast<std::size_t>(count)};
 }
 
-std::size_t fieldNumber(RecordKind kind, std::string_view name) {
+std::optional<std::size_t> fieldNumber(RecordKind kind, std::string_view name) {
+    if (kind == RecordKind::signal && name == kMarkedName) return RecordLines::kMarkedName;
     const std::vector<Field>& fields = fieldTable(kind);
     const auto found = std::find_if(fields.begin(), fields.end(), [&](const Field& one) { return one.name == name; });
+    if (found == fields.end()) return std::nullopt;
     return static_cast<std::size_t>(found - fields.begin());
 }
 
@@ -158,8 +161,8 @@ ErrorPlace recordPlace(const std::string& path, RecordKind kind, const std::vect
                        std::size_t position, const std::string& field) {
     std::size_t line = 0;
     if (position < lines.size()) {
-        const std::size_t number = fieldNumber(kind, field);
-        line = number < fieldsOf(kind).size() ? lines[position].fields.at(number) : 0;
+        const std::optional<std::size_t> number = fieldNumber(kind, field);
+        line = number ? lines[position].fields.at(*number) : 0;
         if (line == 0) line = lines[position].start;
     }
     const char* const list = kind == RecordKind::signal ? "signals" : "clients";
@@ -168,15 +171,20 @@ ErrorPlace recordPlace(const std::string& path, RecordKind kind, const std::vect
 
 void RecordTable::begin() {
     m_rows.emplace_back();
+    m_markedNames.emplace_back();
     m_lines.push_back({m_file.line(), {}});
 }
 
 void RecordTable::setField(std::size_t field, HvArrayPtr value) {
-    const FieldKind& kind = *fieldTable(m_kind)[field].kind;
+    const bool isMarkedName = field == RecordLines::kMarkedName;
+    const FieldKind& kind = isMarkedName ? kText : *fieldTable(m_kind)[field].kind;
     if (value && !kind.holds(value.get()))
         throw Error(
             fmt::format("{} appears where {} is expected; correct it", describe(value.get()), kind.description));
-    m_rows.back().at(field) = std::move(value);
+    if (!isMarkedName)
+        m_rows.back().at(field) = std::move(value);
+    else if (value)
+        m_markedNames.back() = ks_host::textOf(value.get());
 }
 
 HvArrayPtr RecordTable::build() {

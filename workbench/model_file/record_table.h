@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,14 +22,17 @@ enum class RecordKind : std::uint8_t { signal, client };
 
 /// Names of the saved fields in order, NUL-terminated.
 std::span<const char* const> fieldsOf(RecordKind kind);
-/// Position of a saved field's name; the number of fields when it is none.
-std::size_t fieldNumber(RecordKind kind, std::string_view name);
+/// Of a signal, behind the saved fields: what its source was called.
+inline constexpr std::string_view kMarkedName = "markedName";
+/// Position of a saved field's name, or of "markedName"; nothing when it is neither.
+std::optional<std::size_t> fieldNumber(RecordKind kind, std::string_view name);
 
 /// Where a record stands in the file: 1-based lines, 0 for a field that is not there.
 struct RecordLines {
     static constexpr std::size_t kMostFields = 16;
+    static constexpr std::size_t kMarkedName = kMostFields;  ///< its place behind the saved fields
     std::size_t start = 0;
-    std::array<std::size_t, kMostFields> fields{};
+    std::array<std::size_t, kMostFields + 1> fields{};
 };
 
 /// The file's place for a field (empty: the record itself) of the record at `position` (0-based).
@@ -53,13 +57,16 @@ public:
     /// N x 1 struct array of all fields, marked as read from a file; absent fields are unset. The table is
     /// then empty.
     HvArrayPtr build();
-    std::vector<RecordLines> takeLines() noexcept { return std::move(m_lines); }
+    std::vector<RecordLines> takeLines() noexcept { return std::exchange(m_lines, {}); }
+    /// Of all records since it was called last.
+    std::vector<std::optional<std::u16string>> takeMarkedNames() noexcept { return std::exchange(m_markedNames, {}); }
 
 private:
     const JsonFile& m_file;
     RecordKind m_kind;
     std::vector<std::array<HvArrayPtr, RecordLines::kMostFields>> m_rows;
     std::vector<RecordLines> m_lines;
+    std::vector<std::optional<std::u16string>> m_markedNames;
 };
 
 }  // namespace workbench

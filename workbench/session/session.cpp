@@ -9,6 +9,7 @@
 
 #include "foundation/model_path.h"
 #include "host/messages.h"
+#include "host/values.h"
 #include "signals/signal_specification.h"
 #include "workbench/session/record_alignment.h"
 #include "workbench/session/script.h"
@@ -59,7 +60,7 @@ Session::~Session() {
 
 void Session::open(ModelFile file, Opening opening) {
     m_version = file.version;
-    m_origin = file.origin;
+    keep(std::move(file.extras), file.signals.get());
     m_loaded = &kestrel::loadedModels().load(std::move(file.model));
     makeSets();
     // Before the index is built: an old path may be another block's now.
@@ -149,24 +150,40 @@ void Session::requirePaths(const hvArray* saved) const {
                         ErrorCode::host);
 }
 
-Session::Saved Session::savedForm() const {
+void Session::keep(ModelExtras extras, const hvArray* signals) {
+    m_extras = std::move(extras);
+    for (const std::size_t i : ks_host::indicesOf(signals))
+        if (const std::u16string* const name = m_extras.markedName(i))
+            m_markedNames.emplace(ks_host::textOf(hvGetField(signals, i, "UUID")), *name);
+}
+
+void Session::nameMarks(const hvArray* saved) {
+    m_extras.markedNames.clear();
+    for (const std::size_t i : ks_host::indicesOf(saved)) {
+        const auto found = m_markedNames.find(ks_host::textOf(hvGetField(saved, i, "UUID")));
+        m_extras.markedNames.push_back(found == m_markedNames.end() ? std::nullopt : std::optional(found->second));
+    }
+}
+
+Session::Saved Session::savedForm() {
     const HvArrayPtr copy = signals().copy(/*excludeUnsaved=*/true);
     Saved saved{script::persistence(copy.get()), nullptr};
     requirePaths(saved.signals.get());
     saved.clients = script::persistence(clientSet());
+    nameMarks(saved.signals.get());
     return saved;
 }
 
 std::size_t Session::save() {
     const Saved saved = savedForm();
-    m_version = writeModelFile(m_path, model(), saved.signals.get(), saved.clients.get(), m_origin, m_version);
+    m_version = writeModelFile(m_path, model(), saved.signals.get(), saved.clients.get(), m_extras, m_version);
     return signals().getCount() - hvGetNumberOfElements(saved.signals.get());
 }
 
 std::size_t Session::saveAs(const std::string& path, Existing existing) {
     const Saved saved = savedForm();
     const auto write = [&](auto function) {
-        return function(path, model(), saved.signals.get(), saved.clients.get(), m_origin);
+        return function(path, model(), saved.signals.get(), saved.clients.get(), m_extras);
     };
     m_version = existing == Existing::refuse ? write(writeNewModelFile)
                                              : write([](const auto&... what) { return writeModelFile(what...); });
@@ -174,9 +191,9 @@ std::size_t Session::saveAs(const std::string& path, Existing existing) {
     return signals().getCount() - hvGetNumberOfElements(saved.signals.get());
 }
 
-std::string Session::text() const {
+std::string Session::text() {
     const Saved saved = savedForm();
-    return modelText(model(), saved.signals.get(), saved.clients.get(), m_origin);
+    return modelText(model(), saved.signals.get(), saved.clients.get(), m_extras);
 }
 
 }  // namespace workbench

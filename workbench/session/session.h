@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "host/hv_array.h"
@@ -36,7 +37,7 @@ public:
     kestrel::Model& model() noexcept { return m_loaded->model(); }
     const kestrel::Model& model() const noexcept { return m_loaded->model(); }
     /// Where the model was imported from; nothing when it was not.
-    const std::optional<Origin>& origin() const noexcept { return m_origin; }
+    const std::optional<Origin>& origin() const noexcept { return m_extras.origin; }
     /// The host object of the set of signals, for scripts.
     hvArray* signalSet() noexcept { return m_loaded->signals(); }
     const hvArray* signalSet() const noexcept { return m_loaded->signals(); }
@@ -67,7 +68,7 @@ public:
     enum class Existing { refuse, replace };
     std::size_t saveAs(const std::string& path, Existing existing = Existing::refuse);
     /// What `save` would write, as a text.
-    std::string text() const;
+    std::string text();
 
 private:
     void open(ModelFile file, Opening opening);
@@ -75,7 +76,10 @@ private:
         HvArrayPtr signals;
         HvArrayPtr clients;
     };
-    Saved savedForm() const;
+    /// `m_extras` then goes with it.
+    Saved savedForm();
+    void keep(ModelExtras extras, const hvArray* signals);
+    void nameMarks(const hvArray* saved);
     void makeSets();
     void give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const;
     void checkClients(const std::vector<RecordLines>& lines) const;
@@ -87,8 +91,9 @@ private:
     kestrel::LoadedModel* m_loaded = nullptr;
     ks_hmi::InstrumentedSignals* m_signals = nullptr;
     ks_hmi::StreamingClients* m_clients = nullptr;
+    ModelExtras m_extras;
+    std::unordered_map<std::u16string, std::u16string> m_markedNames;  ///< by the signals' UUIDs
     std::vector<SignalFault> m_dangling;
-    std::optional<Origin> m_origin;
     std::optional<FileVersion> m_version;  ///< of the file that was read or saved last
 };
 

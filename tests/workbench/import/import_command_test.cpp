@@ -151,7 +151,7 @@ TEST_F(ImportCommand, readsArchivesAndFindsThemFromTheModel) {
     std::filesystem::create_directory(path("units"));
     write(zipOf({{"modelDescription.xml", outputs({"v"})}}), "units/u.fmu");
     ASSERT_EQ(import({}, "units/u.fmu").code, 0);
-    const Origin origin = *readModelFile(path()).origin;
+    const Origin origin = *readModelFile(path()).extras.origin;
     EXPECT_EQ(origin.kind, "fmu");
     EXPECT_EQ(origin.file, "units/u.fmu");
     EXPECT_EQ(origin.hash, hashOfFile(path("units/u.fmu")));
