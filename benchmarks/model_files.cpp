@@ -54,7 +54,7 @@ const Directory& directory() {
 const std::string& modelFile() {
     static const std::string s_path = [] {
         std::string path = directory().file("plant.kestrel.json");
-        workbench::writeModelFile(path, makeModel(kCount), savedRecords(kCount).get(), nullptr, std::nullopt);
+        workbench::writeModelFile(path, makeModel(kCount), savedRecords(kCount).get(), nullptr);
         return path;
     }();
     return s_path;

@@ -28,7 +28,7 @@ void describe(CLI::App& app, Run& run) {
     app.require_subcommand(1);
     app.footer("\"kshmi COMMAND --help\" explains a command, with examples.");
     for (const auto add : {addTour, addShow, addMark, addSet, addUnmark, addQuery, addObserve, addUnobserve, addClients,
-                           addPorts, addRename, addMove, addRenumber, addImport})
+                           addPorts, addRename, addMove, addRenumber, addImport, addDiff, addMerge, addCarry})
         add(app, run);
 }
 

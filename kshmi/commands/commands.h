@@ -30,5 +30,8 @@ void addRename(CLI::App& app, Run& run);
 void addMove(CLI::App& app, Run& run);
 void addRenumber(CLI::App& app, Run& run);
 void addImport(CLI::App& app, Run& run);
+void addDiff(CLI::App& app, Run& run);
+void addMerge(CLI::App& app, Run& run);
+void addCarry(CLI::App& app, Run& run);
 
 }  // namespace kshmi

@@ -1,0 +1,23 @@
+#include "kshmi/commands/compared_file.h"
+
+#include <filesystem>
+
+namespace kshmi {
+
+using namespace workbench;
+
+std::optional<ModelFile> readUnlessEmpty(const std::string& path) {
+    std::error_code code;
+    const bool isEmpty = path == "/dev/null" || (std::filesystem::file_size(path, code) == 0 && !code);
+    return isEmpty ? std::nullopt : std::optional(readModelFile(path));
+}
+
+std::pair<ModelFile, ModelFile> readCompared(const std::string& before, const std::string& after) {
+    std::optional<ModelFile> old = readUnlessEmpty(before);
+    std::optional<ModelFile> next = readUnlessEmpty(after);
+    if (!old) old = newModelFile(next ? next->model.name() : u"none");
+    if (!next) next = newModelFile(old->model.name());
+    return {std::move(*old), std::move(*next)};
+}
+
+}  // namespace kshmi

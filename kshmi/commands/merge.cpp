@@ -1,0 +1,66 @@
+#include "workbench/compare/merge.h"
+
+#include <fmt/format.h>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "kshmi/commands/compared_file.h"
+#include "kshmi/print/diff_report.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+struct MergeArguments {
+    std::string base, ours, theirs, output;
+    bool isJson = false;
+    bool showsAll = false;
+    bool isDryRun = false;
+};
+
+int runMerge(const MergeArguments& arguments, const Output& output) {
+    const auto [ours, theirs] = readCompared(arguments.ours, arguments.theirs);
+    std::optional<ModelFile> base = readUnlessEmpty(arguments.base);
+    if (!base) base = newModelFile(ours.model.name());
+    const MergedModel merged = mergeModels(*base, ours, theirs);
+    if (!arguments.isDryRun) writeModelFile(arguments.output, merged.file);
+    if (arguments.isJson)
+        printMergeJson(merged, arguments.output, arguments.isDryRun, output);
+    else
+        printConflicts(merged, arguments.output, arguments.showsAll, output);
+    if (!arguments.isJson && merged.conflicts.empty())
+        output.out << fmt::format("{}: {}{} and {}\n", printable(std::string_view(arguments.output)),
+                                  arguments.isDryRun ? "dry run, not saved; would have " : "merged, with ",
+                                  counted(hvGetNumberOfElements(merged.file.signals.get()), "signal"),
+                                  counted(hvGetNumberOfElements(merged.file.clients.get()), "client"));
+    return merged.conflicts.empty() ? kSuccess : kNothing;
+}
+
+}  // namespace
+
+void addMerge(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<MergeArguments>();
+    CLI::App* const command =
+        app.add_subcommand("merge", "Bring together what two people changed in copies of one model file");
+    command->footer(
+        "Where both changed the same field differently, ours stays, and the conflict is listed; the command then "
+        "ends with 1.\n"
+        "Examples:\n"
+        "  kshmi merge base.json ours.json theirs.json -o merged.json\n"
+        "  git config merge.kestrel.driver \"kshmi merge %O %A %B -o %A\"");
+    command->add_option("BASE", arguments->base, "the file that both come from; an empty one when there is none")
+        ->required();
+    command->add_option("OURS", arguments->ours, "one changed file, which wins conflicts")->required();
+    command->add_option("THEIRS", arguments->theirs, "the other changed file")->required();
+    command->add_option("-o,--output", arguments->output, "the file to write, which may be one of the three")
+        ->required();
+    command->add_flag("--json", arguments->isJson, "print JSON");
+    command->add_flag("--all-lines", arguments->showsAll, "print everything, however much it is");
+    command->add_flag("--dry-run", arguments->isDryRun, "say what would change and change nothing");
+    runWith(*command, runMerge, arguments, run);
+}
+
+}  // namespace kshmi

@@ -1,0 +1,200 @@
+#include <algorithm>
+
+#include "tests/workbench/compare/compare_test.h"
+#include "workbench/compare/diff.h"
+#include "workbench/compare/merge.h"
+
+namespace workbench::testing {
+
+using kshmi::testing::contains;
+using kshmi::testing::replaced;
+
+namespace {
+
+const std::vector<Block> kBlocks{{"A", "1", {"a", "b"}}, {"B", "2", {"c"}}};
+const std::vector<Mark> kMarks{{"u1", "A", "1", 1}, {"u2", "A", "1", 2}, {"u3", "B", "2", 1}};
+
+std::string marked(std::vector<Mark> marks, const std::vector<Block>& blocks = kBlocks, const std::string& name = "m") {
+    return model(name, blocks, marks, {client("c1", "u1", "A", "1", "m")});
+}
+Mark with(Mark mark, const std::string& more) {
+    mark.more += more;
+    return mark;
+}
+
+TEST(OutOfOrder, isTheFewestThatMoved) {
+    EXPECT_EQ(outOfOrder({0, 1, 2}), std::vector<std::size_t>{});
+    EXPECT_EQ(outOfOrder({1, 2, 3, 0}), std::vector<std::size_t>{3});
+    EXPECT_EQ(outOfOrder({}), std::vector<std::size_t>{});
+    EXPECT_EQ(outOfOrder({2, 1, 0}).size(), 2U);
+}
+
+TEST(Diff, tellsContentsAndOrderApart) {
+    const ModelFile before = file(marked(kMarks));
+    EXPECT_TRUE(diffModels(before, file(marked(kMarks))).isSame());
+    // What is left out reads as what it stands for.
+    EXPECT_TRUE(diffModels(before, file(marked({kMarks[0], kMarks[1], with(kMarks[2], R"(, "IsFrameBased_": false)")})))
+                    .isSame());
+
+    const ModelFile moved = file(marked({kMarks[2], kMarks[0], kMarks[1]}));
+    const ModelDiff order = diffModels(before, moved);
+    EXPECT_TRUE(order.signals.changed.empty());
+    ASSERT_EQ(order.signals.reordered.size(), 1U);
+    EXPECT_EQ(order.signals.reordered[0].uuid, u"u3");
+
+    const ModelFile after = file(marked({{"u2", "A", "1", 2, "b"}, {"u3", "A", "1", 1}, {"u4", "B", "2", 1}},
+                                        {{"A2", "1", {"b", "z", "a"}}, {"C", "3", {}}}, "n"));
+    const ModelDiff diff = diffModels(before, after);
+    EXPECT_EQ(diff.name->after, "\"n\"");
+    ASSERT_EQ(diff.signals.added.size() + diff.signals.removed.size(), 2U);
+    ASSERT_EQ(diff.signals.changed.size(), 2U);
+    EXPECT_FALSE(diff.signals.changed[0].isMoved);
+    EXPECT_EQ(diff.signals.changed[0].fields[0].field, "markedName");
+    EXPECT_TRUE(diff.signals.changed[1].isMoved);
+    ASSERT_EQ(diff.blocks.size(), 3U);
+    EXPECT_EQ(diff.blocks[0].addedPorts, std::vector<std::u16string>{u"z"});
+    EXPECT_TRUE(diff.blocks[0].isReordered);
+}
+
+TEST(Merge, combinesWhatDoesNotContradict) {
+    const ModelFile base = file(marked(kMarks));
+    // Ours: a setting, a new mark behind the first, a client's signal. Theirs: another setting, one removed, one moved.
+    const ModelFile ours =
+        file(marked({with(kMarks[0], R"(, "HideInPLV_": 1)"), {"o", "B", "2", 1}, kMarks[1], kMarks[2]}));
+    const ModelFile theirs =
+        file(marked({with(kMarks[0], R"(, "VisualType_": "x")"), {"u2", "B", "2", 1}, {"t", "A", "1", 2}},
+                    {{"A", "1", {"b", "a"}}, {"N", "7", {"n"}}, {"B", "2", {"c"}}}, "renamed"));
+    const MergedModel merged = mergeModels(base, ours, theirs);
+    EXPECT_TRUE(merged.conflicts.empty());
+    const hvArray* const signals = merged.file.signals.get();
+    std::string order;
+    for (std::size_t i = 0; i < hvGetNumberOfElements(signals); ++i)
+        order += toUtf8(recordText(signals, i, "UUID")) + " ";
+    EXPECT_EQ(order, "u1 o u2 t ");
+    EXPECT_EQ(canonicalField(signals, 0, "HideInPLV_") + canonicalField(signals, 0, "VisualType_"), "true\"x\"");
+    EXPECT_EQ(merged.file.model.name(), u"renamed");
+    // Their port order counts, so our mark of "a" follows its name; their own number is right as it is.
+    EXPECT_EQ(placeOf(merged.file, "u1"), "A:2");
+    EXPECT_EQ(placeOf(merged.file, "u2"), "B:1");
+    EXPECT_EQ(placeOf(merged.file, "t"), "A:2");
+    EXPECT_EQ(merged.file.model.blocks().at(1).path, u"N");
+}
+
+struct Conflicting {
+    std::string ours, theirs;
+    std::string list, field;
+    std::string stays;  ///< a part of the merged file
+};
+
+TEST(Merge, leavesOursWhereBothChangedTheSame) {
+    const std::string base = marked(kMarks);
+    const std::vector<Mark> fewer{kMarks[0], kMarks[1]};
+    const auto withLast = [](const std::string& more) { return marked({kMarks[0], kMarks[1], with(kMarks[2], more)}); };
+    const std::vector<Conflicting> cases{
+        {withLast(R"(, "VisualType_": "o")"), withLast(R"(, "VisualType_": "t")"), "signals", "VisualType_",
+         R"("VisualType_": "o")"},
+        {marked({kMarks[0], {"u2", "B", "2", 1}, kMarks[2]}), marked({kMarks[0], {"u2", "A", "1", 1}, kMarks[2]}),
+         "signals", "BlockPath_", ""},
+        {marked(fewer), withLast(R"(, "VisualType_": "t")"), "signals", "", ""},
+        {withLast(R"(, "VisualType_": "o")"), marked(fewer), "signals", "", R"("VisualType_": "o")"},
+        {marked(kMarks, kBlocks, "o"), marked(kMarks, kBlocks, "t"), "model", "name", R"("name": "o")"},
+        {marked(kMarks, {{"O", "1", {"a", "b"}}, kBlocks[1]}), marked(kMarks, {{"T", "1", {"a", "b"}}, kBlocks[1]}),
+         "blocks", "path", R"("path": "O")"},
+        {marked(kMarks), marked(fewer, {kBlocks[0]}), "", "", ""},
+        {marked({kMarks[0], kMarks[1], kMarks[2], {"o", "B", "2", 1}}), marked(fewer, {kBlocks[0]}), "blocks", "",
+         R"("path": "B")"},
+        {marked(fewer, {kBlocks[0]}), marked({kMarks[0], kMarks[1], kMarks[2], {"t", "B", "2", 1}}), "signals",
+         "OutputPortIndex_", ""},
+        {marked(kMarks, {kBlocks[0], kBlocks[1], {"N", "8", {}}}),
+         marked(kMarks, {kBlocks[0], kBlocks[1], {"N", "9", {}}}), "blocks", "path", R"("eid": "8")"},
+        {marked({kMarks[0], kMarks[1], kMarks[2], {"o", "A", "1", 1}}),
+         marked({kMarks[0], kMarks[2]}, {{"A", "1", {"b"}}, kBlocks[1]}), "signals", "OutputPortIndex_", ""},
+    };
+    for (const Conflicting& one : cases) {
+        const MergedModel merged = mergeModels(file(base), file(one.ours), file(one.theirs));
+        const std::string text = modelText(merged.file);
+        if (one.list.empty()) {
+            EXPECT_TRUE(merged.conflicts.empty()) << text;
+            continue;
+        }
+        ASSERT_FALSE(merged.conflicts.empty()) << one.list << one.field;
+        const bool isTold = std::ranges::any_of(merged.conflicts, [&](const MergeConflict& conflict) {
+            return conflict.list == one.list && conflict.field == one.field;
+        });
+        EXPECT_TRUE(isTold) << one.list << ' ' << one.field << '\n' << text;
+        EXPECT_TRUE(contains(text, one.stays)) << text;
+    }
+}
+
+class CompareCommands : public kshmi::testing::KshmiTest {
+protected:
+    /// What the shell says of a command line, in the test's folder.
+    std::string shell(const std::string& line) const {
+        const std::string command = "cd '" + path("") + "' && { " + line + "; } > said 2>&1";
+        const int code = std::system(command.c_str());
+        return read("said") + (code == 0 ? "" : "failed");
+    }
+};
+
+TEST_F(CompareCommands, diffAndMergeTellAndEndAsTheyShould) {
+    write(marked(kMarks), "a.json");
+    write(marked({kMarks[0], kMarks[1], with(kMarks[2], R"(, "VisualType_": "o")")}), "b.json");
+    write(marked({kMarks[0], kMarks[1], with(kMarks[2], R"(, "VisualType_": "t")")}), "c.json");
+    EXPECT_EQ(run({"diff", path("a.json"), path("a.json")}).out, "");
+    const auto diff = run({"diff", path("a.json"), path("b.json")});
+    EXPECT_EQ(diff.code, 1);
+    expectParts(
+        diff.out,
+        {"signals: 0 added, 0 removed, 1 changed, 2 unchanged\n  ~ 3 B:1 (u3)\n      VisualType_: \"\" -> \"o\"\n"});
+    expectParts(
+        run({"diff", path("a.json"), path("b.json"), "--json"}).out,
+        {R"({"kshmi": 1, "command": "diff")", R"("signal": {"uuid": "u3", "position": 3}, "block": "m/B", "port": 1)"});
+    EXPECT_EQ(run({"diff", path("a.json")}).code, 2);
+    expectParts(run({"diff", "--text", path("a.json")}).out,
+                {"block \"A\" (identifier \"1\")\n  port 1 \"a\"\n", "  Decimation_: 1\n"});
+
+    const auto conflict = run({"merge", path("a.json"), path("b.json"), path("c.json"), "-o", path("out.json")});
+    EXPECT_EQ(conflict.code, 1);
+    expectParts(conflict.err,
+                {"1 conflict; ours is in place", "signals u3, VisualType_: both changed it", "theirs: \"t\""});
+    EXPECT_TRUE(contains(read("out.json"), R"("VisualType_": "o")"));
+    write("{", "bad.json");
+    EXPECT_EQ(run({"merge", path("a.json"), path("bad.json"), path("c.json"), "-o", path("out2.json")}).code, 2);
+    EXPECT_EQ(fileCount(), 5U);
+}
+
+TEST_F(CompareCommands, gitUsesThem) {
+    if (std::system("git --version > /dev/null 2>&1") != 0) GTEST_SKIP() << "git is not installed";
+    const std::string tool = KSHMI_PROGRAM;
+    shell(
+        "git init -q . && git config user.email a@b && git config user.name t && "
+        "git config diff.kestrel.textconv '" +
+        tool +
+        " diff --text' && "
+        "git config merge.kestrel.name 'model files' && git config merge.kestrel.driver '" +
+        tool +
+        " merge %O %A %B -o %A' && "
+        "echo '*.json diff=kestrel merge=kestrel' > .gitattributes");
+    const auto commit = [&](const std::string& text) {
+        write(text, "m.json");
+        EXPECT_EQ(shell("git add m.json .gitattributes && git commit -qm x"), "");
+    };
+    commit(marked(kMarks));
+    shell("git branch theirs");
+    commit(marked({with(kMarks[0], R"(, "HideInPLV_": 1)"), kMarks[1], kMarks[2]}));
+    EXPECT_TRUE(contains(shell("git diff HEAD~1"), "+  HideInPLV_: true"));
+    expectParts(shell("GIT_EXTERNAL_DIFF='" + tool + " diff' git diff HEAD~1"),
+                {"m.json -> m.json", "HideInPLV_: false -> true"});
+    shell("git checkout -q theirs");
+    commit(marked({kMarks[0], kMarks[1], with(kMarks[2], R"(, "VisualType_": "t")")}));
+    EXPECT_FALSE(contains(shell("git merge -q -m merged master || git merge -q -m merged main"), "CONFLICT"));
+    EXPECT_TRUE(contains(read("m.json"), "\"HideInPLV_\": 1"));
+    EXPECT_TRUE(contains(read("m.json"), R"("VisualType_": "t")"));
+    shell("git checkout -qb other HEAD~2");
+    commit(marked({kMarks[0], kMarks[1], with(kMarks[2], R"(, "VisualType_": "other")")}));
+    expectParts(shell("git merge theirs"), {"CONFLICT", "both changed it, and differently"});
+    EXPECT_TRUE(contains(read("m.json"), R"("VisualType_": "other")"));
+}
+
+}  // namespace
+}  // namespace workbench::testing

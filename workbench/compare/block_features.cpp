@@ -1,0 +1,95 @@
+#include "workbench/compare/block_features.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace workbench {
+
+namespace {
+
+constexpr double kHalf = 0.5;
+
+/// Kinds of items are told apart by a character that ends a port's name nowhere.
+void appendItems(std::vector<std::uint32_t>& names, const kestrel::Chart& chart, Numbering<std::u16string>& numbers) {
+    const std::u16string mark(1, u'\0');
+    names.push_back(numbers.of(mark));
+    for (const kestrel::ChartState& state : chart.states) names.push_back(numbers.of(mark + u's' + state.path));
+    for (const kestrel::ChartData& datum : chart.data) names.push_back(numbers.of(mark + u'd' + datum.name));
+}
+
+}  // namespace
+
+std::optional<std::size_t> VersionBlocks::at(const kestrel::Block* block) const {
+    const auto found = positions.find(block);
+    return found == positions.end() ? std::nullopt : std::optional(found->second);
+}
+
+BothVersions::BothVersions(const kestrel::Model& oldModel, const kestrel::Model& newModel)
+    : old(oldModel), next(newModel) {
+    add(old);
+    add(next);
+    const std::size_t most = std::max(old.uses.size(), next.uses.size());
+    old.uses.resize(most);
+    next.uses.resize(most);
+}
+
+void BothVersions::add(VersionBlocks& version) {
+    for (const kestrel::Block& block : version.model.blocks()) {
+        std::vector<std::uint32_t> names;
+        for (const std::u16string& output : block.outputs) names.push_back(m_names.of(output));
+        if (block.chart) appendItems(names, *block.chart, m_names);
+        std::sort(names.begin(), names.end());
+        names.erase(std::unique(names.begin(), names.end()), names.end());
+        for (const std::uint32_t name : names) {
+            if (name >= version.uses.size()) version.uses.resize(name + 1);
+            ++version.uses[name];
+        }
+        version.positions.emplace(&block, version.blocks.size());
+        version.blocks.push_back(&block);
+        version.sets.push_back(m_sets.of(std::u32string(names.begin(), names.end())));
+        version.names.push_back(std::move(names));
+    }
+}
+
+std::size_t BothVersions::shared(std::size_t oldBlock, std::size_t newBlock) const {
+    if (old.sets[oldBlock] == next.sets[newBlock]) return old.names[oldBlock].size();
+    std::vector<std::uint32_t> both;
+    std::ranges::set_intersection(old.names[oldBlock], next.names[newBlock], std::back_inserter(both));
+    return both.size();
+}
+
+double BothVersions::likeness(std::size_t oldBlock, std::size_t newBlock) const {
+    const std::size_t both = shared(oldBlock, newBlock);
+    const std::size_t all = old.names[oldBlock].size() + next.names[newBlock].size() - both;
+    return all == 0 ? 0.0 : static_cast<double>(both) / static_cast<double>(all);
+}
+
+bool BothVersions::isWeak(std::size_t oldBlock) const {
+    return old.names[oldBlock].size() == 1 && !isRare(old.names[oldBlock].front());
+}
+
+bool BothVersions::isTelling(std::size_t oldBlock, std::size_t newBlock) const {
+    if (likeness(oldBlock, newBlock) >= kHalf && !isWeak(oldBlock)) return true;
+    std::vector<std::uint32_t> both;
+    std::ranges::set_intersection(old.names[oldBlock], next.names[newBlock], std::back_inserter(both));
+    return std::ranges::any_of(both, [this](std::uint32_t name) { return isRare(name); });
+}
+
+std::u16string_view lastSegment(std::u16string_view path) noexcept { return path.substr(path.rfind(u'/') + 1); }
+
+std::u16string_view lastTwoSegments(std::u16string_view path) noexcept {
+    const std::size_t last = path.rfind(u'/');
+    if (last == std::u16string_view::npos || last == 0) return path;
+    return path.substr(path.rfind(u'/', last - 1) + 1);
+}
+
+std::u16string plainName(std::u16string_view name) {
+    std::u16string plain;
+    for (const char16_t c : name) {
+        if (c == u'_' || c == u' ' || c == u'-') continue;
+        plain += c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c - u'A' + u'a') : c;
+    }
+    return plain;
+}
+
+}  // namespace workbench

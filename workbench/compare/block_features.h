@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "memory_host/kestrel/model.h"
+
+/// What blocks of two versions of a model have in common: the names of their ports and chart items.
+namespace workbench {
+
+/// Numbers for equal things, given out from 0.
+template <typename Key>
+class Numbering {
+public:
+    std::uint32_t of(const Key& key) {
+        return m_numbers.emplace(key, static_cast<std::uint32_t>(m_numbers.size())).first->second;
+    }
+
+private:
+    std::unordered_map<Key, std::uint32_t> m_numbers;
+};
+
+/// One version's blocks, by their position in the model (0-based).
+struct VersionBlocks {
+    explicit VersionBlocks(const kestrel::Model& itsModel) : model(itsModel) {}
+
+    const kestrel::Model& model;
+    std::vector<const kestrel::Block*> blocks = {};
+    std::unordered_map<const kestrel::Block*, std::size_t> positions = {};
+    std::vector<std::vector<std::uint32_t>> names = {};  ///< of ports and items, sorted, each once
+    std::vector<std::uint32_t> sets = {};                ///< the same number for the same names
+    std::vector<std::size_t> uses = {};                  ///< of each name: how many blocks have it
+
+    std::size_t size() const noexcept { return blocks.size(); }
+    const std::u16string& path(std::size_t block) const { return blocks[block]->path; }
+    std::optional<std::size_t> at(const kestrel::Block* block) const;
+};
+
+/// Both versions, with the same numbers for the same names and sets.
+struct BothVersions {
+    BothVersions(const kestrel::Model& oldModel, const kestrel::Model& newModel);
+
+    /// How many names a block of each has in common.
+    std::size_t shared(std::size_t oldBlock, std::size_t newBlock) const;
+    /// The share of the names that both have among those that either has; 0.0 to 1.0.
+    double likeness(std::size_t oldBlock, std::size_t newBlock) const;
+    /// Whether there is more in common than a name or two that any block might have.
+    bool isTelling(std::size_t oldBlock, std::size_t newBlock) const;
+    /// Whether the block has a single name, which other blocks have as well.
+    bool isWeak(std::size_t oldBlock) const;
+
+    VersionBlocks old;
+    VersionBlocks next;
+
+private:
+    void add(VersionBlocks& version);
+    bool isRare(std::uint32_t name) const { return old.uses[name] <= 1 && next.uses[name] <= 1; }
+
+    Numbering<std::u16string> m_names;
+    Numbering<std::u32string> m_sets;
+};
+
+/// The part of a path behind the last '/'.
+std::u16string_view lastSegment(std::u16string_view path) noexcept;
+/// The path from the last '/' but one on; the whole path when it has no more than two parts.
+std::u16string_view lastTwoSegments(std::u16string_view path) noexcept;
+/// A name without case, underscores and blanks.
+std::u16string plainName(std::u16string_view name);
+
+}  // namespace workbench

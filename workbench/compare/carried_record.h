@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "workbench/compare/carry.h"
+#include "workbench/compare/saved_records.h"
+
+namespace workbench {
+
+/// What a saved signal was put on, as far as the old version tells.
+struct MarkedSource {
+    const kestrel::Block* block = nullptr;  ///< in the old version; null when it does not have it
+    MarkPlace place;
+    std::string eid;           ///< the block's
+    std::u16string savedPath;  ///< of the block, as the record has it
+    bool isNameKnown = true;   ///< false when neither the mark nor the model says what the port was called
+    bool hadSlid = false;
+};
+
+/// Where a signal goes.
+struct NewSource {
+    const kestrel::Block* block = nullptr;
+    int port = 0;
+    std::u16string name;
+    std::uint32_t ssid = 0;
+};
+
+MarkedSource markedSource(const kestrel::Model& old, const hvArray* signals, std::size_t position,
+                          const std::u16string* markedName);
+/// Sets what names the block, the port or item, and the signal where it has the port's name.
+void putOn(hvArray* signals, std::size_t position, const MarkedSource& before, const NewSource& after);
+
+/// Has clients name the new model where they named the old one, and the paths and identifiers of blocks.
+class ClientFollower {
+public:
+    ClientFollower(const kestrel::Model& old, const kestrel::Model& next, const BlockMatching& blocks)
+        : m_old(old), m_next(next), m_blocks(blocks) {}
+    /// `block` is where the client's signal went; null when that is not known.
+    void follow(hvArray* clients, std::size_t position, const kestrel::Block* block) const;
+
+private:
+    void followPath(hvArray* clients, std::size_t position, const kestrel::Block* block) const;
+
+    const kestrel::Model& m_old;
+    const kestrel::Model& m_next;
+    const BlockMatching& m_blocks;
+};
+
+}  // namespace workbench

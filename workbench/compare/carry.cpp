@@ -1,0 +1,310 @@
+#include "workbench/compare/carry.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+#include <unordered_map>
+
+#include "host/values.h"
+#include "workbench/compare/carried_record.h"
+#include "workbench/compare/source_pairing.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+namespace {
+
+struct Decision {
+    CarriedMark mark;
+    NewSource target;
+};
+
+/// Decides where each mark goes.
+class MarkMatching {
+public:
+    MarkMatching(const kestrel::Model& old, const kestrel::Model& next, const CarryOptions& options,
+                 const CarryMap& map)
+        : m_next(next), m_options(options), m_map(map), m_blocks(old, next, options.by, map) {}
+
+    const BlockMatching& blocks() const noexcept { return m_blocks; }
+
+    Decision decide(const MarkedSource& source) {
+        Decision decision;
+        decision.mark.before = source.place;
+        decision.mark.hadSlid = source.hadSlid;
+        if (const CarryMap::Target* const target = m_map.source(source.place.block, source.place.name))
+            return mapped(source, *target, std::move(decision));
+        const BlockMatch block = source.block ? m_blocks.of(*source.block) : blockOfOrphan(source);
+        decision.mark.isBlockUnsure = block.how == MatchHow::guess;
+        if (!block.block) {
+            decision.mark.fate = block.how == MatchHow::guess ? Fate::ambiguous : Fate::lostBlock;
+            decision.mark.candidates = block.candidates;
+            return decision;
+        }
+        const SourceMatch match = sourceIn(source, *block.block);
+        decision.target = {block.block, match.port, match.name, match.ssid};
+        settle(source, block, match, decision);
+        return decision;
+    }
+
+private:
+    struct Pairings {
+        explicit Pairings(const kestrel::Block* old, const kestrel::Block& next)
+            : ports(old ? *old : kEmpty, next), items(old, next) {}
+        static inline const kestrel::Block kEmpty{};
+        PortPairing ports;
+        ItemPairing items;
+    };
+
+    Pairings& pairingsOf(const kestrel::Block* old, const kestrel::Block& next) {
+        std::unique_ptr<Pairings>& pairings = m_pairings[old][&next];
+        if (!pairings) pairings = std::make_unique<Pairings>(old, next);
+        return *pairings;
+    }
+    SourceMatch sourceIn(const MarkedSource& source, const kestrel::Block& block) {
+        if (!source.isNameKnown) return {};
+        const Pairings& pairings = pairingsOf(source.block, block);
+        const MarkPlace& place = source.place;
+        if (place.domain.empty()) return pairings.ports.of(place.name, source.hadSlid ? 0 : place.port);
+        return pairings.items.of(place.domain, place.name,
+                                 source.hadSlid || !source.block ? std::nullopt : std::optional(place.ssid));
+    }
+    /// The block is not in the old version: the next one may have it at the old path or with the old identifier.
+    BlockMatch blockOfOrphan(const MarkedSource& source) {
+        if (const CarryMap::Target* const target = m_map.block(source.place.block))
+            return {target->block ? MatchHow::map : MatchHow::none, target->block, 1};
+        const kestrel::Block* const byPath = m_next.findByPath(source.place.block);
+        const kestrel::Block* const byEid = source.eid.empty() ? nullptr : m_next.findByEid(source.eid);
+        const auto hasIt = [&](const kestrel::Block* block) {
+            return block && sourceIn(source, *block).how == SourceHow::same;
+        };
+        const bool fitsPath = hasIt(byPath) && m_options.by != MatchBy::identifier;
+        const bool fitsEid = hasIt(byEid) && m_options.by != MatchBy::path;
+        if (fitsPath && fitsEid && byPath != byEid) return {MatchHow::guess, byEid, 2};
+        if (!fitsPath && !fitsEid) return {};
+        return {MatchHow::identity, fitsPath ? byPath : byEid, 1};
+    }
+    static Decision mapped(const MarkedSource& source, const CarryMap::Target& target, Decision decision) {
+        decision.mark.fate = target.block ? Fate::mapped : Fate::lostSource;
+        if (!target.block) return decision;
+        decision.target = {target.block, 0, target.name, 0};
+        const bool isPort = source.place.domain.empty();
+        if (isPort)
+            decision.target.port = PortPairing(*target.block, *target.block).of(target.name, 0).port;
+        else
+            decision.target.ssid = ItemPairing(nullptr, *target.block).of(source.place.domain, target.name, {}).ssid;
+        const bool fits = isPort ? decision.target.port > 0 : decision.target.ssid > 0;
+        if (!fits) decision.mark.fate = Fate::ambiguous;
+        if (fits) decision.mark.after = placeOf(source, decision.target);
+        return decision;
+    }
+    static MarkPlace placeOf(const MarkedSource& source, const NewSource& target) {
+        return {target.block->path, target.port, target.name, source.place.domain, target.ssid, source.place.activity};
+    }
+    void settle(const MarkedSource& source, const BlockMatch& block, const SourceMatch& match,
+                Decision& decision) const {
+        CarriedMark& mark = decision.mark;
+        const bool isGuess = block.how == MatchHow::guess || match.how == SourceHow::guess;
+        if (match.how == SourceHow::lost && !isGuess) {
+            mark.fate = Fate::lostSource;
+            return;
+        }
+        const bool hasTarget = match.how != SourceHow::lost && (match.port > 0 || !source.place.domain.empty());
+        if (hasTarget) mark.after = placeOf(source, decision.target);
+        mark.candidates = block.how == MatchHow::guess ? block.candidates : match.candidates;
+        if (isGuess && !(m_options.acceptsGuesses && hasTarget)) {
+            mark.fate = m_options.acceptsGuesses && match.how == SourceHow::lost ? Fate::lostSource : Fate::ambiguous;
+            return;
+        }
+        mark.fate = isGuess ? Fate::accepted : fateOf(source, block, match, *mark.after);
+    }
+    static Fate fateOf(const MarkedSource& source, const BlockMatch& block, const SourceMatch& match,
+                       const MarkPlace& after) {
+        if (block.how == MatchHow::map) return Fate::mapped;
+        if (after.block != source.place.block || match.how == SourceHow::rule) return Fate::renamed;
+        const bool isSame =
+            after.port == source.place.port && (source.place.domain.empty() || after.ssid == source.place.ssid);
+        return isSame ? Fate::same : Fate::renumbered;
+    }
+
+    const kestrel::Model& m_next;
+    CarryOptions m_options;
+    const CarryMap& m_map;
+    BlockMatching m_blocks;
+    std::unordered_map<const kestrel::Block*, std::unordered_map<const kestrel::Block*, std::unique_ptr<Pairings>>>
+        m_pairings;
+};
+
+/// Puts the new file together.
+class Carrier {
+public:
+    Carrier(const ModelFile& old, ModelFile next, const CarryOptions& options, const CarryMap& map)
+        : m_old(old), m_result{std::move(next), {}}, m_matching(old.model, m_result.file.model, options, map) {}
+
+    CarriedModel run() {
+        m_result.report.areIdentifiersRenewed = m_matching.blocks().areIdentifiersRenewed();
+        decideAll();
+        buildSignals();
+        buildClients();
+        return std::move(m_result);
+    }
+
+private:
+    void decideAll();
+    void decideParked();
+    void buildSignals();
+    void buildClients();
+    void park(const hvArray* signals, std::size_t position, const Decision& decision, bool isNameKnown);
+    ParkedMark copyOf(const ParkedMark& mark) const;
+
+    const ModelFile& m_old;
+    CarriedModel m_result;
+    MarkMatching m_matching;
+    std::vector<RecordPlace> m_signals, m_clients;  ///< of the new file
+    std::vector<const Decision*> m_decisions;       ///< of its signals
+    std::vector<std::unique_ptr<Decision>> m_all;
+    std::vector<MarkedSource> m_sources;                                  ///< of its signals
+    std::unordered_map<std::u16string, const kestrel::Block*> m_blockOf;  ///< by the UUIDs of its signals
+    std::unordered_map<std::u16string, std::size_t> m_parkedAt;           ///< by the UUIDs of new parked marks
+};
+
+void Carrier::decideAll() {
+    const hvArray* const signals = m_old.signals.get();
+    for (const std::size_t i : ks_host::indicesOf(signals)) {
+        const MarkedSource source = markedSource(m_old.model, signals, i, m_old.extras.markedName(i));
+        m_all.push_back(std::make_unique<Decision>(m_matching.decide(source)));
+        Decision& decision = *m_all.back();
+        decision.mark.uuid = recordText(signals, i, "UUID");
+        decision.mark.position = i;
+        m_result.report.marks.push_back(decision.mark);
+        if (isParkedFate(decision.mark.fate)) {
+            park(signals, i, decision, source.isNameKnown);
+            continue;
+        }
+        m_signals.push_back({signals, i});
+        m_decisions.push_back(&decision);
+        m_sources.push_back(source);
+        m_blockOf[decision.mark.uuid] = decision.target.block;
+    }
+    for (const std::size_t i : ks_host::indicesOf(m_old.clients.get())) m_clients.push_back({m_old.clients.get(), i});
+    decideParked();
+}
+
+void Carrier::park(const hvArray* signals, std::size_t position, const Decision& decision, bool isNameKnown) {
+    ParkedMark mark;
+    mark.signal = copyRecords(RecordKind::signal, {{signals, position}});
+    // A name that nobody knew stays unknown: the mark cannot come back by it.
+    if (isNameKnown) mark.markedName = decision.mark.before.name;
+    setRecordText(mark.signal.get(), 0, "BlockPath_", decision.mark.before.block);
+    mark.clients = copyRecords(RecordKind::client, {});
+    const bool isBlock = decision.mark.fate == Fate::lostBlock || decision.mark.isBlockUnsure;
+    const bool isItem = !decision.mark.before.domain.empty();
+    mark.lost = isBlock ? LostWith::block : isItem ? LostWith::item : LostWith::port;
+    mark.from = m_old.model.name();
+    m_parkedAt.emplace(decision.mark.uuid, m_result.file.extras.parked.size());
+    m_result.file.extras.parked.push_back(std::move(mark));
+}
+
+ParkedMark Carrier::copyOf(const ParkedMark& mark) const {
+    std::vector<RecordPlace> clients;
+    for (const std::size_t i : ks_host::indicesOf(mark.clients.get())) clients.push_back({mark.clients.get(), i});
+    return {copyRecords(RecordKind::signal, {{mark.signal.get(), 0}}), mark.markedName,
+            copyRecords(RecordKind::client, clients), mark.lost, mark.from};
+}
+
+void Carrier::decideParked() {
+    for (const ParkedMark& parked : m_old.extras.parked) {
+        const std::u16string* const name = parked.markedName ? &*parked.markedName : nullptr;
+        const MarkedSource source = markedSource(m_old.model, parked.signal.get(), 0, name);
+        m_all.push_back(std::make_unique<Decision>(m_matching.decide(source)));
+        Decision& decision = *m_all.back();
+        decision.mark.uuid = recordText(parked.signal.get(), 0, "UUID");
+        decision.mark.position = m_result.report.parked.size();
+        decision.mark.hadSlid = false;
+        const bool isTaken = m_blockOf.contains(decision.mark.uuid);
+        const bool stays = isParkedFate(decision.mark.fate);
+        if (isTaken && !stays) {
+            ++m_result.report.keptParked;
+            decision.mark.fate = Fate::ambiguous;
+        }
+        m_result.report.parked.push_back(decision.mark);
+        if (stays || isTaken) {
+            m_result.file.extras.parked.push_back(copyOf(parked));
+            continue;
+        }
+        m_signals.push_back({parked.signal.get(), 0});
+        m_decisions.push_back(&decision);
+        m_sources.push_back(source);
+        m_blockOf[decision.mark.uuid] = decision.target.block;
+        for (const std::size_t i : ks_host::indicesOf(parked.clients.get()))
+            m_clients.push_back({parked.clients.get(), i});
+    }
+}
+
+void Carrier::buildSignals() {
+    ModelFile& file = m_result.file;
+    file.signals = copyRecords(RecordKind::signal, m_signals);
+    for (std::size_t i = 0; i < m_decisions.size(); ++i) {
+        putOn(file.signals.get(), i, m_sources[i], m_decisions[i]->target);
+        file.extras.markedNames.emplace_back(m_decisions[i]->target.name);
+    }
+}
+
+// Clients of parked marks are parked with them, unless another signal of that UUID stays.
+void Carrier::buildClients() {
+    const ClientFollower follower(m_old.model, m_result.file.model, m_matching.blocks());
+    std::unordered_map<std::size_t, std::vector<RecordPlace>> parked;
+    std::vector<RecordPlace> kept;
+    for (const RecordPlace& client : m_clients) {
+        const std::u16string uuid = recordText(client.records, client.position, "SignalUUID_");
+        const auto at = m_parkedAt.find(uuid);
+        at != m_parkedAt.end() && !m_blockOf.contains(uuid) ? parked[at->second].push_back(client)
+                                                            : kept.push_back(client);
+    }
+    ModelFile& file = m_result.file;
+    file.clients = copyRecords(RecordKind::client, kept);
+    for (std::size_t i = 0; i < kept.size(); ++i) {
+        const auto block = m_blockOf.find(recordText(file.clients.get(), i, "SignalUUID_"));
+        follower.follow(file.clients.get(), i, block == m_blockOf.end() ? nullptr : block->second);
+    }
+    for (auto& [position, clients] : parked) {
+        m_result.report.parkedClients += clients.size();
+        file.extras.parked[position].clients = copyRecords(RecordKind::client, clients);
+    }
+    m_result.report.clients = kept.size();
+}
+
+}  // namespace
+
+std::size_t CarryReport::count(Fate fate) const noexcept {
+    return static_cast<std::size_t>(std::ranges::count(marks, fate, &CarriedMark::fate));
+}
+
+std::size_t CarryReport::slidCount() const noexcept {
+    return static_cast<std::size_t>(std::ranges::count(marks, true, &CarriedMark::hadSlid));
+}
+
+std::size_t CarryReport::returnedCount() const noexcept {
+    return static_cast<std::size_t>(
+        std::ranges::count_if(parked, [](const CarriedMark& mark) { return !isParkedFate(mark.fate); }));
+}
+
+bool CarryReport::isAllCarried() const noexcept {
+    return std::ranges::none_of(marks, [](const CarriedMark& mark) { return isParkedFate(mark.fate); });
+}
+
+CarriedModel carryMarks(const ModelFile& old, ModelFile next, const CarryOptions& options, const CarryMap& map) {
+    const std::size_t signals = hvGetNumberOfElements(next.signals.get());
+    const std::size_t clients = hvGetNumberOfElements(next.clients.get());
+    const std::size_t parked = next.extras.parked.size();
+    if (signals + clients + parked > 0)
+        throw Error(fmt::format("the new version has {}, {} and {} of its own already; carry the marks to a file "
+                                "without any",
+                                counted(signals, "signal"), counted(clients, "client"), counted(parked, "parked mark")),
+                    ErrorCode::model);
+    return Carrier(old, std::move(next), options, map).run();
+}
+
+}  // namespace workbench

@@ -1,0 +1,171 @@
+#include "workbench/compare/saved_records.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "host/values.h"
+#include "memory_host/kestrel/signal_block.h"
+#include "memory_host/orvex/values/values.h"
+#include "workbench/text/text.h"
+#include "workbench/values/host_value_writer.h"
+
+namespace workbench {
+
+namespace {
+
+enum class Form : std::uint8_t { text, number, flag, list, parameters };
+
+Form formOf(std::string_view field) {
+    static const std::unordered_map<std::string_view, Form> kForms{{"OutputPortIndex_", Form::number},
+                                                                   {"LogicalPortIndex_", Form::number},
+                                                                   {"Decimation_", Form::number},
+                                                                   {"MaxPoints_", Form::number},
+                                                                   {"UpdateRate_", Form::number},
+                                                                   {"DimensionChannel_", Form::number},
+                                                                   {"TargetBufferedStreaming_", Form::flag},
+                                                                   {"IsFrameBased_", Form::flag},
+                                                                   {"HideInPLV_", Form::flag},
+                                                                   {"ObserveImaginaryPart_", Form::flag},
+                                                                   {"ModelPath_", Form::list},
+                                                                   {"ModelPathEID_", Form::list},
+                                                                   {"DomainParams_", Form::parameters},
+                                                                   {"ObserverParams_", Form::parameters}};
+    const auto found = kForms.find(field);
+    return found == kForms.end() ? Form::text : found->second;
+}
+
+std::string unsetForm(Form form) {
+    switch (form) {
+        case Form::text:
+            return "\"\"";
+        case Form::number:
+            return "0";
+        case Form::flag:
+            return "false";
+        case Form::list:
+            return "[]";
+        case Form::parameters:
+            break;
+    }
+    return "{}";
+}
+
+std::string canonical(const hvArray* value, std::string_view field) {
+    const Form form = formOf(field);
+    if (!value) return unsetForm(form);
+    if (form == Form::flag) return ks_host::numberAt(value).value_or(0.0) != 0.0 ? "true" : "false";
+    if (form == Form::number) return fmt::format("{:.0f}", ks_host::numberAt(value).value_or(0.0));
+    std::string out;
+    field == "DomainParams_" ? appendJsonFieldsSorted(out, value) : appendJsonValue(out, value);
+    return out;
+}
+
+/// What a field that was left out is saved as.
+HvArrayPtr unsetValue(std::string_view field) {
+    constexpr std::size_t kNone = 0;
+    constexpr std::size_t kOne = 1;
+    switch (formOf(field)) {
+        case Form::text:
+            return ks_host::makeText(std::u16string_view());
+        case Form::number:
+            return ks_host::makeDouble(0.0);
+        case Form::flag:
+            return field == "ObserveImaginaryPart_" ? ks_host::makeLogical(false) : ks_host::makeDouble(0.0);
+        case Form::list:
+            return HvArrayPtr(hvCreateCellArray(1, &kNone));
+        case Form::parameters:
+            break;
+    }
+    return HvArrayPtr(hvCreateStructArray(1, &kOne, 0, nullptr));
+}
+
+std::u16string_view charsOf(const hvArray* value) { return {hvGetChars(value), hvGetNumberOfElements(value)}; }
+
+}  // namespace
+
+std::u16string recordText(const hvArray* records, std::size_t position, const char* field) {
+    return ks_host::textOf(hvGetField(records, position, field));
+}
+
+void setRecordText(hvArray* records, std::size_t position, const char* field, std::u16string_view text) {
+    hvReplaceField(records, position, field, ks_host::makeText(text).release());
+}
+
+std::u16string domainParameter(const hvArray* signals, std::size_t position, const char* name) {
+    const hvArray* const parameters = hvGetField(signals, position, "DomainParams_");
+    return parameters ? ks_host::textOf(hvGetField(parameters, 0, name)) : std::u16string();
+}
+
+const kestrel::Block* savedBlock(const kestrel::Model& model, const hvArray* signals, std::size_t position) {
+    return kestrel::signalBlock(model, toUtf8(recordText(signals, position, "EID_")),
+                                recordText(signals, position, "BlockPath_"));
+}
+
+std::string canonicalField(const hvArray* records, std::size_t position, const char* field) {
+    return canonical(hvGetField(records, position, field), field);
+}
+
+bool isSameField(const hvArray* one, std::size_t position, const hvArray* other, std::size_t otherPosition,
+                 const char* field) {
+    const hvArray* const a = hvGetField(one, position, field);
+    const hvArray* const b = hvGetField(other, otherPosition, field);
+    if (!a && !b) return true;
+    if (a && b && ks_host::isText(a) && ks_host::isText(b)) return charsOf(a) == charsOf(b);
+    return canonical(a, field) == canonical(b, field);
+}
+
+HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places) {
+    const auto fields = fieldsOf(kind);
+    const std::size_t count = places.size();
+    HvArrayPtr copy(hvCreateStructArray(1, &count, static_cast<int>(fields.size()), fields.data()));
+    for (std::size_t i = 0; i < count; ++i)
+        for (const char* const field : fields) {
+            const hvArray* const value = hvGetField(places[i].records, places[i].position, field);
+            HvArrayPtr saved = value ? HvArrayPtr(hvCreateDeepCopy(value)) : unsetValue(field);
+            hvSetField(copy.get(), i, field, saved.release());
+        }
+    orvex::markAsPersisted(copy.get());
+    return copy;
+}
+
+RecordPairs pairRecords(const hvArray* first, const hvArray* second) {
+    RecordPairs pairs;
+    pairs.ofFirst.resize(hvGetNumberOfElements(first));
+    pairs.ofSecond.resize(hvGetNumberOfElements(second));
+    struct Places {
+        std::vector<std::size_t> positions;
+        std::size_t next = 0;
+    };
+    std::unordered_map<std::u16string, Places> places;
+    for (std::size_t i = 0; i < pairs.ofSecond.size(); ++i)
+        places[recordText(second, i, "UUID")].positions.push_back(i);
+    for (std::size_t i = 0; i < pairs.ofFirst.size(); ++i) {
+        const auto found = places.find(recordText(first, i, "UUID"));
+        if (found == places.end() || found->second.next == found->second.positions.size()) continue;
+        pairs.ofFirst[i] = found->second.positions[found->second.next++];
+        pairs.ofSecond[*pairs.ofFirst[i]] = i;
+    }
+    return pairs;
+}
+
+std::vector<std::size_t> outOfOrder(const std::vector<std::size_t>& numbers) {
+    std::vector<std::size_t> tails;  // of the best run of each length, as indices
+    std::vector<std::size_t> before(numbers.size());
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        const auto at = std::lower_bound(tails.begin(), tails.end(), numbers[i],
+                                         [&](std::size_t tail, std::size_t number) { return numbers[tail] < number; });
+        before[i] = at == tails.begin() ? numbers.size() : *(at - 1);
+        at == tails.end() ? tails.push_back(i) : static_cast<void>(*at = i);
+    }
+    std::vector<bool> stays(numbers.size());
+    for (std::size_t i = tails.empty() ? numbers.size() : tails.back(); i < numbers.size(); i = before[i])
+        stays[i] = true;
+    std::vector<std::size_t> moved;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        if (!stays[i]) moved.push_back(i);
+    return moved;
+}
+
+}  // namespace workbench

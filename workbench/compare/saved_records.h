@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/hv_array.h"
+#include "memory_host/kestrel/model.h"
+#include "workbench/model_file/record_table.h"
+
+/// Saved signals and clients as they stand in a file, without a host that has them open. Positions are 0-based.
+namespace workbench {
+
+/// The text of a field; empty where it is unset.
+std::u16string recordText(const hvArray* records, std::size_t position, const char* field);
+void setRecordText(hvArray* records, std::size_t position, const char* field, std::u16string_view text);
+/// A parameter of a chart signal; empty when there is none.
+std::u16string domainParameter(const hvArray* signals, std::size_t position, const char* name);
+
+/// The block that a saved signal is on, null when the model does not have it.
+const kestrel::Block* savedBlock(const kestrel::Model& model, const hvArray* signals, std::size_t position);
+
+/// The field as JSON in one form for everything that reads the same: a field that is unset as what it stands for, flags
+/// as true or false, parameters sorted by name.
+std::string canonicalField(const hvArray* records, std::size_t position, const char* field);
+/// Whether both have the same canonical form.
+bool isSameField(const hvArray* one, std::size_t position, const hvArray* other, std::size_t otherPosition,
+                 const char* field);
+
+/// One of the records of a struct array.
+struct RecordPlace {
+    const hvArray* records = nullptr;
+    std::size_t position = 0;
+};
+/// Copies of those records, in that order, marked as read from a file; what is unset is set to what it stands for.
+HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places);
+
+/// Which records of two lists have the same UUID, each the position in the other list; of several with the same UUID
+/// the first goes with the first.
+struct RecordPairs {
+    std::vector<std::optional<std::size_t>> ofFirst;
+    std::vector<std::optional<std::size_t>> ofSecond;
+};
+RecordPairs pairRecords(const hvArray* first, const hvArray* second);
+
+/// Which of the numbers, all different, stand in another order: the fewest that have to be moved to have the rest
+/// ascend. Indices into the list, ascending.
+std::vector<std::size_t> outOfOrder(const std::vector<std::size_t>& numbers);
+
+}  // namespace workbench

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "memory_host/kestrel/model.h"
+
+/// Which port or chart item of a block is which in the block's next version.
+namespace workbench {
+
+enum class SourceHow : std::uint8_t {
+    lost,   ///< it is gone
+    same,   ///< the same name, wherever it stands
+    rule,   ///< a chart's item that has another name and kept its identifier
+    guess,  ///< a candidate, which a person has to look at
+};
+
+struct SourceMatch {
+    SourceHow how = SourceHow::lost;
+    int port = 0;                ///< 1-based; 0 for a chart item, and where a guess has no best candidate
+    std::u16string name = {};    ///< of the port or item
+    std::uint32_t ssid = 0;      ///< of the item
+    std::size_t candidates = 0;  ///< of a guess
+};
+
+/// The output ports of a block in two versions. Made in time that is linear in the ports, asked in constant time.
+class PortPairing {
+public:
+    PortPairing(const kestrel::Block& old, const kestrel::Block& next);
+    /// Of the port with that name; `number` (1-based) tells which, where several have it, and 0 that nobody knows.
+    SourceMatch of(const std::u16string& name, int number) const;
+
+private:
+    using Index = std::unordered_map<std::u16string, std::vector<int>>;
+    static Index numbersOf(const kestrel::Block& block);
+    SourceMatch at(int number, SourceHow how, std::size_t candidates = 1) const;
+    SourceMatch amongSeveral(const std::vector<int>& before, const std::vector<int>& after, int number) const;
+    SourceMatch renamed(const std::u16string& name) const;
+
+    const kestrel::Block& m_next;
+    bool m_isSame;  ///< all ports are as they were
+    Index m_old, m_new;
+    std::unordered_map<std::u16string, std::vector<int>> m_added;  ///< by plain name
+    std::size_t m_lostCount = 0, m_addedCount = 0;
+    int m_lastAdded = 0;
+};
+
+/// The items of a chart in two versions; the same costs.
+class ItemPairing {
+public:
+    /// Either may have no chart.
+    ItemPairing(const kestrel::Block* old, const kestrel::Block& next);
+    /// Of the state or datum of that path or name; `ssid` is what it had, nothing when nobody knows.
+    SourceMatch of(const std::u16string& domain, const std::u16string& path, std::optional<std::uint32_t> ssid) const;
+
+private:
+    struct Items {
+        std::unordered_map<std::u16string, std::uint32_t> bySubPath;
+        std::unordered_map<std::uint32_t, std::u16string> bySsid;
+    };
+    struct ChartItems {
+        bool hasChart = false;
+        Items states, data;
+        const Items& of(const std::u16string& domain) const { return domain == u"cw_state" ? states : data; }
+    };
+    static ChartItems itemsOf(const kestrel::Block* block);
+
+    ChartItems m_old, m_new;
+};
+
+}  // namespace workbench
