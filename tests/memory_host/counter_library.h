@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <string>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -100,16 +99,13 @@ inline void constructCounter(hos::Invocation& call) {
     call.resultCount = 1;
 }
 
+/// Gives what `make` makes, a host value with the scope that says that it is the caller's.
 template <class Make>
 Body gives(Make make) {
     return [make](hos::Invocation& call) {
-        if constexpr (std::is_same_v<decltype(make()), HvArrayPtr>) {
-            HvArrayPtr result = make();
-            hvSetArrayScope(result.get(), hvSCOPE_NONE);
-            call.results[0] = std::move(result);
-        } else {
-            call.results[0] = make();
-        }
+        call.results[0] = make();
+        if (const auto* const value = std::get_if<HvArrayPtr>(&call.results[0]))
+            hvSetArrayScope(value->get(), hvSCOPE_NONE);
         call.resultCount = 1;
     };
 }

@@ -36,7 +36,7 @@ TEST_F(HostServices, callsHoldTheirInputsAndLeaveTheOutputsAloneWhenTheyFail) {
         "add",
         [&one](Call& call) {
             one.reset();
-            call.outs[0] = number(hvGetScalar(call.ins[0]) + (hvIsEmpty(call.ins[1]) ? 2 : 0));
+            call.outs[0] = number(hvGetScalar(call.ins[0]) + (hvGetClassID(call.ins[1]) == hvDOUBLE_CLASS ? 2 : 0));
         },
         1);
     const std::array<const hvArray*, 2> ins{one.get(), nullptr};
