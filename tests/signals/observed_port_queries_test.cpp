@@ -118,20 +118,6 @@ TEST_F(ObservedPortQueries, numbersOfAnyClassTruncateAndSaturateAndWhatIsNoNumbe
     EXPECT_EQ(sourcesFrom(results).at(1).blockHandle, 2.5);
 }
 
-TEST_F(ObservedPortQueries, whatIsNoTextIsTheEmptyOne) {
-    HvArrayPtr withNumber = cells({nullptr});
-    hvSetCell(withNumber.get(), 0, number(7).release());
-    for (const HvArrayPtr& given : {HvArrayPtr(), cells({nullptr}), doubles({1}), std::move(withNumber)}) {
-        Results results;
-        results[1] = doubles({1.5});
-        for (const std::size_t result : {1U, 8U, 10U})
-            if (given) results[result - 1].reset(hvCreateDeepCopy(given.get()));
-        const Source s = sourcesFrom(results).at(0);
-        EXPECT_EQ(s.uuid + utf8(s.signalName + s.blockPath), "");
-    }
-    EXPECT_TRUE(orvex::warnings().empty());
-}
-
 TEST_F(ObservedPortQueries, aRefusalIsOneWarningAndEmptiesThePortsButNotTheBadges) {
     const auto refuse = [](orvex::Call&) { orvex::raise("no", "no ports today"); };
     const auto noPorts = orvex::registerFunction("getObservedPorts", refuse);
