@@ -35,7 +35,8 @@ public:
     }
 
     void tell(std::size_t position, const char* infinitive, const char* past) const {
-        const auto& [client, description] = m_clients[position];
+        const auto& client = m_clients[position].first;
+        const std::string& description = m_clients[position].second;
         m_report.change(Fate::removed, infinitive, past, description, [&](JsonObject& object) {
             object.text("kind", std::string_view("client"));
             appendClient(object, *client, position, m_session, m_uuids);
