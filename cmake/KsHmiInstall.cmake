@@ -1,5 +1,5 @@
 # What is installed, in three components: ks_hmi_foundation (library, headers, packages for CMake and
-# pkg-config), memory_host (the in-memory host) and tool (kshmi and its examples).
+# pkg-config), memory_host (the in-memory host) and tool (kshmi, its manual, completions and examples).
 
 include(CMakePackageConfigHelpers)
 set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
@@ -54,6 +54,13 @@ function(ks_hmi_install_tool)
   install(TARGETS kshmi COMPONENT tool)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation/examples"
     COMPONENT tool FILES_MATCHING PATTERN "*.json")
+  if(TARGET kshmi_told)
+    set(told "${PROJECT_BINARY_DIR}/kshmi/told")
+    install(FILES "${told}/kshmi.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tool)
+    install(FILES "${told}/kshmi.bash" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
+      RENAME kshmi COMPONENT tool)
+    install(FILES "${told}/_kshmi" DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT tool)
+  endif()
 endfunction()
 
 # The installed directories are written relative to the file itself, so that a prefix given to

@@ -5,13 +5,17 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
+#include <memory>
 #include <new>
 #include <string_view>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
+#include "kshmi/commands/every_command.h"
+#include "kshmi/help/help_page.h"
 #include "workbench/text/columns.h"
 #include "workbench/text/error.h"
+#include "workbench/text/nearest.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -20,31 +24,92 @@ namespace {
 
 using namespace workbench;
 
+constexpr std::string_view kProgram = "kshmi";
 /// A mistake is told with the text that has it, which can be of any length.
 constexpr std::size_t kLongestMistake = 600;
+
+/// The help in the words of the tool, as wide as the terminal.
+class HelpFormatter : public CLI::FormatterBase {
+public:
+    explicit HelpFormatter(std::size_t width) : m_width(width) {}
+    std::string make_help(const CLI::App* app, std::string, CLI::AppFormatMode) const override {
+        return helpText(helpPageOf(*app), m_width);
+    }
+
+private:
+    std::size_t m_width;
+};
 
 void describe(CLI::App& app, Run& run) {
     app.set_version_flag("--version", "kshmi " KSHMI_VERSION);
     app.require_subcommand(1);
-    app.footer("\"kshmi COMMAND --help\" explains a command, with examples.");
-    for (const auto add : {addTour, addShow, addMark, addSet, addUnmark, addQuery, addObserve, addUnobserve, addClients,
-                           addPorts, addRename, addMove, addRenumber, addImport, addDiff, addMerge, addCarry})
+    app.footer(
+        "\"kshmi help COMMAND\" explains a command, with examples.\n"
+        "\"kshmi example > cruise.json\" makes the model of the examples.");
+    for (const auto add : {addTour,      addShow,    addMark,  addSet,     addUnmark, addQuery,     addObserve,
+                           addUnobserve, addClients, addPorts, addRename,  addMove,   addRenumber,  addImport,
+                           addDiff,      addMerge,   addCarry, addExample, addHelp,   addCompletion})
         add(app, run);
 }
 
-void requireCommand(const CLI::App& app, const std::string& word) {
-    if (word.starts_with('-')) {
-        if (app.get_option_no_throw(word) != nullptr) return;
-        throw Error(
-            "there is no option " + inQuotes(word) +
-            " in front of a command; \"kshmi --help\" lists the commands, \"kshmi COMMAND --help\" their options");
-    }
+/// The command that the words chose as far as they could be read.
+const CLI::App& chosenCommand(const CLI::App& app) {
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    return chosen.empty() ? app : chosenCommand(*chosen.front());
+}
+
+std::string listOf(const CLI::App& app) {
     std::string list;
-    for (const CLI::App* const command : app.get_subcommands([](const CLI::App*) { return true; })) {
-        if (command->get_name() == word) return;
-        list += (list.empty() ? "" : ", ") + command->get_name();
-    }
-    throw Error("there is no command " + inQuotes(word) + "; use one of " + list);
+    for (const CLI::App* const command : commandsOf(app)) list += (list.empty() ? "" : ", ") + command->get_name();
+    return list;
+}
+
+[[noreturn]] void refuseOption(const CLI::App& app, const std::string& word) {
+    const std::string name = word.substr(0, word.find('='));
+    Nearest nearest(name);
+    for (const CLI::Option* const option : optionsOf(app))
+        for (const std::string& known : namesOf(*option)) nearest.offer(known);
+    const std::string question = nearest.question();
+    if (app.get_parent() == nullptr)
+        throw Error(
+            fmt::format("there is no option {} in front of a command{}; "
+                        "\"kshmi help\" lists the commands, "
+                        "\"kshmi help COMMAND\" their options",
+                        inQuotes(name), question));
+    const std::string command = fullNameOf(app);
+    throw Error(fmt::format("\"{}\" has no option {}{}", command, inQuotes(name),
+                            question.empty()
+                                ? fmt::format("; \"kshmi help{}\" lists its options", command.substr(kProgram.size()))
+                                : question));
+}
+
+[[noreturn]] void refuseWord(const CLI::App& app, const std::string& word) {
+    if (word.starts_with('-') && word.size() > 1) refuseOption(app, word);
+    if (commandsOf(app).empty())
+        throw Error(
+            fmt::format("{} is one argument too many for \"{}\"; put names "
+                        "with blanks in quotes",
+                        inQuotes(word), fullNameOf(app)));
+    Nearest nearest(word);
+    for (const CLI::App* const command : commandsOf(app)) nearest.offer(command->get_name());
+    const std::string question = nearest.question();
+    throw Error(fmt::format("there is no command {}{}",
+                            inQuotes((app.get_parent() == nullptr ? "" : app.get_name() + " ") + word),
+                            question.empty() ? "; use one of " + listOf(app) : question));
+}
+
+/// Words that belong nowhere say more than what is missing in their place.
+void refuseStrayWords(const CLI::App& app) {
+    if (const std::vector<std::string> stray = app.remaining(); !stray.empty()) refuseWord(app, stray.front());
+    for (const CLI::App* const command : app.get_subcommands()) refuseStrayWords(*command);
+}
+
+[[noreturn]] void refuse(const CLI::App& app, const CLI::ParseError& error) {
+    refuseStrayWords(app);
+    const CLI::App& command = chosenCommand(app);
+    const std::string name = fullNameOf(command);
+    throw Error(fmt::format("{}; \"kshmi help{}\" explains it", shortened(error.what(), kLongestMistake),
+                            name.substr(kProgram.size())));
 }
 
 /// Converting what is no UTF-8 replaces it, and files would keep that.
@@ -58,25 +123,29 @@ void requireUtf8(const std::vector<std::string>& words) {
 
 int run(std::vector<std::string> words, const Output& output) {
     requireUtf8(words);
-    CLI::App app("Marks signals in model files, lets clients watch them, and tells what is observed", "kshmi");
+    CLI::App app(
+        "Marks signals in model files, lets clients watch them, and "
+        "tells what is observed",
+        "kshmi");
+    app.formatter(std::make_shared<HelpFormatter>(output.width));
     Run command;
+    EveryCommand options;
     describe(app, command);
+    addToEveryCommand(app, options);
     if (words.empty()) {
         output.err << app.help();
         return kFailure;
     }
-    requireCommand(app, words.front());
     std::reverse(words.begin(), words.end());
     try {
         app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         const bool isAskedFor = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success);
-        if (!isAskedFor)
-            throw Error(shortened(error.what(), kLongestMistake) + "; \"kshmi COMMAND --help\" explains it");
+        if (!isAskedFor) refuse(app, error);
         app.exit(error, output.out, output.err);
         return kSuccess;
     }
-    return command(output);
+    return runAsAsked(command, options, output);
 }
 
 }  // namespace

@@ -62,8 +62,6 @@ CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const ch
     CLI::App* const command = app.add_subcommand(name, help);
     command->footer(std::string("Examples:\n") + examples);
     command->add_option("MODEL", file, "model file")->required();
-    const std::string quietHelp = "print nothing but warnings and errors";
-    command->add_flag("-q,--quiet", quietHelp);
     return command;
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "kshmi/commands/commands.h"
@@ -15,6 +16,7 @@
 #include "workbench/change/marking.h"
 #include "workbench/change/observing.h"
 #include "workbench/text/error.h"
+#include "workbench/text/text.h"
 
 /// What the descriptions of the commands have in common.
 namespace kshmi {
@@ -51,16 +53,14 @@ std::string messageOf(const workbench::Error& error);
 template <typename Arguments>
 void runWith(CLI::App& command, int (*function)(const Arguments&, const Output&),
              const std::shared_ptr<Arguments>& arguments, Run& run) {
-    command.callback([&command, function, arguments, &run] {
-        const CLI::Option* const quiet = command.get_option_no_throw("--quiet");
-        const bool isQuiet = quiet && quiet->count() > 0;
-        run = [function, arguments, isQuiet](const Output& asked) {
-            const NoOutput silence;
-            const Output output = isQuiet ? silence.insteadOf(asked) : asked;
-            if constexpr (requires { arguments->file; })
+    command.callback([function, arguments, &run] {
+        run = [function, arguments](const Output& output) {
+            if constexpr (requires { arguments->file; }) {
+                tellProgress(output, "working on " + workbench::printable(std::string_view(arguments->file)));
                 return inFile(arguments->file, [&] { return function(*arguments, output); });
-            else
+            } else {
                 return function(*arguments, output);
+            }
         };
     });
 }

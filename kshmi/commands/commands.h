@@ -33,5 +33,8 @@ void addImport(CLI::App& app, Run& run);
 void addDiff(CLI::App& app, Run& run);
 void addMerge(CLI::App& app, Run& run);
 void addCarry(CLI::App& app, Run& run);
+void addExample(CLI::App& app, Run& run);
+void addHelp(CLI::App& app, Run& run);
+void addCompletion(CLI::App& app, Run& run);
 
 }  // namespace kshmi

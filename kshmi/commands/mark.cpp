@@ -102,7 +102,7 @@ int runMark(const MarkArguments& arguments, const Output& output) {
 void addMark(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<MarkArguments>();
     CLI::App* const command = addCommand(app, "mark", "Mark ports and chart items as signals and save the model",
-                                         "  kshmi mark cruise.json Sensors/Speed:1 --name speed --decimation 10\n"
+                                         "  kshmi mark cruise.json Sensors/Pedal:1 --name pedal --decimation 10\n"
                                          "  kshmi mark cruise.json 'Control/Mode/Engaged' --activity Child\n"
                                          "  kshmi mark cruise.json --all 'Sensors/*' --except '*:valid' --dry-run\n"
                                          "  kshmi mark cruise.json --all '*' --kind state",

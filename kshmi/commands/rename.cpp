@@ -89,7 +89,7 @@ void addRename(CLI::App& app, Run& run) {
     CLI::App* const command =
         addCommand(app, "rename", "Give a model a new name, tell the interface manager, and save the model",
                    "  kshmi rename cruise.json cruise_v2\n"
-                   "  kshmi rename cruise.json draft final   (two renames without a validation in between)",
+                   "  kshmi rename cruise.json draft final  # two renames without a validation in between",
                    arguments->file);
     command
         ->add_option("NEW-NAME", arguments->names,

@@ -90,9 +90,9 @@ void addRenumber(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<RenumberArguments>();
     CLI::App* const command =
         addCommand(app, "renumber", "Renumber or delete a block's output ports; signals follow, the model is saved",
-                   "  kshmi renumber cruise.json Sensors 2,1     (ports 1 and 2 change places)\n"
-                   "  kshmi renumber cruise.json Sensors 1,0,2   (of three: port 2 is deleted, 3 becomes 2)\n"
-                   "  kshmi renumber cruise.json Sensors ''      (nothing changes)",
+                   "  kshmi renumber cruise.json Sensors 2,1,3  # ports 1 and 2 change places\n"
+                   "  kshmi renumber cruise.json Sensors 1,0,2  # of three: port 2 is deleted, 3 becomes 2\n"
+                   "  kshmi renumber cruise.json Sensors ''     # nothing changes",
                    arguments->file);
     command->add_option("BLOCK", arguments->block, "path of the block")->required();
     command

@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t kIndent = 2;
 constexpr std::size_t kGap = 2;
 constexpr std::size_t kWidestName = 48;
-/// Names are shortened where lines have no end, too.
+/// Where lines have no end, ports go on in the next line and names are shortened, too.
 constexpr std::size_t kLongestName = 120;
 /// Of so many parents without blocks in a row, only the first and the last are listed.
 constexpr std::size_t kMostParents = 8;
@@ -107,6 +107,7 @@ private:
     }
 
     std::string shortName(const std::u16string& name) const { return shortened(printable(name), half()); }
+    std::size_t lineWidth() const { return m_width > 0 ? m_width : kLongestName; }
     std::size_t half() const { return m_width > 0 ? m_width / 2 : kLongestName; }
 
     /// With what "--ssid" takes.
@@ -123,10 +124,11 @@ private:
 
     void printLine(const Line& line, std::size_t column) const {
         constexpr std::size_t kBadge = 4;
+        constexpr std::size_t kLeast = 10;
         std::string text = line.name;
         std::size_t at = columnsOf(line.name);
         const auto append = [&](const std::string& shown, std::size_t width) {
-            if (m_width > 0 && at > column && at + kGap + width > m_width) {
+            if (at > column && at + kGap + width > lineWidth()) {
                 m_output.out << text << '\n';
                 text.clear();
                 at = 0;
@@ -135,9 +137,12 @@ private:
             text.append(blanks, ' ').append(shown);
             at += blanks + width;
         };
-        for (const Entry& entry : line.entries)
-            append(entry.text.empty() ? badge(entry.isObserved) : badge(entry.isObserved) + " " + entry.text,
-                   kBadge + columnsOf(entry.text));
+        for (const Entry& entry : line.entries) {
+            const std::string shown =
+                shortened(entry.text, std::max(lineWidth(), column + kBadge + kLeast) - column - kBadge);
+            append(shown.empty() ? badge(entry.isObserved) : badge(entry.isObserved) + " " + shown,
+                   kBadge + columnsOf(shown));
+        }
         if (line.leftOut > 0) {
             const std::string more = "... and " + counted(line.leftOut, "more port");
             append(more, more.size());

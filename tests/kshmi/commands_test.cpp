@@ -211,7 +211,7 @@ TEST_F(Commands, tourTellsTheMainJobOnACopy) {
 TEST_F(Commands, usageErrorsAreErrors) {
     EXPECT_EQ(run({}).code, 2);
     EXPECT_TRUE(contains(run({"paint"}).err, "kshmi: there is no command \"paint\"; use one of tour, show"));
-    EXPECT_TRUE(contains(run({"--nonsense"}).err, "no option \"--nonsense\" in front of a command; \"kshmi --help\""));
+    EXPECT_TRUE(contains(run({"--nonsense"}).err, "no option \"--nonsense\" in front of a command; \"kshmi help\""));
     EXPECT_EQ(run({"--json", "show", path()}).code, 2);
     expectParts(runOn("query A --ssid -1").err, {"kshmi: --ssid: \"-1\": give a whole number from 0 to"});
     EXPECT_EQ(runOn("mark").code, 2);

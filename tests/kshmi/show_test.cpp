@@ -72,6 +72,10 @@ TEST_F(Show, thousandsOfPortsAreWrappedAndLimited) {
     const std::string all = showIn(80).out;
     EXPECT_LE(widestLine(all), 80U);
     expectParts(all, {"[ ] 6000 port6000"});
+    EXPECT_LE(widestLine(showIn(0).out), 120U);
+    writeBlocks(block(repeated("速", 200), 1, '"' + repeated("速", 200) + '"'));
+    EXPECT_LE(widestLine(showIn(80).out), 80U);
+    writeBlocks(block("Bus", 1, ports));
     expectParts(showIn(80, {"--limit", "5"}).out, {"[ ] 5 port5\n     ... and 5995 more ports"});
 }
 
@@ -103,6 +107,10 @@ TEST_F(Show, filtersSayWhatTheyLeaveOut) {
     const std::string below = showIn(80, {"--below", "m/A/B"}).out;
     expectParts(below, {"left out (--below): 2 of 2 signals, 2 of 2 clients, 2 of 4 blocks"});
     expectParts(showIn(80, {"--limit", "1"}).out, {"(--limit): 1 of 2 signals, 1 of 2 clients, 3 of 4 blocks"});
+    const std::string selected = showIn(80, {"Logic/On/Fast", "--all", "*:q"}).out;
+    expectParts(selected,
+                {"1 of 2 signals, 2 of 2 clients, 1 of 4 blocks", "(the selection)", "[ ] 2 q\n", "On/Fast #4"});
+    EXPECT_FALSE(contains(selected, "1 p"));
     expectParts(showIn(80, {"--below", "Lgoic"}).err, {"did you mean \"Logic\"?"});
     EXPECT_FALSE(contains(showIn(80).out, "left out"));
 }

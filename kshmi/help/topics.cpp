@@ -1,0 +1,107 @@
+#include "kshmi/help/topics.h"
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+#include "kshmi/help/help_page.h"
+
+namespace kshmi {
+
+namespace {
+
+constexpr const char* kSelections =
+    R"(Commands that work on ports and chart items take what they work on in the same ways, together if need be.
+
+References name one thing each, literally:
+
+  Sensors/Speed:1       output port 1 of that block
+  Sensors/Speed:speed   its port of that name
+  Control/Mode/Engaged  a state of a chart
+  cruise/Set Speed:1    the model's name may stand in front
+
+--activity says which activity of a chart item is meant: Self, Child or Leaf; a datum has Data. --ssid names a chart item by its number within the chart.
+
+A block may have ":" in its name: beside a block named "a:1", "a:1" is that block. Where two readings are equally good, the reference is refused and both are named.
+
+--all 'GLOB' takes everything that a pattern matches, and --except 'GLOB' leaves out what another one matches: "kshmi help globs".
+
+--from FILE takes a reference a line from a file, or with "-" from standard input.)";
+
+constexpr const char* kGlobs =
+    R"(Patterns match whole paths, with or without the model's name in front: "cruise/Sensors/Speed:1" or "Sensors/Speed:speed".
+
+  *      any characters, "/" as well
+  ?      one character
+  [a-z]  one of these characters
+  [!a-z] one character that is none of these
+  \      takes the next character as it is: \[1] is "[1]"
+
+Put patterns in single quotes, so that the shell leaves them alone. Letters have to be in the right case.
+
+  'Sensors/*'    all ports of all blocks below Sensors
+  '*:speed'      every port named speed
+  'Lamp \[1]:*'  the ports of the block "Lamp [1]")";
+
+constexpr const char* kJson =
+    R"(With --json a command prints one JSON object. It starts with "kshmi", the version of the form, 1, and "command"; a program that reads it should look at the version and pass over members that it does not know. Nothing is shortened in JSON.
+
+The same thing has the same name and form in every command:
+
+  "block"     its full path, with the model in front
+  "port"      number, the first is 1; "portName" beside it
+  "item"      path of a chart item below its chart, with "domain" and "ssid"
+  "signal"    {"uuid": "...", "position": 1}
+  "client"    {"uuid": "...", "position": 1}
+
+Commands that change a file list what they did under "added", "changed", "removed", "skipped" and "unchanged", and tell "dryRun" and "saved".
+
+docs/json.md describes all of it.)";
+
+constexpr const char* kOutput =
+    R"(Names come from files and may hold anything. What a terminal would hide or obey is shown as an escape: \n, \t, \xHH or \u{H...} with the character's hexadecimal number. A backslash in a name is doubled where it would read as such an escape; so different names look different.
+
+On a terminal, tables and lists are as wide as the terminal, or as COLUMNS says: long texts are wrapped, and very long ones shortened in the middle ("..."). In a file or pipe only very long ones are shortened. --json shows all.
+
+There is colour on terminals only. --color always and --color never overrule that; so does NO_COLOR, when it is set and not empty, and TERM=dumb.
+
+Work that takes longer than a second is told on standard error, if that is a terminal. --quiet prints errors and warnings only.)";
+
+constexpr const char* kExitCodes =
+    R"(The exit code tells how a run ended:
+
+  0  done; of a question: yes
+  1  nothing matched, nothing was left to change, or the answer is no
+  2  an error, which is told on standard error)";
+
+}  // namespace
+
+std::span<const Topic> topics() {
+    static const std::array<Topic, 5> all{{
+        {"selections", "How to say what a command works on", kSelections},
+        {"globs", "Patterns for --all and --except", kGlobs},
+        {"exit-codes", "How a run tells what happened", kExitCodes},
+        {"json", "What --json prints", kJson},
+        {"output", "Names, colour, width and files in the output", kOutput},
+    }};
+    return all;
+}
+
+const Topic* topicOf(std::string_view name) {
+    const auto found =
+        std::find_if(topics().begin(), topics().end(), [&](const Topic& one) { return one.name == name; });
+    return found == topics().end() ? nullptr : &*found;
+}
+
+std::string topicText(const Topic& topic, std::size_t width) {
+    constexpr std::size_t kWidestTerm = 30;
+    std::string text = topic.title + "\n\n";
+    std::istringstream lines(topic.text);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t gap = line.starts_with("  ") ? line.rfind("  ", kWidestTerm) + 2 : 0;
+        text += line.substr(0, gap) + filled(line.substr(gap), width - std::min(width, gap), gap) + '\n';
+    }
+    return text;
+}
+
+}  // namespace kshmi

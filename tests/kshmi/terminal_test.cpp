@@ -1,0 +1,51 @@
+#include <chrono>
+#include <sstream>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include "kshmi/print/progress.h"
+#include "kshmi/print/terminal.h"
+
+namespace kshmi {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(Terminal, whatIsNoTerminalHasNoEndOfLinesAndNoColour) {
+    ::unsetenv("COLUMNS");
+    EXPECT_EQ(columnsOfTerminal(-1), 0U);
+    EXPECT_FALSE(isColourWelcome(-1));
+    ::setenv("COLUMNS", "66", 1);
+    EXPECT_EQ(columnsOfTerminal(-1), 66U);
+    for (const char* const odd : {"0", "-5", "x", "", "80x"}) {
+        ::setenv("COLUMNS", odd, 1);
+        EXPECT_EQ(columnsOfTerminal(-1), 0U) << odd;
+    }
+    ::unsetenv("COLUMNS");
+}
+
+TEST(Progress, tellsOnlyOfWhatTakesLongAndCleansUp) {
+    std::ostringstream terminal;
+    std::ostringstream real;
+    {
+        Progress progress(terminal, 1h);
+        progress.tell("reading a.json");
+    }
+    EXPECT_EQ(terminal.str(), "");
+    {
+        Progress progress(terminal, 1ms);
+        progress.tell("reading a.json");
+        std::this_thread::sleep_for(100ms);
+        AfterProgress after(progress, real.rdbuf());
+        std::ostream out(&after);
+        out << "done\n" << std::flush;
+        EXPECT_NE(terminal.str().find("reading a.json ... 0 s"), std::string::npos) << terminal.str();
+        EXPECT_TRUE(terminal.str().ends_with(" \r")) << terminal.str();
+    }
+    EXPECT_EQ(real.str(), "done\n");
+}
+
+}  // namespace
+}  // namespace kshmi
