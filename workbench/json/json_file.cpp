@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <boost/json/basic_parser_impl.hpp>
@@ -39,9 +40,15 @@ public:
     bool on_array_begin(Code&) { return m_sink.beginArray(), true; }
     bool on_array_end(std::size_t, Code&) { return m_sink.endArray(), true; }
     bool on_key_part(json::string_view part, std::size_t, Code&) { return keep(part); }
-    bool on_key(json::string_view part, std::size_t, Code&) { return m_sink.key(whole(part)), done(); }
+    bool on_key(json::string_view part, std::size_t, Code&) {
+        m_isAfterKey = true;
+        return m_sink.key(whole(part)), done();
+    }
     bool on_string_part(json::string_view part, std::size_t, Code&) { return keep(part); }
-    bool on_string(json::string_view part, std::size_t, Code&) { return m_sink.string(whole(part)), done(); }
+    bool on_string(json::string_view part, std::size_t, Code&) {
+        m_isAfterKey = false;
+        return m_sink.string(whole(part)), done();
+    }
     bool on_number_part(json::string_view part, Code&) { return keep(part); }
     bool on_int64(std::int64_t, json::string_view part, Code&) { return m_sink.number(whole(part)), done(); }
     bool on_uint64(std::uint64_t, json::string_view part, Code&) { return m_sink.number(whole(part)), done(); }
@@ -50,6 +57,9 @@ public:
     bool on_null(Code&) { return m_sink.null(), true; }
     bool on_comment_part(json::string_view, Code&) { return true; }
     bool on_comment(json::string_view, Code&) { return true; }
+
+    /// Whether the last text was a key.
+    bool isAfterKey() const noexcept { return m_isAfterKey; }
 
 private:
     bool keep(json::string_view part) {
@@ -68,11 +78,12 @@ private:
 
     JsonSink& m_sink;
     std::string m_parts;
+    bool m_isAfterKey = false;
 };
 
-std::string describe(const json::error_code& code, std::string_view piece, std::size_t used) {
+std::string describe(const json::error_code& code, const JsonStop& stop) {
     if (code == json::error::too_deep) return fmt::format("more than {} levels of nesting", kMaxDepth);
-    return describeMistake(code, piece, used);
+    return describeMistake(code, stop);
 }
 
 bool isDirectory(std::FILE* file) {
@@ -87,9 +98,18 @@ JsonFile::JsonFile(std::string path) : m_path(std::move(path)), m_file(std::fope
     if (isDirectory(m_file.get())) fail("is a directory; name a model file");
 }
 
+JsonFile JsonFile::ofStandardInput() {
+    const int descriptor = ::dup(STDIN_FILENO);
+    JsonFile result("standard input", descriptor < 0 ? nullptr : ::fdopen(descriptor, "rb"));
+    result.m_isVersioned = false;
+    if (!result.m_file) result.fail(fmt::format("cannot be read: {}", std::strerror(errno)));
+    return result;
+}
+
 JsonFile JsonFile::ofText(std::string name, const std::string& text) {
     std::FILE* const file = ::fmemopen(nullptr, text.size() + 1, "w+");
     JsonFile result(std::move(name), file);
+    result.m_isVersioned = false;
     if (!file) result.fail(fmt::format("cannot be read: {}", std::strerror(errno)));
     std::fwrite(text.data(), 1, text.size(), file);
     std::rewind(file);
@@ -98,7 +118,7 @@ JsonFile JsonFile::ofText(std::string name, const std::string& text) {
 
 std::optional<FileVersion> JsonFile::version() const noexcept {
     struct stat status {};
-    if (::fstat(::fileno(m_file.get()), &status) != 0) return std::nullopt;
+    if (!m_isVersioned || ::fstat(::fileno(m_file.get()), &status) != 0) return std::nullopt;
     return FileVersion::of(status);
 }
 
@@ -126,12 +146,17 @@ template <typename Parser>
 void JsonFile::feed(Parser& parser, std::string_view piece, bool more) {
     json::error_code code;
     const std::size_t used = parser.write_some(more, piece.data(), piece.size(), code);
-    if (code) failSyntax(describe(code, piece, used), m_column + used + 1);
+    if (code)
+        failSyntax(describe(code, {piece, used, m_before, m_isInText, parser.handler().isAfterKey()}),
+                   m_column + used + 1);
     if (used < piece.size()) failSyntax("something follows the document", m_column + used + 1);
     m_column += piece.size();
-    if (!piece.empty() && piece.back() == '\n') {
+    m_before = lastCharacter(piece, m_before);
+    if (piece.ends_with('\n')) {
         ++m_line;
         m_column = 0;
+    } else {
+        m_isInText = endsInText(piece, m_isInText);
     }
 }
 

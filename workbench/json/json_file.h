@@ -33,6 +33,8 @@ class JsonFile {
 public:
     /// Opens the file. Throws `Error` when it cannot be read.
     explicit JsonFile(std::string path);
+    /// The same of what comes in on the process's standard input.
+    static JsonFile ofStandardInput();
     /// A text instead of a file; `name` stands for the path in messages.
     static JsonFile ofText(std::string name, const std::string& text);
 
@@ -42,7 +44,7 @@ public:
     void read(JsonSink& sink);
 
     const std::string& path() const noexcept { return m_path; }
-    /// Of the file as it is now; nothing for a text.
+    /// Of the file as it is now; nothing for standard input and a text.
     std::optional<FileVersion> version() const noexcept;
     /// 1-based; while `read` runs, the line of what the sink is receiving.
     std::size_t line() const noexcept { return m_line; }
@@ -63,6 +65,9 @@ private:
     std::unique_ptr<std::FILE, Closer> m_file;
     std::size_t m_line = 1;
     std::size_t m_column = 0;  ///< bytes of the line that were fed
+    char m_before = 0;         ///< the last character that was fed and is no blank
+    bool m_isInText = false;   ///< of a line that was fed in part
+    bool m_isVersioned = true;
 };
 
 }  // namespace workbench

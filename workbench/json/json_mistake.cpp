@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <initializer_list>
 
 #include "workbench/text/text.h"
 
@@ -33,19 +34,107 @@ bool startsWithCharacter(std::string_view text) {
     return toUtf8(toUtf16(text.substr(0, length))) == text.substr(0, length);
 }
 
+bool isWordCharacter(char c) noexcept { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
+bool endsValue(char c) noexcept { return isWordCharacter(c) || c == '"' || c == '}' || c == ']'; }
+
+/// What is wrong inside a text.
+std::string mistakeInText(std::string_view used, std::string_view rest) {
+    if (used.ends_with('\\')) return R"(a backslash in a text stands before one of "\/bfnrtu; write \\ for itself)";
+    if (rest.starts_with('\t')) return R"(a tab stands in a text; write \t)";
+    if (rest.starts_with('\n') || rest.starts_with('\r'))
+        return R"(the line ends inside a text; close it with ", or write \n for a line break)";
+    return R"(a control character stands in a text; write it as \u and four digits)";
+}
+
+/// Words that other languages have.
+std::string mistakeInWord(std::string_view used, std::string_view rest) {
+    while (!used.empty() && isWordCharacter(used.back())) {
+        rest = {used.data() + used.size() - 1, rest.size() + 1};
+        used.remove_suffix(1);
+    }
+    const auto is = [&](std::initializer_list<std::string_view> words) {
+        return std::any_of(words.begin(), words.end(), [&](std::string_view word) { return rest.starts_with(word); });
+    };
+    if (is({"NaN", "nan", "Infinity", "inf", "Inf"}))
+        return R"(NaN and Infinity are no JSON numbers; write {"$class": "double", "size": [1, 1], "data": ["NaN"]})";
+    if (is({"True", "False", "None", "TRUE", "FALSE", "NULL", "Null"}))
+        return "write true, false and null in small letters";
+    if (is({"0x", "0X"})) return "a number is decimal";
+    if (rest.size() > 1 && rest.front() == '0' && std::isdigit(static_cast<unsigned char>(rest[1])) != 0)
+        return "a number starts with a zero; leave that out";
+    return "a text or key stands in double quotes, and these are missing";
+}
+
+std::string mistakeAtBracket(char bracket, char before) {
+    const std::string close = bracket == '}' ? R"("}")" : R"("]")";
+    if (before == ',') return "there is a comma before the " + close + " (remove the comma)";
+    if (before == ':') return "a value is missing after the colon";
+    return close + " does not match the bracket that is open";
+}
+
+std::string mistakeAtSign(char sign, char before) {
+    if (sign == '}' || sign == ']') return mistakeAtBracket(sign, before);
+    if (sign == '/' || sign == '#') return "JSON has no comments (remove them)";
+    if (sign == '\'') return "a text stands in double quotes, not in single ones";
+    if (sign == ',') return before == ',' ? "there are two commas" : "a value is missing before the comma";
+    if (sign == '+' || sign == '.') return "a number starts with a digit or a minus";
+    if (sign == '=') return "a colon belongs between a key and its value";
+    return "syntax error";
+}
+
+std::string mistakeBetween(const JsonStop& stop, std::string_view used, std::string_view rest) {
+    const char before = lastCharacter(used, stop.before);
+    const char sign = rest.front();
+    const bool startsValue = isWordCharacter(sign) || std::string_view("\"{[-").find(sign) != std::string_view::npos;
+    if (before == '"' && stop.isAfterKey && sign != '\'') return "a colon is missing after the key";
+    const bool isApart = used.empty() || !isWordCharacter(used.back()) || !isWordCharacter(sign);
+    if (startsValue && isApart && endsValue(before)) return "a comma is missing";
+    const bool isInWord =
+        !used.empty() && isWordCharacter(used.back()) && std::string_view(",/}]").find(sign) == std::string_view::npos;
+    if (isWordCharacter(sign) || isInWord) return mistakeInWord(used, rest);
+    return mistakeAtSign(sign, before);
+}
+
+std::string describeSyntax(const JsonStop& stop) {
+    const std::string_view used = stop.piece.substr(0, std::min(stop.used, stop.piece.size()));
+    const std::string_view rest = stop.piece.substr(used.size());
+    if (used.empty() && rest.starts_with(kByteOrderMark))
+        return "the file starts with a byte order mark (save it without one)";
+    if (rest.starts_with("\xFF\xFE") || rest.starts_with("\xFE\xFF") || rest.starts_with('\0'))
+        return "the file is in UTF-16 (save it in UTF-8)";
+    if (endsWithHalfPair(used)) return kHalfPair;
+    if (!rest.empty() && !isAscii(rest.front()))
+        return startsWithCharacter(rest) ? "there is a non-ASCII character outside a string"
+                                         : "some bytes are not UTF-8";
+    if (rest.empty()) return "syntax error";
+    return endsInText(used, stop.isInText) ? mistakeInText(used, rest) : mistakeBetween(stop, used, rest);
+}
+
 }  // namespace
 
-std::string describeMistake(const json::error_code& code, std::string_view piece, std::size_t used) {
-    if (code == json::error::incomplete) return "the document ends too early";
+char lastCharacter(std::string_view text, char before) noexcept {
+    const std::size_t at = text.find_last_not_of(" \t\r\n");
+    return at == std::string_view::npos ? before : text[at];
+}
+
+bool endsInText(std::string_view text, bool isInText) noexcept {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '"')
+            isInText = !isInText;
+        else if (isInText && text[i] == '\\')
+            ++i;
+    }
+    return isInText;
+}
+
+std::string describeMistake(const json::error_code& code, const JsonStop& stop) {
+    if (code == json::error::incomplete && stop.before == 0) return "there is nothing in it";
+    if (code == json::error::incomplete)
+        return stop.isInText ? "the document ends inside a text" : "the document ends too early";
     if (code == json::error::illegal_leading_surrogate || code == json::error::illegal_trailing_surrogate)
         return kHalfPair;
-    if (code != json::error::syntax) return code.message();
-    const std::string_view rest = piece.substr(std::min(used, piece.size()));
-    if (used == 0 && rest.starts_with(kByteOrderMark))
-        return "the file starts with a byte order mark (save it without one)";
-    if (endsWithHalfPair(piece.substr(0, used))) return kHalfPair;
-    if (rest.empty() || isAscii(rest.front())) return code.message();
-    return startsWithCharacter(rest) ? "there is a non-ASCII character outside a string" : "some bytes are not UTF-8";
+    if (code == json::error::expected_hex_digit) return R"(\u in a text needs four hexadecimal digits)";
+    return code == json::error::syntax ? describeSyntax(stop) : code.message();
 }
 
 }  // namespace workbench
