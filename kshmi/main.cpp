@@ -15,13 +15,13 @@ int main(int argc, char** argv) {
     int code = kshmi::runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc), output);
     if (const std::string lives = workbench::leaveHost(); !lives.empty()) {
         std::cerr << "kshmi: the host was not left as it was found:\n" << lives;
-        code = kshmi::kFailure;
+        code = kshmi::kHostRefused;
     }
     std::cout.flush();
     // A command that changed a file has told that already.
-    if (!std::cout && code != kshmi::kFailure) {
+    if (!std::cout && code <= kshmi::kNothing) {
         std::cerr << "kshmi: the output cannot be written\n";
-        code = kshmi::kFailure;
+        code = kshmi::kBadFile;
     }
     return code;
 }

@@ -57,14 +57,16 @@ CarryMap readMap(const std::string& path, const ModelFile& old, const kestrel::M
 }
 
 // First what can fail without having changed anything.
-void save(const CarryArguments& arguments, const CarriedModel& carried, const std::string& target) {
+void save(const CarryArguments& arguments, const CarriedModel& carried, const std::string& target, std::ostream& err) {
     std::optional<AtomicFile> proposal;
     if (!arguments.proposal.empty()) {
         proposal.emplace(AtomicFile::kNew, arguments.proposal);
         proposal->write(proposedMap(carried.report));
     }
     const bool isInPlace = target == arguments.after;
-    if (!arguments.isDryRun) writeModelFile(target, carried.file, isInPlace ? carried.file.version : std::nullopt);
+    if (!arguments.isDryRun)
+        warnOfSave(target,
+                   writeModelFile(target, carried.file, isInPlace ? carried.file.version : std::nullopt).warnings, err);
     if (proposal) proposal->commit();
 }
 
@@ -86,7 +88,7 @@ int runCarry(const CarryArguments& arguments, const Output& output) {
     const std::string target = arguments.output.empty() ? arguments.after : arguments.output;
     const std::u16string newName = next.model.name();
     const CarriedModel carried = carryTo(arguments.after, old, std::move(next), options, map);
-    save(arguments, carried, target);
+    save(arguments, carried, target, output.err);
     const CarryRun told{arguments.before, arguments.after, target, old.model.name(), newName, arguments.isDryRun};
     if (arguments.isJson)
         printCarryJson(carried.report, told, output);

@@ -4,10 +4,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <memory>
 #include <new>
 #include <string_view>
+#include <thread>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
@@ -121,6 +123,31 @@ void requireUtf8(const std::vector<std::string>& words) {
     }
 }
 
+/// What changes a file can wait for it.
+void addWait(CLI::App& app, std::uint32_t& seconds) {
+    for (CLI::App* const command : app.get_subcommands([](CLI::App*) { return true; })) {
+        addWait(*command, seconds);
+        if (command->get_option_no_throw("--dry-run") != nullptr)
+            command->add_option("--wait", seconds, "try again for so many seconds while somebody else saves the file")
+                ->type_name("SECONDS")
+                ->transform(wholeNumber());
+    }
+}
+
+/// From the start, on what the file then holds: what was read before is out of date.
+int runWaiting(const Run& command, const Output& output, std::chrono::seconds wait) {
+    constexpr std::chrono::milliseconds kPause{100};
+    const auto end = std::chrono::steady_clock::now() + wait;
+    while (true) {
+        try {
+            return command(output);
+        } catch (const Error& error) {
+            if (error.code() != ErrorCode::inUse || std::chrono::steady_clock::now() >= end) throw;
+        }
+        std::this_thread::sleep_for(kPause);
+    }
+}
+
 int run(std::vector<std::string> words, const Output& output) {
     requireUtf8(words);
     CLI::App app(
@@ -132,9 +159,11 @@ int run(std::vector<std::string> words, const Output& output) {
     EveryCommand options;
     describe(app, command);
     addToEveryCommand(app, options);
+    std::uint32_t wait = 0;
+    addWait(app, wait);
     if (words.empty()) {
         output.err << app.help();
-        return kFailure;
+        return kWrongUsage;
     }
     std::reverse(words.begin(), words.end());
     try {
@@ -145,7 +174,8 @@ int run(std::vector<std::string> words, const Output& output) {
         app.exit(error, output.out, output.err);
         return kSuccess;
     }
-    return runAsAsked(command, options, output);
+    return runWaiting([&](const Output& to) { return runAsAsked(command, options, to); }, output,
+                      std::chrono::seconds(wait));
 }
 
 }  // namespace
@@ -155,12 +185,14 @@ int runCommandLine(std::vector<std::string> arguments, const Output& output) noe
         return run(std::move(arguments), output);
     } catch (const std::bad_alloc&) {
         output.err << "kshmi: not enough memory\n";
+        return kHostRefused;
     } catch (const Error& error) {
         output.err << "kshmi: " << printableMessage(messageOf(error)) << '\n';
+        return exitCodeOf(error);
     } catch (const std::exception& exception) {
         output.err << "kshmi: " << printableMessage(exception.what()) << '\n';
+        return kHostRefused;
     }
-    return kFailure;
 }
 
 }  // namespace kshmi

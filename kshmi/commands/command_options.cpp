@@ -126,6 +126,10 @@ std::string messageOf(const Error& error) {
             return fmt::format("{}; \"kshmi clients\" lists them", error.what());
         case Remedy::usePatterns:
             return fmt::format("{}; a name is taken literally here: for a pattern give --all 'GLOB'", error.what());
+        case Remedy::unmark:
+            return fmt::format("{}; give --unmark to remove that, too", error.what());
+        case Remedy::removeBelow:
+            return fmt::format("{}; give --recursive to remove all of it", error.what());
         case Remedy::removeDangling:
             return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(),
                                error.place().file);

@@ -133,8 +133,9 @@ int runImport(const ImportArguments& arguments, const Output& output) {
     if (options.progress) options.progress("saving");
     ModelExtras extras;
     extras.origin = model.origin;
-    writeModelFile(arguments.target, model.model, nullptr, nullptr, extras,
-                   arguments.isUpdate ? before->version : std::nullopt);
+    const WrittenFile written = writeModelFile(arguments.target, model.model, nullptr, nullptr, extras,
+                                               arguments.isUpdate ? before->version : std::nullopt);
+    warnOfSave(arguments.target, written.warnings, output.err);
     warn(model, output);
     if (arguments.isJson)
         tellJson(model, arguments, output);

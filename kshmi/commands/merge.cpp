@@ -26,7 +26,8 @@ int runMerge(const MergeArguments& arguments, const Output& output) {
     std::optional<ModelFile> base = readUnlessEmpty(arguments.base);
     if (!base) base = newModelFile(ours.model.name());
     const MergedModel merged = mergeModels(*base, ours, theirs);
-    if (!arguments.isDryRun) writeModelFile(arguments.output, merged.file);
+    if (!arguments.isDryRun)
+        warnOfSave(arguments.output, writeModelFile(arguments.output, merged.file).warnings, output.err);
     if (arguments.isJson)
         printMergeJson(merged, arguments.output, arguments.isDryRun, output);
     else

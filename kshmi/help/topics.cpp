@@ -72,7 +72,13 @@ constexpr const char* kExitCodes =
 
   0  done; of a question: yes
   1  nothing matched, nothing was left to change, or the answer is no
-  2  an error, which is told on standard error)";
+  2  wrong usage: an unknown command, option, block or port, or a change that cannot be made
+  3  a file, or the output, cannot be read or written, or it is not a model file that fits together
+  4  the file is being saved by somebody else, or has been changed since it was read; try again, or give --wait SECONDS
+  5  the host refused, or there is not enough memory
+  6  what was recorded stopped before its end
+
+Whatever the code, a model file is changed as asked for or is as it was.)";
 
 }  // namespace
 

@@ -53,8 +53,9 @@ void ChangeReport::note(Fate fate, const std::string& expected, const std::strin
 
 ExitCode ChangeReport::finish(Session& session) {
     const bool isSaved = m_changes > 0 && !m_options.isDryRun;
-    const std::size_t leftOut = isSaved ? session.save() : 0;
+    const auto [leftOut, warnings] = isSaved ? session.save() : Session::SaveResult();
     m_options.isJson ? printJson(session, isSaved) : printText(session, isSaved, leftOut);
+    warnOfSave(session.path(), warnings, m_output.err);
     m_output.out.flush();
     if (isSaved && !m_output.out)
         throw Error({session.path(), 0, {}}, "saved, but what was changed cannot be written to the output",

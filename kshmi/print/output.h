@@ -4,6 +4,9 @@
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <vector>
+
+#include "kshmi/print/exit_codes.h"
 
 namespace kshmi {
 
@@ -43,8 +46,7 @@ void enterHost(std::ostream& err);
 
 /// Says what is being done, "reading a.json", should it take long.
 void tellProgress(const Output& output, std::string work);
-
-/// How a run ends.
-enum ExitCode : int { kSuccess = 0, kNothing = 1, kFailure = 2 };
+/// What a save has changed besides the file's contents, on `err`.
+void warnOfSave(const std::string& file, const std::vector<std::string>& warnings, std::ostream& err);
 
 }  // namespace kshmi

@@ -126,7 +126,7 @@ void Tour::markAgain() {
 void Tour::saveAndClose() {
     title("The model is saved and closed");
     const std::size_t count = script::count(m_session->signalSet());
-    const std::size_t leftOut = m_session->save();
+    const std::size_t leftOut = m_session->save().leftOut;
     say("{} saved, {} bytes", counted(count - leftOut, "signal"), std::filesystem::file_size(m_copy.path()));
     if (leftOut > 0) say("{} excluded from saving, left out", counted(leftOut, "signal"));
     m_session.reset();

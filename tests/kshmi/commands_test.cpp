@@ -94,11 +94,11 @@ TEST_F(Commands, patternsMatchFullPathsNumbersAndNames) {
     expectParts(runOn("mark --all m/A* --except *:q").out, {"saved with 5 signals"});
     EXPECT_EQ(query("A:2 A/B:1:1 A/B:p"), 0);
     EXPECT_EQ(query("A/B:q"), 1);
-    EXPECT_EQ(runOn("mark --all B*").code, 2);
+    EXPECT_EQ(runOn("mark --all B*").code, kNothing);
     EXPECT_EQ(runOn("mark A --except A*").code, kNothing);
     expectParts(runOn("unmark --all m/Logic/* --all *:2").out, {"saved with 3 signals"});
     EXPECT_EQ(runOn("unmark --all m/Logic/*").code, kNothing);
-    EXPECT_EQ(runOn("unmark Logic/On/Fast").code, 2);
+    EXPECT_EQ(runOn("unmark Logic/On/Fast").code, kNothing);
     expectParts(runOn("unmark --all m/Logics*").err, {"nothing matches \"m/Logics*\""});
     expectParts(runOn("mark --all m/* --except m/Z*").err, {"\"m/Z*\" leaves nothing out"});
 }
@@ -113,7 +113,7 @@ TEST_F(Commands, patternsCountCharacters) {
         {"m/[a", false},        {"m/Größe*?", true},      {"m/Größe??*?", false}, {"*", true},
     };
     for (const auto& [pattern, isMatch] : cases)
-        EXPECT_EQ(runOn("mark --dry-run --all " + pattern).code, isMatch ? 0 : 2) << pattern;
+        EXPECT_EQ(runOn("mark --dry-run --all " + pattern).code, isMatch ? kSuccess : kNothing) << pattern;
 }
 
 TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
@@ -133,7 +133,7 @@ TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
 
 TEST_F(Commands, danglingSignalsAreRemovedOnDemand) {
     write(replaced(kModel, "\"EID_\": \"1\"", "\"EID_\": \"9\""));
-    EXPECT_EQ(runOn("unmark Logic/On/Fast").code, 2);
+    EXPECT_EQ(runOn("unmark Logic/On/Fast").code, kBadFile);
     const testing::Finished finished = runOn("unmark --dangling");
     EXPECT_EQ(finished.code, 0);
     expectParts(finished.out, {"on A (gone)"});
@@ -182,7 +182,7 @@ TEST_F(Commands, aSaveThatCannotBeToldIsNamed) {
     std::ostringstream err;
     std::ostringstream broken;
     broken.setstate(std::ios::badbit);
-    EXPECT_EQ(runCommandLine({"mark", path(), "A:2"}, {broken, err}), 2);
+    EXPECT_EQ(runCommandLine({"mark", path(), "A:2"}, {broken, err}), kBadFile);
     EXPECT_TRUE(contains(err.str(), path() + ": saved, but")) << err.str();
     EXPECT_NE(read(), kModel);
 }

@@ -49,7 +49,9 @@ TEST_F(EditorCommands, whatCannotBeDoneIsRefusedAndChangesNothing) {
         {"ports --below C", "the model has no block there"},
     };
     for (const auto& [line, message] : refusals) {
-        expectSaid(line, 2, message);
+        const std::string said = message;
+        const bool isMiss = contains(said, "no client");
+        expectSaid(line, isMiss ? kNothing : kWrongUsage, said);
         EXPECT_EQ(read(), kModel) << line;
     }
 }

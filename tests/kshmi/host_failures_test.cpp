@@ -11,6 +11,9 @@ using testing::Finished;
 using testing::kModel;
 
 /// Fails each of the host's operations in turn while the tool runs.
+/// What the host refuses to read looks like a bad file.
+bool isFailure(int code) { return code == kHostRefused || code == kBadFile; }
+
 class HostFailures : public testing::KshmiTest {
 protected:
     static constexpr std::size_t kFewestOperations = 50;
@@ -51,7 +54,7 @@ TEST_F(HostFailures, whatIsChangedIsSavedAsAskedForOrNotAtAll) {
         const auto check = [&](const Finished& finished) {
             const std::string now = read();
             ASSERT_TRUE(now == kModel || now == done || (isMinted && now.size() == done.size())) << finished.err << now;
-            ASSERT_EQ(finished.code, now == kModel ? 2 : 0) << finished.err;
+            ASSERT_TRUE(now == kModel ? isFailure(finished.code) : finished.code == kSuccess) << finished.err;
             ASSERT_TRUE(now != kModel || !finished.err.empty());
         };
         for (const auto kind : {orvex::FaultKind::exception, orvex::FaultKind::outOfMemory, orvex::FaultKind::refusal})
@@ -62,7 +65,7 @@ TEST_F(HostFailures, whatIsChangedIsSavedAsAskedForOrNotAtAll) {
 TEST_F(HostFailures, aQueryAnswersOrSaysThatItCannot) {
     sweep("query A:1 Logic/On/Fast", orvex::FaultKind::exception, [](const Finished& finished) {
         EXPECT_NE(finished.code, 1) << "an answer was made up";
-        EXPECT_EQ(finished.code == 2, !finished.err.empty());
+        EXPECT_EQ(isFailure(finished.code), !finished.err.empty());
     });
 }
 

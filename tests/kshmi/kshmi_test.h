@@ -72,11 +72,11 @@ protected:
         words.insert(words.begin() + 1, path());
         return run(std::move(words));
     }
-    /// The line ends with that code and says this, on its output or, when it is refused, as an error.
+    /// The line ends with that code and says this.
     void expectSaid(const std::string& line, int code, const std::string& said) const {
         const Finished finished = runOn(line);
         EXPECT_EQ(finished.code, code) << line << '\n' << finished.err;
-        expectParts(code == 2 ? finished.err : finished.out, {said});
+        expectParts(finished.out + finished.err, {said});
     }
     static void expectParts(const std::string& text, const std::vector<std::string>& parts) {
         for (const std::string& part : parts) EXPECT_NE(text.find(part), std::string::npos) << part << "\nin\n" << text;

@@ -5,14 +5,20 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <functional>
 #include <iostream>
+#include <thread>
 
 #include "tests/kshmi/kshmi_test.h"
+#include "workbench/files/atomic_file.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
 
@@ -58,6 +64,10 @@ KS_HMI_WRAPPED(int, fstat, (int file, struct stat* status), (file, status))
 KS_HMI_WRAPPED(int, stat, (const char* path, struct stat* status), (path, status))
 KS_HMI_WRAPPED(int, faccessat, (int folder, const char* path, int mode, int flags), (folder, path, mode, flags))
 KS_HMI_WRAPPED(int, flock, (int file, int operation), (file, operation))
+KS_HMI_WRAPPED(ssize_t, listxattr, (const char* path, char* names, size_t size), (path, names, size))
+KS_HMI_WRAPPED(int, fremovexattr, (int file, const char* name), (file, name))
+KS_HMI_WRAPPED(int, fsetxattr, (int file, const char* name, const void* value, size_t size, int flags),
+               (file, name, value, size, flags))
 int __real_open(const char* path, int flags, ...);
 int __wrap_open(const char* path, int flags, ...);
 int __wrap_open(const char* path, int flags, ...) { return isToFail("open") ? -1 : __real_open(path, flags); }
@@ -75,7 +85,7 @@ class Saving : public testing::KshmiTest {
 protected:
     Saving() {
         write(kModel);
-        EXPECT_EQ(run({"query", path(), "A"}).code, 0);  // enters the host
+        EXPECT_EQ(run({"query", path(), "A:1"}).code, 0);  // enters the host
         EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 0);
         m_unmarked = read();
         write(kModel);
@@ -86,6 +96,7 @@ protected:
     testing::Finished unmarkWith(const Plan& plan) {
         write(kModel);
         ::chmod(path().c_str(), 0640);
+        ::setxattr(path().c_str(), "user.note", "kept", 4, 0);
         g_plan = plan;
         const testing::Finished finished = run({"unmark", path(), "Logic/On/Fast"});
         g_plan.at = 0;
@@ -125,7 +136,7 @@ private:
     void expectFailure(const char* reason) const {
         const std::string old = read();
         const testing::Finished finished = run({"unmark", path(), "Logic/On/Fast"});
-        EXPECT_EQ(finished.code, 2);
+        EXPECT_EQ(finished.code, kBadFile);
         EXPECT_TRUE(contains(finished.err, path() + ": not saved, the file is as it was: ")) << finished.err;
         EXPECT_TRUE(contains(finished.err, reason)) << finished.err;
         EXPECT_TRUE(read() == old);
@@ -207,15 +218,99 @@ TEST_F(Saving, aFolderThatMustNotBeWrittenLeavesTheOldFile) {
     if (!isPermitted) GTEST_SKIP() << "no user to be found here from whom the folder is protected";
 }
 
+/// An access control list in the form that the kernel keeps: the owner and one named user may write, others nothing.
+std::string accessListFor(std::uint32_t user) {
+    struct Entry {
+        std::uint16_t tag, permissions;
+        std::uint32_t id;
+    };
+    constexpr std::uint32_t kNone = ~0U;
+    const Entry entries[] = {{1, 6, kNone}, {2, 6, user}, {4, 4, kNone}, {16, 6, kNone}, {32, 0, kNone}};
+    const std::uint32_t version = 2;
+    std::string list(sizeof version + sizeof entries, '\0');
+    std::memcpy(list.data(), &version, sizeof version);
+    std::memcpy(list.data() + sizeof version, entries, sizeof entries);
+    return list;
+}
+
+TEST_F(Saving, accessListsAndUserAttributesStayWithTheFile) {
+    constexpr std::uint32_t kNamed = 65533;
+    const std::string list = accessListFor(kNamed);
+    const auto listOf = [](const std::string& file) {
+        char value[256];
+        const ssize_t size = ::getxattr(file.c_str(), "system.posix_acl_access", value, sizeof value);
+        return size < 0 ? std::string() : std::string(value, static_cast<std::size_t>(size));
+    };
+    if (::setxattr(path().c_str(), "user.note", "kept", 4, 0) != 0 ||
+        ::setxattr(path().c_str(), "system.posix_acl_access", list.data(), list.size(), 0) != 0)
+        GTEST_SKIP() << "this file system has no access control lists or no user attributes";
+    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 0);
+    char note[8] = {};
+    EXPECT_EQ(::getxattr(path().c_str(), "user.note", note, sizeof note), 4);
+    EXPECT_STREQ(note, "kept");
+    EXPECT_EQ(listOf(path()), list);
+
+    // What the folder gives new files is not the old file's.
+    ASSERT_EQ(::setxattr(folder().c_str(), "system.posix_acl_default", list.data(), list.size(), 0), 0);
+    ASSERT_EQ(::removexattr(path().c_str(), "system.posix_acl_access"), 0);
+    write(kModel, "model.json");
+    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 0);
+    EXPECT_EQ(listOf(path()), "");
+}
+
+TEST_F(Saving, aSaveSaysWhatElseItChanges) {
+    constexpr uid_t kOther = 65533;
+    ASSERT_EQ(::link(path().c_str(), path("second").c_str()), 0);
+    AtomicFile(path()).commit();
+    {
+        AtomicFile file(path("second"));
+        EXPECT_EQ(file.warnings(), std::vector<std::string>{}) << "the last save made two files of it";
+    }
+    std::filesystem::remove(path("second"));
+    std::filesystem::create_hard_link(path(), path("second"));
+    EXPECT_EQ(AtomicFile(path()).warnings(),
+              std::vector<std::string>{"the file has 2 names (hard links); the others keep the old contents"});
+    std::filesystem::remove(path("second"));
+    if (::geteuid() != 0 || ::chown(path().c_str(), kOther, 65534) != 0) GTEST_SKIP() << "needs another user's file";
+    ::chmod(path().c_str(), 0660);
+    ::chmod(folder().c_str(), 0777);
+    std::fflush(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        if (::setresgid(65534, 65534, 65534) != 0 || ::setresuid(65534, 65534, 65534) != 0) ::_exit(2);
+        AtomicFile file(path());
+        file.write("saved");
+        file.commit();
+        ::_exit(file.warnings() == std::vector<std::string>{"the file belonged to user 65533 and now belongs to user "
+                                                            "65534, who saved it"}
+                    ? 0
+                    : 1);
+    }
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(read(), "saved");
+}
+
 TEST_F(Saving, aSecondWriterIsRefusedWhileTheFirstSaves) {
     const int first = ::open(path().c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_EQ(::flock(first, LOCK_EX), 0);
     const testing::Finished second = run({"unmark", path(), "Logic/On/Fast"});
-    EXPECT_EQ(second.code, 2);
+    EXPECT_EQ(second.code, kFileInUse);
     EXPECT_TRUE(contains(second.err, "somebody else is saving it")) << second.err;
     EXPECT_TRUE(read() == kModel);
-    ::close(first);
-    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast"}).code, 0);
+    EXPECT_EQ(run({"unmark", path(), "Logic/On/Fast", "--wait", "1"}).code, kFileInUse);
+    // What the first saves meanwhile is what the second works on.
+    std::thread saving([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        write(testing::replaced(kModel, "scope", "gauge"), "next");
+        std::filesystem::rename(path("next"), path());
+        ::close(first);
+    });
+    const testing::Finished waited = run({"unmark", path(), "Logic/On/Fast", "--wait", "60"});
+    saving.join();
+    EXPECT_EQ(waited.code, kSuccess) << waited.err;
+    EXPECT_TRUE(contains(read(), "gauge") && !contains(read(), "u-2"));
     EXPECT_EQ(fileCount(), 1U);
 }
 

@@ -73,7 +73,7 @@ void addSignal(Session& session, const SignalSource& source, const std::u16strin
     const auto record = makeRecord(model, source, activity);
     apply(settings, *record);
     const HvArrayPtr object = record->getHOSObject(model.name(), /*asStruct=*/false);
-    if (!object) throw Error(inQuotes(fullName(model, source)) + ": the host made no signal object");
+    if (!object) throw Error(inQuotes(fullName(model, source)) + ": the host made no signal object", ErrorCode::host);
     script::add(session.signalSet(), object.get());
 }
 

@@ -87,7 +87,7 @@ void moveInModel(kestrel::Model& model, const std::u16string& path, const std::u
     try {
         model.move(path, newPath);
     } catch (const kestrel::ModelError& refusal) {
-        throw Error(fmt::format("{} Name another path.", refusal.what()), ErrorCode::model);
+        throw Error(fmt::format("{} Name another path.", refusal.what()));
     }
 }
 

@@ -41,7 +41,7 @@ void addClient(Session& session, std::size_t signal, const ClientSettings& setti
     client.m_modelPathEID = {observed.m_eid};
     apply(settings, client);
     const HvArrayPtr object = client.getHOSObject(modelName);
-    if (!object) throw Error(nameOfSignal(session, signal) + ": the host made no object for a client");
+    if (!object) throw Error(nameOfSignal(session, signal) + ": the host made no object for a client", ErrorCode::host);
     script::add(session.clientSet(), object.get());
 }
 

@@ -93,8 +93,12 @@ Renumbering changesOf(const Block& block, const std::vector<int>& numbers, const
 }  // namespace
 
 Renumbering renumberPorts(Session& session, const Block& block, const std::vector<int>& numbers) {
+    return replacePorts(session, block, numbers, renumbered(block, numbers));
+}
+
+Renumbering replacePorts(Session& session, const Block& block, const std::vector<int>& numbers,
+                         std::vector<std::u16string> outputs) {
     const kestrel::Model& model = session.model();
-    std::vector<std::u16string> outputs = renumbered(block, numbers);
     // What is bound answers by handle under its new number, whatever its logical number is.
     session.signals().applyRebindingRules(session.signalSet(), true);
     const Signals signals = affected(session, block, numbers);

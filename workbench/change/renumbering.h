@@ -23,5 +23,8 @@ struct Renumbering {
 /// deleted one; further ports keep theirs. What remains must be numbered 1, 2, ... without gaps. Signals follow;
 /// those on deleted ports are removed from the set. Throws `Error` for numbers that cannot be, with nothing changed.
 Renumbering renumberPorts(Session& session, const kestrel::Block& block, const std::vector<int>& numbers);
+/// The same for a block that gets those outputs, which may be new ones; `numbers` has all old ports.
+Renumbering replacePorts(Session& session, const kestrel::Block& block, const std::vector<int>& numbers,
+                         std::vector<std::u16string> outputs);
 
 }  // namespace workbench

@@ -5,6 +5,7 @@
 #include <stdlib.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -22,6 +23,7 @@ constexpr std::size_t kBufferSize = std::size_t{1} << 16U;
 constexpr mode_t kPermissionBits = 07777;
 constexpr mode_t kNewFile = 0644;
 constexpr const char* kIsThere = "there is a file of this name already; name another, or replace that one";
+constexpr const char* kAccessList = "system.posix_acl_access";
 
 std::string directoryOf(const std::string& path) {
     const std::string parent = std::filesystem::path(path).parent_path().string();
@@ -89,7 +91,7 @@ void AtomicFile::lock() {
     if (m_lock < 0) return;
     // Some file systems have no locks; the version is looked at in any case.
     if (::flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
-        refuse("somebody else is saving it; try again when that is done");
+        refuse("somebody else is saving it; try again when that is done", ErrorCode::inUse);
 }
 
 void AtomicFile::makeTemporary() {
@@ -100,13 +102,50 @@ void AtomicFile::makeTemporary() {
     fail("no file can be made beside it");
 }
 
-void AtomicFile::takeOverFrom(const struct stat& old) const {
+void AtomicFile::takeOverFrom(const struct stat& old) {
+    takeOverOwner(old);
+    // A folder may have given the new file a list that the old one does not have.
+    if (::fremovexattr(m_descriptor, kAccessList) != 0 && errno != ENODATA && errno != ENOTSUP)
+        fail("the folder's access control list cannot be taken off the new file");
+    if (::fchmod(m_descriptor, old.st_mode & kPermissionBits) != 0) fail("its permissions cannot be kept");
+    takeOverAttributes();
+    if (old.st_nlink > 1)
+        m_warnings.push_back(
+            fmt::format("the file has {} names (hard links); the others keep the old contents", old.st_nlink));
+}
+
+void AtomicFile::takeOverOwner(const struct stat& old) {
     struct stat made {};
     if (::fstat(m_descriptor, &made) != 0) fail("the status of the new file cannot be read");
-    const bool isAnothers = made.st_uid != old.st_uid || made.st_gid != old.st_gid;
-    if (isAnothers && ::fchown(m_descriptor, old.st_uid, old.st_gid) != 0)
-        refuse("its owner and group cannot be kept; copy it and work on the copy");
-    if (::fchmod(m_descriptor, old.st_mode & kPermissionBits) != 0) fail("its permissions cannot be kept");
+    if (made.st_uid == old.st_uid && made.st_gid == old.st_gid) return;
+    if (::fchown(m_descriptor, old.st_uid, old.st_gid) == 0) return;
+    constexpr uid_t kAsItIs = static_cast<uid_t>(-1);
+    if (made.st_gid != old.st_gid && ::fchown(m_descriptor, kAsItIs, old.st_gid) != 0)
+        refuse("its group cannot be kept; copy the file and work on the copy");
+    m_warnings.push_back(
+        fmt::format("the file belonged to user {} and now belongs to user {}, who saved it", old.st_uid, made.st_uid));
+}
+
+void AtomicFile::takeOverAttributes() const {
+    const ssize_t size = ::listxattr(m_target.c_str(), nullptr, 0);
+    if (size < 0 && errno != ENOTSUP) fail("its extended attributes cannot be listed");
+    if (size <= 0) return;
+    std::vector<char> names(static_cast<std::size_t>(size));
+    const ssize_t used = ::listxattr(m_target.c_str(), names.data(), names.size());
+    if (used < 0) fail("its extended attributes cannot be listed");
+    for (const char* name = names.data(); name < names.data() + used; name += std::strlen(name) + 1) takeOver(name);
+}
+
+void AtomicFile::takeOver(const char* attribute) const {
+    const std::string_view name = attribute;
+    // The system sets its own labels (security., trusted.) on each file.
+    if (!name.starts_with("user.") && !name.starts_with("system.")) return;
+    const ssize_t size = ::getxattr(m_target.c_str(), attribute, nullptr, 0);
+    std::vector<char> value(size > 0 ? static_cast<std::size_t>(size) : 0);
+    const ssize_t used = size < 0 ? size : ::getxattr(m_target.c_str(), attribute, value.data(), value.size());
+    if (used >= 0 && ::fsetxattr(m_descriptor, attribute, value.data(), static_cast<std::size_t>(used), 0) == 0) return;
+    const std::string what = name == kAccessList ? "access control list" : fmt::format("extended attribute {}", name);
+    fail(fmt::format("its {} cannot be kept", what).c_str());
 }
 
 void AtomicFile::write(std::string_view text) {
@@ -130,7 +169,7 @@ void AtomicFile::requireReplaceable() const {
     struct stat now {};
     if (::stat(m_target.c_str(), &now) != 0) fail("its status can no longer be read");
     if (FileVersion::of(now) != *m_replaced)
-        refuse("it has been changed since it was read; look at the change and try again");
+        refuse("it has been changed since it was read; look at the change and try again", ErrorCode::inUse);
 }
 
 FileVersion AtomicFile::commit() {
@@ -169,8 +208,8 @@ void AtomicFile::fail(const char* what) const {
     refuse(fmt::format("{}: {}; check permissions and free space and try again", what, std::strerror(reason)));
 }
 
-void AtomicFile::refuse(const std::string& why) const {
-    throw Error({m_path, 0, {}}, fmt::format("not saved, the file is as it was: {}", why), ErrorCode::file);
+void AtomicFile::refuse(const std::string& why, ErrorCode code) const {
+    throw Error({m_path, 0, {}}, fmt::format("not saved, the file is as it was: {}", why), code);
 }
 
 }  // namespace workbench

@@ -30,9 +30,12 @@ struct ModelFile {
 /// An empty model of that name, with no signals and no clients. Throws `Error` for a name that cannot be.
 ModelFile newModelFile(const std::u16string& name);
 
-/// Reads a model file. Throws `Error` that names file, line and JSON pointer for whatever is not as the
-/// format says: syntax, unknown, missing and duplicate keys, wrong kinds, paths and identifiers that are
-/// empty or taken. Whether signals and clients fit the model is not looked at.
+/// The path that stands for standard input and output.
+inline constexpr std::string_view kStandardStream = "-";
+
+/// Reads a model file, or standard input. Throws `Error` that names file, line and JSON pointer for whatever is not as
+/// the format says: syntax, unknown, missing and duplicate keys, wrong kinds, paths and identifiers that are empty or
+/// taken. Whether signals and clients fit the model is not looked at.
 ModelFile readModelFile(const std::string& path);
 /// The same of a text in memory; `name` stands for the path in messages.
 ModelFile readModelText(const std::string& name, const std::string& text);
@@ -49,15 +52,21 @@ std::string modelText(const kestrel::Model& model, const hvArray* signals, const
                       const ModelExtras& extras = {});
 std::string modelText(const ModelFile& file);
 
+/// A file that was written.
+struct WrittenFile {
+    FileVersion version;
+    std::vector<std::string> warnings;  ///< what else has changed, as `AtomicFile::warnings` says
+};
+
 /// The same into the file at `path`, which is replaced as a whole or left as it was: only that version of it with
-/// `replaced`. Returns the new version. Throws `Error`, also when the file cannot be written.
-FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
+/// `replaced`. Throws `Error`, also when the file cannot be written.
+WrittenFile writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
                            const hvArray* clients, const ModelExtras& extras = {},
                            std::optional<FileVersion> replaced = std::nullopt);
-FileVersion writeModelFile(const std::string& path, const ModelFile& file,
+WrittenFile writeModelFile(const std::string& path, const ModelFile& file,
                            std::optional<FileVersion> replaced = std::nullopt);
 /// The same into a file that is not there yet. Throws `Error` when it is.
-FileVersion writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
+WrittenFile writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
                               const hvArray* clients, const ModelExtras& extras = {});
 
 }  // namespace workbench

@@ -317,15 +317,13 @@ ModelFile newModelFile(const std::u16string& name) {
 }
 
 ModelFile readModelFile(const std::string& path) {
-    JsonFile file(path);
+    JsonFile file = path == kStandardStream ? JsonFile::ofStandardInput() : JsonFile(path);
     return readDocument(file);
 }
 
 ModelFile readModelText(const std::string& name, const std::string& text) {
     JsonFile file = JsonFile::ofText(name, text);
-    ModelFile result = readDocument(file);
-    result.version.reset();
-    return result;
+    return readDocument(file);
 }
 
 }  // namespace workbench

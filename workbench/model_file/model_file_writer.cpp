@@ -144,22 +144,22 @@ std::string modelText(const ModelFile& file) {
     return modelText(file.model, file.signals.get(), file.clients.get(), file.extras);
 }
 
-FileVersion writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
+WrittenFile writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
                            const hvArray* clients, const ModelExtras& extras, std::optional<FileVersion> replaced) {
     AtomicFile file(path, replaced);
     writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, extras);
-    return file.commit();
+    return {file.commit(), file.warnings()};
 }
 
-FileVersion writeModelFile(const std::string& path, const ModelFile& file, std::optional<FileVersion> replaced) {
+WrittenFile writeModelFile(const std::string& path, const ModelFile& file, std::optional<FileVersion> replaced) {
     return writeModelFile(path, file.model, file.signals.get(), file.clients.get(), file.extras, replaced);
 }
 
-FileVersion writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
+WrittenFile writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
                               const hvArray* clients, const ModelExtras& extras) {
     AtomicFile file(AtomicFile::kNew, path);
     writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, extras);
-    return file.commit();
+    return {file.commit(), file.warnings()};
 }
 
 }  // namespace workbench

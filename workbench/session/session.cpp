@@ -174,21 +174,37 @@ Session::Saved Session::savedForm() {
     return saved;
 }
 
-std::size_t Session::save() {
-    const Saved saved = savedForm();
-    m_version = writeModelFile(m_path, model(), saved.signals.get(), saved.clients.get(), m_extras, m_version);
+std::size_t Session::leftOut(const Saved& saved) const {
     return signals().getCount() - hvGetNumberOfElements(saved.signals.get());
 }
 
-std::size_t Session::saveAs(const std::string& path, Existing existing) {
+Session::SaveResult Session::noteWritten(const Saved& saved, WrittenFile file) {
+    m_version = file.version;
+    return {leftOut(saved), std::move(file.warnings)};
+}
+
+Session::SaveResult Session::save() {
+    if (isStream() && !m_sink)
+        throw Error({m_path}, "the model came from standard input; name a file to save it in", ErrorCode::request);
+    const Saved saved = savedForm();
+    if (!m_sink)
+        return noteWritten(
+            saved, writeModelFile(m_path, model(), saved.signals.get(), saved.clients.get(), m_extras, m_version));
+    writeModel(m_sink, model(), saved.signals.get(), saved.clients.get(), m_extras);
+    return {leftOut(saved), {}};
+}
+
+Session::SaveResult Session::saveAs(const std::string& path, Existing existing) {
     const Saved saved = savedForm();
     const auto write = [&](auto function) {
         return function(path, model(), saved.signals.get(), saved.clients.get(), m_extras);
     };
-    m_version = existing == Existing::refuse ? write(writeNewModelFile)
-                                             : write([](const auto&... what) { return writeModelFile(what...); });
+    SaveResult result = noteWritten(saved, existing == Existing::refuse
+                                               ? write(writeNewModelFile)
+                                               : write([](const auto&... what) { return writeModelFile(what...); }));
     m_path = path;
-    return signals().getCount() - hvGetNumberOfElements(saved.signals.get());
+    m_sink = nullptr;
+    return result;
 }
 
 std::string Session::text() {

@@ -60,13 +60,21 @@ public:
     /// Whether any activity of the chart item is.
     bool isAnyObserved(const kestrel::Block& block, const ChartItem& item) const;
 
-    /// Writes the model with its clients and the signals that are to be saved. Returns how many were left out because
-    /// they are excluded from saving. Throws `Error`, also for a file that has changed since; it is then as it was.
-    std::size_t save();
+    struct SaveResult {
+        std::size_t leftOut = 0;            ///< how many signals are excluded from saving
+        std::vector<std::string> warnings;  ///< what else has changed, as `AtomicFile::warnings` says
+    };
+    /// Writes the model with its clients and the signals that are to be saved. Throws `Error`, also for a file that
+    /// has changed since; it is then as it was. A model from standard input goes to the sink of `saveTo`.
+    SaveResult save();
+    /// From now on `save` hands what it writes to the sink, and to no file.
+    void saveTo(TextSink sink) { m_sink = std::move(sink); }
+    /// Whether the model came from standard input.
+    bool isStream() const noexcept { return m_path == kStandardStream; }
     /// The same into another file, which is the session's from then on. A file that is there already is replaced only
     /// when that is asked for. When it throws, the session keeps its file.
     enum class Existing { refuse, replace };
-    std::size_t saveAs(const std::string& path, Existing existing = Existing::refuse);
+    SaveResult saveAs(const std::string& path, Existing existing = Existing::refuse);
     /// What `save` would write, as a text.
     std::string text();
 
@@ -80,6 +88,8 @@ private:
     Saved savedForm();
     void keep(ModelExtras extras, const hvArray* signals);
     void nameMarks(const hvArray* saved);
+    std::size_t leftOut(const Saved& saved) const;
+    SaveResult noteWritten(const Saved& saved, WrittenFile file);
     void makeSets();
     void give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const;
     void checkClients(const std::vector<RecordLines>& lines) const;
@@ -94,6 +104,7 @@ private:
     ModelExtras m_extras;
     std::unordered_map<std::u16string, std::u16string> m_markedNames;  ///< by the signals' UUIDs
     std::vector<SignalFault> m_dangling;
+    TextSink m_sink;
     std::optional<FileVersion> m_version;  ///< of the file that was read or saved last
 };
 

@@ -15,6 +15,7 @@ enum class ErrorCode : std::uint8_t {
     format,   ///< a file is no model file
     model,    ///< what a model file holds does not fit together
     file,     ///< a file cannot be opened, read or replaced
+    inUse,    ///< a file is being saved by somebody else, or has been since it was read
     host,     ///< the host refused
 };
 
@@ -25,6 +26,8 @@ enum class Remedy : std::uint8_t {
     listSignals,     ///< look at the model's signals
     listClients,     ///< look at the model's clients
     usePatterns,     ///< say that what was given as a name is a pattern
+    unmark,          ///< ask for the marks to be removed, too
+    removeBelow,     ///< ask for what is below to be removed, too
     removeDangling,  ///< remove the signals of the error's file whose source is gone
 };
 

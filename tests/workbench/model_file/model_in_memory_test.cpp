@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include "tests/kshmi/kshmi_test.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
@@ -40,6 +43,33 @@ TEST_F(ModelInMemory, newModelIsWrittenReadAndOpened) {
 TEST_F(ModelInMemory, whatIsReadIsWrittenWithoutAFile) {
     EXPECT_EQ(opened().text(), kModel);
     EXPECT_EQ(fileCount(), 0U);
+}
+
+TEST_F(ModelInMemory, aModelComesInAndGoesOutAsAStream) {
+    const int before = ::dup(STDIN_FILENO);
+    for (const bool isModel : {true, false}) {
+        const int file = ::open(write(isModel ? kModel : "{", "in.json").c_str(), O_RDONLY | O_CLOEXEC);
+        ASSERT_GE(::dup2(file, STDIN_FILENO), 0);
+        ::close(file);
+        if (!isModel) {
+            EXPECT_STREQ(refusalOf([] { Session("-"); }).what(),
+                         "standard input:1:2: not JSON: the document ends too early; correct it");
+            break;
+        }
+        Session session("-");
+        EXPECT_TRUE(session.isStream());
+        EXPECT_EQ(refusalOf([&] { session.save(); }).code(), ErrorCode::request);
+        std::string text;
+        session.saveTo([&](std::string_view piece) { text += piece; });
+        EXPECT_EQ(session.save().leftOut, 0U);
+        EXPECT_EQ(text, kModel);
+        session.saveAs(path("out.json"));
+        EXPECT_EQ(read("out.json"), kModel);
+        EXPECT_EQ(session.save().warnings, std::vector<std::string>());
+    }
+    ::dup2(before, STDIN_FILENO);
+    ::close(before);
+    EXPECT_EQ(fileCount(), 2U);
 }
 
 TEST_F(ModelInMemory, savingUnderANameKeepsTheFileThatIsThere) {
