@@ -36,5 +36,9 @@ void addCarry(CLI::App& app, Run& run);
 void addExample(CLI::App& app, Run& run);
 void addHelp(CLI::App& app, Run& run);
 void addCompletion(CLI::App& app, Run& run);
+void addNew(CLI::App& app, Run& run);
+void addBlock(CLI::App& app, Run& run);
+void addPort(CLI::App& app, Run& run);
+void addChart(CLI::App& app, Run& run);
 
 }  // namespace kshmi

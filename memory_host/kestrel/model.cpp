@@ -1,5 +1,6 @@
 #include "memory_host/kestrel/model.h"
 
+#include <algorithm>
 #include <unordered_set>
 #include <utility>
 
@@ -74,11 +75,28 @@ const Block& Model::add(Block block) {
     }
     if (const Block* there = findByPath(block.path)) throwPathTaken(m_name, *there);
     if (const Block* there = findByEid(block.eid)) throwEidTaken(m_name, *there);
-    block.handle = 0.0;
+    block.handle = m_nextHandle ? m_nextHandle() : 0.0;
     Block& added = m_blocks.emplace_back(std::move(block));
-    m_byPath.emplace(added.path, &added);
-    m_byEid.emplace(added.eid, &added);
+    enter(added);
     return added;
+}
+
+void Model::enter(Block& block) {
+    m_byPath.emplace(block.path, &block);
+    m_byEid.emplace(block.eid, &block);
+    if (m_nextHandle) m_byHandle.emplace(block.handle, &block);
+}
+
+std::size_t Model::remove(std::u16string_view path) {
+    const std::u16string removed(path);
+    const auto isRemoved = [&](const Block& block) { return block.path == removed || isBelow(block.path, removed); };
+    if (std::none_of(m_blocks.begin(), m_blocks.end(), isRemoved)) throwNoBlock(m_name, path);
+    m_byPath.clear();
+    m_byEid.clear();
+    m_byHandle.clear();
+    const std::size_t count = std::erase_if(m_blocks, isRemoved);
+    for (Block& block : m_blocks) enter(block);
+    return count;
 }
 
 std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
@@ -109,11 +127,17 @@ std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
     return moving.size();
 }
 
-void Model::setOutputs(std::u16string_view path, std::vector<std::u16string> outputs) {
+Block& Model::blockAt(std::u16string_view path) {
     const auto found = m_byPath.find(path);
     if (found == m_byPath.end()) throwNoBlock(m_name, path);
-    found->second->outputs = std::move(outputs);
+    return *found->second;
 }
+
+void Model::setOutputs(std::u16string_view path, std::vector<std::u16string> outputs) {
+    blockAt(path).outputs = std::move(outputs);
+}
+
+void Model::setChart(std::u16string_view path, Chart chart) { blockAt(path).chart = std::move(chart); }
 
 const Block* Model::findByPath(std::u16string_view path) const noexcept {
     const auto found = m_byPath.find(path);
@@ -133,6 +157,7 @@ const Block* Model::findByHandle(double handle) const noexcept {
 std::u16string Model::fullPath(const Block& block) const { return m_name + u"/" + block.path; }
 
 void Model::assignHandles(double (*nextHandle)()) {
+    m_nextHandle = nextHandle;
     m_byHandle.clear();
     m_byHandle.reserve(m_blocks.size());
     for (Block& block : m_blocks) {

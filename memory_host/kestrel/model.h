@@ -59,7 +59,7 @@ struct Block {
 };
 
 /// A model: its name and its blocks in the order they were added. Look-ups by path, element
-/// identifier and handle take constant time. Blocks stay where they are in memory.
+/// identifier and handle take constant time. Blocks stay where they are in memory until one is removed.
 class OX_API Model {
 public:
     /// Throws `ModelError` for a name that is empty or contains '/' or ':'.
@@ -75,14 +75,19 @@ public:
     void rename(std::u16string name);
 
     /// Appends a block. Throws `ModelError` for a text that is no path or is taken, and for an empty or
-    /// taken element identifier; the model is then unchanged. The parent need not exist.
+    /// taken element identifier; the model is then unchanged. The parent need not exist. In a model that is loaded
+    /// the block gets a handle.
     const Block& add(Block block);
+    /// Removes the block at `path` and all blocks below it. Throws `ModelError` when there is none. Returns how many.
+    std::size_t remove(std::u16string_view path);
     /// Gives the block at `path`, which need not be there itself, and all blocks below it ("path/...") new paths.
     /// Throws `ModelError` when there is no block, the new text is no path, lies below the old one, or any path that
     /// would result is taken; the model is then unchanged. Returns how many blocks moved.
     std::size_t move(std::u16string_view path, std::u16string_view newPath);
     /// Replaces the names of a block's output ports. Throws `ModelError` when there is no such block.
     void setOutputs(std::u16string_view path, std::vector<std::u16string> outputs);
+    /// Makes the block a chart of these contents. Throws `ModelError` when there is no such block.
+    void setChart(std::u16string_view path, Chart chart);
 
     const std::deque<Block>& blocks() const noexcept { return m_blocks; }
     /// Null when there is none.
@@ -95,8 +100,11 @@ public:
 private:
     friend class Models;
     void assignHandles(double (*nextHandle)());
+    Block& blockAt(std::u16string_view path);
+    void enter(Block& block);
 
     std::u16string m_name;
+    double (*m_nextHandle)() = nullptr;  ///< null while the model is not loaded
     std::deque<Block> m_blocks;
     // The keys view the texts inside the blocks, whose addresses are stable.
     std::unordered_map<std::u16string_view, Block*> m_byPath;

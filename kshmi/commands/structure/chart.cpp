@@ -1,0 +1,140 @@
+#include <fmt/format.h>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "kshmi/print/change_report.h"
+#include "kshmi/print/lost_clients.h"
+#include "workbench/find/reference.h"
+#include "workbench/find/watching.h"
+#include "workbench/structure/chart_items.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+struct ChartArguments {
+    std::string file;
+    std::string item;  ///< of an addition: the chart
+    std::string name;
+    ReferenceOptions options;  ///< only an SSID
+    bool isRecursive = false;
+    bool isUnmarking = false;
+    ChangeOptions change;
+};
+
+SignalSource requireItem(const Session& session, const ChartArguments& arguments) {
+    const std::vector<SignalSource> sources = resolveReference(session.model(), arguments.item, arguments.options);
+    const SignalSource& source = sources.front();
+    if (sources.size() != 1 || !source.item)
+        throw Error(fmt::format("{}: name a state or datum, as in \"chart/State\"", inQuotes(arguments.item)));
+    return source;
+}
+
+ChangeReport::Members membersOf(const Session& session, const kestrel::Block& block, const std::u16string& item,
+                                const std::u16string& from = {}) {
+    return [=, full = session.model().fullPath(block)](JsonObject& object) {
+        object.text("kind", std::string_view("item")).text("block", full).text("item", item);
+        if (!from.empty()) object.text("from", from);
+    };
+}
+
+template <ItemKind kind>
+int runAdd(const ChartArguments& arguments, const Output& output) {
+    kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    ChangeReport report(output, kind == ItemKind::state ? "chart add-state" : "chart add-datum", arguments.change);
+    const kestrel::Block& block = resolveBlock(session.model(), arguments.item);
+    const std::uint32_t ssid = addItem(session, block, kind, toUtf16(arguments.name), arguments.options.ssid);
+    report.change(Fate::added, "add", "added",
+                  fmt::format("{} {} (SSID {}) to {}", kind == ItemKind::state ? "state" : "datum",
+                              printable(std::string_view(arguments.name)), ssid, printable(block.path)),
+                  membersOf(session, block, toUtf16(arguments.name)));
+    return report.finish(session);
+}
+
+int runRemove(const ChartArguments& arguments, const Output& output) {
+    kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    ChangeReport report(output, "chart remove", arguments.change);
+    const DanglingWatch watch(session);
+    const SignalSource source = requireItem(session, arguments);
+    const RemovedItems removed =
+        removeItem(session, *source.block, *source.item, arguments.isRecursive ? Below::remove : Below::refuse,
+                   arguments.isUnmarking ? Marks::remove : Marks::keep);
+    for (const std::u16string& item : removed.items)
+        report.change(Fate::removed, "remove", "removed",
+                      fmt::format("{} of {}", printable(item), printable(source.block->path)),
+                      membersOf(session, *source.block, item));
+    const std::string signals = counted(removed.signals, "signal");
+    if (removed.signals > 0) report.note("  " + signals + " would go with it", "  " + signals + " went with it");
+    const ExitCode code = report.finish(session);
+    warnOfLost(session, watch, arguments.change.isDryRun, output.err);
+    return code;
+}
+
+int runRename(const ChartArguments& arguments, const Output& output) {
+    kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    ChangeReport report(output, "chart rename", arguments.change);
+    const SignalSource source = requireItem(session, arguments);
+    const RenamedItems renamed = renameItem(session, *source.block, *source.item, toUtf16(arguments.name));
+    for (const auto& [before, after] : renamed.items)
+        report.change(Fate::changed, "rename", "renamed", fmt::format("{} to {}", printable(before), printable(after)),
+                      membersOf(session, *source.block, after, before));
+    const std::string signals = counted(renamed.signals, "signal");
+    if (renamed.signals > 0) report.note("would follow: " + signals, "following: " + signals);
+    return report.finish(session);
+}
+
+CLI::App* describe(CLI::App& app, const char* name, const char* help, const char* examples, const char* item,
+                   ChartArguments& arguments) {
+    CLI::App* const command = addCommand(app, name, help, examples, arguments.file);
+    command->add_option(item, arguments.item, "path of the chart, or of the state or datum below it")->required();
+    command->add_option("--ssid", arguments.options.ssid, "its identifier within the chart")->transform(wholeNumber());
+    addChangeOptions(*command, arguments.change);
+    return command;
+}
+
+void describeAdditions(CLI::App& app, Run& run) {
+    const auto state = std::make_shared<ChartArguments>();
+    CLI::App* command =
+        describe(app, "add-state", "Add a state; the block becomes a chart if it is none",
+                 "  kshmi chart add-state cruise.json Control/Mode Engaged/Holding --ssid 4", "CHART", *state);
+    command->add_option("STATE", state->name, "path of the state below the chart")->required();
+    runWith(*command, runAdd<ItemKind::state>, state, run);
+    const auto datum = std::make_shared<ChartArguments>();
+    command = describe(app, "add-datum", "Add a datum; the block becomes a chart if it is none",
+                       "  kshmi chart add-datum cruise.json Control/Mode setSpeed", "CHART", *datum);
+    command->add_option("NAME", datum->name, "name of the datum")->required();
+    runWith(*command, runAdd<ItemKind::datum>, datum, run);
+}
+
+void describeOthers(CLI::App& app, Run& run) {
+    const auto removed = std::make_shared<ChartArguments>();
+    CLI::App* command =
+        describe(app, "remove", "Remove a state or datum",
+                 "  kshmi chart remove cruise.json Control/Mode/Engaged --recursive --unmark", "ITEM", *removed);
+    command->add_flag("--recursive", removed->isRecursive, "remove the states below it, too");
+    command->add_flag("--unmark", removed->isUnmarking, "remove the signals on it, too");
+    runWith(*command, runRemove, removed, run);
+    const auto renamed = std::make_shared<ChartArguments>();
+    command = describe(app, "rename", "Give a state or datum another name; signals follow",
+                       "  kshmi chart rename cruise.json Control/Mode/Engaged/Holding Held", "ITEM", *renamed);
+    command->add_option("NAME", renamed->name, "its new name, without the states above it")->required();
+    runWith(*command, runRename, renamed, run);
+}
+
+}  // namespace
+
+void addChart(CLI::App& app, Run& run) {
+    CLI::App* const command = app.add_subcommand("chart", "Add, remove and rename the states and data of a chart");
+    command->require_subcommand(1);
+    describeAdditions(*command, run);
+    describeOthers(*command, run);
+}
+
+}  // namespace kshmi

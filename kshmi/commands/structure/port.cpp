@@ -1,0 +1,171 @@
+#include <fmt/format.h>
+
+#include <optional>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "kshmi/print/change_report.h"
+#include "kshmi/print/lost_clients.h"
+#include "workbench/find/reference.h"
+#include "workbench/find/watching.h"
+#include "workbench/structure/ports.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+struct PortArguments {
+    std::string file;
+    std::string block;
+    std::string port;  ///< number or name
+    std::string name;
+    std::optional<int> at;
+    bool isUnmarking = false;
+    ChangeOptions change;
+};
+
+int requirePort(const kestrel::Model& model, const kestrel::Block& block, const std::string& text) {
+    const std::string reference = toUtf8(model.fullPath(block)) + ":" + text;
+    const std::vector<SignalSource> sources = resolveReference(model, reference, {});
+    const SignalSource& source = sources.front();
+    if (sources.size() != 1 || source.block != &block || source.item)
+        throw Error(fmt::format("{}: is not a port of {}", inQuotes(text), inQuotes(block.path)));
+    return source.port;
+}
+
+/// A port, or a signal on one; the number that it had, if it had another.
+ChangeReport::Members membersOf(std::string_view kind, const std::u16string& block, const PortChange& one) {
+    return [=](JsonObject& object) {
+        object.text("kind", kind).text("block", block).number("port", one.to == 0 ? one.from : one.to);
+        object.text(kind == "port" ? "portName" : "name", one.name);
+        if (one.to != 0 && one.from != 0) object.number("from", one.from);
+    };
+}
+
+/// What moved besides.
+void tellFollowers(const std::u16string& block, const Renumbering& changes, ChangeReport& report) {
+    for (const PortChange& one : changes.ports)
+        if (one.to != 0)
+            report.note(Fate::changed,
+                        fmt::format("  port {} ({}) would become {}", one.from, printable(one.name), one.to),
+                        fmt::format("  port {} ({}) becomes {}", one.from, printable(one.name), one.to),
+                        membersOf("port", block, one));
+    for (const PortChange& one : changes.signals)
+        report.note(Fate::changed,
+                    fmt::format("  signal {} on port {} would follow to port {}", inQuotes(one.name), one.from, one.to),
+                    fmt::format("  signal {} on port {} follows to port {}", inQuotes(one.name), one.from, one.to),
+                    membersOf("signal", block, one));
+}
+
+int runAdd(const PortArguments& arguments, const Output& output) {
+    kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    ChangeReport report(output, "port add", arguments.change);
+    const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
+    const Renumbering moved = addPort(session, block, toUtf16(arguments.name), arguments.at);
+    const std::u16string full = session.model().fullPath(block);
+    const auto number = arguments.at.value_or(static_cast<int>(block.outputs.size()));
+    report.change(
+        Fate::added, "add", "added",
+        fmt::format("port {} ({}) to {}", number, printable(std::string_view(arguments.name)), printable(block.path)),
+        membersOf("port", full, {0, number, toUtf16(arguments.name)}));
+    tellFollowers(full, moved, report);
+    return report.finish(session);
+}
+
+int runRemove(const PortArguments& arguments, const Output& output) {
+    kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    ChangeReport report(output, "port remove", arguments.change);
+    const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
+    const int port = requirePort(session.model(), block, arguments.port);
+    const std::u16string name = block.outputs[static_cast<std::size_t>(port) - 1];
+    const std::u16string full = session.model().fullPath(block);
+    const DanglingWatch watch(session);
+    const Renumbering moved = removePort(session, block, port, arguments.isUnmarking ? Marks::remove : Marks::keep);
+    report.change(Fate::removed, "remove", "removed",
+                  fmt::format("port {} ({}) of {}", port, printable(name), printable(block.path)),
+                  membersOf("port", full, {port, 0, name}));
+    tellFollowers(full, moved, report);
+    const ExitCode code = report.finish(session);
+    warnOfLost(session, watch, arguments.change.isDryRun, output.err);
+    return code;
+}
+
+int runRename(const PortArguments& arguments, const Output& output) {
+    kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    ChangeReport report(output, "port rename", arguments.change);
+    const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
+    const int port = requirePort(session.model(), block, arguments.port);
+    const std::u16string old = block.outputs[static_cast<std::size_t>(port) - 1];
+    if (toUtf16(arguments.name) == old) {
+        report.keep(Fate::unchanged, "already named " + printable(old),
+                    membersOf("port", session.model().fullPath(block), {port, 0, old}));
+        return report.finish(session);
+    }
+    renamePort(session, block, port, toUtf16(arguments.name));
+    report.change(Fate::changed, "rename", "renamed",
+                  fmt::format("port {} of {} from {} to {}", port, printable(block.path), printable(old),
+                              printable(std::string_view(arguments.name))),
+                  membersOf("port", session.model().fullPath(block), {port, 0, toUtf16(arguments.name)}));
+    return report.finish(session);
+}
+
+void addBlockOption(CLI::App& command, PortArguments& arguments) {
+    command.add_option("BLOCK", arguments.block, "path of the block")->required();
+}
+
+void describeAdd(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<PortArguments>();
+    CLI::App* const command =
+        addCommand(app, "add", "Add an output port to a block; ports behind it and their signals move on",
+                   "  kshmi port add cruise.json Sensors/Speed quality\n"
+                   "  kshmi port add cruise.json Sensors/Speed raw --at 1",
+                   arguments->file);
+    addBlockOption(*command, *arguments);
+    command->add_option("NAME", arguments->name, "name of the port")->required();
+    command->add_option("--at", arguments->at, "its number; the last one if left out")
+        ->transform(wholeNumber(1, std::numeric_limits<std::int32_t>::max()));
+    addChangeOptions(*command, arguments->change);
+    runWith(*command, runAdd, arguments, run);
+}
+
+void describeRemove(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<PortArguments>();
+    CLI::App* const command =
+        addCommand(app, "remove", "Remove an output port of a block; ports behind it and their signals move up",
+                   "  kshmi port remove cruise.json Sensors/Speed valid\n"
+                   "  kshmi port remove cruise.json Sensors/Speed 1 --unmark",
+                   arguments->file);
+    addBlockOption(*command, *arguments);
+    command->add_option("PORT", arguments->port, "number or name of the port")->required();
+    command->add_flag("--unmark", arguments->isUnmarking, "remove the signals on it, too");
+    addChangeOptions(*command, arguments->change);
+    runWith(*command, runRemove, arguments, run);
+}
+
+void describeRename(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<PortArguments>();
+    CLI::App* const command = addCommand(app, "rename", "Give an output port another name; signals keep theirs",
+                                         "  kshmi port rename cruise.json Sensors/Speed valid ok", arguments->file);
+    addBlockOption(*command, *arguments);
+    command->add_option("PORT", arguments->port, "number or name of the port")->required();
+    command->add_option("NAME", arguments->name, "its new name")->required();
+    addChangeOptions(*command, arguments->change);
+    runWith(*command, runRename, arguments, run);
+}
+
+}  // namespace
+
+void addPort(CLI::App& app, Run& run) {
+    CLI::App* const command = app.add_subcommand("port", "Add, remove and rename the output ports of a block");
+    command->require_subcommand(1);
+    for (const auto describe : {describeAdd, describeRemove, describeRename}) describe(*command, run);
+}
+
+}  // namespace kshmi
