@@ -159,7 +159,8 @@ TEST_F(CompareCommands, diffAndMergeTellAndEndAsTheyShould) {
                 {"1 conflict; ours is in place", "signals u3, VisualType_: both changed it", "theirs: \"t\""});
     EXPECT_TRUE(contains(read("out.json"), R"("VisualType_": "o")"));
     write("{", "bad.json");
-    EXPECT_EQ(run({"merge", path("a.json"), path("bad.json"), path("c.json"), "-o", path("out2.json")}).code, 2);
+    EXPECT_EQ(run({"merge", path("a.json"), path("bad.json"), path("c.json"), "-o", path("out2.json")}).code,
+              kshmi::kBadFile);
     EXPECT_EQ(fileCount(), 5U);
 }
 

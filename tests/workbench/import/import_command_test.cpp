@@ -114,7 +114,7 @@ TEST_F(ImportCommand, putsNoMarksOnBlocksUnseen) {
         << refused.err;
     EXPECT_EQ(read(), marked);
     std::filesystem::remove(path());
-    EXPECT_EQ(import({"--update"}).code, kBadFile);
+    EXPECT_EQ(import({"--update"}).code, kshmi::kBadFile);
     EXPECT_EQ(fileCount(), 1U);
 }
 
