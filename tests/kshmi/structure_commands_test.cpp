@@ -1,4 +1,5 @@
 #include "tests/kshmi/kshmi_test.h"
+#include "tests/support/json_schema.h"
 #include "workbench/model_file/model_file.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
@@ -22,6 +23,10 @@ protected:
         for (std::string word; in >> std::quoted(word);) words.push_back(word);
         words.insert(words.begin() + 2, path());
         return run(std::move(words));
+    }
+    static std::string withoutBlanks(std::string text) {
+        std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
+        return text;
     }
     /// The blocks' lines in the file.
     std::string blocks() const {
@@ -154,6 +159,31 @@ TEST_F(StructureCommands, identifiersOfWhatIsGoneAreNotGivenAgain) {
     expectParts(change("block add C").out, {"element identifier 71"});
 }
 
+TEST_F(StructureCommands, whatIsChangedIsToldAsJson) {
+    std::ifstream file(KSHMI_OUTPUT_SCHEMA, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const ks_test::JsonSchema schema(text);
+    const std::pair<std::string, const char*> cases[] = {
+        {"block add C --outputs a", R"("added": [{"kind": "block", "block": "m/C"}])"},
+        {"block rename C D", R"({"kind": "block", "block": "m/D", "from": "m/C"})"},
+        {"port add A z --at 1", R"("added": [{"kind": "port", "block": "m/A", "port": 1, "portName": "z"}])"},
+        {"port rename A z x", R"("changed": [{"kind": "port", "block": "m/A", "port": 1, "portName": "x"}])"},
+        {"port rename A x x", R"("unchanged": [{"kind": "port", "block": "m/A", "port": 1, "portName": "x"}])"},
+        {"port remove A x", R"("removed": [{"kind": "port", "block": "m/A", "port": 1, "portName": "x"}])"},
+        {"chart add-state Logic Off", R"("added": [{"kind": "item", "block": "m/Logic", "item": "Off"}])"},
+        {"chart rename Logic/Off Out", R"({"kind": "item", "block": "m/Logic", "item": "Out", "from": "Off"})"},
+        {"chart remove Logic/Out", R"("removed": [{"kind": "item", "block": "m/Logic", "item": "Out"}])"},
+        {"block remove D", R"("removed": [{"kind": "block", "block": "m/D"}])"},
+    };
+    for (const auto& [line, part] : cases) {
+        const std::string out = change(line + " --json").out;
+        EXPECT_EQ(schema.faultsOf(out), std::vector<std::string>()) << line << out;
+        const std::string command = line.substr(0, line.find(' ', line.find(' ') + 1));
+        expectParts(out, {"\"command\": \"" + command + "\""});
+        EXPECT_NE(withoutBlanks(out).find(withoutBlanks(part)), std::string::npos) << part << "\nin\n" << out;
+    }
+}
+
 TEST_F(StructureCommands, parentsThatAreNoBlocksCanBeMoved) {
     EXPECT_EQ(change("block add Tank/Level").code, kSuccess);
     EXPECT_EQ(runOn("move Tank Vessel/Inner").code, kSuccess);
@@ -166,6 +196,7 @@ TEST_F(StructureCommands, parentsThatAreNoBlocksCanBeMoved) {
 
 TEST_F(StructureCommands, aBlockThatIsAddedCanBeUsedAtOnce) {
     using namespace workbench;
+    workbench::enterHost(WarningSink());
     Session session(path());
     kestrel::Model& model = session.model();
     const kestrel::Block& added = model.add({.path = u"New", .eid = "9", .outputs = {u"y"}});

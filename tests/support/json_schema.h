@@ -47,7 +47,8 @@ private:
         if (key == "type") return isOfType(rule, value);
         if (key == "const") return value == rule;
         if (key == "enum") return isAmong(rule.get_array(), value);
-        if (key == "anyOf") return isAny(rule.get_array(), value, at);
+        if (key == "anyOf") return fitting(rule.get_array(), value, at) >= 1;
+        if (key == "oneOf") return fitting(rule.get_array(), value, at) == 1;
         if (key == "minimum") return !value.is_number() || value.to_number<double>() >= rule.to_number<double>();
         if (key == "maximum") return !value.is_number() || value.to_number<double>() <= rule.to_number<double>();
         if (key == "minLength") return !value.is_string() || value.get_string().size() >= sizeIn(rule);
@@ -82,8 +83,8 @@ private:
         return std::find(values.begin(), values.end(), value) != values.end();
     }
 
-    bool isAny(const json::array& schemas, const json::value& value, const std::string& at) const {
-        return std::any_of(schemas.begin(), schemas.end(), [&](const json::value& schema) {
+    std::ptrdiff_t fitting(const json::array& schemas, const json::value& value, const std::string& at) const {
+        return std::count_if(schemas.begin(), schemas.end(), [&](const json::value& schema) {
             Faults faults;
             check(schema, value, at, faults);
             return faults.empty();
