@@ -10,7 +10,7 @@ import tempfile
 from dataclasses import dataclass, field
 
 MEMORY, OUTPUT = 6 << 30, 1 << 28  # bytes
-QUICK, SLOW = 0.3, 3.0  # seconds: below the one, tests are run together; above the other, `--quick` leaves them out
+QUICK, SLOW = 0.3, 0.5  # seconds: below the one, tests are run together; above the other, `--quick` leaves them out
 TOGETHER = 40
 
 
