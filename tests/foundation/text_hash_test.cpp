@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "foundation/text_hash.h"
+#include "host/text.h"
 
 namespace {
 
@@ -33,6 +34,18 @@ TEST(TextHashTest, tellsTextsApartThatDifferInLittle) {
     std::sort(hashes.begin(), hashes.end());
     hashes.erase(std::unique(hashes.begin(), hashes.end()), hashes.end());
     EXPECT_EQ(hashes.size(), count);
+}
+
+// At every place of a word, and whatever stands before and behind the text.
+TEST(TextHashTest, takesLoneHalvesOfPairsForTheReplacementCharacter) {
+    const auto hash = [](std::u16string_view text) { return TextHash().add(text).value(); };
+    for (const std::u16string first : {u"", u"abcdefgh", u"abcdefg\xA000\xDFFF"})
+        for (std::size_t length = 0; length <= 6; ++length)
+            for (const std::u16string& text : textsOf(u"a\xD83D\xDE00\xFFFD", length)) {
+                const std::u16string whole = u'\xD83D' + first + text + u'\xDE00';
+                const auto cut = std::u16string_view(whole).substr(1, whole.size() - 2);
+                ASSERT_EQ(hash(cut), hash(fl::i18n::to_ustring(fl::i18n::to_string(first + text).c_str())));
+            }
 }
 
 }  // namespace

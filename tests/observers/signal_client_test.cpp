@@ -60,6 +60,7 @@ TEST_F(SignalClientTest, persistedElementAndHostObjectReadBackEqual) {
     const SignalClient fresh;
     EXPECT_EQ(fresh.m_updateRate, 1U);
     EXPECT_EQ(fresh.m_dimensionChannel, 1U);
+    EXPECT_FALSE(fresh.m_observeImaginaryPart);
     EXPECT_TRUE(reload(fresh)->isEqual(&fresh));
     EXPECT_TRUE(fresh.isEqual(reload(fresh).get()));
     EXPECT_TRUE(SignalClient(client->getHOSObject(u"m1").get(), 0, u"m1").isEqual(client.get()));
@@ -160,13 +161,19 @@ TEST_F(SignalClientTest, equalityComparesEveryPersistedMember) {
     std::vector<bool> isNone;
     const auto recording = orvex::registerFunction("isequal", [&](orvex::Call& c) {
         for (const hvArray* const value : c.ins)
-            isNone.push_back(hvGetClassID(value) == hvDOUBLE_CLASS && hvIsEmpty(value));
+            isNone.push_back(value != nullptr && hvGetClassID(value) == hvDOUBLE_CLASS && hvIsEmpty(value));
         c.outs[0] = logical(isNone.size() == 2);
     });
     EXPECT_TRUE(SignalClient().isEqual(SignalClient().clone().get())) << "the host decides also when there are none";
     other->m_observerParams.reset();
     EXPECT_FALSE(client->isEqual(other.get()));
     EXPECT_EQ(isNone, (std::vector{true, true, false, true}));
+
+    HvArrayPtr answer = number(1.0);
+    const auto answering = orvex::registerFunction("isequal", [&](orvex::Call& c) { c.outs[0] = std::move(answer); });
+    EXPECT_FALSE(client->isEqual(client->clone().get())) << "a number is no answer";
+    answer = numbers<bool>(hvLOGICAL_CLASS, {});
+    EXPECT_FALSE(client->isEqual(client->clone().get())) << "nor is no truth value";
 }
 
 TEST_F(SignalClientTest, renamingFollowsTheSourceModelAndAlwaysTheParameters) {

@@ -39,6 +39,7 @@ TEST_F(StreamingClientsTest, positionsOutsideTheSetRaiseTheCountAndChangeNothing
     for (const std::size_t index : {std::size_t{3}, SIZE_MAX}) {
         EXPECT_EQ(raisedBy([&] { clients().get(index); }), "InvalidElementIndex 3");
         EXPECT_EQ(raisedBy([&] { clients().set(index, client("x")); }), "InvalidElementIndex 3");
+        EXPECT_EQ(raisedBy([&] { clients().set(index, nullptr); }), "NullRecord");
         EXPECT_EQ(raisedBy([&] { clients().remove(index); }), "InvalidElementIndex 3");
     }
     EXPECT_EQ(raisedBy([&] { clients().add(nullptr); }), "NullRecord");
@@ -123,6 +124,10 @@ TEST_F(StreamingClientsTest, theManagerIsToldTheNameThatTheHostKnewEachTime) {
     clients().setModelName(u"d");
     StreamingClients::handleModelRename(clientsObject());
     EXPECT_EQ(kestrel::recordedRenames().size(), 2U) << "a name after none is a first one";
+    clients().add(client("b"));
+    clients().get(1)->m_sourceModel = u"d";
+    clients().setModelName(u"e");
+    EXPECT_EQ(utf8(clients().get(0)->m_sourceModel + u" " + clients().get(1)->m_sourceModel), "m1 e");
 }
 
 TEST_F(StreamingClientsTest, refusalsOfTheHostEndQuietlyWithAWarning) {
@@ -188,8 +193,11 @@ TEST_F(StreamingClientsTest, alignedObserversAreNewClientsWithRelativePaths) {
     EXPECT_EQ(out[1]->m_uuid, "b");
     EXPECT_EQ(out[1]->m_modelPath, (std::vector<std::u16string>{u"Moved", u"other/Plant"}));
     EXPECT_EQ(clients().get(1)->m_modelPath[0], u"Sub");
-    StreamingClients::getAlignedObservers(emptyDouble().get(), out);
-    EXPECT_TRUE(out.empty());
+    for (const hvArray* const other : {static_cast<const hvArray*>(nullptr), object()}) {
+        out.resize(1);
+        EXPECT_EQ(recorded({"kssvFEVAL_NoThrow"}, [&] { StreamingClients::getAlignedObservers(other, out); }), Lines{});
+        EXPECT_TRUE(out.empty());
+    }
 
     HvArrayPtr only = call("Kestrel.HMI.StreamingClients", {text("m1").get()});
     const auto releasing = orvex::registerFunction("getAlignedObservers", [&](orvex::Call& c) {

@@ -206,6 +206,9 @@ TEST_F(HostTraffic, observersAskTheHostForTheirPart) {
     std::vector<StreamingClients::ClientPtr> aligned;
     EXPECT_EQ(recorded({"kssvFEVAL_NoThrow"}, [&] { StreamingClients::getAlignedObservers(object, aligned); }),
               (Lines{"kssvFEVAL_NoThrow 1 getAlignedObservers (Kestrel.HMI.StreamingClients) true null"}));
+    EXPECT_EQ(recorded({"kssvFEVAL_NoThrow"}, [&] { ModelObservers::createFromSignalsAndClients(object, nullptr); }),
+              (Lines{"kssvFEVAL_NoThrow 1 Kestrel.HMI.ModelObservers.createFromSignalsAndClients "
+                     "(Kestrel.HMI.StreamingClients, []) true null"}));
     EXPECT_EQ(recorded(kCalls, [&] { ModelObservers::createFromSignalsAndClients(nullptr, object); }),
               (Lines{"kssvSetLocalScope []",
                      "kssvFEVAL_NoThrow 1 Kestrel.HMI.ModelObservers.createFromSignalsAndClients "
@@ -215,6 +218,7 @@ TEST_F(HostTraffic, observersAskTheHostForTheirPart) {
     HvArrayPtr parts;
     EXPECT_EQ(recorded(kCalls, [&] { bundle.getSignalsAndClients(signals, parts); }),
               (Lines{"kssvFEVAL_NoThrow 2 getSignalsAndClients (Kestrel.HMI.ModelObservers) true null"}));
+    EXPECT_EQ(recorded(kCalls, [&] { ModelObservers(nullptr).getSignalsAndClients(signals, parts); }), Lines{});
 }
 
 TEST_F(HostTraffic, aRefusalIsConsumedOnceAndAnErrorIsThrownWithItsCataloguesText) {
@@ -230,6 +234,11 @@ TEST_F(HostTraffic, aRefusalIsConsumedOnceAndAnErrorIsThrownWithItsCataloguesTex
               (Lines{"kssvDiscardDiagnostic"}));
     EXPECT_EQ(recorded(kDiagnostics, [&] { EXPECT_THROW(world.signals().get(9), kssvIException); }),
               (Lines{"kssvCreateDiagnostic InvalidElementIndex ''", "kssvThrowIExceptionFromDiagnostic null"}));
+    try {
+        world.signals().get(9);
+    } catch (const kssvIException& error) {
+        EXPECT_EQ(error.messageId().catalogue(), "plv_hmi_foundation:errors");
+    }
 }
 
 }  // namespace

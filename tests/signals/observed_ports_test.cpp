@@ -6,8 +6,8 @@ namespace {
 
 class ObservedPorts : public ModelTest {};
 
-// Only the key tells sub-paths apart, and to it an unpaired surrogate is the replacement character.
-TEST_F(ObservedPorts, subPathsMatchWhenTheirUtf8Does) {
+// Only the key tells sub-paths apart, and to it an unpaired surrogate is the replacement character. Paths are compared.
+TEST_F(ObservedPorts, pathsMatchUnitByUnitAndSubPathsWhenTheirUtf8Does) {
     std::vector<std::u16string> texts;
     for (const std::size_t letters : {0U, 2U, 5U, 9U})
         for (const std::u16string core :
@@ -20,9 +20,12 @@ TEST_F(ObservedPorts, subPathsMatchWhenTheirUtf8Does) {
         signals.add(port(u"Gain", 1));
         signals.get(0)->m_subPath = watched;
         signals.updateObservedPortMap();
-        for (const std::u16string& asked : texts)
-            ASSERT_EQ(signals.isPortObserved(0.0, u"Gain", asked, 1, 0, 0), utf8(asked) == utf8(watched))
-                << &watched - &texts[0] << " and " << &asked - &texts[0];
+        signals.add(port(watched, 1));
+        for (const std::u16string& asked : texts) {
+            SCOPED_TRACE(testing::Message() << &watched - &texts[0] << " and " << &asked - &texts[0]);
+            ASSERT_EQ(signals.isPortObserved(0.0, u"Gain", asked, 1, 0, 0), utf8(asked) == utf8(watched));
+            ASSERT_EQ(signals.isPortObserved(0.0, asked, u"", 1, 0, 0), asked == watched);
+        }
     }
 }
 

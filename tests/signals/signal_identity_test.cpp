@@ -62,7 +62,10 @@ TEST_F(SignalIdentity, anyDoubleAndAnyTextHashAsThePlainFormDoes) {
         const std::uint64_t bits = random();
         double handle = 0.0;
         std::memcpy(&handle, &bits, sizeof handle);
-        if (i % 2 == 0) handle = static_cast<double>(bits % 4096) / 1024.0;
+        // Whole numbers and dyadic fractions of any length, and what is next to powers of ten.
+        const auto upTo = [&](std::uint64_t limit) { return static_cast<int>(random() % limit); };
+        if (i % 2 == 0) handle = std::ldexp(static_cast<double>(bits >> upTo(64)), -upTo(20)) * (i % 4 - 1);
+        if (i % 8 == 7) handle = std::pow(10.0, upTo(20)) + std::ldexp(upTo(3) - 1, -upTo(20));
         const int port = static_cast<std::int32_t>(random());
         ASSERT_EQ(SignalSpecification::getCachedInfoHash(handle, port),
                   hashOf(format("%.17g", handle) + "$$" + std::to_string(port)));
@@ -118,6 +121,9 @@ TEST_F(SignalIdentity, portKeysHaveSixDecimals) {
     EXPECT_EQ(map.at("-3-7.250000"), "wrapped") << "a port beyond the signed numbers";
     EXPECT_TRUE(SignalSpecification::isInBlockHandleUUIDmap(1, 1.0));
     EXPECT_EQ(map.at("1-" + format("%f", 1e308)), "w");
+    constexpr double kLongest = std::numeric_limits<double>::lowest();
+    SignalSpecification::addToBlockHandleUUIDmap(1, kLongest, "x");
+    EXPECT_EQ(map.at("1-" + format("%f", kLongest)), "x");
     SignalSpecification::addToBlockHandleUUIDmap(5, 5.0, "");
     EXPECT_EQ(SignalSpecification::getUUIDFromBlockHandle(5, 5.0, true), "") << "an empty UUID is an entry";
 }

@@ -50,6 +50,7 @@ TEST(FileRecordingContext, namesTheFileByWhatFollowsTheLastSeparator) {
         {u"", u""},
         {u"/data/größe", u"größe"},
         {u"a//b", u"b"},
+        {u"a/b\\c", u"b\\c"},
         {u"a/.csv", u".csv"},
         {u"a/\xD800", u"\xD800"},
     };
