@@ -7,6 +7,7 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/json_document.h"
 #include "kshmi/print/json_records.h"
+#include "kshmi/print/name_notice.h"
 #include "kshmi/print/text_table.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
@@ -105,6 +106,7 @@ void printJson(const Session& session, const std::vector<Answer>& answers, std::
     const SignalUuids uuids(session);
     JsonDocument document("clients");
     document.object().text("model", session.model().name());
+    listUnsettled(document, session);
     document.list("clients", answers, [&](const Answer& answer) {
         JsonObject object(document.text());
         appendClient(object, *answer.client, answer.position, session, uuids);
@@ -133,6 +135,7 @@ int runClients(const ClientsArguments& arguments, const Output& output) {
     requireSelection(arguments.what, true);
     kshmi::enterHost(output.err);
     Session session(arguments.file);
+    noticeNames(session, output.err);
     std::vector<Answer> answers = answersOf(session);
     if (isGiven || isAnythingSelected(arguments.what)) narrow(session, arguments, output, answers);
     arguments.isJson ? printJson(session, answers, output.out) : printText(session, answers, output);

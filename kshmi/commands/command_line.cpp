@@ -49,9 +49,9 @@ void describe(CLI::App& app, Run& run) {
         "\"kshmi help COMMAND\" explains a command, with examples.\n"
         "\"kshmi example > cruise.json\" makes the model of the examples.");
     for (const auto add :
-         {addTour,    addShow,    addMark,   addSet,        addUnmark,   addQuery,  addObserve, addUnobserve,
-          addClients, addPorts,   addRename, addMove,       addRenumber, addImport, addDiff,    addMerge,
-          addCarry,   addExample, addHelp,   addCompletion, addNew,      addBlock,  addPort,    addChart})
+         {addTour,  addShow,       addMark, addSet,      addUnmark, addQuery, addObserve, addUnobserve, addClients,
+          addPorts, addRename,     addMove, addRenumber, addImport, addDiff,  addMerge,   addCarry,     addExample,
+          addHelp,  addCompletion, addNew,  addBlock,    addPort,   addChart, addCheck,   addPrune})
         add(app, run);
 }
 

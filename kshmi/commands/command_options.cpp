@@ -133,6 +133,11 @@ std::string messageOf(const Error& error) {
         case Remedy::removeDangling:
             return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(),
                                error.place().file);
+        case Remedy::settleNames:
+            return fmt::format(
+                "{}; let marks follow their names with \"kshmi check {} --mend names\", or accept what is there with "
+                "\"kshmi set {} REF --confirm\"",
+                error.what(), error.place().file, error.place().file);
         case Remedy::none:
             break;
     }

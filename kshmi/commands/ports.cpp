@@ -8,6 +8,7 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/json_document.h"
 #include "kshmi/print/json_records.h"
+#include "kshmi/print/name_notice.h"
 #include "kshmi/print/text_table.h"
 #include "workbench/find/below.h"
 #include "workbench/find/watching.h"
@@ -83,6 +84,7 @@ void printJson(const Session& session, const std::vector<Source>& sources, std::
     const SignalUuids uuids(session);
     JsonDocument document("ports");
     document.object().text("model", session.model().name());
+    listUnsettled(document, session);
     document.list("ports", sources, [&](const Source& source) {
         JsonObject object(document.text());
         const auto position = uuids.positionOf(source.uuid);
@@ -99,6 +101,7 @@ void printJson(const Session& session, const std::vector<Source>& sources, std::
 int runPorts(const PortsArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     const Session session(arguments.file);
+    noticeNames(session, output.err);
     const HvArrayPtr model = script::modelObject(session.model().name());
     const std::string below = fullBelow(session.model(), arguments.below);
     std::vector<Source> sources;

@@ -7,6 +7,7 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/json_document.h"
 #include "kshmi/print/json_records.h"
+#include "kshmi/print/name_notice.h"
 #include "workbench/session/session.h"
 #include "workbench/text/text.h"
 
@@ -49,9 +50,11 @@ void printLines(const kestrel::Model& model, const std::vector<Answer>& answers,
     }
 }
 
-void printJson(const kestrel::Model& model, const std::vector<Answer>& answers, std::ostream& out) {
+void printJson(const Session& session, const std::vector<Answer>& answers, std::ostream& out) {
+    const kestrel::Model& model = session.model();
     JsonDocument document("query");
     document.object().text("model", model.name());
+    listUnsettled(document, session);
     document.list("answers", answers, [&](const Answer& answer) {
         JsonObject object(document.text());
         appendSource(object, model, answer.source);
@@ -65,11 +68,12 @@ int runQuery(const QueryArguments& arguments, const Output& output) {
     requireSelection(arguments.what, false);
     kshmi::enterHost(output.err);
     const Session session(arguments.file);
+    noticeNames(session, output.err);
     const kestrel::Model& model = session.model();
     std::vector<Answer> answers;
     for (const SignalSource& source : select(model, arguments.what, output).sources())
         answers.push_back(ask(session, source, arguments.what.selection.options));
-    arguments.isJson ? printJson(model, answers, output.out) : printLines(model, answers, output.out);
+    arguments.isJson ? printJson(session, answers, output.out) : printLines(model, answers, output.out);
     const bool isAllObserved =
         std::all_of(answers.begin(), answers.end(), [](const Answer& answer) { return answer.isObserved; });
     return isAllObserved && !answers.empty() ? kSuccess : kNothing;

@@ -31,14 +31,15 @@ struct SetArguments {
     bool isOfClients = false;          ///< all clients of the signals
     std::vector<std::string> types;    ///< only these
     ClientArguments client;
+    bool isConfirmed = false;
     ChangeOptions options;
 };
 
 void requireSense(const SetArguments& arguments, const ClientSettings& client) {
     const bool isOfSignals = isAnythingSelected(arguments.what) || !arguments.signals.empty();
     const bool isOfClients = arguments.isOfClients || !arguments.clients.empty();
-    if (!arguments.settings.isAny() && !client.isAny())
-        throw Error("nothing to set; give --name, --decimation, --update-rate or another setting");
+    if (!arguments.settings.isAny() && !client.isAny() && !arguments.isConfirmed)
+        throw Error("nothing to set; give --name, --decimation, --update-rate or another setting, or --confirm");
     requireSelection(arguments.what, !arguments.signals.empty() || !arguments.clients.empty(), "--signal, --client");
     if (client.isAny() && !isOfClients)
         throw Error(
@@ -46,8 +47,10 @@ void requireSense(const SetArguments& arguments, const ClientSettings& client) {
             "is selected, or --client");
     if (!client.isAny() && isOfClients)
         throw Error("--clients and --client select clients; say what to set of them, such as --update-rate");
-    if (arguments.settings.isAny() && !isOfSignals)
-        throw Error("--name, --decimation and what else is said of signals need a signal; name a REF or give --signal");
+    if ((arguments.settings.isAny() || arguments.isConfirmed) && !isOfSignals)
+        throw Error(
+            "--confirm, --name, --decimation and what else is said of signals need a signal; name a REF or give "
+            "--signal");
     if (arguments.isOfClients && !isOfSignals)
         throw Error("--clients means the clients of what is selected; name a REF or give --signal");
 }
@@ -104,6 +107,26 @@ void setSignals(Session& session, const Positions& positions, const SignalSettin
         });
 }
 
+/// What settles marks one by one leaves the others unsettled.
+void confirm(Session& session, const Positions& positions, ChangeReport& report) {
+    session.keepUnsettledNames();
+    const auto describe = [&](std::size_t position) {
+        return fmt::format("{}, marked as {}", describeSignal(session, position),
+                           inQuotes(sourceName(session.model(), *session.signals().get(position)).value_or(u"")));
+    };
+    const Positions confirmed = session.names().confirm(positions);
+    for (const std::size_t position : positions) {
+        const auto members = [&](JsonObject& object) {
+            object.text("kind", std::string_view("signal"));
+            appendSignal(object, session, position);
+        };
+        if (std::binary_search(confirmed.begin(), confirmed.end(), position))
+            report.change(Fate::changed, "confirm", "confirmed", describe(position), members);
+        else
+            report.keep(Fate::unchanged, "already confirmed: " + describeSignal(session, position), members);
+    }
+}
+
 void setClients(Session& session, const Positions& positions, const ClientSettings& settings, ChangeReport& report) {
     const Positions changed = changeClients(session, positions, settings);
     const SignalUuids uuids(session);
@@ -133,6 +156,7 @@ int runSet(const SetArguments& arguments, const Output& output) {
     const Positions signals = signalsOf(session, arguments, output);
     const Positions clients = clientsOf(session, arguments, signals);
     ChangeReport report(output, "set", arguments.options);
+    if (arguments.isConfirmed) confirm(session, signals, report);
     if (arguments.settings.isAny()) setSignals(session, signals, arguments.settings, report);
     if (client.isAny()) setClients(session, clients, client, report);
     if (client.type && !clients.empty())
@@ -151,12 +175,15 @@ void addSet(CLI::App& app, Run& run) {
                    "  kshmi set cruise.json Sensors/Speed:1 --decimation 10 --name speed\n"
                    "  kshmi set cruise.json --all 'Sensors/*' --hide\n"
                    "  kshmi set cruise.json Sensors/Speed:1 --clients --update-rate 5\n"
+                   "  kshmi set cruise.json --all '*' --confirm\n"
                    "  kshmi set cruise.json --client 2 --params '{\"max\": 180}'",
                    arguments->file);
     addSelection(*command, arguments->what);
     command->add_option("--signal", arguments->signals, "the signal with this UUID or position; may be repeated")
         ->allow_extra_args(false);
     addSettings(*command, arguments->settings);
+    command->add_flag("--confirm", arguments->isConfirmed,
+                      "what the signals are on is what was meant, whatever it is called now");
     command->add_option("--client", arguments->clients, "the client with this UUID or position; may be repeated")
         ->allow_extra_args(false);
     command->add_flag("--clients", arguments->isOfClients, "all clients of the signals that are selected");

@@ -11,6 +11,7 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/json_document.h"
 #include "kshmi/print/json_records.h"
+#include "kshmi/print/name_notice.h"
 #include "kshmi/print/shown_model.h"
 #include "signals/signal_specification.h"
 #include "workbench/find/below.h"
@@ -70,6 +71,7 @@ void printJson(const ShownModel& shown, std::ostream& out) {
         if (node.block != nullptr) blocks.push_back(&node);
     JsonDocument document("show");
     document.object().text("model", session.model().name());
+    listUnsettled(document, session);
     document.list("signals", shown.signals, [&](std::size_t i) {
         JsonObject object(document.text());
         appendSignal(object, session, i);
@@ -172,6 +174,8 @@ std::string filtersOf(const ShowArguments& arguments) {
 int runShow(const ShowArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     const Session session(arguments.file);
+    noticeNames(session, output.err);
+    noticeUnconfirmed(session, output.err);
     ShownModel shown = shownOf(session, arguments);
     if (isNarrowed(arguments.what)) narrow(arguments.what, output, shown);
     if (arguments.limit > 0) cut(shown, arguments.limit);

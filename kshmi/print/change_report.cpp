@@ -52,6 +52,7 @@ void ChangeReport::note(Fate fate, const std::string& expected, const std::strin
 }
 
 ExitCode ChangeReport::finish(Session& session) {
+    if (m_changes > 0) session.requireSettledNames();
     const bool isSaved = m_changes > 0 && !m_options.isDryRun;
     const auto [leftOut, warnings] = isSaved ? session.save() : Session::SaveResult();
     m_options.isJson ? printJson(session, isSaved) : printText(session, isSaved, leftOut);

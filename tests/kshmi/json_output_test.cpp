@@ -126,6 +126,8 @@ TEST_F(JsonOutput, ofEveryCommandFitsTheSchema) {
         "mark A Logic",
         "set A --decimation 3 --clients --update-rate 4",
         "observe A:1 Logic --type t --params {\"a\":[1,{}]}",
+        "check --mend all --dry-run",
+        "prune --dry-run",
         "unobserve --type t --dry-run",
         "unobserve --unused",
         "move A B/C",

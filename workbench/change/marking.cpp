@@ -100,6 +100,7 @@ bool isMarked(const Session& session, const SignalSource& source, const std::u16
 void removeSignals(Session& session, Positions positions) {
     // From the last to the first: positions stay valid, and of a port's signals the first keeps its UUID.
     sortUnique(positions, std::greater<>());
+    session.names().forget(positions);
     for (const std::size_t position : positions) {
         keepUuid(session, session.signalSet(), position);
         script::remove(session.signalSet(), position + 1);

@@ -11,6 +11,7 @@
 #include "workbench/files/file_version.h"
 #include "workbench/model_file/model_extras.h"
 #include "workbench/model_file/record_table.h"
+#include "workbench/text/error.h"
 
 namespace workbench {
 
@@ -39,6 +40,12 @@ inline constexpr std::string_view kStandardStream = "-";
 ModelFile readModelFile(const std::string& path);
 /// The same of a text in memory; `name` stands for the path in messages.
 ModelFile readModelText(const std::string& name, const std::string& text);
+/// Takes a fault of a block, of a chart's items, or of a value in a record.
+using FaultSink = std::function<void(const Error& fault)>;
+/// The same, but such faults are handed on and left out of the result: the block, the chart item, the value, which is
+/// unset. Whatever else is wrong is thrown.
+ModelFile readModelFile(const std::string& path, const FaultSink& faults);
+ModelFile readModelText(const std::string& name, const std::string& text, const FaultSink& faults);
 
 /// Takes the next piece of what is written.
 using TextSink = std::function<void(std::string_view piece)>;

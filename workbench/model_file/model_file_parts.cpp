@@ -48,16 +48,23 @@ void ModelFileParts::setBlockText(std::string_view key, std::u16string text) {
         block().source = toUtf8(text);
 }
 
+void ModelFileParts::tell(const Error& fault) const {
+    if (!m_faults) throw Error(fault);
+    (*m_faults)(fault);
+}
+
 void ModelFileParts::checkChart(const std::string& pointer) const {
     const kestrel::Chart& chart = *m_blocks.back().block.chart;
     std::set<std::uint32_t> identifiers;
     std::set<std::u16string_view> texts;
+    const auto refuse = [&](const std::string& text) {
+        tell(Error({m_file.path(), m_file.line(), pointer}, text, ErrorCode::format));
+    };
     const auto check = [&](std::uint32_t ssid, std::u16string_view text) {
-        if (text.empty()) m_file.fail(pointer, "a state needs a path and a datum a name");
+        if (text.empty()) return refuse("a state needs a path and a datum a name");
         if (!identifiers.insert(ssid).second)
-            m_file.fail(pointer, "the SSID " + std::to_string(ssid) + " appears twice; give each item its own");
-        if (!texts.insert(text).second)
-            m_file.fail(pointer, inQuotes(text) + " appears twice; give each item its own name");
+            refuse("the SSID " + std::to_string(ssid) + " appears twice; give each item its own");
+        if (!texts.insert(text).second) refuse(inQuotes(text) + " appears twice; give each item its own name");
     };
     for (const kestrel::ChartState& state : chart.states) check(state.ssid, state.path);
     texts.clear();
@@ -83,22 +90,26 @@ ModelFile ModelFileParts::finish() {
 }
 
 kestrel::Model ModelFileParts::buildModel() {
-    std::size_t line = m_nameLine;
-    std::string pointer = "/name";
+    const auto refusal = [&](std::size_t line, const std::string& pointer, const kestrel::ModelError& error) {
+        return Error({m_file.path(), line, pointer}, fmt::format("{} Change it.", printableMessage(error.what())),
+                     ErrorCode::model);
+    };
+    std::optional<kestrel::Model> model;
     try {
-        kestrel::Model model(m_name);
-        for (std::size_t i = 0; i < m_blocks.size(); ++i) {
-            kestrel::Block& block = m_blocks[i].block;
-            const bool isPathBad = !kestrel::isBlockPath(block.path) || model.findByPath(block.path);
-            line = m_blocks[i].line;
-            pointer = "/blocks/" + std::to_string(i) + (isPathBad ? "/path" : "/eid");
-            model.add(std::move(block));
-        }
-        return model;
+        model.emplace(m_name);
     } catch (const kestrel::ModelError& error) {
-        throw Error({m_file.path(), line, pointer},
-                    fmt::format("{} Change it.", printableMessage(error.what())), ErrorCode::model);
+        throw refusal(m_nameLine, "/name", error);
     }
+    for (std::size_t i = 0; i < m_blocks.size(); ++i) {
+        kestrel::Block& block = m_blocks[i].block;
+        const bool isPathBad = !kestrel::isBlockPath(block.path) || model->findByPath(block.path);
+        try {
+            model->add(std::move(block));
+        } catch (const kestrel::ModelError& error) {
+            tell(refusal(m_blocks[i].line, fmt::format("/blocks/{}/{}", i, isPathBad ? "path" : "eid"), error));
+        }
+    }
+    return std::move(*model);
 }
 
 }  // namespace workbench

@@ -16,8 +16,10 @@ namespace workbench {
 /// end. Throws `Error` at the file's current line for what cannot be.
 class ModelFileParts {
 public:
-    explicit ModelFileParts(const JsonFile& file)
+    /// `faults` may be null: the first one is thrown then.
+    ModelFileParts(const JsonFile& file, const FaultSink* faults)
         : m_file(file),
+          m_faults(faults),
           m_signals(file, RecordKind::signal),
           m_clients(file, RecordKind::client),
           m_parkedSignals(file, RecordKind::signal),
@@ -39,6 +41,9 @@ public:
     void beginBlock();
     kestrel::Block& block() noexcept { return m_blocks.back().block; }
     void setBlockText(std::string_view key, std::u16string text);
+    bool isLenient() const noexcept { return m_faults != nullptr; }
+    /// What is wrong with a block, a chart's items or a value.
+    void tell(const Error& fault) const;
     /// A chart's items must be told apart by identifier, states by path and data by name.
     void checkChart(const std::string& pointer) const;
 
@@ -63,6 +68,7 @@ private:
     kestrel::Model buildModel();
 
     const JsonFile& m_file;
+    const FaultSink* m_faults;
     std::u16string m_name;
     std::size_t m_nameLine = 0;
     std::vector<PlacedBlock> m_blocks;

@@ -25,7 +25,7 @@ using shapes::Rule;
 /// Follows the document's structure and hands what it finds to the parts.
 class ModelFileReader final : public JsonSink {
 public:
-    explicit ModelFileReader(const JsonFile& file) : m_file(file), m_parts(file) {}
+    ModelFileReader(const JsonFile& file, const FaultSink* faults) : m_file(file), m_parts(file, faults) {}
     ModelFile finish() { return m_parts.finish(); }
 
     void beginObject() override { begin(Kind::object, &JsonSink::beginObject); }
@@ -282,7 +282,12 @@ void ModelFileReader::build(Event event) {
 
 void ModelFileReader::deliverValue() {
     const Frame& frame = m_frames.back();
-    records(frame.place).setField(frame.position, m_value.take());
+    try {
+        records(frame.place).setField(frame.position, m_value.take());
+    } catch (const Error& fault) {
+        if (!m_parts.isLenient()) throw;
+        m_parts.tell(Error({m_file.path(), m_file.line(), pointer()}, fault.text(), ErrorCode::format));
+    }
     advance();
 }
 
@@ -297,9 +302,9 @@ void ModelFileReader::failKind(const std::string& found) const {
     m_file.fail(pointer(), found + " appears where " + shapes::describe(expected().kind) + " is expected; correct it");
 }
 
-ModelFile readDocument(JsonFile& file) {
+ModelFile readDocument(JsonFile& file, const FaultSink* faults = nullptr) {
     const auto version = file.version();
-    ModelFileReader reader(file);
+    ModelFileReader reader(file, faults);
     file.read(reader);
     ModelFile result = reader.finish();
     result.version = version;
@@ -324,6 +329,18 @@ ModelFile readModelFile(const std::string& path) {
 ModelFile readModelText(const std::string& name, const std::string& text) {
     JsonFile file = JsonFile::ofText(name, text);
     return readDocument(file);
+}
+
+ModelFile readModelFile(const std::string& path, const FaultSink& faults) {
+    JsonFile file = path == kStandardStream ? JsonFile::ofStandardInput() : JsonFile(path);
+    return readDocument(file, &faults);
+}
+
+ModelFile readModelText(const std::string& name, const std::string& text, const FaultSink& faults) {
+    JsonFile file = JsonFile::ofText(name, text);
+    ModelFile result = readDocument(file, &faults);
+    result.version.reset();
+    return result;
 }
 
 }  // namespace workbench

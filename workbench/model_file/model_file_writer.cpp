@@ -72,6 +72,8 @@ void appendRecord(std::string& out, const hvArray* records, std::size_t element,
     for (int i = 0; i < hvGetNumberOfFields(records); ++i) {
         const std::string_view name = hvGetFieldNameByNumber(records, i);
         const hvArray* const field = hvGetField(records, element, name.data());
+        // Parked records stay as they were read.
+        if (!field && isCountField(name)) continue;
         if (isCountField(name)) {
             object.number(name, hvGetScalarInt(field));
             continue;

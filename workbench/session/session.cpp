@@ -5,13 +5,13 @@
 #include <string_view>
 #include <unordered_set>
 #include <utility>
-#include <variant>
 
 #include "foundation/model_path.h"
 #include "host/messages.h"
 #include "host/values.h"
 #include "signals/signal_specification.h"
 #include "workbench/session/record_alignment.h"
+#include "workbench/session/refused_field.h"
 #include "workbench/session/script.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -19,22 +19,6 @@
 namespace workbench {
 
 namespace {
-
-/// The field and the 1-based element that a refusal of persisted data names.
-struct RefusedField {
-    std::string field;
-    std::size_t element = 0;
-};
-
-RefusedField refusedField(const resource_core::BaseMsgID& id) {
-    RefusedField refused;
-    const bool namesField = id.key() == "MissingField" || id.key() == "InvalidFieldValue";
-    if (id.catalogue() != "plv_hmi_foundation:errors" || !namesField || id.arguments().size() != 2) return refused;
-    if (const auto* field = std::get_if<std::string>(id.arguments().data())) refused.field = *field;
-    if (const auto* element = std::get_if<std::int64_t>(&id.arguments()[1]))
-        refused.element = static_cast<std::size_t>(*element);
-    return refused;
-}
 
 std::u16string fullEid(const kestrel::Model& model, const kestrel::Block& block) {
     return toUtf16(ks_hmi_foundation::AddModelToEID(block.eid, model.name()));
@@ -60,15 +44,16 @@ Session::~Session() {
 
 void Session::open(ModelFile file, Opening opening) {
     m_version = file.version;
-    keep(std::move(file.extras), file.signals.get());
+    m_extras = std::move(file.extras);
     m_loaded = &kestrel::loadedModels().load(std::move(file.model));
     makeSets();
     // Before the index is built: an old path may be another block's now.
     alignRecords(file.signals.get(), model());
     give(signalSet(), file.signals.get(), RecordKind::signal, file.signalLines);
     give(clientSet(), file.clients.get(), RecordKind::client, file.clientLines);
+    m_names.emplace(*m_signals, model(), std::exchange(m_extras.markedNames, {}));
     check(file.signalLines, opening);
-    checkClients(file.clientLines);
+    if (opening != Opening::anyhow) checkClients(file.clientLines);
     bindRenumbered();
 }
 
@@ -106,14 +91,31 @@ void Session::checkClients(const std::vector<RecordLines>& lines) const {
 
 void Session::check(const std::vector<RecordLines>& lines, Opening opening) {
     for (SignalFault& fault : faultsOf(signals(), model())) {
-        if (!fault.isDangling || opening == Opening::strict) {
-            const char* const advice = fault.isDangling ? "; correct it" : "; correct it or remove the signal";
-            throw Error(recordPlace(m_path, RecordKind::signal, lines, fault.position, fault.field),
-                        fault.text + advice, ErrorCode::model,
-                        fault.isDangling ? Remedy::removeDangling : Remedy::none);
-        }
-        m_dangling.push_back(std::move(fault));
+        const bool isLetIn = opening == Opening::anyhow || (fault.isDangling && opening == Opening::lenient);
+        if (!isLetIn) refuse(fault, recordPlace(m_path, RecordKind::signal, lines, fault.position, fault.field));
+        if (fault.isDangling) m_dangling.push_back(std::move(fault));
     }
+}
+
+void Session::refuse(const SignalFault& fault, const ErrorPlace& place) const {
+    if (!fault.isDangling) throw Error(place, fault.text + "; correct it or remove the signal", ErrorCode::model);
+    for (const UnsettledMark& mark : m_names->unsettled())
+        if (mark.position == fault.position)
+            throw Error(place, fmt::format("{}; {}", fault.text, describe("the signal", mark.name, mark.isItem)),
+                        ErrorCode::model, Remedy::settleNames);
+    throw Error(place, fault.text + "; correct it", ErrorCode::model, Remedy::removeDangling);
+}
+
+void Session::requireSettledNames() const {
+    const std::vector<UnsettledMark> marks = m_names->unsettled();
+    if (marks.empty() || m_keepsUnsettled) return;
+    const UnsettledMark& mark = marks.front();
+    const std::string name = toUtf8(fullName(model(), sourceOf(model(), *signals().get(mark.position))));
+    const std::string more = marks.size() > 1 ? fmt::format(" (and {} more)", counted(marks.size() - 1, "mark")) : "";
+    throw Error(
+        {m_path, 0, {}},
+        fmt::format("not saved: {}{}", describe(inQuotes(std::string_view(name)), mark.name, mark.isItem), more),
+        ErrorCode::model, Remedy::settleNames);
 }
 
 // A path finds a port by its logical number, which blocks do not tell; once bound, ports answer by handle.
@@ -150,27 +152,26 @@ void Session::requirePaths(const hvArray* saved) const {
                         ErrorCode::host);
 }
 
-void Session::keep(ModelExtras extras, const hvArray* signals) {
-    m_extras = std::move(extras);
-    for (const std::size_t i : ks_host::indicesOf(signals))
-        if (const std::u16string* const name = m_extras.markedName(i))
-            m_markedNames.emplace(ks_host::textOf(hvGetField(signals, i, "UUID")), *name);
-}
-
-void Session::nameMarks(const hvArray* saved) {
-    m_extras.markedNames.clear();
-    for (const std::size_t i : ks_host::indicesOf(saved)) {
-        const auto found = m_markedNames.find(ks_host::textOf(hvGetField(saved, i, "UUID")));
-        m_extras.markedNames.push_back(found == m_markedNames.end() ? std::nullopt : std::optional(found->second));
+// Only what is there can be aligned; what is settled later keeps the path that it had.
+void Session::keepLostPaths(hvArray* saved) const {
+    std::size_t element = 0;
+    for (std::size_t i = 0; i < signals().getCount(); ++i) {
+        const ks_hmi::SignalSpecification& signal = *signals().get(i);
+        if (signal.m_excludeForSave) continue;
+        if (!blockOf(model(), signal))
+            hvReplaceField(saved, element, "BlockPath_", ks_host::makeText(signal.m_blockPath).release());
+        ++element;
     }
 }
 
 Session::Saved Session::savedForm() {
+    requireSettledNames();
     const HvArrayPtr copy = signals().copy(/*excludeUnsaved=*/true);
     Saved saved{script::persistence(copy.get()), nullptr};
+    if (m_keepsUnsettled) keepLostPaths(saved.signals.get());
     requirePaths(saved.signals.get());
     saved.clients = script::persistence(clientSet());
-    nameMarks(saved.signals.get());
+    m_extras.markedNames = m_names->toSave();
     return saved;
 }
 

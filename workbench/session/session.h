@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "host/hv_array.h"
@@ -11,6 +10,7 @@
 #include "observers/streaming_clients.h"
 #include "signals/instrumented_signals.h"
 #include "workbench/model_file/model_file.h"
+#include "workbench/session/marked_names.h"
 #include "workbench/session/signal_checks.h"
 #include "workbench/session/signal_source.h"
 
@@ -23,6 +23,7 @@ public:
     enum class Opening {
         strict,   ///< a signal that does not fit the model is refused
         lenient,  ///< signals whose block, port or chart item is gone are let in
+        anyhow,   ///< whatever is wrong with signals and clients, for mending it
     };
 
     /// Throws `Error` for a file that cannot be opened.
@@ -38,6 +39,17 @@ public:
     const kestrel::Model& model() const noexcept { return m_loaded->model(); }
     /// Where the model was imported from; nothing when it was not.
     const std::optional<Origin>& origin() const noexcept { return m_extras.origin; }
+    const std::vector<ParkedMark>& parked() const noexcept { return m_extras.parked; }
+    /// Drops all parked marks.
+    void dropParked() noexcept { m_extras.parked.clear(); }
+    /// What the marks were called when they were made.
+    MarkedNames& names() noexcept { return *m_names; }
+    const MarkedNames& names() const noexcept { return *m_names; }
+    /// Throws `Error` while a mark does not stand where its name does; so does every save, so that nothing is built on
+    /// a mark that has slid.
+    void requireSettledNames() const;
+    /// Lets saves keep such marks as they are, unsettled: for what settles them one by one.
+    void keepUnsettledNames() noexcept { m_keepsUnsettled = true; }
     /// The host object of the set of signals, for scripts.
     hvArray* signalSet() noexcept { return m_loaded->signals(); }
     const hvArray* signalSet() const noexcept { return m_loaded->signals(); }
@@ -86,15 +98,15 @@ private:
     };
     /// `m_extras` then goes with it.
     Saved savedForm();
-    void keep(ModelExtras extras, const hvArray* signals);
-    void nameMarks(const hvArray* saved);
     std::size_t leftOut(const Saved& saved) const;
     SaveResult noteWritten(const Saved& saved, WrittenFile file);
     void makeSets();
     void give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const;
     void checkClients(const std::vector<RecordLines>& lines) const;
     void check(const std::vector<RecordLines>& lines, Opening opening);
+    [[noreturn]] void refuse(const SignalFault& fault, const ErrorPlace& place) const;
     void bindRenumbered();
+    void keepLostPaths(hvArray* saved) const;
     void requirePaths(const hvArray* saved) const;
 
     std::string m_path;
@@ -102,9 +114,10 @@ private:
     ks_hmi::InstrumentedSignals* m_signals = nullptr;
     ks_hmi::StreamingClients* m_clients = nullptr;
     ModelExtras m_extras;
-    std::unordered_map<std::u16string, std::u16string> m_markedNames;  ///< by the signals' UUIDs
     std::vector<SignalFault> m_dangling;
     TextSink m_sink;
+    std::optional<MarkedNames> m_names;
+    bool m_keepsUnsettled = false;
     std::optional<FileVersion> m_version;  ///< of the file that was read or saved last
 };
 

@@ -15,48 +15,56 @@ namespace {
 
 using ks_hmi::SignalSpecification;
 
-SignalFault dangling(const char* field, std::string text) { return {0, field, std::move(text), true}; }
-SignalFault wrong(const char* field, std::string text) { return {0, field, std::move(text), false}; }
+SignalFault dangling(Misfit misfit, const char* field, std::string text) {
+    return {0, field, std::move(text), true, misfit};
+}
+SignalFault wrong(Misfit misfit, const char* field, std::string text) {
+    return {0, field, std::move(text), false, misfit};
+}
 
 std::optional<SignalFault> portFault(const SignalSpecification& signal, const kestrel::Block& block) {
     if (!signal.m_subPath.empty())
-        return wrong("SubPath_",
+        return wrong(Misfit::kind, "SubPath_",
                      "the sub-path " + inQuotes(signal.m_subPath) + " is for chart items, and this is a port");
     const auto port = static_cast<std::size_t>(signal.m_outputPortIndex);
     if (signal.m_outputPortIndex >= 1 && port <= block.outputs.size()) return std::nullopt;
-    return dangling("OutputPortIndex_", "the block " + inQuotes(block.path) + " has no output port " +
-                                            std::to_string(signal.m_outputPortIndex) + " (it has " +
-                                            counted(block.outputs.size(), "port") + ")");
+    return dangling(Misfit::portGone, "OutputPortIndex_",
+                    "the block " + inQuotes(block.path) + " has no output port " +
+                        std::to_string(signal.m_outputPortIndex) + " (it has " + counted(block.outputs.size(), "port") +
+                        ")");
 }
 
 std::optional<SignalFault> chartFault(const SignalSpecification& signal, const kestrel::Block& block) {
-    if (!block.chart) return dangling("DomainType_", "the block " + inQuotes(block.path) + " is not a chart");
+    if (!block.chart)
+        return dangling(Misfit::itemGone, "DomainType_", "the block " + inQuotes(block.path) + " is not a chart");
     const std::optional<std::uint32_t> ssid = ssidOf(signal);
-    if (!ssid) return wrong("DomainParams_", "\"SSID\" is not a plain whole number");
+    if (!ssid) return wrong(Misfit::ssid, "DomainParams_", "\"SSID\" is not a plain whole number");
     const std::optional<ChartItem> item = chartItemOf(block, *ssid);
     if (!item || item->domainType != signal.m_domainType)
-        return dangling("DomainParams_", "the chart " + inQuotes(block.path) + " has no item with the SSID " +
-                                             toUtf8(signal.getValueForDomainParams(u"SSID")) + " for the domain " +
-                                             inQuotes(signal.m_domainType));
+        return dangling(Misfit::itemGone, "DomainParams_",
+                        "the chart " + inQuotes(block.path) + " has no item with the SSID " +
+                            toUtf8(signal.getValueForDomainParams(u"SSID")) + " for the domain " +
+                            inQuotes(signal.m_domainType));
     const std::u16string activity = signal.getValueForDomainParams(u"Activity");
     if (hasActivity(*item, activity)) return std::nullopt;
-    return wrong("DomainParams_",
+    return wrong(Misfit::activity, "DomainParams_",
                  "the activity " + inQuotes(activity) + " is not one of the item's: " + activityList(*item));
 }
 
+}  // namespace
+
 std::optional<SignalFault> sourceFault(const SignalSpecification& signal, const kestrel::Model& model) {
     if (!signal.m_domainType.empty() && !isChartSignal(signal))
-        return wrong("DomainType_", "the domain " + inQuotes(signal.m_domainType) +
-                                        " is not one of cw_chart, cw_state and cw_data; for a port, leave it empty");
+        return wrong(Misfit::kind, "DomainType_",
+                     "the domain " + inQuotes(signal.m_domainType) +
+                         " is not one of cw_chart, cw_state and cw_data; for a port, leave it empty");
     const kestrel::Block* const block = blockOf(model, signal);
     if (block) return isChartSignal(signal) ? chartFault(signal, *block) : portFault(signal, *block);
     const std::string path = "(path " + inQuotes(signal.m_blockPath) + ")";
-    if (signal.m_eid.empty()) return dangling("BlockPath_", "the model has no such block " + path);
-    return dangling("EID_",
+    if (signal.m_eid.empty()) return dangling(Misfit::blockGone, "BlockPath_", "the model has no such block " + path);
+    return dangling(Misfit::blockGone, "EID_",
                     "the model has no block with the element identifier " + inQuotes(signal.m_eid) + " " + path);
 }
-
-}  // namespace
 
 std::vector<SignalFault> faultsOf(const ks_hmi::InstrumentedSignals& set, const kestrel::Model& model) {
     std::vector<SignalFault> faults;
@@ -66,8 +74,8 @@ std::vector<SignalFault> faultsOf(const ks_hmi::InstrumentedSignals& set, const 
         const SignalSpecification& signal = *set.get(i);
         std::optional<SignalFault> fault = sourceFault(signal, model);
         if (!uuids.insert(signal.m_uuid).second)
-            fault = wrong("UUID", "another signal has the UUID " + inQuotes(signal.m_uuid));
-        if (signal.m_uuid.empty()) fault = wrong("UUID", "the signal has no UUID");
+            fault = wrong(Misfit::uuidTaken, "UUID", "another signal has the UUID " + inQuotes(signal.m_uuid));
+        if (signal.m_uuid.empty()) fault = wrong(Misfit::uuidMissing, "UUID", "the signal has no UUID");
         if (!fault) continue;
         fault->position = i;
         faults.push_back(std::move(*fault));

@@ -29,6 +29,7 @@ enum class Remedy : std::uint8_t {
     unmark,          ///< ask for the marks to be removed, too
     removeBelow,     ///< ask for what is below to be removed, too
     removeDangling,  ///< remove the signals of the error's file whose source is gone
+    settleNames,     ///< let the marks of the error's file follow their names, or confirm them
 };
 
 /// Where in a file an error is. All parts may be missing.

@@ -110,14 +110,14 @@ TEST_F(ModelInMemory, errorTellsItsPlaceAndItsRemedyAsData) {
 
 TEST_F(ModelInMemory, namesOfMarksAndParkedMarksOutliveASave) {
     const std::string named =
-        replaced(kModel, "\"VisualType_\": \"\"\n", "\"VisualType_\": \"\",\n      \"markedName\": \"x\"\n");
+        replaced(kModel, "\"VisualType_\": \"\"\n", "\"VisualType_\": \"\",\n      \"markedName\": \"On/Fast\"\n");
     const std::string mark =
         R"("parked": [{"lost": "port", "from": "m", "clients": [], "signal": {"UUID": "u-7", "markedName": ""}}])";
     const ModelFile file = readModelText("text", named.substr(0, named.size() - 3) + ", " + mark + "}");
     ASSERT_EQ(file.extras.parked.size(), 1U);
     EXPECT_EQ(file.extras.parked[0].markedName, u"");
     ASSERT_NE(file.extras.markedName(1), nullptr);
-    EXPECT_EQ(*file.extras.markedName(1), u"x");
+    EXPECT_EQ(*file.extras.markedName(1), u"On/Fast");
     EXPECT_EQ(file.extras.markedName(0), nullptr);
     const std::string text = modelText(file);
     EXPECT_NE(text.find("\"lost\": \"port\",\n      \"from\": \"m\"\n    }\n  ]\n}\n"), std::string::npos) << text;

@@ -1,0 +1,43 @@
+#include "kshmi/print/name_notice.h"
+
+#include <fmt/format.h>
+
+#include "kshmi/print/findings.h"
+#include "kshmi/print/json_records.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+using namespace workbench;
+
+void noticeNames(const Session& session, std::ostream& err) {
+    const std::size_t count = session.names().unsettled().size();
+    if (count == 0) return;
+    err << fmt::format("notice: {}: {} not stand where {} marked; \"kshmi check {}\" lists {}\n",
+                       printable(std::string_view(session.path())),
+                       counted(count, "mark") + (count == 1 ? " does" : " do"), count == 1 ? "it was" : "they were",
+                       printableMessage(shellWord(session.path())), count == 1 ? "it" : "them");
+}
+
+void listUnsettled(JsonDocument& document, const Session& session) {
+    const std::vector<UnsettledMark> marks = session.names().unsettled();
+    if (marks.empty()) return;
+    document.list("unsettled", marks, [&](const UnsettledMark& mark) {
+        JsonObject object(document.text());
+        appendSignalId(object, session, mark.position);
+        object.text("markedName", mark.name.markedName);
+        object.text("text", std::string_view(describe("the signal", mark.name, mark.isItem))).close();
+    });
+}
+
+void noticeUnconfirmed(const Session& session, std::ostream& err) {
+    const std::size_t count = session.names().unconfirmed().size();
+    if (count == 0) return;
+    err << fmt::format(
+        "notice: {}: {} without a name, so changed port numbers go unnoticed; \"kshmi set {} --all '*' --confirm\" "
+        "keeps the names of today\n",
+        printable(std::string_view(session.path())), counted(count, "mark") + (count == 1 ? " is" : " are"),
+        printableMessage(shellWord(session.path())));
+}
+
+}  // namespace kshmi

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "workbench/check/finding.h"
+#include "workbench/model_file/model_file.h"
+
+/// Looks for whatever is wrong, or may go wrong, in a model file: also in one that does not open. Of what opening
+/// refuses there is at least one finding of the level error.
+namespace workbench {
+
+struct CheckedFile {
+    std::string path{};
+    std::vector<Finding> findings{};
+    /// What was read; nothing for a file that cannot be read or is no model file.
+    std::optional<ModelFile> contents{};
+    /// Whether all of it was: what a finding of the kind `file` is about is not in the contents.
+    bool isWhole = true;
+
+    std::size_t count(FindingLevel level) const noexcept;
+    bool isReadable() const noexcept;
+};
+
+/// Faults become findings: what the file holds throws nothing. No model is loaded.
+CheckedFile checkFile(const std::string& path);
+/// The same of a text; `path` stands for its file.
+CheckedFile checkText(const std::string& path, const std::string& text);
+
+}  // namespace workbench

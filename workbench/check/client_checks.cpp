@@ -1,0 +1,105 @@
+#include "workbench/check/client_checks.h"
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "host/values.h"
+#include "observers/signal_client.h"
+#include "workbench/check/record_checks.h"
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+namespace {
+
+using ks_hmi::SignalClient;
+
+class ClientChecks {
+public:
+    explicit ClientChecks(CheckedFile& checked)
+        : m_model(checked.contents->model), m_checks(checked, RecordKind::client) {
+        const hvArray* const signals = checked.contents->signals.get();
+        for (const std::size_t i : ks_host::indicesOf(signals))
+            if (const hvArray* const uuid = hvGetField(signals, i, "UUID"))
+                m_signals.insert(toUtf8(ks_host::textOf(uuid)));
+    }
+
+    void run() {
+        for (std::size_t i = 0; i < m_checks.count(); ++i) {
+            SignalClient client;
+            const auto read = [&] { client.setFromPersistentData(m_checks.records(), i); };
+            if (!m_checks.isFaulty(i) && m_checks.isRead(i, read)) check(client, i);
+        }
+    }
+
+private:
+    void check(const SignalClient& client, std::size_t position);
+    void checkUuid(const SignalClient& client, std::size_t position);
+    void checkSignal(const SignalClient& client, std::size_t position);
+    void checkParameters(const SignalClient& client, std::size_t position);
+    void add(FindingCode code, const SignalClient& client, std::size_t position, const std::string& field,
+             std::string text) {
+        m_checks.add(code, position, field, std::move(text), client.m_uuid, {});
+    }
+
+    const kestrel::Model& m_model;
+    RecordChecks m_checks;
+    std::unordered_set<std::string> m_signals;
+};
+
+void ClientChecks::check(const SignalClient& client, std::size_t position) {
+    checkUuid(client, position);
+    checkSignal(client, position);
+    if (client.isDeprecatedObserver())
+        add(FindingCode::clientDeprecated, client, position, "ObserverType_",
+            fmt::format("the kind {} is no longer supported", inQuotes(std::string_view(client.m_observerType))));
+    const bool hasEid = !client.m_modelPathEID.empty() && !client.m_modelPathEID.front().empty();
+    if (!client.m_modelPath.empty() && !hasEid)
+        add(FindingCode::clientWithoutEid, client, position, "ModelPathEID_",
+            "the model path has no element identifier, and is lost when the block moves");
+    checkParameters(client, position);
+}
+
+void ClientChecks::checkUuid(const SignalClient& client, std::size_t position) {
+    if (client.m_uuid.empty())
+        return add(FindingCode::clientUuidMissing, client, position, "UUID", "the client has no UUID");
+    const std::size_t first = m_checks.firstWith(client.m_uuid, position);
+    if (first != position)
+        add(FindingCode::clientUuidTaken, client, position, "UUID",
+            fmt::format("client {} has the UUID {} already", first + 1, inQuotes(std::string_view(client.m_uuid))));
+}
+
+void ClientChecks::checkSignal(const SignalClient& client, std::size_t position) {
+    // Without a model path a client belongs to the model that it is saved in, whatever it says.
+    const bool isForeign =
+        !client.m_modelPath.empty() && !client.m_sourceModel.empty() && client.m_sourceModel != m_model.name();
+    if (isForeign)
+        return add(FindingCode::clientForeign, client, position, "SourceModel_",
+                   fmt::format("the client is of the model {}, and this is {}", inQuotes(client.m_sourceModel),
+                               inQuotes(m_model.name())));
+    // A longer path leads into models below, whose signals are in files of their own.
+    if (client.m_modelPath.size() > 1 || m_signals.contains(client.m_signalUUID)) return;
+    add(FindingCode::clientWithoutSignal, client, position, "SignalUUID_",
+        fmt::format("the model has no signal with the UUID {}", inQuotes(std::string_view(client.m_signalUUID))));
+}
+
+void ClientChecks::checkParameters(const SignalClient& client, std::size_t position) {
+    const hvArray* const params = client.m_observerParams.get();
+    if (!params || hvGetClassID(params) != hvSTRUCT_CLASS) return;
+    for (int i = 0; i < hvGetNumberOfFields(params); ++i) {
+        const std::string_view name = hvGetFieldNameByNumber(params, i);
+        if (!isFieldName(name))
+            add(FindingCode::clientParameter, client, position, "ObserverParams_",
+                fmt::format("the parameter {} cannot be a field's name", inQuotes(name)));
+    }
+}
+
+}  // namespace
+
+void checkClients(CheckedFile& checked) { ClientChecks(checked).run(); }
+
+}  // namespace workbench

@@ -1,0 +1,224 @@
+#include "workbench/check/mark_checks.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <utility>
+
+#include "host/values.h"
+#include "signals/signal_specification.h"
+#include "workbench/check/record_checks.h"
+#include "workbench/session/marked_names.h"
+#include "workbench/session/signal_checks.h"
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+namespace {
+
+using ks_hmi::SignalSpecification;
+
+FindingCode codeOf(Misfit misfit) {
+    switch (misfit) {
+        case Misfit::blockGone:
+            return FindingCode::blockGone;
+        case Misfit::portGone:
+            return FindingCode::portGone;
+        case Misfit::itemGone:
+            return FindingCode::itemGone;
+        case Misfit::ssid:
+            return FindingCode::chartSsid;
+        case Misfit::activity:
+            return FindingCode::chartActivity;
+        default:
+            return FindingCode::domain;
+    }
+}
+
+FindingCode codeOf(NameState state) {
+    return state == NameState::moved       ? FindingCode::nameMoved
+           : state == NameState::ambiguous ? FindingCode::nameAmbiguous
+                                           : FindingCode::nameGone;
+}
+
+/// A port or, of a chart item, an activity.
+struct MarkedPlace {
+    const kestrel::Block* block;
+    std::int64_t place;  ///< port number; of an item the SSID below zero
+    std::u16string activity;
+    friend bool operator==(const MarkedPlace&, const MarkedPlace&) = default;
+};
+
+struct PlaceHash {
+    std::size_t operator()(const MarkedPlace& one) const noexcept {
+        constexpr std::size_t kSpread = 0x9E3779B97F4A7C15U;
+        return std::hash<const void*>()(one.block) ^ (static_cast<std::size_t>(one.place) * kSpread) ^
+               std::hash<std::u16string>()(one.activity);
+    }
+};
+
+class MarkChecks {
+public:
+    explicit MarkChecks(CheckedFile& checked)
+        : m_model(checked.contents->model),
+          m_extras(checked.contents->extras),
+          m_checks(checked, RecordKind::signal),
+          m_names(m_model) {
+        m_places.reserve(m_checks.count());
+        m_isModelWhole = std::none_of(checked.findings.begin(), checked.findings.end(),
+                                      [](const Finding& finding) { return finding.code == FindingCode::blockPlace; });
+    }
+
+    void run() {
+        for (std::size_t i = 0; i < m_checks.count(); ++i) {
+            SignalSpecification signal;
+            const auto read = [&] { signal.setFromPersistentData(m_checks.records(), i); };
+            if (!m_checks.isFaulty(i) && m_checks.isRead(i, read)) check(signal, i);
+        }
+        tellUnconfirmed();
+    }
+
+private:
+    void check(const SignalSpecification& signal, std::size_t position);
+    void checkUuid(const SignalSpecification& signal, std::size_t position);
+    /// Whether the name says where the signal has gone.
+    bool checkName(const SignalSpecification& signal, std::size_t position);
+    void checkParameters(const SignalSpecification& signal, std::size_t position);
+    void checkPlace(const SignalSpecification& signal, std::size_t position);
+    void add(FindingCode code, const SignalSpecification& signal, std::size_t position, const std::string& field,
+             std::string text);
+    void addMisfit(const SignalFault& fault, const SignalSpecification& signal, std::size_t position);
+    std::string subjectOf(const SignalSpecification& signal) const;
+    void tellUnconfirmed();
+
+    const kestrel::Model& m_model;
+    const ModelExtras& m_extras;
+    RecordChecks m_checks;
+    NameChecker m_names;
+    std::unordered_map<MarkedPlace, std::size_t, PlaceHash> m_places;
+    bool m_isModelWhole = true;  ///< no block was left out
+    std::size_t m_unconfirmed = 0;
+    std::size_t m_firstUnconfirmed = 0;
+};
+
+void MarkChecks::check(const SignalSpecification& signal, std::size_t position) {
+    checkUuid(signal, position);
+    const std::optional<SignalFault> fault = sourceFault(signal, m_model);
+    const bool isFollowed = (!fault || fault->isDangling) && checkName(signal, position);
+    const bool isTold =
+        fault && ((isFollowed && fault->isDangling) || (fault->misfit == Misfit::blockGone && !m_isModelWhole));
+    if (fault && !isTold) addMisfit(*fault, signal, position);
+    checkParameters(signal, position);
+    if (signal.m_eid.empty())
+        add(FindingCode::signalWithoutEid, signal, position, "EID_",
+            "the signal has no element identifier, and is lost when its block moves");
+    if (!fault) checkPlace(signal, position);
+}
+
+void MarkChecks::checkUuid(const SignalSpecification& signal, std::size_t position) {
+    if (signal.m_uuid.empty())
+        return add(FindingCode::signalUuidMissing, signal, position, "UUID", "the signal has no UUID");
+    const std::size_t first = m_checks.firstWith(signal.m_uuid, position);
+    if (first != position)
+        add(FindingCode::signalUuidTaken, signal, position, "UUID",
+            fmt::format("signal {} has the UUID {} already", first + 1, inQuotes(std::string_view(signal.m_uuid))));
+}
+
+bool MarkChecks::checkName(const SignalSpecification& signal, std::size_t position) {
+    const NameCheck name = m_names.check(signal, m_extras.markedName(position));
+    if (name.state == NameState::unconfirmed && name.nameNow && m_unconfirmed++ == 0) m_firstUnconfirmed = position;
+    const bool isElsewhere = name.state == NameState::moved || name.state == NameState::ambiguous;
+    if (!isElsewhere && !(name.state == NameState::gone && name.nameNow)) return false;
+    const char* const field = isChartSignal(signal) ? "DomainParams_" : "OutputPortIndex_";
+    add(codeOf(name.state), signal, position, field, describe("the signal", name, isChartSignal(signal)));
+    return isElsewhere;
+}
+
+void MarkChecks::checkParameters(const SignalSpecification& signal, std::size_t position) {
+    for (const auto& [name, value] : signal.m_domainParams)
+        if (!isFieldName(toUtf8(name)))
+            add(FindingCode::signalParameter, signal, position, "DomainParams_",
+                fmt::format("the parameter {} cannot be a field's name", inQuotes(name)));
+}
+
+void MarkChecks::checkPlace(const SignalSpecification& signal, std::size_t position) {
+    const SignalSource source = sourceOf(m_model, signal);
+    const std::int64_t place = source.item ? -1 - std::int64_t{source.item->ssid} : source.port;
+    const auto [entry, isNew] =
+        m_places.try_emplace({source.block, place, source.item ? activityOf(signal) : std::u16string()}, position);
+    if (!isNew)
+        add(FindingCode::duplicateMark, signal, position, "",
+            fmt::format("signal {} marks {} already", entry->second + 1,
+                        inQuotes(std::string_view(subjectOf(signal)))));
+}
+
+void MarkChecks::add(FindingCode code, const SignalSpecification& signal, std::size_t position,
+                     const std::string& field, std::string text) {
+    m_checks.add(code, position, field, std::move(text), signal.m_uuid, subjectOf(signal));
+}
+
+void MarkChecks::addMisfit(const SignalFault& fault, const SignalSpecification& signal, std::size_t position) {
+    Finding& finding =
+        m_checks.add(codeOf(fault.misfit), position, fault.field, fault.text, signal.m_uuid, subjectOf(signal));
+    const bool isOfChart = finding.code == FindingCode::chartSsid || finding.code == FindingCode::chartActivity;
+    if (isOfChart && chartParameters(m_model, signal)) finding.cure = Cure::mend;
+}
+
+std::string MarkChecks::subjectOf(const SignalSpecification& signal) const {
+    const SignalSource source = sourceOf(m_model, signal);
+    return toUtf8(source.block ? fullName(m_model, source) : m_model.name() + u"/" + signal.m_blockPath);
+}
+
+void MarkChecks::tellUnconfirmed() {
+    if (m_unconfirmed == 0) return;
+    m_checks.add(FindingCode::unconfirmed, m_firstUnconfirmed, "",
+                 m_unconfirmed == 1
+                     ? std::string("1 signal was marked before names were kept")
+                     : fmt::format("{} signals, this one first, were marked before names were kept", m_unconfirmed));
+}
+
+}  // namespace
+
+std::optional<ChartParameters> chartParameters(const kestrel::Model& model, const SignalSpecification& signal) {
+    const kestrel::Block* const block = blockOf(model, signal);
+    if (!block || !block->chart || !isChartSignal(signal)) return std::nullopt;
+    std::vector<ChartItem> items = chartItemsOf(*block);
+    const std::optional<std::uint32_t> ssid = ssidOf(signal);
+    std::erase_if(items, [&](const ChartItem& item) {
+        return item.domainType != signal.m_domainType || (ssid ? item.ssid != *ssid : item.subPath != signal.m_subPath);
+    });
+    if (items.size() != 1) return std::nullopt;
+    const std::u16string activity = activityOf(signal);
+    if (hasActivity(items.front(), activity)) return ChartParameters{items.front(), activity};
+    if (items.front().domainType != kDataDomain) return std::nullopt;
+    return ChartParameters{items.front(), defaultActivity(items.front())};
+}
+
+namespace {
+
+std::string describe(const ParkedMark& mark) {
+    const std::u16string path = ks_host::textOf(hvGetField(mark.signal.get(), 0, "BlockPath_"));
+    const std::string name = mark.markedName && !mark.markedName->empty() ? inQuotes(*mark.markedName) + " of " : "";
+    const std::size_t clients = hvGetNumberOfElements(mark.clients.get());
+    return fmt::format("the mark on {}{} is parked{}: {} lost its {}", name, inQuotes(path),
+                       clients > 0 ? " with " + counted(clients, "client") : "", inQuotes(mark.from),
+                       textOf(mark.lost));
+}
+
+}  // namespace
+
+void checkMarks(CheckedFile& checked) { MarkChecks(checked).run(); }
+
+void checkParked(CheckedFile& checked) {
+    const std::vector<ParkedMark>& parked = checked.contents->extras.parked;
+    for (std::size_t i = 0; i < parked.size(); ++i)
+        checked.findings.push_back({.code = FindingCode::parked,
+                                    .place = {checked.path, 0, fmt::format("/parked/{}", i)},
+                                    .text = describe(parked[i]),
+                                    .cure = ruleOf(FindingCode::parked).cure,
+                                    .position = i});
+}
+
+}  // namespace workbench

@@ -1,0 +1,88 @@
+#include "workbench/check/mending.h"
+
+#include <fmt/format.h>
+
+#include "signals/signal_specification.h"
+#include "workbench/change/following.h"
+#include "workbench/check/mark_checks.h"
+#include "workbench/find/client_names.h"
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+namespace {
+
+using ks_hmi::SignalClient;
+using ks_hmi::SignalSpecification;
+
+class Mending {
+public:
+    explicit Mending(Session& session) : m_session(session) {}
+
+    void mend(const Finding& finding, FindingKind kind) {
+        const bool isSignal = finding.record == RecordKind::signal;
+        const std::string done = isSignal ? mendSignal(*m_session.signals().get(finding.position), kind)
+                                          : mendClient(*m_session.clients().get(finding.position), kind);
+        if (done.empty()) return;
+        const std::string name =
+            isSignal ? fmt::format("signal {} ({})", finding.position + 1, printable(std::string_view(finding.subject)))
+                     : nameOfClient(m_session, finding.position);
+        m_settled.push_back({kind, fmt::format("{}: {}", name, done)});
+    }
+
+    void followNames() {
+        for (const FollowedMark& one : workbench::followNames(m_session))
+            m_settled.push_back(
+                {FindingKind::names, fmt::format("signal {}: from {} to {}, after its name {}", one.position + 1,
+                                                 printable(one.from), printable(one.to), inQuotes(one.name))});
+    }
+
+    std::vector<Settled> take() noexcept { return std::move(m_settled); }
+
+private:
+    static std::string newUuid() { return SignalSpecification::getUUIDFromBlockHandle(0, 0.0, /*useMap=*/false); }
+
+    std::string mendSignal(SignalSpecification& signal, FindingKind kind) const {
+        if (kind == FindingKind::charts) return mendChart(signal);
+        std::string& text = kind == FindingKind::uuids ? signal.m_uuid : signal.m_eid;
+        if (kind == FindingKind::uuids) return "UUID " + (text = newUuid());
+        const kestrel::Block* const block = m_session.model().findByPath(signal.m_blockPath);
+        return block ? "element identifier " + inQuotes(std::string_view(text = block->eid)) : std::string();
+    }
+
+    std::string mendChart(SignalSpecification& signal) const {
+        const std::optional<ChartParameters> params = chartParameters(m_session.model(), signal);
+        if (!params) return {};
+        signal.m_domainParams[u"SSID"] = toUtf16(std::to_string(params->item.ssid));
+        signal.m_domainParams[u"Activity"] = params->activity;
+        return fmt::format("SSID {}, activity {}", params->item.ssid, toUtf8(params->activity));
+    }
+
+    std::string mendClient(SignalClient& client, FindingKind kind) const {
+        if (kind == FindingKind::uuids) return "UUID " + (client.m_uuid = newUuid());
+        const kestrel::Block* const block = m_session.model().findByPath(client.m_modelPath.front());
+        if (!block) return {};
+        client.m_modelPathEID.resize(client.m_modelPath.size());
+        return "element identifier " + inQuotes(std::string_view(client.m_modelPathEID.front() = block->eid));
+    }
+
+    Session& m_session;
+    std::vector<Settled> m_settled;
+};
+
+}  // namespace
+
+std::vector<Settled> mend(Session& session, const std::vector<Finding>& findings, const FindingKinds& kinds) {
+    Mending mending(session);
+    for (const Finding& finding : findings) {
+        const FindingKind kind = ruleOf(finding.code).kind;
+        const bool isOfRecord = finding.cure == Cure::mend && kind != FindingKind::names;
+        if (isOfRecord && has(kinds, kind)) mending.mend(finding, kind);
+    }
+    // With an identifier a signal is found again after its block has moved.
+    if (has(kinds, FindingKind::names)) mending.followNames();
+    session.signals().updateObservedPortMap();
+    return mending.take();
+}
+
+}  // namespace workbench

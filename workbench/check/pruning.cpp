@@ -1,0 +1,142 @@
+#include "workbench/check/pruning.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "signals/signal_specification.h"
+#include "workbench/change/marking.h"
+#include "workbench/change/observing.h"
+#include "workbench/check/record_checks.h"
+#include "workbench/find/client_names.h"
+#include "workbench/find/signal_index.h"
+#include "workbench/session/records.h"
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+namespace {
+
+using ks_hmi::SignalClient;
+using ks_hmi::SignalSpecification;
+
+/// The fields that a host can have, of a 1x1 struct.
+HvArrayPtr withFieldNames(const hvArray* params) {
+    std::vector<const char*> names;
+    for (int i = 0; i < hvGetNumberOfFields(params); ++i)
+        if (const char* const name = hvGetFieldNameByNumber(params, i); isFieldName(name)) names.push_back(name);
+    const std::size_t one = 1;
+    HvArrayPtr kept(hvCreateStructArray(1, &one, static_cast<int>(names.size()), names.data()));
+    for (const char* const name : names)
+        if (const hvArray* const value = hvGetField(params, 0, name))
+            hvSetField(kept.get(), 0, name, hvCreateDeepCopy(value));
+    return kept;
+}
+
+class Pruning {
+public:
+    Pruning(Session& session, const FindingKinds& kinds) : m_session(session), m_kinds(kinds) {}
+
+    void take(const Finding& finding) {
+        const FindingKind kind = ruleOf(finding.code).kind;
+        if (!has(m_kinds, kind) || !finding.record) return;
+        const bool isSignal = finding.record == RecordKind::signal;
+        if (kind == FindingKind::parameters) {
+            isSignal ? pruneParameters(*m_session.signals().get(finding.position))
+                     : pruneParameters(*m_session.clients().get(finding.position));
+            tell(kind, finding.text + " of " + nameOf(finding));
+        } else if ((isSignal ? m_signals : m_clients).insert(finding.position).second) {
+            tell(kind, nameOf(finding));
+        }
+    }
+
+    std::vector<Settled> finish() {
+        if (has(m_kinds, FindingKind::duplicates)) moveClients();
+        if (has(m_kinds, FindingKind::dangling)) takeLosers();
+        if (has(m_kinds, FindingKind::parked)) pruneParked();
+        removeClients(m_session, Positions(m_clients.begin(), m_clients.end()));
+        removeSignals(m_session, Positions(m_signals.begin(), m_signals.end()));
+        return std::move(m_settled);
+    }
+
+private:
+    void tell(FindingKind kind, std::string what) { m_settled.push_back({kind, std::move(what)}); }
+    std::string nameOf(const Finding& finding) const {
+        if (finding.record == RecordKind::client) return nameOfClient(m_session, finding.position);
+        return fmt::format("signal {} ({})", finding.position + 1, printable(std::string_view(finding.subject)));
+    }
+    static void pruneParameters(SignalSpecification& signal) {
+        std::erase_if(signal.m_domainParams, [](const auto& entry) { return !isFieldName(toUtf8(entry.first)); });
+    }
+    static void pruneParameters(SignalClient& client) {
+        client.m_observerParams = withFieldNames(client.m_observerParams.get());
+    }
+    void pruneParked() {
+        for (const ParkedMark& mark : m_session.parked())
+            tell(FindingKind::parked,
+                 fmt::format("the mark of {}, which lost its {}", inQuotes(mark.from), textOf(mark.lost)));
+        m_session.dropParked();
+    }
+    std::unordered_set<std::string_view> keptUuids() const;
+    /// The clients of duplicates go to the first mark on their place.
+    void moveClients();
+    /// Clients whose signal goes.
+    void takeLosers();
+
+    Session& m_session;
+    FindingKinds m_kinds;
+    std::unordered_set<std::size_t> m_signals;
+    std::unordered_set<std::size_t> m_clients;
+    std::vector<Settled> m_settled;
+};
+
+std::unordered_set<std::string_view> Pruning::keptUuids() const {
+    std::unordered_set<std::string_view> uuids;
+    for (std::size_t i = 0; i < m_session.signals().getCount(); ++i)
+        if (!m_signals.contains(i)) uuids.insert(m_session.signals().get(i)->m_uuid);
+    return uuids;
+}
+
+void Pruning::moveClients() {
+    const SignalIndex index(m_session);
+    const std::unordered_set<std::string_view> kept = keptUuids();
+    std::unordered_map<std::string_view, std::string_view> heirs;
+    for (const std::size_t position : m_signals) {
+        const SignalSpecification& signal = *m_session.signals().get(position);
+        const SignalSource source = sourceOf(m_session.model(), signal);
+        if (!source.block || kept.contains(signal.m_uuid)) continue;
+        for (const std::size_t other : index.on(source)) {
+            const SignalSpecification& heir = *m_session.signals().get(other);
+            if (m_signals.contains(other) || activityOf(heir) != activityOf(signal)) continue;
+            heirs.emplace(signal.m_uuid, heir.m_uuid);
+            break;
+        }
+    }
+    for (SignalClient& client : recordsOf(m_session.clients()))
+        if (const auto found = heirs.find(client.m_signalUUID); found != heirs.end())
+            client.m_signalUUID = std::string(found->second);
+}
+
+void Pruning::takeLosers() {
+    const std::unordered_set<std::string_view> kept = keptUuids();
+    std::unordered_set<std::string_view> gone;
+    for (const std::size_t position : m_signals) gone.insert(m_session.signals().get(position)->m_uuid);
+    for (std::size_t i = 0; i < m_session.clients().getCount(); ++i) {
+        const std::string& uuid = m_session.clients().get(i)->m_signalUUID;
+        if (!gone.contains(uuid) || kept.contains(uuid) || !m_clients.insert(i).second) continue;
+        tell(FindingKind::dangling, nameOfClient(m_session, i));
+    }
+}
+
+}  // namespace
+
+std::vector<Settled> prune(Session& session, const std::vector<Finding>& findings, const FindingKinds& kinds) {
+    Pruning pruning(session, kinds);
+    for (const Finding& finding : findings) pruning.take(finding);
+    return pruning.finish();
+}
+
+}  // namespace workbench

@@ -1,0 +1,78 @@
+#include "workbench/check/record_checks.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "host/messages.h"
+#include "workbench/session/refused_field.h"
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+namespace {
+
+/// "/signals/3" of "/signals/3/UUID"; empty for what is in no record.
+std::string recordPointer(const std::string& pointer) {
+    const std::size_t list = pointer.find('/', 1);
+    return list == std::string::npos ? std::string() : pointer.substr(0, pointer.find('/', list + 1));
+}
+
+}  // namespace
+
+RecordChecks::RecordChecks(CheckedFile& checked, RecordKind kind)
+    : m_checked(checked),
+      m_kind(kind),
+      m_records(kind == RecordKind::signal ? checked.contents->signals.get() : checked.contents->clients.get()) {
+    for (const Finding& finding : checked.findings) m_faulty.insert(recordPointer(finding.place.pointer));
+    m_uuids.reserve(count());
+}
+
+bool RecordChecks::isFaulty(std::size_t position) const {
+    if (m_faulty.empty()) return false;
+    return m_faulty.contains(fmt::format("/{}/{}", m_kind == RecordKind::signal ? "signals" : "clients", position));
+}
+
+Finding& RecordChecks::add(FindingCode code, std::size_t position, const std::string& field, std::string text) {
+    const ModelFile& file = *m_checked.contents;
+    const auto& lines = m_kind == RecordKind::signal ? file.signalLines : file.clientLines;
+    return m_checked.findings.emplace_back(Finding{.code = code,
+                                                   .place = recordPlace(m_checked.path, m_kind, lines, position, field),
+                                                   .text = std::move(text),
+                                                   .cure = ruleOf(code).cure,
+                                                   .record = m_kind,
+                                                   .position = position});
+}
+
+Finding& RecordChecks::add(FindingCode code, std::size_t position, const std::string& field, std::string text,
+                           std::string_view uuid, std::string subject) {
+    Finding& finding = add(code, position, field, std::move(text));
+    finding.uuid = uuid;
+    finding.subject = std::move(subject);
+    return finding;
+}
+
+std::size_t RecordChecks::firstWith(const std::string& uuid, std::size_t position) {
+    return m_uuids.try_emplace(uuid, position).first->second;
+}
+
+bool RecordChecks::addRefusal(std::size_t position, const kssvIException& refusal) {
+    const auto [field, element] = refusedField(refusal.messageId());
+    if (element == 0) return false;
+    const bool isMissing = refusal.messageId().key() == "MissingField";
+    add(isMissing ? FindingCode::missingField : FindingCode::value, position, field,
+        isMissing ? fmt::format("the {} has no field {}", m_kind == RecordKind::signal ? "signal" : "client",
+                                inQuotes(std::string_view(field)))
+                  : std::string(refusal.what()));
+    return true;
+}
+
+bool isFieldName(std::string_view text) noexcept {
+    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), [&](char c) {
+        return isLetter(c) || (c >= '0' && c <= '9') || c == '_';
+    });
+}
+
+}  // namespace workbench

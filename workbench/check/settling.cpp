@@ -1,0 +1,25 @@
+#include "workbench/check/settling.h"
+
+#include <utility>
+
+#include "workbench/check/pruning.h"
+
+namespace workbench {
+
+SettledFile settleFile(CheckedFile checked, Settling how, const FindingKinds& kinds, bool isDryRun) {
+    if (!checked.contents) return {{}, std::move(checked), {}};
+    if (!checked.isWhole)
+        throw Error({checked.path, 0, {}}, "is not changed: correct by hand what could not be read, then try again",
+                    ErrorCode::model);
+    Session session(checked.path, std::move(*checked.contents), Session::Opening::anyhow);
+    session.keepUnsettledNames();
+    std::vector<Settled> settled =
+        how == Settling::mend ? mend(session, checked.findings, kinds) : prune(session, checked.findings, kinds);
+    checked.contents.reset();
+    if (settled.empty()) return {{}, std::move(checked), {}};
+    std::vector<std::string> warnings;
+    if (!isDryRun) warnings = session.save().warnings;
+    return {std::move(settled), checkText(session.path(), session.text()), std::move(warnings)};
+}
+
+}  // namespace workbench

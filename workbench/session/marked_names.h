@@ -1,0 +1,105 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "signals/instrumented_signals.h"
+#include "workbench/session/signal_source.h"
+
+/// What the sources of marks were called when they were marked or last confirmed, beside what they are called now. A
+/// record holds a port's number only; the name tells when the numbers have changed under it.
+namespace workbench {
+
+enum class NameState : std::uint8_t {
+    confirmed,    ///< the source is called so
+    unconfirmed,  ///< no name was kept
+    moved,        ///< the name stands at another place of the block, and at that one only
+    ambiguous,    ///< at several others
+    gone,         ///< nowhere in the block
+    unknown,      ///< the block is gone, or the signal cannot be on it
+};
+
+struct NameCheck {
+    NameState state = NameState::confirmed;
+    std::u16string markedName{};
+    /// What the source is called now: a port's or datum's name, a state's path, empty for a chart itself; nothing when
+    /// it is gone.
+    std::optional<std::u16string> nameNow{};
+    std::vector<std::uint32_t> places{};  ///< where else the name stands: port numbers, of a chart's items SSIDs
+};
+
+/// Compares names, many of one model. It does not outlive the model, which must not change meanwhile.
+class NameChecker {
+public:
+    explicit NameChecker(const kestrel::Model& model) : m_model(model) {}
+    /// `markedName` may be null: none was kept.
+    NameCheck check(const ks_hmi::SignalSpecification& signal, const std::u16string* markedName);
+
+private:
+    using Places = std::unordered_map<std::u16string_view, std::vector<std::uint32_t>>;
+    const Places& portsOf(const kestrel::Block& block);
+    std::vector<std::uint32_t> placesOf(const kestrel::Block& block, const std::optional<ChartItem>& item,
+                                        const std::u16string& name);
+
+    const kestrel::Model& m_model;
+    std::unordered_map<const kestrel::Block*, Places> m_ports;  ///< of blocks where a name was looked for
+};
+
+/// What the signal's source is called in the model now, as `NameCheck::nameNow`.
+std::optional<std::u16string> sourceName(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal);
+
+/// "A:1 was marked as \"y\", which is port 2 now": what is unsettled about a mark, `what` in front.
+std::string describe(const std::string& what, const NameCheck& name, bool isItem);
+
+/// A mark that does not stand where its name does.
+struct UnsettledMark {
+    std::size_t position = 0;  ///< 0-based
+    NameCheck name{};
+    bool isItem = false;  ///< of a chart
+};
+
+/// The names of a set's marks. Marks that are made while this lives are confirmed; so are those that were when it was
+/// made: what happens to them in between is this program's doing, and their names follow. The set and the model must
+/// outlive it.
+class MarkedNames {
+public:
+    using Names = std::vector<std::optional<std::u16string>>;
+
+    /// `saved` are the names that a file keeps, in the set's order; the last ones may be left out.
+    MarkedNames(const ks_hmi::InstrumentedSignals& set, const kestrel::Model& model, const Names& saved);
+
+    /// Marks whose name the model has elsewhere or no more, in the set's order. Those whose source is gone are none,
+    /// unless the name is at another place of the block.
+    std::vector<UnsettledMark> unsettled() const;
+    /// Positions (0-based) of marks without a name.
+    std::vector<std::size_t> unconfirmed() const;
+    /// Takes what is there at these positions (0-based) for what was meant, where there is something. Returns the
+    /// positions of marks that were unsettled or unconfirmed.
+    std::vector<std::size_t> confirm(const std::vector<std::size_t>& positions);
+    /// The marks at these positions are about to be removed; the same sources may be marked again.
+    void forget(const std::vector<std::size_t>& positions);
+    /// What is to be saved, of the signals that are, in order; nothing for an unconfirmed mark.
+    Names toSave() const;
+
+private:
+    /// What a file said of a mark that was not confirmed.
+    struct Kept {
+        ks_hmi::InstrumentedSignals::SignalPtr signal;  ///< as it was; the host may have put another in its place
+        std::optional<std::u16string> name;
+    };
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+    /// For each signal of the set its number among the kept; none for one that is confirmed.
+    std::vector<std::size_t> inOrder() const;
+    void drop(const std::vector<std::size_t>& positions, const std::vector<std::size_t>& order);
+
+    const ks_hmi::InstrumentedSignals& m_set;
+    const kestrel::Model& m_model;
+    std::vector<Kept> m_kept;
+};
+
+}  // namespace workbench

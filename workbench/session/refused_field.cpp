@@ -1,0 +1,18 @@
+#include "workbench/session/refused_field.h"
+
+#include <cstdint>
+#include <variant>
+
+namespace workbench {
+
+RefusedField refusedField(const resource_core::BaseMsgID& id) {
+    RefusedField refused;
+    const bool namesField = id.key() == "MissingField" || id.key() == "InvalidFieldValue";
+    if (id.catalogue() != "plv_hmi_foundation:errors" || !namesField || id.arguments().size() != 2) return refused;
+    if (const auto* field = std::get_if<std::string>(id.arguments().data())) refused.field = *field;
+    if (const auto* element = std::get_if<std::int64_t>(&id.arguments()[1]))
+        refused.element = static_cast<std::size_t>(*element);
+    return refused;
+}
+
+}  // namespace workbench
