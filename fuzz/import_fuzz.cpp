@@ -44,7 +44,8 @@ void requireSourced(const kestrel::Model& model) {
     for (const kestrel::Block& block : model.blocks()) {
         require(block.source.has_value(), "a block without a source");
         require(toUtf8(toUtf16(*block.source)) == *block.source, "a source that is no UTF-8");
-        for (const std::u16string& port : block.outputs) require(ks_host::isWellFormed(port), "a port's name is no UTF-16");
+        for (const std::u16string& port : block.outputs)
+            require(ks_host::isWellFormed(port), "a port's name is no UTF-16");
     }
 }
 

@@ -47,7 +47,8 @@ void initialize(void* handle, const std::string& path, const std::string& symbol
 
 LoadedLibrary::LoadedLibrary(const std::string& pathOrSoname) : m_name(stemOf(pathOrSoname)) {
     if (m_name.empty())
-        raise("LibraryNotLoaded", "\"" + pathOrSoname + "\" is not a library file name; it must have the form libNAME.so.");
+        raise("LibraryNotLoaded",
+              "\"" + pathOrSoname + "\" is not a library file name; it must have the form libNAME.so.");
     void* const handle = dlopen(pathOrSoname.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!handle) {
         const char* reason = dlerror();
