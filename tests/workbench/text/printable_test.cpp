@@ -57,7 +57,11 @@ TEST(Columns, longTextsAreShortenedAndWrapped) {
     EXPECT_EQ(wrapped("", 8, 4), std::vector<std::string>{""});
     EXPECT_EQ(wrapped("Engine/Speed sensor", 10, 4), (std::vector<std::string>{"Engine/", "Speed ", "sensor"}));
     EXPECT_EQ(wrapped("abcdefghijklmno", 6, 4), (std::vector<std::string>{"abcdef", "ghijkl", "mno"}));
-    for (const std::string& text : {std::string(10'000, 'x'), std::string(5'000, '/'), std::string(999, ' ') + "a"}) {
+    std::vector<std::string> texts;
+    texts.emplace_back(10'000, 'x');
+    texts.emplace_back(5'000, '/');
+    texts.emplace_back(1'000, ' ');
+    for (const std::string& text : texts) {
         const std::vector<std::string> lines = wrapped(text, 10, 4);
         EXPECT_LE(lines.size(), 4U);
         for (const std::string& line : lines) EXPECT_LE(columnsOf(line), 10U);
