@@ -58,11 +58,12 @@ TEST_F(Show, whatIsDeepIsNoLongerThanTheFile) {
 }
 
 TEST_F(Show, oneLongNameDoesNotMakeTheOthersRowsLong) {
-    write(replaced(kModel, "speed \\\"ü\\\"", std::string(10'000, 'x') + "end"));
+    const std::string name = repeated("x", 10'000) + repeated("end", 1);
+    write(replaced(kModel, "speed \\\"ü\\\"", name));
     EXPECT_LT(widestLine(showIn(0).out), 300U);
     expectParts(showIn(0).out, {"xxx...xxx", "xend"});
     EXPECT_LE(widestLine(showIn(80).out), 80U);
-    expectParts(showIn(80, {"--json"}).out, {std::string(10'000, 'x') + "end"});
+    expectParts(showIn(80, {"--json"}).out, {name});
 }
 
 TEST_F(Show, thousandsOfPortsAreWrappedAndLimited) {
