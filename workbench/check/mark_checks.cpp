@@ -213,12 +213,15 @@ void checkMarks(CheckedFile& checked) { MarkChecks(checked).run(); }
 
 void checkParked(CheckedFile& checked) {
     const std::vector<ParkedMark>& parked = checked.contents->extras.parked;
-    for (std::size_t i = 0; i < parked.size(); ++i)
-        checked.findings.push_back({.code = FindingCode::parked,
-                                    .place = {checked.path, 0, fmt::format("/parked/{}", i)},
-                                    .text = describe(parked[i]),
-                                    .cure = ruleOf(FindingCode::parked).cure,
-                                    .position = i});
+    for (std::size_t i = 0; i < parked.size(); ++i) {
+        Finding& finding = checked.findings.emplace_back();
+        finding.code = FindingCode::parked;
+        finding.place.file = checked.path;
+        finding.place.pointer = fmt::format("/parked/{}", i);
+        finding.text = describe(parked[i]);
+        finding.cure = ruleOf(FindingCode::parked).cure;
+        finding.position = i;
+    }
 }
 
 }  // namespace workbench
