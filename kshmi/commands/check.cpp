@@ -120,9 +120,9 @@ void addCheck(CLI::App& app, Run& run) {
     command->footer(
         "Examples:\n"
         "  kshmi check cruise.json\n"
-        "  kshmi check models/*.json --fail-on warning\n"
+        "  kshmi check cruise.json plant.json --fail-on warning\n"
         "  kshmi check cruise.json --mend names,uuids --dry-run\n"
-        "  kshmi check models/*.json --sarif > findings.sarif");
+        "  kshmi check cruise.json plant.json --sarif > findings.sarif");
     command->add_option("MODEL", arguments->files, "model files")->required();
     addKinds(*command, "--mend", arguments->mend, isMendable,
              "mend what is found, by kinds with commas between, and save");

@@ -95,8 +95,8 @@ int runRename(const BlockArguments& arguments, const Output& output) {
 void describeAdd(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<BlockArguments>();
     CLI::App* const command = addCommand(app, "add", "Add a block to a model",
-                                         "  kshmi block add cruise.json Sensors/Speed --outputs speed,valid\n"
-                                         "  kshmi block add cruise.json Control/Mode --chart --eid 40",
+                                         "  kshmi block add cruise.json Sensors/Distance --outputs distance,valid\n"
+                                         "  kshmi block add cruise.json Control/Gear --chart --eid 40",
                                          arguments->file);
     command->add_option("PATH", arguments->path, "path of the block; its parents need not be there")->required();
     command->add_option("--outputs", arguments->outputs, "names of its output ports, with commas between");
@@ -109,7 +109,7 @@ void describeAdd(CLI::App& app, Run& run) {
 void describeRemove(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<BlockArguments>();
     CLI::App* const command = addCommand(app, "remove", "Remove a block from a model",
-                                         "  kshmi block remove cruise.json Sensors/Speed --dry-run\n"
+                                         "  kshmi block remove cruise.json Sensors/Pedal --dry-run\n"
                                          "  kshmi block remove cruise.json Sensors --recursive --unmark",
                                          arguments->file);
     command->add_option("PATH", arguments->path, "path of the block or of a parent")->required();

@@ -103,7 +103,7 @@ void describeAdditions(CLI::App& app, Run& run) {
     const auto state = std::make_shared<ChartArguments>();
     CLI::App* command =
         describe(app, "add-state", "Add a state; the block becomes a chart if it is none",
-                 "  kshmi chart add-state cruise.json Control/Mode Engaged/Holding --ssid 4", "CHART", *state);
+                 "  kshmi chart add-state cruise.json Control/Mode Engaged/Coasting --ssid 5", "CHART", *state);
     command->add_option("STATE", state->name, "path of the state below the chart")->required();
     runWith(*command, runAdd<ItemKind::state>, state, run);
     const auto datum = std::make_shared<ChartArguments>();
