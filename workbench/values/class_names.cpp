@@ -4,8 +4,8 @@
 #include <fmt/ranges.h>
 
 #include <array>
-#include <ranges>
 #include <utility>
+#include <vector>
 
 namespace workbench {
 
@@ -41,8 +41,9 @@ const char* nameOfClass(hvClassID classId) noexcept {
 }
 
 std::string classNames() {
-    const auto names = kClassNames | std::views::keys;
-    return fmt::format("{}", fmt::join(names.begin(), names.end(), ", "));
+    std::vector<std::string_view> names;
+    for (const auto& [text, id] : kClassNames) names.push_back(text);
+    return fmt::format("{}", fmt::join(names, ", "));
 }
 
 }  // namespace workbench
