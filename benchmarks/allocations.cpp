@@ -14,7 +14,7 @@ constinit bool g_isCounting = false;
 constinit std::size_t g_allocations = 0;
 constinit std::int64_t g_heldBytes = 0;
 
-/// The word in front of each block is the heap's.
+// The word in front of each block is the heap's.
 std::int64_t bytesOf(void* block) noexcept {
     return static_cast<std::int64_t>(::malloc_usable_size(block) + sizeof(std::size_t));
 }

@@ -14,7 +14,7 @@ constexpr double kSsid = 7.0;
 const std::u16string kActivity = u"Self";
 constexpr std::size_t kCharts = 10'000;
 
-/// With the model's name in front, as an engine knows them.
+// With the model's name in front, as an engine knows them.
 const std::vector<std::u16string>& identifiers() {
     static std::vector<std::u16string> s_list;
     if (s_list.empty()) {

@@ -14,7 +14,7 @@ using Set = std::unique_ptr<InstrumentedSignals>;
 
 constexpr std::size_t kGrowing[] = {1'000, 10'000, 100'000, 1'000'000};
 constexpr int kRepetitions = 3;
-/// A pass takes longer the slower the caches; quadratic time would be 2.
+// A pass takes longer the slower the caches; quadratic time would be 2.
 const Limit kLinear = Limit::atMost(1.4);
 
 std::vector<SignalPtr> makeSignals(std::size_t count, MakeSignal make) {
@@ -23,7 +23,7 @@ std::vector<SignalPtr> makeSignals(std::size_t count, MakeSignal make) {
     return signals;
 }
 
-/// A row for passes of several sizes. `pass` is given the number of signals and pauses for what is not to count.
+// A row for passes of several sizes. `pass` is given the number of signals and pauses for what is not to count.
 void addPass(Suite& suite, const std::string& name, std::initializer_list<std::size_t> sizes,
              void (*pass)(benchmark::State& state, std::size_t count)) {
     std::map<std::size_t, std::string> names;
@@ -85,7 +85,7 @@ void save(benchmark::State& state, std::size_t count) {
     }
 }
 
-/// One block with that many signals, its first port numbered anew: every signal follows.
+// One block with that many signals, its first port numbered anew: every signal follows.
 void renumber(benchmark::State& state, std::size_t count) {
     const Set set = makeSet(count, unresolvedSignal);
     const std::u16string path = u"the only block";

@@ -47,7 +47,7 @@ const plain::Table& plainTable(std::size_t count) {
     return table;
 }
 
-/// Questions that `ask` answers otherwise than the set are an error; the first pass warms up as well.
+// Questions that `ask` answers otherwise than the set are an error; the first pass warms up as well.
 template <class Ask>
 bool agreesWithSet(std::size_t count, Ask ask) {
     const auto& set = sharedSet(count, resolvedSignal);

@@ -19,7 +19,7 @@ constexpr std::size_t kKeys = std::size_t{1} << 16U;
 
 enum class Handles { engineLike, random };
 
-/// Whole numbers and whole numbers with some 1024ths, as engines number blocks; or any bits at all.
+// Whole numbers and whole numbers with some 1024ths, as engines number blocks; or any bits at all.
 double drawHandle(std::mt19937_64& random, Handles kind) {
     const std::uint64_t bits = random();
     if (kind == Handles::random) return std::bit_cast<double>(bits);

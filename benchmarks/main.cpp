@@ -10,7 +10,7 @@
 
 namespace {
 
-/// Keeps the medians and tells how far the run is.
+// Keeps the medians and tells how far the run is.
 class MedianReporter final : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& context) override {
@@ -49,7 +49,7 @@ void addAll(ks_bench::Suite& suite) {
         add(suite);
 }
 
-/// The heap keeps what it once had: no figure depends on when the system takes memory back.
+// The heap keeps what it once had: no figure depends on when the system takes memory back.
 void keepHeap() {
     constexpr int kNever = 1 << 30;
     ::mallopt(M_TRIM_THRESHOLD, kNever);

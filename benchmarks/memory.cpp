@@ -7,7 +7,7 @@ namespace ks_bench {
 
 namespace {
 
-/// Bytes of a text that does not fit into the record itself.
+// Bytes of a text that does not fit into the record itself.
 template <class Text>
 std::size_t outside(const Text& text) {
     return text.capacity() > Text().capacity() ? text.size() * sizeof(typename Text::value_type) : 0;

@@ -26,7 +26,7 @@ namespace json = boost::json;
 constexpr std::size_t kCount = 100'000;
 constexpr std::size_t kChunk = std::size_t{1} << 16U;
 
-/// A directory in memory where there is one, so that no disk is measured; removed at the end.
+// A directory in memory where there is one, so that no disk is measured; removed at the end.
 class Directory {
 public:
     Directory()
@@ -65,7 +65,7 @@ std::string contentsOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Looks at everything and keeps nothing.
+// Looks at everything and keeps nothing.
 struct CountingHandler {
     static constexpr std::size_t max_object_size = std::size_t(-1);
     static constexpr std::size_t max_array_size = std::size_t(-1);
@@ -131,7 +131,7 @@ void save(benchmark::State& state) {
     if (contentsOf(copy) != contentsOf(modelFile())) state.SkipWithError("the saved file differs");
 }
 
-/// The file written straight from the records.
+// The file written straight from the records.
 class Dump {
 public:
     explicit Dump(const std::string& path)

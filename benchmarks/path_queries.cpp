@@ -13,7 +13,7 @@ namespace {
 
 const std::u16string kNoSubPath;
 
-/// Texts of their own, as an engine has them; not those of the records.
+// Texts of their own, as an engine has them; not those of the records.
 const std::vector<std::u16string>& paths(std::size_t count) {
     static std::map<std::size_t, std::vector<std::u16string>> s_paths;
     auto& list = s_paths[count];

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kRuns = 10;
 
-/// Nanoseconds that a fresh process took to load and initialise the library, as it says itself.
+// Nanoseconds that a fresh process took to load and initialise the library, as it says itself.
 double startOfLibrary() {
     std::FILE* const answer = ::popen("'" KS_HMI_LIBRARY_START "' '" KS_HMI_STRIPPED_LIBRARY "'", "re");
     double nanoseconds = 0.0;

@@ -9,15 +9,15 @@
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
-/// Imports foreign files: whatever they hold, they are refused with a message of one line, or become a model whose
-/// identifiers stay when they are imported again.
+// Imports foreign files: whatever they hold, they are refused with a message of one line, or become a model whose
+// identifiers stay when they are imported again.
 
 namespace {
 
 using namespace workbench;
 using ks_fuzz::require;
 
-/// Small, so that an input that takes much memory is found soon.
+// Small, so that an input that takes much memory is found soon.
 constexpr ArchiveLimits kLimits{.entries = 64, .documentBytes = 1 << 20};
 
 std::optional<ImportedModel> import(const std::string& bytes, const ImportOptions& options) {

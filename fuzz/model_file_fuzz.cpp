@@ -12,7 +12,7 @@
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
 
-/// Model files: loaded, shown and asked about with the tool, saved and loaded again.
+// Model files: loaded, shown and asked about with the tool, saved and loaded again.
 
 namespace {
 
@@ -63,7 +63,7 @@ int run(std::vector<std::string> words) {
     return code;
 }
 
-/// Whether the file is a model; the bytes that saving gives are then in it.
+// Whether the file is a model; the bytes that saving gives are then in it.
 bool isSaved(const std::string& path) {
     workbench::enterHost({});
     try {
@@ -75,7 +75,7 @@ bool isSaved(const std::string& path) {
     }
 }
 
-/// What one question about the file accepts, all others do.
+// What one question about the file accepts, all others do.
 void ask(const std::string& path) {
     if (run({"show", path}) != 0) return;
     require(run({"show", path, "--json"}) == 0, "show --json refuses it");

@@ -2,7 +2,7 @@
 #include "memory_host/orvex/calls/functions.h"
 #include "tests/support/compared_sets.h"
 
-/// Sequences of operations on two sets, some of which fail, beside the plain model.
+// Sequences of operations on two sets, some of which fail, beside the plain model.
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "signals/signal_specification.h"
 #include "tests/support/host_test.h"
 
-/// Saved records with any value in any field, read into sets, asked about, written, and read again.
+// Saved records with any value in any field, read into sets, asked about, written, and read again.
 
 namespace {
 
@@ -68,7 +68,7 @@ HvArrayPtr anyStruct(Bytes& bytes, std::size_t depth) {
     return result;
 }
 
-/// Null at times: a field that holds nothing.
+// Null at times: a field that holds nothing.
 HvArrayPtr anyValue(Bytes& bytes, std::size_t depth) {
     switch (bytes.below(depth < kDeepest ? 9 : 6)) {
         case 0:
@@ -91,7 +91,7 @@ HvArrayPtr anyValue(Bytes& bytes, std::size_t depth) {
     }
 }
 
-/// A struct array as `sample` with some of its fields replaced by whatever the input says.
+// A struct array as `sample` with some of its fields replaced by whatever the input says.
 HvArrayPtr spoiled(const hvArray* sample, Bytes& bytes) {
     HvArrayPtr result(hvCreateDeepCopy(sample));
     for (std::size_t changes = bytes.below(12); changes > 0; --changes) {
@@ -157,7 +157,7 @@ void ask(ks_hmi::StreamingClients& set) {
     set.setModelName(u"m2");
 }
 
-/// Reading may be refused; what was read can be written, and what was written is read without a refusal.
+// Reading may be refused; what was read can be written, and what was written is read without a refusal.
 template <class Set>
 void readAskAndWrite(const char* className, const hvArray* data) {
     const HvArrayPtr object = call(className, {text("m1").get()});

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <vector>
 
-/// Gives a fuzz target each file of the folders named, once; for compilers that have no fuzzer.
+// Gives a fuzz target each file of the folders named, once; for compilers that have no fuzzer.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

@@ -57,7 +57,7 @@ void show(const StreamOutBlockRegistry& registry, const char* when) {
     std::cout << '\n';
 }
 
-/// Starts (or stops) each block's recording in a thread of its own.
+// Starts (or stops) each block's recording in a thread of its own.
 template <class Operation>
 void forEachInAThread(const std::vector<StreamOutBlockRegistry::BlockContextPtr>& blocks, Operation operation) {
     std::vector<std::jthread> threads;

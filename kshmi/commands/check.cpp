@@ -28,7 +28,7 @@ struct CheckArguments {
     bool isSarif = false;
 };
 
-/// One file after the other: what was found in one is gone before the next is read.
+// One file after the other: what was found in one is gone before the next is read.
 class Check {
 public:
     Check(const CheckArguments& arguments, const Output& output)
@@ -65,7 +65,7 @@ private:
         printFindings(file.now, m_output.out);
     }
 
-    /// What cannot be mended is told, and the other files still are.
+    // What cannot be mended is told, and the other files still are.
     void mendOne(const std::string& path, SettledFile& file) {
         try {
             file = settleFile(std::move(file.now), Settling::mend, m_kinds, m_arguments.isDryRun);

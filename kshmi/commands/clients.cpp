@@ -32,13 +32,13 @@ struct ClientsArguments {
 using ks_hmi::SignalClient;
 using ks_hmi::StreamingClients;
 
-/// A client with what the library answers for it.
+// A client with what the library answers for it.
 struct Answer {
-    std::size_t position = 0;  ///< 0-based, in the set
+    std::size_t position = 0;  // 0-based, in the set
     StreamingClients::ClientPtr client;
     std::vector<std::u16string> path;
     std::u16string subPath;
-    std::u16string activity;  ///< of a chart item
+    std::u16string activity;  // of a chart item
     int port = 0;
     int decimation = 1;
     int maxPoints = 0;
@@ -67,7 +67,7 @@ std::vector<Answer> answersOf(Session& session) {
     return answers;
 }
 
-/// The block with port or item, behind the blocks on the way there unless they are that very block.
+// The block with port or item, behind the blocks on the way there unless they are that very block.
 std::string whereabouts(const Answer& answer) {
     if (answer.path.empty()) return "signal " + inQuotes(std::string_view(answer.client->m_signalUUID));
     std::string text;
@@ -121,7 +121,7 @@ void printJson(const Session& session, const std::vector<Answer>& answers, std::
     document.print(out);
 }
 
-/// Leaves the clients that are selected.
+// Leaves the clients that are selected.
 void narrow(const Session& session, const ClientsArguments& arguments, const Output& output,
             std::vector<Answer>& answers) {
     const Positions positions = selectedClients(session, arguments.what, arguments.clients, output);

@@ -27,10 +27,10 @@ namespace {
 using namespace workbench;
 
 constexpr std::string_view kProgram = "kshmi";
-/// A mistake is told with the text that has it, which can be of any length.
+// A mistake is told with the text that has it, which can be of any length.
 constexpr std::size_t kLongestMistake = 600;
 
-/// The help in the words of the tool, as wide as the terminal.
+// The help in the words of the tool, as wide as the terminal.
 class HelpFormatter : public CLI::FormatterBase {
 public:
     explicit HelpFormatter(std::size_t width) : m_width(width) {}
@@ -55,7 +55,7 @@ void describe(CLI::App& app, Run& run) {
         add(app, run);
 }
 
-/// The command that the words chose as far as they could be read.
+// The command that the words chose as far as they could be read.
 const CLI::App& chosenCommand(const CLI::App& app) {
     const std::vector<CLI::App*> chosen = app.get_subcommands();
     return chosen.empty() ? app : chosenCommand(*chosen.front());
@@ -101,7 +101,7 @@ std::string listOf(const CLI::App& app) {
                             question.empty() ? "; use one of " + listOf(app) : question));
 }
 
-/// Words that belong nowhere say more than what is missing in their place.
+// Words that belong nowhere say more than what is missing in their place.
 void refuseStrayWords(const CLI::App& app) {
     if (const std::vector<std::string> stray = app.remaining(); !stray.empty()) refuseWord(app, stray.front());
     for (const CLI::App* const command : app.get_subcommands()) refuseStrayWords(*command);
@@ -115,7 +115,7 @@ void refuseStrayWords(const CLI::App& app) {
                             name.substr(kProgram.size())));
 }
 
-/// Converting what is no UTF-8 replaces it, and files would keep that.
+// Converting what is no UTF-8 replaces it, and files would keep that.
 void requireUtf8(const std::vector<std::string>& words) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::u16string text = toUtf16(words[i]);
@@ -124,7 +124,7 @@ void requireUtf8(const std::vector<std::string>& words) {
     }
 }
 
-/// What changes a file can wait for it.
+// What changes a file can wait for it.
 void addWait(CLI::App& app, std::uint32_t& seconds) {
     for (CLI::App* const command : app.get_subcommands([](CLI::App*) { return true; })) {
         addWait(*command, seconds);
@@ -135,7 +135,7 @@ void addWait(CLI::App& app, std::uint32_t& seconds) {
     }
 }
 
-/// From the start, on what the file then holds: what was read before is out of date.
+// From the start, on what the file then holds: what was read before is out of date.
 int runWaiting(const Run& command, const Output& output, std::chrono::seconds wait) {
     constexpr std::chrono::milliseconds kPause{100};
     const auto end = std::chrono::steady_clock::now() + wait;

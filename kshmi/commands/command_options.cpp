@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::uint32_t kLargest = std::numeric_limits<std::int32_t>::max();
 
-/// A flag and its opposite; neither leaves things as they are.
+// A flag and its opposite; neither leaves things as they are.
 void addSwitch(CLI::App& command, const std::string& on, const std::string& off, std::optional<bool>& value,
                const std::string& help, const std::string& opposite) {
     CLI::Option* const first = command.add_flag_callback(

@@ -50,7 +50,7 @@ int inFile(const std::string& file, const std::function<int()>& work);
 std::string messageOf(const workbench::Error& error);
 
 /// Once the user has chosen the command, makes `run` call the function with its arguments, as they then are.
-template <typename Arguments>
+template <class Arguments>
 void runWith(CLI::App& command, int (*function)(const Arguments&, const Output&),
              const std::shared_ptr<Arguments>& arguments, Run& run) {
     command.callback([function, arguments, &run] {

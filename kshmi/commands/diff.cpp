@@ -21,8 +21,8 @@ struct DiffArguments {
     bool showsAll = false;
 };
 
-/// What git calls an external diff with: path, old file, its hash and mode, new file, its hash and mode; two more where
-/// the file was renamed.
+// What git calls an external diff with: path, old file, its hash and mode, new file, its hash and mode; two more where
+// the file was renamed.
 constexpr std::size_t kGitArguments = 7;
 constexpr std::size_t kGitRenameArguments = 9;
 

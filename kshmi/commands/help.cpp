@@ -17,7 +17,7 @@
 #include "workbench/text/nearest.h"
 #include "workbench/text/text.h"
 
-/// The commands that tell of the tool itself.
+// The commands that tell of the tool itself.
 namespace kshmi {
 
 namespace {

@@ -31,7 +31,7 @@ struct ImportArguments {
     bool isQuiet = false;
 };
 
-/// The first names of a note; empty when none has one.
+// The first names of a note; empty when none has one.
 std::string someNames(const std::vector<std::string>& names) {
     std::string list;
     std::size_t shown = 0;
@@ -95,7 +95,7 @@ void tellJson(const ImportedModel& model, const ImportArguments& arguments, cons
     document.print(output.out);
 }
 
-/// The version before: the model file to update, or the one named. Marks are not put on blocks unseen.
+// The version before: the model file to update, or the one named. Marks are not put on blocks unseen.
 std::optional<ModelFile> previousOf(const ImportArguments& arguments) {
     const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(arguments.target));
     if (isThere && !arguments.isUpdate)

@@ -26,8 +26,8 @@ struct MarkArguments {
 
 struct Wanted {
     SignalSource source;
-    std::u16string activity;  ///< of a chart item
-    bool isMarked;            ///< already
+    std::u16string activity;  // of a chart item
+    bool isMarked;            // already
 };
 
 std::vector<Wanted> wantedOf(const Session& session, const MarkArguments& arguments, const Output& output) {
@@ -47,7 +47,7 @@ std::string describe(const kestrel::Model& model, const Wanted& wanted) {
     return fmt::format("{} ({})", name, printable(portName(wanted.source)));
 }
 
-/// Settings are for new signals: what is marked would not get them.
+// Settings are for new signals: what is marked would not get them.
 void requireUnmarked(const Session& session, const std::vector<Wanted>& wanted) {
     std::size_t count = 0;
     const Wanted* first = nullptr;

@@ -24,13 +24,13 @@ using namespace workbench;
 struct ObserveArguments {
     std::string file;
     SelectionArguments what;
-    std::vector<std::string> signals;  ///< UUIDs and positions
+    std::vector<std::string> signals;  // UUIDs and positions
     ClientArguments client;
     ChangeOptions options;
 };
 
-/// Of a chart item's signals, the first on the activity that is meant when none is said. When there is none, the first
-/// of all, if they agree on another.
+// Of a chart item's signals, the first on the activity that is meant when none is said. When there is none, the first
+// of all, if they agree on another.
 std::size_t signalOnItem(const Session& session, const SignalSource& source, const Positions& found) {
     std::vector<std::u16string> activities;
     for (const std::size_t position : found) {
@@ -56,7 +56,7 @@ void requireMarked(const NamedSources& named, const ReferenceOptions& options, c
     throw named.reference.place.file.empty() ? error : error.at(named.reference.place);
 }
 
-/// One signal on each port and item, the first one where several are alike.
+// One signal on each port and item, the first one where several are alike.
 Positions signalsOf(const Session& session, const ObserveArguments& arguments, const Output& output) {
     const ReferenceOptions& options = arguments.what.selection.options;
     const SignalIndex index(session);

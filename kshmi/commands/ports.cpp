@@ -33,14 +33,14 @@ struct PortsArguments {
 
 using Source = ks_hmi::InstrumentedSignals::Source;
 
-/// The full path to list below, empty for all.
+// The full path to list below, empty for all.
 std::string fullBelow(const kestrel::Model& model, const std::string& text) {
     if (text.empty()) return {};
     const std::u16string below = resolveBelow(model, text);
     return toUtf8(below.empty() ? model.name() : model.name() + u"/" + below);
 }
 
-/// Leaves the ports that are selected.
+// Leaves the ports that are selected.
 void narrow(const Session& session, const SelectionArguments& what, const Output& output,
             std::vector<Source>& sources) {
     std::set<std::pair<double, int>> ports;

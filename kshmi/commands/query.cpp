@@ -25,7 +25,7 @@ struct QueryArguments {
 
 struct Answer {
     SignalSource source;
-    std::u16string activity;  ///< that was asked for; empty for a port and for any activity
+    std::u16string activity;  // that was asked for; empty for a port and for any activity
     bool isObserved = false;
 };
 

@@ -18,8 +18,8 @@ using namespace workbench;
 
 struct RenameArguments {
     std::string file;
-    std::vector<std::string> names;  ///< one after the other
-    bool isModelMeant = false;       ///< although a block has such a name
+    std::vector<std::string> names;  // one after the other
+    bool isModelMeant = false;       // although a block has such a name
     ChangeOptions options;
 };
 
@@ -45,7 +45,7 @@ void tellManager(const std::vector<std::string>& received, bool isKnownName, Cha
     note("would not be told", "is not told", isKnownName ? ": the set was last known by this name" : "");
 }
 
-/// Who gives a block's name most likely wants to rename that block.
+// Who gives a block's name most likely wants to rename that block.
 void requireNoBlock(const Session& session, const RenameArguments& arguments) {
     if (arguments.isModelMeant) return;
     for (const std::string& name : arguments.names) {

@@ -21,7 +21,7 @@ using namespace workbench;
 struct RenumberArguments {
     std::string file;
     std::string block;
-    std::string numbers;  ///< with commas between; entry k is the new number of port k, 0 for a deleted one
+    std::string numbers;  // with commas between; entry k is the new number of port k, 0 for a deleted one
     ChangeOptions options;
 };
 
@@ -42,7 +42,7 @@ std::vector<int> numbersOf(const std::string& text) {
     return numbers;
 }
 
-/// The members of a port or of a signal on one: where it is now, and where it was when it stays.
+// The members of a port or of a signal on one: where it is now, and where it was when it stays.
 ChangeReport::Members membersOf(std::string_view kind, const std::u16string& block, const PortChange& one) {
     return [=](JsonObject& object) {
         object.text("kind", kind).text("block", block).number("port", one.to == 0 ? one.from : one.to);

@@ -25,11 +25,11 @@ using namespace workbench;
 struct SetArguments {
     std::string file;
     SelectionArguments what;
-    std::vector<std::string> signals;  ///< UUIDs and positions
+    std::vector<std::string> signals;  // UUIDs and positions
     SignalSettings settings;
-    std::vector<std::string> clients;  ///< UUIDs and positions
-    bool isOfClients = false;          ///< all clients of the signals
-    std::vector<std::string> types;    ///< only these
+    std::vector<std::string> clients;  // UUIDs and positions
+    bool isOfClients = false;          // all clients of the signals
+    std::vector<std::string> types;    // only these
     ClientArguments client;
     bool isConfirmed = false;
     ChangeOptions options;
@@ -84,8 +84,8 @@ Positions clientsOf(const Session& session, const SetArguments& arguments, const
     return positions;
 }
 
-/// Tells of each position what became of it; `changed` are those that are otherwise now.
-template <typename Describe, typename Append>
+// Tells of each position what became of it; `changed` are those that are otherwise now.
+template <class Describe, class Append>
 void tell(const Positions& positions, const Positions& changed, ChangeReport& report, Describe describe,
           Append append) {
     for (const std::size_t position : positions) {
@@ -107,7 +107,7 @@ void setSignals(Session& session, const Positions& positions, const SignalSettin
         });
 }
 
-/// What settles marks one by one leaves the others unsettled.
+// What settles marks one by one leaves the others unsettled.
 void confirm(Session& session, const Positions& positions, ChangeReport& report) {
     session.keepUnsettledNames();
     const auto describe = [&](std::size_t position) {

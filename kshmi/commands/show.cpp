@@ -91,7 +91,7 @@ bool isShown(const std::u16string& path, const std::u16string& below) {
     return below.empty() || isAtOrBelow(path, below);
 }
 
-/// The blocks that the options ask for.
+// The blocks that the options ask for.
 std::vector<BlockNode> shownBlocks(const Session& session, const ShowArguments& arguments,
                                    const std::u16string& below) {
     std::vector<BlockNode> nodes = blockTree(session);
@@ -136,7 +136,7 @@ void narrowBlocks(const std::vector<SignalSource>& sources, std::vector<BlockNod
     keepWanted(nodes, [](const BlockNode& node) { return !node.ports.empty() || !node.items.empty(); });
 }
 
-/// Leaves what is selected: ports and items with their signals and clients.
+// Leaves what is selected: ports and items with their signals and clients.
 void narrow(const SelectionArguments& what, const Output& output, ShownModel& shown) {
     const Session& session = *shown.session;
     const std::vector<SignalSource> sources = selectOrAll(session.model(), what, output).sources();
@@ -153,7 +153,7 @@ void narrow(const SelectionArguments& what, const Output& output, ShownModel& sh
     narrowBlocks(sources, shown.blocks);
 }
 
-/// The first of each kind.
+// The first of each kind.
 void cut(ShownModel& shown, std::size_t limit) {
     shown.signals.resize(std::min(shown.signals.size(), limit));
     shown.clients.resize(std::min(shown.clients.size(), limit));

@@ -11,7 +11,7 @@ struct TourArguments {
     std::string original;
 };
 
-/// Works on a copy of the file.
+// Works on a copy of the file.
 int runTour(const TourArguments& arguments, const Output& output) {
     Tour(arguments.original, output).run();
     return kSuccess;

@@ -19,7 +19,7 @@ using namespace workbench;
 struct UnmarkArguments {
     std::string file;
     SelectionArguments what;
-    std::vector<std::string> signals;  ///< UUIDs and positions
+    std::vector<std::string> signals;  // UUIDs and positions
     bool isDangling = false;
     ChangeOptions options;
 };

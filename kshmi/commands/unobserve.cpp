@@ -22,11 +22,11 @@ struct UnobserveArguments {
     std::string file;
     SelectionArguments what;
     ClientSelection clients;
-    bool isUnused = false;  ///< the host is asked which ones it does not need
+    bool isUnused = false;  // the host is asked which ones it does not need
     ChangeOptions options;
 };
 
-/// Clients as they are before some go.
+// Clients as they are before some go.
 class Leaving {
 public:
     Leaving(const Session& session, ChangeReport& report) : m_session(session), m_report(report), m_uuids(session) {
@@ -43,7 +43,7 @@ public:
         });
     }
 
-    /// Tells of those that are gone.
+    // Tells of those that are gone.
     void tellDropped() const {
         std::set<std::string> kept;
         for (std::size_t i = 0; i < m_session.clients().getCount(); ++i)

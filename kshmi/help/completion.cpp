@@ -24,7 +24,7 @@ std::vector<std::string> commandNames(const CLI::App& app) {
     return names;
 }
 
-/// A branch for each command: which words may follow, and which values an option takes. "-" stands for files.
+// A branch for each command: which words may follow, and which values an option takes. "-" stands for files.
 void appendBashCases(std::string& script, const CLI::App& app) {
     script += fmt::format("        '{}') words='{}'; commands='{}' ;;\n", fullNameOf(app),
                           fmt::join(optionNames(app), " "), fmt::join(commandNames(app), " "));

@@ -10,7 +10,7 @@ namespace kshmi {
 
 namespace {
 
-/// The part of a type's name in front of what its values are checked for.
+// The part of a type's name in front of what its values are checked for.
 std::string typeOf(const CLI::Option& option) {
     const std::string name = option.get_type_name();
     return name.substr(0, name.find(':'));

@@ -32,7 +32,7 @@ std::string upper(std::string text) {
     return text;
 }
 
-/// Paragraphs, with lines that start with blanks as they are.
+// Paragraphs, with lines that start with blanks as they are.
 std::string paragraphs(std::string_view text) {
     std::string result;
     std::istringstream lines{std::string(text)};
@@ -54,7 +54,7 @@ std::string entries(const HelpSection& section) {
     return text;
 }
 
-/// Options that every command has are told once.
+// Options that every command has are told once.
 constexpr const char* kShared = "Options of every command";
 
 std::string commandPart(const CLI::App& app) {

@@ -17,12 +17,12 @@ namespace {
 constexpr std::size_t kIndent = 2;
 constexpr std::size_t kGap = 2;
 constexpr std::size_t kWidestName = 48;
-/// Where lines have no end, ports go on in the next line and names are shortened, too.
+// Where lines have no end, ports go on in the next line and names are shortened, too.
 constexpr std::size_t kLongestName = 120;
-/// Of so many parents without blocks in a row, only the first and the last are listed.
+// Of so many parents without blocks in a row, only the first and the last are listed.
 constexpr std::size_t kMostParents = 8;
 
-/// What stands behind a name: a port, or whether an item is observed.
+// What stands behind a name: a port, or whether an item is observed.
 struct Entry {
     bool isObserved = false;
     std::string text;
@@ -31,7 +31,7 @@ struct Entry {
 struct Line {
     std::string name;
     std::vector<Entry> entries{};
-    std::size_t leftOut = 0;  ///< entries
+    std::size_t leftOut = 0;  // entries
 };
 
 class TreePrinter {
@@ -69,7 +69,7 @@ public:
     }
 
 private:
-    /// How many from there on are parents without blocks, each of the next.
+    // How many from there on are parents without blocks, each of the next.
     static std::size_t bareParents(const std::vector<BlockNode>& nodes, std::size_t from) {
         std::size_t end = from;
         while (end < nodes.size() && nodes[end].block == nullptr) ++end;
@@ -110,7 +110,7 @@ private:
     std::size_t lineWidth() const { return m_width > 0 ? m_width : kLongestName; }
     std::size_t half() const { return m_width > 0 ? m_width / 2 : kLongestName; }
 
-    /// With what "--ssid" takes.
+    // With what "--ssid" takes.
     std::string nameOf(const ChartItem& item) const {
         if (item.ssid == 0) return "(chart)";
         return fmt::format("{} {} #{}", item.domainType == kStateDomain ? "(state)" : "(data)", shortName(item.subPath),

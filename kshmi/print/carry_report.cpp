@@ -118,7 +118,7 @@ void appendMark(std::string& out, const CarriedMark& mark, const CarryRun& run) 
     object.close();
 }
 
-template <typename IsIn>
+template <class IsIn>
 void appendMarks(std::string& out, JsonObject& object, const char* name, const std::vector<CarriedMark>& marks,
                  const CarryRun& run, IsIn isIn) {
     object.name(name);

@@ -56,9 +56,9 @@ void appendBlocks(std::string& out, const ModelDiff& diff, const ModelFile& befo
     object.truth("reordered", diff.areBlocksReordered).close();
 }
 
-/// The records of one kind in both files.
+// The records of one kind in both files.
 struct Lists {
-    const char* what;  ///< "signal" or "client"
+    const char* what;  // "signal" or "client"
     const hvArray* before;
     const hvArray* after;
     std::u16string modelBefore, modelAfter;

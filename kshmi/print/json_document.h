@@ -23,7 +23,7 @@ public:
     /// For the value of a member that was named last.
     std::string& text() noexcept { return m_text; }
     /// An array, an element a line; `append(element)` appends one to `text()`.
-    template <typename Range, typename Append>
+    template <class Range, class Append>
     void list(std::string_view name, const Range& elements, Append append) {
         m_object.name(name);
         workbench::appendJsonArray(m_text, elements, append, kElements);

@@ -19,7 +19,7 @@ void appendId(JsonObject& object, std::string_view name, std::string_view uuid, 
     id.close();
 }
 
-/// Of a signal whose block is gone.
+// Of a signal whose block is gone.
 void appendGone(JsonObject& object, const kestrel::Model& model, const ks_hmi::SignalSpecification& signal) {
     object.text("block", model.name() + u"/" + signal.m_blockPath).truth("gone", true);
     if (isChartSignal(signal))

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kWidest = 78;
 
-/// A signal is for the thread that works: it knows when the program may end.
+// A signal is for the thread that works: it knows when the program may end.
 class SignalsHeldBack {
 public:
     SignalsHeldBack() noexcept {

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* kSchema = "https://json.schemastore.org/sarif-2.1.0.json";
 
-/// Relative paths as they are: whoever shows the log knows where the tool ran.
+// Relative paths as they are: whoever shows the log knows where the tool ran.
 std::string uriOf(const std::string& path) {
     constexpr std::string_view kPlain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~/";
     const bool isAbsolute = path.starts_with('/');
@@ -65,7 +65,7 @@ void appendLocation(std::string& out, const Finding& finding) {
     location.close();
 }
 
-/// Stays the same while lines and positions change, so that a finding is recognised in the next version.
+// Stays the same while lines and positions change, so that a finding is recognised in the next version.
 std::string fingerprintOf(const Finding& finding) {
     const CheckRule& rule = ruleOf(finding.code);
     const std::string& what = finding.uuid.empty() ? finding.place.pointer : finding.uuid;

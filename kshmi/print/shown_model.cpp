@@ -21,7 +21,7 @@ namespace {
 using ks_hmi::SignalSpecification;
 constexpr auto kRight = TextTable::Align::right;
 
-/// As references name it, with the port's name or the item's activity.
+// As references name it, with the port's name or the item's activity.
 std::string sourceText(const SignalSpecification& signal, const SignalSource& source) {
     const std::string block = printable(source.block->path);
     if (!source.item) return fmt::format("{}:{} ({})", block, source.port, printable(portName(source)));
@@ -29,7 +29,7 @@ std::string sourceText(const SignalSpecification& signal, const SignalSource& so
     return fmt::format("{}{} ({})", block, item, printable(activityOf(signal)));
 }
 
-/// What is not as it is when nothing is said.
+// What is not as it is when nothing is said.
 std::string settingsText(const SignalSpecification& signal) {
     std::string text;
     const auto add = [&](const std::string& setting) { text += (text.empty() ? "" : ", ") + setting; };

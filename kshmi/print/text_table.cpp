@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kGap = 2;
 constexpr std::size_t kWidestCell = 120;
-/// A wrapped column is no narrower, if its texts are not.
+// A wrapped column is no narrower, if its texts are not.
 constexpr std::size_t kNarrowestCell = 8;
 constexpr std::size_t kMostLines = 4;
 
@@ -37,7 +37,7 @@ void TextTable::print(std::ostream& out, std::size_t lineWidth) const {
     for (const std::vector<std::string>& row : m_rows) printRow(out, row, widthOf);
 }
 
-/// 0 for a column without any text.
+// 0 for a column without any text.
 std::vector<std::size_t> TextTable::naturalWidths() const {
     std::vector<std::size_t> result(m_columns.size(), 0);
     for (const std::vector<std::string>& row : m_rows)
@@ -53,7 +53,7 @@ std::vector<std::size_t> TextTable::widths(std::size_t lineWidth) const {
     return result;
 }
 
-/// The widest columns of texts give way first.
+// The widest columns of texts give way first.
 void TextTable::narrow(std::vector<std::size_t>& widths, std::size_t lineWidth) const {
     for (std::size_t widest = kWidestCell; widest > 0 && lineWidthOf(widths) > lineWidth; --widest)
         for (std::size_t i = 0; i < widths.size(); ++i) {

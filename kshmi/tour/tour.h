@@ -59,7 +59,7 @@ private:
     std::string firstHandle() const;
 
     void title(const std::string& text);
-    template <typename... Values>
+    template <class... Values>
     void say(fmt::format_string<Values...> format, Values&&... values) const {
         m_output.out << "   " << fmt::format(format, std::forward<Values>(values)...) << '\n';
     }

@@ -7,7 +7,7 @@
 #include "workbench/session/script.h"
 #include "workbench/text/text.h"
 
-/// An engine's port.
+// An engine's port.
 struct ksPort {
     const kestrel::Block* block;
     int port;

@@ -18,7 +18,7 @@ std::string bits(std::initializer_list<bool> answers) {
     return text;
 }
 
-/// Name, type, access codes, and the answers to the questions in the order in which the host declares them.
+// Name, type, access codes, and the answers to the questions in the order in which the host declares them.
 std::string describe(const hos::COSPropInfo& p) {
     return *p.getName().text() + ": " + p.getType()->text() + ' ' + std::to_string(p.getGetAccess()) + '/' +
            std::to_string(p.getSetAccess()) + ' ' +
@@ -39,7 +39,7 @@ std::string describe(const hos::COSMethodInfo& m) {
            (signature.optionalArguments() == 1 ? " optional" : "") + (m.isStatic() ? " static" : "");
 }
 
-/// Both classes as their descriptions have them, asked without the host in between.
+// Both classes as their descriptions have them, asked without the host in between.
 class ClassDescriptions : public ModelTest {
 protected:
     template <class Set>
@@ -57,7 +57,7 @@ protected:
         void assign(const char* name, const hos::PropValue& value) const {
             native->findProperty(name)->setValue(&set(), value);
         }
-        /// How many results the method says it gave, of the slots it filled.
+        // How many results the method says it gave, of the slots it filled.
         std::string results(const char* name, std::vector<hos::Argument> arguments, int wanted) const {
             std::vector<hos::Result> slots(3);
             hos::Invocation invocation{wanted, slots, 0, arguments};

@@ -14,7 +14,7 @@
 #include "memory_host/orvex/objects/object_system.h"
 #include "tests/support/sanitized.h"
 
-/// The library as a host loads it: this program does not link it.
+// The library as a host loads it: this program does not link it.
 
 static constinit thread_local bool t_callocFails = false;
 

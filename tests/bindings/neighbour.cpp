@@ -2,7 +2,7 @@
 
 #include "host/object_system.h"
 
-/// Another library of the host, which gets to the namespaces first.
+// Another library of the host, which gets to the namespaces first.
 
 namespace {
 

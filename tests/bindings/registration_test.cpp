@@ -9,16 +9,16 @@
 #include "tests/support/host_function.h"
 #include "tests/support/host_recorder.h"
 
-/// What the library hands to the object system, which is the test's own here: it stands in front of the host's.
+// What the library hands to the object system, which is the test's own here: it stands in front of the host's.
 
 namespace {
 
 using ks_test::Lines;
 
-/// Writes down what is looked up and added, and keeps it, as the object system does.
+// Writes down what is looked up and added, and keeps it, as the object system does.
 class RecordingObjectSystem {
 public:
-    /// Knows the first `known` of "Kestrel" and "Kestrel.HMI".
+    // Knows the first `known` of "Kestrel" and "Kestrel.HMI".
     explicit RecordingObjectSystem(int known);
     ~RecordingObjectSystem() { active = nullptr; }
 
@@ -39,7 +39,7 @@ public:
 
     static inline RecordingObjectSystem* active = nullptr;
     Lines lines;
-    std::function<void(std::size_t)> onLine;  ///< called with the number of lines so far
+    std::function<void(std::size_t)> onLine;  // called with the number of lines so far
     std::vector<std::unique_ptr<hos::COSNamespaceInfo>> namespaces;
     std::vector<std::unique_ptr<hos::COSClassInfo>> classes;
 
@@ -69,7 +69,7 @@ RecordingObjectSystem::RecordingObjectSystem(int known) {
     if (known > 1) m_known["Kestrel.HMI"] = std::make_unique<RecordingNamespace>("Kestrel.HMI");
 }
 
-/// The library, loaded anew and not initialised.
+// The library, loaded anew and not initialised.
 class Library {
 public:
     Library() : m_handle(dlopen(KS_HMI_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL)) { EXPECT_NE(m_handle, nullptr); }

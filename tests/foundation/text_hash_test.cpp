@@ -11,7 +11,7 @@ namespace {
 
 using ks_hmi_foundation::TextHash;
 
-/// All texts of that many of the characters.
+// All texts of that many of the characters.
 std::vector<std::u16string> textsOf(std::u16string_view characters, std::size_t length) {
     if (length == 0) return {u""};
     std::vector<std::u16string> texts;

@@ -5,7 +5,7 @@
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
 
-/// What "check" finds, how it tells, and what "prune" removes.
+// What "check" finds, how it tells, and what "prune" removes.
 namespace kshmi::testing {
 namespace {
 
@@ -19,7 +19,7 @@ Mark inChart(const std::string& uuid, const std::string& params, const std::stri
     return {uuid, 0, "On", "2", "L", "On", domain, params};
 }
 
-/// Every fault once, with what is in order between.
+// Every fault once, with what is in order between.
 const std::string kFaulty =
     modelText(R"("x", "y", "z")",
               {{"a", 1, "x"},

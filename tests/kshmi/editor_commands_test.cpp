@@ -10,7 +10,7 @@ using testing::Finished;
 using testing::kModel;
 using testing::replaced;
 
-/// What an editor does besides marking. Every command runs on a fresh copy of the model unless a test says otherwise.
+// What an editor does besides marking. Every command runs on a fresh copy of the model unless a test says otherwise.
 class EditorCommands : public testing::KshmiTest {
 protected:
     EditorCommands() { write(kModel); }
@@ -243,7 +243,7 @@ TEST_F(EditorCommands, recordsWithoutIdentifiersFollowByPath) {
 TEST_F(EditorCommands, signalsFollowRenumberedPorts) {
     struct Case {
         std::string numbers, outputs;
-        std::string observed;  ///< of the ports p, q and r, all of which were, by name
+        std::string observed;  // of the ports p, q and r, all of which were, by name
         std::size_t signals;
     };
     const Case cases[] = {

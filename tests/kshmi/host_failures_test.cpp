@@ -10,8 +10,8 @@ namespace {
 using testing::Finished;
 using testing::kModel;
 
-/// Fails each of the host's operations in turn while the tool runs.
-/// What the host refuses to read looks like a bad file.
+// Fails each of the host's operations in turn while the tool runs.
+// What the host refuses to read looks like a bad file.
 bool isFailure(int code) { return code == kHostRefused || code == kBadFile; }
 
 class HostFailures : public testing::KshmiTest {
@@ -20,7 +20,7 @@ protected:
 
     HostFailures() { write(kModel); }
 
-    template <typename Check>
+    template <class Check>
     void sweep(const std::string& command, orvex::FaultKind kind, Check check) const {
         runOn(command);  // enters the host, and makes what the host keeps
         const orvex::LedgerCounts before = orvex::liveCounts();

@@ -10,12 +10,12 @@ using testing::kModel;
 using testing::replaced;
 namespace json = boost::json;
 
-/// As much of JSON Schema as docs/kshmi-output.schema.json uses.
+// As much of JSON Schema as docs/kshmi-output.schema.json uses.
 class Schema {
 public:
     explicit Schema(json::value document) : m_document(std::move(document)) {}
 
-    /// What of the value does not fit, by JSON pointer; empty when all does.
+    // What of the value does not fit, by JSON pointer; empty when all does.
     std::vector<std::string> faults(const json::value& value) const {
         std::vector<std::string> found;
         check(m_document.as_object(), value, "", found);
@@ -68,7 +68,7 @@ private:
         }
     }
 
-    /// The alternative with the fewest faults has none.
+    // The alternative with the fewest faults has none.
     void checkOne(const json::array& alternatives, const json::value& value, const std::string& at,
                   Faults& faults) const {
         std::size_t fitting = 0;

@@ -1,7 +1,7 @@
 #include "tests/kshmi/kshmi_test.h"
 #include "tests/support/json_schema.h"
 
-/// docs/model-file.schema.json says what a model file is, to editors and other programs.
+// docs/model-file.schema.json says what a model file is, to editors and other programs.
 namespace kshmi {
 namespace {
 

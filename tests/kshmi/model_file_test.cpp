@@ -15,7 +15,7 @@ using testing::replaced;
 
 class ModelFiles : public testing::KshmiTest {
 protected:
-    /// Whether the text, saved without a change that would show in it, gives the model in its canonical form.
+    // Whether the text, saved without a change that would show in it, gives the model in its canonical form.
     void expectSavedAsTheModel(const std::string& text) const {
         write(text);
         EXPECT_EQ(runOn("mark A:valid --exclude-from-save").code, 0);

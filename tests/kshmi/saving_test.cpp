@@ -22,19 +22,19 @@
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
 
-/// Saving when each of its system calls fails once, and when the program ends at each of them. The tool's calls are
-/// linked to the functions below, which make them unless it is their turn to fail.
+// Saving when each of its system calls fails once, and when the program ends at each of them. The tool's calls are
+// linked to the functions below, which make them unless it is their turn to fail.
 
 namespace {
 
 enum class Turn { fails, endsTheProgram };
 
 struct Plan {
-    std::size_t at = 0;  ///< which call, 1-based; 0 for none
+    std::size_t at = 0;  // which call, 1-based; 0 for none
     Turn turn = Turn::fails;
     int error = EIO;
     std::size_t calls = 0;
-    const char* reached = nullptr;  ///< the call whose turn it was
+    const char* reached = nullptr;  // the call whose turn it was
 } g_plan;
 
 bool isToFail(const char* name) {
@@ -92,7 +92,7 @@ protected:
     }
     ~Saving() override { g_plan = {}; }
 
-    /// Unmarks a state in the model as it was, with that plan for the calls of the save.
+    // Unmarks a state in the model as it was, with that plan for the calls of the save.
     testing::Finished unmarkWith(const Plan& plan) {
         write(kModel);
         ::chmod(path().c_str(), 0640);
@@ -105,8 +105,8 @@ protected:
     const std::string& unmarked() const { return m_unmarked; }
     std::string folder() const { return path("."); }
 
-    /// In a process of its own, where `prepare` has done what it says: a save fails for that reason and leaves no
-    /// trace. False where the machine does not permit what `prepare` does.
+    // In a process of its own, where `prepare` has done what it says: a save fails for that reason and leaves no
+    // trace. False where the machine does not permit what `prepare` does.
     bool failsIn(const std::function<bool()>& prepare, const char* reason) {
         constexpr int kNotPermitted = 75;
         std::fflush(nullptr);
@@ -123,7 +123,7 @@ protected:
         EXPECT_TRUE(!isPermitted || status == 0) << "see above";
         return isPermitted;
     }
-    /// A disk of its own for this process at the folder of the test, with a model that takes more than half of it.
+    // A disk of its own for this process at the folder of the test, with a model that takes more than half of it.
     bool mountSmallDisk() const {
         const bool isDone = ::unshare(CLONE_NEWNS) == 0 &&
                             ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
@@ -218,7 +218,7 @@ TEST_F(Saving, aFolderThatMustNotBeWrittenLeavesTheOldFile) {
     if (!isPermitted) GTEST_SKIP() << "no user to be found here from whom the folder is protected";
 }
 
-/// An access control list in the form that the kernel keeps: the owner and one named user may write, others nothing.
+// An access control list in the form that the kernel keeps: the owner and one named user may write, others nothing.
 std::string accessListFor(std::uint32_t user) {
     struct Entry {
         std::uint16_t tag, permissions;

@@ -12,12 +12,12 @@ using testing::Finished;
 using testing::kModel;
 using testing::replaced;
 
-/// What is selected, by every command alike.
+// What is selected, by every command alike.
 class Selecting : public testing::KshmiTest {
 protected:
     Selecting() { write(kModel); }
 
-    /// The names that a query tells, without whether they are observed.
+    // The names that a query tells, without whether they are observed.
     std::string selected(const std::string& words) const {
         std::istringstream lines(runOn("query " + words).out);
         std::string names;

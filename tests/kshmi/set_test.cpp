@@ -8,7 +8,7 @@ using testing::Finished;
 using testing::kModel;
 using testing::replaced;
 
-/// Signals and clients that are changed where they are. Every case starts with a fresh copy of the model.
+// Signals and clients that are changed where they are. Every case starts with a fresh copy of the model.
 class Settings : public testing::KshmiTest {
 protected:
     Settings() { write(kModel); }
@@ -17,7 +17,7 @@ protected:
 TEST_F(Settings, areChangedInPlaceAndNothingElse) {
     struct Case {
         const char* words;
-        std::pair<std::string, std::string> first, second;  ///< what is replaced in the file; nothing for empty
+        std::pair<std::string, std::string> first, second;  // what is replaced in the file; nothing for empty
     };
     const Case cases[] = {
         {"A --decimation 7 --max-points 9", {"\"Decimation_\": 2", "\"Decimation_\": 7"}, {": 100,", ": 9,"}},

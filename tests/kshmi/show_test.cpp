@@ -14,7 +14,7 @@ using testing::replaced;
 
 class Show : public testing::KshmiTest {
 protected:
-    /// On a terminal of so many columns.
+    // On a terminal of so many columns.
     testing::Finished showIn(std::size_t width, std::vector<std::string> words = {}) const {
         std::ostringstream out;
         std::ostringstream err;

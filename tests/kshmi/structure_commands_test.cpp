@@ -16,7 +16,7 @@ class StructureCommands : public testing::KshmiTest {
 protected:
     StructureCommands() { write(kModel); }
 
-    /// "block add x" with the model's file behind both words.
+    // "block add x" with the model's file behind both words.
     Finished change(const std::string& line) const {
         std::istringstream in(line);
         std::vector<std::string> words;
@@ -28,7 +28,7 @@ protected:
         std::erase_if(text, [](char c) { return c == ' ' || c == '\n'; });
         return text;
     }
-    /// The blocks' lines in the file.
+    // The blocks' lines in the file.
     std::string blocks() const {
         const std::string text = read();
         const std::size_t start = text.find("\"blocks\"");

@@ -153,7 +153,7 @@ TEST_F(HostValues, misuseIsRefusedAndNamed) {
     EXPECT_EQ(hvGetScalar(hvGetCell(cell.get(), 0)), 5);
 }
 
-template <typename T>
+template <class T>
 std::int64_t asInteger(hvClassID classId, T value) {
     const HvArrayPtr scalar(hvCreateNumericScalar(classId, hvREAL));
     std::memcpy(hvGetDataForWriting(scalar.get()), &value, sizeof value);

@@ -11,7 +11,7 @@ using ks_hmi::StreamingClients;
 
 namespace {
 
-/// Bundles, and the notices to the dashboards that show them.
+// Bundles, and the notices to the dashboards that show them.
 class ModelObserversTest : public ModelTest {};
 
 TEST_F(ModelObserversTest, bundlesValidateTheScalarFirst) {

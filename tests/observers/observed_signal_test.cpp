@@ -7,10 +7,10 @@ using ks_hmi::SignalClient;
 
 namespace {
 
-/// What a client answers from the signal that it observes.
+// What a client answers from the signal that it observes.
 class ObservedSignal : public ModelTest {
 protected:
-    /// A client of the signal that the model's set holds for that path, with the set known to the host.
+    // A client of the signal that the model's set holds for that path, with the set known to the host.
     std::unique_ptr<SignalClient> clientOf(const std::u16string& path) {
         set().add(port(path, 1));
         auto& signal = *set().get(0);

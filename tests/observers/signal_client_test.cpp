@@ -12,7 +12,7 @@ using ks_hmi::SignalClient;
 
 namespace {
 
-/// With a null name the field holds nothing.
+// With a null name the field holds nothing.
 HvArrayPtr params(const char* modelName) {
     HvArrayPtr value = structOf(1, std::array{"ModelName", "Color"});
     if (modelName != nullptr) hvReplaceField(value.get(), 0, "ModelName", text(modelName).release());
@@ -44,7 +44,7 @@ protected:
         client.getPersistenceData(data.get(), 0);
         return std::make_unique<SignalClient>(data.get(), 0, modelName);
     }
-    /// What a client writes into the field when it was read from an element with that value there, or the error.
+    // What a client writes into the field when it was read from an element with that value there, or the error.
     static std::string readAndWritten(const char* field, HvArrayPtr value) {
         const auto data = emptyStruct(2);
         filled()->getPersistenceData(data.get(), 1);

@@ -9,7 +9,7 @@ namespace {
 
 using Row = SweptRow;
 
-/// All kinds of host failures, and the words for them.
+// All kinds of host failures, and the words for them.
 constexpr std::pair<orvex::FaultKind, const char*> kHostFailures[] = {
     {orvex::FaultKind::refusal, "refusal"},        {orvex::FaultKind::exception, "exception"},
     {orvex::FaultKind::outOfMemory, "no memory"},  {orvex::FaultKind::emptyResult, "empty result"},
@@ -31,7 +31,7 @@ protected:
         orvex::LedgerCounts live;
     };
 
-    /// The documented state, the index in step with the list, nothing lost in the ledger; and the same call succeeds.
+    // The documented state, the index in step with the list, nothing lost in the ledger; and the same call succeeds.
     static void checkAfter(const Row& row, const Before& before, World& world, Ending ending,
                            const std::string& where) {
         orvex::clearWarnings();
@@ -52,9 +52,9 @@ protected:
         EXPECT_EQ(world.answers(), world.plainAnswers()) << where;
     }
 
-    /// Makes failure 1, 2, 3, ... of the operation until it completes untouched, each once alone and once with all
-    /// that comes after it. `makeFailure(n, andEverythingAfter)` gives an object that fails things while it lives
-    /// and counts them in `fired()`. Returns how many failures were made.
+    // Makes failure 1, 2, 3, ... of the operation until it completes untouched, each once alone and once with all
+    // that comes after it. `makeFailure(n, andEverythingAfter)` gives an object that fails things while it lives
+    // and counts them in `fired()`. Returns how many failures were made.
     template <class MakeFailure>
     static std::size_t sweep(const Row& row, const std::string& kind, MakeFailure makeFailure) {
         const Before reference(row);
@@ -76,7 +76,7 @@ protected:
         }
         return points;
     }
-    /// `sweepOne` gives how many failures of a row were made.
+    // `sweepOne` gives how many failures of a row were made.
     template <class Sweep>
     static void sweepAll(const std::vector<Row>& rows, std::size_t floor, Sweep sweepOne) {
         const orvex::LedgerCounts before = orvex::liveCounts();

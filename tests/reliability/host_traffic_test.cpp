@@ -19,7 +19,7 @@ const Operations kScopes = {"kssvSetLocalScope", "hvSetArrayScope"};
 const Operations kCalls = {"kssvFEVAL",         "kssvFEVAL_NoThrow", "kssvReportAsWarning", "kssvDiscardDiagnostic",
                            "kssvSetLocalScope", "hvSetArrayScope"};
 
-/// What the library asks of the host: operations, arguments, scopes and their order.
+// What the library asks of the host: operations, arguments, scopes and their order.
 class HostTraffic : public HostTest {
 protected:
     using Values = std::map<std::string, std::string>;
@@ -27,21 +27,21 @@ protected:
         std::istringstream in(text);
         return {std::istream_iterator<std::string>(in), {}};
     }
-    /// From "NAME=VALUE NAME=VALUE".
+    // From "NAME=VALUE NAME=VALUE".
     static Values valuesIn(const std::string& text) {
         Values values;
         for (const std::string& word : words(text))
             values[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
         return values;
     }
-    /// "PREFIX NAME" with the value behind it where `suffix` wants one.
+    // "PREFIX NAME" with the value behind it where `suffix` wants one.
     static Lines fields(const std::string& prefix, const Lines& names, const Values& values = {}) {
         Lines lines;
         for (const std::string& name : names)
             lines.push_back(prefix + ' ' + name + (values.empty() ? "" : ' ' + values.at(name)));
         return lines;
     }
-    /// Each property is read, and what it hands out goes into the local scope.
+    // Each property is read, and what it hands out goes into the local scope.
     static Lines propertyReads(const Lines& names, const Values& values) {
         Lines lines;
         for (const std::string& name : names) {

@@ -8,7 +8,7 @@ using namespace ks_test;
 
 namespace {
 
-/// What a script may do to the sets while the library waits for the host.
+// What a script may do to the sets while the library waits for the host.
 struct Act {
     const char* name;
     void (*carryOut)(SweptWorld&);
@@ -49,7 +49,7 @@ constexpr Act kActs[] = {
 
 enum class Way { returns, throws, refuses };
 
-/// Carries an act out at host operation number `at` (1-based): after it, or in its stead where it throws.
+// Carries an act out at host operation number `at` (1-based): after it, or in its stead where it throws.
 class Meddler {
 public:
     Meddler(SweptWorld& world, const Act& act, Way way, std::size_t at)
@@ -86,7 +86,7 @@ private:
 
 class Reentrancy : public HostTest {
 protected:
-    /// Host methods keep their inputs themselves, and so does what takes a host object; a set is kept by its caller.
+    // Host methods keep their inputs themselves, and so does what takes a host object; a set is kept by its caller.
     static bool needsItsSets(const SweptRow& row) {
         static const std::set<std::string> none{"rebind", "clients validate", "tell of a rename",
                                                 "list aligned observers", "bundle"};

@@ -17,7 +17,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 HvArrayPtr doubles(std::initializer_list<double> values) { return numbers(hvDOUBLE_CLASS, values); }
 
-/// A null text leaves its cell unset.
+// A null text leaves its cell unset.
 HvArrayPtr cells(std::initializer_list<const char*> texts) {
     const std::size_t count = texts.size();
     HvArrayPtr column(hvCreateCellArray(1, &count));
@@ -29,7 +29,7 @@ HvArrayPtr cells(std::initializer_list<const char*> texts) {
     return column;
 }
 
-/// Two rows: one that holds nothing, and one in which no two results could be taken for each other; flags are 0.
+// Two rows: one that holds nothing, and one in which no two results could be taken for each other; flags are 0.
 Results twoRows() {
     return {cells({nullptr, "uuid"}), doubles({0, 12.5}),
             doubles({0, 2}),          doubles({0, 3}),
@@ -40,7 +40,7 @@ Results twoRows() {
 
 class ObservedPortQueries : public ModelTest {
 protected:
-    /// What the query makes of a host that answers with copies of `results`.
+    // What the query makes of a host that answers with copies of `results`.
     std::vector<Source> sourcesFrom(const Results& results) {
         const auto answering = orvex::registerFunction("getObservedPorts", [&](orvex::Call& c) {
             for (std::size_t i = 0; i < results.size(); ++i) {
@@ -51,7 +51,7 @@ protected:
         InstrumentedSignals::getObservedPorts(object(), "", "", sources, true, true);
         return sources;
     }
-    /// What the query adds to `badges` when the host answers with a copy of `answer`.
+    // What the query adds to `badges` when the host answers with a copy of `answer`.
     void addBadges(const hvArray* answer, std::set<double>& badges) {
         const auto answering = orvex::registerFunction("getPortsWithBadges", [&](orvex::Call& c) {
             if (answer != nullptr) c.outs[0].reset(hvCreateDeepCopy(answer));

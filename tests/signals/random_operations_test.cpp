@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kSteps = 50;
 constexpr int kMostShrinkingRuns = 2000;
 
-/// Where a sequence went wrong, and how.
+// Where a sequence went wrong, and how.
 struct Failure {
     std::size_t step;
     std::string text;
@@ -33,7 +33,7 @@ std::optional<Failure> play(const std::vector<Operation>& operations, Totals& to
     return std::nullopt;
 }
 
-/// Leaves operations out one by one, as long as it still goes wrong.
+// Leaves operations out one by one, as long as it still goes wrong.
 std::string shortest(std::vector<Operation> operations, Failure failure) {
     Totals ignored;
     operations.resize(failure.step + 1);

@@ -30,8 +30,8 @@ std::uint64_t hashOf(const std::string& key) { return boost::hash<std::string>()
 
 class SignalIdentity : public HostTest {};
 
-/// What the system's source of randomness answers, in order: so many bytes, or an error number below 0. The bytes
-/// count up. When nothing is left it answers as ever.
+// What the system's source of randomness answers, in order: so many bytes, or an error number below 0. The bytes
+// count up. When nothing is left it answers as ever.
 std::deque<int> g_answers;
 unsigned char g_nextByte = 0;
 
@@ -153,7 +153,7 @@ TEST_F(SignalIdentity, aNewRecordTakesThePortsUuidAndStoresRelativeReferences) {
 
 }  // namespace
 
-/// Stands in front of the system's for the library, too.
+// Stands in front of the system's for the library, too.
 extern "C" [[gnu::visibility("default")]] ssize_t getrandom(void* buffer, std::size_t size, unsigned flags) {
     if (g_answers.empty()) {
         static const auto real = reinterpret_cast<decltype(&getrandom)>(dlsym(RTLD_NEXT, "getrandom"));

@@ -37,7 +37,7 @@ protected:
         spec->setCachedInfo(12.5, 2);
         return spec;
     }
-    /// What a record writes into the field when it was read from an element with that value there, or the error.
+    // What a record writes into the field when it was read from an element with that value there, or the error.
     static std::string readAndWritten(const char* field, HvArrayPtr value) {
         const auto data = emptyStruct(16, 3);
         filled()->createStructData(data.get(), 2, u"");
@@ -50,7 +50,7 @@ protected:
         return describe(written) +
                (hvGetNumberOfFields(written) == 0 && hvGetClassID(written) == hvSTRUCT_CLASS ? " 0" : "");
     }
-    /// What no saved model has.
+    // What no saved model has.
     static auto runtimeOf(const SignalSpecification& s) {
         return std::tie(s.m_cachedBlockHandle, s.m_cachedPortIdx, s.m_bindingRule, s.m_excludeForSave);
     }

@@ -19,7 +19,7 @@ constexpr int kRounds = 4000;
 
 std::atomic<int> g_alive{0};
 
-/// Uses the registry while it dies.
+// Uses the registry while it dies.
 class Context final : public StreamOutBlockContext {
 public:
     Context(StreamOutBlockRegistry& registry, std::string id) : m_registry(registry), m_id(std::move(id)) { ++g_alive; }

@@ -15,7 +15,7 @@ using Blocks = StreamOutBlockRegistry::BlockContextSet;
 
 namespace {
 
-/// How many locks this thread holds, and the error number that the next one fails with, if it is not 0.
+// How many locks this thread holds, and the error number that the next one fails with, if it is not 0.
 thread_local int g_locked = 0;
 thread_local int g_lockError = 0;
 

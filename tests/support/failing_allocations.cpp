@@ -47,7 +47,7 @@ bool isToFail() noexcept {
     return true;
 }
 
-/// What is freed is overwritten first, so that who still uses it is found out.
+// What is freed is overwritten first, so that who still uses it is found out.
 void release(void* storage) noexcept {
     if (storage != nullptr) std::memset(storage, 0xdd, malloc_usable_size(storage));
     asm volatile("" : : "r"(storage) : "memory");  // or the writing would be left out

@@ -34,7 +34,7 @@ int findLibrary(dl_phdr_info* info, std::size_t, void* found) {
     return 1;
 }
 
-/// Looked for each time: tests load and unload the library.
+// Looked for each time: tests load and unload the library.
 bool isInLibrary(const void* address) {
     AddressRange code;
     dl_iterate_phdr(findLibrary, &code);
@@ -81,7 +81,7 @@ requires std::is_arithmetic_v<Number> || std::is_enum_v<Number> std::string word
     return textOf(static_cast<double>(number));
 }
 
-/// Nothing is written down while this lives.
+// Nothing is written down while this lives.
 class Silence {
 public:
     Silence() : m_recorder(std::exchange(g_recorder, nullptr)) {}
@@ -93,7 +93,7 @@ private:
     HostRecorder* m_recorder;
 };
 
-/// What the host does to carry out a call of the library's is not written down.
+// What the host does to carry out a call of the library's is not written down.
 class HostCall {
 public:
     explicit HostCall(const void* caller) {
@@ -104,7 +104,7 @@ private:
     std::optional<Silence> m_silence;
 };
 
-/// One operation that the library asks for: written down, and shown to the hook before and after it.
+// One operation that the library asks for: written down, and shown to the hook before and after it.
 class Written {
 public:
     template <class... Arguments>
@@ -175,11 +175,11 @@ using ks_test::describeCall;
 using ks_test::hostFunction;
 
 #define KS_WRITE(...) const ks_test::Written written(__builtin_return_address(0), __VA_ARGS__)
-/// Calls the host's function of that type, which is needed to tell overloads apart.
+// Calls the host's function of that type, which is needed to tell overloads apart.
 #define KS_FORWARD(type, name, ...)                          \
     static auto* const function = hostFunction<type>(&name); \
     return function(__VA_ARGS__)
-/// The program's own function in front of the host's: written down with its arguments.
+// The program's own function in front of the host's: written down with its arguments.
 #define KS_IN_FRONT_OF(name, ...) \
     KS_WRITE(#name, __VA_ARGS__); \
     KS_FORWARD(decltype(name), name, __VA_ARGS__)

@@ -17,13 +17,13 @@ namespace {
 using ks_hmi::InstrumentedSignals;
 using ks_hmi::SignalSpecification;
 
-/// Signals of one block that can be renumbered together: those on the same port go to the same one.
+// Signals of one block that can be renumbered together: those on the same port go to the same one.
 struct Followers {
     std::vector<InstrumentedSignals::SignalPtr> signals;
-    std::unordered_map<int, int> numbers;  ///< new by old
+    std::unordered_map<int, int> numbers;  // new by old
 };
 
-/// By block. Marks on the same port may go different ways when they were made at different times.
+// By block. Marks on the same port may go different ways when they were made at different times.
 using FollowersOfBlocks = std::unordered_map<const kestrel::Block*, std::vector<Followers>>;
 
 void enter(std::vector<Followers>& groups, InstrumentedSignals::SignalPtr signal, int number) {
@@ -40,7 +40,7 @@ void enter(std::vector<Followers>& groups, InstrumentedSignals::SignalPtr signal
     group->signals.push_back(std::move(signal));
 }
 
-/// In a set of their own: the others of the block stay, and the whole set is walked once for all blocks.
+// In a set of their own: the others of the block stay, and the whole set is walked once for all blocks.
 void renumber(const kestrel::Model& model, const kestrel::Block& block, const Followers& followers) {
     std::vector<int> numbers;
     for (const auto& [port, number] : followers.numbers)

@@ -23,8 +23,8 @@ std::vector<const Block*> blocksOfSignals(const Session& session) {
     return blocks;
 }
 
-/// The signals take over the paths of their blocks, in the same order; null: gone. A subsystem path may also lead to a
-/// parent farther up.
+// The signals take over the paths of their blocks, in the same order; null: gone. A subsystem path may also lead to a
+// parent farther up.
 void follow(Session& session, const std::vector<const Block*>& blocks, const std::u16string& oldPath,
             const std::u16string& newPath) {
     for (std::size_t i = 0; i < blocks.size(); ++i) {
@@ -52,7 +52,7 @@ void alignClients(Session& session) {
     for (std::size_t i = 0; i < aligned.size(); ++i) session.clients().get(i)->m_modelPath = aligned[i]->m_modelPath;
 }
 
-/// What a move may change.
+// What a move may change.
 struct Paths {
     std::vector<std::u16string> blocks;
     std::vector<std::u16string> signals;
@@ -67,7 +67,7 @@ Paths pathsOf(const Session& session) {
     return paths;
 }
 
-template <typename List>
+template <class List>
 std::size_t differences(const List& before, const List& after) {
     std::size_t count = 0;
     for (std::size_t i = 0; i < before.size(); ++i) count += before[i] != after[i] ? 1U : 0U;

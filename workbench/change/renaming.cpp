@@ -14,7 +14,7 @@ namespace workbench {
 
 namespace {
 
-/// What a rename changes in a client.
+// What a rename changes in a client.
 struct Named {
     std::u16string source;
     std::u16string parameter;

@@ -17,14 +17,14 @@ namespace {
 
 using kestrel::Block;
 
-/// The numbers, and for the ports beyond them those that are left, in order.
+// The numbers, and for the ports beyond them those that are left, in order.
 std::string completed(std::vector<int> numbers, std::size_t count) {
     for (int number = 1; numbers.size() < count; ++number)
         if (std::find(numbers.begin(), numbers.end(), number) == numbers.end()) numbers.push_back(number);
     return fmt::format("{}", fmt::join(numbers, ","));
 }
 
-/// The names of the outputs in their new order. What remains must be numbered 1, 2, ... without gaps.
+// The names of the outputs in their new order. What remains must be numbered 1, 2, ... without gaps.
 std::vector<std::u16string> renumbered(const Block& block, const std::vector<int>& numbers) {
     const std::size_t count = block.outputs.size();
     if (numbers.size() > count)
@@ -55,7 +55,7 @@ std::vector<std::u16string> renumbered(const Block& block, const std::vector<int
 
 using Signals = std::vector<ks_hmi::InstrumentedSignals::SignalPtr>;
 
-/// The signals on the block's ports that do not stay as they are.
+// The signals on the block's ports that do not stay as they are.
 Signals affected(const Session& session, const Block& block, const std::vector<int>& numbers) {
     Signals signals;
     for (std::size_t i = 0; i < session.signals().getCount(); ++i) {
@@ -67,7 +67,7 @@ Signals affected(const Session& session, const Block& block, const std::vector<i
     return signals;
 }
 
-/// Here a port's logical number is its number, so the two stay together.
+// Here a port's logical number is its number, so the two stay together.
 void followLogically(const Signals& signals, const std::vector<int>& numbers) {
     for (const auto& signal : signals) {
         const int number = numbers[static_cast<std::size_t>(signal->m_outputPortIndex) - 1];

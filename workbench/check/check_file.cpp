@@ -22,7 +22,7 @@ Finding findingOf(const Error& fault, FindingCode code) {
     return {.code = code, .place = std::move(place), .text = fault.text()};
 }
 
-template <typename Read>
+template <class Read>
 CheckedFile check(const std::string& path, Read read) {
     CheckedFile checked{.path = path};
     try {

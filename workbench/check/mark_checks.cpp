@@ -43,10 +43,10 @@ FindingCode codeOf(NameState state) {
                                            : FindingCode::nameGone;
 }
 
-/// A port or, of a chart item, an activity.
+// A port or, of a chart item, an activity.
 struct MarkedPlace {
     const kestrel::Block* block;
-    std::int64_t place;  ///< port number; of an item the SSID below zero
+    std::int64_t place;  // port number; of an item the SSID below zero
     std::u16string activity;
     friend bool operator==(const MarkedPlace&, const MarkedPlace&) = default;
 };
@@ -83,7 +83,7 @@ public:
 private:
     void check(const SignalSpecification& signal, std::size_t position);
     void checkUuid(const SignalSpecification& signal, std::size_t position);
-    /// Whether the name says where the signal has gone.
+    // Whether the name says where the signal has gone.
     bool checkName(const SignalSpecification& signal, std::size_t position);
     void checkParameters(const SignalSpecification& signal, std::size_t position);
     void checkPlace(const SignalSpecification& signal, std::size_t position);
@@ -98,7 +98,7 @@ private:
     RecordChecks m_checks;
     NameChecker m_names;
     std::unordered_map<MarkedPlace, std::size_t, PlaceHash> m_places;
-    bool m_isModelWhole = true;  ///< no block was left out
+    bool m_isModelWhole = true;  // no block was left out
     std::size_t m_unconfirmed = 0;
     std::size_t m_firstUnconfirmed = 0;
 };

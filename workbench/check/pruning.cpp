@@ -23,7 +23,7 @@ namespace {
 using ks_hmi::SignalClient;
 using ks_hmi::SignalSpecification;
 
-/// The fields that a host can have, of a 1x1 struct.
+// The fields that a host can have, of a 1x1 struct.
 HvArrayPtr withFieldNames(const hvArray* params) {
     std::vector<const char*> names;
     for (int i = 0; i < hvGetNumberOfFields(params); ++i)
@@ -81,9 +81,9 @@ private:
         m_session.dropParked();
     }
     std::unordered_set<std::string_view> keptUuids() const;
-    /// The clients of duplicates go to the first mark on their place.
+    // The clients of duplicates go to the first mark on their place.
     void moveClients();
-    /// Clients whose signal goes.
+    // Clients whose signal goes.
     void takeLosers();
 
     Session& m_session;

@@ -13,7 +13,7 @@ namespace workbench {
 
 namespace {
 
-/// "/signals/3" of "/signals/3/UUID"; empty for what is in no record.
+// "/signals/3" of "/signals/3/UUID"; empty for what is in no record.
 std::string recordPointer(const std::string& pointer) {
     const std::size_t list = pointer.find('/', 1);
     return list == std::string::npos ? std::string() : pointer.substr(0, pointer.find('/', list + 1));

@@ -22,7 +22,7 @@ public:
     /// Whether a value of the record was refused when it was read; it is not to be looked at then.
     bool isFaulty(std::size_t position) const;
     /// Runs `read`, which reads the record. False when the host refuses a field; that is a finding.
-    template <typename Read>
+    template <class Read>
     bool isRead(std::size_t position, Read read) {
         try {
             read();

@@ -9,7 +9,7 @@ namespace {
 
 constexpr double kHalf = 0.5;
 
-/// Kinds of items are told apart by a character that ends a port's name nowhere.
+// Kinds of items are told apart by a character that ends a port's name nowhere.
 void appendItems(std::vector<std::uint32_t>& names, const kestrel::Chart& chart, Numbering<std::u16string>& numbers) {
     const std::u16string mark(1, u'\0');
     names.push_back(numbers.of(mark));

@@ -14,7 +14,7 @@
 namespace workbench {
 
 /// Numbers for equal things, given out from 0.
-template <typename Key>
+template <class Key>
 class Numbering {
 public:
     std::uint32_t of(const Key& key) {

@@ -7,7 +7,7 @@ namespace workbench {
 
 namespace {
 
-/// The digits in a path: "Tank 12" and "Vessel 12" may well be the same.
+// The digits in a path: "Tank 12" and "Vessel 12" may well be the same.
 std::u16string digitsOf(const std::u16string& path) {
     std::u16string digits;
     for (const char16_t c : path)

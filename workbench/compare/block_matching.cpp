@@ -4,7 +4,7 @@ namespace workbench {
 
 namespace {
 
-/// Identifiers are trusted, or taken for renewed, when the one kind of evidence outweighs the other so many times.
+// Identifiers are trusted, or taken for renewed, when the one kind of evidence outweighs the other so many times.
 constexpr std::size_t kWeight = 9;
 constexpr std::size_t kLeastRenewed = 3;
 

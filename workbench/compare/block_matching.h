@@ -69,7 +69,7 @@ private:
     void matchRenamed();
     void matchUniqueSets();
     void matchBelowRenamed();
-    template <typename KeyOf, typename Accept>
+    template <class KeyOf, class Accept>
     void matchUnique(KeyOf keyOf, Accept accept);
     void matchAlikeNames();
     void matchLikeness();

@@ -38,7 +38,7 @@ const std::u16string* itemName(const kestrel::Block& block, const MarkPlace& pla
     return nullptr;
 }
 
-/// What the old version calls the port or item now, null when it does not have it.
+// What the old version calls the port or item now, null when it does not have it.
 const std::u16string* nameInModel(const MarkedSource& source) {
     if (!source.block) return nullptr;
     if (!source.place.domain.empty()) return itemName(*source.block, source.place);

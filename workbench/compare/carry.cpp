@@ -21,7 +21,7 @@ struct Decision {
     NewSource target;
 };
 
-/// Decides where each mark goes.
+// Decides where each mark goes.
 class MarkMatching {
 public:
     MarkMatching(const kestrel::Model& old, const kestrel::Model& next, const CarryOptions& options,
@@ -71,7 +71,7 @@ private:
         return pairings.items.of(place.domain, place.name,
                                  source.hadSlid || !source.block ? std::nullopt : std::optional(place.ssid));
     }
-    /// The block is not in the old version: the next one may have it at the old path or with the old identifier.
+    // The block is not in the old version: the next one may have it at the old path or with the old identifier.
     BlockMatch blockOfOrphan(const MarkedSource& source) {
         if (const CarryMap::Target* const target = m_map.block(source.place.block))
             return {target->block ? MatchHow::map : MatchHow::none, target->block, 1};
@@ -137,7 +137,7 @@ private:
         m_pairings;
 };
 
-/// Puts the new file together.
+// Puts the new file together.
 class Carrier {
 public:
     Carrier(const ModelFile& old, ModelFile next, const CarryOptions& options, const CarryMap& map)
@@ -162,12 +162,12 @@ private:
     const ModelFile& m_old;
     CarriedModel m_result;
     MarkMatching m_matching;
-    std::vector<RecordPlace> m_signals, m_clients;  ///< of the new file
-    std::vector<const Decision*> m_decisions;       ///< of its signals
+    std::vector<RecordPlace> m_signals, m_clients;  // of the new file
+    std::vector<const Decision*> m_decisions;       // of its signals
     std::vector<std::unique_ptr<Decision>> m_all;
-    std::vector<MarkedSource> m_sources;                                  ///< of its signals
-    std::unordered_map<std::u16string, const kestrel::Block*> m_blockOf;  ///< by the UUIDs of its signals
-    std::unordered_map<std::u16string, std::size_t> m_parkedAt;           ///< by the UUIDs of new parked marks
+    std::vector<MarkedSource> m_sources;                                  // of its signals
+    std::unordered_map<std::u16string, const kestrel::Block*> m_blockOf;  // by the UUIDs of its signals
+    std::unordered_map<std::u16string, std::size_t> m_parkedAt;           // by the UUIDs of new parked marks
 };
 
 void Carrier::decideAll() {

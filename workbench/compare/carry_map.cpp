@@ -126,7 +126,7 @@ void CarryMap::add(std::unordered_map<std::u16string, Target>& entries, const st
         fail(line, fmt::format("{} is on line {} already; remove one", inQuotes(text), there->second.line));
 }
 
-template <typename IsBlock>
+template <class IsBlock>
 std::optional<std::pair<std::u16string, std::u16string>> CarryMap::split(const std::u16string& text, IsBlock isBlock) {
     for (std::size_t at = text.find(u':'); at != std::u16string::npos; at = text.find(u':', at + 1))
         if (std::u16string path = text.substr(0, at); isBlock(path)) return std::pair(path, text.substr(at + 1));

@@ -53,7 +53,7 @@ private:
     void add(std::unordered_map<std::u16string, Target>& entries, const std::u16string& key, Target target,
              std::string_view text) const;
     /// The block and the name of "block:name"; nothing when it is no such text.
-    template <typename IsBlock>
+    template <class IsBlock>
     static std::optional<std::pair<std::u16string, std::u16string>> split(const std::u16string& text, IsBlock isBlock);
     [[noreturn]] void fail(std::size_t line, const std::string& text) const;
 

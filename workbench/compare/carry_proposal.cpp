@@ -13,7 +13,7 @@ namespace {
 
 std::string nameOf(const MarkPlace& place) { return toUtf8(place.block + u":" + place.name); }
 
-/// One line of the map, each old name once.
+// One line of the map, each old name once.
 class Proposal {
 public:
     void add(const CarriedMark& mark) {

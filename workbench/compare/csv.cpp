@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-/// Cuts a text into lines and fields.
+// Cuts a text into lines and fields.
 class CsvReader {
 public:
     CsvReader(const std::string& file, std::string_view text) : m_file(file), m_text(text) {

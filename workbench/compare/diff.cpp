@@ -25,7 +25,7 @@ bool isPlaceField(std::string_view field) {
     return field == "BlockPath_" || field == "EID_" || field == "SubPath_" || field == "OutputPortIndex_";
 }
 
-/// The records of one kind in both files.
+// The records of one kind in both files.
 class RecordsComparison {
 public:
     RecordsComparison(RecordKind kind, const ModelFile& before, const ModelFile& after)
@@ -108,7 +108,7 @@ private:
 
 using Names = std::vector<std::u16string>;
 
-/// Those of `names` that `others` does not have as often.
+// Those of `names` that `others` does not have as often.
 Names missing(const Names& names, const Names& others) {
     std::unordered_map<std::u16string_view, std::size_t> counts;
     for (const std::u16string& name : others) ++counts[name];

@@ -41,7 +41,7 @@ bool isSame(const kestrel::Block& one, const kestrel::Block& other) {
     return one.path == other.path && one.outputs == other.outputs && jsonOf(one.chart) == jsonOf(other.chart);
 }
 
-/// The blocks of a model by element identifier.
+// The blocks of a model by element identifier.
 std::vector<std::string> eidsOf(const kestrel::Model& model) {
     std::vector<std::string> eids;
     for (const kestrel::Block& block : model.blocks()) eids.push_back(block.eid);
@@ -67,7 +67,7 @@ public:
 
 private:
     std::u16string mergedName();
-    template <typename Value>
+    template <class Value>
     Value mergeField(const char* field, const kestrel::Block* base, const kestrel::Block& ours,
                      const kestrel::Block& theirs, Value kestrel::Block::*member);
     bool staysBlock(const std::string& eid);
@@ -99,7 +99,7 @@ std::u16string ModelMerge::mergedName() {
     return ours;
 }
 
-template <typename Value>
+template <class Value>
 Value ModelMerge::mergeField(const char* field, const kestrel::Block* base, const kestrel::Block& ours,
                              const kestrel::Block& theirs, Value kestrel::Block::*member) {
     const std::string oursJson = jsonOf(ours.*member);

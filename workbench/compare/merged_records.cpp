@@ -15,7 +15,7 @@ namespace workbench {
 
 namespace {
 
-/// Fields that make sense together only.
+// Fields that make sense together only.
 constexpr std::array<std::string_view, 8> kSignalPlace{
     "BlockPath_", "EID_", "SubPath_", "OutputPortIndex_", "SubSysPath_", "DomainType_", "DomainParams_", kMarkedName};
 constexpr std::array<std::string_view, 3> kClientPlace{"ModelPath_", "ModelPathEID_", "SourceModel_"};
@@ -25,7 +25,7 @@ bool isPlaceField(RecordKind kind, std::string_view field) {
                                       : std::ranges::find(kClientPlace, field) != kClientPlace.end();
 }
 
-/// One file's records of one kind.
+// One file's records of one kind.
 class Side {
 public:
     Side(RecordKind kind, const ModelFile& file)
@@ -131,7 +131,7 @@ private:
         }
         merged.isPlacedByThem = mergeGroup(key, place, merged);
     }
-    /// Returns whether theirs was taken.
+    // Returns whether theirs was taken.
     bool mergeGroup(const std::string& key, const std::vector<const char*>& group, MergedRecord& merged) {
         const std::size_t ours = merged.ours.position;
         const std::size_t theirs = merged.theirs.position;

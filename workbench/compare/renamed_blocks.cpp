@@ -8,7 +8,7 @@ namespace workbench {
 namespace {
 
 constexpr int kMostRounds = 8;
-/// A name that more blocks have tells too little to be gone by.
+// A name that more blocks have tells too little to be gone by.
 constexpr std::size_t kMostSharing = 32;
 
 std::u16string parentOf(const std::u16string& path) {
@@ -49,7 +49,7 @@ void BlockMatching::matchRenamed() {
 }
 
 // What one old and one new block alone have a key in common.
-template <typename KeyOf, typename Accept>
+template <class KeyOf, class Accept>
 void BlockMatching::matchUnique(KeyOf keyOf, Accept accept) {
     struct Pair {
         Position block = kNone, candidate = kNone;

@@ -62,7 +62,7 @@ std::string canonical(const hvArray* value, std::string_view field) {
     return out;
 }
 
-/// What a field that was left out is saved as.
+// What a field that was left out is saved as.
 HvArrayPtr unsetValue(std::string_view field) {
     constexpr std::size_t kNone = 0;
     constexpr std::size_t kOne = 1;

@@ -17,7 +17,7 @@ std::u32string toUtf32(std::u16string_view text) {
     return result;
 }
 
-/// Walks over the elements of a pattern.
+// Walks over the elements of a pattern.
 class Cursor {
 public:
     explicit Cursor(std::u32string_view rest) : m_rest(rest) {}
@@ -25,7 +25,7 @@ public:
     bool isEnd() const noexcept { return m_rest.empty(); }
     bool takeStar() noexcept { return take(U'*'); }
 
-    /// Steps over the next element, which stands for one character; false when not for this one.
+    // Steps over the next element, which stands for one character; false when not for this one.
     bool takeOne(char32_t character) noexcept {
         if (isEnd()) return false;
         if (take(U'?')) return true;
@@ -48,7 +48,7 @@ private:
         return character;
     }
 
-    /// Whether the set at the front has the character; nothing, and no step, when it is not closed.
+    // Whether the set at the front has the character; nothing, and no step, when it is not closed.
     std::optional<bool> takeSet(char32_t character) noexcept {
         Cursor set(m_rest.substr(1));
         const bool isNegated = set.take(U'!') || set.take(U'^');

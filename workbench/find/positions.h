@@ -11,7 +11,7 @@ namespace workbench {
 using Positions = std::vector<std::size_t>;
 
 /// Sorts the positions and drops duplicates.
-template <typename Order = std::less<>>
+template <class Order = std::less<>>
 void sortUnique(Positions& positions, Order order = {}) {
     std::sort(positions.begin(), positions.end(), order);
     positions.erase(std::unique(positions.begin(), positions.end()), positions.end());

@@ -16,7 +16,7 @@ namespace {
 using kestrel::Block;
 using Sources = std::vector<SignalSource>;
 
-/// A number as it is, a name in quotes.
+// A number as it is, a name in quotes.
 std::string nameOf(std::u16string_view port) {
     constexpr std::size_t kLongestNumber = 10;
     const bool isNumber = port.find_first_not_of(u"0123456789") == std::u16string_view::npos && !port.empty();
@@ -45,7 +45,7 @@ std::string identifiers(const std::vector<ChartItem>& items) {
     return list;
 }
 
-/// Looks one spelling of a reference up.
+// Looks one spelling of a reference up.
 class Lookup {
 public:
     Lookup(const kestrel::Model& model, std::u16string_view text, const ReferenceOptions& options)
@@ -62,7 +62,7 @@ public:
         }
         return {};
     }
-    /// Why nothing was found, when a block was; else empty.
+    // Why nothing was found, when a block was; else empty.
     const std::string& reason() const noexcept { return m_reason; }
 
 private:
@@ -126,8 +126,8 @@ Error twoWays(const kestrel::Model& model, std::string_view reference,
     return ambiguous(model, reference, found[0].first, blockOf(0), found[1].first, blockOf(1));
 }
 
-/// The one way of reading the text that leads somewhere.
-template <typename IsThere>
+// The one way of reading the text that leads somewhere.
+template <class IsThere>
 std::u16string resolvePath(const kestrel::Model& model, std::string_view text, IsThere isThere) {
     std::vector<Spelling> found = spellingsOf(model, text);
     std::erase_if(found, [&](const Spelling& spelling) { return spelling.path.empty() || !isThere(spelling.path); });

@@ -59,7 +59,7 @@ NamedSources namedBy(const kestrel::Model& model, ListedReference reference, con
     }
 }
 
-template <typename IsDropped>
+template <class IsDropped>
 void drop(Selected& selected, IsDropped isDropped) {
     for (NamedSources& named : selected.named) std::erase_if(named.sources, isDropped);
     std::erase_if(selected.matching, isDropped);

@@ -14,12 +14,12 @@ namespace {
 
 using ks_hmi::SignalClient;
 
-template <typename List, typename Value>
+template <class List, class Value>
 bool contains(const List& list, const Value& value) {
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-/// Finds the clients of a signal.
+// Finds the clients of a signal.
 class ClientsOfSignals {
 public:
     explicit ClientsOfSignals(const Session& session) : m_session(session), m_index(session) {
@@ -27,7 +27,7 @@ public:
             m_clients[session.clients().get(i)->m_signalUUID].push_back(i);
     }
 
-    /// Whether there are any.
+    // Whether there are any.
     bool add(const std::vector<SignalSource>& sources, const ReferenceOptions& options, Positions& positions) const {
         const std::size_t before = positions.size();
         for (const SignalSource& source : sources)

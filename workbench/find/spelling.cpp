@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kLongestList = 300;
 
-/// Without a port behind it.
+// Without a port behind it.
 std::string blockPart(std::string_view path) {
     const std::size_t colon = path.rfind(':');
     const bool isPort = colon != std::string_view::npos && path.find('/', colon) == std::string_view::npos;

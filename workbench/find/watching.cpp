@@ -21,7 +21,7 @@ bool isOpen(std::u16string_view modelName) {
     return modelName.empty() || kestrel::loadedModels().find(modelName) != nullptr;
 }
 
-/// The first element of the model path is in the owning model; the others start with their model's name.
+// The first element of the model path is in the owning model; the others start with their model's name.
 bool namesOpenModelsOnly(const SignalClient& client) {
     if (!client.m_modelPath.empty() && !isOpen(client.m_sourceModel)) return false;
     for (std::size_t i = 1; i < client.m_modelPath.size(); ++i)
@@ -29,7 +29,7 @@ bool namesOpenModelsOnly(const SignalClient& client) {
     return true;
 }
 
-template <typename Set>
+template <class Set>
 std::size_t positionCalled(const Set& set, const std::string& call, const char* kind, Remedy remedy) {
     for (std::size_t i = 0; i < set.getCount(); ++i)
         if (set.get(i)->m_uuid == call) return i;

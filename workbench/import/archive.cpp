@@ -122,7 +122,7 @@ bool Archive::has(std::string_view name) const noexcept {
     return std::find(m_names.begin(), m_names.end(), name) != m_names.end();
 }
 
-template <typename Take>
+template <class Take>
 void Archive::unpack(std::size_t position, Take take) const {
     const std::string& name = m_names[position];
     const std::unique_ptr<zip_file_t, FileCloser> file(::zip_fopen_index(m_zip.get(), position, 0));

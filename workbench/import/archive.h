@@ -57,7 +57,7 @@ private:
     Archive(std::string name, std::unique_ptr<std::string> bytes, zip* archive, const ArchiveLimits& limits);
     void checkEntries();
     std::uint64_t checkEntry(std::uint64_t index);
-    template <typename Take>
+    template <class Take>
     void unpack(std::size_t position, Take take) const;
     void extract(std::size_t position, const std::string& path) const;
     [[noreturn]] void fail(const std::string& text, const std::string& remedy) const;

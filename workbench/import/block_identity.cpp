@@ -14,7 +14,7 @@ namespace workbench {
 
 namespace {
 
-/// FNV-1a: the identifier of a block must be the same in every release.
+// FNV-1a: the identifier of a block must be the same in every release.
 std::uint64_t hashOf(std::string_view text) noexcept {
     std::uint64_t hash = 0xcbf29ce484222325U;
     for (const char c : text) {
@@ -70,7 +70,7 @@ private:
 
     std::vector<GoneBlock> m_known;
     std::unordered_set<std::string> m_taken;
-    std::unordered_set<std::string> m_used;  ///< of the known ones
+    std::unordered_set<std::string> m_used;  // of the known ones
     std::unordered_map<std::string, std::string> m_bySource;
     std::unordered_map<std::u16string, std::string> m_byPath;
 };

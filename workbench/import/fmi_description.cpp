@@ -27,7 +27,7 @@ constexpr std::array<Word, 9> kCausalities{{{"input", FmiCausality::input},
                                             {"structuralParameter", FmiCausality::structuralParameter},
                                             {"independent", FmiCausality::independent}}};
 
-/// What holds nothing that becomes a block, and what its elements are called.
+// What holds nothing that becomes a block, and what its elements are called.
 constexpr std::array<std::pair<std::string_view, const char*>, 6> kSections{
     {{"UnitDefinitions", "units"},
      {"TypeDefinitions", "type definitions"},
@@ -36,7 +36,7 @@ constexpr std::array<std::pair<std::string_view, const char*>, 6> kSections{
      {"Annotations", "annotations"},
      {"ModelStructure", "entries of the model structure"}}};
 
-template <typename Number>
+template <class Number>
 std::optional<Number> numberOf(std::string_view text) {
     Number number{};
     const char* const end = text.data() + text.size();

@@ -12,7 +12,7 @@ namespace workbench {
 
 namespace {
 
-/// Names of more parts stay whole.
+// Names of more parts stay whole.
 constexpr std::size_t kMostParts = 200;
 
 class Grouping {

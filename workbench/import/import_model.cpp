@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Reads the structure and tells the kind.
+// Reads the structure and tells the kind.
 ForeignKind readStructure(ForeignDocument document, bool locals, Structure& structure) {
     const XmlFile file(document.name, std::move(document.bytes), structure.warnings);
     const std::string_view root = localName(file.root().name());
@@ -32,13 +32,13 @@ ForeignKind readStructure(ForeignDocument document, bool locals, Structure& stru
     return document.isPacked ? ForeignKind::fmu : ForeignKind::fmi;
 }
 
-/// The stem of what holds the document: "engine" of "units/engine.fmu/modelDescription.xml".
+// The stem of what holds the document: "engine" of "units/engine.fmu/modelDescription.xml".
 std::string stemOf(const ForeignDocument& document) {
     const fs::path path(document.name);
     return (document.isPacked ? path.parent_path() : path).stem().string();
 }
 
-/// A model's name has neither '/' nor ':'.
+// A model's name has neither '/' nor ':'.
 std::string asModelName(std::string name, ImportNotes& warnings) {
     const std::string given = name;
     for (const char separator : {'/', ':'}) std::replace(name.begin(), name.end(), separator, '_');

@@ -26,7 +26,7 @@ constexpr std::array<Label, 9> kKinds{{{"output", nullptr},
                                        {"constant", "constants"},
                                        {"independent", "independent variables"}}};
 
-/// Elements whose children are dropped, one by one.
+// Elements whose children are dropped, one by one.
 constexpr std::array<Label, 8> kSections{{{"ParameterBindings", "parameter bindings"},
                                           {"Connections", "connections"},
                                           {"SignalDictionaries", "signal dictionaries"},
@@ -36,7 +36,7 @@ constexpr std::array<Label, 8> kSections{{{"ParameterBindings", "parameter bindi
                                           {"Units", "units"},
                                           {"MetaData", "metadata"}}};
 
-/// Elements that are dropped themselves.
+// Elements that are dropped themselves.
 constexpr std::array<Label, 6> kThings{{{"SignalDictionaryReference", "signal dictionary references"},
                                         {"ElementGeometry", "geometries"},
                                         {"SystemGeometry", "geometries"},
@@ -98,7 +98,7 @@ private:
         if (!hasConnectors) noteSource(node);
     }
 
-    /// A description need not repeat what the unit behind a component has.
+    // A description need not repeat what the unit behind a component has.
     void noteSource(pugi::xml_node node) {
         if (localName(node.name()) != "Component" || m_file.attribute(node, "source").empty()) return;
         m_structure.warnings.add("a component without connectors, and what its source has is not looked at",
@@ -142,7 +142,7 @@ private:
         }
     }
 
-    /// What a connector is dropped as; null for one that becomes a port.
+    // What a connector is dropped as; null for one that becomes a port.
     const char* labelOf(pugi::xml_node node, const std::string& name) {
         const std::string kind = m_file.attribute(node, "kind");
         const Label* label = labelIn(kKinds, kind);

@@ -6,7 +6,7 @@ namespace workbench {
 
 namespace {
 
-/// The position behind the quote that ends a quoted name; `from` when none does.
+// The position behind the quote that ends a quoted name; `from` when none does.
 std::size_t behindQuoted(std::string_view name, std::size_t from) noexcept {
     for (std::size_t i = from + 1; i < name.size(); ++i) {
         if (name[i] == '\\')
@@ -20,7 +20,7 @@ std::size_t behindQuoted(std::string_view name, std::size_t from) noexcept {
 bool opens(char c) noexcept { return c == '(' || c == '['; }
 bool closes(char c) noexcept { return c == ')' || c == ']'; }
 
-/// Positions of the dots that separate names. Brackets that are never closed are ordinary characters.
+// Positions of the dots that separate names. Brackets that are never closed are ordinary characters.
 std::vector<std::size_t> separators(std::string_view name, bool areBracketsMeant) {
     std::vector<std::size_t> dots;
     std::size_t depth = 0;

@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t kChunkSize = 65536;
 constexpr std::string_view kUtf8 = "UTF-8";
 
-/// What may be declared, and what the converter calls it.
+// What may be declared, and what the converter calls it.
 constexpr std::array<std::pair<std::string_view, const char*>, 12> kEncodings{{{"UTF-8", "UTF-8"},
                                                                                {"UTF8", "UTF-8"},
                                                                                {"UTF-16", "UTF-8"},
@@ -42,11 +42,11 @@ public:
     ~Converter() {
         if (isOpen()) ::iconv_close(m_handle);
     }
-    /// Whether all that was converted was of the encoding.
+    // Whether all that was converted was of the encoding.
     bool isClean() const noexcept { return m_isClean; }
     bool isOpen() const noexcept { return reinterpret_cast<std::intptr_t>(m_handle) != -1; }
 
-    /// What is no character of the encoding becomes U+FFFD.
+    // What is no character of the encoding becomes U+FFFD.
     std::string convert(std::string& bytes) {
         std::string result;
         result.reserve(bytes.size());
@@ -84,7 +84,7 @@ bool isUtf8(std::string& bytes) {
     return converter.isOpen() && (static_cast<void>(converter.convert(bytes)), converter.isClean());
 }
 
-/// The upper-case name that the XML declaration gives; empty when it gives none.
+// The upper-case name that the XML declaration gives; empty when it gives none.
 std::string declaredEncoding(std::string_view text) {
     if (!text.starts_with("<?xml")) return {};
     const std::string_view declaration = text.substr(0, text.find("?>"));
@@ -99,7 +99,7 @@ std::string declaredEncoding(std::string_view text) {
     return name;
 }
 
-/// UTF-16 by its byte order mark or by how a document begins; null when it is something else.
+// UTF-16 by its byte order mark or by how a document begins; null when it is something else.
 const char* wideEncoding(std::string_view bytes) {
     using namespace std::string_view_literals;
     if (bytes.starts_with("\xFF\xFE") || bytes.starts_with("<\0"sv)) return "UTF-16LE";

@@ -22,7 +22,7 @@ namespace {
 constexpr std::size_t kMaxDepth = 256;
 constexpr std::size_t kChunkSize = std::size_t{1} << 16U;
 
-/// Puts tokens together that arrive in parts.
+// Puts tokens together that arrive in parts.
 class Handler {
 public:
     static constexpr std::size_t max_object_size = std::size_t(-1);
@@ -58,7 +58,7 @@ public:
     bool on_comment_part(json::string_view, Code&) { return true; }
     bool on_comment(json::string_view, Code&) { return true; }
 
-    /// Whether the last text was a key.
+    // Whether the last text was a key.
     bool isAfterKey() const noexcept { return m_isAfterKey; }
 
 private:
@@ -142,7 +142,7 @@ void JsonFile::read(JsonSink& sink) {
     feed(parser, {}, false);
 }
 
-template <typename Parser>
+template <class Parser>
 void JsonFile::feed(Parser& parser, std::string_view piece, bool more) {
     json::error_code code;
     const std::size_t used = parser.write_some(more, piece.data(), piece.size(), code);

@@ -56,7 +56,7 @@ private:
         void operator()(std::FILE* file) const noexcept { std::fclose(file); }
     };
     JsonFile(std::string name, std::FILE* file) : m_path(std::move(name)), m_file(file) {}
-    template <typename Parser>
+    template <class Parser>
     void feed(Parser& parser, std::string_view piece, bool more);
     [[noreturn]] void fail(const std::string& text) const;
     [[noreturn]] void failSyntax(const std::string& what, std::size_t column) const;

@@ -17,7 +17,7 @@ constexpr const char* kHalfPair = "half of a surrogate pair in \\u escapes";
 
 bool isAscii(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
 
-/// Whether the text ends with the escape of a first half, and perhaps with the backslash of another escape.
+// Whether the text ends with the escape of a first half, and perhaps with the backslash of another escape.
 bool endsWithHalfPair(std::string_view text) {
     constexpr std::size_t kLength = 6;
     if (text.ends_with('\\')) text.remove_suffix(1);
@@ -27,7 +27,7 @@ bool endsWithHalfPair(std::string_view text) {
     return escape.starts_with("\\u") && (escape[2] == 'd' || escape[2] == 'D') && isHalf(escape[3]);
 }
 
-/// Whether the text starts with a whole character: converting what is none replaces it.
+// Whether the text starts with a whole character: converting what is none replaces it.
 bool startsWithCharacter(std::string_view text) {
     std::size_t length = 1;
     while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0U) == 0x80U) ++length;
@@ -37,7 +37,7 @@ bool startsWithCharacter(std::string_view text) {
 bool isWordCharacter(char c) noexcept { return std::isalnum(static_cast<unsigned char>(c)) != 0; }
 bool endsValue(char c) noexcept { return isWordCharacter(c) || c == '"' || c == '}' || c == ']'; }
 
-/// What is wrong inside a text.
+// What is wrong inside a text.
 std::string mistakeInText(std::string_view used, std::string_view rest) {
     if (used.ends_with('\\')) return R"(a backslash in a text stands before one of "\/bfnrtu; write \\ for itself)";
     if (rest.starts_with('\t')) return R"(a tab stands in a text; write \t)";
@@ -46,7 +46,7 @@ std::string mistakeInText(std::string_view used, std::string_view rest) {
     return R"(a control character stands in a text; write it as \u and four digits)";
 }
 
-/// Words that other languages have.
+// Words that other languages have.
 std::string mistakeInWord(std::string_view used, std::string_view rest) {
     while (!used.empty() && isWordCharacter(used.back())) {
         rest = {used.data() + used.size() - 1, rest.size() + 1};

@@ -78,7 +78,7 @@ private:
 };
 
 /// Appends a JSON array of the elements of any range; `append(element)` appends one.
-template <typename Range, typename Append>
+template <class Range, class Append>
 void appendJsonArray(std::string& out, const Range& elements, Append append, JsonLayout layout = kOneLine) {
     JsonArray array(out, layout);
     for (const auto& element : elements) {

@@ -22,7 +22,7 @@ using shapes::Kind;
 using shapes::Place;
 using shapes::Rule;
 
-/// Follows the document's structure and hands what it finds to the parts.
+// Follows the document's structure and hands what it finds to the parts.
 class ModelFileReader final : public JsonSink {
 public:
     ModelFileReader(const JsonFile& file, const FaultSink* faults) : m_file(file), m_parts(file, faults) {}
@@ -46,7 +46,7 @@ private:
         Place place;
         bool isArray;
         std::uint32_t keysSeen = 0;
-        std::size_t position = 0;  ///< of the element in an array; of the key in the rules or the record's fields
+        std::size_t position = 0;  // of the element in an array; of the key in the rules or the record's fields
         std::string key{};
     };
 
@@ -72,10 +72,10 @@ private:
     void setParkedText(std::string_view key, std::u16string text);
     void setNumber(double value);
     std::uint32_t ssidOf(double value) const;
-    template <typename Event>
+    template <class Event>
     void build(Event event);
     void deliverValue();
-    /// Steps to the next element when the current place is an array.
+    // Steps to the next element when the current place is an array.
     void advance() noexcept {
         if (!m_frames.empty() && m_frames.back().isArray) ++m_frames.back().position;
     }
@@ -268,7 +268,7 @@ std::uint32_t ModelFileReader::ssidOf(double value) const {
     return static_cast<std::uint32_t>(value);
 }
 
-template <typename Event>
+template <class Event>
 void ModelFileReader::build(Event event) {
     try {
         event();

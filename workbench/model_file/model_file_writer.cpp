@@ -12,12 +12,12 @@ namespace {
 
 constexpr JsonLayout kDocument{"\n  ", ",\n  ", "\n"};
 constexpr JsonLayout kList{"\n    ", ",\n    ", "\n  "};
-/// One field per line.
+// One field per line.
 constexpr JsonLayout kRecord{"\n      ", ",\n      ", "\n    "};
 constexpr JsonLayout kInRecord{"\n        ", ",\n        ", "\n      "};
 constexpr JsonLayout kInRecordList{"\n          ", ",\n          ", "\n        "};
 
-template <typename Items, typename TextOf>
+template <class Items, class TextOf>
 void appendChartItems(std::string& out, const Items& items, const char* key, TextOf textOf) {
     appendJsonArray(out, items, [&](const auto& item) {
         JsonObject object(out);
@@ -63,7 +63,7 @@ void appendOrigin(std::string& out, const Origin& origin) {
     object.close();
 }
 
-/// Fields whose class the library sets, whatever it was: plain numbers lose nothing.
+// Fields whose class the library sets, whatever it was: plain numbers lose nothing.
 bool isCountField(std::string_view name) { return name == "UpdateRate_" || name == "DimensionChannel_"; }
 
 void appendRecord(std::string& out, const hvArray* records, std::size_t element, JsonLayout layout,
@@ -96,8 +96,8 @@ void appendParked(std::string& out, const ParkedMark& mark) {
     object.text("lost", std::string_view(textOf(mark.lost))).text("from", mark.from).close();
 }
 
-/// A list of the document; each element is handed on as soon as it is written.
-template <typename Range, typename Append>
+// A list of the document; each element is handed on as soon as it is written.
+template <class Range, class Append>
 void writeList(const TextSink& sink, std::string& out, const Range& elements, Append append) {
     appendJsonArray(
         out, elements,

@@ -17,7 +17,7 @@ namespace workbench {
 
 namespace {
 
-/// What a field must hold, where the library itself would read something else as empty or cut it.
+// What a field must hold, where the library itself would read something else as empty or cut it.
 struct FieldKind {
     const char* description;
     bool (*holds)(const hvArray* value);
@@ -69,7 +69,7 @@ bool isTruth(const hvArray* value) {
     return isLogical || isWholeWithin(value, 0.0, 1.0);
 }
 
-/// For messages: a single number itself, of other values class and size.
+// For messages: a single number itself, of other values class and size.
 std::string describe(const hvArray* value) {
     return isNumber(value) ? fmt::format("the number {}", hvGetScalar(value)) : orvex::describeValue(value);
 }
@@ -118,7 +118,7 @@ const FieldKind& kindOf(std::string_view field) {
     return found == kKinds.end() ? kAny : *found->second;
 }
 
-/// A saved field, with what is looked up for each value of it.
+// A saved field, with what is looked up for each value of it.
 struct Field {
     std::string_view name;
     const FieldKind* kind;

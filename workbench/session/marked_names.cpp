@@ -14,7 +14,7 @@ namespace {
 
 using ks_hmi::SignalSpecification;
 
-/// The item as the chart has it now, whatever path is saved with the signal.
+// The item as the chart has it now, whatever path is saved with the signal.
 std::optional<ChartItem> itemNow(const kestrel::Block& block, const SignalSpecification& signal) {
     const std::optional<std::uint32_t> ssid = ssidOf(signal);
     std::optional<ChartItem> item = ssid ? chartItemOf(block, *ssid) : std::nullopt;

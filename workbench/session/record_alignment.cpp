@@ -12,7 +12,7 @@ namespace workbench {
 
 namespace {
 
-/// One saved signal.
+// One saved signal.
 class Record {
 public:
     Record(hvArray* signals, std::size_t position) : m_signals(signals), m_position(position) {}

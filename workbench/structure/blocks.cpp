@@ -17,7 +17,7 @@ namespace workbench {
 
 namespace {
 
-/// The identifier as a number, 0 when it is none.
+// The identifier as a number, 0 when it is none.
 std::uint64_t numberOf(std::string_view eid) {
     std::uint64_t number = 0;
     const char* const end = eid.data() + eid.size();
@@ -25,7 +25,7 @@ std::uint64_t numberOf(std::string_view eid) {
     return code == std::errc() && stop == end ? number : 0;
 }
 
-/// Beyond all that are in the file: records of blocks that are gone must not find this one.
+// Beyond all that are in the file: records of blocks that are gone must not find this one.
 std::string freshEid(const Session& session) {
     std::uint64_t most = 0;
     const auto note = [&](std::string_view eid) { most = std::max(most, numberOf(eid)); };

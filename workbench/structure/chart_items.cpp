@@ -43,7 +43,7 @@ std::uint32_t requireSsid(const Block& block, std::uint32_t ssid) {
     return ssid;
 }
 
-/// The item itself and, of a state, those below it.
+// The item itself and, of a state, those below it.
 std::vector<ChartItem> subtreeOf(const Block& block, const ChartItem& item) {
     std::vector<ChartItem> items = chartItemsOf(block);
     std::erase_if(items, [&](const ChartItem& one) {

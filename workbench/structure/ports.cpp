@@ -24,7 +24,7 @@ void requireFree(const Block& block, const std::u16string& name) {
                                 inQuotes(block.path), inQuotes(name), there - block.outputs.begin() + 1));
 }
 
-/// 1, 2, ... for the block's ports; those from `first` on (0-based) are that many further.
+// 1, 2, ... for the block's ports; those from `first` on (0-based) are that many further.
 std::vector<int> shiftedFrom(std::size_t first, int by, const Block& block) {
     std::vector<int> numbers(block.outputs.size());
     std::iota(numbers.begin(), numbers.end(), 1);

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::string_view kDots = "...";
 
-/// The C library knows how wide characters are, whatever the user's language is.
+// The C library knows how wide characters are, whatever the user's language is.
 class WidthTable {
 public:
     WidthTable() noexcept {
@@ -37,7 +37,7 @@ bool isAscii(std::string_view text) noexcept {
     return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-/// A character with the marks on it.
+// A character with the marks on it.
 struct Cluster {
     std::string_view bytes;
     std::size_t width = 0;
@@ -60,8 +60,8 @@ std::vector<Cluster> clustersOf(std::string_view text) {
     return clusters;
 }
 
-/// How many clusters, from `first` on, fit into so many columns.
-template <typename Iterator>
+// How many clusters, from `first` on, fit into so many columns.
+template <class Iterator>
 std::size_t fitting(Iterator first, Iterator last, std::size_t columns) {
     std::size_t count = 0;
     for (; first != last && first->width <= columns; ++first, ++count) columns -= first->width;
@@ -73,8 +73,8 @@ std::string_view joined(const std::vector<Cluster>& clusters, std::size_t from, 
     return {clusters[from].bytes.data(), clusters[to - 1].bytes.data() + clusters[to - 1].bytes.size()};
 }
 
-/// Behind the last of the clusters that a line ends with: at a blank or mark in its last two thirds, else where it is
-/// full.
+// Behind the last of the clusters that a line ends with: at a blank or mark in its last two thirds, else where it is
+// full.
 std::size_t lineEnd(const std::vector<Cluster>& clusters, std::size_t from, std::size_t width) {
     const std::size_t full =
         from +

@@ -12,7 +12,7 @@ namespace workbench {
 
 namespace {
 
-/// Longer texts are not typed by hand.
+// Longer texts are not typed by hand.
 constexpr std::size_t kLongest = 300;
 constexpr std::size_t kFarthest = 5;
 
@@ -25,7 +25,7 @@ std::u32string foldedCharacters(std::string_view text) {
     return characters;
 }
 
-/// A table's row for one more character of `one`, from the two rows above it.
+// A table's row for one more character of `one`, from the two rows above it.
 std::size_t fillRow(std::u32string_view one, std::u32string_view other, std::size_t i,
                     std::vector<std::vector<std::size_t>>& rows) {
     const std::vector<std::size_t>& above = rows[(i - 1) % 3];

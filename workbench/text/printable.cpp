@@ -16,8 +16,8 @@ struct Range {
     char32_t last;
 };
 
-/// What a terminal does not show, obeys, or shows as the blank that it is not: controls, other blanks, marks of the
-/// writing direction, joiners and selectors of variants, fillers, private use, and what is no character.
+// What a terminal does not show, obeys, or shows as the blank that it is not: controls, other blanks, marks of the
+// writing direction, joiners and selectors of variants, fillers, private use, and what is no character.
 constexpr auto kUnseen = std::to_array<Range>({
     {0x0, 0x1F},        {0x7F, 0xA0},       {0xAD, 0xAD},        {0x34F, 0x34F},     {0x61C, 0x61C},
     {0x115F, 0x1160},   {0x1680, 0x1680},   {0x17B4, 0x17B5},    {0x180B, 0x180F},   {0x2000, 0x200F},
@@ -33,8 +33,8 @@ bool isUnseen(char32_t character) noexcept {
     return range != kUnseen.end() && character >= range->first;
 }
 
-/// Gives each character of UTF-8 to `take(character, bytes)`; bytes that are none come one by one.
-template <typename Take>
+// Gives each character of UTF-8 to `take(character, bytes)`; bytes that are none come one by one.
+template <class Take>
 void forEachCharacter(std::string_view text, Take take) {
     using Utf = boost::locale::utf::utf_traits<char>;
     while (!text.empty()) {
@@ -63,7 +63,7 @@ std::string escapeInJson(char32_t character) {
     return fmt::format("\\u{:04x}\\u{:04x}", 0xD800U + (rest >> 10U), 0xDC00U + (rest & 0x3FFU));
 }
 
-template <typename Escape>
+template <class Escape>
 std::string withoutUnseen(std::string_view text, Escape escape) {
     std::string result;
     result.reserve(text.size());
@@ -76,7 +76,7 @@ std::string withoutUnseen(std::string_view text, Escape escape) {
     return result;
 }
 
-/// Whether a backslash in front of it reads as the start of what `printable` writes.
+// Whether a backslash in front of it reads as the start of what `printable` writes.
 bool readsAsEscape(char next) noexcept {
     return next == 'n' || next == 't' || next == 'x' || next == 'u' || next == '\\';
 }

@@ -34,7 +34,7 @@ HvArrayPtr cellOf(const std::vector<std::size_t>& size, std::vector<HvArrayPtr>&
     return result;
 }
 
-template <typename T>
+template <class T>
 void narrowInto(hvArray* value, const std::vector<std::uint64_t>& bits) {
     auto* const data = static_cast<char*>(hvGetDataForWriting(value));
     for (std::size_t i = 0; i < bits.size(); ++i) {
@@ -62,7 +62,7 @@ HvArrayPtr numbersOf(hvClassID classId, const std::vector<std::size_t>& size, co
     return result;
 }
 
-/// Throws when the elements given are not as many as the size says, times `perElement`.
+// Throws when the elements given are not as many as the size says, times `perElement`.
 void checkCount(const std::vector<std::size_t>& size, std::size_t perElement, std::size_t given) {
     std::size_t wanted = perElement;
     const bool isEmpty = std::find(size.begin(), size.end(), 0U) != size.end();

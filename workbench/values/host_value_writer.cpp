@@ -39,13 +39,13 @@ std::vector<const char*> fieldNames(const hvArray* value) {
     return names;
 }
 
-/// What an element is read as, so that a number of 64 bits holds it: floats and truths by their bits.
-template <typename T>
+// What an element is read as, so that a number of 64 bits holds it: floats and truths by their bits.
+template <class T>
 using ReadAs = std::conditional_t<std::is_same_v<T, double>, std::uint64_t,
                                   std::conditional_t<std::is_same_v<T, float>, std::uint32_t,
                                                      std::conditional_t<std::is_same_v<T, bool>, std::uint8_t, T>>>;
 
-template <typename T>
+template <class T>
 std::uint64_t widened(const hvArray* value, std::size_t index) {
     T element{};
     std::memcpy(&element, static_cast<const char*>(hvGetData(value)) + index * sizeof(T), sizeof(T));
@@ -56,12 +56,11 @@ std::uint64_t bitsAt(const hvArray* value, std::size_t index) {
     const hvClassID classId = hvGetClassID(value);
     if (classId == hvCHAR_CLASS) return widened<char16_t>(value, index);
     std::uint64_t bits = 0;
-    orvex::withElementType(classId,
-                           [&]<typename T>(std::type_identity<T>) { bits = widened<ReadAs<T>>(value, index); });
+    orvex::withElementType(classId, [&]<class T>(std::type_identity<T>) { bits = widened<ReadAs<T>>(value, index); });
     return bits;
 }
 
-/// Whether the value's plain JSON form says everything about it.
+// Whether the value's plain JSON form says everything about it.
 bool isPlain(const hvArray* value) {
     switch (hvGetClassID(value)) {
         case hvDOUBLE_CLASS:

@@ -24,7 +24,7 @@ constexpr std::string_view kNanBits = "NaN:";
 constexpr std::string_view kInfinity = "Infinity";
 constexpr std::string_view kMinusInfinity = "-Infinity";
 
-/// For messages.
+// For messages.
 std::string shortened(std::string_view number) {
     constexpr std::size_t kLongest = 60;
     constexpr std::size_t kHead = 30;
@@ -32,7 +32,7 @@ std::string shortened(std::string_view number) {
     return fmt::format("{}... ({} digits)", number.substr(0, kHead), number.size());
 }
 
-template <typename T>
+template <class T>
 T parsed(std::string_view text, const char* wanted) {
     using Limits = std::numeric_limits<T>;
     T value{};
@@ -43,23 +43,23 @@ T parsed(std::string_view text, const char* wanted) {
                             std::is_integral_v<T> ? "whole " : "", Limits::lowest(), Limits::max()));
 }
 
-template <typename T, typename... Base>
+template <class T, class... Base>
 std::string written(T value, Base... base) {
     std::array<char, 64> buffer{};
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value, base...);
     return {buffer.data(), result.ptr};
 }
 
-template <typename Float>
+template <class Float>
 using BitsOf = std::conditional_t<sizeof(Float) == sizeof(double), std::uint64_t, std::uint32_t>;
 
-template <typename Float>
+template <class Float>
 std::string textOfFloat(Float value) {
     if (value == 0 && std::signbit(value)) return "-0.0";
     return written(value);
 }
 
-template <typename Float>
+template <class Float>
 std::string textOfFloatElement(BitsOf<Float> bits) {
     const auto value = std::bit_cast<Float>(bits);
     if (std::isfinite(value)) return textOfFloat(value);
@@ -71,7 +71,7 @@ std::string textOfFloatElement(BitsOf<Float> bits) {
     return '"' + text + '"';
 }
 
-template <typename Float>
+template <class Float>
 std::uint64_t floatOfText(std::string_view text) {
     using Limits = std::numeric_limits<Float>;
     using Bits = BitsOf<Float>;
@@ -87,7 +87,7 @@ std::uint64_t floatOfText(std::string_view text) {
     return bits;
 }
 
-template <typename T>
+template <class T>
 std::string textOfBits(std::uint64_t bits) {
     if constexpr (std::is_same_v<T, bool>)
         return bits ? "true" : "false";
@@ -101,8 +101,8 @@ std::string textOfBits(std::uint64_t bits) {
     throw Error("the number " + shortened(text) + " appears where true or false is expected");
 }
 
-/// A whole number that is not the float's value would be saved as another.
-template <typename Float>
+// A whole number that is not the float's value would be saved as another.
+template <class Float>
 Float exact(std::string_view text, Float value) {
     const bool isWhole = text.find_first_not_of("0123456789", text.starts_with('-') ? 1 : 0) == std::string_view::npos;
     if (!isWhole) return value;
@@ -114,7 +114,7 @@ Float exact(std::string_view text, Float value) {
                     shortened(text), value));
 }
 
-template <typename T>
+template <class T>
 std::uint64_t bitsOfNumber(std::string_view text, const char* className) {
     if constexpr (std::is_same_v<T, bool>)
         refuseNumber(text);
@@ -137,7 +137,7 @@ std::size_t lengthOfText(std::string_view text) { return parsed<std::size_t>(tex
 std::string textOfElement(hvClassID classId, std::uint64_t bits) {
     if (classId == hvCHAR_CLASS) return written(bits);
     std::string text;
-    orvex::withElementType(classId, [&]<typename T>(std::type_identity<T>) { text = textOfBits<T>(bits); });
+    orvex::withElementType(classId, [&]<class T>(std::type_identity<T>) { text = textOfBits<T>(bits); });
     return text;
 }
 
@@ -145,7 +145,7 @@ std::uint64_t elementOfNumber(hvClassID classId, std::string_view text) {
     if (classId == hvCHAR_CLASS) return parsed<std::uint16_t>(text, "UTF-16 code unit");
     std::uint64_t bits = 0;
     const bool isNumeric = orvex::withElementType(
-        classId, [&]<typename T>(std::type_identity<T>) { bits = bitsOfNumber<T>(text, nameOfClass(classId)); });
+        classId, [&]<class T>(std::type_identity<T>) { bits = bitsOfNumber<T>(text, nameOfClass(classId)); });
     if (!isNumeric) refuseNumber(text);
     return bits;
 }
@@ -158,7 +158,7 @@ std::uint64_t elementOfText(hvClassID classId, std::string_view text) {
 
 std::size_t elementSize(hvClassID classId) noexcept {
     std::size_t size = classId == hvCHAR_CLASS ? sizeof(char16_t) : 0;
-    orvex::withElementType(classId, [&]<typename T>(std::type_identity<T>) { size = sizeof(T); });
+    orvex::withElementType(classId, [&]<class T>(std::type_identity<T>) { size = sizeof(T); });
     return size;
 }
 

@@ -20,7 +20,7 @@ struct BlockArguments {
     std::string file;
     std::string path;
     std::string eid;
-    std::string outputs;  ///< with commas between
+    std::string outputs;  // with commas between
     std::string name;
     bool isChart = false;
     bool isRecursive = false;

@@ -18,9 +18,9 @@ using namespace workbench;
 
 struct ChartArguments {
     std::string file;
-    std::string item;  ///< of an addition: the chart
+    std::string item;  // of an addition: the chart
     std::string name;
-    ReferenceOptions options;  ///< only an SSID
+    ReferenceOptions options;  // only an SSID
     bool isRecursive = false;
     bool isUnmarking = false;
     ChangeOptions change;

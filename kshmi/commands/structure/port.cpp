@@ -21,7 +21,7 @@ using namespace workbench;
 struct PortArguments {
     std::string file;
     std::string block;
-    std::string port;  ///< number or name
+    std::string port;  // number or name
     std::string name;
     std::optional<int> at;
     bool isUnmarking = false;
@@ -37,7 +37,7 @@ int requirePort(const kestrel::Model& model, const kestrel::Block& block, const 
     return source.port;
 }
 
-/// A port, or a signal on one; the number that it had, if it had another.
+// A port, or a signal on one; the number that it had, if it had another.
 ChangeReport::Members membersOf(std::string_view kind, const std::u16string& block, const PortChange& one) {
     return [=](JsonObject& object) {
         object.text("kind", kind).text("block", block).number("port", one.to == 0 ? one.from : one.to);
@@ -46,7 +46,7 @@ ChangeReport::Members membersOf(std::string_view kind, const std::u16string& blo
     };
 }
 
-/// What moved besides.
+// What moved besides.
 void tellFollowers(const std::u16string& block, const Renumbering& changes, ChangeReport& report) {
     for (const PortChange& one : changes.ports)
         if (one.to != 0)

@@ -4,18 +4,18 @@
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
 
-/// No mark slides silently: what a file was changed to between two openings, and what becomes of it.
+// No mark slides silently: what a file was changed to between two openings, and what becomes of it.
 namespace kshmi::testing {
 namespace {
 
 class MarkedNames : public KshmiTest {};
 
-/// What became of the ports of "A", which had "x", "y" and "z", marked at 1 and 2; and what follows.
+// What became of the ports of "A", which had "x", "y" and "z", marked at 1 and 2; and what follows.
 struct Edit {
     const char* outputs;
-    const char* codes;   ///< what check finds
-    const char* mended;  ///< ports of the two signals afterwards; empty where nothing is to be mended
-    const char* left;    ///< what check finds then
+    const char* codes;   // what check finds
+    const char* mended;  // ports of the two signals afterwards; empty where nothing is to be mended
+    const char* left;    // what check finds then
     bool isOpened = true;
 };
 
@@ -26,7 +26,7 @@ std::string codesOf(const workbench::CheckedFile& checked) {
     return codes;
 }
 
-/// The values of a field in all records of a text, one after the other.
+// The values of a field in all records of a text, one after the other.
 std::string valuesIn(const std::string& text, const std::string& field) {
     std::string values;
     const std::string start = "\"" + field + "\": ";
@@ -149,7 +149,7 @@ TEST_F(MarkedNames, areConfirmedOneByOneAndTheFileIsFreeThen) {
     EXPECT_EQ(runOn("set A:1 --decimation 2").code, 0);
 }
 
-/// Two marks on one port, one of them from before the ports changed places, with one UUID.
+// Two marks on one port, one of them from before the ports changed places, with one UUID.
 TEST_F(MarkedNames, marksOnOnePortGoTheirOwnWays) {
     write(modelText(R"("y", "x")", {{"u", 1, "x"}, {"u", 1, "y"}, {"u", 1, "x"}}, {clientText("c", "u")}));
     EXPECT_EQ(codesOf(workbench::checkFile(path())), "KS301 KS208 KS209 KS208 KS301 KS209");

@@ -20,7 +20,7 @@ struct Case {
     Mark mark;
     std::vector<Block> after;
     Fate fate;
-    std::string place;  ///< empty where it is parked
+    std::string place;  // empty where it is parked
     CarryOptions options{};
 };
 

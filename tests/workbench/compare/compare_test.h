@@ -55,7 +55,7 @@ inline std::string client(const std::string& uuid, const std::string& signal, co
         uuid, path, eid, model, signal, model);
 }
 
-template <typename Item>
+template <class Item>
 std::string list(const std::vector<Item>& items) {
     std::vector<std::string> texts;
     for (const Item& item : items) texts.push_back(text(item));

@@ -83,7 +83,7 @@ TEST(Merge, combinesWhatDoesNotContradict) {
 struct Conflicting {
     std::string ours, theirs;
     std::string list, field;
-    std::string stays;  ///< a part of the merged file
+    std::string stays;  // a part of the merged file
 };
 
 TEST(Merge, leavesOursWhereBothChangedTheSame) {
@@ -128,7 +128,7 @@ TEST(Merge, leavesOursWhereBothChangedTheSame) {
 
 class CompareCommands : public kshmi::testing::KshmiTest {
 protected:
-    /// What the shell says of a command line, in the test's folder.
+    // What the shell says of a command line, in the test's folder.
     std::string shell(const std::string& line) const {
         const std::string command = "cd '" + path("") + "' && { " + line + "; } > said 2>&1";
         const int code = std::system(command.c_str());

@@ -5,7 +5,7 @@
 
 #include "tests/workbench/compare/compare_test.h"
 
-/// A model's history, in which the author does as authors do. The history knows where each marked port really is.
+// A model's history, in which the author does as authors do. The history knows where each marked port really is.
 namespace workbench::testing {
 namespace {
 
@@ -61,7 +61,7 @@ public:
         std::string text = version();
         return text.replace(text.find("\"signals\": []"), 13, "\"signals\": [" + list(marks) + "]");
     }
-    /// Where the port of each mark is, and whether it still has its name and its block is like no other.
+    // Where the port of each mark is, and whether it still has its name and its block is like no other.
     struct Truth {
         std::string place;
         bool isNamed = false, isUnique = false;
@@ -88,7 +88,7 @@ private:
         for (const TruePort& port : block.ports) names.insert(port.name);
         return names;
     }
-    template <typename Visit>
+    template <class Visit>
     void each(Visit visit) const {
         for (const TrueBlock& block : m_blocks)
             for (std::size_t i = 0; i < block.ports.size(); ++i)
@@ -120,7 +120,7 @@ private:
     std::mt19937 m_random;
     std::string m_name = "car";
     std::vector<TrueBlock> m_blocks;
-    std::map<std::string, std::string> m_markNames;  ///< of the marked ports, by UUID, when they were marked
+    std::map<std::string, std::string> m_markNames;  // of the marked ports, by UUID, when they were marked
     int m_next = 0;
 };
 
@@ -128,7 +128,7 @@ struct Share {
     std::size_t right = 0, findable = 0;
 };
 
-/// No mark is on another port than its own, and every mark is accounted for.
+// No mark is on another port than its own, and every mark is accounted for.
 void expectRight(const History& history, const ModelFile& file, Share& share) {
     const auto truth = history.truth();
     const std::size_t signals = hvGetNumberOfElements(file.signals.get());

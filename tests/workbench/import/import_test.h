@@ -42,7 +42,7 @@ inline std::string textOf(const ImportNotes& notes) {
 }
 
 /// What a refusal says.
-template <typename Work>
+template <class Work>
 std::string refusalOf(Work work) {
     try {
         work();

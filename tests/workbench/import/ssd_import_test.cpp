@@ -10,7 +10,7 @@ std::string ssd(const std::string& inside, const std::string& version = "1.0") {
            "</ssd:SystemStructureDescription>";
 }
 
-/// Prefixes are not declared, as in files that people have.
+// Prefixes are not declared, as in files that people have.
 const std::string kCar = ssd(R"(<ssd:System name="Root">
 <ssd:Elements>
 <ssd:Component name="Motor" source="m.fmu"><ssd:Connectors>

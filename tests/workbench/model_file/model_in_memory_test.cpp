@@ -5,7 +5,7 @@
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
 
-/// Models that are made, read, written and opened without a file of their own.
+// Models that are made, read, written and opened without a file of their own.
 namespace workbench {
 namespace {
 
@@ -17,7 +17,7 @@ protected:
     ModelInMemory() { enterHost({}); }
     Session opened() const { return Session(path("new.json"), readModelText("text", kModel)); }
 
-    template <typename Work>
+    template <class Work>
     static Error refusalOf(Work work) {
         try {
             work();
