@@ -1,7 +1,7 @@
 # Installing what is missing, and only that. Sourced by ./dev, which defines say, die and have.
 
 build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev libfmt-dev libpugixml-dev libzip-dev
-    libgtest-dev)
+    libsqlite3-dev libgtest-dev)
 lint_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev)
@@ -28,7 +28,7 @@ boost_is_recent() {
 
 # For systems that have no such packages to ask for.
 declare -A headers=([libcli11-dev]=CLI/CLI.hpp [libfmt-dev]=fmt/format.h [libpugixml-dev]=pugixml.hpp
-    [libzip-dev]=zip.h [libgtest-dev]=gtest/gtest.h
+    [libzip-dev]=zip.h [libsqlite3-dev]=sqlite3.h [libgtest-dev]=gtest/gtest.h
     [libbenchmark-dev]=benchmark/benchmark.h)
 has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -E -x c++ - >/dev/null 2>&1; }
 

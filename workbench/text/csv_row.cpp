@@ -1,0 +1,118 @@
+#include "workbench/text/csv_row.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <utility>
+
+namespace workbench {
+
+namespace {
+
+constexpr int kEnd = -1;
+constexpr std::size_t kPiece = std::size_t{1} << 16U;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+}  // namespace
+
+TextSource piecesOfFile(const std::string& path) {
+    const auto file = std::make_shared<std::ifstream>(path, std::ios::binary);
+    if (!*file)
+        throw Error({path}, std::string("cannot be opened: ") + std::strerror(errno) + "; check the path",
+                    ErrorCode::file);
+    return [file, path](std::string& buffer) {
+        const std::size_t old = buffer.size();
+        buffer.resize(old + kPiece);
+        file->read(buffer.data() + old, static_cast<std::streamsize>(kPiece));
+        const auto count = static_cast<std::size_t>(file->gcount());
+        buffer.resize(old + count);
+        if (file->bad()) throw Error({path}, "cannot be read; check the disk", ErrorCode::file);
+        return count > 0;
+    };
+}
+
+void CsvRows::fail(const std::string& text) const { throw Error({m_file, m_rowLine}, text, ErrorCode::format); }
+
+int CsvRows::peek() {
+    if (m_at == m_buffer.size()) {
+        m_buffer.clear();
+        m_at = 0;
+        if (!m_source || !m_source(m_buffer)) {
+            m_source = nullptr;
+            return kEnd;
+        }
+    }
+    return static_cast<unsigned char>(m_buffer[m_at]);
+}
+
+int CsvRows::take() {
+    const int character = peek();
+    if (character != kEnd) ++m_at;
+    if (character == '\n') ++m_line;
+    return character;
+}
+
+void CsvRows::readQuoted(CsvCell& cell) {
+    cell.isQuoted = true;
+    take();
+    while (true) {
+        const int character = take();
+        if (character == kEnd) fail("a double quote is not closed; close it");
+        if (character == '"') {
+            if (peek() != '"') return;
+            take();
+        }
+        cell.text += static_cast<char>(character);
+    }
+}
+
+void CsvRows::readCell(CsvCell& cell) {
+    if (peek() == '"') return readQuoted(cell);
+    for (int character = peek(); character != kEnd && character != ',' && character != '\n'; character = peek()) {
+        if (character == '"') fail("a double quote stands inside a cell; quote the cell and double it");
+        cell.text += static_cast<char>(take());
+    }
+    if (peek() != ',' && cell.text.ends_with('\r')) cell.text.pop_back();
+}
+
+bool CsvRows::readRow(std::vector<CsvCell>& row) {
+    row.clear();
+    m_rowLine = m_line;
+    while (true) {
+        readCell(row.emplace_back());
+        if (row.back().isQuoted && peek() == '\r') take();
+        const int character = take();
+        if (character == '\n' || character == kEnd) break;
+        if (character != ',') fail("something stands behind a closing double quote; double quotes inside it");
+    }
+    return row.size() > 1 || row.front().isQuoted || !row.front().text.empty();
+}
+
+bool CsvRows::next(std::vector<CsvCell>& row) {
+    const bool isFirst = m_rowLine == 0;
+    while (peek() != kEnd) {
+        if (!readRow(row)) continue;
+        if (isFirst && row.front().text.starts_with(kByteOrderMark)) row.front().text.erase(0, kByteOrderMark.size());
+        return true;
+    }
+    return false;
+}
+
+std::string csvCell(std::string_view text) {
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
+    std::string cell;
+    appendQuotedCell(cell, text);
+    return cell;
+}
+
+void appendQuotedCell(std::string& out, std::string_view text) {
+    out += '"';
+    for (const char c : text) {
+        if (c == '"') out += '"';
+        out += c;
+    }
+    out += '"';
+}
+
+}  // namespace workbench
