@@ -7,135 +7,13 @@
 #include <unordered_map>
 
 #include "host/values.h"
-#include "workbench/compare/carried_record.h"
-#include "workbench/compare/source_pairing.h"
+#include "workbench/compare/mark_matching.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
 
 namespace {
-
-struct Decision {
-    CarriedMark mark;
-    NewSource target;
-};
-
-// Decides where each mark goes.
-class MarkMatching {
-public:
-    MarkMatching(const kestrel::Model& old, const kestrel::Model& next, const CarryOptions& options,
-                 const CarryMap& map)
-        : m_next(next), m_options(options), m_map(map), m_blocks(old, next, options.by, map) {}
-
-    const BlockMatching& blocks() const noexcept { return m_blocks; }
-
-    Decision decide(const MarkedSource& source) {
-        Decision decision;
-        decision.mark.before = source.place;
-        decision.mark.hadSlid = source.hadSlid;
-        if (const CarryMap::Target* const target = m_map.source(source.place.block, source.place.name))
-            return mapped(source, *target, std::move(decision));
-        const BlockMatch block = source.block ? m_blocks.of(*source.block) : blockOfOrphan(source);
-        decision.mark.isBlockUnsure = block.how == MatchHow::guess;
-        if (!block.block) {
-            decision.mark.fate = block.how == MatchHow::guess ? Fate::ambiguous : Fate::lostBlock;
-            decision.mark.candidates = block.candidates;
-            return decision;
-        }
-        const SourceMatch match = sourceIn(source, *block.block);
-        decision.target = {block.block, match.port, match.name, match.ssid};
-        settle(source, block, match, decision);
-        return decision;
-    }
-
-private:
-    struct Pairings {
-        explicit Pairings(const kestrel::Block* old, const kestrel::Block& next)
-            : ports(old ? *old : kEmpty, next), items(old, next) {}
-        static inline const kestrel::Block kEmpty{};
-        PortPairing ports;
-        ItemPairing items;
-    };
-
-    Pairings& pairingsOf(const kestrel::Block* old, const kestrel::Block& next) {
-        std::unique_ptr<Pairings>& pairings = m_pairings[old][&next];
-        if (!pairings) pairings = std::make_unique<Pairings>(old, next);
-        return *pairings;
-    }
-    SourceMatch sourceIn(const MarkedSource& source, const kestrel::Block& block) {
-        if (!source.isNameKnown) return {};
-        const Pairings& pairings = pairingsOf(source.block, block);
-        const MarkPlace& place = source.place;
-        if (place.domain.empty()) return pairings.ports.of(place.name, source.hadSlid ? 0 : place.port);
-        return pairings.items.of(place.domain, place.name,
-                                 source.hadSlid || !source.block ? std::nullopt : std::optional(place.ssid));
-    }
-    // The block is not in the old version: the next one may have it at the old path or with the old identifier.
-    BlockMatch blockOfOrphan(const MarkedSource& source) {
-        if (const CarryMap::Target* const target = m_map.block(source.place.block))
-            return {target->block ? MatchHow::map : MatchHow::none, target->block, 1};
-        const kestrel::Block* const byPath = m_next.findByPath(source.place.block);
-        const kestrel::Block* const byEid = source.eid.empty() ? nullptr : m_next.findByEid(source.eid);
-        const auto hasIt = [&](const kestrel::Block* block) {
-            return block && sourceIn(source, *block).how == SourceHow::same;
-        };
-        const bool fitsPath = hasIt(byPath) && m_options.by != MatchBy::identifier;
-        const bool fitsEid = hasIt(byEid) && m_options.by != MatchBy::path;
-        if (fitsPath && fitsEid && byPath != byEid) return {MatchHow::guess, byEid, 2};
-        if (!fitsPath && !fitsEid) return {};
-        return {MatchHow::identity, fitsPath ? byPath : byEid, 1};
-    }
-    static Decision mapped(const MarkedSource& source, const CarryMap::Target& target, Decision decision) {
-        decision.mark.fate = target.block ? Fate::mapped : Fate::lostSource;
-        if (!target.block) return decision;
-        decision.target = {target.block, 0, target.name, 0};
-        const bool isPort = source.place.domain.empty();
-        if (isPort)
-            decision.target.port = PortPairing(*target.block, *target.block).of(target.name, 0).port;
-        else
-            decision.target.ssid = ItemPairing(nullptr, *target.block).of(source.place.domain, target.name, {}).ssid;
-        const bool fits = isPort ? decision.target.port > 0 : decision.target.ssid > 0;
-        if (!fits) decision.mark.fate = Fate::ambiguous;
-        if (fits) decision.mark.after = placeOf(source, decision.target);
-        return decision;
-    }
-    static MarkPlace placeOf(const MarkedSource& source, const NewSource& target) {
-        return {target.block->path, target.port, target.name, source.place.domain, target.ssid, source.place.activity};
-    }
-    void settle(const MarkedSource& source, const BlockMatch& block, const SourceMatch& match,
-                Decision& decision) const {
-        CarriedMark& mark = decision.mark;
-        const bool isGuess = block.how == MatchHow::guess || match.how == SourceHow::guess;
-        if (match.how == SourceHow::lost && !isGuess) {
-            mark.fate = Fate::lostSource;
-            return;
-        }
-        const bool hasTarget = match.how != SourceHow::lost && (match.port > 0 || !source.place.domain.empty());
-        if (hasTarget) mark.after = placeOf(source, decision.target);
-        mark.candidates = block.how == MatchHow::guess ? block.candidates : match.candidates;
-        if (isGuess && !(m_options.acceptsGuesses && hasTarget)) {
-            mark.fate = m_options.acceptsGuesses && match.how == SourceHow::lost ? Fate::lostSource : Fate::ambiguous;
-            return;
-        }
-        mark.fate = isGuess ? Fate::accepted : fateOf(source, block, match, *mark.after);
-    }
-    static Fate fateOf(const MarkedSource& source, const BlockMatch& block, const SourceMatch& match,
-                       const MarkPlace& after) {
-        if (block.how == MatchHow::map) return Fate::mapped;
-        if (after.block != source.place.block || match.how == SourceHow::rule) return Fate::renamed;
-        const bool isSame =
-            after.port == source.place.port && (source.place.domain.empty() || after.ssid == source.place.ssid);
-        return isSame ? Fate::same : Fate::renumbered;
-    }
-
-    const kestrel::Model& m_next;
-    CarryOptions m_options;
-    const CarryMap& m_map;
-    BlockMatching m_blocks;
-    std::unordered_map<const kestrel::Block*, std::unordered_map<const kestrel::Block*, std::unique_ptr<Pairings>>>
-        m_pairings;
-};
 
 // Puts the new file together.
 class Carrier {

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+
+#include "workbench/compare/block_matching.h"
+#include "workbench/compare/carried_record.h"
+#include "workbench/compare/source_pairing.h"
+
+namespace workbench {
+
+/// What becomes of a mark, and where it goes.
+struct Decision {
+    CarriedMark mark;
+    NewSource target;
+};
+
+/// Decides where each mark goes.
+class MarkMatching {
+public:
+    /// Keeps references to the models and the map.
+    MarkMatching(const kestrel::Model& old, const kestrel::Model& next, const CarryOptions& options,
+                 const CarryMap& map)
+        : m_next(next), m_options(options), m_map(map), m_blocks(old, next, options.by, map) {}
+
+    const BlockMatching& blocks() const noexcept { return m_blocks; }
+    Decision decide(const MarkedSource& source);
+
+private:
+    struct Pairings;
+
+    Pairings& pairingsOf(const kestrel::Block* old, const kestrel::Block& next);
+    SourceMatch sourceIn(const MarkedSource& source, const kestrel::Block& block);
+    BlockMatch blockOfOrphan(const MarkedSource& source);
+    static Decision mapped(const MarkedSource& source, const CarryMap::Target& target, Decision decision);
+    static MarkPlace placeOf(const MarkedSource& source, const NewSource& target);
+    void settle(const MarkedSource& source, const BlockMatch& block, const SourceMatch& match,
+                Decision& decision) const;
+    static Fate fateOf(const MarkedSource& source, const BlockMatch& block, const SourceMatch& match,
+                       const MarkPlace& after);
+
+    const kestrel::Model& m_next;
+    CarryOptions m_options;
+    const CarryMap& m_map;
+    BlockMatching m_blocks;
+    std::unordered_map<const kestrel::Block*, std::unordered_map<const kestrel::Block*, std::shared_ptr<Pairings>>>
+        m_pairings;
+};
+
+}  // namespace workbench
