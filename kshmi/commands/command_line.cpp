@@ -62,9 +62,8 @@ const CLI::App& chosenCommand(const CLI::App& app) {
 }
 
 std::string listOf(const CLI::App& app) {
-    std::string list;
-    for (const CLI::App* const command : commandsOf(app)) list += (list.empty() ? "" : ", ") + command->get_name();
-    return list;
+    const auto commands = commandsOf(app);
+    return listed(commands, commands.size(), [](const CLI::App* command) { return command->get_name(); });
 }
 
 [[noreturn]] void refuseOption(const CLI::App& app, const std::string& word) {

@@ -12,11 +12,10 @@ using namespace workbench;
 namespace {
 
 std::string kindList(IsOfKind isAllowed) {
-    std::string list;
+    std::vector<std::string> kinds;
     for (std::size_t i = 0; i < kFindingKinds; ++i)
-        if (const auto kind = static_cast<FindingKind>(i); isAllowed(kind))
-            list += (list.empty() ? "" : ", ") + std::string(textOf(kind));
-    return list;
+        if (const auto kind = static_cast<FindingKind>(i); isAllowed(kind)) kinds.emplace_back(textOf(kind));
+    return listed(kinds);
 }
 
 }  // namespace

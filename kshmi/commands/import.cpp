@@ -33,15 +33,10 @@ struct ImportArguments {
 
 // The first names of a note; empty when none has one.
 std::string someNames(const std::vector<std::string>& names) {
-    std::string list;
-    std::size_t shown = 0;
-    for (const std::string& name : names) {
-        if (name.empty()) continue;
-        if (shown == kMostNames) break;
-        list += (shown++ > 0 ? ", " : "") + printable(std::string_view(name));
-    }
-    const std::size_t rest = names.size() - shown;
-    return shown > 0 && rest > 0 ? list + fmt::format(" and {} more", rest) : list;
+    std::vector<std::string> shown;
+    for (const std::string& name : names)
+        if (!name.empty() && shown.size() < kMostNames) shown.push_back(printable(std::string_view(name)));
+    return shown.empty() ? "" : listed(shown, names.size() - shown.size());
 }
 
 std::string withNames(const std::string& text, const ImportNote& note) {

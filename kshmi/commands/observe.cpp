@@ -40,10 +40,9 @@ std::size_t signalOnItem(const Session& session, const SignalSource& source, con
             activities.push_back(std::move(activity));
     }
     if (activities.size() == 1) return found.front();
-    std::string list;
-    for (const std::u16string& activity : activities) list += (list.empty() ? "" : ", ") + printable(activity);
-    throw Error(inQuotes(fullName(session.model(), source)) +
-                ": several activities are marked; give --activity with one of: " + list);
+    const std::string list = listed(activities, activities.size(), [](const auto& one) { return printable(one); });
+    throw Error(fmt::format("{}: several activities are marked; give --activity with one of: {}",
+                            inQuotes(fullName(session.model(), source)), list));
 }
 
 void requireMarked(const NamedSources& named, const ReferenceOptions& options, const SignalIndex& index,

@@ -13,6 +13,7 @@
 #include "workbench/change/marking.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
+#include "workbench/session/records.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -72,13 +73,13 @@ std::unordered_set<std::string> uuidsOf(const Session& session, const Positions&
 Positions clientsOf(const Session& session, const SetArguments& arguments, const Positions& signals) {
     Positions positions;
     const auto uuids = uuidsOf(session, signals);
-    for (std::size_t i = 0; arguments.isOfClients && i < session.clients().getCount(); ++i) {
-        const ks_hmi::SignalClient& client = *session.clients().get(i);
-        const auto& types = arguments.types;
-        const bool isOfType =
-            types.empty() || std::find(types.begin(), types.end(), client.m_observerType) != types.end();
-        if (isOfType && uuids.contains(client.m_signalUUID)) positions.push_back(i);
-    }
+    const auto& types = arguments.types;
+    if (arguments.isOfClients)
+        positions = positionsWhere(session.clients(), [&](const ks_hmi::SignalClient& client) {
+            const bool isOfType =
+                types.empty() || std::find(types.begin(), types.end(), client.m_observerType) != types.end();
+            return isOfType && uuids.contains(client.m_signalUUID);
+        });
     for (const std::string& call : arguments.clients) positions.push_back(clientCalled(session, call));
     sortUnique(positions);
     return positions;
@@ -141,8 +142,8 @@ void setClients(Session& session, const Positions& positions, const ClientSettin
 void warnOfExcluded(const Session& session, const Positions& signals, std::ostream& err) {
     const auto uuids = uuidsOf(session, signals);
     std::size_t clients = 0;
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i)
-        clients += uuids.contains(session.clients().get(i)->m_signalUUID) ? 1U : 0U;
+    for (const ks_hmi::SignalClient& client : recordsOf(session.clients()))
+        clients += uuids.contains(client.m_signalUUID) ? 1U : 0U;
     err << fmt::format("warning: the saved file no longer has what is excluded from saving: {}{}\n",
                        counted(signals.size(), "signal"),
                        clients > 0 ? ", whose " + counted(clients, "client") + " it leaves without a signal" : "");

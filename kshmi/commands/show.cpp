@@ -18,6 +18,7 @@
 #include "workbench/find/signal_index.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"
+#include "workbench/session/records.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -108,13 +109,13 @@ ShownModel shownOf(const Session& session, const ShowArguments& arguments) {
     ShownModel shown{&session, {}, {}, {}, arguments.limit};
     const std::u16string below = resolveBelow(session.model(), arguments.below);
     const SignalUuids uuids(session);
-    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
-        if (isShown(sourceOf(session.model(), *session.signals().get(i)).block->path, below))
-            shown.signals.push_back(i);
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
-        const std::optional<std::size_t> signal = uuids.positionOf(session.clients().get(i)->m_signalUUID);
-        if (below.empty() || (signal && std::ranges::binary_search(shown.signals, *signal))) shown.clients.push_back(i);
-    }
+    shown.signals = positionsWhere(session.signals(), [&](const ks_hmi::SignalSpecification& signal) {
+        return isShown(sourceOf(session.model(), signal).block->path, below);
+    });
+    shown.clients = positionsWhere(session.clients(), [&](const ks_hmi::SignalClient& client) {
+        const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
+        return below.empty() || (signal && std::ranges::binary_search(shown.signals, *signal));
+    });
     shown.blocks = shownBlocks(session, arguments, below);
     return shown;
 }

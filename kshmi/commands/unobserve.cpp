@@ -10,6 +10,7 @@
 #include "workbench/find/client_names.h"
 #include "workbench/find/selecting_clients.h"
 #include "workbench/find/watching.h"
+#include "workbench/session/records.h"
 #include "workbench/text/error.h"
 
 namespace kshmi {
@@ -46,8 +47,7 @@ public:
     // Tells of those that are gone.
     void tellDropped() const {
         std::set<std::string> kept;
-        for (std::size_t i = 0; i < m_session.clients().getCount(); ++i)
-            kept.insert(m_session.clients().get(i)->m_uuid);
+        for (const ks_hmi::SignalClient& client : recordsOf(m_session.clients())) kept.insert(client.m_uuid);
         for (std::size_t i = 0; i < m_clients.size(); ++i)
             if (!kept.contains(m_clients[i].first->m_uuid)) tell(i, "drop", "dropped");
     }

@@ -15,9 +15,7 @@ namespace {
 
 std::string listOf(const std::vector<std::u16string>& names) {
     constexpr std::size_t kMost = 5;
-    std::string list;
-    for (std::size_t i = 0; i < names.size() && i < kMost; ++i) list += (i > 0 ? ", " : "") + printable(names[i]);
-    return names.size() > kMost ? fmt::format("{} and {} more", list, names.size() - kMost) : list;
+    return listed(names, kMost, [](const std::u16string& name) { return printable(name); });
 }
 
 std::string numbers(std::size_t added, std::size_t removed, std::size_t changed) {

@@ -94,14 +94,14 @@ void FindingCounts::add(const CheckedFile& checked) {
 }
 
 std::string textOf(const FindingCounts& counts) {
-    std::string text;
+    std::vector<std::string> texts;
     const auto add = [&](std::size_t count, std::string_view what) {
-        if (count > 0) text += (text.empty() ? "" : ", ") + counted(count, what);
+        if (count > 0) texts.push_back(counted(count, what));
     };
     add(counts.errors, "error");
     add(counts.warnings, "warning");
     add(counts.notes, "note");
-    return text.empty() ? "nothing found" : text;
+    return texts.empty() ? "nothing found" : listed(texts);
 }
 
 }  // namespace kshmi

@@ -15,11 +15,8 @@ void warnOfLost(const Session& session, const DanglingWatch& watch, bool isDryRu
     const Positions lost = watch.lost();
     if (lost.empty()) return;
     constexpr std::size_t kMostNamed = 5;
-    std::string names;
-    for (std::size_t i = 0; i < std::min(kMostNamed, lost.size()); ++i)
-        names += (names.empty() ? "" : ", ") + nameOfClient(session, lost[i]);
-    if (lost.size() > kMostNamed) names += fmt::format(" and {} more", lost.size() - kMostNamed);
-    err << "warning: " << (isDryRun ? "would be " : "") << "left without a signal: " << names;
+    err << fmt::format("warning: {}left without a signal: {}", isDryRun ? "would be " : "",
+                       listed(lost, kMostNamed, [&](std::size_t position) { return nameOfClient(session, position); }));
     if (!isDryRun)
         err << fmt::format("; \"kshmi unobserve {} --dangling\" removes {}",
                            printable(std::string_view(session.path())), lost.size() == 1 ? "it" : "them");

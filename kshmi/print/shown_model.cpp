@@ -31,15 +31,15 @@ std::string sourceText(const SignalSpecification& signal, const SignalSource& so
 
 // What is not as it is when nothing is said.
 std::string settingsText(const SignalSpecification& signal) {
-    std::string text;
-    const auto add = [&](const std::string& setting) { text += (text.empty() ? "" : ", ") + setting; };
+    std::vector<std::string> settings;
+    const auto add = [&](std::string setting) { settings.push_back(std::move(setting)); };
     if (signal.m_decimation != 1) add(fmt::format("decimation {}", signal.m_decimation));
     if (signal.m_maxPoints != 0) add(fmt::format("max points {}", signal.m_maxPoints));
     const std::string flags =
         textOf({signal.m_isFrameBased, signal.m_hideInPLV, signal.m_targetBufferedStreaming, signal.m_excludeForSave});
     if (!flags.empty()) add(flags);
     if (!signal.m_visualType.empty()) add("for " + printable(signal.m_visualType));
-    return text;
+    return listed(settings);
 }
 
 void printSignals(const ShownModel& shown, const Output& output) {
@@ -80,14 +80,14 @@ std::size_t blockCount(const ShownModel& shown) {
 }  // namespace
 
 std::string leftOutOf(const ShownModel& shown) {
-    std::string text;
+    std::vector<std::string> texts;
     const auto add = [&](std::size_t count, std::size_t all, const char* what) {
-        if (count < all) text += fmt::format("{}{} of {}", text.empty() ? "" : ", ", all - count, counted(all, what));
+        if (count < all) texts.push_back(fmt::format("{} of {}", all - count, counted(all, what)));
     };
     add(shown.signals.size(), shown.session->signals().getCount(), "signal");
     add(shown.clients.size(), shown.session->clients().getCount(), "client");
     add(blockCount(shown), shown.session->model().blocks().size(), "block");
-    return text;
+    return listed(texts);
 }
 
 void printShown(const ShownModel& shown, const Output& output) {

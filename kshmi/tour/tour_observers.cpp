@@ -6,6 +6,7 @@
 #include "workbench/change/renaming.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/watching.h"
+#include "workbench/session/records.h"
 #include "workbench/session/script.h"
 #include "workbench/text/text.h"
 
@@ -98,11 +99,10 @@ void Tour::notice() {
 void Tour::validate() {
     title("Validation drops what is deprecated and what is dangling");
     const SignalUuids uuids(*m_session);
-    for (std::size_t i = 0; i < m_session->clients().getCount(); ++i) {
-        const ks_hmi::SignalClient& client = *m_session->clients().get(i);
+    for (const auto& [position, client] : numbered(std::as_const(*m_session).clients()))
         if (watched(client, uuids) == Watched::gone || client.isDeprecatedObserver())
-            say("{}: {}", describeClient(*m_session, i, uuids), notesOn(client, uuids, m_session->model().name()));
-    }
+            say("{}: {}", describeClient(*m_session, position, uuids),
+                notesOn(client, uuids, m_session->model().name()));
     const std::size_t before = m_session->clients().getCount();
     StreamingClients::validateAndRemoveUnused(m_session->clientSet());
     say("of {}, {} are left", counted(before, "client"), m_session->clients().getCount());

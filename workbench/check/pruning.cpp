@@ -95,8 +95,8 @@ private:
 
 std::unordered_set<std::string_view> Pruning::keptUuids() const {
     std::unordered_set<std::string_view> uuids;
-    for (std::size_t i = 0; i < m_session.signals().getCount(); ++i)
-        if (!m_signals.contains(i)) uuids.insert(m_session.signals().get(i)->m_uuid);
+    for (const auto& [position, signal] : numbered(m_session.signals()))
+        if (!m_signals.contains(position)) uuids.insert(signal.m_uuid);
     return uuids;
 }
 
@@ -124,10 +124,10 @@ void Pruning::takeLosers() {
     const std::unordered_set<std::string_view> kept = keptUuids();
     std::unordered_set<std::string_view> gone;
     for (const std::size_t position : m_signals) gone.insert(m_session.signals().get(position)->m_uuid);
-    for (std::size_t i = 0; i < m_session.clients().getCount(); ++i) {
-        const std::string& uuid = m_session.clients().get(i)->m_signalUUID;
-        if (!gone.contains(uuid) || kept.contains(uuid) || !m_clients.insert(i).second) continue;
-        tell(FindingKind::dangling, nameOfClient(m_session, i));
+    for (const auto& [position, client] : numbered(m_session.clients())) {
+        const std::string& uuid = client.m_signalUUID;
+        if (!gone.contains(uuid) || kept.contains(uuid) || !m_clients.insert(position).second) continue;
+        tell(FindingKind::dangling, nameOfClient(m_session, position));
     }
 }
 

@@ -39,9 +39,9 @@ std::string describeClient(const Session& session, std::size_t position, const S
 std::string notesOn(const SignalClient& client, const SignalUuids& uuids, std::u16string_view modelName) {
     const Watched target = watched(client, uuids);
     const bool isForeign = stateOf(client, uuids, modelName) == ClientState::foreign;
-    std::string notes;
+    std::vector<std::string> notes;
     const auto add = [&](bool isSo, const std::string& note) {
-        if (isSo) notes += (notes.empty() ? "" : ", ") + note;
+        if (isSo) notes.push_back(note);
     };
     add(target == Watched::gone, "dangling");
     add(target == Watched::elsewhere, "in a model that is not open");
@@ -49,7 +49,7 @@ std::string notesOn(const SignalClient& client, const SignalUuids& uuids, std::u
     add(client.isDeprecatedObserver(), "deprecated");
     add(client.m_observeImaginaryPart, "imaginary part");
     add(!client.m_busLeafPath.empty(), "leaf " + printable(std::string_view(client.m_busLeafPath)));
-    return notes;
+    return listed(notes);
 }
 
 }  // namespace workbench

@@ -23,8 +23,8 @@ bool contains(const List& list, const Value& value) {
 class ClientsOfSignals {
 public:
     explicit ClientsOfSignals(const Session& session) : m_session(session), m_index(session) {
-        for (std::size_t i = 0; i < session.clients().getCount(); ++i)
-            m_clients[session.clients().get(i)->m_signalUUID].push_back(i);
+        for (const auto& [position, client] : numbered(session.clients()))
+            m_clients[client.m_signalUUID].push_back(position);
     }
 
     // Whether there are any.
@@ -59,20 +59,16 @@ void addOfSignals(const Selected& selected, const ReferenceOptions& options, con
 
 void addInStates(const Session& session, const ClientSelection& selection, Positions& positions) {
     const SignalUuids uuids(session);
-    for (std::size_t i = 0; i < session.clients().getCount(); ++i) {
-        const SignalClient& client = *session.clients().get(i);
+    for (const auto& [position, client] : numbered(session.clients())) {
         const bool isInState = contains(selection.states, stateOf(client, uuids, session.model().name()));
-        if (isInState || (selection.isDeprecated && client.isDeprecatedObserver())) positions.push_back(i);
+        if (isInState || (selection.isDeprecated && client.isDeprecatedObserver())) positions.push_back(position);
     }
 }
 
 void requireTypes(const Session& session, const std::vector<std::string>& types) {
     for (const std::string& type : types) {
-        const auto clients = recordsOf(session.clients());
         const auto isOfType = [&](const SignalClient& client) { return client.m_observerType == type; };
-        bool isThere = false;
-        for (const SignalClient& client : clients) isThere = isThere || isOfType(client);
-        if (!isThere)
+        if (positionsWhere(session.clients(), isOfType).empty())
             throw Error("no client has the type " + inQuotes(std::string_view(type)), ErrorCode::noMatch,
                         Remedy::listClients);
     }
@@ -89,7 +85,7 @@ Positions selectClients(const Session& session, const Selected* selected, const 
     for (const std::string& call : selection.calls) positions.push_back(clientCalled(session, call));
     addInStates(session, selection, positions);
     const bool isTypeOnly = !selected && !selection.isAnything();
-    for (std::size_t i = 0; isTypeOnly && i < session.clients().getCount(); ++i) positions.push_back(i);
+    if (isTypeOnly) positions = positionsWhere(session.clients(), [](const SignalClient&) { return true; });
     sortUnique(positions);
     if (!selection.types.empty())
         std::erase_if(positions, [&](std::size_t position) {

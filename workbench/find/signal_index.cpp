@@ -2,12 +2,14 @@
 
 #include <functional>
 
+#include "workbench/session/records.h"
+
 namespace workbench {
 
 SignalIndex::SignalIndex(const Session& session) : m_session(session) {
     m_positions.reserve(session.signals().getCount());
-    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
-        m_positions[keyOf(sourceOf(session.model(), *session.signals().get(i)))].push_back(i);
+    for (const auto& [position, signal] : numbered(session.signals()))
+        m_positions[keyOf(sourceOf(session.model(), signal))].push_back(position);
 }
 
 const std::vector<std::size_t>& SignalIndex::on(const SignalSource& source) const {

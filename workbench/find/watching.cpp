@@ -6,6 +6,7 @@
 #include <charconv>
 #include <iterator>
 
+#include "workbench/session/records.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -31,8 +32,8 @@ bool namesOpenModelsOnly(const SignalClient& client) {
 
 template <class Set>
 std::size_t positionCalled(const Set& set, const std::string& call, const char* kind, Remedy remedy) {
-    for (std::size_t i = 0; i < set.getCount(); ++i)
-        if (set.get(i)->m_uuid == call) return i;
+    for (const auto& [position, record] : numbered(set))
+        if (record.m_uuid == call) return position;
     std::size_t number = 0;
     const char* const end = call.data() + call.size();
     const bool isNumber = std::from_chars(call.data(), end, number).ptr == end && !call.empty();
@@ -45,8 +46,7 @@ std::size_t positionCalled(const Set& set, const std::string& call, const char* 
 
 SignalUuids::SignalUuids(const Session& session) {
     m_positions.reserve(session.signals().getCount());
-    for (std::size_t i = 0; i < session.signals().getCount(); ++i)
-        m_positions.emplace(session.signals().get(i)->m_uuid, i);
+    for (const auto& [position, signal] : numbered(session.signals())) m_positions.emplace(signal.m_uuid, position);
 }
 
 std::optional<std::size_t> SignalUuids::positionOf(std::string_view uuid) const {
@@ -89,10 +89,8 @@ DanglingWatch::DanglingWatch(const Session& session) : m_session(session), m_bef
 
 Positions DanglingWatch::dangling() const {
     const SignalUuids uuids(m_session);
-    Positions positions;
-    for (std::size_t i = 0; i < m_session.clients().getCount(); ++i)
-        if (watched(*m_session.clients().get(i), uuids) == Watched::gone) positions.push_back(i);
-    return positions;
+    return positionsWhere(m_session.clients(),
+                          [&](const SignalClient& client) { return watched(client, uuids) == Watched::gone; });
 }
 
 Positions DanglingWatch::lost() const {

@@ -11,6 +11,7 @@
 #include "host/values.h"
 #include "signals/signal_specification.h"
 #include "workbench/session/record_alignment.h"
+#include "workbench/session/records.h"
 #include "workbench/session/refused_field.h"
 #include "workbench/session/script.h"
 #include "workbench/text/error.h"
@@ -79,12 +80,12 @@ void Session::give(hvArray* set, const hvArray* records, RecordKind kind, const 
 
 void Session::checkClients(const std::vector<RecordLines>& lines) const {
     std::unordered_set<std::string_view> uuids;
-    for (std::size_t i = 0; i < clients().getCount(); ++i) {
-        const std::string& uuid = clients().get(i)->m_uuid;
+    for (const auto& [position, client] : numbered(clients())) {
+        const std::string& uuid = client.m_uuid;
         if (!uuid.empty() && uuids.insert(uuid).second) continue;
         const std::string text =
             uuid.empty() ? "the client has no UUID" : fmt::format("another client has the UUID {}", inQuotes(uuid));
-        throw Error(recordPlace(m_path, RecordKind::client, lines, i, "UUID"),
+        throw Error(recordPlace(m_path, RecordKind::client, lines, position, "UUID"),
                     text + "; correct it or remove the client", ErrorCode::model);
     }
 }
@@ -120,8 +121,7 @@ void Session::requireSettledNames() const {
 
 // A path finds a port by its logical number, which blocks do not tell; once bound, ports answer by handle.
 void Session::bindRenumbered() {
-    for (std::size_t i = 0; i < signals().getCount(); ++i) {
-        const ks_hmi::SignalSpecification& signal = *signals().get(i);
+    for (const ks_hmi::SignalSpecification& signal : recordsOf(signals())) {
         const bool isRenumbered =
             signal.m_logicalPortIndex >= 1 && signal.m_logicalPortIndex != signal.m_outputPortIndex;
         if (isRenumbered && !isChartSignal(signal)) return signals().applyRebindingRules(signalSet(), true);
@@ -155,8 +155,7 @@ void Session::requirePaths(const hvArray* saved) const {
 // Only what is there can be aligned; what is settled later keeps the path that it had.
 void Session::keepLostPaths(hvArray* saved) const {
     std::size_t element = 0;
-    for (std::size_t i = 0; i < signals().getCount(); ++i) {
-        const ks_hmi::SignalSpecification& signal = *signals().get(i);
+    for (const ks_hmi::SignalSpecification& signal : recordsOf(signals())) {
         if (signal.m_excludeForSave) continue;
         if (!blockOf(model(), signal))
             hvReplaceField(saved, element, "BlockPath_", ks_host::makeText(signal.m_blockPath).release());

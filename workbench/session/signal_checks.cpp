@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "signals/signal_specification.h"
+#include "workbench/session/records.h"
 #include "workbench/session/signal_source.h"
 #include "workbench/text/text.h"
 
@@ -70,14 +71,13 @@ std::vector<SignalFault> faultsOf(const ks_hmi::InstrumentedSignals& set, const 
     std::vector<SignalFault> faults;
     std::unordered_set<std::string_view> uuids;
     uuids.reserve(set.getCount());
-    for (std::size_t i = 0; i < set.getCount(); ++i) {
-        const SignalSpecification& signal = *set.get(i);
+    for (const auto& [position, signal] : numbered(set)) {
         std::optional<SignalFault> fault = sourceFault(signal, model);
         if (!uuids.insert(signal.m_uuid).second)
             fault = wrong(Misfit::uuidTaken, "UUID", "another signal has the UUID " + inQuotes(signal.m_uuid));
         if (signal.m_uuid.empty()) fault = wrong(Misfit::uuidMissing, "UUID", "the signal has no UUID");
         if (!fault) continue;
-        fault->position = i;
+        fault->position = position;
         faults.push_back(std::move(*fault));
     }
     return faults;

@@ -116,10 +116,10 @@ bool hasActivity(const ChartItem& item, std::u16string_view activity) {
 }
 
 std::string activityList(const ChartItem& item) {
-    std::string list;
+    std::vector<std::string> activities;
     for (const char16_t* const activity : kActivities)
-        if (hasActivity(item, activity)) list += (list.empty() ? "" : ", ") + toUtf8(activity);
-    return list;
+        if (hasActivity(item, activity)) activities.push_back(toUtf8(activity));
+    return listed(activities);
 }
 
 std::u16string defaultActivity(const ChartItem& item) { return item.domainType == kDataDomain ? u"Data" : u"Self"; }

@@ -2,31 +2,26 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 #include "workbench/change/marking.h"
 #include "workbench/find/client_names.h"
+#include "workbench/session/records.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
 
 Positions marksOn(const Session& session, const std::function<bool(const SignalSource&)>& isMeant) {
-    Positions positions;
-    for (std::size_t i = 0; i < session.signals().getCount(); ++i) {
-        const SignalSource source = sourceOf(session.model(), *session.signals().get(i));
-        if (source.block && isMeant(source)) positions.push_back(i);
-    }
-    return positions;
+    return positionsWhere(session.signals(), [&](const ks_hmi::SignalSpecification& signal) {
+        const SignalSource source = sourceOf(session.model(), signal);
+        return source.block && isMeant(source);
+    });
 }
 
 std::string namesOf(const Session& session, const Positions& signals) {
     constexpr std::size_t kMost = 5;
-    std::string names;
-    for (std::size_t i = 0; i < std::min(kMost, signals.size()); ++i)
-        names += fmt::format("{}signal {} on {}", i > 0 ? ", " : "", signals[i] + 1, nameOfSignal(session, signals[i]));
-    if (signals.size() > kMost) names += fmt::format(" and {} more", signals.size() - kMost);
-    return names;
+    return listed(signals, kMost, [&](std::size_t signal) {
+        return fmt::format("signal {} on {}", signal + 1, nameOfSignal(session, signal));
+    });
 }
 
 void settleMarks(Session& session, const Positions& signals, Marks marks, const std::string& what) {

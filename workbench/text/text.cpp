@@ -39,4 +39,9 @@ std::string counted(std::size_t count, std::string_view singular) {
     return fmt::format("{} {}{}", count, singular, count == 1 ? "" : "s");
 }
 
+std::string listed(const std::vector<std::string>& texts, std::size_t more) {
+    const std::string list = fmt::format("{}", fmt::join(texts, ", "));
+    return more > 0 ? fmt::format("{} and {} more", list, more) : list;
+}
+
 }  // namespace workbench

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Texts of the tool: UTF-8 outside, UTF-16 towards the host.
 namespace workbench {
@@ -26,5 +27,18 @@ std::string inQuotes(std::u16string_view text);
 
 /// "1 signal", "2 signals".
 std::string counted(std::size_t count, std::string_view singular);
+
+/// "a, b"; with more, "a, b and 3 more".
+std::string listed(const std::vector<std::string>& texts, std::size_t more = 0);
+/// What `textOf` says of the first `most` of a list, and how many more there are.
+template <class List, class TextOf>
+std::string listed(const List& list, std::size_t most, TextOf textOf) {
+    std::vector<std::string> texts;
+    for (const auto& one : list) {
+        if (texts.size() == most) break;
+        texts.emplace_back(textOf(one));
+    }
+    return listed(texts, list.size() - texts.size());
+}
 
 }  // namespace workbench
