@@ -1,61 +1,46 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "workbench/json/json_file.h"
 #include "workbench/model_file/model_file.h"
+#include "workbench/model_file/model_file_shapes.h"
 #include "workbench/model_file/record_table.h"
 
 namespace workbench {
 
 /// Gathers what a model file holds, whatever the order of its keys, and puts the contents together at the
-/// end. Throws `Error` at the file's current line for what cannot be.
+/// end. Throws `Error` at the file's current line and pointer for what cannot be.
 class ModelFileParts {
 public:
-    /// `faults` may be null: the first one is thrown then.
-    ModelFileParts(const JsonFile& file, const FaultSink* faults)
+    /// `faults` may be null: the first one is thrown then. `pointer` tells which value is being read.
+    ModelFileParts(const JsonFile& file, const FaultSink* faults, std::function<std::string()> pointer)
         : m_file(file),
           m_faults(faults),
+          m_pointer(std::move(pointer)),
           m_signals(file, RecordKind::signal),
           m_clients(file, RecordKind::client),
           m_parkedSignals(file, RecordKind::signal),
           m_parkedClients(file, RecordKind::client) {}
 
-    void setVersion(double version, const std::string& pointer);
-    void setName(std::u16string name) {
-        m_name = std::move(name);
-        m_nameLine = m_file.line();
-    }
-
-    void beginOrigin() { m_extras.origin.emplace(); }
-    Origin& origin() noexcept { return *m_extras.origin; }
-    /// A text of the origin or, for the keys of a gone block, of the last one.
-    std::string& originText(std::string_view key);
-
-    void checkOrigin(const std::string& pointer) const;
-
-    void beginBlock();
-    kestrel::Block& block() noexcept { return m_blocks.back().block; }
-    void setBlockText(std::string_view key, std::u16string text);
-    bool isLenient() const noexcept { return m_faults != nullptr; }
-    /// What is wrong with a block, a chart's items or a value.
-    void tell(const Error& fault) const;
-    /// A chart's items must be told apart by identifier, states by path and data by name.
-    void checkChart(const std::string& pointer) const;
-
-    RecordTable& records(RecordKind kind) noexcept { return kind == RecordKind::signal ? m_signals : m_clients; }
-
-    void beginParked() { m_extras.parked.emplace_back(); }
-    ParkedMark& parked() noexcept { return m_extras.parked.back(); }
-    /// Of the parked mark that is being read.
-    RecordTable& parkedRecords(RecordKind kind) noexcept {
-        return kind == RecordKind::signal ? m_parkedSignals : m_parkedClients;
-    }
-    void endParked();
+    /// An object or array begins or has ended; what it must hold is there then.
+    void begin(shapes::Place place);
+    void end(shapes::Place place);
+    /// The value of one of its keys, or one of its elements.
+    void setText(shapes::Place place, std::string_view key, std::u16string text);
+    void setNumber(shapes::Place place, double value);
+    void setFlag(bool value) { m_extras.origin->locals = value; }
+    /// Takes a record's field. A fault in it is told or thrown.
+    void setField(shapes::Place record, std::size_t field, HvArrayPtr value);
+    /// The table of the records of such a place.
+    RecordTable& records(shapes::Place record) noexcept;
 
     ModelFile finish();
 
@@ -65,10 +50,24 @@ private:
         std::size_t line = 0;
     };
 
+    kestrel::Block& block() noexcept { return m_blocks.back().block; }
+    void setBlockText(std::string_view key, std::u16string text);
+    void setParkedText(std::string_view key, std::u16string text);
+    std::string& originText(std::string_view key);
+    std::uint32_t ssidOf(double value) const;
+    void checkOrigin() const;
+    void checkChart() const;
+    void endParked();
     kestrel::Model buildModel();
+    [[noreturn]] void fail(const std::string& text) const { m_file.fail(m_pointer(), text); }
+    void tell(const Error& fault) const;
+    void tell(const std::string& text) const {
+        tell(Error({m_file.path(), m_file.line(), m_pointer()}, text, ErrorCode::format));
+    }
 
     const JsonFile& m_file;
     const FaultSink* m_faults;
+    std::function<std::string()> m_pointer;
     std::u16string m_name;
     std::size_t m_nameLine = 0;
     std::vector<PlacedBlock> m_blocks;

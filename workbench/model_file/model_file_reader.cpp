@@ -1,8 +1,6 @@
 #include <fmt/format.h>
 
-#include <cmath>
 #include <cstdint>
-#include <limits>
 #include <utility>
 
 #include "host/messages.h"
@@ -25,7 +23,8 @@ using shapes::Rule;
 // Follows the document's structure and hands what it finds to the parts.
 class ModelFileReader final : public JsonSink {
 public:
-    ModelFileReader(const JsonFile& file, const FaultSink* faults) : m_file(file), m_parts(file, faults) {}
+    ModelFileReader(const JsonFile& file, const FaultSink* faults)
+        : m_file(file), m_parts(file, faults, [this] { return pointer(); }) {}
     ModelFile finish() { return m_parts.finish(); }
 
     void beginObject() override { begin(Kind::object, &JsonSink::beginObject); }
@@ -56,22 +55,7 @@ private:
     void end(void (JsonSink::*event)());
     void enter(Place place, bool isArray);
     void leave();
-    static bool isRecord(Place place) noexcept {
-        return place == Place::signal || place == Place::client || isParkedRecord(place);
-    }
-    static bool isParkedRecord(Place place) noexcept {
-        return place == Place::parkedSignal || place == Place::parkedClient;
-    }
-    RecordTable& records(Place place) noexcept {
-        const bool isSignal = place == Place::signal || place == Place::parkedSignal;
-        const RecordKind kind = isSignal ? RecordKind::signal : RecordKind::client;
-        return isParkedRecord(place) ? m_parts.parkedRecords(kind) : m_parts.records(kind);
-    }
     void recordKey(Frame& frame, std::string_view name);
-    void setText(std::u16string text);
-    void setParkedText(std::string_view key, std::u16string text);
-    void setNumber(double value);
-    std::uint32_t ssidOf(double value) const;
     template <class Event>
     void build(Event event);
     void deliverValue();
@@ -95,7 +79,7 @@ const Rule& ModelFileReader::expected() const noexcept {
     if (m_frames.empty()) return kTop;
     const Frame& frame = m_frames.back();
     if (frame.isArray) return shapes::elementOf(frame.place);
-    return isRecord(frame.place) ? kRecordField : shapes::keysOf(frame.place)[frame.position];
+    return shapes::isRecord(frame.place) ? kRecordField : shapes::keysOf(frame.place)[frame.position];
 }
 
 void ModelFileReader::begin(Kind kind, void (JsonSink::*event)()) {
@@ -116,37 +100,7 @@ void ModelFileReader::end(void (JsonSink::*event)()) {
 
 void ModelFileReader::enter(Place place, bool isArray) {
     m_frames.push_back(Frame{.place = place, .isArray = isArray});
-    switch (place) {
-        case Place::origin:
-            m_parts.beginOrigin();
-            break;
-        case Place::goneBlock:
-            m_parts.origin().gone.emplace_back();
-            break;
-        case Place::block:
-            m_parts.beginBlock();
-            break;
-        case Place::chart:
-            m_parts.block().chart.emplace();
-            break;
-        case Place::state:
-            m_parts.block().chart->states.emplace_back();
-            break;
-        case Place::datum:
-            m_parts.block().chart->data.emplace_back();
-            break;
-        case Place::signal:
-        case Place::client:
-        case Place::parkedSignal:
-        case Place::parkedClient:
-            records(place).begin();
-            break;
-        case Place::parkedMark:
-            m_parts.beginParked();
-            break;
-        default:
-            break;
-    }
+    m_parts.begin(place);
 }
 
 void ModelFileReader::leave() {
@@ -156,9 +110,7 @@ void ModelFileReader::leave() {
     for (std::size_t i = 0; !frame.isArray && i < rules.size(); ++i)
         if (rules[i].isRequired && (frame.keysSeen & (1U << i)) == 0)
             m_file.fail(pointer(), "the key " + inQuotes(rules[i].key) + " is missing; add it");
-    if (frame.place == Place::origin) m_parts.checkOrigin(pointer());
-    if (frame.place == Place::chart) m_parts.checkChart(pointer());
-    if (frame.place == Place::parkedMark) m_parts.endParked();
+    m_parts.end(frame.place);
     advance();
 }
 
@@ -166,7 +118,7 @@ void ModelFileReader::key(std::string_view name) {
     if (m_valueDepth > 0) return build([&] { m_value.key(name); });
     Frame& frame = m_frames.back();
     frame.key = name;
-    if (isRecord(frame.place)) return recordKey(frame, name);
+    if (shapes::isRecord(frame.place)) return recordKey(frame, name);
     const auto rules = shapes::keysOf(frame.place);
     for (frame.position = 0; frame.position < rules.size(); ++frame.position)
         if (rules[frame.position].key == name) break;
@@ -177,7 +129,7 @@ void ModelFileReader::key(std::string_view name) {
 }
 
 void ModelFileReader::recordKey(Frame& frame, std::string_view name) {
-    RecordTable& table = records(frame.place);
+    RecordTable& table = m_parts.records(frame.place);
     const std::optional<std::size_t> number = fieldNumber(table.kind(), name);
     if (!number) m_file.fail(pointer(), "this key is unknown; remove it");
     frame.position = *number;
@@ -189,14 +141,14 @@ void ModelFileReader::string(std::string_view text) {
     if (inValue()) return build([&] { m_value.string(text); });
     if (expected().kind != Kind::text) failKind("the text " + inQuotes(text));
     if (text.find('\0') != std::string_view::npos) m_file.fail(pointer(), "contains a NUL character; remove it");
-    setText(toUtf16(text));
+    m_parts.setText(m_frames.back().place, m_frames.back().key, toUtf16(text));
     advance();
 }
 
 void ModelFileReader::boolean(bool value) {
     if (inValue()) return build([&] { m_value.boolean(value); });
     if (expected().kind != Kind::boolean) failKind("true or false");
-    m_parts.origin().locals = value;
+    m_parts.setFlag(value);
 }
 
 void ModelFileReader::number(std::string_view text) {
@@ -208,64 +160,7 @@ void ModelFileReader::number(std::string_view text) {
     } catch (const Error& error) {
         m_file.fail(pointer(), error.what());
     }
-    setNumber(value);
-}
-
-void ModelFileReader::setText(std::u16string text) {
-    const Frame& frame = m_frames.back();
-    switch (frame.place) {
-        case Place::document:
-            return m_parts.setName(std::move(text));
-        case Place::parkedMark:
-            setParkedText(frame.key, std::move(text));
-            break;
-        case Place::outputs:
-            m_parts.block().outputs.push_back(std::move(text));
-            break;
-        case Place::state:
-            m_parts.block().chart->states.back().path = std::move(text);
-            break;
-        case Place::datum:
-            m_parts.block().chart->data.back().name = std::move(text);
-            break;
-        case Place::origin:
-        case Place::goneBlock:
-            m_parts.originText(frame.key) = toUtf8(text);
-            break;
-        default:
-            m_parts.setBlockText(frame.key, std::move(text));
-    }
-}
-
-void ModelFileReader::setParkedText(std::string_view key, std::u16string text) {
-    ParkedMark& mark = m_parts.parked();
-    if (key == "from") {
-        mark.from = std::move(text);
-        return;
-    }
-    const std::optional<LostWith> lost = lostWithOf(toUtf8(text));
-    if (!lost) m_file.fail(pointer(), inQuotes(text) + " appears where block, port or item is expected; correct it");
-    mark.lost = *lost;
-}
-
-void ModelFileReader::setNumber(double value) {
-    switch (m_frames.back().place) {
-        case Place::state:
-            m_parts.block().chart->states.back().ssid = ssidOf(value);
-            break;
-        case Place::datum:
-            m_parts.block().chart->data.back().ssid = ssidOf(value);
-            break;
-        default:
-            m_parts.setVersion(value, pointer());
-    }
-}
-
-std::uint32_t ModelFileReader::ssidOf(double value) const {
-    constexpr double kMost = std::numeric_limits<std::uint32_t>::max();
-    if (!(value >= 1.0) || value > kMost || value != std::floor(value))
-        m_file.fail(pointer(), "an SSID is a whole number from 1 on (0 is the chart itself)");
-    return static_cast<std::uint32_t>(value);
+    m_parts.setNumber(m_frames.back().place, value);
 }
 
 template <class Event>
@@ -282,12 +177,7 @@ void ModelFileReader::build(Event event) {
 
 void ModelFileReader::deliverValue() {
     const Frame& frame = m_frames.back();
-    try {
-        records(frame.place).setField(frame.position, m_value.take());
-    } catch (const Error& fault) {
-        if (!m_parts.isLenient()) throw;
-        m_parts.tell(Error({m_file.path(), m_file.line(), pointer()}, fault.text(), ErrorCode::format));
-    }
+    m_parts.setField(frame.place, frame.position, m_value.take());
     advance();
 }
 

@@ -49,6 +49,12 @@ std::span<const Rule> keysOf(Place object) noexcept;
 /// What an array's elements are.
 const Rule& elementOf(Place array) noexcept;
 
+/// Whether the object is a signal or a client, parked or not.
+constexpr bool isRecord(Place object) noexcept {
+    return object == Place::signal || object == Place::client || object == Place::parkedSignal ||
+           object == Place::parkedClient;
+}
+
 /// "a text", "an array", ...
 const char* describe(Kind kind) noexcept;
 

@@ -42,6 +42,7 @@ const char* nameOfClass(hvClassID classId) noexcept {
 
 std::string classNames() {
     std::vector<std::string_view> names;
+    names.reserve(kClassNames.size());
     for (const auto& [text, id] : kClassNames) names.push_back(text);
     return fmt::format("{}", fmt::join(names, ", "));
 }
