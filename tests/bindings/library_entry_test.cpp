@@ -77,6 +77,22 @@ TEST_F(LibraryEntry, isLoadedUsedAndUnloadedAHundredTimesAloneAndBesideANeighbou
     }
 }
 
+// As a host written in C does, which cannot release the object system first.
+TEST_F(LibraryEntry, isClosedAndLoadedAgainWhileItsClassesAreRegistered) {
+    kestrel::installHostSide();
+    for (int i = 0; i < 3; ++i) {
+        void* const library = dlopen(KS_HMI_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(library, nullptr) << dlerror();
+        reinterpret_cast<void (*)()>(dlsym(library, "OXInitialize_ks_hmi_foundation"))();
+        reinterpret_cast<void (*)()>(dlsym(library, "OXTerminate_ks_hmi_foundation"))();
+        dlclose(library);
+        EXPECT_TRUE(canConstruct());
+    }
+    kestrel::releaseHostSide();
+    orvex::releaseObjectSystem();
+    EXPECT_EQ(dlopen(KS_HMI_LIBRARY_FILE, RTLD_NOW | RTLD_NOLOAD), nullptr) << "something of it stays";
+}
+
 TEST_F(LibraryEntry, aRegistrationWithoutMemoryIsNotTriedAgain) {
     if (KS_HMI_SANITIZED != 0) GTEST_SKIP() << "the checks' own allocator stays";
     for (const bool isBesideANeighbour : {false, true}) {

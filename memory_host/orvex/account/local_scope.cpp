@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/services.h"
-#include "memory_host/orvex/account/scope_errors.h"
+#include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
 
 namespace orvex {

@@ -3,7 +3,6 @@
 #include <string_view>
 
 #include "host/api.h"
-#include "host/hv_array.h"
 #include "memory_host/orvex/account/running_call.h"
 
 /// Running host calls and what becomes of values at their end.
@@ -26,12 +25,5 @@ public:
 private:
     RunningCall m_running;
 };
-
-/// Takes a value out of any scope; null, and a value in a container, are ignored. Constant time.
-void leaveScopes(hvArray* value) noexcept;
-/// The same for a value that the running call, if any, gives to somebody: keeping it beyond the call needs a scope.
-void handOut(hvArray* value) noexcept;
-/// Reports a use of the value, which was left in a local scope that has ended.
-void reportExpired(const hvArray* value) noexcept;
 
 }  // namespace orvex

@@ -13,7 +13,7 @@ OX_API extern int g_callDepth;
 }
 
 /// A call that runs while this lives.
-class RunningCall {
+class OX_API RunningCall {
 public:
     explicit RunningCall(std::string_view functionName);
     RunningCall(const RunningCall&) = delete;

@@ -1,4 +1,5 @@
 #include "memory_host/orvex/account/scope_errors.h"
+#include "memory_host/orvex/account/scope_of_value.h"
 
 namespace orvex {
 namespace {

@@ -14,7 +14,5 @@ namespace orvex {
 /// `clearScopeErrors`; at most 100.
 OX_API const std::vector<std::string>& scopeErrors() noexcept;
 OX_API void clearScopeErrors() noexcept;
-/// Lost when there is no memory for it.
-void reportScopeError(const std::string& text) noexcept;
 
 }  // namespace orvex

@@ -9,6 +9,7 @@
 #include "host/services.h"
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/account/local_scope.h"
+#include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/diagnostics.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/calls/function_table.h"

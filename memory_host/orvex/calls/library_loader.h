@@ -6,9 +6,9 @@
 
 namespace orvex {
 
-/// A library that is loaded into the host and initialised, as the environment does it. What the library
-/// handed over (classes, functions) is code of the library: release the object system
-/// (`releaseObjectSystem`) and every object of its classes before unloading.
+/// A library that is loaded into the host and initialised, as the environment does it. What it registered is code of
+/// the library, which therefore stays in memory until the object system is released (`releaseObjectSystem`), and its
+/// second initialisation before that does nothing. Objects of its classes must be gone by then.
 class OX_API LoadedLibrary {
 public:
     LoadedLibrary() noexcept = default;

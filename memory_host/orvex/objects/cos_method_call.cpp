@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "memory_host/orvex/account/scope_errors.h"
+#include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/objects/types.h"
 #include "memory_host/orvex/values/hv_array_impl.h"

@@ -1,8 +1,10 @@
 #include "memory_host/orvex/objects/cos_namespace.h"
 
+#include <typeinfo>
 #include <utility>
 
 #include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/objects/pinned_libraries.h"
 #include "memory_host/orvex/objects/script_class.h"
 
 namespace orvex {
@@ -48,6 +50,12 @@ std::string requireName(const std::unique_ptr<Info>& info, const char* what) {
     return name;
 }
 
+// What describes a class or namespace is code of the library that made it.
+template <class Info>
+void keepCodeOf(const Info& info) {
+    pinLibraryOf(&typeid(info));
+}
+
 }  // namespace
 
 Namespace::Namespace(std::unique_ptr<hos::COSNamespaceInfo> info, std::string fullName)
@@ -58,6 +66,7 @@ void Namespace::addInnerNamespace(std::unique_ptr<hos::COSNamespaceInfo> info) {
     const std::string innerName = m_fullName + "." + name;
     ensureContents();
     if (findIn(m_inner, name)) refuseExisting(*m_info, innerName);
+    keepCodeOf(*info);
     m_inner.push_back(std::make_unique<Namespace>(std::move(info), innerName));
 }
 
@@ -67,6 +76,7 @@ void Namespace::addClass(std::unique_ptr<hos::COSClassInfo> info, int, int) {
     for (const auto& existing : m_classes)
         if (existing->fullName() == className) refuseExisting(*m_info, className);
     if (findScriptClass(className)) refuseExisting(*m_info, className);
+    keepCodeOf(*info);
     m_classes.push_back(std::make_shared<NativeClass>(std::move(info), className));
 }
 
@@ -120,6 +130,7 @@ COSNamespace* COSNamespace::getNamespace(InternedName fullName) {
 void COSNamespace::addNamespace(std::unique_ptr<COSNamespaceInfo> info) {
     const std::string name = orvex::requireName(info, "namespace");
     if (orvex::findIn(orvex::topLevel(), name)) orvex::refuseExisting(*info, name);
+    orvex::keepCodeOf(*info);
     orvex::topLevel().push_back(std::make_unique<orvex::Namespace>(std::move(info), name));
 }
 

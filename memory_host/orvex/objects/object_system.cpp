@@ -6,6 +6,8 @@
 
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/objects/cos_namespace.h"
+#include "memory_host/orvex/objects/pinned_libraries.h"
+#include "memory_host/orvex/objects/script_class_table.h"
 
 namespace orvex {
 
@@ -43,6 +45,7 @@ void defineScriptClass(ScriptClass definition) {
 void releaseObjectSystem() {
     releaseNamespaces();
     releaseScriptClasses();
+    releaseLibraries();
 }
 
 }  // namespace orvex

@@ -8,14 +8,14 @@
 namespace orvex {
 
 /// Native or scripted.
-bool classExists(std::string_view fullName);
+OX_API bool classExists(std::string_view fullName);
 
 /// Makes the class known. Throws the host's exception when a class of that full name exists, native
 /// or scripted, and when the superclass does not.
 OX_API void defineScriptClass(ScriptClass definition);
 
-/// Drops all namespaces, classes and info objects. A library's info objects are code of the library, so
-/// a host that unloads one releases the object system first; afterwards it may be loaded anew.
+/// Drops all namespaces, classes and info objects, and the libraries that they came from: those stay loaded until then,
+/// also when whoever loaded them has closed them. Afterwards a library may be loaded and initialised anew.
 OX_API void releaseObjectSystem();
 
 }  // namespace orvex

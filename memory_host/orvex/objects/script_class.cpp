@@ -1,4 +1,5 @@
 #include "memory_host/orvex/objects/script_class.h"
+#include "memory_host/orvex/objects/script_class_table.h"
 
 #include <functional>
 #include <unordered_map>

@@ -45,9 +45,5 @@ struct ScriptClass {
 
 /// The class with what it has from its superclasses, or null. Its objects keep it alive.
 OX_API std::shared_ptr<const ScriptClass> findScriptClass(std::string_view fullName) noexcept;
-/// Adds the class to those that `findScriptClass` knows, unless there is one of that name.
-void addScriptClass(ScriptClass definition);
-/// Forgets all script classes; they live on while objects of them do.
-OX_API void releaseScriptClasses() noexcept;
 
 }  // namespace orvex

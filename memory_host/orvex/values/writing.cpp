@@ -1,7 +1,7 @@
 #include <utility>
 
 #include "memory_host/orvex/account/faults.h"
-#include "memory_host/orvex/account/local_scope.h"
+#include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/values/field_names.h"
 #include "memory_host/orvex/values/hv_array_impl.h"

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "memory_host/orvex/objects/script_class.h"
+
+namespace orvex {
+
+/// Adds the class to those that `findScriptClass` knows, unless there is one of that name.
+void addScriptClass(ScriptClass definition);
+/// Forgets all script classes; they live on while objects of them do.
+void releaseScriptClasses() noexcept;
+
+}  // namespace orvex
