@@ -2,13 +2,16 @@
 
 #include "foundation/export.h"
 
-/// The library's entry points, called by the host from its main thread.
+/// The library's entry points, called by the host from its main thread. The first two are plain C.
+#ifdef __cplusplus
 extern "C" {
+#endif
 /// Registers the library's host classes under "Kestrel.HMI"; the first call only, also when that one failed.
-/// Errors of the object system propagate.
-KS_HMI_EXPORT void OXInitialize_ks_hmi_foundation();
+/// Errors of the object system propagate as C++ exceptions.
+KS_HMI_EXPORT void OXInitialize_ks_hmi_foundation(void);
 /// Does nothing: what was registered belongs to the host.
-KS_HMI_EXPORT void OXTerminate_ks_hmi_foundation();
+KS_HMI_EXPORT void OXTerminate_ks_hmi_foundation(void);
+#ifdef __cplusplus
 }
 
 namespace ks_hmi::testAPI {
@@ -18,3 +21,4 @@ namespace ks_hmi::testAPI {
 KS_HMI_EXPORT void addStreamingClientHOSNamespace();
 
 }  // namespace ks_hmi::testAPI
+#endif

@@ -1,5 +1,10 @@
-# What is installed, in three components: ks_hmi_foundation (library, headers, packages for CMake and
-# pkg-config), memory_host (the in-memory host) and tool (kshmi, its manual, completions and examples).
+# What is installed, in components; what each needs beside itself is said in docs/installing.md, in the packages made
+# of them (KsHmiPackages), and checked by the package that CMake finds:
+#   ks_hmi_foundation       the library, for those who run it
+#   ks_hmi_foundation_dev   its headers, and packages for CMake and pkg-config
+#   memory_host             the in-memory host, for those who run it
+#   memory_host_dev         its headers and packages
+#   tool                    kshmi, its manual, completions and examples
 
 include(CMakePackageConfigHelpers)
 set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
@@ -16,42 +21,46 @@ function(ks_hmi_install_headers list component)
   endforeach()
 endfunction()
 
-function(ks_hmi_install_library)
-  install(TARGETS host EXPORT ks_hmi_host)
-  install(EXPORT ks_hmi_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
-    FILE host-targets.cmake COMPONENT ks_hmi_foundation)
-  install(TARGETS ks_hmi_foundation EXPORT ks_hmi_foundation
-    LIBRARY COMPONENT ks_hmi_foundation)
-  install(EXPORT ks_hmi_foundation NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
-    FILE ks_hmi_foundation-targets.cmake COMPONENT ks_hmi_foundation)
-  ks_hmi_ship_target(ks_hmi_foundation "$ORIGIN")
+# A shared library, its link for development, and its targets file. `export` names the export set.
+function(ks_hmi_install_shared target export component)
+  install(TARGETS ${target} EXPORT ${export}
+    LIBRARY COMPONENT ${component} NAMELINK_COMPONENT ${component}_dev)
+  install(EXPORT ${export} NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
+    FILE ${component}-targets.cmake COMPONENT ${component}_dev)
+  ks_hmi_ship_target(${target} "$ORIGIN")
+endfunction()
 
-  ks_hmi_install_headers(exported_headers.txt ks_hmi_foundation)
+function(ks_hmi_install_library)
+  ks_hmi_check_platform_can_be_found()
+  install(TARGETS ks_hmi_host EXPORT ks_hmi_host)
+  install(EXPORT ks_hmi_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
+    FILE host-targets.cmake COMPONENT ks_hmi_foundation_dev)
+  ks_hmi_install_shared(ks_hmi_foundation ks_hmi_foundation ks_hmi_foundation)
+  ks_hmi_install_headers(exported_headers.txt ks_hmi_foundation_dev)
 
   configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/ks_hmi_foundation-config.cmake.in"
-    "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config.cmake" INSTALL_DESTINATION ${KS_HMI_PACKAGE_DIR})
+    "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config.cmake" INSTALL_DESTINATION ${KS_HMI_PACKAGE_DIR}
+    PATH_VARS CMAKE_INSTALL_LIBDIR CMAKE_INSTALL_BINDIR)
   write_basic_package_version_file("${PROJECT_BINARY_DIR}/ks_hmi_foundation-config-version.cmake"
     COMPATIBILITY SameMinorVersion)
   install(FILES "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config.cmake"
     "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config-version.cmake"
-    DESTINATION ${KS_HMI_PACKAGE_DIR} COMPONENT ks_hmi_foundation)
-  ks_hmi_install_pkg_config(ks_hmi_foundation ks_hmi_foundation)
+    DESTINATION ${KS_HMI_PACKAGE_DIR} COMPONENT ks_hmi_foundation_dev)
+  ks_hmi_install_pkg_config(ks_hmi_foundation ks_hmi_foundation_dev)
 endfunction()
 
 function(ks_hmi_install_memory_host)
-  install(TARGETS memory_host EXPORT ks_hmi_memory_host
-    LIBRARY COMPONENT memory_host)
-  install(EXPORT ks_hmi_memory_host NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
-    FILE memory_host-targets.cmake COMPONENT memory_host)
-  ks_hmi_ship_target(memory_host "$ORIGIN")
-  ks_hmi_install_headers(memory_host_headers.txt memory_host)
-  ks_hmi_install_pkg_config(ks_hmi_memory_host memory_host)
+  ks_hmi_install_shared(memory_host ks_hmi_memory_host memory_host)
+  ks_hmi_install_headers(memory_host_headers.txt memory_host_dev)
+  ks_hmi_install_pkg_config(ks_hmi_memory_host memory_host_dev)
 endfunction()
 
 function(ks_hmi_install_tool)
   file(RELATIVE_PATH to_libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
   ks_hmi_ship_target(kshmi "$ORIGIN/${to_libraries}")
-  install(TARGETS kshmi COMPONENT tool)
+  install(TARGETS kshmi EXPORT ks_hmi_tool COMPONENT tool)
+  install(EXPORT ks_hmi_tool NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
+    FILE tool-targets.cmake COMPONENT tool)
   install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation/examples"
     COMPONENT tool FILES_MATCHING PATTERN "*.json")
   if(TARGET kshmi_told)
@@ -61,19 +70,33 @@ function(ks_hmi_install_tool)
       RENAME kshmi COMPONENT tool)
     install(FILES "${told}/_kshmi" DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT tool)
   endif()
+  # The loader's own message does not say which component to install.
+  set(libraries "${CMAKE_INSTALL_LIBDIR}")
+  install(CODE "
+    foreach(library IN ITEMS $<TARGET_SONAME_FILE_NAME:ks_hmi_foundation> $<TARGET_SONAME_FILE_NAME:memory_host>)
+      if(CMAKE_INSTALL_COMPONENT STREQUAL \"tool\" AND NOT CPACK_PACKAGE_NAME AND
+         NOT EXISTS \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${libraries}/\${library}\")
+        message(STATUS \"kshmi needs \${library} in ${libraries}: install the components ks_hmi_foundation and memory_host, too\")
+      endif()
+    endforeach()" COMPONENT tool)
 endfunction()
 
 # The installed directories are written relative to the file itself, so that a prefix given to
 # `cmake --install` holds.
 function(ks_hmi_install_pkg_config name component)
   file(RELATIVE_PATH KS_HMI_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+  set(KS_HMI_PC_REQUIRES "")
+  if(KS_HMI_HAS_MEMORY_HOST)
+    set(KS_HMI_PC_REQUIRES "ks_hmi_memory_host = ${PROJECT_VERSION}")
+  endif()
+  set(KS_HMI_SONAME "libks_hmi_foundation.so.${KS_HMI_INTERFACE_VERSION}")
   configure_file("${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
     COMPONENT ${component})
 endfunction()
 
 ks_hmi_install_library()
-if(TARGET memory_host)
+if(KS_HMI_HAS_MEMORY_HOST)
   ks_hmi_install_memory_host()
 endif()
 if(TARGET kshmi)

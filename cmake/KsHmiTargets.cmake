@@ -42,21 +42,22 @@ endfunction()
 # The rooms that make up libks_hmi_foundation.so; each lists its own sources.
 function(ks_hmi_add_foundation_library)
   add_library(ks_hmi_foundation SHARED)
+  add_library(ks_hmi_foundation::ks_hmi_foundation ALIAS ks_hmi_foundation)
   foreach(room IN ITEMS foundation signals observers streamout bindings)
     add_subdirectory(${room})
   endforeach()
   target_include_directories(ks_hmi_foundation PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation>)
-  target_link_libraries(ks_hmi_foundation PUBLIC host Boost::headers PRIVATE ${KS_HMI_PLATFORM_TARGET})
-  if(NOT KS_HMI_SANITIZE)  # the checks' own entry points are found in the program, at run time
+  target_link_libraries(ks_hmi_foundation PUBLIC ks_hmi_host Boost::headers PRIVATE ${KS_HMI_PLATFORM_LIBRARY})
+  if(KS_HMI_PLATFORM_LIBRARY AND NOT KS_HMI_SANITIZE)  # the checks' own entry points are found in the program, at run time
     target_link_options(ks_hmi_foundation PRIVATE -Wl,--no-undefined)
   endif()
   set(exports "${PROJECT_BINARY_DIR}/ks_hmi_foundation.map")
   ks_hmi_write_version_script("${PROJECT_SOURCE_DIR}/cmake/exported_symbols.txt"
-    KS_HMI_${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR} "${exports}")
+    KS_HMI_${KS_HMI_INTERFACE_VERSION} "${exports}")
   target_link_options(ks_hmi_foundation PRIVATE "-Wl,--version-script=${exports}")
   set_property(TARGET ks_hmi_foundation APPEND PROPERTY LINK_DEPENDS "${exports}")
-  set_target_properties(ks_hmi_foundation PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  set_target_properties(ks_hmi_foundation PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${KS_HMI_INTERFACE_VERSION})
   ks_hmi_configure_target(ks_hmi_foundation)
 endfunction()

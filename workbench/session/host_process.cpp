@@ -6,6 +6,7 @@
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/orvex/account/ledger.h"
 #include "memory_host/orvex/account/scope_errors.h"
+#include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/calls/library_loader.h"
 #include "memory_host/orvex/calls/warnings.h"
 #include "memory_host/orvex/objects/object_system.h"
@@ -32,7 +33,13 @@ std::string whatIsAmiss() {
 
 }  // namespace
 
+const char* const kLibrary = KS_HMI_LIBRARY_NAME;
+
 void enterHost(WarningSink warnings) {
+    if (library() && !library()->isLoaded())
+        orvex::raise("HostLeft",
+                     "The host was left, and the library registers its classes once a process. Leave the "
+                     "host at the end only, or start another process.");
     orvex::setWarningSink([warnings = std::move(warnings)](const orvex::Warning& warning) {
         if (warnings) warnings(printableMessage(warning.text));
     });
