@@ -18,7 +18,7 @@ bool recordsAreUsable() {
 }
 
 bool libraryLoadsIntoTheHost() {
-    orvex::LoadedLibrary library("libks_hmi_foundation.so.0");
+    orvex::LoadedLibrary library(KS_HMI_LIBRARY);
     const bool loaded = library.isLoaded() && library.symbol("OXTerminate_ks_hmi_foundation") != nullptr;
     orvex::releaseObjectSystem();
     return loaded;
