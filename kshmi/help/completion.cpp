@@ -91,10 +91,7 @@ void appendZshFunction(std::string& script, const CLI::App& app) {
     for (const CLI::App* const command : commands) appendZshFunction(script, *command);
 }
 
-}  // namespace
-
-std::string bashCompletion(const CLI::App& app) {
-    std::string script = R"(# bash completion for kshmi; written by "kshmi completion bash"
+constexpr const char* kBashScript = R"(# bash completion for kshmi; written by "kshmi completion bash"
 _kshmi() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command=kshmi
     local words commands values word
@@ -120,6 +117,11 @@ _kshmi() {
 _kshmi_of() {
     case $1 in
 )";
+
+}  // namespace
+
+std::string bashCompletion(const CLI::App& app) {
+    std::string script = kBashScript;
     appendBashCases(script, app);
     script += "    esac\n}\n_kshmi_values() {\n    values=\n    case $1 in\n";
     appendBashValues(script, app);

@@ -29,16 +29,12 @@ public:
     }
 
     void run() {
-        for (std::size_t i = 0; i < m_checks.count(); ++i) {
-            SignalClient client;
-            const auto read = [&] { client.setFromPersistentData(m_checks.records(), i); };
-            if (!m_checks.isFaulty(i) && m_checks.isRead(i, read)) check(client, i);
-        }
+        m_checks.each<SignalClient>(
+            [this](const SignalClient& client, std::size_t position) { check(client, position); });
     }
 
 private:
     void check(const SignalClient& client, std::size_t position);
-    void checkUuid(const SignalClient& client, std::size_t position);
     void checkSignal(const SignalClient& client, std::size_t position);
     void checkParameters(const SignalClient& client, std::size_t position);
     void add(FindingCode code, const SignalClient& client, std::size_t position, const std::string& field,
@@ -52,7 +48,7 @@ private:
 };
 
 void ClientChecks::check(const SignalClient& client, std::size_t position) {
-    checkUuid(client, position);
+    m_checks.checkUuid(client.m_uuid, position);
     checkSignal(client, position);
     if (client.isDeprecatedObserver())
         add(FindingCode::clientDeprecated, client, position, "ObserverType_",
@@ -62,15 +58,6 @@ void ClientChecks::check(const SignalClient& client, std::size_t position) {
         add(FindingCode::clientWithoutEid, client, position, "ModelPathEID_",
             "the model path has no element identifier, and is lost when the block moves");
     checkParameters(client, position);
-}
-
-void ClientChecks::checkUuid(const SignalClient& client, std::size_t position) {
-    if (client.m_uuid.empty())
-        return add(FindingCode::clientUuidMissing, client, position, "UUID", "the client has no UUID");
-    const std::size_t first = m_checks.firstWith(client.m_uuid, position);
-    if (first != position)
-        add(FindingCode::clientUuidTaken, client, position, "UUID",
-            fmt::format("client {} has the UUID {} already", first + 1, inQuotes(std::string_view(client.m_uuid))));
 }
 
 void ClientChecks::checkSignal(const SignalClient& client, std::size_t position) {

@@ -72,17 +72,13 @@ public:
     }
 
     void run() {
-        for (std::size_t i = 0; i < m_checks.count(); ++i) {
-            SignalSpecification signal;
-            const auto read = [&] { signal.setFromPersistentData(m_checks.records(), i); };
-            if (!m_checks.isFaulty(i) && m_checks.isRead(i, read)) check(signal, i);
-        }
+        m_checks.each<SignalSpecification>(
+            [this](const SignalSpecification& signal, std::size_t position) { check(signal, position); });
         tellUnconfirmed();
     }
 
 private:
     void check(const SignalSpecification& signal, std::size_t position);
-    void checkUuid(const SignalSpecification& signal, std::size_t position);
     // Whether the name says where the signal has gone.
     bool checkName(const SignalSpecification& signal, std::size_t position);
     void checkParameters(const SignalSpecification& signal, std::size_t position);
@@ -104,7 +100,7 @@ private:
 };
 
 void MarkChecks::check(const SignalSpecification& signal, std::size_t position) {
-    checkUuid(signal, position);
+    if (Finding* const finding = m_checks.checkUuid(signal.m_uuid, position)) finding->subject = subjectOf(signal);
     const std::optional<SignalFault> fault = sourceFault(signal, m_model);
     const bool isFollowed = (!fault || fault->isDangling) && checkName(signal, position);
     const bool isTold =
@@ -115,15 +111,6 @@ void MarkChecks::check(const SignalSpecification& signal, std::size_t position) 
         add(FindingCode::signalWithoutEid, signal, position, "EID_",
             "the signal has no element identifier, and is lost when its block moves");
     if (!fault) checkPlace(signal, position);
-}
-
-void MarkChecks::checkUuid(const SignalSpecification& signal, std::size_t position) {
-    if (signal.m_uuid.empty())
-        return add(FindingCode::signalUuidMissing, signal, position, "UUID", "the signal has no UUID");
-    const std::size_t first = m_checks.firstWith(signal.m_uuid, position);
-    if (first != position)
-        add(FindingCode::signalUuidTaken, signal, position, "UUID",
-            fmt::format("signal {} has the UUID {} already", first + 1, inQuotes(std::string_view(signal.m_uuid))));
 }
 
 bool MarkChecks::checkName(const SignalSpecification& signal, std::size_t position) {

@@ -31,7 +31,7 @@ RecordChecks::RecordChecks(CheckedFile& checked, RecordKind kind)
 
 bool RecordChecks::isFaulty(std::size_t position) const {
     if (m_faulty.empty()) return false;
-    return m_faulty.contains(fmt::format("/{}/{}", m_kind == RecordKind::signal ? "signals" : "clients", position));
+    return m_faulty.contains(fmt::format("/{}s/{}", kindName(), position));
 }
 
 Finding& RecordChecks::add(FindingCode code, std::size_t position, const std::string& field, std::string text) {
@@ -53,8 +53,17 @@ Finding& RecordChecks::add(FindingCode code, std::size_t position, const std::st
     return finding;
 }
 
-std::size_t RecordChecks::firstWith(const std::string& uuid, std::size_t position) {
-    return m_uuids.try_emplace(uuid, position).first->second;
+Finding* RecordChecks::checkUuid(const std::string& uuid, std::size_t position) {
+    using enum FindingCode;
+    const bool isSignal = m_kind == RecordKind::signal;
+    if (uuid.empty())
+        return &add(isSignal ? signalUuidMissing : clientUuidMissing, position, "UUID",
+                    fmt::format("the {} has no UUID", kindName()));
+    const std::size_t first = m_uuids.try_emplace(uuid, position).first->second;
+    if (first == position) return nullptr;
+    return &add(isSignal ? signalUuidTaken : clientUuidTaken, position, "UUID",
+                fmt::format("{} {} has the UUID {} already", kindName(), first + 1, inQuotes(std::string_view(uuid))),
+                uuid, {});
 }
 
 bool RecordChecks::addRefusal(std::size_t position, const kssvIException& refusal) {
@@ -62,8 +71,7 @@ bool RecordChecks::addRefusal(std::size_t position, const kssvIException& refusa
     if (element == 0) return false;
     const bool isMissing = refusal.messageId().key() == "MissingField";
     add(isMissing ? FindingCode::missingField : FindingCode::value, position, field,
-        isMissing ? fmt::format("the {} has no field {}", m_kind == RecordKind::signal ? "signal" : "client",
-                                inQuotes(std::string_view(field)))
+        isMissing ? fmt::format("the {} has no field {}", kindName(), inQuotes(std::string_view(field)))
                   : std::string(refusal.what()));
     return true;
 }
