@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include "tests/kshmi/kshmi_test.h"
+#include "tests/support/json_schema.h"
 #include "workbench/files/atomic_file.h"
 #include "workbench/text/error.h"
 
@@ -13,6 +14,87 @@ namespace {
 using testing::kModel;
 using testing::replaced;
 
+// What is replaced in the model, and what is said of that.
+struct Refusal {
+    const char *what, *with, *message;
+};
+
+constexpr Refusal kNotJson[] = {
+    {"\"name\": \"m\",", "\"name\" \"m\",", ":3:10: not JSON"},
+    {"  ]\n}\n", "  ]\n", "ends too early"},
+    {"{\n  \"kes", "\xEF\xBB\xBF{\n  \"kes", ":1:1: not JSON: the file starts with a byte order mark"},
+    {"\"scope\"", R"("a\ud800b")", "half of a surrogate pair"},
+    {"\"scope\"", R"("a\udc00")", "half of a surrogate pair"},
+    {"\"scope\"", R"("a\ud800\n")", "half of a surrogate pair"},
+    {"\"scope\"", "\"a\xFF\"", ":27:24: not JSON: some bytes are not UTF-8"},
+    {"\"scope\"", "\"a\xC3(\"", "some bytes are not UTF-8"},
+    {"\"scope\"", "“scope”", "there is a non-ASCII character outside a string"},
+    {"  ]\n}\n", "  ]\n} 1", "follows the document"},
+};
+
+// What docs/model-file.schema.json tells, too.
+constexpr Refusal kMisshapen[] = {
+    {"\"kestrelModel\": 1", "\"kestrelModel\": 2", ":2: /kestrelModel: this program reads version 1"},
+    {"  \"name\": \"m\",\n", "", "the key \"name\" is missing"},
+    {"\"name\": \"m\"", "\"name\": \"m/n\"", ":3: /name: "},
+    {"\"name\": \"m\"", "\"name\": 5", "/name: the number 5 appears where a text is expected"},
+    {"\"path\": \"A/B:1\"", "\"path\": \"A//B\"", ":6: /blocks/1/path: \"A//B\" is not a block path"},
+    {"\"eid\": \"2\"", "\"eid\": \"\"", ":6: /blocks/1/eid: "},
+    {"\"eid\": \"2\", ", "", ":6: /blocks/1: the key \"eid\" is missing"},
+    {"\"eid\": \"2\"", "\"eid\": \"2\", \"color~/\": 3", "/blocks/1/color~0~1: this key is unknown"},
+    {"\"ssid\": 5", "\"ssid\": 0", "/blocks/3/chart/states/1/ssid: "},
+    {"[\"p\", \"q\"]", "[\"p\", true]", "/blocks/2/outputs/1: true or false appears where a text"},
+    {"\"SubPath_\": \"\"", "\"SubPath\": \"\"", "/signals/0/SubPath: this key is unknown"},
+    {"      \"MaxPoints_\": 100,\n", "", ":11: /signals/0/MaxPoints_: "},
+    {"\"MaxPoints_\": 100", "\"MaxPoints_\": [1]", ":21: /signals/0/MaxPoints_: "},
+    {"\"VisualType_\": \"scope\"", "\"VisualType_\": 3", ":27: /signals/0/VisualType_: the number 3 appears where"},
+    {"\"MaxPoints_\": 100", "\"MaxPoints_\": 2147483648", "number 2147483648 appears where a whole number from -"},
+    {"\"Decimation_\": 2", "\"Decimation_\": 0", "the number 0 appears where a whole number from 1"},
+    {"\"LogicalPortIndex_\": 0", "\"LogicalPortIndex_\": -4.9", ":17: /signals/0/LogicalPortIndex_: the number -4.9"},
+    {"\"OutputPortIndex_\": 1", "\"OutputPortIndex_\": 1.5", ":16: /signals/0/OutputPortIndex_: the number 1.5"},
+    {"\"IsFrameBased_\": 1", "\"IsFrameBased_\": 7", "the number 7 appears where true or false"},
+    {"\"DomainType_\": \"\"", "\"DomainType_\": \"cw\"", "/signals/0/DomainType_: the domain \"cw\" is not one of"},
+    {"\"DomainParams_\": {}", "\"DomainParams_\": {\"a\": 1}", "/signals/0/DomainParams_: struct 1x1"},
+    {"\"UUID\": \"u-2\"", "\"UUID\": \"\"", "/signals/1/UUID: the signal has no UUID"},
+    {"\"clients\": [\n", "\"clients\": [\n3,", "/clients/0: the number 3 appears where an object"},
+    {"\"SignalUUID_\": \"u-9\"", "\"SignalUuid\": \"u-9\"", ":67: /clients/1/SignalUuid: this key is unknown"},
+    {"      \"SignalUUID_\": \"u-9\",\n", "", ":62: /clients/1/SignalUUID_: "},
+    {"\"UUID\": \"c-2\"", "\"UUID\": \"\"", ":63: /clients/1/UUID: the client has no UUID"},
+    {"[\"A\"]", "[3]", ":51: /clients/0/ModelPath_: cell 1x1 appears where an array of texts"},
+    {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1.5", "/clients/0/UpdateRate_: the number 1.5 appears where a whole"},
+    {"\"UpdateRate_\": 1", "\"UpdateRate_\": 4294967296", "number from 0 to 4294967295"},
+    {"Part_\": true", "Part_\": \"on\"", "/clients/0/ObserveImaginaryPart_: char 1x2 appears where true or false"},
+};
+
+// What only reading the values and the model tells.
+constexpr Refusal kMeaningless[] = {
+    {"\"MaxPoints_\": 100", R"("MaxPoints_": {"$class": "double", "size": [1, 2], "data": [1, 2]})", "double 1x2"},
+    {"\"Decimation_\": 2", R"("Decimation_": {"$class": "double", "size": [1, 1], "data": ["NaN"]})", "number nan"},
+    {"\"VisualType_\": \"scope\"", R"("VisualType_": {"$class": "char", "size": [2, 1], "data": "ab"})", "char 2x1"},
+    {"\"SSID\": \"4\"", "\"SSID\": \"04\"", "/signals/1/DomainParams_: \"SSID\" is not a plain"},
+    {"\"name\": \"m\"", "\"name\": \"m\", \"name\": \"m\"", "/name: this key appears twice"},
+    {"\"eid\": \"2\"", "\"eid\": \"1\"",
+     ":6: /blocks/1/eid: Model \"m\" has a block with the element identifier \"1\" (path \"A\")"},
+    {"\"path\": \"A/B:1\"", "\"path\": \"A\"", ":6: /blocks/1/path: "},
+    {"\"path\": \"A/B:1\"", "\"path\": \"A\\u0000\"", "/blocks/1/path: contains a NUL"},
+    {"\"ssid\": 5", "\"ssid\": 4", "/blocks/3/chart: the SSID 4 appears twice"},
+    {"\"MaxPoints_\": 100", "\"MaxPoints_\": 1e999", ":21: /signals/0/MaxPoints_: the number 1e999"},
+    {"\"SubPath_\": \"\"", "\"SubPath_\": \"x\"", "/signals/0/SubPath_: the sub-path \"x\" is for chart items"},
+    {"\"Activity\": \"Self\"", "\"Activity\": \"Data\"", "is not one of the item's: Self, Child, Leaf"},
+    {"\"EID_\": \"1\"", "\"EID_\": \"9\"", ":14: /signals/0/EID_: the model has no block"},
+    {"\"EID_\": \"1\"", "\"EID_\": \"9\"", "/model.json --dangling\""},
+    {"\"BlockPath_\": \"A\",\n      \"EID_\": \"1\"", "\"BlockPath_\": \"Z\",\n      \"EID_\": \"\"",
+     "/signals/0/BlockPath_: "},
+    {"\"OutputPortIndex_\": 1", "\"OutputPortIndex_\": 3", "/signals/0/OutputPortIndex_: the block \"A\" has no"},
+    {"\"UUID\": \"u-2\"", "\"UUID\": \"u-1\"", ":30: /signals/1/UUID: another signal"},
+    {"\"SSID\": \"4\"", "\"SSID\": \"6\"", "/signals/1/DomainParams_: the chart \"Logic\" has no item"},
+    {"\"Activity\": \"Self\"", "\"Activity\": \"Idle\"", "/signals/1/DomainParams_: the activity \"Idle\""},
+    {"[\"NaN\", 1]", "[\"NaN\"]", "/clients/0/ObserverParams_/range: \"data\" has 1 element"},
+    {"\"UUID\": \"c-2\"", "\"UUID\": \"c-1\"", ":63: /clients/1/UUID: another client has"},
+    {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1, \"UpdateRate_\": 2", "/clients/0/UpdateRate_: this key appears twice"},
+    {"\"bus.leaf\"", "\"bus\\u0000leaf\"", "/clients/0/BusLeafPath_: char 1x8 appears where a text without NUL"},
+};
+
 class ModelFiles : public testing::KshmiTest {
 protected:
     // Whether the text, saved without a change that would show in it, gives the model in its canonical form.
@@ -21,6 +103,26 @@ protected:
         EXPECT_EQ(runOn("mark A:valid --exclude-from-save").code, 0);
         EXPECT_EQ(read(), kModel);
     }
+    // The model with that change.
+    std::string expectRefused(const Refusal& refusal) const {
+        const std::string text = replaced(kModel, refusal.what, refusal.with);
+        write(text);
+        const testing::Finished finished = runOn("mark A:2");
+        EXPECT_EQ(finished.code, kBadFile) << refusal.with;
+        expectParts(finished.err, {refusal.message, "kshmi: " + path() + ":"});
+        EXPECT_EQ(read(), text);
+        return text;
+    }
+    static std::string textOf(const std::string& file) {
+        std::ifstream in(KSHMI_SOURCE_DIR "/" + file, std::ios::binary);
+        EXPECT_TRUE(in) << file;
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    void expectValid(const std::string& text) const {
+        EXPECT_EQ(m_schema.faultsOf(text), std::vector<std::string>()) << text;
+    }
+
+    const ks_test::JsonSchema m_schema{textOf("docs/model-file.schema.json")};
 };
 
 TEST_F(ModelFiles, savingWhatWasLoadedGivesTheSameBytes) { expectSavedAsTheModel(kModel); }
@@ -54,86 +156,25 @@ TEST_F(ModelFiles, aClientWithoutAModelPathLosesItsSourceModel) {
 }
 
 TEST_F(ModelFiles, whatDoesNotFitIsRefusedWithItsPlaceAndChangesNothing) {
-    struct Refusal {
-        const char *what, *with, *message;
-    };
-    const Refusal refusals[] = {
-        {"\"name\": \"m\",", "\"name\" \"m\",", ":3:10: not JSON"},
-        {"  ]\n}\n", "  ]\n", "ends too early"},
-        {"{\n  \"kes", "\xEF\xBB\xBF{\n  \"kes", ":1:1: not JSON: the file starts with a byte order mark"},
-        {"\"scope\"", R"("a\ud800b")", "half of a surrogate pair"},
-        {"\"scope\"", R"("a\udc00")", "half of a surrogate pair"},
-        {"\"scope\"", R"("a\ud800\n")", "half of a surrogate pair"},
-        {"\"scope\"", "\"a\xFF\"", ":27:24: not JSON: some bytes are not UTF-8"},
-        {"\"scope\"", "\"a\xC3(\"", "some bytes are not UTF-8"},
-        {"\"scope\"", "“scope”", "there is a non-ASCII character outside a string"},
-        {"  ]\n}\n", "  ]\n} 1", "follows the document"},
-        {"\"kestrelModel\": 1", "\"kestrelModel\": 2", ":2: /kestrelModel: this program reads version 1"},
-        {"  \"name\": \"m\",\n", "", "the key \"name\" is missing"},
-        {"\"name\": \"m\"", "\"name\": \"m/n\"", ":3: /name: "},
-        {"\"name\": \"m\"", "\"name\": 5", "/name: the number 5 appears where a text is expected"},
-        {"\"name\": \"m\"", "\"name\": \"m\", \"name\": \"m\"", "/name: this key appears twice"},
-        {"\"eid\": \"2\"", "\"eid\": \"1\"",
-         ":6: /blocks/1/eid: Model \"m\" has a block with the element identifier \"1\" (path \"A\")"},
-        {"\"path\": \"A/B:1\"", "\"path\": \"A//B\"", ":6: /blocks/1/path: \"A//B\" is not a block path"},
-        {"\"eid\": \"2\"", "\"eid\": \"\"", ":6: /blocks/1/eid: "},
-        {"\"path\": \"A/B:1\"", "\"path\": \"A\"", ":6: /blocks/1/path: "},
-        {"\"path\": \"A/B:1\"", "\"path\": \"A\\u0000\"", "/blocks/1/path: contains a NUL"},
-        {"\"eid\": \"2\", ", "", ":6: /blocks/1: the key \"eid\" is missing"},
-        {"\"eid\": \"2\"", "\"eid\": \"2\", \"color~/\": 3", "/blocks/1/color~0~1: this key is unknown"},
-        {"\"ssid\": 5", "\"ssid\": 4", "/blocks/3/chart: the SSID 4 appears twice"},
-        {"\"ssid\": 5", "\"ssid\": 0", "/blocks/3/chart/states/1/ssid: "},
-        {"[\"p\", \"q\"]", "[\"p\", true]", "/blocks/2/outputs/1: true or false appears where a text"},
-        {"\"SubPath_\": \"\"", "\"SubPath\": \"\"", "/signals/0/SubPath: this key is unknown"},
-        {"      \"MaxPoints_\": 100,\n", "", ":11: /signals/0/MaxPoints_: "},
-        {"\"MaxPoints_\": 100", "\"MaxPoints_\": [1]", ":21: /signals/0/MaxPoints_: "},
-        {"\"MaxPoints_\": 100", "\"MaxPoints_\": 1e999", ":21: /signals/0/MaxPoints_: the number 1e999"},
-        {"\"VisualType_\": \"scope\"", "\"VisualType_\": 3", ":27: /signals/0/VisualType_: the number 3 appears where"},
-        {"\"MaxPoints_\": 100", "\"MaxPoints_\": 2147483648", "number 2147483648 appears where a whole number from -"},
-        {"\"MaxPoints_\": 100", R"("MaxPoints_": {"$class": "double", "size": [1, 2], "data": [1, 2]})", "double 1x2"},
-        {"\"Decimation_\": 2", "\"Decimation_\": 0", "the number 0 appears where a whole number from 1"},
-        {"\"Decimation_\": 2", R"("Decimation_": {"$class": "double", "size": [1, 1], "data": ["NaN"]})", "number nan"},
-        {"\"LogicalPortIndex_\": 0", "\"LogicalPortIndex_\": -4.9",
-         ":17: /signals/0/LogicalPortIndex_: the number -4.9"},
-        {"\"OutputPortIndex_\": 1", "\"OutputPortIndex_\": 1.5", ":16: /signals/0/OutputPortIndex_: the number 1.5"},
-        {"\"IsFrameBased_\": 1", "\"IsFrameBased_\": 7", "the number 7 appears where true or false"},
-        {"\"VisualType_\": \"scope\"", R"("VisualType_": {"$class": "char", "size": [2, 1], "data": "ab"})",
-         "char 2x1"},
-        {"\"SubPath_\": \"\"", "\"SubPath_\": \"x\"", "/signals/0/SubPath_: the sub-path \"x\" is for chart items"},
-        {"\"DomainType_\": \"\"", "\"DomainType_\": \"cw\"", "/signals/0/DomainType_: the domain \"cw\" is not one of"},
-        {"\"DomainParams_\": {}", "\"DomainParams_\": {\"a\": 1}", "/signals/0/DomainParams_: struct 1x1"},
-        {"\"Activity\": \"Self\"", "\"Activity\": \"Data\"", "is not one of the item's: Self, Child, Leaf"},
-        {"\"EID_\": \"1\"", "\"EID_\": \"9\"", ":14: /signals/0/EID_: the model has no block"},
-        {"\"EID_\": \"1\"", "\"EID_\": \"9\"", "/model.json --dangling\""},
-        {"\"BlockPath_\": \"A\",\n      \"EID_\": \"1\"", "\"BlockPath_\": \"Z\",\n      \"EID_\": \"\"",
-         "/signals/0/BlockPath_: "},
-        {"\"OutputPortIndex_\": 1", "\"OutputPortIndex_\": 3", "/signals/0/OutputPortIndex_: the block \"A\" has no"},
-        {"\"UUID\": \"u-2\"", "\"UUID\": \"u-1\"", ":30: /signals/1/UUID: another signal"},
-        {"\"UUID\": \"u-2\"", "\"UUID\": \"\"", "/signals/1/UUID: the signal has no UUID"},
-        {"\"SSID\": \"4\"", "\"SSID\": \"6\"", "/signals/1/DomainParams_: the chart \"Logic\" has no item"},
-        {"\"SSID\": \"4\"", "\"SSID\": \"04\"", "/signals/1/DomainParams_: \"SSID\" is not a plain"},
-        {"\"Activity\": \"Self\"", "\"Activity\": \"Idle\"", "/signals/1/DomainParams_: the activity \"Idle\""},
-        {"\"clients\": [\n", "\"clients\": [\n3,", "/clients/0: the number 3 appears where an object"},
-        {"[\"NaN\", 1]", "[\"NaN\"]", "/clients/0/ObserverParams_/range: \"data\" has 1 element"},
-        {"\"SignalUUID_\": \"u-9\"", "\"SignalUuid\": \"u-9\"", ":67: /clients/1/SignalUuid: this key is unknown"},
-        {"      \"SignalUUID_\": \"u-9\",\n", "", ":62: /clients/1/SignalUUID_: "},
-        {"\"UUID\": \"c-2\"", "\"UUID\": \"c-1\"", ":63: /clients/1/UUID: another client has"},
-        {"\"UUID\": \"c-2\"", "\"UUID\": \"\"", ":63: /clients/1/UUID: the client has no UUID"},
-        {"[\"A\"]", "[3]", ":51: /clients/0/ModelPath_: cell 1x1 appears where an array of texts"},
-        {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1.5", "/clients/0/UpdateRate_: the number 1.5 appears where a whole"},
-        {"\"UpdateRate_\": 1", "\"UpdateRate_\": 4294967296", "number from 0 to 4294967295"},
-        {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1, \"UpdateRate_\": 2",
-         "/clients/0/UpdateRate_: this key appears twice"},
-        {"Part_\": true", "Part_\": \"on\"", "/clients/0/ObserveImaginaryPart_: char 1x2 appears where true or false"},
-        {"\"bus.leaf\"", "\"bus\\u0000leaf\"", "/clients/0/BusLeafPath_: char 1x8 appears where a text without NUL"},
-    };
-    for (const Refusal& refusal : refusals) {
-        const std::string text = replaced(kModel, refusal.what, refusal.with);
-        write(text);
-        const testing::Finished finished = runOn("mark A:2");
-        EXPECT_EQ(finished.code, kBadFile) << refusal.with;
-        expectParts(finished.err, {refusal.message, "kshmi: " + path() + ":"});
-        EXPECT_EQ(read(), text);
+    for (const Refusal& refusal : kNotJson) expectRefused(refusal);
+    for (const Refusal& refusal : kMisshapen)
+        EXPECT_FALSE(m_schema.faultsOf(expectRefused(refusal)).empty()) << refusal.with;
+    for (const Refusal& refusal : kMeaningless) expectRefused(refusal);
+}
+
+TEST_F(ModelFiles, fitTheSchema) {
+    expectValid(textOf("examples/cruise_control.kestrel.json"));
+    expectValid(textOf("examples/empty.kestrel.json"));
+    expectValid(R"({"kestrelModel": 1, "name": "m", "blocks": []})");
+    expectValid(replaced(kModel, "\"name\": \"m\",",
+                         R"("name": "m", "origin": {"kind": "fmu", "version": "2.0", "file": "e", "hash": "sha1:0",
+                            "locals": true, "gone": [{"source": "a", "eid": "9"}]},)"));
+    write(replaced(kModel, "\"OutputPortIndex_\": 1",
+                   R"("OutputPortIndex_": {"$class": "uint8", "size": [1, 1], "data": [1]})"));
+    for (const char* const line : {"mark A:2 Logic Logic/limit", "mark --all m/A/*",
+                                   "observe A:2 --type t --params [1]", "rename n", "move A B", "renumber B 2,1"}) {
+        EXPECT_EQ(runOn(line).code, kSuccess) << line;
+        expectValid(read());
     }
 }
 
