@@ -51,7 +51,7 @@ void describe(CLI::App& app, Run& run) {
     for (const auto add :
          {addTour,  addShow,       addMark, addSet,      addUnmark, addQuery, addObserve, addUnobserve, addClients,
           addPorts, addRename,     addMove, addRenumber, addImport, addDiff,  addMerge,   addCarry,     addExample,
-          addHelp,  addCompletion, addNew,  addBlock,    addPort,   addChart, addCheck,   addPrune})
+          addHelp,  addCompletion, addNew,  addBlock,    addPort,   addChart, addCheck,   addPrune,     addReport})
         add(app, run);
 }
 

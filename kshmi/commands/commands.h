@@ -31,6 +31,7 @@ void addMove(CLI::App& app, Run& run);
 void addRenumber(CLI::App& app, Run& run);
 void addCheck(CLI::App& app, Run& run);
 void addPrune(CLI::App& app, Run& run);
+void addReport(CLI::App& app, Run& run);
 void addImport(CLI::App& app, Run& run);
 void addDiff(CLI::App& app, Run& run);
 void addMerge(CLI::App& app, Run& run);

@@ -149,6 +149,8 @@ TEST_F(JsonOutput, ofEveryCommandFitsTheSchema) {
           "unit.xml");
     const json::value imported = json::parse(run({"import", path("unit.xml"), "-o", path("unit.json"), "--json"}).out);
     EXPECT_EQ(m_schema.faults(imported), std::vector<std::string>()) << serialize(imported);
+    const json::value report = json::parse(run({"report", path("unit.json"), "-o", path("page.html"), "--json"}).out);
+    EXPECT_EQ(m_schema.faults(report), std::vector<std::string>()) << serialize(report);
     EXPECT_FALSE(m_schema.faults(json::parse(R"({"kshmi": 1, "command": "query", "model": "m"})")).empty());
     EXPECT_FALSE(m_schema.faults(json::parse(R"({"kshmi": 2})")).empty());
 }

@@ -1,0 +1,130 @@
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "kshmi/print/findings.h"
+#include "kshmi/print/json_document.h"
+#include "report/page.h"
+#include "workbench/check/check_file.h"
+#include "workbench/files/atomic_file.h"
+#include "workbench/session/session.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+struct ReportArguments {
+    std::string file;
+    std::string target;
+    bool isJson = false;
+};
+
+// What a page is written over is a page, or the user has mistaken one name for another.
+void requirePage(const std::string& path) {
+    constexpr std::string_view kStart = "<!DOCTYPE html>";
+    std::ifstream file(path, std::ios::binary);
+    std::string start(kStart.size(), '\0');
+    file.read(start.data(), static_cast<std::streamsize>(start.size()));
+    start.resize(static_cast<std::size_t>(file.gcount()));
+    if (!start.empty() && start != kStart)
+        throw Error({path}, "is there already and is no page; give another name", ErrorCode::file);
+}
+
+// Hands the pieces of the page on and says how many bytes they were.
+std::size_t write(const ReportArguments& arguments, const report::Contents& contents, const Output& output) {
+    std::size_t size = 0;
+    if (arguments.target == kStandardStream) {
+        report::writePage(contents, [&](std::string_view piece) { output.out << piece, size += piece.size(); });
+        return size;
+    }
+    requirePage(arguments.target);
+    AtomicFile file(arguments.target);
+    report::writePage(contents, [&](std::string_view piece) { file.write(piece), size += piece.size(); });
+    file.commit();
+    warnOfSave(arguments.target, file.warnings(), output.err);
+    return size;
+}
+
+void tell(const ReportArguments& arguments, const report::Contents& contents, std::size_t size, const Output& output) {
+    const Session& session = contents.session;
+    FindingCounts findings;
+    findings.add(contents.checked);
+    output.out << fmt::format("{}: {}, {}, {}; {}; {} KB\n", printable(std::string_view(arguments.target)),
+                              counted(session.model().blocks().size(), "block"),
+                              counted(session.signals().getCount(), "signal"),
+                              counted(session.clients().getCount(), "client"), textOf(findings), (size + 999) / 1000);
+}
+
+void tellJson(const ReportArguments& arguments, const report::Contents& contents, std::size_t size,
+              const Output& output) {
+    const Session& session = contents.session;
+    const CheckedFile& checked = contents.checked;
+    JsonDocument document("report");
+    JsonObject& object = document.object();
+    object.text("file", arguments.target).text("model", session.model().name()).number("bytes", size);
+    object.number("blocks", session.model().blocks().size()).number("signals", session.signals().getCount());
+    object.number("clients", session.clients().getCount()).number("errors", checked.count(FindingLevel::error));
+    object.number("warnings", checked.count(FindingLevel::warning)).number("notes", checked.count(FindingLevel::note));
+    document.print(output.out);
+}
+
+// The page may be read where the file has another folder.
+std::string remedyOnPage(const Finding& finding) {
+    Finding here = finding;
+    here.place.file = std::filesystem::path(finding.place.file).filename().string();
+    return remedyOf(here);
+}
+
+// What cannot be read at all is refused; whatever else is wrong stands on the page.
+ModelFile contentsOf(CheckedFile& checked) {
+    if (!checked.contents) {
+        const Finding& finding = checked.findings.front();
+        throw Error(finding.place, finding.text, checked.isReadable() ? ErrorCode::format : ErrorCode::file);
+    }
+    ModelFile contents = std::move(*checked.contents);
+    checked.contents.reset();
+    return contents;
+}
+
+int runReport(const ReportArguments& arguments, const Output& output) {
+    if (arguments.isJson && arguments.target == kStandardStream)
+        throw Error("--json: standard output has the page already; give -o a file");
+    kshmi::enterHost(output.err);
+    CheckedFile checked = checkFile(arguments.file);
+    ModelFile file = contentsOf(checked);
+    const Session session(arguments.file, std::move(file), Session::Opening::anyhow);
+    const report::Contents contents{session, checked, remedyOnPage};
+    const std::size_t size = write(arguments, contents, output);
+    if (arguments.isJson)
+        tellJson(arguments, contents, size, output);
+    else if (arguments.target != kStandardStream)
+        tell(arguments, contents, size, output);
+    return kSuccess;
+}
+
+}  // namespace
+
+void addReport(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<ReportArguments>();
+    CLI::App* const command =
+        addCommand(app, "report", "Make one HTML page of a model: what is marked, who watches it, what is wrong",
+                   "  kshmi report cruise.json -o cruise.html\n"
+                   "  kshmi report cruise.json -o - > cruise.html",
+                   arguments->file);
+    command->add_option("-o,--output", arguments->target, "page to write; \"-\" is the standard output")
+        ->type_name("FILE")
+        ->required();
+    command->add_flag("--json", arguments->isJson, "print JSON");
+    runWith(*command, runReport, arguments, run);
+}
+
+}  // namespace kshmi

@@ -1,0 +1,65 @@
+#include "report/html.h"
+
+#include "workbench/text/columns.h"
+#include "workbench/text/text.h"
+
+namespace report {
+
+namespace {
+
+// In columns. What is longer says nothing more to a reader.
+constexpr std::size_t kLongestName = 240;
+
+std::string asReferences(std::string_view text) {
+    std::string html;
+    html.reserve(text.size());
+    for (const char c : text) {
+        switch (c) {
+            case '&':
+                html += "&amp;";
+                break;
+            case '<':
+                html += "&lt;";
+                break;
+            case '>':
+                html += "&gt;";
+                break;
+            case '"':
+                html += "&quot;";
+                break;
+            case '\'':
+                html += "&#39;";
+                break;
+            default:
+                html += c;
+        }
+    }
+    return html;
+}
+
+}  // namespace
+
+Name::Name(std::u16string_view utf16) : text(workbench::toUtf8(utf16)) {}
+
+std::string escaped(std::string_view text) { return asReferences(workbench::printable(text)); }
+std::string escaped(std::u16string_view text) { return asReferences(workbench::printable(text)); }
+
+std::string grouped(std::size_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t at = digits.size(); at > 3; at -= 3) digits.insert(at - 3, ",");
+    return digits;
+}
+
+std::string shown(const Name& name) {
+    const std::string text = workbench::shortened(workbench::printable(std::string_view(name.text)), kLongestName);
+    return "<bdi>" + asReferences(text) + "</bdi>";
+}
+
+std::string shown(const Message& message) { return asReferences(workbench::printableMessage(message.text)); }
+
+void Html::flush() {
+    if (m_sink) m_sink(m_text);
+    m_text.clear();
+}
+
+}  // namespace report
