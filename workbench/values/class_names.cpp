@@ -1,50 +1,34 @@
 #include "workbench/values/class_names.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
-#include <array>
-#include <utility>
+#include <algorithm>
+#include <iterator>
+#include <span>
+#include <string>
 #include <vector>
+
+#include "memory_host/orvex/values/element_type.h"
+#include "workbench/text/text.h"
 
 namespace workbench {
 
 namespace {
 
-constexpr std::array<std::pair<std::string_view, hvClassID>, 14> kClassNames{{{"double", hvDOUBLE_CLASS},
-                                                                              {"struct", hvSTRUCT_CLASS},
-                                                                              {"logical", hvLOGICAL_CLASS},
-                                                                              {"char", hvCHAR_CLASS},
-                                                                              {"cell", hvCELL_CLASS},
-                                                                              {"single", hvSINGLE_CLASS},
-                                                                              {"int8", hvINT8_CLASS},
-                                                                              {"uint8", hvUINT8_CLASS},
-                                                                              {"int16", hvINT16_CLASS},
-                                                                              {"uint16", hvUINT16_CLASS},
-                                                                              {"int32", hvINT32_CLASS},
-                                                                              {"uint32", hvUINT32_CLASS},
-                                                                              {"int64", hvINT64_CLASS},
-                                                                              {"uint64", hvUINT64_CLASS}}};
+// What has elements that a file can hold: all but values that are gone, and objects.
+constexpr std::span kNames = std::span(orvex::kClassNames).subspan<hvDOUBLE_CLASS, hvUINT64_CLASS>();
 
 }  // namespace
 
 hvClassID classOfName(std::string_view name) noexcept {
-    for (const auto& [text, classId] : kClassNames)
-        if (text == name) return classId;
-    return hvUNKNOWN_CLASS;
+    const auto found = std::find(kNames.begin(), kNames.end(), name);
+    return found == kNames.end() ? hvUNKNOWN_CLASS
+                                 : static_cast<hvClassID>(hvDOUBLE_CLASS + std::distance(kNames.begin(), found));
 }
 
 const char* nameOfClass(hvClassID classId) noexcept {
-    for (const auto& [text, id] : kClassNames)
-        if (id == classId) return text.data();
-    return "unknown";
+    const bool isKnown = classId >= hvDOUBLE_CLASS && classId <= hvUINT64_CLASS;
+    return isKnown ? orvex::kClassNames.at(classId).data() : "unknown";
 }
 
-std::string classNames() {
-    std::vector<std::string_view> names;
-    names.reserve(kClassNames.size());
-    for (const auto& [text, id] : kClassNames) names.push_back(text);
-    return fmt::format("{}", fmt::join(names, ", "));
-}
+std::string classNames() { return listed({kNames.begin(), kNames.end()}); }
 
 }  // namespace workbench

@@ -1,11 +1,18 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <string_view>
 #include <type_traits>
 
 #include "host/hv_array.h"
 
 namespace orvex {
+
+/// What the classes are called, by `hvClassID`; the first name is that of values that are gone.
+inline constexpr std::array<std::string_view, hvOBJECT_CLASS + 1> kClassNames{
+    "expired", "double", "struct", "logical", "char",   "cell",  "single", "int8",
+    "uint8",   "int16",  "uint16", "int32",   "uint32", "int64", "uint64", "object"};
 
 /// Calls `visit(std::type_identity<T>())`, where T is the type of the elements in arrays of that numeric class or in
 /// logical ones. Answers whether the class is one of those; else nothing is called.

@@ -1,15 +1,11 @@
-#include <array>
-
 #include "memory_host/orvex/objects/objects.h"
+#include "memory_host/orvex/values/element_type.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
 
 namespace orvex {
 namespace {
 
 constexpr std::uint32_t kFromFileBit = 0x10;
-
-constexpr std::array kClassNames{"expired", "double", "struct", "logical", "char",   "cell",  "single", "int8",
-                                 "uint8",   "int16",  "uint16", "int32",   "uint32", "int64", "uint64", "object"};
 
 const hos::COSObject* firstObject(const hvArray* value) noexcept {
     const Objects* objects = objectsOf(value);
@@ -47,7 +43,7 @@ std::uint32_t hvGetClassWord(const hvArray* value) noexcept {
 
 const char* hvGetClassName(const hvArray* value) noexcept {
     if (const hos::COSObject* object = orvex::firstObject(value)) return object->className().c_str();
-    return value ? orvex::kClassNames[value->m_class] : "unknown";
+    return value ? orvex::kClassNames[value->m_class].data() : "unknown";
 }
 
 std::size_t hvGetNumberOfDimensions(const hvArray* value) noexcept { return value ? value->m_dimensions.count() : 0; }
