@@ -7,7 +7,7 @@
 #include "signals/instrumented_signals.h"
 #include "signals/signal_specification.h"
 
-/// What an editor does with the library: keep a model's marks, ask about them, save and load them.
+// What an editor does with the library: keep a model's marks, ask about them, save and load them.
 
 namespace {
 

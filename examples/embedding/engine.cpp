@@ -8,14 +8,14 @@
 #include "signals/instrumented_signals.h"
 #include "signals/signal_specification.h"
 
-/// What an engine does with the library: give each of its ports an address, hand over the observed ones before a run
-/// and after each change, and ask about a port's address in every step.
+// What an engine does with the library: give each of its ports an address, hand over the observed ones before a run
+// and after each change, and ask about a port's address in every step.
 
-/// The engine's own output port. The library never looks inside.
+// The engine's own output port. The library never looks inside.
 struct ksPort {
     std::string block;
     double handle = 0.0;
-    int number = 0;  ///< 1-based
+    int number = 0;  // 1-based
     double value = 0.0;
 };
 

@@ -41,7 +41,7 @@ std::string someNames(const std::vector<std::string>& names) {
 
 std::string withNames(const std::string& text, const ImportNote& note) {
     const std::string names = someNames(note.names);
-    return names.empty() ? text : text + ": " + names;
+    return names.empty() ? text : fmt::format("{}: {}", text, names);
 }
 
 void warn(const ImportedModel& model, const Output& output) {

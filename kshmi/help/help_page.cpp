@@ -31,7 +31,7 @@ std::string valueWord(const CLI::Option& option) {
 
 std::string positionalWord(const CLI::Option& option) {
     const std::string name = option.get_name(true) + (option.get_items_expected_max() > 1 ? "..." : "");
-    return option.get_required() ? name : "[" + name + "]";
+    return option.get_required() ? name : fmt::format("[{}]", name);
 }
 
 HelpEntry entryOf(const CLI::Option& option) {
@@ -39,7 +39,7 @@ HelpEntry entryOf(const CLI::Option& option) {
     const std::string names = fmt::format("{}", fmt::join(namesOf(option), ", "));
     const std::string check = valuesOf(option).empty() ? checkOf(option) : "";
     const bool isTold = check.empty() || check.ends_with(" to 4294967295");
-    return {takesValue(option) ? names + " " + valueWord(option) : names,
+    return {takesValue(option) ? fmt::format("{} {}", names, valueWord(option)) : names,
             isTold ? option.get_description() : fmt::format("{} ({})", option.get_description(), check)};
 }
 
@@ -62,7 +62,8 @@ std::string usageOf(const CLI::App& app) {
 }  // namespace
 
 std::string fullNameOf(const CLI::App& app) {
-    return app.get_parent() == nullptr ? app.get_name() : fullNameOf(*app.get_parent()) + " " + app.get_name();
+    return app.get_parent() == nullptr ? app.get_name()
+                                       : fmt::format("{} {}", fullNameOf(*app.get_parent()), app.get_name());
 }
 
 std::vector<const CLI::App*> commandsOf(const CLI::App& app) {

@@ -53,7 +53,7 @@ std::string helpText(const HelpPage& page, std::size_t width) {
     const std::size_t line = std::clamp(width == 0 ? kUsualWidth : width, kNarrowest, kWidest);
     const std::size_t column = columnOf(page);
     std::string text = filled(page.summary, line, 0) + "\n\nUsage: ";
-    text += filled(page.command + " " + page.usage, line - 7, 7) + '\n';
+    text += filled(fmt::format("{} {}", page.command, page.usage), line - 7, 7) + '\n';
     for (const HelpSection& section : page.sections) {
         text += fmt::format("\n{}:\n", section.title);
         for (const HelpEntry& entry : section.entries) text += entryText(entry, column, line);

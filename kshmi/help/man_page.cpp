@@ -62,7 +62,7 @@ std::string commandPart(const CLI::App& app) {
     std::string text = fmt::format(".SS \"{} {}\"\n{}.\n", roff(page.command), roff(page.usage), roff(page.summary));
     for (const HelpSection& section : page.sections)
         if (section.title != kShared) text += entries(section);
-    return text + ".PP\n" + paragraphs(page.footer);
+    return fmt::format("{}.PP\n{}", text, paragraphs(page.footer));
 }
 
 std::string sharedOptions(const CLI::App& app) {

@@ -42,7 +42,7 @@ FateWords wordsOf(Fate fate) {
 std::string nameOf(const MarkPlace& place) {
     const std::string block = printable(place.block);
     if (place.domain.empty()) return fmt::format("{}:{} {}", block, place.port, inQuotes(place.name));
-    return place.name.empty() ? block : block + "/" + printable(place.name);
+    return place.name.empty() ? block : fmt::format("{}/{}", block, printable(place.name));
 }
 
 std::string lineOf(const CarriedMark& mark) {

@@ -21,8 +21,8 @@ TemporaryCopy::TemporaryCopy(const std::string& file) : m_original(file) {
     m_directory = (base / "kshmi-tour-XXXXXX").string();
     if (!code && !::mkdtemp(m_directory.data())) code.assign(errno, std::generic_category());
     if (code)
-        throw Error("no directory for the copy can be made: " + code.message() +
-                    "; set TMPDIR to one that can be written");
+        throw Error(fmt::format("no directory for the copy can be made: {}; set TMPDIR to one that can be written",
+                                code.message()));
     m_path = (fs::path(m_directory) / fs::path(file).filename()).string();
     fs::copy_file(file, m_path, code);
     if (!code) fs::permissions(m_path, fs::perms::owner_read | fs::perms::owner_write, code);

@@ -47,7 +47,7 @@ public:
         if (kind == FindingKind::parameters) {
             isSignal ? pruneParameters(*m_session.signals().get(finding.position))
                      : pruneParameters(*m_session.clients().get(finding.position));
-            tell(kind, finding.text + " of " + nameOf(finding));
+            tell(kind, fmt::format("{} of {}", finding.text, nameOf(finding)));
         } else if ((isSignal ? m_signals : m_clients).insert(finding.position).second) {
             tell(kind, nameOf(finding));
         }

@@ -34,7 +34,7 @@ std::string jsonOf(const std::optional<kestrel::Chart>& chart) {
         out += fmt::format("{} {}, ", jsonOf(state.path), state.ssid);
     for (const kestrel::ChartData& datum : chart->data) out += fmt::format("{} {}, ", jsonOf(datum.name), datum.ssid);
     if (!out.empty()) out.resize(out.size() - 2);
-    return "{" + out + "}";
+    return fmt::format("{{{}}}", out);
 }
 
 bool isSame(const kestrel::Block& one, const kestrel::Block& other) {

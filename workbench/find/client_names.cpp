@@ -32,7 +32,7 @@ std::string describeClient(const Session& session, std::size_t position, const S
     const SignalClient& client = *session.clients().get(position);
     const std::optional<std::size_t> signal = uuids.positionOf(client.m_signalUUID);
     const std::string name = nameOfClient(session, position);
-    if (signal) return name + " on " + nameOfSignal(session, *signal);
+    if (signal) return fmt::format("{} on {}", name, nameOfSignal(session, *signal));
     return fmt::format("{} of the absent signal {}", name, inQuotes(std::string_view(client.m_signalUUID)));
 }
 

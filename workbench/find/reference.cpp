@@ -33,7 +33,8 @@ std::optional<int> portOf(const Block& block, std::u16string_view text) {
     for (std::size_t i = 0; i < block.outputs.size(); ++i) {
         if (block.outputs[i] != text) continue;
         if (found)
-            throw Error("two ports of " + inQuotes(block.path) + " are named " + inQuotes(text) + "; use the number");
+            throw Error(
+                fmt::format("two ports of {} are named {}; use the number", inQuotes(block.path), inQuotes(text)));
         found = static_cast<int>(i) + 1;
     }
     return found;
@@ -76,20 +77,20 @@ private:
         for (int port = 1; !isChartOnly && port <= static_cast<int>(block.outputs.size()); ++port)
             sources.push_back({&block, port, std::nullopt});
         if (block.chart) sources.push_back({&block, 0, chartItemOf(block, 0)});
-        if (sources.empty()) miss("the block " + inQuotes(block.path) + " has no output ports");
+        if (sources.empty()) miss(fmt::format("the block {} has no output ports", inQuotes(block.path)));
         return sources;
     }
 
     std::optional<SignalSource> bySsid(const Block& block, std::uint32_t ssid) {
         if (auto found = chartItemOf(block, ssid)) return SignalSource{&block, 0, std::move(found)};
         return miss(block.chart ? fmt::format("the chart {} has no item with the SSID {}", inQuotes(block.path), ssid)
-                                : "the block " + inQuotes(block.path) + " is not a chart");
+                                : fmt::format("the block {} is not a chart", inQuotes(block.path)));
     }
 
     std::optional<SignalSource> port(const Block& block, std::u16string_view text) {
         if (const auto number = portOf(block, text)) return SignalSource{&block, *number, std::nullopt};
-        return miss("the block " + inQuotes(block.path) + " has no output port " + nameOf(text) + "; " +
-                    portList(block, text));
+        return miss(fmt::format("the block {} has no output port {}; {}", inQuotes(block.path), nameOf(text),
+                                portList(block, text)));
     }
 
     std::optional<SignalSource> item(const Block& block, std::u16string_view text) {
@@ -103,10 +104,10 @@ private:
             return miss(fmt::format("the SSID of {} in the chart {} is {}, not {}", inQuotes(text),
                                     inQuotes(block.path), list, *m_options.ssid));
         if (found.size() > 1)
-            return miss("the chart " + inQuotes(block.path) + " has a state and a datum named " + inQuotes(text) +
-                        "; give --ssid: " + list);
+            return miss(fmt::format("the chart {} has a state and a datum named {}; give --ssid: {}",
+                                    inQuotes(block.path), inQuotes(text), list));
         if (!found.empty()) return SignalSource{&block, 0, std::move(found.front())};
-        return miss("the chart " + inQuotes(block.path) + " has no state or datum " + inQuotes(text));
+        return miss(fmt::format("the chart {} has no state or datum {}", inQuotes(block.path), inQuotes(text)));
     }
 
     std::nullopt_t miss(std::string reason) {
@@ -150,7 +151,7 @@ std::vector<SignalSource> resolveReference(const kestrel::Model& model, std::str
     if (found.size() > 1) throw twoWays(model, reference, found);
     if (found.empty() && reason.empty()) throw noSuchBlock(model, reference);
     if (found.empty())
-        throw Error(inQuotes(reference) + ": " + reason, ErrorCode::request,
+        throw Error(fmt::format("{}: {}", inQuotes(reference), reason), ErrorCode::request,
                     isLikePattern(reference) ? Remedy::usePatterns : Remedy::none);
     const bool isOfChart = !options.activity.empty() || options.ssid;
     if (isOfChart && !found.front().second.front().item)
@@ -178,8 +179,8 @@ std::u16string activityFor(const ChartItem& item, const ReferenceOptions& option
     if (options.activity.empty()) return defaultActivity(item);
     std::u16string activity = toUtf16(options.activity);
     if (!hasActivity(item, activity))
-        throw Error("the activity " + inQuotes(activity) +
-                    " is not one of the chart item's; use one of: " + activityList(item));
+        throw Error(fmt::format("the activity {} is not one of the chart item's; use one of: {}", inQuotes(activity),
+                                activityList(item)));
     return activity;
 }
 

@@ -1,5 +1,7 @@
 #include "workbench/import/archive.h"
 
+#include <fmt/format.h>
+
 #include <sys/stat.h>
 #include <zip.h>
 
@@ -84,14 +86,12 @@ Archive Archive::ofBytes(std::string name, std::string bytes, const ArchiveLimit
 void Archive::checkEntries() {
     const auto count = static_cast<std::uint64_t>(std::max<zip_int64_t>(::zip_get_num_entries(m_zip.get(), 0), 0));
     if (count > m_limits.entries)
-        fail("has " + std::to_string(count) + " entries, more than " + std::to_string(m_limits.entries),
-             "leave out what is not needed");
+        fail(fmt::format("has {} entries, more than {}", count, m_limits.entries), "leave out what is not needed");
     std::uint64_t total = 0;
     for (std::uint64_t i = 0; i < count; ++i) {
         total += checkEntry(i);
         if (total > m_limits.totalBytes)
-            fail("unpacks to more than " + std::to_string(m_limits.totalBytes) + " bytes",
-                 "leave out what is not needed");
+            fail(fmt::format("unpacks to more than {} bytes", m_limits.totalBytes), "leave out what is not needed");
     }
     std::set<std::string_view> seen;
     for (const std::string& name : m_names)
@@ -103,16 +103,16 @@ std::uint64_t Archive::checkEntry(std::uint64_t index) {
     ::zip_stat_init(&status);
     constexpr auto kNeeded = ZIP_STAT_NAME | ZIP_STAT_SIZE | ZIP_STAT_COMP_SIZE;
     if (::zip_stat_index(m_zip.get(), index, 0, &status) != 0 || (status.valid & kNeeded) != kNeeded)
-        fail("entry " + std::to_string(index + 1) + " has no name or no size", "have the archive made again");
+        fail(fmt::format("entry {} has no name or no size", index + 1), "have the archive made again");
     const std::string name = toUtf8(toUtf16(status.name));
     if (!isInsideName(status.name)) failEntry(name, "would be unpacked outside of the target");
     if (isLink(m_zip.get(), index)) failEntry(name, "is a link");
     if ((status.valid & ZIP_STAT_ENCRYPTION_METHOD) != 0 && status.encryption_method != ZIP_EM_NONE)
         failEntry(name, "is encrypted");
     if (status.size > m_limits.entryBytes)
-        failEntry(name, "unpacks to more than " + std::to_string(m_limits.entryBytes) + " bytes");
+        failEntry(name, fmt::format("unpacks to more than {} bytes", m_limits.entryBytes));
     if (status.size > m_limits.ratioFreeBytes && status.size / m_limits.ratio > status.comp_size)
-        failEntry(name, "unpacks to more than " + std::to_string(m_limits.ratio) + " times its size");
+        failEntry(name, fmt::format("unpacks to more than {} times its size", m_limits.ratio));
     m_names.push_back(name);
     m_sizes.push_back(status.size);
     return status.size;
@@ -145,7 +145,7 @@ std::string Archive::read(const std::string& name) const {
     if (found == m_names.end()) fail("holds no " + inQuotes(name), "check that it is the archive that you mean");
     const auto position = static_cast<std::size_t>(found - m_names.begin());
     if (m_sizes[position] > m_limits.documentBytes)
-        failEntry(name, "unpacks to more than " + std::to_string(m_limits.documentBytes) + " bytes");
+        failEntry(name, fmt::format("unpacks to more than {} bytes", m_limits.documentBytes));
     std::string contents;
     contents.reserve(static_cast<std::size_t>(m_sizes[position]));
     unpack(position, [&](std::string_view piece) { contents += piece; });
@@ -154,7 +154,7 @@ std::string Archive::read(const std::string& name) const {
 
 void Archive::extractTo(const std::string& folder) const {
     for (std::size_t i = 0; i < m_names.size(); ++i) {
-        const std::string path = folder + "/" + m_names[i];
+        const std::string path = fmt::format("{}/{}", folder, m_names[i]);
         for (std::size_t end = path.find('/', folder.size() + 1); end != std::string::npos;
              end = path.find('/', end + 1))
             ::mkdir(path.substr(0, end).c_str(), S_IRWXU);
@@ -177,7 +177,7 @@ void Archive::extract(std::size_t position, const std::string& path) const {
 void Archive::fail(const std::string& text, const std::string& remedy) const { failImport(m_name, 0, text, remedy); }
 
 void Archive::failEntry(std::string_view entry, const std::string& text) const {
-    fail("the entry " + inQuotes(entry) + " " + text, "have the archive made again");
+    fail(fmt::format("the entry {} {}", inQuotes(entry), text), "have the archive made again");
 }
 
 }  // namespace workbench

@@ -1,5 +1,7 @@
 #include "workbench/import/block_hierarchy.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -24,15 +26,14 @@ BlockHierarchy::Node BlockHierarchy::at(Node parent, std::string_view name) {
 
 BlockHierarchy::Node BlockHierarchy::add(Node parent, std::string_view name) {
     if (m_places.size() >= kMostNodes)
-        failImport(m_file, 0, "has more than " + std::to_string(kMostNodes) + " levels of names",
-                   "import a part of it");
+        failImport(m_file, 0, fmt::format("has more than {} levels of names", kMostNodes), "import a part of it");
     std::string shown(name);
     std::replace(shown.begin(), shown.end(), '/', '_');
     std::string unique = shown;
     auto [taken, isFree] = m_taken.try_emplace(keyOf(parent, shown), 2);
     std::size_t& next = taken->second;
     while (!isFree) {
-        unique = shown + " (" + std::to_string(next++) + ')';
+        unique = fmt::format("{} ({})", shown, next++);
         isFree = m_taken.try_emplace(keyOf(parent, unique), 2).second;
     }
     m_places.push_back({parent, toUtf16(unique)});

@@ -48,7 +48,7 @@ std::string wholeFile(const std::string& path, std::ifstream& file, const Archiv
 ForeignDocument fromArchive(const std::string& path, const Archive& archive) {
     for (const std::string_view document : kDocuments)
         if (archive.has(document))
-            return {true, path + "/" + std::string(document), archive.read(std::string(document))};
+            return {true, fmt::format("{}/{}", path, document), archive.read(std::string(document))};
     for (const std::string& name : archive.names())
         for (const std::string_view document : kDocuments)
             if (name.ends_with("/" + std::string(document)))

@@ -1,5 +1,7 @@
 #include "workbench/import/ssd_structure.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <string>
 #include <unordered_map>
@@ -61,7 +63,7 @@ public:
         m_structure.version = m_file.attribute(root, "version");
         const std::string_view version = m_structure.version;
         if (!version.starts_with("1.") && !version.starts_with("2."))
-            m_file.fail(root, "the version " + inQuotes(version) + " of this format is unknown",
+            m_file.fail(root, fmt::format("the version {} of this format is unknown", inQuotes(version)),
                         "save the structure in version 1.0 or 2.0");
         m_structure.name = m_file.attribute(root, "name");
         const pugi::xml_node system = XmlFile::child(root, "System");
@@ -133,7 +135,7 @@ private:
             }
             const std::string name = nameOf(node);
             if (const char* const label = labelOf(node, name))
-                m_structure.dropped.add(label, toUtf8(block.path) + ":" + name);
+                m_structure.dropped.add(label, fmt::format("{}:{}", toUtf8(block.path), name));
             else if (!seen.insert(name).second)
                 m_structure.warnings.add("a connector of a name that another beside it has; left out", name,
                                          m_file.lineOf(node));
@@ -147,8 +149,9 @@ private:
         const std::string kind = m_file.attribute(node, "kind");
         const Label* label = labelIn(kKinds, kind);
         if (!label) {
-            m_structure.warnings.add("the kind " + inQuotes(kind) + " of a connector is unknown; taken for local", name,
-                                     m_file.lineOf(node));
+            m_structure.warnings.add(
+                fmt::format("the kind {} of a connector is unknown; taken for local", inQuotes(kind)), name,
+                m_file.lineOf(node));
             label = labelIn(kKinds, "local");
         }
         return m_takesLocals && label->first == "local" ? nullptr : label->second;
@@ -173,7 +176,7 @@ private:
             const std::string owner = m_file.attribute(node, element);
             return (owner.empty() ? "" : owner + ":") + m_file.attribute(node, connector);
         };
-        return end("startElement", "startConnector") + " -> " + end("endElement", "endConnector");
+        return fmt::format("{} -> {}", end("startElement", "startConnector"), end("endElement", "endConnector"));
     }
 
     const XmlFile& m_file;

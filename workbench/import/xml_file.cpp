@@ -1,5 +1,7 @@
 #include "workbench/import/xml_file.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -46,7 +48,7 @@ void XmlFile::checkShape() const {
         if (node.type() == pugi::node_doctype)
             fail(node, "holds a document type declaration, which this format has no use for", "remove it");
         if (level > kMostLevels)
-            fail(node, "has more than " + std::to_string(kMostLevels) + " elements inside each other",
+            fail(node, fmt::format("has more than {} elements inside each other", kMostLevels),
                  "flatten it; no model is that deep");
         if (const pugi::xml_node inner = node.first_child()) {
             node = inner;
@@ -78,8 +80,7 @@ std::string XmlFile::attribute(pugi::xml_node node, std::string_view name) const
     std::string value = found.value();
     if (value.size() > kMostNameBytes)
         fail(node,
-             "the attribute " + inQuotes(name) + " has " + std::to_string(value.size()) + " bytes, more than " +
-                 std::to_string(kMostNameBytes),
+             fmt::format("the attribute {} has {} bytes, more than {}", inQuotes(name), value.size(), kMostNameBytes),
              "shorten it");
     const bool isAscii = std::all_of(value.begin(), value.end(), [](char c) { return (c & 0x80) == 0; });
     // References to what is no character leave what is no UTF-8.

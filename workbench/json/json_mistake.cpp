@@ -1,5 +1,7 @@
 #include "workbench/json/json_mistake.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cctype>
 #include <initializer_list>
@@ -67,7 +69,7 @@ std::string mistakeInWord(std::string_view used, std::string_view rest) {
 
 std::string mistakeAtBracket(char bracket, char before) {
     const std::string close = bracket == '}' ? R"("}")" : R"("]")";
-    if (before == ',') return "there is a comma before the " + close + " (remove the comma)";
+    if (before == ',') return fmt::format("there is a comma before the {} (remove the comma)", close);
     if (before == ':') return "a value is missing after the colon";
     return close + " does not match the bracket that is open";
 }

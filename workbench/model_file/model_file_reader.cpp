@@ -109,7 +109,7 @@ void ModelFileReader::leave() {
     const auto rules = shapes::keysOf(frame.place);
     for (std::size_t i = 0; !frame.isArray && i < rules.size(); ++i)
         if (rules[i].isRequired && (frame.keysSeen & (1U << i)) == 0)
-            m_file.fail(pointer(), "the key " + inQuotes(rules[i].key) + " is missing; add it");
+            m_file.fail(pointer(), fmt::format("the key {} is missing; add it", inQuotes(rules[i].key)));
     m_parts.end(frame.place);
     advance();
 }
@@ -189,7 +189,8 @@ std::string ModelFileReader::pointer() const {
 }
 
 void ModelFileReader::failKind(const std::string& found) const {
-    m_file.fail(pointer(), found + " appears where " + shapes::describe(expected().kind) + " is expected; correct it");
+    m_file.fail(pointer(),
+                fmt::format("{} appears where {} is expected; correct it", found, shapes::describe(expected().kind)));
 }
 
 ModelFile readDocument(JsonFile& file, const FaultSink* faults = nullptr) {

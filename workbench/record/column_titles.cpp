@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <unordered_map>
 
 #include "signals/signal_specification.h"
@@ -17,7 +19,7 @@ std::string ownTitle(const ks_hmi::SignalSpecification& signal, const SignalSour
     return toUtf8(name.empty() ? source.block->path : name);
 }
 
-/// Where the "[1,2]" of an array's element begins; the end when there is none.
+// Where the "[1,2]" of an array's element begins; the end when there is none.
 std::size_t elementStart(const std::string& title) {
     if (!title.ends_with(']')) return title.size();
     const std::size_t start = title.rfind('[');
@@ -37,7 +39,7 @@ void identify(RecordedColumn& column, const ks_hmi::SignalSpecification& signal,
 
 std::string UniqueTitles::take(const std::string& title) {
     std::string free = title;
-    for (int number = 2; !m_taken.insert(free).second; ++number) free = title + " (" + std::to_string(number) + ")";
+    for (int number = 2; !m_taken.insert(free).second; ++number) free = fmt::format("{} ({})", title, number);
     return free;
 }
 

@@ -11,7 +11,7 @@ namespace workbench {
 
 namespace {
 
-/// Reads numbers as the recorder writes them, and as other programs do.
+// Reads numbers as the recorder writes them, and as other programs do.
 std::optional<double> numberIn(std::string_view text) {
     if (text == "true") return 1.0;
     if (text == "false") return 0.0;
@@ -47,13 +47,13 @@ private:
             m_rows.fail(
                 fmt::format("has {}, but there are {} titles", counted(row.size(), "cell"), m_run.columns.size() + 1));
         const std::optional<double> time = numberIn(row.front().text);
-        if (!time) m_rows.fail("the time " + inQuotes(row.front().text) + " is no number");
+        if (!time) m_rows.fail(fmt::format("the time {} is no number", inQuotes(row.front().text)));
         if (!m_run.start) m_run.start = time;
         m_run.stop = time;
         for (std::size_t i = 1; i < row.size(); ++i) readCell(row[i], *time, m_run.columns[i - 1]);
     }
 
-    /// What a column holds is told by its first value.
+    // What a column holds is told by its first value.
     void readCell(const CsvCell& cell, double time, RecordedColumn& column) const {
         if (cell.text.empty() && !cell.isQuoted) return;
         if (column.times.empty())

@@ -1,5 +1,7 @@
 #include "workbench/session/signal_checks.h"
 
+#include <fmt/format.h>
+
 #include <optional>
 #include <string_view>
 #include <unordered_set>
@@ -26,45 +28,46 @@ SignalFault wrong(Misfit misfit, const char* field, std::string text) {
 std::optional<SignalFault> portFault(const SignalSpecification& signal, const kestrel::Block& block) {
     if (!signal.m_subPath.empty())
         return wrong(Misfit::kind, "SubPath_",
-                     "the sub-path " + inQuotes(signal.m_subPath) + " is for chart items, and this is a port");
+                     fmt::format("the sub-path {} is for chart items, and this is a port", inQuotes(signal.m_subPath)));
     const auto port = static_cast<std::size_t>(signal.m_outputPortIndex);
     if (signal.m_outputPortIndex >= 1 && port <= block.outputs.size()) return std::nullopt;
     return dangling(Misfit::portGone, "OutputPortIndex_",
-                    "the block " + inQuotes(block.path) + " has no output port " +
-                        std::to_string(signal.m_outputPortIndex) + " (it has " + counted(block.outputs.size(), "port") +
-                        ")");
+                    fmt::format("the block {} has no output port {} (it has {})", inQuotes(block.path),
+                                signal.m_outputPortIndex, counted(block.outputs.size(), "port")));
 }
 
 std::optional<SignalFault> chartFault(const SignalSpecification& signal, const kestrel::Block& block) {
     if (!block.chart)
-        return dangling(Misfit::itemGone, "DomainType_", "the block " + inQuotes(block.path) + " is not a chart");
+        return dangling(Misfit::itemGone, "DomainType_",
+                        fmt::format("the block {} is not a chart", inQuotes(block.path)));
     const std::optional<std::uint32_t> ssid = ssidOf(signal);
     if (!ssid) return wrong(Misfit::ssid, "DomainParams_", "\"SSID\" is not a plain whole number");
     const std::optional<ChartItem> item = chartItemOf(block, *ssid);
     if (!item || item->domainType != signal.m_domainType)
         return dangling(Misfit::itemGone, "DomainParams_",
-                        "the chart " + inQuotes(block.path) + " has no item with the SSID " +
-                            toUtf8(signal.getValueForDomainParams(u"SSID")) + " for the domain " +
-                            inQuotes(signal.m_domainType));
+                        fmt::format("the chart {} has no item with the SSID {} for the domain {}", inQuotes(block.path),
+                                    toUtf8(signal.getValueForDomainParams(u"SSID")), inQuotes(signal.m_domainType)));
     const std::u16string activity = signal.getValueForDomainParams(u"Activity");
     if (hasActivity(*item, activity)) return std::nullopt;
     return wrong(Misfit::activity, "DomainParams_",
-                 "the activity " + inQuotes(activity) + " is not one of the item's: " + activityList(*item));
+                 fmt::format("the activity {} is not one of the item's: {}", inQuotes(activity), activityList(*item)));
 }
 
 }  // namespace
 
 std::optional<SignalFault> sourceFault(const SignalSpecification& signal, const kestrel::Model& model) {
     if (!signal.m_domainType.empty() && !isChartSignal(signal))
-        return wrong(Misfit::kind, "DomainType_",
-                     "the domain " + inQuotes(signal.m_domainType) +
-                         " is not one of cw_chart, cw_state and cw_data; for a port, leave it empty");
+        return wrong(
+            Misfit::kind, "DomainType_",
+            fmt::format("the domain {} is not one of cw_chart, cw_state and cw_data; for a port, leave it empty",
+                        inQuotes(signal.m_domainType)));
     const kestrel::Block* const block = blockOf(model, signal);
     if (block) return isChartSignal(signal) ? chartFault(signal, *block) : portFault(signal, *block);
-    const std::string path = "(path " + inQuotes(signal.m_blockPath) + ")";
+    const std::string path = fmt::format("(path {})", inQuotes(signal.m_blockPath));
     if (signal.m_eid.empty()) return dangling(Misfit::blockGone, "BlockPath_", "the model has no such block " + path);
-    return dangling(Misfit::blockGone, "EID_",
-                    "the model has no block with the element identifier " + inQuotes(signal.m_eid) + " " + path);
+    return dangling(
+        Misfit::blockGone, "EID_",
+        fmt::format("the model has no block with the element identifier {} {}", inQuotes(signal.m_eid), path));
 }
 
 std::vector<SignalFault> faultsOf(const ks_hmi::InstrumentedSignals& set, const kestrel::Model& model) {

@@ -1,5 +1,7 @@
 #include "workbench/text/csv_row.h"
 
+#include <fmt/format.h>
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -19,8 +21,7 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 TextSource piecesOfFile(const std::string& path) {
     const auto file = std::make_shared<std::ifstream>(path, std::ios::binary);
     if (!*file)
-        throw Error({path}, std::string("cannot be opened: ") + std::strerror(errno) + "; check the path",
-                    ErrorCode::file);
+        throw Error({path}, fmt::format("cannot be opened: {}; check the path", std::strerror(errno)), ErrorCode::file);
     return [file, path](std::string& buffer) {
         const std::size_t old = buffer.size();
         buffer.resize(old + kPiece);

@@ -1,5 +1,7 @@
 #include "workbench/values/host_value_builder.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -73,18 +75,18 @@ void checkCount(const std::vector<std::size_t>& size, std::size_t perElement, st
         wanted *= length;
     }
     if (wanted != given)
-        throw Error("\"data\" has " + counted(given, "element") + " and \"size\" needs " + std::to_string(wanted));
+        throw Error(fmt::format("\"data\" has {} and \"size\" needs {}", counted(given, "element"), wanted));
 }
 
 void checkNames(const std::vector<std::string>& names) {
     std::vector<std::string_view> sorted(names.begin(), names.end());
     std::sort(sorted.begin(), sorted.end());
     if (const auto twice = std::adjacent_find(sorted.begin(), sorted.end()); twice != sorted.end())
-        throw Error("the key " + inQuotes(*twice) + " appears twice; remove one");
+        throw Error(fmt::format("the key {} appears twice; remove one", inQuotes(*twice)));
     for (const std::string& name : names) {
         if (name.empty()) throw Error("a key is empty; name the field");
         if (name.find('\0') != std::string::npos)
-            throw Error("the key " + inQuotes(name) + " contains a NUL character");
+            throw Error(fmt::format("the key {} contains a NUL character", inQuotes(name)));
     }
 }
 
@@ -120,14 +122,14 @@ void HostValueBuilder::key(std::string_view name) {
         return;
     }
     if (node.names.empty() && name.starts_with('$'))
-        throw Error("the key " + inQuotes(name) +
-                    " is unknown; an object that starts with \"$\" needs \"$class\" first");
+        throw Error(fmt::format("the key {} is unknown; an object that starts with \"$\" needs \"$class\" first",
+                                inQuotes(name)));
     node.names.emplace_back(name);
 }
 
 void HostValueBuilder::taggedKey(Node& node, std::string_view name) {
     const auto use = [&](Member member, bool& wasThere) {
-        if (wasThere) throw Error("the key " + inQuotes(name) + " appears twice; remove one");
+        if (wasThere) throw Error(fmt::format("the key {} appears twice; remove one", inQuotes(name)));
         wasThere = true;
         node.member = member;
     };
@@ -139,7 +141,8 @@ void HostValueBuilder::taggedKey(Node& node, std::string_view name) {
     else if (name == "fields" && node.classId == hvSTRUCT_CLASS)
         use(Member::fields, hasFields);
     else
-        throw Error("the key " + inQuotes(name) + " is unknown for \"$class\": \"" + nameOfClass(node.classId) + "\"");
+        throw Error(
+            fmt::format("the key {} is unknown for \"$class\": \"{}\"", inQuotes(name), nameOfClass(node.classId)));
 }
 
 void HostValueBuilder::endObject() {
@@ -180,7 +183,7 @@ void HostValueBuilder::taggedString(Node& node, std::string_view text) {
     if (node.member == Member::className) {
         node.classId = classOfName(text);
         if (node.classId == hvUNKNOWN_CLASS)
-            throw Error("the class " + inQuotes(text) + " is unknown; use one of " + classNames());
+            throw Error(fmt::format("the class {} is unknown; use one of {}", inQuotes(text), classNames()));
         node.member = Member::none;
     } else if (node.isListOpen && node.member == Member::fields) {
         node.names.emplace_back(text);
@@ -189,7 +192,7 @@ void HostValueBuilder::taggedString(Node& node, std::string_view text) {
     } else if (!node.isListOpen && node.member == Member::elements && node.classId == hvCHAR_CLASS) {
         for (const char16_t unit : toUtf16(text)) node.bits.push_back(unit);
     } else {
-        throw Error("the text " + inQuotes(text) + " appears where an array is expected");
+        throw Error(fmt::format("the text {} appears where an array is expected", inQuotes(text)));
     }
 }
 
@@ -201,7 +204,7 @@ void HostValueBuilder::number(std::string_view text) {
     else if (node->isListOpen && node->member == Member::elements)
         node->bits.push_back(elementOfNumber(node->classId, text));
     else
-        throw Error("the number " + std::string(text) + " appears where an array or a text is expected");
+        throw Error(fmt::format("the number {} appears where an array or a text is expected", text));
 }
 
 void HostValueBuilder::boolean(bool value) {

@@ -98,7 +98,7 @@ std::string textOfBits(std::uint64_t bits) {
 }
 
 [[noreturn]] void refuseNumber(std::string_view text) {
-    throw Error("the number " + shortened(text) + " appears where true or false is expected");
+    throw Error(fmt::format("the number {} appears where true or false is expected", shortened(text)));
 }
 
 // A whole number that is not the float's value would be saved as another.
@@ -153,7 +153,7 @@ std::uint64_t elementOfNumber(hvClassID classId, std::string_view text) {
 std::uint64_t elementOfText(hvClassID classId, std::string_view text) {
     if (classId == hvDOUBLE_CLASS) return floatOfText<double>(text);
     if (classId == hvSINGLE_CLASS) return floatOfText<float>(text);
-    throw Error("the text " + inQuotes(text) + " appears where an element of the array is expected");
+    throw Error(fmt::format("the text {} appears where an element of the array is expected", inQuotes(text)));
 }
 
 std::size_t elementSize(hvClassID classId) noexcept {
