@@ -75,7 +75,7 @@ TEST_F(CheckCommand, everyFaultIsFoundAtItsPlaceWithItsRemedy) {
                  "KS303: the signal was marked as \"gone\", which the block does not have any more (\"y\" is here now)",
                  "    kshmi set " + path() + " m/A:2 --confirm\n",
                  "KS304: 1 signal was marked before names were kept [/signals/14]",
-                 "KS402: the client is of the model \"other\", and this is \"m\" [/clients/2/SourceModel_]",
+                 "KS402: the client belongs to the model \"other\", but this is \"m\" [/clients/2/SourceModel_]",
                  "note KS501: the mark on \"old\" of \"A\" is parked with 1 client: \"m0\" lost its port [/parked/0]",
                  "1 file: 12 errors, 13 warnings, 1 note\n"});
     EXPECT_EQ(read(), kFaulty);

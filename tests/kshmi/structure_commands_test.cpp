@@ -71,7 +71,7 @@ TEST_F(StructureCommands, whatCannotBeIsRefusedAndChangesNothing) {
         {"block add C//D", "is not a block path"},
         {"block add C --eid 4", "has a block with the element identifier \"4\""},
         {"block add C --outputs a,,b", "a name is empty"},
-        {"block add C --outputs a,b,a", "the port name \"a\" is there twice"},
+        {"block add C --outputs a,b,a", "the port name \"a\" appears twice"},
         {"block remove C", "has no such block"},
         {"block remove A/B", "\"A/B\" is marked: signal 3 on m/A/B:2; give --unmark"},
         {"block remove A", "\"A\" has 2 blocks below it; give --recursive"},

@@ -37,7 +37,7 @@ std::vector<Named> namesOf(const Session& session) {
 std::u16string requireModelName(std::string_view text) {
     std::u16string name = toUtf16(text);
     if (name.find(u'\0') != std::u16string::npos)
-        throw Error(fmt::format("{}: a name has no NUL characters", inQuotes(text)));
+        throw Error(fmt::format("{}: a name cannot contain NUL characters", inQuotes(text)));
     try {
         return kestrel::Model(name).name();
     } catch (const kestrel::ModelError& refusal) {

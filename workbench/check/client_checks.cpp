@@ -66,7 +66,7 @@ void ClientChecks::checkSignal(const SignalClient& client, std::size_t position)
         !client.m_modelPath.empty() && !client.m_sourceModel.empty() && client.m_sourceModel != m_model.name();
     if (isForeign)
         return add(FindingCode::clientForeign, client, position, "SourceModel_",
-                   fmt::format("the client is of the model {}, and this is {}", inQuotes(client.m_sourceModel),
+                   fmt::format("the client belongs to the model {}, but this is {}", inQuotes(client.m_sourceModel),
                                inQuotes(m_model.name())));
     // A longer path leads into models below, whose signals are in files of their own.
     if (client.m_modelPath.size() > 1 || m_signals.contains(client.m_signalUUID)) return;
@@ -81,7 +81,7 @@ void ClientChecks::checkParameters(const SignalClient& client, std::size_t posit
         const std::string_view name = hvGetFieldNameByNumber(params, i);
         if (!isFieldName(name))
             add(FindingCode::clientParameter, client, position, "ObserverParams_",
-                fmt::format("the parameter {} cannot be a field's name", inQuotes(name)));
+                fmt::format("the parameter name {} cannot be a field name", inQuotes(name)));
     }
 }
 

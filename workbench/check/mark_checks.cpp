@@ -127,7 +127,7 @@ void MarkChecks::checkParameters(const SignalSpecification& signal, std::size_t 
     for (const auto& [name, value] : signal.m_domainParams)
         if (!isFieldName(toUtf8(name)))
             add(FindingCode::signalParameter, signal, position, "DomainParams_",
-                fmt::format("the parameter {} cannot be a field's name", inQuotes(name)));
+                fmt::format("the parameter name {} cannot be a field name", inQuotes(name)));
 }
 
 void MarkChecks::checkPlace(const SignalSpecification& signal, std::size_t position) {

@@ -28,7 +28,7 @@ public:
 
 private:
     static std::string reasonOf(const CarriedMark& mark) {
-        if (mark.fate == Fate::lostBlock) return "no block in the new version has anything telling in common with it";
+        if (mark.fate == Fate::lostBlock) return "no block in the new version has enough in common with it";
         if (mark.fate == Fate::lostSource) return "its block has no port or item like it any more";
         return fmt::format("{}, not certain{}", counted(mark.candidates, "candidate"),
                            mark.after ? "" : "; say which, or leave it empty when it is gone");

@@ -47,7 +47,7 @@ private:
         for (;;) {
             line.fields.push_back(!atEnd() && m_text[m_at] == '"' ? quotedField() : plainField());
             if (atLineEnd()) break;
-            if (m_text[m_at] != ',') fail("something stands behind a closing double quote; double quotes inside it");
+            if (m_text[m_at] != ',') fail("something follows a closing double quote; double the quotes inside it");
             ++m_at;
         }
         endLine();
@@ -56,7 +56,7 @@ private:
     std::string plainField() {
         const std::size_t start = m_at;
         while (!atLineEnd() && m_text[m_at] != ',') {
-            if (m_text[m_at] == '"') fail("a double quote stands inside a field; quote the field and double it");
+            if (m_text[m_at] == '"') fail("there is a double quote inside a field; quote the field and double it");
             ++m_at;
         }
         return std::string(m_text.substr(start, m_at - start));
@@ -67,7 +67,7 @@ private:
         for (++m_at;; ++m_at) {
             if (atEnd()) {
                 m_line = start;
-                fail("the double quote that starts here is not closed; close it");
+                fail("the double quote that opens here is not closed; close it");
             }
             if (m_text[m_at] == '"') {
                 ++m_at;

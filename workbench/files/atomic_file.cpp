@@ -22,7 +22,7 @@ namespace {
 constexpr std::size_t kBufferSize = std::size_t{1} << 16U;
 constexpr mode_t kPermissionBits = 07777;
 constexpr mode_t kNewFile = 0644;
-constexpr const char* kIsThere = "there is a file of this name already; name another, or replace that one";
+constexpr const char* kIsThere = "a file with this name exists already; choose another name, or replace that file";
 constexpr const char* kAccessList = "system.posix_acl_access";
 
 std::string directoryOf(const std::string& path) {

@@ -95,7 +95,7 @@ void Archive::checkEntries() {
     }
     std::set<std::string_view> seen;
     for (const std::string& name : m_names)
-        if (!seen.insert(name).second) failEntry(name, "is there twice");
+        if (!seen.insert(name).second) failEntry(name, "appears twice");
 }
 
 std::uint64_t Archive::checkEntry(std::uint64_t index) {
@@ -105,7 +105,7 @@ std::uint64_t Archive::checkEntry(std::uint64_t index) {
     if (::zip_stat_index(m_zip.get(), index, 0, &status) != 0 || (status.valid & kNeeded) != kNeeded)
         fail(fmt::format("entry {} has no name or no size", index + 1), "have the archive made again");
     const std::string name = toUtf8(toUtf16(status.name));
-    if (!isInsideName(status.name)) failEntry(name, "would be unpacked outside of the target");
+    if (!isInsideName(status.name)) failEntry(name, "would be unpacked outside the target");
     if (isLink(m_zip.get(), index)) failEntry(name, "is a link");
     if ((status.valid & ZIP_STAT_ENCRYPTION_METHOD) != 0 && status.encryption_method != ZIP_EM_NONE)
         failEntry(name, "is encrypted");
@@ -137,12 +137,12 @@ void Archive::unpack(std::size_t position, Take take) const {
         total += static_cast<std::uint64_t>(size);
         take(std::string_view(chunk.data(), static_cast<std::size_t>(size)));
     }
-    if (total != m_sizes[position]) failEntry(name, "is damaged: it has another size than it says");
+    if (total != m_sizes[position]) failEntry(name, "is damaged: it does not have the size that it says it has");
 }
 
 std::string Archive::read(const std::string& name) const {
     const auto found = std::find(m_names.begin(), m_names.end(), name);
-    if (found == m_names.end()) fail("holds no " + inQuotes(name), "check that it is the archive that you mean");
+    if (found == m_names.end()) fail("holds no " + inQuotes(name), "check that it is the right archive");
     const auto position = static_cast<std::size_t>(found - m_names.begin());
     if (m_sizes[position] > m_limits.documentBytes)
         failEntry(name, fmt::format("unpacks to more than {} bytes", m_limits.documentBytes));

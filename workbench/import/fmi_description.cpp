@@ -146,7 +146,7 @@ private:
         if (variable.name.empty())
             m_warnings.add("a variable without a name; left out", "", variable.line);
         else if (!m_names.insert(variable.name).second)
-            m_warnings.add("a variable of a name that another has; left out", variable.name, variable.line);
+            m_warnings.add("a variable with the same name as another; left out", variable.name, variable.line);
         else
             m_result.variables.push_back(variable);
     }

@@ -26,7 +26,7 @@ ForeignKind readStructure(ForeignDocument document, bool locals, Structure& stru
         return document.isPacked ? ForeignKind::ssp : ForeignKind::ssd;
     }
     if (root != "fmiModelDescription")
-        file.fail(file.root(), "is no model that can be imported: its outermost element is " + inQuotes(root),
+        file.fail(file.root(), "is not a model that can be imported: its outermost element is " + inQuotes(root),
                   "import a SystemStructureDescription or an fmiModelDescription");
     readFmiStructure(file, locals, structure);
     return document.isPacked ? ForeignKind::fmu : ForeignKind::fmi;
@@ -42,7 +42,7 @@ std::string stemOf(const ForeignDocument& document) {
 std::string asModelName(std::string name, ImportNotes& warnings) {
     const std::string given = name;
     for (const char separator : {'/', ':'}) std::replace(name.begin(), name.end(), separator, '_');
-    if (name != given) warnings.add("a model's name has neither '/' nor ':'; written '_'", given);
+    if (name != given) warnings.add("a model's name cannot contain '/' or ':'; written as '_'", given);
     return name;
 }
 

@@ -103,7 +103,7 @@ private:
     // A description need not repeat what the unit behind a component has.
     void noteSource(pugi::xml_node node) {
         if (localName(node.name()) != "Component" || m_file.attribute(node, "source").empty()) return;
-        m_structure.warnings.add("a component without connectors, and what its source has is not looked at",
+        m_structure.warnings.add("a component without connectors; its source is not looked at",
                                  m_file.attribute(node, "name"), m_file.lineOf(node));
     }
 
@@ -120,7 +120,7 @@ private:
             std::string inner = source + pointerToken(name);
             if (count > 1) {
                 inner += "~#" + std::to_string(count);
-                m_structure.warnings.add("an element of a name that another beside it has", name, m_file.lineOf(node));
+                m_structure.warnings.add("an element with the same name as one beside it", name, m_file.lineOf(node));
             }
             element(node, place, std::move(inner));
         }
@@ -137,7 +137,7 @@ private:
             if (const char* const label = labelOf(node, name))
                 m_structure.dropped.add(label, fmt::format("{}:{}", toUtf8(block.path), name));
             else if (!seen.insert(name).second)
-                m_structure.warnings.add("a connector of a name that another beside it has; left out", name,
+                m_structure.warnings.add("a connector with the same name as one beside it; left out", name,
                                          m_file.lineOf(node));
             else
                 block.outputs.push_back(toUtf16(name));

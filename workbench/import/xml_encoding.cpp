@@ -116,7 +116,7 @@ std::string fromDeclared(const std::string& file, std::string bytes, const std::
     const std::string_view encoding = name.empty() ? kUtf8 : known->second;
     if (encoding != kUtf8) return converted(file, std::move(bytes), encoding.data());
     if (isUtf8(bytes)) return bytes;
-    warnings.add("has bytes that are no UTF-8; read as windows-1252", "");
+    warnings.add("has bytes that are not UTF-8; read as windows-1252", "");
     return converted(file, std::move(bytes), "WINDOWS-1252");
 }
 

@@ -41,11 +41,11 @@ bool endsValue(char c) noexcept { return isWordCharacter(c) || c == '"' || c == 
 
 // What is wrong inside a text.
 std::string mistakeInText(std::string_view used, std::string_view rest) {
-    if (used.ends_with('\\')) return R"(a backslash in a text stands before one of "\/bfnrtu; write \\ for itself)";
-    if (rest.starts_with('\t')) return R"(a tab stands in a text; write \t)";
+    if (used.ends_with('\\')) return R"(in a text, a backslash must be followed by one of "\/bfnrtu; write \\ for itself)";
+    if (rest.starts_with('\t')) return R"(there is a tab in a text; write \t)";
     if (rest.starts_with('\n') || rest.starts_with('\r'))
         return R"(the line ends inside a text; close it with ", or write \n for a line break)";
-    return R"(a control character stands in a text; write it as \u and four digits)";
+    return R"(there is a control character in a text; write it as \u and four digits)";
 }
 
 // Words that other languages have.
@@ -58,13 +58,13 @@ std::string mistakeInWord(std::string_view used, std::string_view rest) {
         return std::any_of(words.begin(), words.end(), [&](std::string_view word) { return rest.starts_with(word); });
     };
     if (is({"NaN", "nan", "Infinity", "inf", "Inf"}))
-        return R"(NaN and Infinity are no JSON numbers; write {"$class": "double", "size": [1, 1], "data": ["NaN"]})";
+        return R"(NaN and Infinity are not JSON numbers; write {"$class": "double", "size": [1, 1], "data": ["NaN"]})";
     if (is({"True", "False", "None", "TRUE", "FALSE", "NULL", "Null"}))
-        return "write true, false and null in small letters";
-    if (is({"0x", "0X"})) return "a number is decimal";
+        return "write true, false and null in lower case";
+    if (is({"0x", "0X"})) return "numbers must be decimal";
     if (rest.size() > 1 && rest.front() == '0' && std::isdigit(static_cast<unsigned char>(rest[1])) != 0)
-        return "a number starts with a zero; leave that out";
-    return "a text or key stands in double quotes, and these are missing";
+        return "a number starts with a zero; leave it out";
+    return "texts and keys need double quotes, which are missing here";
 }
 
 std::string mistakeAtBracket(char bracket, char before) {
@@ -77,9 +77,9 @@ std::string mistakeAtBracket(char bracket, char before) {
 std::string mistakeAtSign(char sign, char before) {
     if (sign == '}' || sign == ']') return mistakeAtBracket(sign, before);
     if (sign == '/' || sign == '#') return "JSON has no comments (remove them)";
-    if (sign == '\'') return "a text stands in double quotes, not in single ones";
+    if (sign == '\'') return "texts need double quotes, not single ones";
     if (sign == ',') return before == ',' ? "there are two commas" : "a value is missing before the comma";
-    if (sign == '+' || sign == '.') return "a number starts with a digit or a minus";
+    if (sign == '+' || sign == '.') return "numbers must start with a digit or a minus sign";
     if (sign == '=') return "a colon belongs between a key and its value";
     return "syntax error";
 }

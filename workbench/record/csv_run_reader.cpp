@@ -38,7 +38,7 @@ private:
     void readTitles() {
         std::vector<CsvCell> row;
         if (!m_rows.next(row) || row.front().text != "time")
-            m_rows.fail("is no recorded run: its first column is not \"time\"");
+            m_rows.fail("is not a recorded run: its first column is not \"time\"");
         for (std::size_t i = 1; i < row.size(); ++i) m_run.columns.emplace_back().title = std::move(row[i].text);
     }
 
@@ -47,7 +47,7 @@ private:
             m_rows.fail(
                 fmt::format("has {}, but there are {} titles", counted(row.size(), "cell"), m_run.columns.size() + 1));
         const std::optional<double> time = numberIn(row.front().text);
-        if (!time) m_rows.fail(fmt::format("the time {} is no number", inQuotes(row.front().text)));
+        if (!time) m_rows.fail(fmt::format("the time {} is not a number", inQuotes(row.front().text)));
         if (!m_run.start) m_run.start = time;
         m_run.stop = time;
         for (std::size_t i = 1; i < row.size(); ++i) readCell(row[i], *time, m_run.columns[i - 1]);
@@ -67,7 +67,7 @@ private:
         }
         const std::optional<double> value = numberIn(cell.text);
         if (!value || cell.isQuoted)
-            m_rows.fail(fmt::format("{} is no number, but others in column {} are", inQuotes(cell.text),
+            m_rows.fail(fmt::format("{} is not a number, but others in column {} are", inQuotes(cell.text),
                                     inQuotes(column.title)));
         column.values.push_back(*value);
     }

@@ -15,7 +15,7 @@ constexpr int kPatience = 5000;  // milliseconds
 [[noreturn]] void fail(const std::string& path, sqlite3* database, int code) {
     const std::string text = database != nullptr ? sqlite3_errmsg(database) : sqlite3_errstr(code);
     const bool isBusy = code == SQLITE_BUSY || code == SQLITE_LOCKED;
-    throw Error({path}, "the database does not do what is asked: " + text, isBusy ? ErrorCode::inUse : ErrorCode::file);
+    throw Error({path}, "the database reports an error: " + text, isBusy ? ErrorCode::inUse : ErrorCode::file);
 }
 
 }  // namespace

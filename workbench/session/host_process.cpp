@@ -38,7 +38,7 @@ const char* const kLibrary = KS_HMI_LIBRARY_NAME;
 void enterHost(WarningSink warnings) {
     if (library() && !library()->isLoaded())
         orvex::raise("HostLeft",
-                     "The host was left, and the library registers its classes once a process. Leave the "
+                     "The host was left, and the library registers its classes once per process. Leave the "
                      "host at the end only, or start another process.");
     orvex::setWarningSink([warnings = std::move(warnings)](const orvex::Warning& warning) {
         if (warnings) warnings(printableMessage(warning.text));

@@ -14,7 +14,7 @@ using WarningSink = std::function<void(const std::string& text)>;
 void enterHost(WarningSink warnings);
 
 /// Releases everything that lives in the host and lets the library go; the host cannot be
-/// entered again, because the library registers its classes once a process. Returns a line
+/// entered again, because the library registers its classes once per process. Returns a line
 /// for each thing that still lives, because nobody released it, and for each value that was used or kept against its
 /// scope. Empty as it should be, and in release builds, which do not look.
 std::string leaveHost();

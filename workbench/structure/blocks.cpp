@@ -42,7 +42,7 @@ std::string freshEid(const Session& session) {
 
 const kestrel::Block& addBlock(Session& session, NewBlock block) {
     if (block.path.find(u'\0') != std::u16string::npos)
-        throw Error(fmt::format("{}: a path has no NUL characters", inQuotes(block.path)));
+        throw Error(fmt::format("{}: a path cannot contain NUL characters", inQuotes(block.path)));
     requireOutputs(block.outputs);
     kestrel::Block added{.path = std::move(block.path), .eid = std::move(block.eid)};
     if (added.eid.empty()) added.eid = freshEid(session);
@@ -75,7 +75,7 @@ RemovedBlocks removeBlocks(Session& session, const std::u16string& path, Below b
 std::u16string renamedPath(const std::u16string& path, const std::u16string& name) {
     requireName(name);
     if (name.find(u'/') != std::u16string::npos)
-        throw Error(fmt::format("{}: a name has no '/'; a block gets another parent by a move", inQuotes(name)));
+        throw Error(fmt::format("{}: a name cannot contain '/'; move the block to give it another parent", inQuotes(name)));
     const std::u16string parent = parentPath(path);
     return parent.empty() ? name : parent + u"/" + name;
 }

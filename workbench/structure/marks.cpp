@@ -34,7 +34,7 @@ void settleMarks(Session& session, const Positions& signals, Marks marks, const 
 void requireName(const std::u16string& name) {
     if (name.empty()) throw Error("a name is empty; give one");
     if (name.find(u'\0') != std::u16string::npos)
-        throw Error(fmt::format("{}: a name has no NUL characters", inQuotes(name)));
+        throw Error(fmt::format("{}: a name cannot contain NUL characters", inQuotes(name)));
 }
 
 }  // namespace workbench

@@ -41,7 +41,7 @@ void requireOutputs(const std::vector<std::u16string>& names) {
     for (const std::u16string& name : names) {
         requireName(name);
         if (!known.insert(name).second)
-            throw Error(fmt::format("the port name {} is there twice; give each port its own", inQuotes(name)));
+            throw Error(fmt::format("the port name {} appears twice; give each port its own", inQuotes(name)));
     }
 }
 

@@ -71,7 +71,7 @@ void CsvRows::readQuoted(CsvCell& cell) {
 void CsvRows::readCell(CsvCell& cell) {
     if (peek() == '"') return readQuoted(cell);
     for (int character = peek(); character != kEnd && character != ',' && character != '\n'; character = peek()) {
-        if (character == '"') fail("a double quote stands inside a cell; quote the cell and double it");
+        if (character == '"') fail("there is a double quote inside a cell; quote the cell and double it");
         cell.text += static_cast<char>(take());
     }
     if (peek() != ',' && cell.text.ends_with('\r')) cell.text.pop_back();
@@ -85,7 +85,7 @@ bool CsvRows::readRow(std::vector<CsvCell>& row) {
         if (row.back().isQuoted && peek() == '\r') take();
         const int character = take();
         if (character == '\n' || character == kEnd) break;
-        if (character != ',') fail("something stands behind a closing double quote; double quotes inside it");
+        if (character != ',') fail("something follows a closing double quote; double the quotes inside it");
     }
     return row.size() > 1 || row.front().isQuoted || !row.front().text.empty();
 }

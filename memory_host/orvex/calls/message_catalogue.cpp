@@ -32,8 +32,8 @@ constexpr std::array kMessages{
             "The saved record is incomplete: element {1} has no value in the field \"{0}\". Save the data again with "
             "the program that wrote it, or add the field."},
     Message{kFoundation, "InvalidFieldValue",
-            "The saved record cannot be read: the field \"{0}\" of element {1} holds a value of another kind or size "
-            "than the field takes."},
+            "The saved record cannot be read: the field \"{0}\" of element {1} holds a value of the wrong kind "
+            "or size."},
     Message{kFoundation, "InvalidObject",
             "This \"{0}\" object has no data behind it and cannot be used. Make a new object of the class."},
     Message{kFoundation, "NullRecord", "An empty record cannot be stored in a collection: give a complete one."},

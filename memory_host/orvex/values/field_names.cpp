@@ -29,7 +29,7 @@ SharedNames checkedFieldNames(std::span<const char* const> names) {
     }
     auto made = std::make_shared<FieldNames>(std::move(texts));
     if (const std::string* name = made->repeated())
-        raise("InvalidFieldName", "A struct cannot have two fields of the name \"" + *name + "\".");
+        raise("InvalidFieldName", "A struct cannot have two fields with the name \"" + *name + "\".");
     return made;
 }
 

@@ -68,7 +68,7 @@ TEST(FmiImport, takesWhatTheRealWorldNames) {
     EXPECT_EQ(blocksOf(model),
               "Motor 1: Speed km/h, a:b\nm[1,2]: x\nEngine: der(m.x), x\nSpeed km_h: v\nSpeed km_h (2): v\n'a.b': v\n");
     EXPECT_EQ(textOf(model.warnings),
-              "11 a variable of a name that another has; left out: x\n"
+              "11 a variable with the same name as another; left out: x\n"
               "12 a variable without a name; left out: \n");
     std::vector<std::string> names;
     for (const kestrel::Block& block : model.model.blocks())
@@ -126,7 +126,7 @@ TEST(FmiImport, readsWhatRunningAUnitNeeds) {
 
 TEST(FmiImport, refusesWhatIsNoSuchDescription) {
     EXPECT_EQ(refusalOfXml("<a/>"),
-              "some.xml:1: is no model that can be imported: its outermost element is \"a\"; "
+              "some.xml:1: is not a model that can be imported: its outermost element is \"a\"; "
               "import a SystemStructureDescription or an fmiModelDescription");
     EXPECT_EQ(refusalOfXml("\n<fmiModelDescription fmiVersion='4.0'/>"),
               "some.xml:2: the version \"4.0\" of FMI is unknown; export the unit as version 1.0, 2.0 or 3.0");

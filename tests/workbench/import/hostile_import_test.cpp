@@ -35,7 +35,7 @@ TEST(ImportedXml, mayHaveAnyCommonEncoding) {
         const ImportedModel model = imported(xml);
         EXPECT_EQ(blocksOf(model), "Engine: " + port + "\n");
         EXPECT_EQ(textOf(model.warnings),
-                  xml == outputs({"\xFC"}) ? "has bytes that are no UTF-8; read as windows-1252: \n" : "");
+                  xml == outputs({"\xFC"}) ? "has bytes that are not UTF-8; read as windows-1252: \n" : "");
     }
     EXPECT_EQ(refusalOfXml(name + "EBCDIC\"?>" + kUnit),
               "some.xml:1: the encoding \"EBCDIC\" cannot be read; convert the file to UTF-8");
@@ -93,7 +93,7 @@ TEST(ImportedArchive, isRefusedWhenItWouldLeaveItsTarget) {
     const std::string again = "; have the archive made again";
     for (const char* const name : {"../a", "a/../../b", "/etc/a", "a/./b", "a//b", "c:/a", "..\\a", "a\\b"})
         EXPECT_EQ(refusalOfArchive(zipOf({{"a", "x"}, {name, "x"}})),
-                  "u.fmu: the entry " + inQuotes(std::string_view(name)) + " would be unpacked outside of the target" +
+                  "u.fmu: the entry " + inQuotes(std::string_view(name)) + " would be unpacked outside the target" +
                       again);
     EXPECT_EQ(refusalOfArchive(zipOf({{"a", "/etc", true}})), "u.fmu: the entry \"a\" is a link" + again);
 }

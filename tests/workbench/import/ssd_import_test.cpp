@@ -61,7 +61,7 @@ TEST(SsdImport, countsAndNamesWhatItDrops) {
               "elements that are not known here: Extra\n");
     EXPECT_EQ(textOf(model.warnings),
               "9 the kind \"sideways\" of a connector is unknown; taken for local: odd\n"
-              "10 a connector of a name that another beside it has; left out: speed\n");
+              "10 a connector with the same name as one beside it; left out: speed\n");
     EXPECT_EQ(blocksOf(imported(kCar, {.locals = true})).substr(0, 40), "Root: v\nRoot/Motor: torque, speed, odd\nR");
 }
 
@@ -75,8 +75,8 @@ TEST(SsdImport, tellsElementsOfOneNameApart) {
     for (const kestrel::Block& block : model.model.blocks()) sources += *block.source + ' ';
     EXPECT_EQ(sources, " /a /a~#2 /a (2) / /a~0b ");
     EXPECT_EQ(textOf(model.warnings),
-              "3 a component without connectors, and what its source has is not looked at: a\n"
-              "3 an element of a name that another beside it has: a\n"
+              "3 a component without connectors; its source is not looked at: a\n"
+              "3 an element with the same name as one beside it: a\n"
               "3 an element without a name; called \"unnamed\": \n");
 }
 

@@ -59,9 +59,9 @@ TEST(JsonMistakes, areCalledByTheirNames) {
         {"{\"a\": truth}", "double quotes, and these are missing"},
         {"{'a': 1}", "not in single ones"},
         {"{\"a\": 'b'}", "not in single ones"},
-        {"{\"a\": NaN}", "NaN and Infinity are no JSON numbers"},
-        {"{\"a\": -Infinity}", "NaN and Infinity are no JSON numbers"},
-        {"[nan]", "NaN and Infinity are no JSON numbers"},
+        {"{\"a\": NaN}", "NaN and Infinity are not JSON numbers"},
+        {"{\"a\": -Infinity}", "NaN and Infinity are not JSON numbers"},
+        {"[nan]", "NaN and Infinity are not JSON numbers"},
         {"{\"a\": True}", "in small letters"},
         {"{\"a\": None}", "in small letters"},
         {"{\"a\": 1 \"b\": 2}", "a comma is missing"},
@@ -80,9 +80,9 @@ TEST(JsonMistakes, areCalledByTheirNames) {
         {"{\"a\": [1\n}", ":2:1: not JSON: \"}\" does not match"},
         {"{\"a\": 1]", "\"]\" does not match the bracket that is open"},
         {"[01]", "a number starts with a zero"},
-        {"[0x1F]", "a number is decimal"},
-        {"[+1]", "a number starts with a digit or a minus"},
-        {"[.5]", "a number starts with a digit or a minus"},
+        {"[0x1F]", "numbers must be decimal"},
+        {"[+1]", "numbers must start with a digit or a minus sign"},
+        {"[.5]", "numbers must start with a digit or a minus sign"},
     };
     for (const auto& [text, message] : cases) {
         const std::string said = mistakeIn(text);
