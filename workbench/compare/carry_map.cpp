@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "workbench/compare/saved_records.h"
+#include "workbench/text/csv_row.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -39,10 +40,12 @@ CarryMap::CarryMap(std::string file, std::string_view text, const ModelFile& old
     for (std::size_t i = 0; i < hvGetNumberOfElements(old.signals.get()); ++i)
         if (!savedBlock(old.model, old.signals.get(), i))
             m_oldPaths.emplace(recordText(old.signals.get(), i, "BlockPath_"), nullptr);
-    std::vector<CsvLine> lines = readCsv(m_file, text);
-    const bool hasHeading = !lines.empty() && lines.front().fields == std::vector<std::string>{"old", "new"};
-    if (hasHeading && !isKnown(u"old")) lines.erase(lines.begin());
-    for (const CsvLine& line : lines) read(line);
+    CsvRows rows(m_file, pieceOf(text), CsvComments::hash);
+    std::vector<CsvCell> row;
+    for (bool isFirst = true; rows.next(row); isFirst = false) {
+        const bool isHeading = isFirst && row.size() == 2 && row[0].text == "old" && row[1].text == "new";
+        if (!isHeading || isKnown(u"old")) read(row, rows.line());
+    }
 }
 
 const CarryMap::Target* CarryMap::block(const std::u16string& oldPath) const {
@@ -56,26 +59,25 @@ const CarryMap::Target* CarryMap::source(const std::u16string& oldPath, const st
     return found == m_sources.end() ? nullptr : &found->second;
 }
 
-void CarryMap::read(const CsvLine& line) {
-    if (line.fields.size() != 2)
-        fail(line.line, fmt::format("{} where two belong, old and new; put names with commas in double quotes",
-                                    counted(line.fields.size(), "column")));
-    std::u16string before = toUtf16(line.fields[0]);
-    std::u16string after = toUtf16(line.fields[1]);
+void CarryMap::read(const std::vector<CsvCell>& row, std::size_t line) {
+    if (row.size() != 2)
+        fail(line, fmt::format("{} where two belong, old and new; put names with commas in double quotes",
+                               counted(row.size(), "column")));
+    std::u16string before = toUtf16(row[0].text);
+    std::u16string after = toUtf16(row[1].text);
     before = withoutModel(before, *m_old, isKnown(before));
     after = withoutModel(after, *m_next, m_next->findByPath(after) != nullptr);
-    if (isPrefix(before)) return readPrefix(std::move(before), std::move(after), line.line);
-    if (isKnown(before)) return add(m_blocks, before, targetOf(after, false, line.line), line.fields[0]);
+    if (isPrefix(before)) return readPrefix(std::move(before), std::move(after), line);
+    if (isKnown(before)) return add(m_blocks, before, targetOf(after, false, line), row[0].text);
     const auto parts = split(before, [&](const std::u16string& path) { return isKnown(path); });
     if (!parts)
-        fail(line.line, fmt::format("the old model has no block {}; correct the name or remove the line",
-                                    inQuotes(line.fields[0])));
+        fail(line,
+             fmt::format("the old model has no block {}; correct the name or remove the line", inQuotes(row[0].text)));
     const kestrel::Block* const block = m_oldPaths.at(parts->first);
     if (block && !hasSource(*block, parts->second))
-        fail(line.line,
-             fmt::format("the old block {} has no port or chart item {}; correct the name or remove the line",
-                         inQuotes(parts->first), inQuotes(parts->second)));
-    add(m_sources, keyOf(parts->first, parts->second), targetOf(after, true, line.line), line.fields[0]);
+        fail(line, fmt::format("the old block {} has no port or chart item {}; correct the name or remove the line",
+                               inQuotes(parts->first), inQuotes(parts->second)));
+    add(m_sources, keyOf(parts->first, parts->second), targetOf(after, true, line), row[0].text);
 }
 
 CarryMap::Target CarryMap::targetOf(const std::u16string& text, bool isSource, std::size_t line) const {

@@ -17,15 +17,7 @@
 /// that start with '#' are comments, and the first line may be the heading "old,new".
 namespace workbench {
 
-struct CsvLine {
-    std::size_t line = 0;  ///< 1-based, where it starts
-    std::vector<std::string> fields;
-};
-/// Lines of comma-separated fields, quoted where they need it; comments and empty lines are left out. Throws `Error`
-/// with file and line for quotes that are not closed or stand inside a field.
-std::vector<CsvLine> readCsv(const std::string& file, std::string_view text);
-/// A field as such a file has it.
-std::string csvField(std::string_view text);
+struct CsvCell;
 
 class CarryMap {
 public:
@@ -37,7 +29,7 @@ public:
 
     CarryMap() = default;
     /// `file` stands in messages. Throws `Error` with file and line for other columns, names that a model does not
-    /// have and old names that are there twice.
+    /// have and old names that appear twice.
     CarryMap(std::string file, std::string_view text, const ModelFile& old, const kestrel::Model& next);
 
     /// What is said of the block itself, or else, with the longest path, of all below one; null when nothing is.
@@ -46,7 +38,7 @@ public:
     const Target* source(const std::u16string& oldPath, const std::u16string& name) const;
 
 private:
-    void read(const CsvLine& line);
+    void read(const std::vector<CsvCell>& row, std::size_t line);
     void readPrefix(std::u16string before, std::u16string after, std::size_t line);
     bool isKnown(const std::u16string& oldPath) const { return m_oldPaths.contains(oldPath); }
     Target targetOf(const std::u16string& text, bool isSource, std::size_t line) const;

@@ -5,6 +5,7 @@
 #include <unordered_set>
 
 #include "workbench/compare/carry.h"
+#include "workbench/text/csv_row.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
@@ -22,7 +23,7 @@ public:
         const bool isChartItself = mark.before.domain == u"cw_chart";
         if (before.empty() || (isChartItself && !isBlock) || !m_names.insert(before).second) return;
         const std::string after = !mark.after ? "" : isBlock ? toUtf8(mark.after->block) : nameOf(*mark.after);
-        m_text += fmt::format("# {}\n{},{}\n", reasonOf(mark), csvField(before), csvField(after));
+        m_text += fmt::format("# {}\n{},{}\n", reasonOf(mark), csvCell(before), csvCell(after));
     }
     std::string take() { return std::move(m_text); }
 

@@ -33,6 +33,13 @@ TextSource piecesOfFile(const std::string& path) {
     };
 }
 
+TextSource pieceOf(std::string_view text) {
+    return [text](std::string& buffer) mutable {
+        buffer += text;
+        return !std::exchange(text, {}).empty();
+    };
+}
+
 void CsvRows::fail(const std::string& text) const { throw Error({m_file, m_rowLine}, text, ErrorCode::format); }
 
 int CsvRows::peek() {
@@ -90,18 +97,25 @@ bool CsvRows::readRow(std::vector<CsvCell>& row) {
     return row.size() > 1 || row.front().isQuoted || !row.front().text.empty();
 }
 
+void CsvRows::skipByteOrderMark() {
+    if (peek() != kEnd && std::string_view(m_buffer).starts_with(kByteOrderMark)) m_at = kByteOrderMark.size();
+}
+
+bool CsvRows::skipComment() {
+    if (m_comments == CsvComments::none || peek() != '#') return false;
+    for (int character = take(); character != '\n' && character != kEnd;) character = take();
+    return true;
+}
+
 bool CsvRows::next(std::vector<CsvCell>& row) {
-    const bool isFirst = m_rowLine == 0;
-    while (peek() != kEnd) {
-        if (!readRow(row)) continue;
-        if (isFirst && row.front().text.starts_with(kByteOrderMark)) row.front().text.erase(0, kByteOrderMark.size());
-        return true;
-    }
+    if (m_rowLine == 0) skipByteOrderMark();
+    while (peek() != kEnd)
+        if (!skipComment() && readRow(row)) return true;
     return false;
 }
 
 std::string csvCell(std::string_view text) {
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
+    if (!text.starts_with('#') && text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
     std::string cell;
     appendQuotedCell(cell, text);
     return cell;

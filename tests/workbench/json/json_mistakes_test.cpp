@@ -45,25 +45,25 @@ TEST(JsonMistakes, areCalledByTheirNames) {
         {"\xEF\xBB\xBF{}", "starts with a byte order mark"},
         {"{\"a\": \"b\n}", ":1:9: not JSON: the line ends inside a text"},
         {"{\"a\": \"b\r\n}", "the line ends inside a text"},
-        {"{\"a\": \"b\tc\"}", "a tab stands in a text"},
-        {"{\"a\": \"b\x01\"}", "a control character stands in a text"},
-        {"{\"a\": \"C:\\models\"}", "a backslash in a text"},
+        {"{\"a\": \"b\tc\"}", "there is a tab in a text"},
+        {"{\"a\": \"b\x01\"}", "there is a control character in a text"},
+        {"{\"a\": \"C:\\models\"}", "in a text, a backslash must"},
         {"{\"a\": \"\\u12x4\"}", "four hexadecimal digits"},
         {"{\"a\": \"b", "the document ends inside a text"},
         {"{\"a\": 1", "the document ends too early"},
         {"", "there is nothing in it"},
         {" \n", "there is nothing in it"},
-        {"{name: 1}", "double quotes, and these are missing"},
-        {"{\"a\": scope}", "double quotes, and these are missing"},
+        {"{name: 1}", "need double quotes, which are missing"},
+        {"{\"a\": scope}", "need double quotes, which are missing"},
         {"{\"a\": true1}", "missing"},
-        {"{\"a\": truth}", "double quotes, and these are missing"},
-        {"{'a': 1}", "not in single ones"},
-        {"{\"a\": 'b'}", "not in single ones"},
+        {"{\"a\": truth}", "need double quotes, which are missing"},
+        {"{'a': 1}", "not single ones"},
+        {"{\"a\": 'b'}", "not single ones"},
         {"{\"a\": NaN}", "NaN and Infinity are not JSON numbers"},
         {"{\"a\": -Infinity}", "NaN and Infinity are not JSON numbers"},
         {"[nan]", "NaN and Infinity are not JSON numbers"},
-        {"{\"a\": True}", "in small letters"},
-        {"{\"a\": None}", "in small letters"},
+        {"{\"a\": True}", "in lower case"},
+        {"{\"a\": None}", "in lower case"},
         {"{\"a\": 1 \"b\": 2}", "a comma is missing"},
         {"{\"a\": 1\n\"b\": 2}", ":2:1: not JSON: a comma is missing"},
         {"[{} {}]", "a comma is missing"},
@@ -92,7 +92,7 @@ TEST(JsonMistakes, areCalledByTheirNames) {
 
 TEST(JsonMistakes, areFoundInLongLines) {
     const std::string longText = "{\"a\": [\"" + std::string(200'000, 'x');
-    EXPECT_NE(mistakeIn(longText + "\ty\"]}").find("a tab stands in a text"), std::string::npos);
+    EXPECT_NE(mistakeIn(longText + "\ty\"]}").find("there is a tab in a text"), std::string::npos);
     EXPECT_NE(mistakeIn(longText + "\\\"\"" + std::string(70'000, ' ') + "3]}").find("a comma is missing"),
               std::string::npos);
 }

@@ -41,8 +41,8 @@ TEST_F(RecordedRunFile, csvGivesColumnsWithTheirOwnTimesAndKinds) {
 TEST_F(RecordedRunFile, whatIsNoRunIsRefused) {
     EXPECT_EQ(refusal("speed\n1\n"), "is not a recorded run: its first column is not \"time\"");
     EXPECT_EQ(refusal("time,a\n0\n"), "has 1 cell, but there are 2 titles");
-    EXPECT_EQ(refusal("time,a\n0,1\n1,b\n"), "\"b\" is no number, but others in column \"a\" are");
-    EXPECT_EQ(refusal("time,a\nx,1\n"), "the time \"x\" is no number");
+    EXPECT_EQ(refusal("time,a\n0,1\n1,b\n"), "\"b\" is not a number, but others in column \"a\" are");
+    EXPECT_EQ(refusal("time,a\nx,1\n"), "the time \"x\" is not a number");
 }
 
 TEST_F(RecordedRunFile, titlesLeadBackToSignals) {
