@@ -78,7 +78,7 @@ TEST_F(StructureCommands, whatCannotBeIsRefusedAndChangesNothing) {
         {"block remove A --recursive", "\"A\" is marked: signal 1 on m/A:1, signal 3 on m/A/B:2; give --unmark"},
         {"block remove Logic", "\"Logic\" is marked: signal 2 on m/Logic/On/Fast (Self); give --unmark"},
         {"block rename A Logic", "has a block with the path \"Logic\""},
-        {"block rename A C/D", "\"C/D\": a name has no '/'"},
+        {"block rename A C/D", "\"C/D\": a name cannot contain '/'"},
         {"block rename A \"\"", "a name is empty"},
         {"port add A y", "has a port \"y\" already, number 1"},
         {"port add A z --at 4", "a new port can have a number from 1 to 3, not 4"},
@@ -96,7 +96,7 @@ TEST_F(StructureCommands, whatCannotBeIsRefusedAndChangesNothing) {
         {"chart remove Logic/On/Fast", "\"On/Fast\" is marked: signal 2 on m/Logic/On/Fast (Self); give --unmark"},
         {"chart remove A", "name a state or datum"},
         {"chart rename Logic/limit Both", "has \"Both\" already, with the SSID 8"},
-        {"chart rename Logic/On/Fast a/b", "a name has no '/'"},
+        {"chart rename Logic/On/Fast a/b", "a name cannot contain '/'"},
         {"block paint", ""},
         {"block", ""},
     };
