@@ -53,7 +53,7 @@ enum hvVariableScope : std::uint32_t {
 struct OX_API THvArrayDeleter {
     /// Releases `value` and takes it out of any scope first; null does nothing.
     static void destroy(hvArray* value) noexcept;
-    void operator()(hvArray* value) const noexcept;
+    void operator()(hvArray* value) const noexcept;  ///< Calls `destroy`.
 };
 
 /// An owned host value.

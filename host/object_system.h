@@ -20,11 +20,11 @@ namespace hos {
 class InternedName {
 public:
     constexpr InternedName() noexcept = default;
-    constexpr explicit InternedName(const std::string* entry) noexcept : m_entry(entry) {}
-    constexpr bool isEmpty() const noexcept { return m_entry == nullptr; }
+    constexpr explicit InternedName(const std::string* entry) noexcept : m_entry(entry) {}  ///< For `makeInterned`.
+    constexpr bool isEmpty() const noexcept { return m_entry == nullptr; }  ///< Whether it names nothing.
     /// The interned text, which lives as long as the process; null for the empty name.
     constexpr const std::string* text() const noexcept { return m_entry; }
-    friend constexpr bool operator==(InternedName, InternedName) noexcept = default;
+    friend constexpr bool operator==(InternedName, InternedName) noexcept = default;  ///< Compares addresses only.
 
 private:
     const std::string* m_entry = nullptr;
@@ -45,7 +45,7 @@ OX_API void* getNativeInstance(const ObjectInterface& object, InternedName fullC
 /// A declared type: "double scalar", "uint32 scalar", "int32 scalar", "logical scalar",
 /// "unicodeString", "asciiString", "any", or the full name of a class.
 class COSType;
-
+/// Where declared types are looked up.
 class OX_API COSTypeRepository {
 public:
     /// The type of that text; lives as long as the process. Throws the host's exception for a text
@@ -57,14 +57,14 @@ public:
 
 /// Access codes.
 inline constexpr int kPublicAccess = 0;
-inline constexpr int kSettableAccess = 2;
-inline constexpr int kReadOnlyAccess = 5;
+inline constexpr int kSettableAccess = 2;  ///< May be assigned.
+inline constexpr int kReadOnlyAccess = 5;  ///< An assignment is refused.
 
 /// What a property's getter and setter exchange; the member in use follows from the property's type.
 struct PropValue {
-    double number = 0.0;
+    double number = 0.0;       ///< for number and logical types (0 or 1)
     hvArray* array = nullptr;  ///< from a getter: to be released with `releaseValue`; to a setter: borrowed
-    std::u16string text;
+    std::u16string text;       ///< for both text types
 };
 
 /// Describes one property of a class. Belongs to the class it is added to.
@@ -72,51 +72,51 @@ class OX_API COSPropInfo {
 public:
     virtual ~COSPropInfo();
 
-    virtual InternedName getName() const = 0;
-    virtual const COSType* getType() const = 0;
-    virtual int getGetAccess() const = 0;
+    virtual InternedName getName() const = 0;    ///< Unique in the class, never empty.
+    virtual const COSType* getType() const = 0;  ///< Not owned; from `COSTypeRepository::getType`.
+    virtual int getGetAccess() const = 0;        ///< Who may read it.
     /// With `kReadOnlyAccess` the host refuses an assignment before it reaches `setValue`.
     virtual int getSetAccess() const = 0;
 
-    virtual void getValue(const void* instance, PropValue& value) const = 0;
-    virtual void setValue(void* instance, const PropValue& value) const = 0;
+    virtual void getValue(const void* instance, PropValue& value) const = 0;  ///< Fills the member that the type uses.
+    virtual void setValue(void* instance, const PropValue& value) const = 0;  ///< `value` is converted already.
     /// Called exactly once for each value handed out by `getValue`, also when copying it failed.
     virtual void releaseValue(PropValue& value) const = 0;
 
-    virtual bool isHidden() const = 0;
-    virtual bool isTransient() const = 0;
-    virtual bool isDependent() const = 0;
-    virtual bool isWarnOnCopyError() const = 0;
-    virtual bool isAbortedOnEqualAssignment() const = 0;
-    virtual bool isNotifiedOnRead() const = 0;
-    virtual bool isCopied() const = 0;
-    virtual bool isNotifiedOnWrite() const = 0;
+    virtual bool isHidden() const = 0;                    ///< Left out of lists and displays.
+    virtual bool isTransient() const = 0;                 ///< Not saved with the object.
+    virtual bool isDependent() const = 0;                 ///< Computed from other properties, holds no state.
+    virtual bool isWarnOnCopyError() const = 0;           ///< A failure to copy it is a warning, not an error.
+    virtual bool isAbortedOnEqualAssignment() const = 0;  ///< Assigning an equal value does nothing.
+    virtual bool isNotifiedOnRead() const = 0;            ///< The host announces each reading.
+    virtual bool isCopied() const = 0;                    ///< Taken along when the object is copied.
+    virtual bool isNotifiedOnWrite() const = 0;           ///< The host announces each assignment.
     /// Shown when the object is displayed.
     virtual bool isDisplayed() const = 0;
-    virtual bool isNeverAmbiguous() const = 0;
-    virtual int getPartialMatchPriority() const;
-    virtual bool isCaseInsensitive() const = 0;
+    virtual bool isNeverAmbiguous() const = 0;    ///< A shortened name that could mean it means it.
+    virtual int getPartialMatchPriority() const;  ///< The highest wins a shortened name; default 0.
+    virtual bool isCaseInsensitive() const = 0;   ///< Found whatever the case of its name.
     /// Offered when a script author completes a property's name.
     virtual bool isOfferedForCompletion() const = 0;
 };
 
 // ---- methods ------------------------------------------------------------------------------------
-
+/// The types of a method's inputs and outputs, in order.
 class OX_API COSMethodSignature {
 public:
-    static std::unique_ptr<COSMethodSignature> createMethodSignature();
+    static std::unique_ptr<COSMethodSignature> createMethodSignature();  ///< A new one without any.
     virtual ~COSMethodSignature();
 
     /// Types are named, and looked up when a call converts its arguments: a class's own methods name
     /// it before it exists. The empty name stands for an unspecified type.
     virtual void appendInputType(InternedName typeText) = 0;
-    virtual void appendOutputType(InternedName typeText) = 0;
+    virtual void appendOutputType(InternedName typeText) = 0;  ///< As `appendInputType`.
     /// How many trailing inputs may be left out.
     virtual void setOptionalArguments(int count) = 0;
 
-    virtual std::span<const InternedName> inputTypes() const = 0;
-    virtual std::span<const InternedName> outputTypes() const = 0;
-    virtual int optionalArguments() const = 0;
+    virtual std::span<const InternedName> inputTypes() const = 0;   ///< As appended.
+    virtual std::span<const InternedName> outputTypes() const = 0;  ///< As appended.
+    virtual int optionalArguments() const = 0;                      ///< 0 unless set.
 };
 
 /// An argument, already converted by its declared type: "double scalar", "uint32 scalar", "int32 scalar",
@@ -127,12 +127,12 @@ using Result = std::variant<std::monostate, bool, HvArrayPtr>;
 
 /// One call of a method.
 struct Invocation {
-    int resultsWanted = 0;
+    int resultsWanted = 0;  ///< may be 0
     /// At least one slot. A constructor finds the object that the host made for it in the first.
     std::span<Result> results;
     /// Set by the method: how many slots it filled.
     int resultCount = 0;
-    std::span<const Argument> arguments;
+    std::span<const Argument> arguments;  ///< those that were given, optional ones left out at the end
 };
 
 /// Describes one method of a class. Belongs to the class it is added to.
@@ -140,23 +140,23 @@ class OX_API COSMethodInfo {
 public:
     virtual ~COSMethodInfo();
 
-    virtual InternedName getName() const = 0;
-    virtual const COSMethodSignature& getSignature() const = 0;
-    virtual void invoke(Invocation& call) const = 0;
+    virtual InternedName getName() const = 0;  ///< Unique in the class; the class's own for the constructor.
+    virtual const COSMethodSignature& getSignature() const = 0;  ///< Lives as long as this.
+    virtual void invoke(Invocation& call) const = 0;             ///< Runs the method; what it throws fails the call.
 
-    virtual bool isStatic() const;
-    virtual bool isVisible() const;
-    virtual bool isSealed() const;
-    virtual bool isAbstract() const;
-    virtual int getMemberAccess() const;
+    virtual bool isStatic() const;        ///< Called by class, without an object; default false.
+    virtual bool isVisible() const;       ///< Listed among the methods; default true.
+    virtual bool isSealed() const;        ///< Subclasses may not replace it; default false.
+    virtual bool isAbstract() const;      ///< Subclasses must supply it; default false.
+    virtual int getMemberAccess() const;  ///< Who may call it; default `kPublicAccess`.
 };
 
 // ---- classes ------------------------------------------------------------------------------------
-
+/// What a class's info object adds its members to. Throws when a name is missing or taken.
 class OX_API COSClass {
 public:
     virtual ~COSClass();
-    virtual void addProperty(std::unique_ptr<COSPropInfo> property) = 0;
+    virtual void addProperty(std::unique_ptr<COSPropInfo> property) = 0;  ///< Takes it over.
     /// A method with the class's own name is its constructor.
     virtual void addMethod(std::unique_ptr<COSMethodInfo> method) = 0;
 };
@@ -174,23 +174,23 @@ public:
     virtual void* createInstance() const = 0;
     /// Destroys what `createInstance` made; null is ignored.
     virtual void destroyInstance(void* instance) const = 0;
-    virtual void updateInstance(void* instance) const;
+    virtual void updateInstance(void* instance) const;  ///< Brings an instance up to date; default: does nothing.
     /// Copies of an object name the same instance.
     virtual bool isReferenceClass() const = 0;
-    virtual const char* getDescription() const;
-    virtual const char* getDetailedDescription() const;
-    virtual int getAccess() const;
-    virtual bool isHidden() const;
-    virtual bool isSealed() const;
-    virtual bool isAbstract() const;
-    virtual bool canThisClassContainOtherClass() const;
+    virtual const char* getDescription() const;          ///< One sentence; default empty, never null.
+    virtual const char* getDetailedDescription() const;  ///< More than one; default empty, never null.
+    virtual int getAccess() const;                       ///< Who may use the class; default `kPublicAccess`.
+    virtual bool isHidden() const;                       ///< Left out of lists; default false.
+    virtual bool isSealed() const;                       ///< Has no subclasses; default false.
+    virtual bool isAbstract() const;                     ///< Has no objects of its own; default false.
+    virtual bool canThisClassContainOtherClass() const;  ///< As parts; default false.
     /// Objects may be elements of object arrays.
     virtual bool canThisClassFormArrays() const = 0;
-    virtual bool areClassFunctionsAllowed() const;
+    virtual bool areClassFunctionsAllowed() const;  ///< Methods are called from scripts; default true.
     /// Properties are read and written by name from scripts.
     virtual bool areClassPropertiesAllowed() const = 0;
-    virtual bool customSave() const;
-    virtual bool customLoad() const;
+    virtual bool customSave() const;  ///< Saves its objects itself; default false.
+    virtual bool customLoad() const;  ///< Loads its objects itself; default false.
 };
 
 // ---- namespaces ---------------------------------------------------------------------------------
@@ -205,21 +205,21 @@ public:
 
     /// The last part of the namespace's name.
     virtual const char* getName() const = 0;
-    virtual const char* getDescription() const;
-    virtual const char* getDetailedDescription() const;
-    virtual bool attemptToLoadInnerNamespace(COSNamespace& hostNamespace, InternedName name) const;
-    virtual void throwErrorForDefinitionOfExistingName(InternedName name) const;
-    virtual bool attemptToLoadClass(COSNamespace& hostNamespace, InternedName name) const;
-    virtual bool attemptToLoadFunction(COSNamespace& hostNamespace, InternedName name) const;
-    virtual bool attemptToLoadType(COSNamespace& hostNamespace, InternedName name) const;
-    virtual const COSMethodSelector* getMethodSelector() const;
+    virtual const char* getDescription() const;          ///< One sentence; default empty, never null.
+    virtual const char* getDetailedDescription() const;  ///< More than one; default empty, never null.
+    virtual bool attemptToLoadInnerNamespace(COSNamespace& hostNamespace, InternedName name) const;  ///< Finds none.
+    virtual void throwErrorForDefinitionOfExistingName(InternedName name) const;  ///< Throws; the text names it.
+    virtual bool attemptToLoadClass(COSNamespace& hostNamespace, InternedName name) const;     ///< Finds none; false.
+    virtual bool attemptToLoadFunction(COSNamespace& hostNamespace, InternedName name) const;  ///< Finds none; false.
+    virtual bool attemptToLoadType(COSNamespace& hostNamespace, InternedName name) const;      ///< Finds none; false.
+    virtual const COSMethodSelector* getMethodSelector() const;  ///< Chooses among methods, not owned; default null.
     /// Adds the namespace's contents; called once, when something inside is first looked up.
     virtual void loadContents(COSNamespace& hostNamespace) const;
-    virtual bool isDestructible() const;
-    virtual bool isLocked() const;
-    virtual bool canLoadDynamicContent() const;
+    virtual bool isDestructible() const;         ///< May be removed; default true.
+    virtual bool isLocked() const;               ///< Takes no further contents; default false.
+    virtual bool canLoadDynamicContent() const;  ///< Whether the four attempts are worth making; default false.
 };
-
+/// A namespace of the object system, which owns it.
 class OX_API COSNamespace {
 public:
     virtual ~COSNamespace();

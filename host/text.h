@@ -13,9 +13,9 @@ namespace fl::i18n {
 class codecvt_ustring_to_string {
 public:
     constexpr codecvt_ustring_to_string(const char* encoding, bool replaceIllFormed) noexcept
-        : m_encoding(encoding), m_replaceIllFormed(replaceIllFormed) {}
-    constexpr const char* encoding() const noexcept { return m_encoding; }
-    constexpr bool replacesIllFormed() const noexcept { return m_replaceIllFormed; }
+        : m_encoding(encoding), m_replaceIllFormed(replaceIllFormed) {}     ///< `encoding` lives as long as this.
+    constexpr const char* encoding() const noexcept { return m_encoding; }  ///< As given.
+    constexpr bool replacesIllFormed() const noexcept { return m_replaceIllFormed; }  ///< As given.
 
 private:
     const char* m_encoding;

@@ -11,9 +11,9 @@ namespace ks_host {
 /// Stands for what is ill-formed.
 inline constexpr char32_t kReplacementCharacter = U'\uFFFD';
 
-constexpr bool isHighSurrogate(char32_t unit) noexcept { return unit >= 0xD800 && unit < 0xDC00; }
-constexpr bool isLowSurrogate(char32_t unit) noexcept { return unit >= 0xDC00 && unit < 0xE000; }
-constexpr bool isSurrogate(char32_t unit) noexcept { return unit >= 0xD800 && unit < 0xE000; }
+constexpr bool isHighSurrogate(char32_t unit) noexcept { return unit >= 0xD800 && unit < 0xDC00; }  ///< First of two.
+constexpr bool isLowSurrogate(char32_t unit) noexcept { return unit >= 0xDC00 && unit < 0xE000; }   ///< Second of two.
+constexpr bool isSurrogate(char32_t unit) noexcept { return unit >= 0xD800 && unit < 0xE000; }      ///< Either.
 
 /// The character that starts at `at` (0-based, below the text's size), with `at` moved behind it. A surrogate without
 /// its partner counts as a character, and is handed back as it is.

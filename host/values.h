@@ -21,9 +21,9 @@ namespace ks_host {
 inline HvArrayPtr makeText(std::u16string_view text) { return HvArrayPtr(matrix::create(text.data(), text.size())); }
 /// The same from UTF-8; ill-formed sequences become U+FFFD.
 inline HvArrayPtr makeText(std::string_view utf8) { return HvArrayPtr(matrix::create(utf8.data(), utf8.size())); }
-inline HvArrayPtr makeDouble(double value) { return HvArrayPtr(hvCreateDoubleScalar(value)); }
-inline HvArrayPtr makeLogical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }
-inline HvArrayPtr makeUint32(std::uint32_t value) {
+inline HvArrayPtr makeDouble(double value) { return HvArrayPtr(hvCreateDoubleScalar(value)); }  ///< A real 1x1 double.
+inline HvArrayPtr makeLogical(bool value) { return HvArrayPtr(hvCreateLogicalScalar(value)); }  ///< A 1x1 logical.
+inline HvArrayPtr makeUint32(std::uint32_t value) {                                             ///< A 1x1 uint32.
     HvArrayPtr scalar(hvCreateNumericScalar(hvUINT32_CLASS, hvREAL));
     *static_cast<std::uint32_t*>(hvGetDataForWriting(scalar.get())) = value;
     return scalar;
@@ -105,26 +105,26 @@ inline std::optional<double> numberAt(const hvArray* value, std::size_t index = 
 /// written meanwhile, their number may not change.
 template <class Read>
 class Elements {
-public:
+public:  /// One place in the walk.
     class Iterator {
     public:
-        Iterator(const Read* read, std::size_t index) noexcept : m_read(read), m_index(index) {}
-        decltype(auto) operator*() const { return (*m_read)(m_index); }
-        Iterator& operator++() noexcept {
+        Iterator(const Read* read, std::size_t index) noexcept : m_read(read), m_index(index) {}  ///< At `index`.
+        decltype(auto) operator*() const { return (*m_read)(m_index); }  ///< What `read` gives for it.
+        Iterator& operator++() noexcept {                                ///< To the next one.
             ++m_index;
             return *this;
         }
-        bool operator==(const Iterator& other) const noexcept { return m_index == other.m_index; }
+        bool operator==(const Iterator& other) const noexcept { return m_index == other.m_index; }  ///< The same place.
 
     private:
         const Read* m_read;
         std::size_t m_index;
     };
 
-    Elements(std::size_t count, Read read) : m_count(count), m_read(read) {}
-    Iterator begin() const noexcept { return {&m_read, 0}; }
-    Iterator end() const noexcept { return {&m_read, m_count}; }
-    std::size_t size() const noexcept { return m_count; }
+    Elements(std::size_t count, Read read) : m_count(count), m_read(read) {}  ///< Of `count` elements.
+    Iterator begin() const noexcept { return {&m_read, 0}; }                  ///< At element 0.
+    Iterator end() const noexcept { return {&m_read, m_count}; }              ///< Behind the last one.
+    std::size_t size() const noexcept { return m_count; }                     ///< How many elements.
 
 private:
     std::size_t m_count;

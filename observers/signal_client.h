@@ -16,18 +16,18 @@ class SignalSpecification;
 
 /// What of an observer is saved, copied and compared member by member.
 struct SignalClientFields {
-    std::string m_uuid;
-    std::u16string m_sourceModel;
-    std::string m_signalUUID;    ///< of the observed `SignalSpecification`
-    std::string m_observerType;  ///< such as "hmi_web_widget_observer"
-    std::vector<std::u16string> m_modelPath;
-    std::vector<std::string> m_modelPathEID;
-    std::uint64_t m_updateRate = 1;
-    std::uint64_t m_dimensionChannel = 1;
-    bool m_observeImaginaryPart = false;
-    std::string m_busLeafPath;
+    std::string m_uuid;                       ///< UTF-8; the client's own
+    std::u16string m_sourceModel;             ///< name of the model that holds the signal
+    std::string m_signalUUID;                 ///< of the observed `SignalSpecification`
+    std::string m_observerType;               ///< such as "hmi_web_widget_observer"
+    std::vector<std::u16string> m_modelPath;  ///< through the model hierarchy to the block
+    std::vector<std::string> m_modelPathEID;  ///< UTF-8; the identifiers of those blocks
+    std::uint64_t m_updateRate = 1;           ///< stored and compared only
+    std::uint64_t m_dimensionChannel = 1;     ///< which element of a signal of several, from 1
+    bool m_observeImaginaryPart = false;      ///< of a complex signal
+    std::string m_busLeafPath;                ///< UTF-8; inside a bus, empty for any other signal
 
-    friend bool operator==(const SignalClientFields&, const SignalClientFields&) = default;
+    friend bool operator==(const SignalClientFields&, const SignalClientFields&) = default;  ///< Every member, exactly.
 };
 
 /// One observer of an instrumented signal: a dashboard widget or another consumer of the signal whose UUID it names.
@@ -55,7 +55,7 @@ public:
 
     /// The names of the 11 fields in order, NUL-terminated, valid as long as the library is loaded.
     static std::span<const char* const> getStructFields();
-    static int getNumStructFields();
+    static int getNumStructFields();  ///< 11.
     /// Reads element `index` of a persisted struct array by field name. Missing fields 8 to 11 read as 0, 0, false and
     /// empty, not as the defaults of a new record; a text field of another class reads as empty.
     /// Any other missing field, a number field without a number, and a path field that is not a cell array throws the

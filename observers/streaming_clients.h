@@ -18,7 +18,7 @@ namespace ks_hmi {
 /// changes. Thread: the host's interpreter thread.
 class KS_HMI_EXPORT StreamingClients {
 public:
-    using ClientPtr = boost::shared_ptr<SignalClient>;
+    using ClientPtr = boost::shared_ptr<SignalClient>;  ///< Shared with whoever looks at a client.
 
     /// Full name of the host class whose objects own such sets.
     static constexpr const char* kHostClass = "Kestrel.HMI.StreamingClients";
@@ -28,20 +28,20 @@ public:
     StreamingClients(const StreamingClients&) = delete;
     StreamingClients& operator=(const StreamingClients&) = delete;
 
-    std::u16string getModelName() const;
+    std::u16string getModelName() const;  ///< Empty until it is set.
     /// Renames the clients as well. The first naming is also the name that the host knows; a later one is not,
     /// until `validateAndRemoveUnused`: from a to b to c the host is told a, c. When a client cannot be renamed
     /// the set and the clients before it are, a first name is not known to the host, and the error propagates.
     void setModelName(const std::u16string& name);
 
-    std::size_t getCount() const;
-    void add(ClientPtr client);
-    void set(std::size_t index, ClientPtr client);
+    std::size_t getCount() const;                   ///< How many clients.
+    void add(ClientPtr client);                     ///< Appends.
+    void set(std::size_t index, ClientPtr client);  ///< Replaces the client at `index`.
     /// The client at `index`, not owned; it lives as long as somebody shares it.
     SignalClient* get(std::size_t index) const;
     /// The same, shared: it outlives what a host call may do to the set.
     ClientPtr share(std::size_t index) const;
-    void remove(std::size_t index);
+    void remove(std::size_t index);  ///< Later clients move down by one.
     /// The same clients in the same order; model names take no part. False for null.
     bool isEqual(const StreamingClients* other) const;
 

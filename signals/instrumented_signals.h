@@ -26,7 +26,7 @@ class SignalSpecification;
 /// Thread: the host's interpreter thread.
 class KS_HMI_EXPORT InstrumentedSignals {
 public:
-    using SignalPtr = boost::shared_ptr<SignalSpecification>;
+    using SignalPtr = boost::shared_ptr<SignalSpecification>;  ///< Shared with the index and with callers.
 
     /// Full name of the host class whose objects own such sets.
     static constexpr const char* kHostClass = "Kestrel.HMI.InstrumentedSignals";
@@ -53,17 +53,17 @@ public:
 
     // ---- the list ----
 
-    std::u16string getModelName() const;
+    std::u16string getModelName() const;  ///< Empty until it is set.
     /// The index is not rebuilt, although its keys include the model's name: path and chart entries made under the
     /// old name answer no more. `updateObservedPortMap` mends that; until then a record that is removed lives on in its
     /// orphaned path entry. Orphaned chart entries stay for good.
     void setModelName(const std::u16string& newName);
-    std::size_t getCount() const;
+    std::size_t getCount() const;  ///< How many signals.
     /// The record at `index`, not owned; it lives as long as somebody shares it.
     SignalSpecification* get(std::size_t index) const;
     /// The same, shared: it outlives what a host call may do to the set.
     SignalPtr share(std::size_t index) const;
-    void add(SignalPtr spec);
+    void add(SignalPtr spec);  ///< Appends, and enters the signal in the index.
     /// Inserts before `index`; the count itself is a valid position, at which it appends.
     void insert(std::size_t index, SignalPtr spec);
     /// Replaces the record at `index`, or changes nothing when that fails. The old record leaves the port index only
@@ -106,7 +106,7 @@ public:
 
     /// While rebinding is pending, signals whose cached handle is stale still answer for their path and port.
     void setRebindingPending(bool pending);
-    bool isRebindingPending() const;
+    bool isRebindingPending() const;  ///< False in a new set.
 
     // ---- the observed-port index ----
 
@@ -124,7 +124,7 @@ public:
     /// Replaces the cache of observed engine ports. Every change to the list or the index empties it, but for the
     /// removal by position of a chart signal and a rebuild that enters no port.
     void cacheKSPorts(const std::vector<ksPort*>& ports);
-    bool isKSPortObserved(const ksPort* port) const;
+    bool isKSPortObserved(const ksPort* port) const;  ///< Whether the cache holds it. Does not allocate.
     /// By block handle and port. A handle of NaN is never observed. Does not allocate.
     bool isPortObserved(double blockHandle, int portIdx) const;
     /// By handle and port, else by path and port.
@@ -145,14 +145,14 @@ public:
     void addToObservedCWObjectCache(SignalPtr spec);
     /// Takes a chart signal's activity out again; the chart object's entry stays, without the bit.
     void removeFromObservedCWObject(SignalPtr spec);
-    /// Append the model's name, `eid`, `ssid` (and `activity`) to `list`, which is not cleared.
+    /// A chart object's key (model name, `eid`, `ssid`, `activity`): appended to `list`; or entered, taken out. @{
     void constructCWLookupStr(std::vector<std::string>& list, const std::string& eid, const std::string& ssid) const;
     void constructCWLookupStrUsingActivity(std::vector<std::string>& list, const std::string& eid,
                                            const std::string& ssid, const std::string& activity) const;
     void addToObservedCWActivity(const std::string& eid, const std::string& ssid, const std::string& activity);
     void removeObservedCWActivity(const std::string& eid, const std::string& ssid, const std::string& activity);
-    /// Whether the activity of the chart object is observed; `eidPath` may carry the model's name and ":". Does not
-    /// allocate, but for texts of hundreds of characters.
+    /// @}
+    /// Whether the chart object's activity is observed; `eidPath` may carry "model:". Allocates for huge texts only.
     bool isCWActivityObserved(const std::u16string& eidPath, double ssid, const std::u16string& activity) const;
     /// Whether any activity of the chart object is. Asking about an unknown object leaves an empty entry
     /// behind; it is harmless to every query.

@@ -14,26 +14,26 @@ namespace ks_hmi {
 
 /// What of a signal is saved. Comparing looks the domain parameters up; their order is the record's affair.
 struct SignalFields {
-    using DomainParamsMap = std::unordered_map<std::u16string, std::u16string>;
+    using DomainParamsMap = std::unordered_map<std::u16string, std::u16string>;  ///< Values by name.
 
-    std::string m_uuid;
-    std::u16string m_blockPath;   ///< relative to the model
-    std::string m_eid;            ///< relative to the model
-    std::u16string m_subPath;     ///< below the block, e.g. inside a chart
-    std::u16string m_signalName;  ///< as shown to the user
-    std::u16string m_subSysPath;  ///< of the enclosing subsystem
-    std::u16string m_domainType;  ///< empty for an output port
-    std::u16string m_visualType;  ///< kind of display that the signal feeds
-    DomainParamsMap m_domainParams;
-    std::int32_t m_outputPortIndex = 0;
-    std::int32_t m_logicalPortIndex = 0;
-    std::int32_t m_decimation = 1;  ///< keep every n-th sample
-    std::int32_t m_maxPoints = 0;
-    bool m_targetBufferedStreaming = false;
-    bool m_isFrameBased = false;
-    bool m_hideInPLV = false;
+    std::string m_uuid;                      ///< UTF-8; what observers name the signal by
+    std::u16string m_blockPath;              ///< relative to the model
+    std::string m_eid;                       ///< relative to the model
+    std::u16string m_subPath;                ///< below the block, e.g. inside a chart
+    std::u16string m_signalName;             ///< as shown to the user
+    std::u16string m_subSysPath;             ///< of the enclosing subsystem
+    std::u16string m_domainType;             ///< empty for an output port
+    std::u16string m_visualType;             ///< kind of display that the signal feeds
+    DomainParamsMap m_domainParams;          ///< free-form, such as "SSID" and "Activity" of a chart signal
+    std::int32_t m_outputPortIndex = 0;      ///< 1-based
+    std::int32_t m_logicalPortIndex = 0;     ///< 1-based; found under it when not 0
+    std::int32_t m_decimation = 1;           ///< keep every n-th sample
+    std::int32_t m_maxPoints = 0;            ///< to keep, 0 for all; stored and compared only
+    bool m_targetBufferedStreaming = false;  ///< stored and compared only
+    bool m_isFrameBased = false;             ///< stored and compared only
+    bool m_hideInPLV = false;                ///< not shown in the signal viewer
 
-    friend bool operator==(const SignalFields&, const SignalFields&) = default;
+    friend bool operator==(const SignalFields&, const SignalFields&) = default;  ///< All members, parameters unordered.
 };
 
 /// One instrumented signal of a model: a block output port, or a chart's state, activity or data,
@@ -46,7 +46,7 @@ struct SignalFields {
 /// (`InstrumentedSignals::share`): scripts may change the set it is in. Thread: the host's interpreter thread.
 class KS_HMI_EXPORT SignalSpecification : public SignalFields {
 public:
-    using BlockUUIDMap = std::unordered_map<std::string, std::string>;
+    using BlockUUIDMap = std::unordered_map<std::string, std::string>;  ///< UUIDs by "port-handle".
 
     /// A record with the defaults that the members show.
     SignalSpecification();
@@ -117,7 +117,7 @@ public:
     void renameModel(const std::u16string& oldName, const std::u16string& newName);
     /// Takes a leading `modelName` off the block path and the element identifier.
     void stripModelName(const std::u16string& modelName);
-    void setCachedInfo(double blockHandle, int portIdx);
+    void setCachedInfo(double blockHandle, int portIdx);  ///< Sets both members; no set is told.
     /// Sets the output port and the cached port; the logical port is left unchanged.
     void renumberPortIndex(int portIndex);
 
@@ -162,8 +162,8 @@ public:
 
     double m_cachedBlockHandle = 0.0;  ///< valid for one load of the model
     std::int32_t m_cachedPortIdx = 0;  ///< 0 until the handle is resolved
-    std::string m_bindingRule;
-    bool m_excludeForSave = false;
+    std::string m_bindingRule;         ///< UTF-8; how the signal was bound: "eid", "path" or empty
+    bool m_excludeForSave = false;     ///< left out of the saved copy of a set
 
 private:
     KS_HMI_LOCAL SignalSpecification(const SignalSpecification&);

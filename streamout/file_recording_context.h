@@ -16,8 +16,8 @@ namespace streamout {
 /// Thread: `setDecimation` and `setMaxPoints` must not run beside a reader; all else only reads.
 class STREAMOUT_EXPORT FileRecordingContext : public StreamOutBlockContext {
 public:
-    using FileProperty = boost::variant<double, std::u16string>;
-    using FilePropertiesMap = std::unordered_map<std::string, FileProperty>;
+    using FileProperty = boost::variant<double, std::u16string>;              ///< A number or a text.
+    using FilePropertiesMap = std::unordered_map<std::string, FileProperty>;  ///< By name (UTF-8).
 
     /// Decimation and maximum number of points start empty.
     FileRecordingContext(std::u16string fullFilePath, std::u16string modelName, std::string loggingDomain,
@@ -26,15 +26,15 @@ public:
 
     /// What `getLoggingDomain` answers, so that overriding that moves the key.
     std::string getBlockId() const override;
-    virtual std::string getLoggingDomain() const;
-    virtual std::u16string getBlockPath() const;
-    virtual std::u16string getModelName() const;
+    virtual std::string getLoggingDomain() const;  ///< As given; what the registry finds it by.
+    virtual std::u16string getBlockPath() const;   ///< As given.
+    virtual std::u16string getModelName() const;   ///< As given.
     /// What follows the last separator of the full path: all of it without one, empty when it ends in one.
     /// The separator is '/', on a platform with backslashes in its paths also '\'.
     virtual std::u16string getFileName() const;
     /// The path as given; nothing is resolved or normalised.
     virtual std::u16string getFullFilePath() const;
-    virtual FilePropertiesMap getFilePropertiesMap() const;
+    virtual FilePropertiesMap getFilePropertiesMap() const;  ///< As given.
     /// The extension that the file format wants.
     virtual std::string getFileExtension() const = 0;
     /// What `getFileExtension` answers.
@@ -42,9 +42,9 @@ public:
 
     /// Decimation and maximum number of points are the texts of the block's dialog, never parsed here.
     virtual void setDecimation(const std::string& decimation);
-    virtual std::string getDecimation() const;
-    virtual void setMaxPoints(const std::string& maxPoints);
-    virtual std::string getMaxPoints() const;
+    virtual std::string getDecimation() const;                ///< Empty until it is set.
+    virtual void setMaxPoints(const std::string& maxPoints);  ///< See `setDecimation`.
+    virtual std::string getMaxPoints() const;                 ///< Empty until it is set.
 
     /// Appends the properties of `getFilePropertiesMap`, in its order, split by kind; each name stands at the
     /// position of its value. The lists are never cleared: a second call appends again. When

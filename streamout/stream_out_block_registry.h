@@ -20,8 +20,8 @@ namespace streamout {
 /// it is unregistered: it has left already, and an entry under its identifier stays.
 class STREAMOUT_EXPORT StreamOutBlockRegistry {
 public:
-    using BlockContextPtr = std::shared_ptr<StreamOutBlockContext>;
-    using BlockContextSet = std::unordered_set<BlockContextPtr>;
+    using BlockContextPtr = std::shared_ptr<StreamOutBlockContext>;  ///< Shared, never null in a registry.
+    using BlockContextSet = std::unordered_set<BlockContextPtr>;     ///< In no order.
 
     StreamOutBlockRegistry();
     ~StreamOutBlockRegistry();

@@ -43,16 +43,16 @@ OX_API void releaseHostSide() noexcept;
 
 /// What the interface manager was told by "renameModel".
 struct ModelRename {
-    std::u16string oldName;
-    std::u16string newName;
+    std::u16string oldName;  ///< as the manager was told
+    std::u16string newName;  ///< as the manager was told
 };
 /// What the dispatcher "Kestrel.HMI.kshmi" was told.
 struct HmiEvent {
-    std::u16string event;
-    std::u16string path;
+    std::u16string event;  ///< such as "block_param_change"
+    std::u16string path;   ///< full path of the block
 };
 /// Both: everything since the start or the last `releaseHostSide`, oldest first.
 OX_API const std::vector<ModelRename>& recordedRenames() noexcept;
-OX_API const std::vector<HmiEvent>& recordedEvents() noexcept;
+OX_API const std::vector<HmiEvent>& recordedEvents() noexcept;  ///< As above.
 
 }  // namespace kestrel

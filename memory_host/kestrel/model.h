@@ -19,7 +19,7 @@ namespace kestrel {
 /// A model that cannot be as asked. The text names the thing; `subject` is the offending text alone.
 class OX_API ModelError : public std::runtime_error {
 public:
-    ModelError(const std::string& text, std::string subject);
+    ModelError(const std::string& text, std::string subject);  ///< `text` is UTF-8, one sentence.
     /// UTF-8: a path, an identifier or a model name.
     const std::string& subject() const noexcept { return m_subject; }
 
@@ -32,20 +32,20 @@ OX_API bool isBlockPath(std::u16string_view text) noexcept;
 
 /// A state inside a chart: its path below the chart ("Cruise/Hold") and its identifier within the chart.
 struct ChartState {
-    std::u16string path;
-    std::uint32_t ssid = 0;
+    std::u16string path;     ///< unique in the chart
+    std::uint32_t ssid = 0;  ///< 1 or more, unique in the chart
 };
 
 /// A datum inside a chart.
 struct ChartData {
-    std::u16string name;
-    std::uint32_t ssid = 0;
+    std::u16string name;     ///< unique in the chart
+    std::uint32_t ssid = 0;  ///< 1 or more, unique in the chart
 };
 
 /// What a chart block contains. The chart itself answers to the identifier 0.
 struct Chart {
-    std::vector<ChartState> states;
-    std::vector<ChartData> data;
+    std::vector<ChartState> states;  ///< in the order shown
+    std::vector<ChartData> data;     ///< in the order shown
 };
 
 /// One block. Paths and element identifiers are relative to the model (no model name in front).
@@ -54,8 +54,8 @@ struct Block {
     std::string eid;                           ///< UTF-8; stays with the block wherever it moves
     double handle = 0.0;                       ///< fractional, new at each load; 0.0 while the model is not loaded
     std::vector<std::u16string> outputs = {};  ///< names of the output ports; port number = position, from 1
-    std::optional<Chart> chart = {};
-    std::optional<std::string> source = {};  ///< UTF-8; what an imported block is called where it comes from
+    std::optional<Chart> chart = {};           ///< of a chart block only
+    std::optional<std::string> source = {};    ///< UTF-8; what an imported block is called where it comes from
 };
 
 /// A model: its name and its blocks in the order they were added. Look-ups by path, element
@@ -64,13 +64,13 @@ class OX_API Model {
 public:
     /// Throws `ModelError` for a name that is empty or contains '/' or ':'.
     explicit Model(std::u16string name);
-    Model(Model&&) noexcept;
-    Model& operator=(Model&&) noexcept;
+    Model(Model&&) noexcept;             ///< Leaves an empty shell, to be destroyed or assigned to.
+    Model& operator=(Model&&) noexcept;  ///< As the move constructor.
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
     ~Model();
 
-    const std::u16string& name() const noexcept { return m_name; }
+    const std::u16string& name() const noexcept { return m_name; }  ///< Never empty.
     /// Throws as the constructor; the name is then unchanged.
     void rename(std::u16string name);
 
@@ -89,11 +89,11 @@ public:
     /// Makes the block a chart of these contents. Throws `ModelError` when there is no such block.
     void setChart(std::u16string_view path, Chart chart);
 
-    const std::deque<Block>& blocks() const noexcept { return m_blocks; }
+    const std::deque<Block>& blocks() const noexcept { return m_blocks; }  ///< In the order they were added.
     /// Null when there is none.
     const Block* findByPath(std::u16string_view path) const noexcept;
-    const Block* findByEid(std::string_view eid) const noexcept;
-    const Block* findByHandle(double handle) const noexcept;
+    const Block* findByEid(std::string_view eid) const noexcept;  ///< As `findByPath`.
+    const Block* findByHandle(double handle) const noexcept;      ///< As `findByPath`; 0.0 finds none.
     /// The name in front: "Model/Engine/Throttle".
     std::u16string fullPath(const Block& block) const;
 

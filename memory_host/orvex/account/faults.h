@@ -12,7 +12,7 @@
 /// Thread: the interpreter thread only. The counting is not synchronised: while faults are injected, no other thread
 /// converts text, which any thread may do at other times.
 namespace orvex {
-
+/// How an operation fails.
 enum class FaultKind : std::uint8_t {
     refusal,      ///< a call by name fails as if the called function had: a diagnostic, or an exception where asked for
     exception,    ///< the operation throws `kssvIException`, a call by name also in its no-throw form
@@ -24,9 +24,9 @@ enum class FaultKind : std::uint8_t {
 
 /// Which operation fails and how. A kind that the operation cannot have acts as `exception`.
 struct FaultPlan {
-    std::size_t failAt = 1;  ///< 1-based
-    bool andEverythingAfter = false;
-    FaultKind kind = FaultKind::exception;
+    std::size_t failAt = 1;                 ///< 1-based
+    bool andEverythingAfter = false;        ///< not that one alone
+    FaultKind kind = FaultKind::exception;  ///< how it fails
 };
 
 /// Counts host operations while it lives, and makes those of its plan fail. The innermost one counts
@@ -36,7 +36,7 @@ class OX_API FaultInjection {
 public:
     /// Counts only, so that a sweep can learn how many operations there are.
     FaultInjection() noexcept;
-    explicit FaultInjection(const FaultPlan& plan) noexcept;
+    explicit FaultInjection(const FaultPlan& plan) noexcept;  ///< Counts, and fails what `plan` says.
     FaultInjection(const FaultInjection&) = delete;
     FaultInjection& operator=(const FaultInjection&) = delete;
     ~FaultInjection();

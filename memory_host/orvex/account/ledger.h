@@ -9,12 +9,12 @@
 /// The host's account of what lives: every value, object and diagnostic, with the place that made it.
 /// Thread: the interpreter thread only.
 namespace orvex {
-
+/// How many things live, by kind.
 struct LedgerCounts {
-    std::size_t values = 0;
-    std::size_t objects = 0;
-    std::size_t diagnostics = 0;
-    friend bool operator==(const LedgerCounts&, const LedgerCounts&) = default;
+    std::size_t values = 0;                                                      ///< host values
+    std::size_t objects = 0;                                                     ///< host objects
+    std::size_t diagnostics = 0;                                                 ///< diagnostics not yet consumed
+    friend bool operator==(const LedgerCounts&, const LedgerCounts&) = default;  ///< All three are equal.
 };
 
 /// What lives now. Values inside structs and cells count as well.
@@ -33,10 +33,10 @@ struct Site {
     Site(const char* operationName, const void* callerAddress = __builtin_return_address(0)) noexcept
         : operation(operationName), caller(callerAddress) {}
 
-    const char* operation;
-    const void* caller;
+    const char* operation;  ///< such as "hvCreateString"
+    const void* caller;     ///< an address in the calling function
 };
-
+/// What is accounted for.
 enum class LedgerKind : std::uint8_t { value, object, diagnostic };
 
 /// Membership in the ledger: a member of what is accounted for. Neither copied nor moved.

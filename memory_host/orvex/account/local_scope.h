@@ -17,7 +17,7 @@ namespace orvex {
 /// A host call that runs while this lives.
 class OX_API HostCall {
 public:
-    explicit HostCall(std::string_view functionName);
+    explicit HostCall(std::string_view functionName);  ///< Of the function of that name, for messages.
     HostCall(const HostCall&) = delete;
     HostCall& operator=(const HostCall&) = delete;
     ~HostCall();

@@ -15,7 +15,7 @@ OX_API extern int g_callDepth;
 /// A call that runs while this lives.
 class OX_API RunningCall {
 public:
-    explicit RunningCall(std::string_view functionName);
+    explicit RunningCall(std::string_view functionName);  ///< Of the function of that name, for messages.
     RunningCall(const RunningCall&) = delete;
     RunningCall& operator=(const RunningCall&) = delete;
     ~RunningCall();

@@ -13,6 +13,6 @@ namespace orvex {
 /// One sentence each, with the value and the place that made it, oldest first, since the start or the last
 /// `clearScopeErrors`; at most 100.
 OX_API const std::vector<std::string>& scopeErrors() noexcept;
-OX_API void clearScopeErrors() noexcept;
+OX_API void clearScopeErrors() noexcept;  ///< Forgets them.
 
 }  // namespace orvex

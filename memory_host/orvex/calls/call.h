@@ -21,6 +21,6 @@ struct Call {
     std::string_view name;
 };
 
-using HostFunction = std::function<void(Call&)>;
+using HostFunction = std::function<void(Call&)>;  ///< Fills the call's outputs; what it throws fails the call.
 
 }  // namespace orvex

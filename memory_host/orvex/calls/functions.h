@@ -10,16 +10,16 @@
 /// Host functions: what can be called by name. Thread: the interpreter thread only.
 namespace orvex {
 
-inline constexpr int kAnyNumberOfOutputs = -1;
+inline constexpr int kAnyNumberOfOutputs = -1;  ///< The function itself says how many it has.
 
 /// A function that is registered for as long as this lives; then the name means again what it meant
 /// before. Registrations of one name may end in any order.
 class OX_API FunctionRegistration {
 public:
     FunctionRegistration() noexcept = default;
-    FunctionRegistration(std::string name, std::uint64_t number) noexcept;
-    FunctionRegistration(FunctionRegistration&&) noexcept;
-    FunctionRegistration& operator=(FunctionRegistration&&) noexcept;
+    FunctionRegistration(std::string name, std::uint64_t number) noexcept;  ///< What `registerFunction` makes.
+    FunctionRegistration(FunctionRegistration&&) noexcept;                  ///< The other ends nothing.
+    FunctionRegistration& operator=(FunctionRegistration&&) noexcept;       ///< Ends its own first.
     ~FunctionRegistration();
 
 private:

@@ -17,11 +17,11 @@ public:
     /// be loaded or has no such entry point. A failure of the entry point is thrown as `kssvIException`
     /// (want of memory as `std::bad_alloc`). The library is closed again in every such case.
     explicit LoadedLibrary(const std::string& pathOrSoname);
-    LoadedLibrary(LoadedLibrary&&) noexcept;
-    LoadedLibrary& operator=(LoadedLibrary&&) noexcept;
+    LoadedLibrary(LoadedLibrary&&) noexcept;             ///< The other holds none.
+    LoadedLibrary& operator=(LoadedLibrary&&) noexcept;  ///< Unloads its own first.
     ~LoadedLibrary();
 
-    bool isLoaded() const noexcept { return m_handle != nullptr; }
+    bool isLoaded() const noexcept { return m_handle != nullptr; }  ///< Whether it holds one.
     /// "NAME".
     const std::string& name() const noexcept { return m_name; }
     /// Address of an exported symbol, or null.

@@ -8,18 +8,18 @@
 
 /// Warnings that the host showed. Thread: the interpreter thread only.
 namespace orvex {
-
+/// One warning, as shown.
 struct Warning {
-    std::string catalogue;
-    std::string key;
-    std::string text;  ///< UTF-8
+    std::string catalogue;  ///< of the message identifier
+    std::string key;        ///< of the message identifier
+    std::string text;       ///< UTF-8
 };
 
 /// The warnings since the start or the last `clearWarnings`, oldest first.
 OX_API const std::vector<Warning>& warnings() noexcept;
-OX_API void clearWarnings() noexcept;
+OX_API void clearWarnings() noexcept;  ///< Forgets them.
 
-using WarningSink = std::function<void(const Warning&)>;
+using WarningSink = std::function<void(const Warning&)>;  ///< Shows a warning.
 /// Has each further warning shown by `sink` as it is recorded; an empty one shows nothing (as at the
 /// start). What the sink throws is dropped. Returns the sink that was in use.
 OX_API WarningSink setWarningSink(WarningSink sink) noexcept;

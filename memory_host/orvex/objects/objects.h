@@ -36,7 +36,7 @@ public:
     virtual std::vector<std::string> displayedProperties() const = 0;
 
 protected:
-    explicit COSObject(const orvex::Site& site);
+    explicit COSObject(const orvex::Site& site);  ///< Counted under that place.
 
 private:
     orvex::LedgerEntry m_ledgerEntry;

@@ -18,9 +18,9 @@
 namespace orvex {
 
 class ScriptObject;
-
+/// One property of a script class.
 struct ScriptProperty {
-    std::string name;
+    std::string name;  ///< unique in the class
     /// Makes the value that an object has before any assignment; unset means a 0x0 double.
     std::function<HvArrayPtr()> initial = {};
     /// An assignment from a script to a property that is not settable is refused.
@@ -28,13 +28,13 @@ struct ScriptProperty {
     /// When set, reading calls it instead of answering what was assigned.
     std::function<HvArrayPtr(const ScriptObject&)> computed = {};
 };
-
+/// What a script class is made of.
 struct ScriptClass {
-    std::string fullName;
+    std::string fullName;  ///< dotted
     /// Full name of the class whose properties and methods this one has as well; may be empty. It
     /// must be defined already.
     std::string superclass;
-    std::vector<ScriptProperty> properties;
+    std::vector<ScriptProperty> properties;  ///< in the order shown
     /// Fills the new object from the constructor's arguments. Unset: the constructor takes none.
     std::function<void(ScriptObject& self, std::span<const hvArray* const> arguments)> construct;
     /// Called with the object as first input.

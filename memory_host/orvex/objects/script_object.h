@@ -36,7 +36,7 @@ public:
     void store(std::string_view name, HvArrayPtr value);
     /// What was last assigned, borrowed until the next assignment; null while it is the initial value.
     const hvArray* stored(std::string_view name) const;
-    const ScriptClass& scriptClass() const noexcept { return *m_class; }
+    const ScriptClass& scriptClass() const noexcept { return *m_class; }  ///< Lives at least as long as this.
 
 private:
     std::size_t slotOf(std::string_view name) const;
