@@ -5,6 +5,7 @@
 #   memory_host             the in-memory host, for those who run it
 #   memory_host_dev         its headers and packages
 #   tool                    kshmi, its manual, completions and examples
+#   doc                     the documents
 
 include(CMakePackageConfigHelpers)
 set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
@@ -37,6 +38,9 @@ function(ks_hmi_install_library)
     FILE host-targets.cmake COMPONENT ks_hmi_foundation_dev)
   ks_hmi_install_shared(ks_hmi_foundation ks_hmi_foundation ks_hmi_foundation)
   ks_hmi_install_headers(exported_headers.txt ks_hmi_foundation_dev)
+  # What a host needs besides: the texts of the library's errors.
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/host/messages" DESTINATION "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation"
+    COMPONENT ks_hmi_foundation_dev FILES_MATCHING PATTERN "*.json")
 
   configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/ks_hmi_foundation-config.cmake.in"
     "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config.cmake" INSTALL_DESTINATION ${KS_HMI_PACKAGE_DIR}
@@ -101,4 +105,9 @@ if(KS_HMI_HAS_MEMORY_HOST)
 endif()
 if(TARGET kshmi)
   ks_hmi_install_tool()
+endif()
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT doc
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.json")
+if(KS_HMI_HAS_MEMORY_HOST)
+  include(KsHmiPackages)
 endif()

@@ -33,6 +33,9 @@ endfunction()
 # What is installed is built as it will be installed, in the same places relative to each other: nothing is patched on
 # the way, which would leave padding in the search paths.
 function(ks_hmi_ship_target target run_path)
+  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")  # where the loader looks anyway
+    set(run_path "")
+  endif()
   set_target_properties(${target} PROPERTIES
     LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}"
     INSTALL_RPATH "${run_path}"

@@ -5,6 +5,8 @@ build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev l
 lint_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 bench_packages=(libbenchmark-dev)
+consumer_packages=(gcc python3-clang-14 abigail-tools xz-utils)
+package_packages=(dpkg-dev file lintian man-db)
 mutation_packages=(python3-clang-14)
 
 works_with_cxx20() {

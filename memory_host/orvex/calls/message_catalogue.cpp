@@ -16,27 +16,8 @@ struct Message {
     std::string_view text;
 };
 
-constexpr std::string_view kFoundation = "plv_hmi_foundation:errors";
-
 constexpr std::array kMessages{
-    Message{kFoundation, "InvalidElementIndex",
-            "There is no element at this position: the collection has {0} element(s). Positions count from 1 to the "
-            "number of elements; only an insertion may name the position after the last."},
-    Message{kFoundation, "SignalObserversSetParamNonScalar",
-            "A model has one set of observers: give a single \"Kestrel.HMI.ModelObservers\" object, or an empty array "
-            "to remove the observers."},
-    Message{kFoundation, "SignalObserversSetParamInvalidType",
-            "A model's observers are an object of the class \"Kestrel.HMI.ModelObservers\": give one, or an empty "
-            "array to remove the observers."},
-    Message{kFoundation, "MissingField",
-            "The saved record is incomplete: element {1} has no value in the field \"{0}\". Save the data again with "
-            "the program that wrote it, or add the field."},
-    Message{kFoundation, "InvalidFieldValue",
-            "The saved record cannot be read: the field \"{0}\" of element {1} holds a value of the wrong kind "
-            "or size."},
-    Message{kFoundation, "InvalidObject",
-            "This \"{0}\" object has no data behind it and cannot be used. Make a new object of the class."},
-    Message{kFoundation, "NullRecord", "An empty record cannot be stored in a collection: give a complete one."},
+#include "plv_hmi_foundation_errors.inc"
 };
 
 struct ArgumentText {
