@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -54,6 +55,7 @@ public:
         const pugi::xml_node root = m_file.root();
         readHead(root);
         readWaysToRun(root);
+        readTypeUnits(root);
         const pugi::xml_node variables = XmlFile::child(root, "ModelVariables");
         if (!variables)
             m_file.fail(root, "has no list of variables (ModelVariables)", "have it written again by its exporter");
@@ -91,9 +93,38 @@ private:
         if (m_result.major == 1)
             (XmlFile::child(root, "Implementation") ? m_result.coSimulation : m_result.modelExchange) =
                 m_file.attribute(root, "modelIdentifier");
+        readAbilities(XmlFile::child(root, "CoSimulation"));
         const pugi::xml_node experiment = XmlFile::child(root, "DefaultExperiment");
         const auto number = [&](const char* name) { return numberOf<double>(m_file.attribute(experiment, name)); };
         m_result.experiment = {number("startTime"), number("stopTime"), number("stepSize"), number("tolerance")};
+    }
+
+    bool isTrue(pugi::xml_node node, const char* name) const {
+        const std::string text = m_file.attribute(node, name);
+        return text == "true" || text == "1";
+    }
+
+    void readAbilities(pugi::xml_node node) {
+        m_result.abilities = {isTrue(node, "canHandleVariableCommunicationStepSize"),
+                              isTrue(node, m_result.major == 3 ? "canGetAndSetFMUState" : "canGetAndSetFMUstate"),
+                              isTrue(node, "hasEventMode"), isTrue(node, "needsExecutionTool"),
+                              numberOf<double>(m_file.attribute(node, "fixedInternalStepSize"))};
+    }
+
+    // A type's definition has its unit itself, or, before version 3.0, in the element inside it.
+    void readTypeUnits(pugi::xml_node root) {
+        for (const pugi::xml_node type : XmlFile::child(root, "TypeDefinitions")) {
+            std::string unit = m_file.attribute(type, "unit");
+            if (unit.empty()) unit = m_file.attribute(XmlFile::child(type, "Real"), "unit");
+            if (!unit.empty()) m_typeUnits.emplace(m_file.attribute(type, "name"), std::move(unit));
+        }
+    }
+
+    std::string unitOf(pugi::xml_node node) const {
+        std::string unit = m_file.attribute(node, "unit");
+        if (!unit.empty()) return unit;
+        const auto type = m_typeUnits.find(m_file.attribute(node, "declaredType"));
+        return type != m_typeUnits.end() ? type->second : std::string();
     }
 
     void readVariable(pugi::xml_node node) {
@@ -105,6 +136,9 @@ private:
         const bool isScalarElement = localName(node.name()) == "ScalarVariable";
         variable.type = localName(isScalarElement ? typeElement(node).name() : node.name());
         variable.causality = causalityOf(node, variable);
+        variable.unit = unitOf(isScalarElement ? typeElement(node) : node);
+        if (variable.causality == FmiCausality::structuralParameter)
+            variable.size = numberOf<std::uint64_t>(m_file.attribute(node, "start"));
         for (const pugi::xml_node inner : node)
             if (localName(inner.name()) == "Dimension") variable.dimensions.push_back(dimensionOf(inner));
         add(variable);
@@ -156,6 +190,7 @@ private:
     ImportNotes& m_dropped;
     FmiDescription m_result;
     std::unordered_set<std::string> m_names;
+    std::unordered_map<std::string, std::string> m_typeUnits;
 };
 
 }  // namespace

@@ -38,13 +38,24 @@ struct FmiVariable {
     std::string variability;  ///< as the file gives it
     /// Nothing when the file gives none that is a number. Several variables may share one.
     std::optional<std::uint32_t> valueReference = std::nullopt;
-    std::vector<FmiDimension> dimensions = {};  ///< empty for a scalar
-    bool isAlias = false;                       ///< another name of the variable before it
-    std::size_t line = 0;                       ///< 1-based
+    std::vector<FmiDimension> dimensions = {};         ///< empty for a scalar
+    std::string unit = {};                             ///< of its own or of its type; empty when the file gives none
+    std::optional<std::uint64_t> size = std::nullopt;  ///< start value of a structural parameter
+    bool isAlias = false;                              ///< another name of the variable before it
+    std::size_t line = 0;                              ///< 1-based
 };
 
 struct FmiExperiment {
     std::optional<double> start, stop, step, tolerance;
+};
+
+/// What a unit says of itself as a partner in co-simulation.
+struct FmiAbilities {
+    bool takesAnyStep = false;   ///< communication steps may differ in length
+    bool keepsState = false;     ///< its state can be taken and given back
+    bool hasEventMode = false;   ///< 3.0
+    bool needsProgram = false;   ///< runs only with another program on the machine
+    std::optional<double> step;  ///< 3.0: the step that it takes inside
 };
 
 struct FmiDescription {
@@ -54,6 +65,7 @@ struct FmiDescription {
     std::string token;    ///< guid or instantiation token
     /// Names of the binaries for each way of running that the unit has.
     std::optional<std::string> modelExchange, coSimulation, scheduledExecution;
+    FmiAbilities abilities;
     FmiExperiment experiment;
     std::vector<FmiVariable> variables;  ///< in the file's order; no two with the same name
 };
