@@ -48,10 +48,10 @@ void describe(CLI::App& app, Run& run) {
     app.footer(
         "\"kshmi help COMMAND\" explains a command, with examples.\n"
         "\"kshmi example > cruise.json\" makes the model of the examples.");
-    for (const auto add :
-         {addTour,  addShow,       addMark, addSet,      addUnmark, addQuery, addObserve, addUnobserve, addClients,
-          addPorts, addRename,     addMove, addRenumber, addImport, addDiff,  addMerge,   addCarry,     addExample,
-          addHelp,  addCompletion, addNew,  addBlock,    addPort,   addChart, addCheck,   addPrune,     addReport})
+    for (const auto add : {addTour,      addShow,    addMark,  addSet,    addUnmark,  addQuery,    addObserve,
+                           addUnobserve, addClients, addPorts, addRename, addMove,    addRenumber, addImport,
+                           addRecord,    addDiff,    addMerge, addCarry,  addExample, addHelp,     addCompletion,
+                           addNew,       addBlock,   addPort,  addChart,  addCheck,   addPrune,    addReport})
         add(app, run);
 }
 

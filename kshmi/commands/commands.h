@@ -33,6 +33,7 @@ void addCheck(CLI::App& app, Run& run);
 void addPrune(CLI::App& app, Run& run);
 void addReport(CLI::App& app, Run& run);
 void addImport(CLI::App& app, Run& run);
+void addRecord(CLI::App& app, Run& run);
 void addDiff(CLI::App& app, Run& run);
 void addMerge(CLI::App& app, Run& run);
 void addCarry(CLI::App& app, Run& run);

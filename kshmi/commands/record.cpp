@@ -1,0 +1,129 @@
+#include "workbench/record/record_model.h"
+
+#include <fmt/format.h>
+
+#include "kshmi/commands/command_options.h"
+#include "kshmi/commands/commands.h"
+#include "kshmi/commands/stop_requests.h"
+#include "kshmi/print/name_notice.h"
+#include "kshmi/print/record_report.h"
+
+namespace kshmi {
+
+namespace {
+
+using namespace workbench;
+
+struct RecordArguments {
+    std::string file;
+    std::string output{kStandardStream};
+    std::vector<std::string> values;
+    RecordOptions options;
+    bool isJson = false;
+    bool isQuiet = false;
+};
+
+constexpr const char* levelText(UnitLogLevel level) noexcept {
+    return level == UnitLogLevel::error ? "error" : level == UnitLogLevel::warning ? "warning" : "information";
+}
+
+// "NAME=VALUE"; names may hold anything but '='.
+std::pair<std::string, std::string> valueOf(const std::string& text) {
+    const std::size_t end = text.find('=');
+    if (end == std::string::npos || end == 0)
+        throw Error({"--set"}, inQuotes(text) + " is not NAME=VALUE", ErrorCode::request);
+    return {text.substr(0, end), text.substr(end + 1)};
+}
+
+void listen(RecordOptions& options, const Output& output) {
+    options.target.sink = [&output](std::string_view rows) {
+        output.out << rows << std::flush;
+        if (!output.out) throw Error("the output cannot be written", ErrorCode::file);
+    };
+    options.warning = [&output](const std::string& text) { output.err << "kshmi: warning: " << text << '\n'; };
+    options.log = [&output](double time, UnitLogLevel level, std::string_view category, std::string_view text) {
+        output.err << fmt::format("{} [{}] {}{}{}\n", timeText(time), levelText(level), printable(category),
+                                  category.empty() ? "" : ": ", printable(text));
+    };
+    options.progress = [&output](double time, double until, double seconds) {
+        tellProgress(output, fmt::format("{} of {:.10g} s, {:.3g} times real time", timeText(time), until,
+                                         seconds > 0 ? time / seconds : 0.0));
+    };
+    options.control.stopRequests = StopRequests::count;
+}
+
+void tell(const RecordArguments& arguments, const RecordResult& result, const Session& session, const Output& output) {
+    if (arguments.isJson)
+        printRecordJson(result, arguments.output, session, output.out);
+    else if (!arguments.isQuiet)
+        printRecord(result, arguments.output == kStandardStream ? "standard output" : arguments.output,
+                    arguments.output == kStandardStream ? output.err : output.out);
+    if (const std::string end = earlyEndOf(result, arguments.output); !end.empty())
+        output.err << "kshmi: " << end << '\n';
+}
+
+int runRecord(const RecordArguments& arguments, const Output& output) {
+    if (arguments.isJson && arguments.output == kStandardStream)
+        throw Error("--json: the recording goes to standard output; name a file for it with --output");
+    RecordOptions options = arguments.options;
+    options.target.path = arguments.output;
+    for (const std::string& value : arguments.values) options.values.push_back(valueOf(value));
+    listen(options, output);
+    enterHost(output.err);
+    Session session(arguments.file);
+    noticeNames(session, output.err);
+    const StopRequests requests;
+    const RecordResult result = recordModel(session, options);
+    tell(arguments, result, session, output);
+    return result.end.kind == UnitEndKind::done ? kSuccess : kStoppedEarly;
+}
+
+void addRunOptions(CLI::App& command, RecordArguments& arguments) {
+    RecordOptions& options = arguments.options;
+    command.add_option("--until", options.until, "simulated time at which it ends; the unit's own if left out")
+        ->type_name("SECONDS");
+    command
+        .add_option("--step", options.step,
+                    "simulated time from sample to sample; the unit's own, else a 500th of the run, if left out")
+        ->type_name("SECONDS");
+    command.add_option("--set", arguments.values, "start value of a parameter or input; may be repeated")
+        ->type_name("NAME=VALUE")
+        ->allow_extra_args(false);
+    command.add_option("--inputs", options.inputs, "CSV file of inputs: a column \"time\", and one for each input")
+        ->type_name("FILE");
+    command.add_option("--fmu", options.unit, "the unit, where it is not where the model was imported from")
+        ->type_name("FILE");
+    command
+        .add_option("--timeout", options.control.timeout,
+                    "stop a unit that takes longer than this for one step; no limit if left out")
+        ->type_name("SECONDS")
+        ->check(CLI::PositiveNumber);
+}
+
+}  // namespace
+
+void addRecord(CLI::App& app, Run& run) {
+    const auto arguments = std::make_shared<RecordArguments>();
+    CLI::App* const command =
+        app.add_subcommand("record", "Run the unit that a model was imported from, and keep what is observed");
+    command->footer(
+        "A unit is a program, and this runs it, with all that you may do: run none that you would not start yourself. "
+        "It has a process of its own; when it crashes or is stopped, what was recorded until then is kept, and the "
+        "command ends with 6.\n"
+        "Examples:\n"
+        "  kshmi record engine.json --fmu engine.fmu --until 10 -o run.csv\n"
+        "  kshmi record engine.json --fmu engine.fmu --step 0.01 --set gain=2.5 -o runs.db\n"
+        "  kshmi record engine.json --fmu engine.fmu --inputs pedal.csv --timeout 30 --log -o run.csv");
+    command->add_option("MODEL", arguments->file, "model file")->required();
+    addRunOptions(*command, *arguments);
+    command->add_option("-o,--output", arguments->output,
+                        "file to write: a database for .db, .sqlite and .sqlite3, where each run is added, else CSV; "
+                        "standard output if left out");
+    command->add_flag("--replace", arguments->options.target.replaces, "replace a CSV file that is there already");
+    command->add_flag("--log", arguments->options.control.logs, "print the unit's messages");
+    command->add_flag("--json", arguments->isJson, "print JSON");
+    command->add_flag("-q,--quiet", arguments->isQuiet, "do not say how it went, unless it ends early");
+    runWith(*command, runRecord, arguments, run);
+}
+
+}  // namespace kshmi

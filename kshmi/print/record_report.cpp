@@ -1,0 +1,79 @@
+#include "kshmi/print/record_report.h"
+
+#include <fmt/format.h>
+
+#include <set>
+
+#include "kshmi/print/json_document.h"
+#include "kshmi/print/json_records.h"
+#include "workbench/text/text.h"
+#include "workbench/values/number_text.h"
+
+namespace kshmi {
+
+using namespace workbench;
+
+namespace {
+
+std::size_t signalCount(const RecordResult& result) {
+    std::set<std::size_t> positions;
+    for (const RunColumn& column : result.columns) positions.insert(column.position);
+    return positions.size();
+}
+
+// How many simulated seconds passed in one; empty when that says nothing.
+std::string ratioText(const RecordResult& result) {
+    const double simulated = result.end.time - result.start;
+    if (simulated <= 0 || result.seconds <= 0) return {};
+    return fmt::format(", {:.3g} times real time", simulated / result.seconds);
+}
+
+void appendColumn(std::string& out, const RunColumn& column, const Session& session) {
+    JsonObject object(out);
+    appendSignalId(object, session, column.position);
+    object.text("title", column.title).text("kind", std::string_view(nameOf(column.kind))).text("unit", column.unit);
+    object.text("block", column.block).number("port", column.port).text("portName", column.portName);
+    object.text("element", column.element).text("variable", column.variable);
+    object.number("decimation", column.decimation).number("maxPoints", column.maxPoints);
+    object.close();
+}
+
+}  // namespace
+
+std::string timeText(double time) { return fmt::format("t = {:.10g}", time); }
+
+void printRecord(const RecordResult& result, const std::string& file, std::ostream& out) {
+    out << fmt::format("{}: {} in {}, {} from {} to {}\n", printable(std::string_view(file)),
+                       counted(signalCount(result), "signal"), counted(result.columns.size(), "column"),
+                       counted(result.samples, "sample"), timeText(result.start), timeText(result.end.time));
+    out << fmt::format("{} ran for {:.3g} s{}\n", printable(std::string_view(result.unit)), result.seconds,
+                       ratioText(result));
+}
+
+void printRecordJson(const RecordResult& result, const std::string& file, const Session& session, std::ostream& out) {
+    JsonDocument document("record");
+    JsonObject& object = document.object();
+    object.text("file", file).text("model", session.model().name()).text("unit", result.unit);
+    const auto number = [&](const char* name, double value) { object.name(name).out() += textOfNumber(value); };
+    number("start", result.start);
+    number("stop", result.end.time);
+    number("until", result.until);
+    number("step", result.step);
+    number("seconds", result.seconds);
+    object.text("outcome", std::string_view(nameOf(result.end.kind))).text("message", result.end.message);
+    object.number("samples", result.samples);
+    document.list("columns", result.columns,
+                  [&](const RunColumn& column) { appendColumn(document.text(), column, session); });
+    document.print(out);
+}
+
+std::string earlyEndOf(const RecordResult& result, const std::string& file) {
+    if (result.end.kind == UnitEndKind::done) return {};
+    const std::string reason =
+        result.end.kind == UnitEndKind::interrupted ? "somebody asked to stop" : result.end.message;
+    return fmt::format("{}: stopped at {}: {}; what was recorded until then is kept in {}",
+                       printable(std::string_view(result.unit)), timeText(result.end.time), printableMessage(reason),
+                       file == kStandardStream ? "the output" : printable(std::string_view(file)));
+}
+
+}  // namespace kshmi

@@ -1,0 +1,188 @@
+/* A unit of FMI 2.0 that has an output of each type, counts what is read of it, and misbehaves as it is told. */
+#include <math.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+#include "fmi.h"
+
+enum { SINE, FED, FETCHED_REALS, GAIN = 10, INPUT = 11, WIDE = 100 }; /* reals; from WIDE on any number of them */
+enum { COUNT, MODE, BEHAVIOUR, FETCHED };                             /* integers */
+enum { WELL, CRASH, HANG, FAIL, DISCARD, FINISH, LEAVE, SPAM, ABORT_AT_END, CHATTER, HANG_AT_END, FAIL_AT_START };
+
+typedef struct {
+    const Fmi2Callbacks* callbacks;
+    double time, gain, input;
+    int steps, behaviour, fetched;
+    char text[64], name[64];
+    int log;
+} Unit;
+
+FMI_EXPORT void* fmi2Instantiate(const char* name, int type, const char* guid, const char* resources,
+                                 const Fmi2Callbacks* callbacks, int visible, int log) {
+    (void)visible;
+    if (type != 1 || strcmp(guid, "probe") != 0 || strncmp(resources, "file:///", 8) != 0) {
+        callbacks->logger(callbacks->environment, name, FMI_ERROR, "logStatusError", "guid %s is not mine", guid);
+        return NULL;
+    }
+    Unit* unit = callbacks->allocate(1, sizeof *unit);
+    unit->callbacks = callbacks;
+    unit->gain = 1;
+    unit->log = log;
+    snprintf(unit->name, sizeof unit->name, "%s", name);
+    return unit;
+}
+
+FMI_EXPORT void fmi2FreeInstance(void* unit) { ((Unit*)unit)->callbacks->release(unit); }
+
+FMI_EXPORT int fmi2SetupExperiment(void* unit, int hasTolerance, double tolerance, double start, int hasStop,
+                                   double stop) {
+    (void)hasTolerance, (void)tolerance, (void)hasStop, (void)stop;
+    ((Unit*)unit)->time = start;
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2EnterInitializationMode(void* unit) {
+    return ((Unit*)unit)->behaviour == FAIL_AT_START ? FMI_ERROR : FMI_OK;
+}
+FMI_EXPORT int fmi2ExitInitializationMode(void* unit) {
+    (void)unit;
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2Terminate(void* any) {
+    Unit* unit = any;
+    if (unit->behaviour == ABORT_AT_END) abort();
+    while (unit->behaviour == HANG_AT_END) pause();
+    return FMI_OK;
+}
+
+static void say(Unit* unit, int status, const char* text) {
+    unit->callbacks->logger(unit->callbacks->environment, unit->name, status, "probe", "%s at %g", text, unit->time);
+}
+
+static int misbehave(Unit* unit) {
+    switch (unit->behaviour) {
+        case CRASH:
+            say(unit, FMI_ERROR, "about to crash");
+            raise(SIGSEGV);
+            return FMI_OK;
+        case HANG:
+            for (;;) pause();
+        case FAIL:
+            say(unit, FMI_ERROR, "too hot");
+            return FMI_ERROR;
+        case DISCARD:
+        case FINISH:
+            return FMI_DISCARD;
+        case LEAVE:
+            exit(3);
+        default:
+            return FMI_OK;
+    }
+}
+
+FMI_EXPORT int fmi2DoStep(void* any, double time, double size, int final) {
+    Unit* unit = any;
+    (void) final;
+    if (time > 1 - 1e-9) {
+        const int status = misbehave(unit);
+        if (status != FMI_OK) return status;
+    }
+    unit->time = time + size;
+    ++unit->steps;
+    if (unit->behaviour == CHATTER) say(unit, FMI_OK, "stepped");
+    if (unit->behaviour == SPAM) puts("spam on standard output"), fflush(stdout);
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2GetRealStatus(void* unit, int kind, double* value) {
+    *value = ((Unit*)unit)->time;
+    return kind == 2 ? FMI_OK : FMI_ERROR;
+}
+FMI_EXPORT int fmi2GetBooleanStatus(void* unit, int kind, int* value) {
+    *value = ((Unit*)unit)->behaviour == FINISH;
+    return kind == 3 ? FMI_OK : FMI_ERROR;
+}
+
+FMI_EXPORT int fmi2GetReal(void* any, const unsigned* references, size_t count, double* values) {
+    Unit* unit = any;
+    unit->fetched += (int)count;
+    for (size_t i = 0; i < count; ++i) switch (references[i]) {
+            case SINE:
+                values[i] = sin(unit->time);
+                break;
+            case FED:
+                values[i] = unit->gain * unit->input;
+                break;
+            default:
+                values[i] = unit->time * 1.1 + references[i];
+        }
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2GetInteger(void* any, const unsigned* references, size_t count, int* values) {
+    Unit* unit = any;
+    for (size_t i = 0; i < count; ++i)
+        values[i] = references[i] == COUNT     ? -unit->steps
+                    : references[i] == MODE    ? unit->steps % 3 + 1
+                    : references[i] == FETCHED ? unit->fetched
+                                               : unit->behaviour;
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2GetBoolean(void* any, const unsigned* references, size_t count, int* values) {
+    (void)references;
+    for (size_t i = 0; i < count; ++i) values[i] = ((Unit*)any)->steps % 2 == 0;
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2GetString(void* any, const unsigned* references, size_t count, const char** values) {
+    Unit* unit = any;
+    (void)references;
+    snprintf(unit->text, sizeof unit->text, "step \"%d\",\nnext", unit->steps);
+    for (size_t i = 0; i < count; ++i) values[i] = unit->text;
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2SetReal(void* any, const unsigned* references, size_t count, const double* values) {
+    Unit* unit = any;
+    for (size_t i = 0; i < count; ++i) *(references[i] == GAIN ? &unit->gain : &unit->input) = values[i];
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2SetInteger(void* any, const unsigned* references, size_t count, const int* values) {
+    for (size_t i = 0; i < count; ++i)
+        if (references[i] == BEHAVIOUR) ((Unit*)any)->behaviour = values[i];
+    return FMI_OK;
+}
+
+FMI_EXPORT int fmi2SetBoolean(void* unit, const unsigned* references, size_t count, const int* values) {
+    (void)unit, (void)references, (void)count, (void)values;
+    return FMI_OK;
+}
+FMI_EXPORT int fmi2SetString(void* unit, const unsigned* references, size_t count, const char* const* values) {
+    (void)unit, (void)references, (void)count, (void)values;
+    return FMI_OK;
+}
+
+/* A state is when it was taken. */
+FMI_EXPORT int fmi2GetFMUstate(void* unit, void** state) {
+    if (*state == NULL) *state = malloc(sizeof(Unit));
+    memcpy(*state, unit, sizeof(Unit));
+    return FMI_OK;
+}
+FMI_EXPORT int fmi2SetFMUstate(void* unit, void* state) {
+    memcpy(unit, state, sizeof(Unit));
+    /* What was too much for it is not any more. */
+    ((Unit*)unit)->behaviour = WELL;
+    return FMI_OK;
+}
+FMI_EXPORT int fmi2FreeFMUstate(void* unit, void** state) {
+    (void)unit;
+    free(*state);
+    *state = NULL;
+    return FMI_OK;
+}

@@ -1,0 +1,161 @@
+#include "tests/workbench/record/record_test.h"
+
+namespace kshmi {
+namespace {
+
+using namespace testing;
+
+class Record : public RecordTest {};
+
+TEST_F(Record, keepsWhatIsObservedWithItsTypes) {
+    import(probe2());
+    mark("state:count state:mode state:even state:text wave:fed");
+    EXPECT_EQ(recorded("--set u=0.1 --set gain=3"),
+              "time,count,mode,even,text,fed\r\n"
+              "0,0,1,true,\"step \"\"0\"\",\nnext\",0.30000000000000004\r\n"
+              "0.5,-1,2,false,\"step \"\"1\"\",\nnext\",0.30000000000000004\r\n"
+              "1,-2,3,true,\"step \"\"2\"\",\nnext\",0.30000000000000004\r\n"
+              "1.5,-3,1,false,\"step \"\"3\"\",\nnext\",0.30000000000000004\r\n"
+              "2,-4,2,true,\"step \"\"4\"\",\nnext\",0.30000000000000004\r\n");
+}
+
+TEST_F(Record, fetchesWhatIsObservedAndNothingElse) {
+    import(probe2());
+    mark("wave:reads");
+    EXPECT_EQ(plain(recorded()), "time reads\n0 0\n0.5 0\n1 0\n1.5 0\n2 0\n");
+    mark("wave:sine");
+    // Reals are read in front of integers.
+    EXPECT_EQ(plain(recorded("--until 0.5 --step 0.5")), "time reads sine\n0 1 0\n0.5 2 0.479425538604203\n");
+}
+
+TEST_F(Record, nothingObservedIsSaid) {
+    import(probe2());
+    expectSaid("record", kNothing, "nothing to record: no output of the unit is observed; mark some first");
+}
+
+struct Misbehaviour {
+    Behaviour behaviour;
+    const char* said;
+};
+
+TEST_F(Record, aUnitThatStopsEarlyLeavesWhatWasRecorded) {
+    import(probe2());
+    mark("state:count");
+    const Misbehaviour cases[] = {
+        {kCrash, "stopped at t = 1: the unit was brought down by signal 11 (Segmentation fault): about to crash at 1"},
+        {kHang, "stopped at t = 1: the unit did not come back within 0.3 s"},
+        {kFail, "stopped at t = 1: fmi2DoStep reported an error: too hot at 1"},
+        {kDiscard, "stopped at t = 1: the unit gave up the step to t = 1.5 at t = 1"},
+        {kFinish, "stopped at t = 1: the unit ended the run itself"},
+        {kLeave, "stopped at t = 1: the unit ended its process itself, with exit code 3"}};
+    for (const Misbehaviour& one : cases) {
+        const Finished finished = runOn("record --timeout 0.3 " + setTo(one.behaviour));
+        EXPECT_EQ(finished.code, kStoppedEarly) << one.said;
+        expectParts(finished.err, {one.said, "what was recorded until then is kept in the output"});
+        EXPECT_EQ(plain(finished.out), "time count\n0 0\n0.5 -1\n1 -2\n") << one.said;
+    }
+    const Finished atEnd = runOn("record " + setTo(kAbortAtEnd));
+    EXPECT_EQ(atEnd.code, kStoppedEarly);
+    expectParts(atEnd.err, {"stopped at t = 2: the unit was brought down by signal 6 (Aborted)"});
+    expectParts(plain(atEnd.out), {"\n2 -4\n"});
+    expectSaid("record --timeout 0.3 " + setTo(kHangAtEnd), kStoppedEarly, "stopped at t = 2");
+    expectSaid("record " + setTo(kFailAtStart), kStoppedEarly,
+               "stopped at t = 0: fmi2EnterInitializationMode reported an error");
+}
+
+TEST_F(Record, aDiscardedStepIsTriedAgainWhereTheUnitCanGoBack) {
+    import(probe2(R"(canHandleVariableCommunicationStepSize="true" canGetAndSetFMUstate="true")"));
+    mark("state:count");
+    EXPECT_EQ(plain(recorded(setTo(kDiscard))), "time count\n0 0\n0.5 -1\n1 -2\n1.25 -3\n1.5 -4\n2 -5\n");
+}
+
+TEST_F(Record, whatCannotRunIsRefusedWithTheReason) {
+    import(probe2());
+    mark("state:count");
+    struct Case {
+        std::string description;
+        std::string binary;
+        std::string said;
+    };
+    const Case cases[] = {
+        {replaced(probe2(), "CoSimulation", "ModelExchange"), "binaries/linux64/probe2.so", "for model exchange only"},
+        {replaced(probe2(), "\"2.0\"", "\"1.0\""), "binaries/linux64/probe2.so", "a unit of FMI 1.0, which is not run"},
+        {probe2(R"(needsExecutionTool="true")"), "binaries/linux64/probe2.so", "only runs together with the program"},
+        {probe2(), "binaries/win64/probe2.so",
+         "has no binaries/linux64/probe2.so, which this machine needs, but binaries for: win64"},
+        {probe2(), "sources/probe2.so", "holds no binaries"},
+        {replaced(probe2(), "\"probe2\"", "\"../probe2\""), "binaries/linux64/probe2.so",
+         "does not say what its binary"},
+    };
+    for (const Case& one : cases) {
+        pack(one.description, one.binary);
+        expectSaid("record", kBadFile, one.said);
+    }
+    std::filesystem::remove(path("unit.fmu"));
+    expectSaid("record", kBadFile, "unit.fmu: is not where the model was imported from; name its place with --fmu");
+    write(kModel);
+    expectSaid("record", kWrongUsage, "was not imported from a unit");
+}
+
+TEST_F(Record, aUnitThatLiesIsFoundOut) {
+    import(probe2());
+    mark("state:count wave:fed");
+    pack(replaced(probe2(), "guid=\"probe\"", "guid=\"other\""));
+    expectSaid("record", kStoppedEarly, "fmi2Instantiate made no instance: guid other is not mine");
+    pack(replaced(probe2(), "state.count", "state.number"));
+    Finished finished = runOn("record");
+    EXPECT_EQ(finished.code, 0);
+    expectParts(finished.err, {"is not the unit that the model was imported from",
+                               "\"count\" is not recorded: it needs a "
+                               "variable \"state.count\", which the unit does not have"});
+    expectParts(finished.out, {"time,fed\r\n"});
+    write(workbench::testing::zipOf({{"modelDescription.xml", probe2()}, {"binaries/linux64/probe2.so", "no library"}}),
+          "unit.fmu");
+    expectSaid("record", kStoppedEarly, "stopped at t = 0: the unit's binary cannot be loaded");
+    write(workbench::testing::zipOf(
+              {{"modelDescription.xml", probe2()}, {"binaries/linux64/probe2.so", bytesOf(KSHMI_PROBES "/probe3.so")}}),
+          "unit.fmu");
+    expectSaid("record", kStoppedEarly,
+               "the unit's binary lacks the function fmi2Instantiate, which the standard demands");
+}
+
+TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
+    import(replaced(probe2(), "stopTime=\"2\"", ""));
+    mark("state:count");
+    expectSaid("record", kWrongUsage, "--until: the unit does not say how long it is to run");
+    expectSaid("record --until -1", kWrongUsage, "--until: -1 is no time after the start, t = 0");
+    expectSaid("record --until 1 --step 0", kWrongUsage, "--step: 0 is no step to get to t = 1 with");
+    expectSaid("record --until 1 --set gian=2", kWrongUsage,
+               "--set: the unit has no variable \"gian\"; did you mean \"gain\"?");
+    expectSaid("record --until 1 --set gain=two", kWrongUsage, "--set: \"gain\": \"two\" is not a number");
+    expectSaid("record --until 1 --set behaviour=1.5", kWrongUsage,
+               "\"1.5\" is not a whole number from -2147483648 to");
+    expectSaid("record --until 1 --set gain", kWrongUsage, "--set: \"gain\" is not NAME=VALUE");
+    expectSaid("record --until 1 --set gain=1 --set gain=2", kWrongUsage, "\"gain\" is given twice");
+    expectSaid("record --until 1 --json", kWrongUsage, "--json: the recording goes to standard output");
+    expectSaid("record --until 1 -o " + path(), kWrongUsage, "is what the run is made from; record to another file");
+    EXPECT_EQ(runOn("record --until 1 --quiet -o " + path("run.csv")).code, 0);
+    expectSaid("record --until 1 -o " + path("run.csv"), kBadFile, "is there already; give another name, or --replace");
+    EXPECT_EQ(runOn("record --until 1 --quiet --replace -o " + path("run.csv")).code, 0);
+    EXPECT_EQ(plain(read("run.csv")), "time count\n0 0\n0.5 -1\n1 -2\n");
+}
+
+TEST_F(Record, aUnitOfOneStepLengthDoesNotGetAShorterOne) {
+    import(probe2(""));
+    mark("state:count");
+    const Finished finished = runOn("record --quiet --until 0.8 --step 0.3");
+    EXPECT_EQ(plain(finished.out), "time count\n0 0\n0.3 -1\n0.6 -2\n");
+    expectParts(finished.err, {"takes steps of one length only; it runs until t = 0.6, not 0.8"});
+    EXPECT_EQ(finished.code, 0);
+}
+
+TEST_F(Record, theUnitsMessagesAndItsOwnOutputStayOutOfTheRecording) {
+    import(probe2());
+    mark("state:count");
+    const Finished finished = runOn("record --quiet --log --until 1 " + setTo(kChatter));
+    EXPECT_EQ(finished.err, "t = 0 [information] probe: stepped at 0.5\nt = 0.5 [information] probe: stepped at 1\n");
+    EXPECT_EQ(plain(finished.out), "time count\n0 0\n0.5 -1\n1 -2\n");
+}
+
+}  // namespace
+}  // namespace kshmi

@@ -1,0 +1,113 @@
+#include "workbench/process/shared_ring.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <cstring>
+#include <ctime>
+#include <new>
+
+namespace workbench {
+
+namespace {
+
+constexpr std::size_t kHeadRoom = 4096;
+constexpr std::size_t kWorthWaking = SharedRing::kCapacity / 16;
+constexpr std::size_t kMostAtOnce = SharedRing::kCapacity / 4;
+// Wake-ups that get lost cost no more than this.
+constexpr int kPatience = 50;
+constexpr long kNanosecondsOfMillisecond = 1'000'000;
+constexpr long kNanosecondsOfSecond = 1'000'000'000;
+
+void waitFor(sem_t& semaphore, int milliseconds) {
+    timespec end{};
+    ::clock_gettime(CLOCK_REALTIME, &end);
+    end.tv_nsec += milliseconds * kNanosecondsOfMillisecond;
+    end.tv_sec += end.tv_nsec / kNanosecondsOfSecond;
+    end.tv_nsec %= kNanosecondsOfSecond;
+    ::sem_timedwait(&semaphore, &end);
+}
+
+}  // namespace
+
+SharedRing::SharedRing()
+    : m_memory(::mmap(nullptr, kHeadRoom + kCapacity, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
+    static_assert(sizeof(Shared) <= kHeadRoom);
+    if (m_memory == MAP_FAILED) throw std::bad_alloc();
+    m_shared = new (m_memory) Shared;
+    m_bytes = static_cast<char*>(m_memory) + kHeadRoom;
+    ::sem_init(&m_shared->sent, 1, 0);
+    ::sem_init(&m_shared->received, 1, 0);
+}
+
+SharedRing::~SharedRing() { ::munmap(m_memory, kHeadRoom + kCapacity); }
+
+std::size_t SharedRing::room() {
+    constexpr std::uint64_t kAll = kCapacity;
+    if (m_head - m_knownTail == kAll) m_knownTail = m_shared->tail.load(std::memory_order_acquire);
+    while (m_head - m_knownTail == kAll) {
+        publish();
+        m_shared->senderWaits = true;
+        m_knownTail = m_shared->tail.load();
+        if (m_head - m_knownTail == kAll) {
+            flush();
+            waitFor(m_shared->received, kPatience);
+        }
+        m_shared->senderWaits = false;
+        m_knownTail = m_shared->tail.load(std::memory_order_acquire);
+    }
+    return static_cast<std::size_t>(kAll - (m_head - m_knownTail));
+}
+
+void SharedRing::put(const void* bytes, std::size_t size) {
+    const char* from = static_cast<const char*>(bytes);
+    while (size > 0) {
+        const std::size_t at = m_head % kCapacity;
+        const std::size_t piece = std::min({size, kCapacity - at, room()});
+        std::memcpy(m_bytes + at, from, piece);
+        from += piece;
+        size -= piece;
+        m_head += piece;
+    }
+}
+
+void SharedRing::publish() { m_shared->head.store(m_head, std::memory_order_release); }
+
+void SharedRing::send(const void* head, std::size_t headSize, const void* body, std::size_t bodySize) {
+    put(head, headSize);
+    put(body, bodySize);
+    publish();
+    if (m_head - m_told >= kWorthWaking) flush();
+}
+
+void SharedRing::flush() {
+    m_told = m_head;
+    if (m_shared->receiverWaits.exchange(false)) ::sem_post(&m_shared->sent);
+}
+
+void SharedRing::tellTime(double time) noexcept {
+    m_shared->time.store(time, std::memory_order_relaxed);
+    m_shared->beat.store(++m_beat, std::memory_order_relaxed);
+}
+
+bool SharedRing::receive(std::string& out) {
+    const std::uint64_t there = m_shared->head.load(std::memory_order_acquire) - m_tail;
+    if (there > kCapacity) return false;
+    const std::size_t size = std::min(static_cast<std::size_t>(there), kMostAtOnce);
+    const std::size_t at = m_tail % kCapacity;
+    const std::size_t first = std::min(size, kCapacity - at);
+    out.append(m_bytes + at, first);
+    out.append(m_bytes, size - first);
+    m_tail += size;
+    m_shared->tail.store(m_tail);
+    if (m_shared->senderWaits.exchange(false)) ::sem_post(&m_shared->received);
+    return true;
+}
+
+void SharedRing::wait(int milliseconds) {
+    m_shared->receiverWaits = true;
+    if (m_shared->head.load() == m_tail) waitFor(m_shared->sent, milliseconds);
+    m_shared->receiverWaits = false;
+}
+
+}  // namespace workbench

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <semaphore.h>
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace workbench {
+
+/// Bytes on their way from a forked process to the one that made this, in memory that both share: what was sent is
+/// there even when the sender crashes. The sender may write anything over it, so the receiver checks what it finds.
+class SharedRing {
+public:
+    static constexpr std::size_t kCapacity = std::size_t{1} << 22U;
+
+    /// Throws `std::bad_alloc`.
+    SharedRing();
+    SharedRing(const SharedRing&) = delete;
+    SharedRing& operator=(const SharedRing&) = delete;
+    ~SharedRing();
+
+    // ---- the sender ----
+
+    /// Two parts that are seen by the receiver at once, unless they are greater than the ring. Waits for room.
+    void send(const void* head, std::size_t headSize, const void* body, std::size_t bodySize);
+    /// Wakes the receiver, for what is not to wait.
+    void flush();
+    /// Says that the sender is alive, and at which simulated time.
+    void tellTime(double time) noexcept;
+    bool isToStop() const noexcept { return m_shared->isToStop.load(std::memory_order_relaxed); }
+
+    // ---- the receiver ----
+
+    /// Appends what there is to `out`, at most about a quarter of the capacity. False when the ring was damaged.
+    bool receive(std::string& out);
+    /// Until something has come or that long.
+    void wait(int milliseconds);
+    /// Changes whenever the sender tells the time.
+    std::uint64_t beat() const noexcept { return m_shared->beat.load(std::memory_order_relaxed); }
+    double time() const noexcept { return m_shared->time.load(std::memory_order_relaxed); }
+    void askToStop() noexcept { m_shared->isToStop = true; }
+
+private:
+    struct Shared {
+        alignas(64) std::atomic<std::uint64_t> head{0};  ///< bytes ever sent
+        std::atomic<std::uint64_t> beat{0};
+        std::atomic<double> time{0.0};
+        std::atomic<bool> senderWaits{false};
+        alignas(64) std::atomic<std::uint64_t> tail{0};  ///< bytes ever received
+        std::atomic<bool> receiverWaits{false};
+        std::atomic<bool> isToStop{false};
+        sem_t sent{};
+        sem_t received{};
+    };
+
+    void put(const void* bytes, std::size_t size);
+    void publish();
+    std::size_t room();
+
+    void* m_memory;
+    Shared* m_shared;
+    char* m_bytes;
+    std::uint64_t m_head = 0;       ///< of the sender, not yet published
+    std::uint64_t m_knownTail = 0;  ///< of the sender
+    std::uint64_t m_told = 0;       ///< where the receiver was last woken
+    std::uint64_t m_beat = 0;
+    std::uint64_t m_tail = 0;  ///< of the receiver, which no one else writes
+};
+
+}  // namespace workbench

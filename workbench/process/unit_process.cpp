@@ -1,0 +1,184 @@
+#include "workbench/process/unit_process.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstring>
+#include <optional>
+
+#include "workbench/process/child_process.h"
+#include "workbench/process/unit_driver.h"
+
+namespace workbench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kPause = 50;  // milliseconds
+constexpr std::chrono::milliseconds kBetweenProgress{200};
+// What a unit may take for its last step, and for going.
+constexpr std::chrono::seconds kGrace{2};
+
+// Takes the stream apart. The unit may have written anything over it.
+class Decoder {
+public:
+    Decoder(const UnitTask& task, const UnitControl& control, UnitListener& listener)
+        : m_listener(listener), m_slots(task.slotCount), m_logs(control.logs) {}
+
+    std::string& pending() noexcept { return m_pending; }
+
+    // False for what was never sent.
+    bool decode() {
+        std::size_t at = 0;
+        UnitMessageHead head;
+        while (m_pending.size() - at >= sizeof head) {
+            std::memcpy(&head, m_pending.data() + at, sizeof head);
+            if (head.size > kLongestMessage) return false;
+            const std::size_t whole = sizeof head + (head.size + 7U) / 8U * 8U;
+            if (m_pending.size() - at < whole) break;
+            if (!take(head, std::string_view(m_pending).substr(at + sizeof head, head.size))) return false;
+            at += whole;
+        }
+        m_pending.erase(0, at);
+        return true;
+    }
+
+    const std::optional<UnitEnd>& end() const noexcept { return m_end; }
+    const std::string& lastError() const noexcept { return m_lastError; }
+
+private:
+    bool take(const UnitMessageHead& head, std::string_view body) {
+        switch (head.message) {
+            case UnitMessage::sample:
+                return takeSample(head.time, body);
+            case UnitMessage::log:
+                return takeLog(head.time, body);
+            case UnitMessage::end:
+                if (body.empty() || body.front() > static_cast<char>(UnitEndKind::hung)) return false;
+                m_end = UnitEnd{static_cast<UnitEndKind>(body.front()), head.time, std::string(body.substr(1))};
+                return true;
+        }
+        return false;
+    }
+
+    bool takeSample(double time, std::string_view body) {
+        const std::size_t size = m_slots.size() * sizeof(std::uint64_t);
+        if (body.size() < size) return false;
+        if (size > 0) std::memcpy(m_slots.data(), body.data(), size);
+        m_listener.sample({time, m_number++, m_slots.data(), body.substr(size)});
+        return true;
+    }
+
+    bool takeLog(double time, std::string_view body) {
+        const std::size_t end = body.find('\0', 1);
+        if (end == std::string_view::npos || body.front() > static_cast<char>(UnitLogLevel::error)) return false;
+        const auto level = static_cast<UnitLogLevel>(body.front());
+        const std::string_view text = body.substr(end + 1);
+        if (level == UnitLogLevel::error) m_lastError = text;
+        if (m_logs) m_listener.message(time, level, body.substr(1, end - 1), text);
+        return true;
+    }
+
+    UnitListener& m_listener;
+    std::vector<std::uint64_t> m_slots;
+    bool m_logs;
+    std::string m_pending;
+    std::uint64_t m_number = 0;
+    std::optional<UnitEnd> m_end;
+    std::string m_lastError;
+};
+
+class Watch {
+public:
+    Watch(const UnitTask& task, const UnitControl& control, UnitListener& listener)
+        : m_control(control),
+          m_listener(listener),
+          m_decoder(task, control, listener),
+          m_process([&] { driveUnit(task, control.logs, m_ring); }) {}
+
+    UnitEnd run() {
+        while (true) {
+            // Whoever has ended sends nothing more.
+            const bool hasEnded = m_process.hasEnded();
+            const bool hasReceived = receive();
+            if (hasEnded && !hasReceived) return end();
+            look();
+            if (!hasReceived) m_ring.wait(m_decoder.end() ? 1 : kPause);
+        }
+    }
+
+private:
+    bool receive() {
+        const std::size_t before = m_decoder.pending().size();
+        bool isWhole = m_ring.receive(m_decoder.pending());
+        const bool hasReceived = m_decoder.pending().size() > before;
+        isWhole = isWhole && m_decoder.decode();
+        if (isWhole || m_killed) return hasReceived && isWhole;
+        stop(UnitEndKind::crashed, "the unit wrote over memory that is not its own");
+        return false;
+    }
+
+    void look() {
+        const Clock::time_point now = Clock::now();
+        if (const std::uint64_t beat = m_ring.beat(); beat != m_beat) {
+            m_beat = beat;
+            m_beatAt = now;
+        }
+        const std::chrono::duration<double> silence = now - m_beatAt;
+        const int requests = m_control.stopRequests ? m_control.stopRequests() : 0;
+        if (requests > 0 && !m_askedAt) {
+            m_ring.askToStop();
+            m_askedAt = now;
+        }
+        if (m_askedAt && (requests > 1 || now - *m_askedAt > kGrace))
+            stop(UnitEndKind::interrupted, "");
+        else if (m_control.timeout > 0 && silence.count() > m_control.timeout)
+            stop(UnitEndKind::hung, fmt::format("the unit did not come back within {} s", m_control.timeout));
+        else if (m_decoder.end() && silence > kGrace)
+            stop(m_decoder.end()->kind, m_decoder.end()->message);
+        if (now - m_toldAt < kBetweenProgress) return;
+        m_toldAt = now;
+        m_listener.progress(m_ring.time());
+    }
+
+    void stop(UnitEndKind kind, const std::string& message) {
+        if (m_killed) return;
+        m_killed = UnitEnd{kind, m_ring.time(), message};
+        m_process.kill();
+    }
+
+    UnitEnd end() const {
+        UnitEnd end{UnitEndKind::crashed, m_ring.time(), ""};
+        const std::optional<std::string> mishap = m_process.mishap();
+        if (m_decoder.end() && (m_killed || !mishap || m_decoder.end()->kind != UnitEndKind::done))
+            end = *m_decoder.end();
+        else if (m_killed)
+            end = *m_killed;
+        else
+            end.message = "the unit " + mishap.value_or("ended its process itself");
+        const bool isFault = end.kind == UnitEndKind::failed || end.kind == UnitEndKind::crashed;
+        if (isFault && !m_decoder.lastError().empty()) end.message += ": " + m_decoder.lastError();
+        return end;
+    }
+
+    const UnitControl& m_control;
+    UnitListener& m_listener;
+    SharedRing m_ring;
+    Decoder m_decoder;
+    ChildProcess m_process;
+    std::uint64_t m_beat = 0;
+    Clock::time_point m_beatAt = Clock::now();
+    Clock::time_point m_toldAt = Clock::now();
+    std::optional<Clock::time_point> m_askedAt;
+    std::optional<UnitEnd> m_killed;
+};
+
+}  // namespace
+
+UnitEnd runUnit(const UnitTask& task, const UnitControl& control, UnitListener& listener) {
+    return Watch(task, control, listener).run();
+}
+
+}  // namespace workbench

@@ -1,0 +1,165 @@
+#include "workbench/record/record_model.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+#include <filesystem>
+#include <utility>
+
+#include "workbench/import/foreign_file.h"
+#include "workbench/record/engine_ports.h"
+#include "workbench/record/run_setup.h"
+#include "workbench/record/stream_out_blocks.h"
+#include "workbench/text/text.h"
+#include "workbench/unit/unit_file.h"
+#include "workbench/unit/unit_folder.h"
+
+namespace workbench {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds kBetweenFlushes{1};
+
+double secondsSince(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
+
+// Hands samples to the writer, and tells it what of each sample there is.
+class Recorder final : public UnitListener {
+public:
+    Recorder(const RecordOptions& options, const UnitTask& task, const std::vector<RunColumn>& columns,
+             std::unique_ptr<RunWriter> writer)
+        : m_options(options), m_until(task.until), m_columns(columns), m_writer(std::move(writer)) {
+        for (const RunColumn& column : columns) m_isThinned = m_isThinned || column.decimation > 1;
+        m_isPresent.resize(m_isThinned ? columns.size() : 0);
+    }
+
+    void sample(const UnitSample& sample) override {
+        ++m_count;
+        m_time = sample.time;
+        RunRow row{sample.time, sample.slots, sample.texts, nullptr};
+        if (m_isThinned && !findPresent(sample.number, row)) return;
+        m_writer->write(row);
+    }
+
+    void message(double time, UnitLogLevel level, std::string_view category, std::string_view text) override {
+        if (m_options.log) m_options.log(time, level, category, text);
+    }
+
+    void progress(double time) override {
+        if (Clock::now() - m_flushedAt >= kBetweenFlushes) {
+            m_writer->flush();
+            m_flushedAt = Clock::now();
+        }
+        if (m_options.progress) m_options.progress(time, m_until, seconds());
+    }
+
+    void finish(const UnitEnd& end) { m_writer->finish(end); }
+    std::uint64_t count() const noexcept { return m_count; }
+    double time() const noexcept { return m_time; }
+    double seconds() const { return secondsSince(m_startedAt); }
+
+private:
+    bool findPresent(std::uint64_t number, RunRow& row) {
+        bool isAny = false;
+        for (std::size_t i = 0; i < m_columns.size(); ++i) {
+            m_isPresent[i] = number % m_columns[i].decimation == 0 ? 1 : 0;
+            isAny = isAny || m_isPresent[i] != 0;
+        }
+        row.isPresent = m_isPresent.data();
+        return isAny;
+    }
+
+    const RecordOptions& m_options;
+    double m_until;
+    const std::vector<RunColumn>& m_columns;
+    std::unique_ptr<RunWriter> m_writer;
+    bool m_isThinned = false;
+    std::vector<std::uint8_t> m_isPresent;
+    std::uint64_t m_count = 0;
+    double m_time = 0.0;
+    const Clock::time_point m_startedAt = Clock::now();
+    Clock::time_point m_flushedAt = Clock::now();
+};
+
+void requireOther(const std::string& output, const std::string& input) {
+    std::error_code code;
+    if (output != kStandardStream && std::filesystem::equivalent(output, input, code))
+        throw Error({output}, "is what the run is made from; record to another file", ErrorCode::request);
+}
+
+void requireColumns(const RunPlan& plan, const Session& session) {
+    if (plan.columns.empty())
+        throw Error({session.path()}, "nothing to record: no output of the unit is observed; mark some first",
+                    ErrorCode::noMatch);
+}
+
+std::unique_ptr<RunWriter> writerFor(const StreamOutBlocks& blocks, const RecordOptions& options, const RunHead& head,
+                                     const RunPlan& plan) {
+    const StreamOutBlocks::File file = blocks.file();
+    const RunTarget target{file.path, options.target.replaces, options.target.sink};
+    std::unique_ptr<RunWriter> writer = file.format == RunFormat::sqlite ? makeSqliteWriter(target, head, plan.columns)
+                                                                         : makeCsvWriter(target, plan.columns);
+    return keepingLastPoints(std::move(writer), plan.columns, plan.slotCount);
+}
+
+UnitEnd runRecorded(const UnitTask& task, const RecordOptions& options, Recorder& recorder) {
+    try {
+        const UnitEnd end = runUnit(task, options.control, recorder);
+        recorder.finish(end);
+        return end;
+    } catch (const Error& error) {
+        throw Error(error.place(), fmt::format("{}; recorded until t = {}", error.text(), recorder.time()),
+                    error.code());
+    }
+}
+
+// What the run is to be called where it is kept; warns of a unit that is not the one that was imported.
+RunHead headOf(const Session& session, const RecordOptions& options, const std::string& unit,
+               const FmiDescription& description, const UnitTask& task) {
+    const std::string hash = hashOfFile(unit);
+    if (options.warning && session.origin() && session.origin()->hash != hash)
+        options.warning(
+            printable(std::string_view(unit)) +
+            " is not the unit that the model was imported from, or has changed since; its outputs are found "
+            "by their names");
+    return {toUtf8(session.model().name()), unit,       hash,     description.version,
+            task.experiment.start,          task.until, task.step};
+}
+
+}  // namespace
+
+RecordResult recordModel(Session& session, const RecordOptions& options) {
+    RecordResult result;
+    result.unit = unitPathOf(session, options);
+    for (const std::string& input : {session.path(), result.unit}) requireOther(options.target.path, input);
+    const FmiDescription description = readUnitFile(result.unit);
+    UnitTask task;
+    std::vector<GivenSize> sizes;
+    planTimes(description, options, task);
+    planValues(description, options, task, sizes);
+    if (!options.inputs.empty()) task.inputs = UnitInputs(options.inputs, description, sizes);
+    EnginePorts ports(session);
+    RunPlan plan = planRun(session, ports, description, sizes);
+    if (options.warning)
+        for (const std::string& warning : plan.warnings) options.warning(warning);
+    requireColumns(plan, session);
+    task.readings = std::move(plan.readings);
+    task.slotCount = plan.slotCount;
+    const RunHead head = headOf(session, options, result.unit, description, task);
+    const StreamOutBlocks blocks(session, plan.columns, options.target.path, head);
+    const UnitFolder folder;
+    task.start = unpackUnit(result.unit, description, folder.path());
+    task.start.logs = options.control.logs;
+    Recorder recorder(options, task, plan.columns, writerFor(blocks, options, head, plan));
+    result.end = runRecorded(task, options, recorder);
+    result.start = task.experiment.start;
+    result.until = task.until;
+    result.step = task.step;
+    result.seconds = recorder.seconds();
+    result.samples = recorder.count();
+    result.columns = std::move(plan.columns);
+    return result;
+}
+
+}  // namespace workbench

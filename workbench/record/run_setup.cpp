@@ -1,0 +1,119 @@
+#include "workbench/record/run_setup.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+
+#include "workbench/text/nearest.h"
+#include "workbench/text/text.h"
+#include "workbench/unit/array_element.h"
+
+namespace workbench {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double kStepsByDefault = 500;
+constexpr double kMostSteps = 9007199254740992.0;  // 2^53
+
+[[noreturn]] void refuse(const char* option, const std::string& text) {
+    throw Error({option}, text, ErrorCode::request);
+}
+
+void warn(const RecordOptions& options, const std::string& text) {
+    if (options.warning) options.warning(text);
+}
+
+const FmiVariable& variableCalled(const FmiDescription& description, const std::string& name) {
+    for (const FmiVariable& variable : description.variables)
+        if (variable.name == name) return variable;
+    Nearest nearest(name);
+    for (const FmiVariable& variable : description.variables) nearest.offer(variable.name);
+    refuse("--set", fmt::format("the unit has no variable {}{}", inQuotes(name), nearest.question()));
+}
+
+void requireSettable(const FmiVariable& variable) {
+    const bool isFixed = variable.causality == FmiCausality::calculatedParameter ||
+                         variable.causality == FmiCausality::independent || variable.variability == "constant";
+    if (isFixed || !variable.valueReference || !unitTypeOf(variable.type))
+        refuse("--set", fmt::format("{} cannot be set: it is {}", inQuotes(variable.name),
+                                    isFixed ? "computed by the unit" : "of a type without start values"));
+}
+
+UnitValue parsedValue(const FmiVariable& variable, const FmiDescription& description,
+                      const std::vector<GivenSize>& sizes, const std::string& text) {
+    const std::size_t count = elementCount(extentsOf(variable, description, sizes));
+    try {
+        return valueOfText(variable, count, text);
+    } catch (const Error& error) {
+        throw error.at({"--set"});
+    }
+}
+
+}  // namespace
+
+std::string unitPathOf(const Session& session, const RecordOptions& options) {
+    if (!options.unit.empty()) return options.unit;
+    const std::optional<Origin>& origin = session.origin();
+    if (!origin || (origin->kind != "fmu" && origin->kind != "fmi"))
+        throw Error({session.path()}, "was not imported from a unit; name one with --fmu, or import one",
+                    ErrorCode::request);
+    if (origin->kind == "fmi")
+        throw Error({session.path()},
+                    "was imported from a description, which cannot be run; name the .fmu that it is from with --fmu",
+                    ErrorCode::request);
+    const fs::path file(origin->file);
+    const fs::path path = file.is_absolute() ? file : fs::path(session.path()).parent_path() / file;
+    if (std::error_code code; !fs::exists(path, code))
+        throw Error({path.string()}, "is not where the model was imported from; name its place with --fmu",
+                    ErrorCode::file);
+    return path.string();
+}
+
+void planTimes(const FmiDescription& description, const RecordOptions& options, UnitTask& task) {
+    const FmiExperiment& experiment = description.experiment;
+    const double start = experiment.start.value_or(0.0);
+    if (!options.until && !experiment.stop)
+        refuse("--until", "the unit does not say how long it is to run; give the time at which it ends");
+    task.until = options.until.value_or(experiment.stop.value_or(start));
+    if (!std::isfinite(task.until) || task.until < start)
+        refuse("--until", fmt::format("{} is no time after the start, t = {}", task.until, start));
+    task.step = options.step.value_or(
+        experiment.step.value_or(description.abilities.step.value_or((task.until - start) / kStepsByDefault)));
+    if (task.until == start && !options.step && !(task.step > 0)) task.step = 1;
+    if (!std::isfinite(task.step) || task.step <= 0 || (task.until - start) / task.step >= kMostSteps)
+        refuse("--step", fmt::format("{} is no step to get to t = {} with; give a positive number of seconds",
+                                     task.step, task.until));
+    task.takesAnyStep = description.abilities.takesAnyStep;
+    task.keepsState = description.abilities.keepsState && task.takesAnyStep;
+    if (!task.takesAnyStep && hasShortStep(start, task.until, task.step)) {
+        const double last = start + static_cast<double>(stepCount(start, task.until, task.step) - 1) * task.step;
+        warn(options,
+             fmt::format("the unit takes steps of one length only; it runs until t = {}, not {}", last, task.until));
+        task.until = last;
+    }
+    task.experiment = {start, task.until, experiment.tolerance};
+}
+
+void planValues(const FmiDescription& description, const RecordOptions& options, UnitTask& task,
+                std::vector<GivenSize>& sizes) {
+    std::vector<const FmiVariable*> variables;
+    for (const auto& [name, text] : options.values) {
+        const FmiVariable& variable = variableCalled(description, name);
+        requireSettable(variable);
+        if (std::find(variables.begin(), variables.end(), &variable) != variables.end())
+            refuse("--set", inQuotes(name) + " is given twice; leave one out");
+        variables.push_back(&variable);
+        if (variable.causality != FmiCausality::structuralParameter) continue;
+        task.sizes.push_back(parsedValue(variable, description, sizes, text));
+        sizes.push_back({*variable.valueReference, task.sizes.back().slots.front()});
+    }
+    for (std::size_t i = 0; i < variables.size(); ++i)
+        if (variables[i]->causality != FmiCausality::structuralParameter)
+            task.values.push_back(parsedValue(*variables[i], description, sizes, options.values[i].second));
+}
+
+}  // namespace workbench

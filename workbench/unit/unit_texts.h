@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "workbench/unit/unit_library.h"
+
+/// Texts that a unit gave, in one buffer.
+namespace workbench {
+
+inline constexpr unsigned kTextSizeBits = 32;
+
+/// Appends a text and returns where it is: its position and its size in 32 bits each.
+inline std::uint64_t addText(std::string& texts, std::string_view text) {
+    if (texts.size() + text.size() > std::numeric_limits<std::uint32_t>::max())
+        throw UnitFailure("the unit's texts have more than 4 GiB at one time");
+    const std::uint64_t slot = (std::uint64_t{texts.size()} << kTextSizeBits) | text.size();
+    texts += text;
+    return slot;
+}
+
+/// The text at a slot; nothing of what lies outside.
+inline std::string_view textAt(std::string_view texts, std::uint64_t slot) {
+    const auto at = static_cast<std::size_t>(slot >> kTextSizeBits);
+    const auto size = static_cast<std::size_t>(slot & std::numeric_limits<std::uint32_t>::max());
+    return at <= texts.size() && size <= texts.size() - at ? texts.substr(at, size) : std::string_view();
+}
+
+}  // namespace workbench
