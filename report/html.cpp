@@ -50,6 +50,10 @@ std::string grouped(std::size_t number) {
     return digits;
 }
 
+std::string countedText(std::size_t count, std::string_view singular) {
+    return fmt::format("{} {}{}", grouped(count), singular, count == 1 ? "" : "s");
+}
+
 std::string shown(const Name& name) {
     const std::string text = workbench::shortened(workbench::printable(std::string_view(name.text)), kLongestName);
     return "<bdi>" + asReferences(text) + "</bdi>";

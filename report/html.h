@@ -37,6 +37,8 @@ std::string escaped(std::string_view text);
 std::string escaped(std::u16string_view text);
 /// "1,234,567".
 std::string grouped(std::size_t number);
+/// "1 sample", "2,000 samples".
+std::string countedText(std::size_t count, std::string_view singular);
 
 inline std::string_view shown(const Markup& markup) { return markup.html; }
 std::string shown(const Name& name);

@@ -26,15 +26,15 @@ void writeHead(Html& html, const Contents& contents) {
 }
 
 // Shown by the script, which alone gives it something to do.
-void writeTools(Html& html) {
+void writeTools(Html& html, bool hasRun) {
     html.add(
         "<div role=\"search\" class=\"tools\" id=\"tools\" hidden>\n"
         "<input type=\"search\" id=\"find\" placeholder=\"Search names, paths, clients\" "
-        "aria-label=\"Search the report\" aria-keyshortcuts=\"/\" autocomplete=\"off\" spellcheck=\"false\">\n"
-        "<label><input type=\"checkbox\" data-filter=\"clients\"> clients</label>\n"
-        "<label><input type=\"checkbox\" data-filter=\"findings\"> findings</label>\n"
-        "<label><input type=\"checkbox\" data-filter=\"observed\"> observed</label>\n"
-        "<output id=\"found\" role=\"status\"></output>\n</div>\n");
+        "aria-label=\"Search the report\" aria-keyshortcuts=\"/\" autocomplete=\"off\" spellcheck=\"false\">\n");
+    for (const std::string_view filter : {"clients", "findings", "observed", "recorded"})
+        if (hasRun || filter != "recorded")
+            html.add("<label><input type=\"checkbox\" data-filter=\"{0}\"> {0}</label>\n", filter);
+    html.add("<output id=\"found\" role=\"status\"></output>\n</div>\n");
 }
 
 }  // namespace
@@ -44,10 +44,12 @@ void writePage(const Contents& contents, const workbench::TextSink& sink) {
     Html html(sink);
     writeHead(html, contents);
     writeSummary(html, contents, index);
-    writeTools(html);
+    writeTools(html, contents.run != nullptr);
     html.add("<main>\n");
     writeFindings(html, contents, index);
+    writeRun(html, contents, index);
     writeSignals(html, contents, index);
+    writeOthers(html, index);
     writeStrays(html, contents, index);
     writeParked(html, contents);
     writeBlocks(html, contents, index);

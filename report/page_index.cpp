@@ -20,6 +20,7 @@ PageIndex::PageIndex(const Contents& contents)
     }
     for (std::size_t i = 0; i < m_tree.size(); ++i)
         if (m_tree[i].block != nullptr) m_nodes.emplace(m_tree[i].block, i);
+    if (contents.run != nullptr) m_run.emplace(*contents.run, m_uuids, m_sources.size());
     countFindings(contents);
 }
 

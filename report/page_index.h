@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "report/page.h"
+#include "report/run_view.h"
 #include "workbench/find/positions.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/find/watching.h"
@@ -29,6 +30,8 @@ public:
     std::size_t findingsOf(std::size_t signal) const { return m_findings[signal]; }
     /// The first signal on a port or chart item, nothing when there is none.
     std::optional<std::size_t> signalOn(const workbench::SignalSource& source) const;
+    /// Null for a page without a run.
+    const RunView* run() const noexcept { return m_run ? &*m_run : nullptr; }
     const std::vector<workbench::BlockNode>& tree() const noexcept { return m_tree; }
     /// Where in the tree the block is; nothing for null.
     std::optional<std::size_t> nodeOf(const kestrel::Block* block) const;
@@ -42,6 +45,7 @@ private:
     std::vector<workbench::Positions> m_clients;
     workbench::Positions m_strays;
     std::vector<std::size_t> m_findings;
+    std::optional<RunView> m_run;
     std::vector<workbench::BlockNode> m_tree;
     std::unordered_map<const kestrel::Block*, std::size_t> m_nodes;
 };

@@ -22,7 +22,7 @@ void writeMark(Html& html, const ParkedMark& mark) {
     if (mark.markedName && !mark.markedName->empty())
         html.add(" <span class=\"set\">{}</span>", Name(*mark.markedName));
     html.add("</p></div><p>{} in {}</p><p>{}</p></li>\n", lossOf(mark.lost), Name(mark.from),
-             clients == 0 ? std::string("no client") : counted(clients, "client"));
+             clients == 0 ? std::string("no client") : countedText(clients, "client"));
 }
 
 }  // namespace

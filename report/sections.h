@@ -9,7 +9,10 @@ namespace report {
 
 void writeSummary(Html& html, const Contents& contents, const PageIndex& index);
 void writeFindings(Html& html, const Contents& contents, const PageIndex& index);
+void writeRun(Html& html, const Contents& contents, const PageIndex& index);
 void writeSignals(Html& html, const Contents& contents, const PageIndex& index);
+/// What was recorded and is no signal of the model.
+void writeOthers(Html& html, const PageIndex& index);
 /// Clients whose signal is not in the model.
 void writeStrays(Html& html, const Contents& contents, const PageIndex& index);
 void writeParked(Html& html, const Contents& contents);

@@ -28,7 +28,7 @@ void writeSettings(Html& html, const SignalSpecification& signal) {
     const auto points = static_cast<std::size_t>(signal.m_maxPoints);
     html.add("<ul class=\"settings\">");
     writeSetting(html, true, decimation == 1 ? "every sample" : "every " + ordinal(decimation) + " sample");
-    writeSetting(html, points > 0, "the last " + counted(points, "point"));
+    writeSetting(html, points > 0, "the last " + countedText(points, "point"));
     writeSetting(html, signal.m_isFrameBased, "frame-based");
     writeSetting(html, signal.m_hideInPLV, "hidden in the viewer");
     writeSetting(html, signal.m_targetBufferedStreaming, "buffered");
@@ -68,20 +68,37 @@ void writeClients(Html& html, const Contents& contents, const PageIndex& index, 
     html.add("</ul>");
 }
 
-void writeSignal(Html& html, const Contents& contents, const PageIndex& index, std::size_t position) {
-    const SignalSpecification& signal = *contents.session.signals().get(position);
-    const std::size_t findings = index.findingsOf(position);
-    html.add("<li id=\"s{}\" data-has=\"observed{}{}\"><span class=\"no\">{}</span><div class=\"what\"><h3>",
-             position + 1, Markup{index.clientsOf(position).empty() ? "" : " clients"},
-             Markup{findings == 0 ? "" : " findings"}, position + 1);
+void writeHead(Html& html, const PageIndex& index, const SignalSpecification& signal, std::size_t position) {
+    html.add("<span class=\"no\">{}</span><div class=\"what\"><h3>", position + 1);
     signal.m_signalName.empty() ? html.add("<span class=\"none\">without a name</span>")
                                 : html.add("{}", Name(signal.m_signalName));
     html.add("</h3>");
     writeSource(html, index, signal, index.source(position));
-    if (findings > 0) html.add("<p><a class=\"note\" href=\"#findings\">{}</a></p>", counted(findings, "finding"));
+    if (const std::size_t findings = index.findingsOf(position); findings > 0)
+        html.add("<p><a class=\"note\" href=\"#findings\">{}</a></p>", countedText(findings, "finding"));
     html.add("</div>");
+}
+
+void writePlots(Html& html, const RunView& view, std::size_t position) {
+    const Positions& columns = view.columnsOf(position);
+    html.add("<div class=\"plots\">");
+    if (columns.empty()) html.add("<p class=\"none\">not recorded</p>");
+    for (const std::size_t column : columns)
+        writePlot(html, view.frame(), view.run().columns[column], view.run().columns[column].element);
+    html.add("</div>");
+}
+
+void writeSignal(Html& html, const Contents& contents, const PageIndex& index, std::size_t position) {
+    const SignalSpecification& signal = *contents.session.signals().get(position);
+    const RunView* const run = index.run();
+    const bool isRecorded = run != nullptr && !run->columnsOf(position).empty();
+    html.add("<li id=\"s{}\" data-has=\"observed{}{}{}\">", position + 1,
+             Markup{index.clientsOf(position).empty() ? "" : " clients"},
+             Markup{index.findingsOf(position) == 0 ? "" : " findings"}, Markup{isRecorded ? " recorded" : ""});
+    writeHead(html, index, signal, position);
     writeSettings(html, signal);
     writeClients(html, contents, index, position);
+    if (run != nullptr) writePlots(html, *run, position);
     html.add("</li>\n");
 }
 
@@ -103,7 +120,7 @@ void writeSignals(Html& html, const Contents& contents, const PageIndex& index) 
             "<p class=\"empty\">Nothing is marked. A signal is the mark on a port or chart item that is worth "
             "watching.</p>\n");
     else
-        html.add("<ol class=\"signals list\">\n");
+        html.add("<ol class=\"signals{} list\">\n", Markup{index.run() == nullptr ? "" : " plotted"});
     for (std::size_t i = 0; i < count; ++i) writeSignal(html, contents, index, i);
     if (count > 0) html.add("</ol>\n");
     closeSection(html);

@@ -27,8 +27,8 @@ std::string blockNote(const Session& session) {
         ports += block.outputs.size();
         charts += block.chart ? 1 : 0;
     }
-    std::string note = grouped(ports) + (ports == 1 ? " output port" : " output ports");
-    return charts == 0 ? note : note + ", " + counted(charts, "chart");
+    const std::string note = countedText(ports, "output port");
+    return charts == 0 ? note : note + ", " + countedText(charts, "chart");
 }
 
 // "1 dangling, 2 foreign": how it stands with those that do not simply watch.
@@ -54,7 +54,7 @@ void writeFindingFigure(Html& html, const CheckedFile& checked) {
     const std::size_t notes = checked.count(FindingLevel::note);
     std::string note;
     const auto add = [&](std::size_t count, const char* what) {
-        if (count > 0) note += (note.empty() ? "" : ", ") + counted(count, what);
+        if (count > 0) note += (note.empty() ? "" : ", ") + countedText(count, what);
     };
     add(errors, "error");
     add(warnings, "warning");
@@ -64,6 +64,22 @@ void writeFindingFigure(Html& html, const CheckedFile& checked) {
                 errors > 0     ? "error"
                 : warnings > 0 ? "warning"
                                : "");
+}
+
+void writeRunFigure(Html& html, const RunView* view, std::size_t signals) {
+    if (view == nullptr) {
+        html.add("<div class=\"figure\"><b>–</b> <span>run</span><small>none on this page</small></div>\n");
+        return;
+    }
+    const workbench::RecordedRun& run = view->run();
+    const bool isTimed = run.start && run.stop;
+    const std::string length = isTimed ? durationText(*run.stop - *run.start) : "–";
+    const std::size_t blank = length.find(' ');
+    html.add(
+        "<a class=\"figure{}\" href=\"#run\"><b>{}<i>{}</i></b> <span>run</span><small>{} of {} "
+        "recorded{}</small></a>\n",
+        Markup{view->isEarly() ? " warning" : ""}, length.substr(0, blank), isTimed ? length.substr(blank) : "",
+        grouped(view->recordedSignals()), countedText(signals, "signal"), view->isEarly() ? ", stopped early" : "");
 }
 
 // Where the model is from: nothing of the machine that the page is made on.
@@ -95,6 +111,7 @@ void writeSummary(Html& html, const Contents& contents, const PageIndex& index) 
     writeFigure(html, index.strays().empty() ? "signals" : "clients", clients == 1 ? "client" : "clients", clients,
                 clientNote(session, index));
     writeFindingFigure(html, contents.checked);
+    writeRunFigure(html, index.run(), signals);
     html.add("</div></header>\n");
 }
 

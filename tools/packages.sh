@@ -4,6 +4,8 @@ build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev l
     libsqlite3-dev libgtest-dev)
 lint_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
+# A browser for the pages of reports: where there is none, the test that looks at them is skipped.
+page_packages=(chromium python3)
 bench_packages=(libbenchmark-dev)
 consumer_packages=(gcc python3-clang-14 abigail-tools xz-utils)
 package_packages=(dpkg-dev file lintian man-db)
@@ -48,7 +50,8 @@ is_there() {
         g++) works_with_cxx20 "${CXX:-c++}" || works_with_cxx20 g++ || works_with_cxx20 clang++ ;;
         cmake) cmake_is_recent ;;
         ninja-build) have ninja ;;
-        pkg-config | clang-format | clang-tidy | valgrind) have "$1" ;;
+        chromium) have chromium || have chromium-browser || have google-chrome ;;
+        pkg-config | python3 | clang-format | clang-tidy | valgrind) have "$1" ;;
         libboost1.81-dev) boost_is_recent ;;
         python3-clang-14) /usr/bin/python3 -c 'import clang.cindex' 2>/dev/null ;;
         *) if have dpkg-query; then has_package "$1"; else has_header "${headers[$1]}"; fi ;;

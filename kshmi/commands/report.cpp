@@ -12,6 +12,7 @@
 #include "report/page.h"
 #include "workbench/check/check_file.h"
 #include "workbench/files/atomic_file.h"
+#include "workbench/record/recorded_run.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -25,6 +26,8 @@ using namespace workbench;
 struct ReportArguments {
     std::string file;
     std::string target;
+    std::string run;
+    std::optional<std::uint32_t> runNumber;
     bool isJson = false;
 };
 
@@ -74,6 +77,7 @@ void tellJson(const ReportArguments& arguments, const report::Contents& contents
     object.number("blocks", session.model().blocks().size()).number("signals", session.signals().getCount());
     object.number("clients", session.clients().getCount()).number("errors", checked.count(FindingLevel::error));
     object.number("warnings", checked.count(FindingLevel::warning)).number("notes", checked.count(FindingLevel::note));
+    if (contents.run != nullptr) object.number("recorded", contents.run->columns.size());
     document.print(output.out);
 }
 
@@ -95,6 +99,15 @@ ModelFile contentsOf(CheckedFile& checked) {
     return contents;
 }
 
+std::optional<RecordedRun> runOf(const ReportArguments& arguments, const Session& session, const Output& output) {
+    if (arguments.run.empty()) return std::nullopt;
+    tellProgress(output, "reading " + printable(std::string_view(arguments.run)));
+    const auto number = arguments.runNumber ? std::optional(static_cast<int>(*arguments.runNumber)) : std::nullopt;
+    RecordedRun run = readRecordedRun(arguments.run, number);
+    identifyColumns(run, session);
+    return run;
+}
+
 int runReport(const ReportArguments& arguments, const Output& output) {
     if (arguments.isJson && arguments.target == kStandardStream)
         throw Error("--json: standard output has the page already; give -o a file");
@@ -102,7 +115,8 @@ int runReport(const ReportArguments& arguments, const Output& output) {
     CheckedFile checked = checkFile(arguments.file);
     ModelFile file = contentsOf(checked);
     const Session session(arguments.file, std::move(file), Session::Opening::anyhow);
-    const report::Contents contents{session, checked, remedyOnPage};
+    const std::optional<RecordedRun> run = runOf(arguments, session, output);
+    const report::Contents contents{session, checked, remedyOnPage, run ? &*run : nullptr};
     const std::size_t size = write(arguments, contents, output);
     if (arguments.isJson)
         tellJson(arguments, contents, size, output);
@@ -118,11 +132,19 @@ void addReport(CLI::App& app, Run& run) {
     CLI::App* const command =
         addCommand(app, "report", "Make one HTML page of a model: what is marked, who watches it, what is wrong",
                    "  kshmi report cruise.json -o cruise.html\n"
+                   "  kshmi report cruise.json --run run.csv -o cruise.html\n"
                    "  kshmi report cruise.json -o - > cruise.html",
                    arguments->file);
     command->add_option("-o,--output", arguments->target, "page to write; \"-\" is the standard output")
         ->type_name("FILE")
         ->required();
+    CLI::Option* const runOption =
+        command->add_option("--run", arguments->run, "what was recorded: CSV or SQLite, to be plotted")
+            ->type_name("FILE");
+    command->add_option("--run-number", arguments->runNumber, "which run of the file; the last one if left out")
+        ->transform(wholeNumber(1, std::numeric_limits<std::int32_t>::max()))
+        ->type_name("N")
+        ->needs(runOption);
     command->add_flag("--json", arguments->isJson, "print JSON");
     runWith(*command, runReport, arguments, run);
 }

@@ -82,7 +82,9 @@ class Browser:
                   mobile=width < 600)
         page.call("Emulation.setEmulatedMedia",
                   features=[{"name": "prefers-color-scheme", "value": "dark" if dark else "light"}])
-        page.call("Page.navigate", url="file://" + os.path.abspath(path))
+        answer = page.call("Page.navigate", url="file://" + os.path.abspath(path))
+        if "errorText" in answer:
+            raise RuntimeError(f"{path}: {answer['errorText']}")
         self.wait_for("Page.loadEventFired")
         return page
 

@@ -1,0 +1,75 @@
+#include <filesystem>
+#include <string>
+
+#include "report/sections.h"
+#include "workbench/text/text.h"
+
+namespace report {
+
+using namespace workbench;
+
+namespace {
+
+void writeFact(Html& html, const char* what, const std::string& fact) {
+    if (!fact.empty()) html.add("<div><dt>{}</dt><dd>{}</dd></div>\n", what, Name(fact));
+}
+
+std::string simulatedTime(const RecordedRun& run) {
+    if (!run.start || !run.stop) return {};
+    std::string text = numberText(*run.start) + " s to " + numberText(*run.stop) + " s";
+    return run.until && *run.until > *run.stop ? text + " of " + numberText(*run.until) + " s" : text;
+}
+
+std::string fileOf(const RecordedRun& run) {
+    std::string text = std::filesystem::path(run.file).filename().string();
+    return run.runCount > 1 ? text + ", run " + std::to_string(run.number) + " of " + std::to_string(run.runCount)
+                            : text;
+}
+
+void writeNotes(Html& html, const Contents& contents, const RunView& view) {
+    const RecordedRun& run = view.run();
+    if (view.isEarly())
+        html.add("<p class=\"lead note\">Stopped early ({}){}{}</p>\n", Name(run.outcome),
+                 Markup{run.message.empty() ? "" : ": "}, Name(run.message));
+    const std::string model = toUtf8(contents.session.model().name());
+    if (!run.model.empty() && run.model != model)
+        html.add("<p class=\"lead note\">The run is of the model {}.</p>\n", Name(run.model));
+    if (view.recordedSignals() == 0)
+        html.add("<p class=\"lead\">None of what was recorded is a signal of this model.</p>\n");
+}
+
+}  // namespace
+
+void writeRun(Html& html, const Contents& contents, const PageIndex& index) {
+    const RunView* const view = index.run();
+    if (view == nullptr) return;
+    const RecordedRun& run = view->run();
+    openSection(html, "run", "Run", 0);
+    html.add("<dl class=\"run\">\n");
+    writeFact(html, "recorded in", fileOf(run));
+    writeFact(html, "simulated time", simulatedTime(run));
+    writeFact(html, "samples", grouped(view->sampleCount()));
+    writeFact(html, "started", run.started);
+    html.add("</dl>\n");
+    writeNotes(html, contents, *view);
+    writePlotFrame(html, view->frame());
+    closeSection(html);
+}
+
+void writeOthers(Html& html, const PageIndex& index) {
+    const RunView* const view = index.run();
+    if (view == nullptr || view->others().empty()) return;
+    openSection(html, "others", "Recorded besides", view->others().size());
+    html.add("<ul class=\"others plotted list\" data-has=\"recorded\">\n");
+    for (const std::size_t position : view->others()) {
+        const RecordedColumn& column = view->run().columns[position];
+        html.add("<li><div class=\"what\"><h3>{}</h3><p class=\"from\">{}</p></div><div class=\"plots\">",
+                 Name(column.title), Name(column.block));
+        writePlot(html, view->frame(), column, "");
+        html.add("</div></li>\n");
+    }
+    html.add("</ul>\n");
+    closeSection(html);
+}
+
+}  // namespace report
