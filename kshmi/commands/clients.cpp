@@ -5,7 +5,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
-#include "kshmi/print/json_document.h"
+#include "kshmi/commands/several_files.h"
 #include "kshmi/print/json_records.h"
 #include "kshmi/print/name_notice.h"
 #include "kshmi/print/text_table.h"
@@ -102,23 +102,20 @@ void printText(const Session& session, const std::vector<Answer>& answers, const
     table.print(output.out, output.width);
 }
 
-void printJson(const Session& session, const std::vector<Answer>& answers, std::ostream& out) {
+void addAnswers(const Session& session, const std::vector<Answer>& answers, JsonMembers& json) {
     const SignalUuids uuids(session);
-    JsonDocument document("clients");
-    document.object().text("model", session.model().name());
-    listUnsettled(document, session);
-    document.list("clients", answers, [&](const Answer& answer) {
-        JsonObject object(document.text());
+    json.object().text("model", session.model().name());
+    listUnsettled(json, session);
+    json.list("clients", answers, [&](const Answer& answer) {
+        JsonObject object(json.text());
         appendClient(object, *answer.client, answer.position, session, uuids);
         object.name("path");
-        appendJsonArray(document.text(), answer.path,
-                        [&](std::u16string_view path) { appendJsonText(document.text(), path); });
+        appendJsonArray(json.text(), answer.path, [&](std::u16string_view path) { appendJsonText(json.text(), path); });
         if (!answer.path.empty()) object.text("block", answer.path.back());
         if (answer.port > 0) object.number("port", answer.port);
         if (!answer.activity.empty()) object.text("item", answer.subPath).text("activity", answer.activity);
         object.number("decimation", answer.decimation).number("maxPoints", answer.maxPoints).close();
     });
-    document.print(out);
 }
 
 // Leaves the clients that are selected.
@@ -130,31 +127,31 @@ void narrow(const Session& session, const ClientsArguments& arguments, const Out
     });
 }
 
-int runClients(const ClientsArguments& arguments, const Output& output) {
+int listClients(const ClientsArguments& arguments, const std::string& file, JsonMembers* json, const Output& output) {
     const bool isGiven = arguments.clients.isAnything() || !arguments.clients.types.empty();
-    requireSelection(arguments.what, true);
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
+    Session session(file);
     noticeNames(session, output.err);
     std::vector<Answer> answers = answersOf(session);
     if (isGiven || isAnythingSelected(arguments.what)) narrow(session, arguments, output, answers);
-    arguments.isJson ? printJson(session, answers, output.out) : printText(session, answers, output);
+    json ? addAnswers(session, answers, *json) : printText(session, answers, output);
     return kSuccess;
 }
+
+void requireSense(const ClientsArguments& arguments) { requireSelection(arguments.what, true); }
 
 }  // namespace
 
 void addClients(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<ClientsArguments>();
     CLI::App* const command =
-        addCommand(app, "clients", "List a model's clients with what they watch, as the host finds it now",
-                   "  kshmi clients cruise.json\n  kshmi clients cruise.json --state foreign --json\n"
-                   "  kshmi clients cruise.json Sensors/Speed:1",
-                   arguments->file);
+        addLookingCommand(app, "clients", "List a model's clients with what they watch, as the host finds it now",
+                          "  kshmi clients cruise.json\n  kshmi clients cruise.json --state foreign --json\n"
+                          "  kshmi clients cruise.json Sensors/Speed:1\n  kshmi clients cruise.json plant.json",
+                          arguments->file);
     addSelection(*command, arguments->what);
     addClientSelection(*command, arguments->clients);
     command->add_flag("--json", arguments->isJson, "print JSON");
-    runWith(*command, runClients, arguments, run);
+    runOnFiles(*command, listClients, arguments, run, requireSense);
 }
 
 }  // namespace kshmi

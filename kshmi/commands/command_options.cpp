@@ -2,10 +2,13 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 #include <system_error>
 
+#include "kshmi/print/findings.h"
+#include "workbench/files/standard_stream.h"
 #include "workbench/json/json_file.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -42,6 +45,12 @@ HvArrayPtr valueOf(const std::string& json) {
     return builder.take();
 }
 
+// For a command line.
+std::string fileWord(const std::string& called) {
+    const std::string stream(kStandardStream);
+    return called == calledInMessages(stream) ? stream : shellWord(called);
+}
+
 }  // namespace
 
 CLI::Validator wholeNumber(std::uint32_t least, std::uint32_t most) {
@@ -66,6 +75,7 @@ CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const ch
 }
 
 void addChangeOptions(CLI::App& command, ChangeOptions& options) {
+    command.get_option("MODEL")->description(kStreamedModel);
     command.add_flag("--dry-run", options.isDryRun, "say what would change and change nothing");
     command.add_flag("--json", options.isJson, "print JSON");
     command.add_flag("--all-lines", options.isAllTold, "print every line, not only the first ones");
@@ -106,17 +116,25 @@ ClientSettings settingsOf(const ClientArguments& arguments) {
             arguments.isImaginary, arguments.busLeaf};
 }
 
+void requireOneInput(const std::vector<std::string>& files, const std::vector<std::string>& lists) {
+    if (std::count(files.begin(), files.end(), kStandardStream) +
+            std::count(lists.begin(), lists.end(), kStandardStream) >
+        1)
+        throw Error("standard input (-) is named twice; it can be read only once");
+}
+
 int inFile(const std::string& file, const std::function<int()>& work) {
     try {
         return work();
     } catch (const Error& error) {
         const bool namesOption = error.text().starts_with("--");
         if (!error.place().file.empty() || namesOption) throw;
-        throw error.at({file, 0, {}});
+        throw error.at({calledInMessages(file)});
     }
 }
 
 std::string messageOf(const Error& error) {
+    const std::string file = fileWord(error.place().file);
     switch (error.remedy()) {
         case Remedy::listBlocks:
             return fmt::format("{}; \"kshmi show\" lists them", error.what());
@@ -131,13 +149,12 @@ std::string messageOf(const Error& error) {
         case Remedy::removeBelow:
             return fmt::format("{}; give --recursive to remove all of it", error.what());
         case Remedy::removeDangling:
-            return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(),
-                               error.place().file);
+            return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(), file);
         case Remedy::settleNames:
             return fmt::format(
                 "{}; let marks follow their names with \"kshmi check {} --mend names\", or accept what is there with "
                 "\"kshmi set {} REF --confirm\"",
-                error.what(), error.place().file, error.place().file);
+                error.what(), file, file);
         case Remedy::none:
             break;
     }

@@ -26,6 +26,9 @@ namespace kshmi {
 CLI::Validator wholeNumber(std::uint32_t least = 0, std::uint32_t most = std::numeric_limits<std::uint32_t>::max());
 /// A command on a model file, with its help.
 CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file);
+/// What MODEL is for a command that changes it.
+inline constexpr const char* kStreamedModel =
+    "model file; - reads the model from standard input and writes the changed one to standard output";
 /// "--dry-run", "--json" and "--all-lines".
 void addChangeOptions(CLI::App& command, ChangeOptions& options);
 /// What can be said of a signal: "--name", "--decimation" and so on.
@@ -43,6 +46,9 @@ void addClientSettings(CLI::App& command, ClientArguments& arguments);
 /// Throws `workbench::Error` for parameters that are no value and for a kind without a name.
 workbench::ClientSettings settingsOf(const ClientArguments& arguments);
 
+/// Throws `workbench::Error` when standard input is among the files and lists more than once.
+void requireOneInput(const std::vector<std::string>& files, const std::vector<std::string>& lists);
+
 /// What `work` returns. A refusal that names neither the file nor an option in front is given the file's name.
 int inFile(const std::string& file, const std::function<int()>& work);
 
@@ -56,7 +62,9 @@ void runWith(CLI::App& command, int (*function)(const Arguments&, const Output&)
     command.callback([function, arguments, &run] {
         run = [function, arguments](const Output& output) {
             if constexpr (requires { arguments->file; }) {
-                tellProgress(output, "working on " + workbench::printable(std::string_view(arguments->file)));
+                tellWork(output, arguments->file);
+                if constexpr (requires { arguments->what.from; })
+                    requireOneInput({arguments->file}, arguments->what.from);
                 return inFile(arguments->file, [&] { return function(*arguments, output); });
             } else {
                 return function(*arguments, output);

@@ -76,7 +76,7 @@ int runMark(const MarkArguments& arguments, const Output& output) {
     Session session(arguments.file);
     const std::vector<Wanted> wanted = wantedOf(session, arguments, output);
     if (arguments.settings.isAny() && !arguments.isMarkedSkipped) requireUnmarked(session, wanted);
-    ChangeReport report(output, "mark", arguments.options);
+    ChangeReport report(output, "mark", arguments.options, session);
     for (const Wanted& one : wanted) {
         const std::string what = describe(session.model(), one);
         if (one.isMarked) {
@@ -85,16 +85,12 @@ int runMark(const MarkArguments& arguments, const Output& output) {
         }
         addSignal(session, one.source, one.activity, arguments.settings);
         const std::size_t position = session.signals().getCount() - 1;
-        report.change(Fate::added, "mark", "marked", fmt::format("{} as signal {}", what, position + 1),
-                      [&](JsonObject& object) {
-                          object.text("kind", std::string_view("signal"));
-                          appendSignal(object, session, position);
-                      });
+        report.change("mark", "marked", fmt::format("{} as signal {}", what, position + 1));
     }
     if (arguments.settings.isExcludedFromSave.value_or(false))
         output.err << "warning: the saved file does not have what is excluded from saving; without "
                       "--exclude-from-save it does\n";
-    return report.finish(session);
+    return report.finish();
 }
 
 }  // namespace

@@ -49,9 +49,9 @@ int runMove(const MoveArguments& arguments, const Output& output) {
         requirePath(arguments.newPath, isLiteral && !arguments.newPath.starts_with('/')
                                            ? toUtf16(arguments.newPath)
                                            : withoutModel(session.model(), arguments.newPath));
-    ChangeReport report(output, "move", arguments.options);
+    ChangeReport report(output, "move", arguments.options, session);
     tell(session.model(), moveBlocks(session, path, newPath), report);
-    return report.finish(session);
+    return report.finish();
 }
 
 }  // namespace

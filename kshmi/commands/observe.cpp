@@ -6,7 +6,6 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
-#include "kshmi/print/json_records.h"
 #include "kshmi/print/lost_clients.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
@@ -78,19 +77,16 @@ int runObserve(const ObserveArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
     const SignalUuids uuids(session);
-    ChangeReport report(output, "observe", arguments.options);
+    ChangeReport report(output, "observe", arguments.options, session);
     const std::size_t before = session.clients().getCount();
     for (const std::size_t signal : signalsOf(session, arguments, output)) {
         addClient(session, signal, settings);
         const std::size_t position = session.clients().getCount() - 1;
-        report.change(Fate::added, "add", "added", describeClient(session, position, uuids), [&](JsonObject& object) {
-            object.text("kind", std::string_view("client"));
-            appendClient(object, *session.clients().get(position), position, session, uuids);
-        });
+        report.change("add", "added", describeClient(session, position, uuids));
     }
     const std::size_t count = session.clients().getCount();
     if (count > before) warnOfDeprecated(*session.clients().get(count - 1), arguments.file, output.err);
-    return report.finish(session);
+    return report.finish();
 }
 
 }  // namespace

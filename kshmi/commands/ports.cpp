@@ -6,7 +6,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
-#include "kshmi/print/json_document.h"
+#include "kshmi/commands/several_files.h"
 #include "kshmi/print/json_records.h"
 #include "kshmi/print/name_notice.h"
 #include "kshmi/print/text_table.h"
@@ -80,13 +80,12 @@ void printText(const Session& session, const std::vector<Source>& sources, const
     table.print(output.out, output.width);
 }
 
-void printJson(const Session& session, const std::vector<Source>& sources, std::ostream& out) {
+void addPorts(const Session& session, const std::vector<Source>& sources, JsonMembers& json) {
     const SignalUuids uuids(session);
-    JsonDocument document("ports");
-    document.object().text("model", session.model().name());
-    listUnsettled(document, session);
-    document.list("ports", sources, [&](const Source& source) {
-        JsonObject object(document.text());
+    json.object().text("model", session.model().name());
+    listUnsettled(json, session);
+    json.list("ports", sources, [&](const Source& source) {
+        JsonObject object(json.text());
         const auto position = uuids.positionOf(source.uuid);
         if (position) appendSignalId(object, session, *position);
         object.text("block", source.blockPath).number("port", source.outputPortIndex);
@@ -95,41 +94,41 @@ void printJson(const Session& session, const std::vector<Source>& sources, std::
         object.truth("frameBased", source.isFrameBased).truth("hidden", source.hideInPLV);
         object.truth("buffered", source.targetBufferedStreaming).close();
     });
-    document.print(out);
 }
 
-int runPorts(const PortsArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    const Session session(arguments.file);
+int listPorts(const PortsArguments& arguments, const std::string& file, JsonMembers* json, const Output& output) {
+    const Session session(file);
     noticeNames(session, output.err);
     const HvArrayPtr model = script::modelObject(session.model().name());
     const std::string below = fullBelow(session.model(), arguments.below);
     std::vector<Source> sources;
     ks_hmi::InstrumentedSignals::getObservedPorts(model.get(), below.c_str(), arguments.visualType.c_str(), sources,
                                                   arguments.isHiddenListed, /*withUnsaved=*/true);
-    const bool isNarrowed = isAnythingSelected(arguments.what) || !arguments.what.selection.except.empty();
-    if (isNarrowed) narrow(session, arguments.what, output, sources);
-    arguments.isJson ? printJson(session, sources, output.out) : printText(session, sources, output);
+    if (isNarrowed(arguments.what)) narrow(session, arguments.what, output, sources);
+    json ? addPorts(session, sources, *json) : printText(session, sources, output);
     return kSuccess;
 }
+
+void requireSense(const PortsArguments& arguments) { requireApplicable(arguments.what, false); }
 
 }  // namespace
 
 void addPorts(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<PortsArguments>();
-    CLI::App* const command = addCommand(app, "ports", "List the observed ports as an editor asks for them",
-                                         "  kshmi ports cruise.json\n"
-                                         "  kshmi ports cruise.json --below Sensors --no-hidden\n"
-                                         "  kshmi ports cruise.json --all '*:valid'\n"
-                                         "  kshmi ports cruise.json --visual-type dial --json",
-                                         arguments->file);
+    CLI::App* const command = addLookingCommand(app, "ports", "List the observed ports as an editor asks for them",
+                                                "  kshmi ports cruise.json\n"
+                                                "  kshmi ports cruise.json --below Sensors --no-hidden\n"
+                                                "  kshmi ports cruise.json --all '*:valid'\n"
+                                                "  kshmi ports cruise.json --visual-type dial --json\n"
+                                                "  kshmi ports cruise.json plant.json",
+                                                arguments->file);
     addSelection(*command, arguments->what);
     command->add_option("--below", arguments->below, "only at and below this path")->type_name("PATH");
     command->add_option("--visual-type", arguments->visualType, "only signals that feed this kind of display");
     command->add_flag("--hidden,!--no-hidden", arguments->isHiddenListed,
                       "list hidden signals, too (so it is unless --no-hidden is given)");
     command->add_flag("--json", arguments->isJson, "print JSON");
-    runWith(*command, runPorts, arguments, run);
+    runOnFiles(*command, listPorts, arguments, run, requireSense);
 }
 
 }  // namespace kshmi

@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <utility>
+
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/finding_kinds.h"
@@ -34,11 +36,13 @@ void printText(const SettledFile& file, const PruneArguments& arguments, std::os
                            textOf(one.kind));
     FindingCounts counts;
     counts.add(file.now);
+    const std::string removals = counted(file.settled.size(), "removal");
     const std::string what = file.settled.empty() ? std::string("nothing to remove")
-                             : arguments.isDryRun
-                                 ? fmt::format("dry run, {} not made", counted(file.settled.size(), "removal"))
-                                 : fmt::format("saved after {}", counted(file.settled.size(), "removal"));
-    out << fmt::format("{}: {}; check now: {}\n", printable(std::string_view(arguments.file)), what, textOf(counts));
+                             : arguments.isDryRun ? fmt::format("dry run, {} not made", removals)
+                                                  : "saved after " + removals;
+    const bool isSaved = !file.settled.empty() && !arguments.isDryRun;
+    const std::string name = isSaved ? calledWhenSaved(arguments.file) : calledInMessages(arguments.file);
+    out << fmt::format("{}: {}; check now: {}\n", printable(std::string_view(name)), what, textOf(counts));
 }
 
 void printJson(const SettledFile& file, const PruneArguments& arguments, std::ostream& out) {
@@ -49,18 +53,39 @@ void printJson(const SettledFile& file, const PruneArguments& arguments, std::os
     document.print(out);
 }
 
+[[noreturn]] void refuse(const Finding& finding) {
+    ErrorPlace place = finding.place;
+    place.file = calledInMessages(place.file);
+    throw Error(std::move(place), finding.text,
+                finding.code == FindingCode::unreadable ? ErrorCode::file : ErrorCode::format);
+}
+
+void print(const SettledFile& file, const PruneArguments& arguments, std::ostream& out) {
+    arguments.isJson ? printJson(file, arguments, out) : printText(file, arguments, out);
+}
+
+// What is not changed goes on as it came.
+int pruneStream(const PruneArguments& arguments, const FindingKinds& kinds, const Output& output) {
+    std::string text = readStandardInput();
+    CheckedFile checked = checkText(arguments.file, text);
+    if (!checked.contents) refuse(checked.findings.back());
+    std::string pruned;
+    const SettledFile file = settleFile(std::move(checked), Settling::prune, kinds, arguments.isDryRun,
+                                        [&](std::string_view piece) { pruned += piece; });
+    sendModel(output, pruned.empty() ? text : pruned);
+    print(file, arguments, besideModel(output));
+    return file.settled.empty() ? kNothing : kSuccess;
+}
+
 int runPrune(const PruneArguments& arguments, const Output& output) {
     const FindingKinds kinds = kindsOf(arguments);
     kshmi::enterHost(output.err);
+    if (arguments.file == kStandardStream) return pruneStream(arguments, kinds, output);
     CheckedFile checked = checkFile(arguments.file);
-    if (!checked.contents) {
-        const Finding& finding = checked.findings.back();
-        const bool isUnreadable = finding.code == FindingCode::unreadable;
-        throw Error(finding.place, finding.text, isUnreadable ? ErrorCode::file : ErrorCode::format);
-    }
+    if (!checked.contents) refuse(checked.findings.back());
     const SettledFile file = settleFile(std::move(checked), Settling::prune, kinds, arguments.isDryRun);
     warnOfSave(arguments.file, file.warnings, output.err);
-    arguments.isJson ? printJson(file, arguments, output.out) : printText(file, arguments, output.out);
+    print(file, arguments, output.out);
     return file.settled.empty() ? kNothing : kSuccess;
 }
 
@@ -76,6 +101,7 @@ void addPrune(CLI::App& app, Run& run) {
                    arguments->file);
     addKinds(*command, "--kinds", arguments->kinds, isPrunable,
              "what to remove (gone, duplicates, dangling and deprecated if left out), with commas between");
+    command->get_option("MODEL")->description(kStreamedModel);
     command->add_flag("--dry-run", arguments->isDryRun, "say what would change and change nothing");
     command->add_flag("--json", arguments->isJson, "print JSON");
     runWith(*command, runPrune, arguments, run);

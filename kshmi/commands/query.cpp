@@ -5,7 +5,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
-#include "kshmi/print/json_document.h"
+#include "kshmi/commands/several_files.h"
 #include "kshmi/print/json_records.h"
 #include "kshmi/print/name_notice.h"
 #include "workbench/session/session.h"
@@ -50,48 +50,47 @@ void printLines(const kestrel::Model& model, const std::vector<Answer>& answers,
     }
 }
 
-void printJson(const Session& session, const std::vector<Answer>& answers, std::ostream& out) {
+void addAnswers(const Session& session, const std::vector<Answer>& answers, JsonMembers& json) {
     const kestrel::Model& model = session.model();
-    JsonDocument document("query");
-    document.object().text("model", model.name());
-    listUnsettled(document, session);
-    document.list("answers", answers, [&](const Answer& answer) {
-        JsonObject object(document.text());
+    json.object().text("model", model.name());
+    listUnsettled(json, session);
+    json.list("answers", answers, [&](const Answer& answer) {
+        JsonObject object(json.text());
         appendSource(object, model, answer.source);
         if (!answer.activity.empty()) object.text("activity", answer.activity);
         object.truth("observed", answer.isObserved).close();
     });
-    document.print(out);
 }
 
-int runQuery(const QueryArguments& arguments, const Output& output) {
-    requireSelection(arguments.what, false);
-    kshmi::enterHost(output.err);
-    const Session session(arguments.file);
+int queryFile(const QueryArguments& arguments, const std::string& file, JsonMembers* json, const Output& output) {
+    const Session session(file);
     noticeNames(session, output.err);
     const kestrel::Model& model = session.model();
     std::vector<Answer> answers;
     for (const SignalSource& source : select(model, arguments.what, output).sources())
         answers.push_back(ask(session, source, arguments.what.selection.options));
-    arguments.isJson ? printJson(session, answers, output.out) : printLines(model, answers, output.out);
+    json ? addAnswers(session, answers, *json) : printLines(model, answers, output.out);
     const bool isAllObserved =
         std::all_of(answers.begin(), answers.end(), [](const Answer& answer) { return answer.isObserved; });
     return isAllObserved && !answers.empty() ? kSuccess : kNothing;
 }
+
+void requireSense(const QueryArguments& arguments) { requireSelection(arguments.what, false); }
 
 }  // namespace
 
 void addQuery(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<QueryArguments>();
     CLI::App* const command =
-        addCommand(app, "query", "Tell whether ports and chart items are observed; exit 1 if any is not",
-                   "  kshmi query cruise.json Sensors/Speed:valid\n"
-                   "  kshmi query cruise.json Control/Mode --activity Child --json\n"
-                   "  kshmi query cruise.json --all 'Sensors/*' --quiet",
-                   arguments->file);
+        addLookingCommand(app, "query", "Tell whether ports and chart items are observed; exit 1 if any is not",
+                          "  kshmi query cruise.json Sensors/Speed:valid\n"
+                          "  kshmi query cruise.json Control/Mode --activity Child --json\n"
+                          "  kshmi query cruise.json --all 'Sensors/*' --quiet\n"
+                          "  kshmi query cruise.json plant.json --all '*:speed'",
+                          arguments->file);
     addSelection(*command, arguments->what);
     command->add_flag("--json", arguments->isJson, "print JSON");
-    runWith(*command, runQuery, arguments, run);
+    runOnFiles(*command, queryFile, arguments, run, requireSense);
 }
 
 }  // namespace kshmi

@@ -66,7 +66,7 @@ int runRename(const RenameArguments& arguments, const Output& output) {
     for (const std::string& name : arguments.names) names.push_back(requireModelName(name));
     // Nothing is validated in between, so the set is known by this name throughout.
     const std::u16string knownName = session.model().name();
-    ChangeReport report(output, "rename", arguments.options);
+    ChangeReport report(output, "rename", arguments.options, session);
     for (const std::u16string& name : names) {
         const std::u16string oldName = session.model().name();
         if (name == oldName) {
@@ -79,7 +79,7 @@ int runRename(const RenameArguments& arguments, const Output& output) {
         tellClients(done, report);
         tellManager(done.received, name == knownName, report);
     }
-    return report.finish(session);
+    return report.finish();
 }
 
 }  // namespace

@@ -42,11 +42,11 @@ std::vector<int> numbersOf(const std::string& text) {
     return numbers;
 }
 
-// The members of a port or of a signal on one: where it is now, and where it was when it stays.
-ChangeReport::Members membersOf(std::string_view kind, const std::u16string& block, const PortChange& one) {
+// A port: where it is now, and where it was when it stays.
+ChangeReport::Members membersOf(const std::u16string& block, const PortChange& one) {
     return [=](JsonObject& object) {
-        object.text("kind", kind).text("block", block).number("port", one.to == 0 ? one.from : one.to);
-        object.text(kind == "port" ? "portName" : "name", one.name);
+        object.text("kind", std::string_view("port")).text("block", block);
+        object.number("port", one.to == 0 ? one.from : one.to).text("portName", one.name);
         if (one.to != 0) object.number("from", one.from);
     };
 }
@@ -54,20 +54,19 @@ ChangeReport::Members membersOf(std::string_view kind, const std::u16string& blo
 void tell(const std::u16string& block, const Renumbering& changes, ChangeReport& report) {
     for (const PortChange& one : changes.ports) {
         const std::string port = fmt::format("port {} ({})", one.from, printable(one.name));
-        const ChangeReport::Members members = membersOf("port", block, one);
         if (one.to == 0)
-            report.change(Fate::removed, "delete", "deleted", port, members);
+            report.change(Fate::removed, "delete", "deleted", port, membersOf(block, one));
         else
-            report.change(Fate::changed, "renumber", "renumbered", fmt::format("{} to {}", port, one.to), members);
+            report.change(Fate::changed, "renumber", "renumbered", fmt::format("{} to {}", port, one.to),
+                          membersOf(block, one));
     }
     for (const PortChange& one : changes.signals) {
         const std::string name = fmt::format("  signal {} on port {}", inQuotes(one.name), one.from);
-        const ChangeReport::Members members = membersOf("signal", block, one);
         if (one.to == 0)
-            report.note(Fate::removed, name + " would be lost", name + " is lost", members);
+            report.note(name + " would be lost", name + " is lost");
         else
-            report.note(Fate::changed, fmt::format("{} would follow to port {}", name, one.to),
-                        fmt::format("{} follows to port {}", name, one.to), members);
+            report.note(fmt::format("{} would follow to port {}", name, one.to),
+                        fmt::format("{} follows to port {}", name, one.to));
     }
 }
 
@@ -76,10 +75,10 @@ int runRenumber(const RenumberArguments& arguments, const Output& output) {
     const std::vector<int> numbers = numbersOf(arguments.numbers);
     Session session(arguments.file);
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
-    ChangeReport report(output, "renumber", arguments.options);
+    ChangeReport report(output, "renumber", arguments.options, session);
     const DanglingWatch watch(session);
     tell(session.model().fullPath(block), renumberPorts(session, block, numbers), report);
-    const ExitCode code = report.finish(session);
+    const ExitCode code = report.finish();
     warnOfLost(session, watch, arguments.options.isDryRun, output.err);
     return code;
 }

@@ -5,10 +5,11 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iostream>
 #include <istream>
+#include <sstream>
 
 #include "kshmi/commands/command_options.h"
+#include "workbench/files/standard_stream.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -69,8 +70,9 @@ void readList(std::istream& in, const std::string& name, std::vector<ListedRefer
 std::vector<ListedReference> readLists(const std::vector<std::string>& files) {
     std::vector<ListedReference> listed;
     for (const std::string& file : files) {
-        if (file == "-") {
-            readList(std::cin, "standard input", listed);
+        if (file == kStandardStream) {
+            std::istringstream in(readStandardInput());
+            readList(in, calledInMessages(file), listed);
             continue;
         }
         std::ifstream in(file, std::ios::binary);
@@ -79,18 +81,6 @@ std::vector<ListedReference> readLists(const std::vector<std::string>& files) {
         readList(in, file, listed);
     }
     return listed;
-}
-
-void requireApplicable(const SelectionArguments& arguments, bool isGiven) {
-    const Selection& selection = arguments.selection;
-    const bool isNarrowed = !selection.options.activity.empty() || selection.options.ssid;
-    if (isNarrowed && !isAnythingSelected(arguments))
-        throw Error("--activity and --ssid refine a reference to a chart; name the chart as REF");
-    if (selection.options.ssid && !selection.all.empty())
-        throw Error("--ssid is for one chart and --all for many blocks; name the chart as REF");
-    const bool isLimited = !selection.except.empty() || !arguments.kinds.empty();
-    if (isLimited && isGiven && !isAnythingSelected(arguments))
-        throw Error("--except and --kind narrow what REF, --from and --all select; give one of these");
 }
 
 }  // namespace
@@ -140,6 +130,22 @@ bool isAnythingSelected(const SelectionArguments& arguments) {
     return arguments.selection.isAnything() || !arguments.from.empty();
 }
 
+bool isNarrowed(const SelectionArguments& arguments) {
+    return isAnythingSelected(arguments) || !arguments.selection.except.empty() || !arguments.kinds.empty();
+}
+
+void requireApplicable(const SelectionArguments& arguments, bool isGiven) {
+    const Selection& selection = arguments.selection;
+    const bool isNarrowed = !selection.options.activity.empty() || selection.options.ssid;
+    if (isNarrowed && !isAnythingSelected(arguments))
+        throw Error("--activity and --ssid refine a reference to a chart; name the chart as REF");
+    if (selection.options.ssid && !selection.all.empty())
+        throw Error("--ssid is for one chart and --all for many blocks; name the chart as REF");
+    const bool isLimited = !selection.except.empty() || !arguments.kinds.empty();
+    if (isLimited && isGiven && !isAnythingSelected(arguments))
+        throw Error("--except and --kind narrow what REF, --from and --all select; give one of these");
+}
+
 void requireSelection(const SelectionArguments& arguments, bool isGiven, const std::string& others) {
     if (!isAnythingSelected(arguments) && !isGiven)
         throw Error(fmt::format("nothing to work on; name a REF, or give --all 'GLOB'{} --from FILE",
@@ -158,7 +164,6 @@ Selected select(const kestrel::Model& model, const SelectionArguments& arguments
 }
 
 Selected selectOrAll(const kestrel::Model& model, const SelectionArguments& arguments, const Output& output) {
-    requireApplicable(arguments, false);
     if (isAnythingSelected(arguments) || model.blocks().empty()) return select(model, arguments, output);
     SelectionArguments all = arguments;
     all.selection.all = {"*"};

@@ -27,6 +27,10 @@ void addClientSelection(CLI::App& command, workbench::ClientSelection& selection
 
 /// Whether anything but exceptions is selected.
 bool isAnythingSelected(const SelectionArguments& arguments);
+/// The same, or exceptions or kinds.
+bool isNarrowed(const SelectionArguments& arguments);
+/// Throws `workbench::Error` for options that have nothing to apply to; `isGiven` as below.
+void requireApplicable(const SelectionArguments& arguments, bool isGiven);
 /// Throws `workbench::Error` when nothing is selected and nothing else `isGiven`; also for options that have nothing to
 /// apply to. `others` are further options that select, for the message.
 void requireSelection(const SelectionArguments& arguments, bool isGiven, const std::string& others = {});

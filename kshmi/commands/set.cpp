@@ -86,57 +86,66 @@ Positions clientsOf(const Session& session, const SetArguments& arguments, const
 }
 
 // Tells of each position what became of it; `changed` are those that are otherwise now.
-template <class Describe, class Append>
-void tell(const Positions& positions, const Positions& changed, ChangeReport& report, Describe describe,
-          Append append) {
+template <class Describe>
+void tell(const Positions& positions, const Positions& changed, ChangeReport& report, Describe describe) {
     for (const std::size_t position : positions) {
-        const auto members = [&](JsonObject& object) { append(object, position); };
         if (std::binary_search(changed.begin(), changed.end(), position))
-            report.change(Fate::changed, "change", "changed", describe(position), members);
+            report.change("change", "changed", describe(position));
         else
-            report.keep(Fate::unchanged, "already so: " + describe(position), members);
+            report.note("already so: " + describe(position));
     }
 }
 
-void setSignals(Session& session, const Positions& positions, const SignalSettings& settings, ChangeReport& report) {
-    const Positions changed = changeSignals(session, positions, settings);
-    tell(
-        positions, changed, report, [&](std::size_t position) { return describeSignal(session, position); },
-        [&](JsonObject& object, std::size_t position) {
-            object.text("kind", std::string_view("signal"));
-            appendSignal(object, session, position);
-        });
+Positions setSignals(Session& session, const Positions& positions, const SignalSettings& settings,
+                     ChangeReport& report) {
+    Positions changed = changeSignals(session, positions, settings);
+    tell(positions, changed, report, [&](std::size_t position) { return describeSignal(session, position); });
+    return changed;
 }
 
 // What settles marks one by one leaves the others unsettled.
-void confirm(Session& session, const Positions& positions, ChangeReport& report) {
+Positions confirm(Session& session, const Positions& positions, ChangeReport& report) {
     session.keepUnsettledNames();
     const auto describe = [&](std::size_t position) {
         return fmt::format("{}, marked as {}", describeSignal(session, position),
                            inQuotes(sourceName(session.model(), *session.signals().get(position)).value_or(u"")));
     };
-    const Positions confirmed = session.names().confirm(positions);
+    Positions confirmed = session.names().confirm(positions);
     for (const std::size_t position : positions) {
-        const auto members = [&](JsonObject& object) {
-            object.text("kind", std::string_view("signal"));
-            appendSignal(object, session, position);
-        };
         if (std::binary_search(confirmed.begin(), confirmed.end(), position))
-            report.change(Fate::changed, "confirm", "confirmed", describe(position), members);
+            report.change("confirm", "confirmed", describe(position));
         else
-            report.keep(Fate::unchanged, "already confirmed: " + describeSignal(session, position), members);
+            report.note("already confirmed: " + describeSignal(session, position));
     }
+    return confirmed;
+}
+
+void changeSelected(Session& session, const Positions& signals, const SetArguments& arguments, ChangeReport& report) {
+    Positions changed;
+    if (arguments.isConfirmed) changed = confirm(session, signals, report);
+    if (arguments.settings.isAny()) {
+        const Positions set = setSignals(session, signals, arguments.settings, report);
+        changed.insert(changed.end(), set.begin(), set.end());
+    }
+    sortUnique(changed);
+    for (const std::size_t position : signals)
+        if (!std::binary_search(changed.begin(), changed.end(), position))
+            report.list(Fate::unchanged, [&](JsonObject& object) {
+                object.text("kind", std::string_view("signal"));
+                appendSignal(object, session, position);
+            });
 }
 
 void setClients(Session& session, const Positions& positions, const ClientSettings& settings, ChangeReport& report) {
     const Positions changed = changeClients(session, positions, settings);
     const SignalUuids uuids(session);
-    tell(
-        positions, changed, report, [&](std::size_t position) { return describeClient(session, position, uuids); },
-        [&](JsonObject& object, std::size_t position) {
-            object.text("kind", std::string_view("client"));
-            appendClient(object, *session.clients().get(position), position, session, uuids);
-        });
+    tell(positions, changed, report, [&](std::size_t position) { return describeClient(session, position, uuids); });
+    for (const std::size_t position : positions)
+        if (!std::binary_search(changed.begin(), changed.end(), position))
+            report.list(Fate::unchanged, [&](JsonObject& object) {
+                object.text("kind", std::string_view("client"));
+                appendClient(object, *session.clients().get(position), position, session, uuids);
+            });
 }
 
 void warnOfExcluded(const Session& session, const Positions& signals, std::ostream& err) {
@@ -156,15 +165,14 @@ int runSet(const SetArguments& arguments, const Output& output) {
     Session session(arguments.file);
     const Positions signals = signalsOf(session, arguments, output);
     const Positions clients = clientsOf(session, arguments, signals);
-    ChangeReport report(output, "set", arguments.options);
-    if (arguments.isConfirmed) confirm(session, signals, report);
-    if (arguments.settings.isAny()) setSignals(session, signals, arguments.settings, report);
+    ChangeReport report(output, "set", arguments.options, session);
+    if (arguments.isConfirmed || arguments.settings.isAny()) changeSelected(session, signals, arguments, report);
     if (client.isAny()) setClients(session, clients, client, report);
     if (client.type && !clients.empty())
         warnOfDeprecated(*session.clients().get(clients.front()), arguments.file, output.err);
     if (arguments.settings.isExcludedFromSave.value_or(false) && !signals.empty())
         warnOfExcluded(session, signals, output.err);
-    return report.finish(session);
+    return report.finish();
 }
 
 }  // namespace

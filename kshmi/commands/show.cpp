@@ -9,7 +9,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
-#include "kshmi/print/json_document.h"
+#include "kshmi/commands/several_files.h"
 #include "kshmi/print/json_records.h"
 #include "kshmi/print/name_notice.h"
 #include "kshmi/print/shown_model.h"
@@ -64,28 +64,29 @@ void appendBlock(std::string& out, const kestrel::Model& model, const BlockNode&
     object.truth("badge", node.hasBadge).close();
 }
 
-void printJson(const ShownModel& shown, std::ostream& out) {
+void addShown(const ShownModel& shown, JsonMembers& json) {
     const Session& session = *shown.session;
     const SignalUuids uuids(session);
     std::vector<const BlockNode*> blocks;
     for (const BlockNode& node : shown.blocks)
         if (node.block != nullptr) blocks.push_back(&node);
-    JsonDocument document("show");
-    document.object().text("model", session.model().name());
-    listUnsettled(document, session);
-    document.list("signals", shown.signals, [&](std::size_t i) {
-        JsonObject object(document.text());
+    json.object().text("model", session.model().name());
+    listUnsettled(json, session);
+    json.list("signals", shown.signals, [&](std::size_t i) {
+        JsonObject object(json.text());
         appendSignal(object, session, i);
         object.close();
     });
-    document.list("blocks", blocks,
-                  [&](const BlockNode* node) { appendBlock(document.text(), session.model(), *node); });
-    document.list("clients", shown.clients, [&](std::size_t i) {
-        JsonObject object(document.text());
+    json.list("blocks", blocks, [&](const BlockNode* node) { appendBlock(json.text(), session.model(), *node); });
+    json.list("clients", shown.clients, [&](std::size_t i) {
+        JsonObject object(json.text());
         appendClient(object, *session.clients().get(i), i, session, uuids);
         object.close();
     });
-    document.print(out);
+    json.object().name("leftOut");
+    JsonObject leftOut(json.text());
+    for (const Share& share : sharesOf(shown)) leftOut.number(share.key, share.all - share.shown);
+    leftOut.close();
 }
 
 bool isShown(const std::u16string& path, const std::u16string& below) {
@@ -106,7 +107,7 @@ std::vector<BlockNode> shownBlocks(const Session& session, const ShowArguments& 
 }
 
 ShownModel shownOf(const Session& session, const ShowArguments& arguments) {
-    ShownModel shown{&session, {}, {}, {}, arguments.limit};
+    ShownModel shown{&session, {}, {}, {}};
     const std::u16string below = resolveBelow(session.model(), arguments.below);
     const SignalUuids uuids(session);
     shown.signals = positionsWhere(session.signals(), [&](const ks_hmi::SignalSpecification& signal) {
@@ -118,10 +119,6 @@ ShownModel shownOf(const Session& session, const ShowArguments& arguments) {
     });
     shown.blocks = shownBlocks(session, arguments, below);
     return shown;
-}
-
-bool isNarrowed(const SelectionArguments& what) {
-    return isAnythingSelected(what) || !what.selection.except.empty() || !what.kinds.empty();
 }
 
 void narrowBlocks(const std::vector<SignalSource>& sources, std::vector<BlockNode>& nodes) {
@@ -161,6 +158,7 @@ void cut(ShownModel& shown, std::size_t limit) {
     std::size_t blocks = 0;
     const auto isOver = [&](const BlockNode& node) { return node.block != nullptr && ++blocks > limit; };
     shown.blocks.erase(std::find_if(shown.blocks.begin(), shown.blocks.end(), isOver), shown.blocks.end());
+    keepFirst(shown.blocks, limit);
 }
 
 std::string filtersOf(const ShowArguments& arguments) {
@@ -172,33 +170,32 @@ std::string filtersOf(const ShowArguments& arguments) {
     return fmt::format("{}", fmt::join(filters, ", "));
 }
 
-int runShow(const ShowArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    const Session session(arguments.file);
+int showFile(const ShowArguments& arguments, const std::string& file, JsonMembers* json, const Output& output) {
+    const Session session(file);
     noticeNames(session, output.err);
     noticeUnconfirmed(session, output.err);
     ShownModel shown = shownOf(session, arguments);
     if (isNarrowed(arguments.what)) narrow(arguments.what, output, shown);
     if (arguments.limit > 0) cut(shown, arguments.limit);
     shown.leftOutFor = filtersOf(arguments);
-    if (arguments.isJson)
-        printJson(shown, output.out);
-    else
-        printShown(shown, output);
+    json ? addShown(shown, *json) : printShown(shown, output);
     return kSuccess;
 }
+
+void requireSense(const ShowArguments& arguments) { requireApplicable(arguments.what, false); }
 
 }  // namespace
 
 void addShow(CLI::App& app, Run& run) {
     const auto arguments = std::make_shared<ShowArguments>();
     CLI::App* const command =
-        addCommand(app, "show", "List a model's signals, its clients, and its blocks with what is observed",
-                   "  kshmi show cruise.json\n"
-                   "  kshmi show cruise.json Sensors/Speed --all '*:valid'\n"
-                   "  kshmi show cruise.json --below Sensors --observed\n"
-                   "  kshmi show cruise.json --limit 10 --json",
-                   arguments->file);
+        addLookingCommand(app, "show", "List a model's signals, its clients, and its blocks with what is observed",
+                          "  kshmi show cruise.json\n"
+                          "  kshmi show cruise.json Sensors/Speed --all '*:valid'\n"
+                          "  kshmi show cruise.json --below Sensors --observed\n"
+                          "  kshmi show cruise.json --limit 10 --json\n"
+                          "  kshmi show cruise.json plant.json --observed",
+                          arguments->file);
     addSelection(*command, arguments->what);
     command->add_option("--below", arguments->below, "only at and below this path")->type_name("PATH");
     command->add_flag("--observed", arguments->isObservedOnly, "only ports, chart items and blocks that are observed");
@@ -208,7 +205,7 @@ void addShow(CLI::App& app, Run& run) {
         ->type_name("COUNT")
         ->transform(wholeNumber(1));
     command->add_flag("--json", arguments->isJson, "print JSON");
-    runWith(*command, runShow, arguments, run);
+    runOnFiles(*command, showFile, arguments, run, requireSense);
 }
 
 }  // namespace kshmi

@@ -2,7 +2,6 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
-#include "kshmi/print/json_records.h"
 #include "kshmi/print/lost_clients.h"
 #include "workbench/change/marking.h"
 #include "workbench/find/client_names.h"
@@ -38,15 +37,11 @@ int runUnmark(const UnmarkArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file, arguments.isDangling ? Session::Opening::lenient : Session::Opening::strict);
     Positions positions = positionsOf(session, arguments, output);
-    ChangeReport report(output, "unmark", arguments.options);
-    for (const std::size_t position : positions)
-        report.change(Fate::removed, "remove", "removed", describeSignal(session, position), [&](JsonObject& object) {
-            object.text("kind", std::string_view("signal"));
-            appendSignal(object, session, position);
-        });
+    ChangeReport report(output, "unmark", arguments.options, session);
+    for (const std::size_t position : positions) report.change("remove", "removed", describeSignal(session, position));
     const DanglingWatch watch(session);
     removeSignals(session, std::move(positions));
-    const ExitCode code = report.finish(session);
+    const ExitCode code = report.finish();
     warnOfLost(session, watch, arguments.options.isDryRun, output.err);
     return code;
 }

@@ -1,11 +1,11 @@
 #include <set>
+#include <string_view>
 #include <utility>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
-#include "kshmi/print/json_records.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/selecting_clients.h"
@@ -27,37 +27,26 @@ struct UnobserveArguments {
     ChangeOptions options;
 };
 
-// Clients as they are before some go.
-class Leaving {
-public:
-    Leaving(const Session& session, ChangeReport& report) : m_session(session), m_report(report), m_uuids(session) {
-        for (std::size_t i = 0; i < session.clients().getCount(); ++i)
-            m_clients.emplace_back(session.clients().share(i), describeClient(session, i, m_uuids));
-    }
+// The host drops what it does not need; what that was, only the clients before and after tell.
+void dropUnused(Session& session, ChangeReport& report) {
+    const SignalUuids uuids(session);
+    std::vector<std::pair<std::string, std::string>> before;
+    for (std::size_t i = 0; i < session.clients().getCount(); ++i)
+        before.emplace_back(session.clients().get(i)->m_uuid, describeClient(session, i, uuids));
+    ks_hmi::StreamingClients::validateAndRemoveUnused(session.clientSet());
+    std::set<std::string_view> kept;
+    for (const ks_hmi::SignalClient& client : recordsOf(session.clients())) kept.insert(client.m_uuid);
+    for (const auto& [uuid, description] : before)
+        if (!kept.contains(uuid)) report.change("drop", "dropped", description);
+}
 
-    void tell(std::size_t position, const char* infinitive, const char* past) const {
-        const auto& client = m_clients[position].first;
-        const std::string& description = m_clients[position].second;
-        m_report.change(Fate::removed, infinitive, past, description, [&](JsonObject& object) {
-            object.text("kind", std::string_view("client"));
-            appendClient(object, *client, position, m_session, m_uuids);
-        });
-    }
-
-    // Tells of those that are gone.
-    void tellDropped() const {
-        std::set<std::string> kept;
-        for (const ks_hmi::SignalClient& client : recordsOf(m_session.clients())) kept.insert(client.m_uuid);
-        for (std::size_t i = 0; i < m_clients.size(); ++i)
-            if (!kept.contains(m_clients[i].first->m_uuid)) tell(i, "drop", "dropped");
-    }
-
-private:
-    const Session& m_session;
-    ChangeReport& m_report;
-    SignalUuids m_uuids;
-    std::vector<std::pair<ks_hmi::StreamingClients::ClientPtr, std::string>> m_clients;
-};
+void removeSelected(Session& session, const UnobserveArguments& arguments, const Output& output, ChangeReport& report) {
+    const SignalUuids uuids(session);
+    Positions positions = selectedClients(session, arguments.what, arguments.clients, output);
+    for (const std::size_t position : positions)
+        report.change("remove", "removed", describeClient(session, position, uuids));
+    removeClients(session, std::move(positions));
+}
 
 void requireSense(const UnobserveArguments& arguments) {
     const bool isGiven = arguments.clients.isAnything() || !arguments.clients.types.empty();
@@ -70,17 +59,9 @@ int runUnobserve(const UnobserveArguments& arguments, const Output& output) {
     requireSense(arguments);
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "unobserve", arguments.options);
-    const Leaving leaving(session, report);
-    if (arguments.isUnused) {
-        ks_hmi::StreamingClients::validateAndRemoveUnused(session.clientSet());
-        leaving.tellDropped();
-    } else {
-        Positions positions = selectedClients(session, arguments.what, arguments.clients, output);
-        for (const std::size_t position : positions) leaving.tell(position, "remove", "removed");
-        removeClients(session, std::move(positions));
-    }
-    return report.finish(session);
+    ChangeReport report(output, "unobserve", arguments.options, session);
+    arguments.isUnused ? dropUnused(session, report) : removeSelected(session, arguments, output, report);
+    return report.finish();
 }
 
 }  // namespace

@@ -1,10 +1,13 @@
 #include "kshmi/help/topics.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <sstream>
 
 #include "kshmi/help/help_page.h"
+#include "kshmi/print/exit_codes.h"
 
 namespace kshmi {
 
@@ -54,7 +57,7 @@ The same thing has the same name and form in every command:
   "signal"    {"uuid": "...", "position": 1}
   "client"    {"uuid": "...", "position": 1}
 
-Commands that change a file list what they did under "added", "changed", "removed", "skipped" and "unchanged", and tell "dryRun" and "saved".
+Commands that look at files have a list of them, "files". Commands that change a file list what they did under "added", "changed", "removed", "skipped" and "unchanged", and tell "dryRun" and "saved".
 
 docs/json.md describes all of it.)";
 
@@ -65,20 +68,24 @@ On a terminal, tables and lists are as wide as the terminal, or as COLUMNS says:
 
 There is colour on terminals only. --color always and --color never overrule that; so does NO_COLOR, when it is set and not empty, and TERM=dumb.
 
-Work that takes longer than a second is told on standard error, if that is a terminal. --quiet prints errors and warnings only.)";
+Work that takes longer than a second is told on standard error, if that is a terminal. --quiet prints errors and warnings only.
 
-constexpr const char* kExitCodes =
-    R"(The exit code tells how a run ended:
+"-" for MODEL is the standard input. A command that changes the model then writes it to the standard output, and what it has to say, with --json too, to the standard error. What is not changed, as in a dry run, passes through byte for byte; after an error the standard output is empty.
 
-  0  done; of a question: yes
-  1  nothing matched, nothing was left to change, or the answer is no
-  2  wrong usage: an unknown command, option, block or port, or a change that cannot be made
-  3  a file, or the output, cannot be read or written, or it is not a model file that fits together
-  4  the file is being saved by somebody else, or has been changed since it was read; try again, or give --wait SECONDS
-  5  the host refused, or there is not enough memory
-  6  what was recorded stopped before its end
+  kshmi mark - Sensors/Speed:1 < cruise.json | kshmi observe - --signal 1 --type ks_scope_observer > watched.json
 
-Whatever the code, a model file is changed as asked for or is as it was.)";
+show, query, ports and clients take several models: the words behind MODEL that end in .json, up to the first reference. Each is told under a heading; one that cannot be read does not stop the others.)";
+
+std::string exitCodes() {
+    std::string text = "The exit code tells how a run ended:\n\n";
+    for (const ExitCodeMeaning& meaning : kExitCodeMeanings)
+        text += fmt::format("  {}  {}\n", static_cast<int>(meaning.code), meaning.text);
+    return text +
+           "\nWhatever the code, a model file is changed as asked for or is as it was. With 4, trying again helps; "
+           "commands that change a file do so by themselves with --wait SECONDS. A dry run ends as the run itself "
+           "would. Of several files, the highest code counts. A run that a signal ended, Ctrl-C for one, has the "
+           "shell's 128 and the signal's number.";
+}
 
 }  // namespace
 
@@ -86,7 +93,7 @@ std::span<const Topic> topics() {
     static const std::array<Topic, 5> all{{
         {"selections", "How to say what a command works on", kSelections},
         {"globs", "Patterns for --all and --except", kGlobs},
-        {"exit-codes", "How a run tells what happened", kExitCodes},
+        {"exit-codes", "How a run tells what happened", exitCodes()},
         {"json", "What --json prints", kJson},
         {"output", "Names, colour, width and files in the output", kOutput},
     }};

@@ -36,12 +36,11 @@ struct Line {
 
 class TreePrinter {
 public:
-    TreePrinter(const Output& output, const TreeLimits& limits)
-        : m_output(output), m_limits(limits), m_width(output.width) {}
+    TreePrinter(const Output& output, std::size_t most) : m_output(output), m_most(most), m_width(output.width) {}
 
     std::vector<Line> lines(const std::vector<BlockNode>& nodes) const {
         std::vector<Line> lines;
-        for (std::size_t i = 0; i < nodes.size() && lines.size() <= m_limits.lines;) {
+        for (std::size_t i = 0; i < nodes.size() && lines.size() <= m_most;) {
             const std::size_t parents = bareParents(nodes, i);
             for (std::size_t k = 0; k < parents; ++k) {
                 const std::size_t skipped =
@@ -61,7 +60,7 @@ public:
     }
 
     void print(const std::vector<Line>& lines) const {
-        const std::size_t count = std::min(lines.size(), m_limits.lines);
+        const std::size_t count = std::min(lines.size(), m_most);
         std::size_t widest = 0;
         for (std::size_t i = 0; i < count; ++i) widest = std::max(widest, columnsOf(lines[i].name));
         const std::size_t column = std::min({widest, kWidestName, half()}) + kGap;
@@ -85,25 +84,21 @@ private:
     Line lineOf(const BlockNode& node) const {
         const char* const mark = node.block == nullptr ? "/" : node.hasBadge ? " *" : "";
         Line line{indented(node.depth, shortName(node.name) + mark)};
-        const std::size_t count = std::min(node.ports.size(), m_limits.ports);
-        for (std::size_t i = 0; i < count; ++i)
-            line.entries.push_back(
-                {node.ports[i].isObserved, fmt::format("{} {}", node.ports[i].port, shortName(node.ports[i].name))});
-        line.leftOut = node.ports.size() - count;
+        for (const PortNode& port : node.ports)
+            line.entries.push_back({port.isObserved, fmt::format("{} {}", port.port, shortName(port.name))});
+        line.leftOut = node.morePorts;
         return line;
     }
 
     void addItems(std::vector<Line>& lines, const BlockNode& node) const {
-        const std::size_t count = std::min(node.items.size(), m_limits.ports);
-        for (std::size_t i = 0; i < count; ++i) {
+        for (const ItemNode& item : node.items) {
             std::string activities;
-            for (const std::u16string& activity : node.items[i].activities) activities += " " + toUtf8(activity);
-            lines.push_back({indented(node.depth + 1, nameOf(node.items[i].item)),
-                             {{node.items[i].isObserved, activities.empty() ? "" : activities.substr(1)}}});
+            for (const std::u16string& activity : item.activities) activities += " " + toUtf8(activity);
+            lines.push_back({indented(node.depth + 1, nameOf(item.item)),
+                             {{item.isObserved, activities.empty() ? "" : activities.substr(1)}}});
         }
-        if (count < node.items.size())
-            lines.push_back(
-                {indented(node.depth + 1, fmt::format("... and {} more items", node.items.size() - count))});
+        if (node.moreItems > 0)
+            lines.push_back({indented(node.depth + 1, "... and " + counted(node.moreItems, "more item"))});
     }
 
     std::string shortName(const std::u16string& name) const { return shortened(printable(name), half()); }
@@ -151,17 +146,17 @@ private:
     }
 
     const Output& m_output;
-    const TreeLimits& m_limits;
+    std::size_t m_most;  // lines
     std::size_t m_width;
 };
 
 }  // namespace
 
-bool printBlockTree(const std::vector<BlockNode>& nodes, const Output& output, const TreeLimits& limits) {
-    const TreePrinter printer(output, limits);
+bool printBlockTree(const std::vector<BlockNode>& nodes, const Output& output, std::size_t most) {
+    const TreePrinter printer(output, most);
     const std::vector<Line> lines = printer.lines(nodes);
     printer.print(lines);
-    return lines.size() > limits.lines;
+    return lines.size() > most;
 }
 
 }  // namespace kshmi

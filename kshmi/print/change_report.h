@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "kshmi/print/output.h"
+#include "kshmi/print/record_watch.h"
 #include "workbench/json/json_object.h"
 #include "workbench/session/session.h"
 
@@ -24,20 +26,28 @@ struct ChangeOptions {
 /// What becomes of a thing. JSON has a list of each.
 enum class Fate : std::uint8_t { added, changed, removed, skipped, unchanged };
 
-/// Tells what a command changes, or in a dry run would change, and saves it.
+/// Tells what a command changes, or in a dry run would change, and saves it. A model from standard input goes to the
+/// standard output, changed or not; what is told then goes to the standard error. What becomes of signals and clients
+/// while the report lives, JSON tells by itself.
 class ChangeReport {
 public:
     /// Adds the members of the thing's JSON object.
     using Members = std::function<void(workbench::JsonObject&)>;
 
-    ChangeReport(const Output& output, std::string_view command, const ChangeOptions& options)
-        : m_output(output), m_command(command), m_options(options) {}
+    /// The session must outlive it.
+    ChangeReport(const Output& output, std::string_view command, const ChangeOptions& options,
+                 workbench::Session& session);
 
     /// One line: "would mark a/b:1" in a dry run, else "marked a/b:1".
+    void change(std::string_view infinitive, std::string_view past, const std::string& what);
+    /// The same of what is neither a signal nor a client.
     void change(Fate fate, std::string_view infinitive, std::string_view past, const std::string& what,
                 const Members& members);
+    /// The same without a line, for JSON alone.
+    void list(Fate fate, const Members& members);
     /// A line about something that stays as it is.
     void keep(Fate fate, const std::string& text, const Members& members);
+    void note(const std::string& text) { note(text, text); }
     /// A line about what follows from a change: the first text in a dry run, else the second.
     void note(const std::string& expected, const std::string& happened);
     void note(Fate fate, const std::string& expected, const std::string& happened, const Members& members);
@@ -45,19 +55,25 @@ public:
     /// Saves the session unless nothing was changed or the run is dry; then prints the lines and sums up, or prints
     /// the JSON. Only the first lines are printed, and the others counted, unless all are asked for. Returns how the
     /// run ends. Throws `Error` when the save fails, with nothing printed, and when it was made and cannot be told.
-    [[nodiscard]] ExitCode finish(workbench::Session& session);
+    [[nodiscard]] ExitCode finish();
 
 private:
-    void collect(Fate fate, const Members& members);
-    void printText(const workbench::Session& session, bool isSaved, std::size_t leftOut) const;
-    void printSaved(const workbench::Session& session, std::size_t leftOut) const;
-    void printJson(const workbench::Session& session, bool isSaved) const;
+    using Save = workbench::Session::SaveResult;
+
+    std::ostream& out() const;
+    void listRecords();
+    Save save(bool isChanged);
+    void printText(bool isSaved, std::size_t leftOut) const;
+    void printSaved(std::size_t leftOut) const;
+    void printJson(bool isSaved) const;
 
     static constexpr std::size_t kFates = 5;
 
     const Output& m_output;
     std::string m_command;
     ChangeOptions m_options;
+    workbench::Session& m_session;
+    std::optional<RecordWatch> m_watch;
     std::size_t m_changes = 0;
     std::vector<std::string> m_lines;
     std::array<std::vector<std::string>, kFates> m_things;  ///< JSON objects

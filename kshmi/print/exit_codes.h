@@ -2,17 +2,33 @@
 
 #include "workbench/text/error.h"
 
-/// How a run of the tool ends; docs/kshmi.md and "kshmi help exit-codes" tell the same.
+/// How a run of the tool ends.
 namespace kshmi {
 
 enum ExitCode : int {
-    kSuccess = 0,       ///< done; of a question: yes
-    kNothing = 1,       ///< nothing matched, nothing was left to change, or the answer is no
-    kWrongUsage = 2,    ///< something asked for is not there or cannot be
-    kBadFile = 3,       ///< a file, or the output, cannot be read or written, or what it holds does not fit
-    kFileInUse = 4,     ///< somebody else saves the file, or has since it was read
-    kHostRefused = 5,   ///< or there is not enough memory
-    kStoppedEarly = 6,  ///< what was recorded ended too soon
+    kSuccess = 0,
+    kNothing = 1,
+    kWrongUsage = 2,
+    kBadFile = 3,
+    kFileInUse = 4,
+    kHostRefused = 5,
+    kStoppedEarly = 6,
+};
+
+struct ExitCodeMeaning {
+    ExitCode code;
+    const char* text;
+};
+
+/// What "kshmi help exit-codes", the manual and docs/kshmi.md tell of them.
+inline constexpr ExitCodeMeaning kExitCodeMeanings[] = {
+    {kSuccess, "done; of a question: yes"},
+    {kNothing, "nothing matched, nothing was left to change, or the answer is no"},
+    {kWrongUsage, "wrong usage: an unknown command, option, block or port, or a change that cannot be made"},
+    {kBadFile, "a file, or the output, cannot be read or written, or it is not a model file that fits together"},
+    {kFileInUse, "the file is being saved by somebody else, or has been changed since it was read"},
+    {kHostRefused, "the host refused, or there is not enough memory"},
+    {kStoppedEarly, "what was recorded stopped before its end"},
 };
 
 constexpr ExitCode exitCodeOf(workbench::ErrorCode code) noexcept {

@@ -3,21 +3,16 @@
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
 
-/// What a command prints with "--json": one object that starts with the version of this form and the command's name,
-/// a member a line. docs/json.md describes it.
-class JsonDocument {
+/// An object with a member a line, and lists in it with an element a line.
+class JsonMembers {
 public:
-    static constexpr int kVersion = 1;
-
-    explicit JsonDocument(std::string_view command) : m_object(m_text, workbench::kLines) {
-        m_object.number("kshmi", kVersion).text("command", command);
-    }
     /// For more members.
     workbench::JsonObject& object() noexcept { return m_object; }
     /// For the value of a member that was named last.
@@ -26,18 +21,46 @@ public:
     template <class Range, class Append>
     void list(std::string_view name, const Range& elements, Append append) {
         m_object.name(name);
-        workbench::appendJsonArray(m_text, elements, append, kElements);
+        workbench::appendJsonArray(m_text, elements, append, m_layout.elements);
+    }
+
+protected:
+    struct Layout {
+        workbench::JsonLayout members;
+        workbench::JsonLayout elements;
+    };
+    explicit JsonMembers(const Layout& layout) : m_layout(layout), m_object(m_text, layout.members) {}
+
+private:
+    std::string m_text;
+    Layout m_layout;
+    workbench::JsonObject m_object;
+};
+
+/// What a command prints with "--json": one object that starts with the version of this form and the command's name.
+/// docs/json.md describes it.
+class JsonDocument : public JsonMembers {
+public:
+    static constexpr int kVersion = 1;
+
+    explicit JsonDocument(std::string_view command) : JsonMembers({workbench::kLines, {"\n    ", ",\n    ", "\n  "}}) {
+        object().number("kshmi", kVersion).text("command", command);
     }
     /// Ends the document and prints it.
     void print(std::ostream& out) {
-        m_object.close();
-        out << workbench::printableJson(m_text) << '\n';
+        object().close();
+        out << workbench::printableJson(text()) << '\n';
     }
+};
 
-private:
-    static constexpr workbench::JsonLayout kElements{"\n    ", ",\n    ", "\n  "};
-    std::string m_text;
-    workbench::JsonObject m_object;
+/// An element of such a document's list that takes more than a line.
+class JsonEntry : public JsonMembers {
+public:
+    JsonEntry() : JsonMembers({{"\n      ", ",\n      ", "\n    "}, {"\n        ", ",\n        ", "\n      "}}) {}
+    std::string take() {
+        object().close();
+        return std::move(text());
+    }
 };
 
 }  // namespace kshmi

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "kshmi/print/findings.h"
 #include "workbench/find/client_names.h"
 #include "workbench/text/text.h"
 
@@ -19,7 +20,7 @@ void warnOfLost(const Session& session, const DanglingWatch& watch, bool isDryRu
                        listed(lost, kMostNamed, [&](std::size_t position) { return nameOfClient(session, position); }));
     if (!isDryRun)
         err << fmt::format("; \"kshmi unobserve {} --dangling\" removes {}",
-                           printable(std::string_view(session.path())), lost.size() == 1 ? "it" : "them");
+                           printableMessage(shellWord(session.path())), lost.size() == 1 ? "it" : "them");
     err << '\n';
 }
 
@@ -27,7 +28,7 @@ void warnOfDeprecated(const ks_hmi::SignalClient& client, const std::string& fil
     if (!client.isDeprecatedObserver()) return;
     err << fmt::format(
         "warning: clients of the type {} are deprecated; validation drops them (\"kshmi unobserve {} --unused\")\n",
-        inQuotes(std::string_view(client.m_observerType)), printable(std::string_view(file)));
+        inQuotes(std::string_view(client.m_observerType)), printableMessage(shellWord(file)));
 }
 
 }  // namespace kshmi

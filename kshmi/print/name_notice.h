@@ -11,7 +11,7 @@ namespace kshmi {
 void noticeNames(const workbench::Session& session, std::ostream& err);
 
 /// The same as a member "unsettled"; none when there are no such marks.
-void listUnsettled(JsonDocument& document, const workbench::Session& session);
+void listUnsettled(JsonMembers& json, const workbench::Session& session);
 
 /// One line on `err` when marks have no names.
 void noticeUnconfirmed(const workbench::Session& session, std::ostream& err);

@@ -2,7 +2,10 @@
 
 #include <fmt/format.h>
 #include <signal.h>
+#include <unistd.h>
 
+#include <array>
+#include <atomic>
 #include <utility>
 
 #include "workbench/text/columns.h"
@@ -12,6 +15,21 @@ namespace kshmi {
 namespace {
 
 constexpr std::size_t kWidest = 78;
+
+// Columns of the line that stands on the terminal.
+std::atomic<std::size_t> g_width{0};
+static_assert(std::atomic<std::size_t>::is_always_lock_free);
+
+// Takes the line away; then the signal ends the program as if nobody had handled it.
+extern "C" void endWithoutLine(int signal) {
+    if (g_width > 0) {
+        char blanks[kWidest + 2];
+        for (char& blank : blanks) blank = ' ';
+        blanks[0] = blanks[kWidest + 1] = '\r';
+        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, blanks, sizeof blanks);
+    }
+    ::raise(signal);
+}
 
 // A signal is for the thread that works: it knows when the program may end.
 class SignalsHeldBack {
@@ -30,6 +48,20 @@ private:
 };
 
 }  // namespace
+
+Progress::CleanEnd::CleanEnd() noexcept {
+    struct sigaction clean {};
+    clean.sa_handler = endWithoutLine;
+    clean.sa_flags = static_cast<int>(SA_RESETHAND);
+    for (std::size_t i = 0; i < m_before.size(); ++i) {
+        ::sigaction(kSignals[i], nullptr, &m_before[i]);
+        if (m_before[i].sa_handler == SIG_DFL) ::sigaction(kSignals[i], &clean, nullptr);
+    }
+}
+
+Progress::CleanEnd::~CleanEnd() {
+    for (std::size_t i = 0; i < m_before.size(); ++i) ::sigaction(kSignals[i], &m_before[i], nullptr);
+}
 
 Progress::Progress(std::ostream& terminal, std::chrono::milliseconds patience)
     : m_terminal(terminal), m_patience(patience) {
@@ -58,10 +90,11 @@ void Progress::watch() {
          wait = std::chrono::seconds(1)) {
         const auto passed = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
         const std::string line = workbench::shortened(fmt::format("{} ... {} s", m_work, passed.count()), kWidest);
-        m_terminal << fmt::format("\r{:{}}\r{}", "", m_width, line) << std::flush;
-        m_width = workbench::columnsOf(line);
+        m_terminal << fmt::format("\r{:{}}\r{}", "", g_width.load(), line) << std::flush;
+        g_width = workbench::columnsOf(line);
     }
-    if (m_width > 0) m_terminal << fmt::format("\r{:{}}\r", "", m_width) << std::flush;
+    if (g_width > 0) m_terminal << fmt::format("\r{:{}}\r", "", g_width.load()) << std::flush;
+    g_width = 0;
 }
 
 AfterProgress::int_type AfterProgress::overflow(int_type character) {

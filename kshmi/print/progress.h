@@ -1,5 +1,8 @@
 #pragma once
 
+#include <signal.h>
+
+#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -12,7 +15,8 @@
 namespace kshmi {
 
 /// Tells on a terminal what takes long: after `patience`, and then every second, one line that overwrites itself and is
-/// gone when the work is done. The signals that end the program still reach the thread that works.
+/// gone when the work is done. The signals that end the program still reach the thread that works, and leave no line on
+/// the standard error. There is one at a time.
 class Progress {
 public:
     explicit Progress(std::ostream& terminal, std::chrono::milliseconds patience = std::chrono::seconds(1));
@@ -26,15 +30,28 @@ public:
     void stop();
 
 private:
+    // What the signals do is as it was before, but for the line.
+    class CleanEnd {
+    public:
+        CleanEnd() noexcept;
+        CleanEnd(const CleanEnd&) = delete;
+        CleanEnd& operator=(const CleanEnd&) = delete;
+        ~CleanEnd();
+
+    private:
+        static constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+        std::array<struct sigaction, kSignals.size()> m_before{};
+    };
+
     void watch();
 
+    CleanEnd m_cleanEnd;
     std::ostream& m_terminal;
     std::chrono::milliseconds m_patience;
     std::mutex m_mutex;
     std::condition_variable m_changed;
     std::string m_work;
     bool m_isStopped = false;
-    std::size_t m_width = 0;  ///< of the line that stands on the terminal
     std::thread m_thread;
 };
 

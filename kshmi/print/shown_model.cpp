@@ -72,22 +72,36 @@ void printClients(const ShownModel& shown, const Output& output) {
     table.print(output.out, output.width);
 }
 
-std::size_t blockCount(const ShownModel& shown) {
-    return static_cast<std::size_t>(std::count_if(shown.blocks.begin(), shown.blocks.end(),
-                                                  [](const BlockNode& node) { return node.block != nullptr; }));
+// "3 of 12 signals, 75 of 87 blocks" are not shown; empty when all are.
+std::string leftOutOf(const ShownModel& shown) {
+    std::vector<std::string> texts;
+    for (const Share& share : sharesOf(shown))
+        if (share.shown < share.all)
+            texts.push_back(fmt::format("{} of {}", share.all - share.shown, counted(share.all, share.what)));
+    return listed(texts);
 }
 
 }  // namespace
 
-std::string leftOutOf(const ShownModel& shown) {
-    std::vector<std::string> texts;
-    const auto add = [&](std::size_t count, std::size_t all, const char* what) {
-        if (count < all) texts.push_back(fmt::format("{} of {}", all - count, counted(all, what)));
-    };
-    add(shown.signals.size(), shown.session->signals().getCount(), "signal");
-    add(shown.clients.size(), shown.session->clients().getCount(), "client");
-    add(blockCount(shown), shown.session->model().blocks().size(), "block");
-    return listed(texts);
+std::vector<Share> sharesOf(const ShownModel& shown) {
+    const kestrel::Model& model = shown.session->model();
+    Share blocks{"block", "blocks", 0, model.blocks().size()};
+    Share ports{"port", "ports"};
+    Share items{"chart item", "items"};
+    for (const BlockNode& node : shown.blocks) {
+        blocks.shown += node.block != nullptr ? 1U : 0U;
+        ports.shown += node.ports.size();
+        items.shown += node.items.size();
+    }
+    for (const kestrel::Block& block : model.blocks()) {
+        ports.all += block.outputs.size();
+        items.all += chartItemsOf(block).size();
+    }
+    return {{"signal", "signals", shown.signals.size(), shown.session->signals().getCount()},
+            {"client", "clients", shown.clients.size(), shown.session->clients().getCount()},
+            blocks,
+            ports,
+            items};
 }
 
 void printShown(const ShownModel& shown, const Output& output) {
@@ -100,9 +114,7 @@ void printShown(const ShownModel& shown, const Output& output) {
     printClients(shown, output);
     if (!shown.blocks.empty()) {
         output.out << "\nblocks ([x] observed, * with a badge)\n";
-        TreeLimits limits;
-        if (shown.limit > 0) limits.ports = shown.limit;
-        printBlockTree(shown.blocks, output, limits);
+        printBlockTree(shown.blocks, output);
     }
     if (const std::string leftOut = leftOutOf(shown); !leftOut.empty())
         output.out << fmt::format("\nleft out ({}): {}\n", shown.leftOutFor, leftOut);

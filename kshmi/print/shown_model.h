@@ -16,12 +16,18 @@ struct ShownModel {
     std::vector<std::size_t> signals;  ///< positions, ascending
     std::vector<std::size_t> clients;
     std::vector<workbench::BlockNode> blocks;
-    std::size_t limit = 0;     ///< of a block's ports in the text; 0 for none
     std::string leftOutFor{};  ///< the options that leave out the rest
 };
 
-/// "3 of 12 signals, 75 of 87 blocks" are not shown; empty when all are.
-std::string leftOutOf(const ShownModel& shown);
+/// How much is shown of all there is of one kind.
+struct Share {
+    const char* what;  ///< "signal"
+    const char* key;   ///< in JSON
+    std::size_t shown = 0;
+    std::size_t all = 0;
+};
+/// Of signals, clients, blocks, ports and chart items.
+std::vector<Share> sharesOf(const ShownModel& shown);
 
 /// As tables and a tree.
 void printShown(const ShownModel& shown, const Output& output);

@@ -144,7 +144,7 @@ void Tour::loadAgain() {
 void Tour::showBlocks() {
     title("What is observed now ([x], * on blocks with a badge)");
     if (m_session->model().blocks().empty()) say("the model has no blocks");
-    if (printBlockTree(blockTree(*m_session, kMostTreeLines), m_output, {.lines = kMostTreeLines}))
+    if (printBlockTree(blockTree(*m_session, kMostTreeLines), m_output, kMostTreeLines))
         m_output.out << fmt::format("... \"kshmi show\" prints all {} blocks\n", m_session->model().blocks().size());
 }
 

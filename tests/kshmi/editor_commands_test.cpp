@@ -46,7 +46,7 @@ TEST_F(EditorCommands, whatCannotBeDoneIsRefusedAndChangesNothing) {
         {"renumber A 1,1", "port 2 would have the number 1 like another one"},
         {"renumber A 0", "port 2 cannot keep its number; give numbers for all 2 ports, e.g. 0,1"},
         {"renumber A 1,2,3", "3 numbers given, and the block has 2 output ports"},
-        {"ports --below C", "the model has no block there"},
+        {"ports --below C", "the model \"m\" has no such block"},
     };
     for (const auto& [line, message] : refusals) {
         const std::string said = message;
@@ -230,7 +230,8 @@ TEST_F(EditorCommands, aBlockWithTheModelsNameIsMovedAndListedByItsOwnPath) {
     expectParts(read(), {"{\"path\": \"m/E\""});
     EXPECT_EQ(runOn("mark m/m/E:1").code, 0);
     expectParts(runOn("ports --below m/m").out, {"model m: 1 observed port"});
-    expectParts(runOn("ports --below m").out, {"model m: 2 observed ports"});
+    expectParts(runOn("ports --below /m").out, {"model m: 1 observed port"});
+    expectParts(runOn("ports --below m").err, {"can be the whole model or \"m/m\""});
 }
 
 TEST_F(EditorCommands, recordsWithoutIdentifiersFollowByPath) {

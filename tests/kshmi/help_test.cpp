@@ -1,3 +1,6 @@
+#include <fmt/format.h>
+
+#include "kshmi/print/exit_codes.h"
 #include "tests/kshmi/kshmi_test.h"
 
 namespace kshmi {
@@ -21,12 +24,27 @@ TEST_F(Help, isToldByCommandTopicAndOption) {
     EXPECT_EQ(run({"help", "mark"}).out, run({"mark", "--help"}).out);
     expectParts(run({"help"}).out, {"Usage: kshmi", "  mark ", "  globs "});
     expectParts(run({"help", "globs"}).out, {"[a-z]"});
-    expectParts(run({"help", "exit-codes"}).out, {"  1  "});
     expectParts(run({"help", "glob"}).err, {"did you mean \"globs\"?"});
     EXPECT_EQ(run({"help", "nonsense"}).code, 2);
     std::istringstream lines(run({"help", "mark"}).out);
     for (std::string line; std::getline(lines, line);)
         EXPECT_TRUE(line.size() <= 80 || contains(line, "kshmi ")) << line;
+}
+
+TEST_F(Help, exitCodesAreToldEverywhere) {
+    std::ifstream in(KSHMI_SOURCE_DIR "/docs/kshmi.md", std::ios::binary);
+    const std::string document{std::istreambuf_iterator<char>(in), {}};
+    std::string topic = run({"help", "exit-codes"}).out;
+    std::string manual = run({"help", "--man"}).out;
+    for (std::string* const text : {&topic, &manual})
+        for (std::size_t at = 0; (at = text->find('\n', at)) != std::string::npos;)
+            text->replace(at, std::max(text->find_first_not_of(" \n", at), at + 1) - at, " ");
+    for (const ExitCodeMeaning& meaning : kExitCodeMeanings) {
+        EXPECT_EQ(meaning.code, &meaning - kExitCodeMeanings);
+        expectParts(document, {fmt::format("| {} | {} |", static_cast<int>(meaning.code), meaning.text)});
+        expectParts(topic, {fmt::format(" {}  {}", static_cast<int>(meaning.code), meaning.text)});
+        expectParts(manual, {meaning.text});
+    }
 }
 
 TEST_F(Help, asksWhatWasMeant) {

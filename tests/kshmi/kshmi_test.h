@@ -1,7 +1,9 @@
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -34,6 +36,25 @@ struct Finished {
     int code;
     std::string out;
     std::string err;
+};
+
+/// Standard input reads that file while it lives.
+class StandardInput {
+public:
+    explicit StandardInput(const std::string& file) : m_before(::dup(STDIN_FILENO)) {
+        const int input = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+        EXPECT_EQ(::dup2(input, STDIN_FILENO), STDIN_FILENO);
+        ::close(input);
+    }
+    StandardInput(const StandardInput&) = delete;
+    StandardInput& operator=(const StandardInput&) = delete;
+    ~StandardInput() {
+        ::dup2(m_before, STDIN_FILENO);
+        ::close(m_before);
+    }
+
+private:
+    int m_before;
 };
 
 /// A directory for files, and the tool.

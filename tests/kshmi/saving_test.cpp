@@ -27,7 +27,7 @@
 
 namespace {
 
-enum class Turn { fails, endsTheProgram };
+enum class Turn { fails, endsTheProgram, isInterrupted };
 
 struct Plan {
     std::size_t at = 0;  // which call, 1-based; 0 for none
@@ -42,6 +42,7 @@ bool isToFail(const char* name) {
     g_plan.reached = name;
     constexpr int kCrashed = 77;
     if (g_plan.turn == Turn::endsTheProgram) ::_exit(kCrashed);
+    if (g_plan.turn == Turn::isInterrupted) return ::kill(::getpid(), g_plan.error) != 0;
     errno = g_plan.error;
     return true;
 }
@@ -185,6 +186,31 @@ TEST_F(Saving, leavesTheOldOrTheNewFileWhereverTheProgramEnds) {
     }
     EXPECT_TRUE(read() == unmarked());
     EXPECT_GT(at, 9U) << "most calls were not met";
+}
+
+// The thread that tells of progress must not take the signal.
+TEST_F(Saving, isWholeWhenItIsInterruptedOnATerminal) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        std::size_t at = 1;
+        for (bool isOver = false; !isOver; ++at) {
+            write(kModel);
+            const pid_t child = ::fork();
+            ASSERT_GE(child, 0);
+            if (child == 0) {
+                g_plan = {at, Turn::isInterrupted, signal, 0, nullptr};
+                std::ostringstream out;
+                runCommandLine({"unmark", path(), "Logic/On/Fast"}, {.out = out, .err = out, .isWatched = true});
+                ::_exit(0);
+            }
+            int status = 0;
+            ASSERT_EQ(::waitpid(child, &status, 0), child);
+            isOver = WIFEXITED(status);
+            EXPECT_TRUE(isOver || WTERMSIG(status) == signal) << at;
+            EXPECT_TRUE(read() == unmarked() || read() == kModel) << at;
+            EXPECT_EQ(fileCount(), 1U) << at;
+        }
+        EXPECT_GT(at, 9U) << "most calls were not met";
+    }
 }
 
 TEST_F(Saving, aDiskThatIsFullIsToldAndInterruptedWritesGoOn) {

@@ -72,10 +72,10 @@ TEST_F(Selecting, everyCommandTakesAllOfIt) {
     expectParts(outOf("unmark --except m/Logic*" + list), {"removed signal 3", "saved with 3 signals"});
     expectParts(outOf("mark --all * --kind state"), {"marked m/Logic/Both (Self)", "already marked m/Logic/On/Fast"});
 
-    std::istringstream input("A/B:p\n");
-    auto* const usual = std::cin.rdbuf(input.rdbuf());
-    expectParts(outOf("mark --from -"), {"marked m/A/B:1 (p)"});
-    std::cin.rdbuf(usual);
+    {
+        const testing::StandardInput input(write("A/B:p\nA/B:x\n", "lines"));
+        expectParts(outOf("mark --from -"), {"standard input:2: \"A/B:x\""});
+    }
     write("\n", "list");
     const std::string before = read();
     for (const char* command : {"unobserve --type t", "unobserve", "unmark", "set --hide"}) outOf(command + list);
@@ -99,6 +99,11 @@ TEST_F(Selecting, whatCanBeReadInTwoWaysIsRefused) {
         expectParts(finished.err, {R"(can be "m/m" or "m/m/m"; write )", "\"/m", "\"/m/m"});
     }
     EXPECT_EQ(read(), twins);
+    for (const char* const command : {"show", "ports"}) {
+        expectSaid(std::string(command) + " --below m/m", 2, R"("m/m": can be "m/m" or "m/m/m"; write )");
+        expectSaid(std::string(command) + " --below m", 2, R"("m": can be the whole model or "m/m"; write "/m" for)");
+        expectSaid(std::string(command) + " --below /m", 0, "");
+    }
     EXPECT_EQ(selected("/m"), "m/m:1");
     EXPECT_EQ(selected("/m/m:q m"), "m/m/m:2 m/m:1");
     EXPECT_EQ(selected("m/m/m"), "m/m/m:1 m/m/m:2");

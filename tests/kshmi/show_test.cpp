@@ -103,7 +103,8 @@ TEST_F(Show, differentNamesLookDifferent) {
 TEST_F(Show, filtersSayWhatTheyLeaveOut) {
     write(kModel);
     const std::string observed = showIn(80, {"--observed"}).out;
-    expectParts(observed, {"  [x] 1 y\n", "(state) On/Fast #4", "left out (--observed): 2 of 4 blocks"});
+    expectParts(observed, {"  [x] 1 y\n", "(state) On/Fast #4",
+                           "left out (--observed): 2 of 4 blocks, 4 of 5 ports, 4 of 5 chart items"});
     EXPECT_FALSE(contains(observed, "valid"));
     const std::string below = showIn(80, {"--below", "m/A/B"}).out;
     expectParts(below, {"left out (--below): 2 of 2 signals, 2 of 2 clients, 2 of 4 blocks"});

@@ -1,9 +1,13 @@
 #include <chrono>
+#include <iostream>
 #include <sstream>
 #include <thread>
 
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "kshmi/print/progress.h"
 #include "kshmi/print/terminal.h"
@@ -45,6 +49,30 @@ TEST(Progress, tellsOnlyOfWhatTakesLongAndCleansUp) {
         EXPECT_TRUE(terminal.str().ends_with(" \r")) << terminal.str();
     }
     EXPECT_EQ(real.str(), "done\n");
+}
+
+TEST(Progress, leavesNoLineWhenASignalEndsTheProgram) {
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(ends[1], STDERR_FILENO);
+        Progress progress(std::cerr, 1ms);
+        progress.tell("reading a.json");
+        std::this_thread::sleep_for(1min);
+        ::_exit(0);
+    }
+    ::close(ends[1]);
+    std::string text;
+    char next = 0;
+    while (text.find("0 s") == std::string::npos && ::read(ends[0], &next, 1) == 1) text += next;
+    ::kill(child, SIGINT);
+    while (::read(ends[0], &next, 1) == 1) text += next;
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+    EXPECT_TRUE(text.ends_with("reading a.json ... 0 s\r" + std::string(78, ' ') + "\r")) << text;
+    ::close(ends[0]);
 }
 
 }  // namespace

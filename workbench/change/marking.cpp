@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "signals/signal_specification.h"
+#include "workbench/session/records.h"
 #include "workbench/session/script.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -83,7 +84,7 @@ Positions changeSignals(Session& session, Positions positions, const SignalSetti
         const SignalSpecification& before = *session.signals().get(position);
         ks_hmi::InstrumentedSignals::SignalPtr record(before.clone().release());
         apply(settings, *record);
-        const bool isSame = record->isEqual(&before) && record->m_excludeForSave == before.m_excludeForSave;
+        const bool isSame = isSavedAlike(*record, before);
         if (!isSame) session.signals().set(position, std::move(record));
         return isSame;
     });

@@ -5,6 +5,7 @@
 
 #include "signals/signal_specification.h"
 #include "workbench/find/client_names.h"
+#include "workbench/session/records.h"
 #include "workbench/session/script.h"
 #include "workbench/text/error.h"
 
@@ -51,7 +52,7 @@ Positions changeClients(Session& session, Positions positions, const ClientSetti
         const SignalClient& before = *session.clients().get(position);
         ks_hmi::StreamingClients::ClientPtr client(before.clone().release());
         apply(settings, *client);
-        const bool isSame = client->isEqual(&before);
+        const bool isSame = isSavedAlike(*client, before);
         if (!isSame) session.clients().set(position, std::move(client));
         return isSame;
     });
@@ -67,7 +68,7 @@ std::vector<ks_hmi::StreamingClients::ClientPtr> alignedClients(const Session& s
     std::vector<ks_hmi::StreamingClients::ClientPtr> aligned;
     ks_hmi::StreamingClients::getAlignedObservers(session.clientSet(), aligned);
     if (aligned.size() != session.clients().getCount())
-        throw Error({session.path(), 0, {}}, "the host cannot tell where the signals of all clients are; try again",
+        throw Error({session.fileName()}, "the host cannot tell where the signals of all clients are; try again",
                     ErrorCode::host);
     return aligned;
 }

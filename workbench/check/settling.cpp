@@ -6,12 +6,13 @@
 
 namespace workbench {
 
-SettledFile settleFile(CheckedFile checked, Settling how, const FindingKinds& kinds, bool isDryRun) {
+SettledFile settleFile(CheckedFile checked, Settling how, const FindingKinds& kinds, bool isDryRun, TextSink sink) {
     if (!checked.contents) return {{}, std::move(checked), {}};
     if (!checked.isWhole)
         throw Error({checked.path, 0, {}}, "is not changed: correct by hand what could not be read, then try again",
                     ErrorCode::model);
     Session session(checked.path, std::move(*checked.contents), Session::Opening::anyhow);
+    session.saveTo(std::move(sink));
     session.keepUnsettledNames();
     std::vector<Settled> settled =
         how == Settling::mend ? mend(session, checked.findings, kinds) : prune(session, checked.findings, kinds);

@@ -25,7 +25,9 @@ std::string nearBlocks(const kestrel::Model& model, std::string_view text) {
     for (const kestrel::Block& block : model.blocks()) {
         const std::string path = toUtf8(block.path);
         nearest.offer(path);
-        if (isOneName) nearest.offer(path.substr(path.rfind('/') + 1), path);
+        if (!isOneName) continue;
+        nearest.offer(path.substr(path.rfind('/') + 1), path);
+        nearest.offer(path.substr(0, path.find('/')));
     }
     return nearest.question();
 }

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <boost/json/basic_parser_impl.hpp>
@@ -96,14 +95,6 @@ bool isDirectory(std::FILE* file) {
 JsonFile::JsonFile(std::string path) : m_path(std::move(path)), m_file(std::fopen(m_path.c_str(), "rbe")) {
     if (!m_file) fail(fmt::format("cannot be opened: {}; check the path and its permissions", std::strerror(errno)));
     if (isDirectory(m_file.get())) fail("is a directory; name a model file");
-}
-
-JsonFile JsonFile::ofStandardInput() {
-    const int descriptor = ::dup(STDIN_FILENO);
-    JsonFile result("standard input", descriptor < 0 ? nullptr : ::fdopen(descriptor, "rb"));
-    result.m_isVersioned = false;
-    if (!result.m_file) result.fail(fmt::format("cannot be read: {}", std::strerror(errno)));
-    return result;
 }
 
 JsonFile JsonFile::ofText(std::string name, const std::string& text) {

@@ -33,8 +33,6 @@ class JsonFile {
 public:
     /// Opens the file. Throws `Error` when it cannot be read.
     explicit JsonFile(std::string path);
-    /// The same of what comes in on the process's standard input.
-    static JsonFile ofStandardInput();
     /// A text instead of a file; `name` stands for the path in messages.
     static JsonFile ofText(std::string name, const std::string& text);
 
@@ -44,7 +42,7 @@ public:
     void read(JsonSink& sink);
 
     const std::string& path() const noexcept { return m_path; }
-    /// Of the file as it is now; nothing for standard input and a text.
+    /// Of the file as it is now; nothing for a text.
     std::optional<FileVersion> version() const noexcept;
     /// 1-based; while `read` runs, the line of what the sink is receiving.
     std::size_t line() const noexcept { return m_line; }

@@ -9,6 +9,7 @@
 #include "host/hv_array.h"
 #include "memory_host/kestrel/model.h"
 #include "workbench/files/file_version.h"
+#include "workbench/files/standard_stream.h"
 #include "workbench/model_file/model_extras.h"
 #include "workbench/model_file/record_table.h"
 #include "workbench/text/error.h"
@@ -30,9 +31,6 @@ struct ModelFile {
 
 /// An empty model of that name, with no signals and no clients. Throws `Error` for a name that cannot be.
 ModelFile newModelFile(const std::u16string& name);
-
-/// The path that stands for standard input and output.
-inline constexpr std::string_view kStandardStream = "-";
 
 /// Reads a model file, or standard input. Throws `Error` that names file, line and JSON pointer for whatever is not as
 /// the format says: syntax, unknown, missing and duplicate keys, wrong kinds, paths and identifiers that are empty or

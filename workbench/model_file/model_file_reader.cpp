@@ -213,7 +213,8 @@ ModelFile newModelFile(const std::u16string& name) {
 }
 
 ModelFile readModelFile(const std::string& path) {
-    JsonFile file = path == kStandardStream ? JsonFile::ofStandardInput() : JsonFile(path);
+    if (path == kStandardStream) return readModelText(calledInMessages(path), readStandardInput());
+    JsonFile file(path);
     return readDocument(file);
 }
 
@@ -223,15 +224,14 @@ ModelFile readModelText(const std::string& name, const std::string& text) {
 }
 
 ModelFile readModelFile(const std::string& path, const FaultSink& faults) {
-    JsonFile file = path == kStandardStream ? JsonFile::ofStandardInput() : JsonFile(path);
+    if (path == kStandardStream) return readModelText(calledInMessages(path), readStandardInput(), faults);
+    JsonFile file(path);
     return readDocument(file, &faults);
 }
 
 ModelFile readModelText(const std::string& name, const std::string& text, const FaultSink& faults) {
     JsonFile file = JsonFile::ofText(name, text);
-    ModelFile result = readDocument(file, &faults);
-    result.version.reset();
-    return result;
+    return readDocument(file, &faults);
 }
 
 }  // namespace workbench

@@ -89,6 +89,18 @@ void keepObserved(std::vector<BlockNode>& nodes) {
     }
 }
 
+void keepFirst(std::vector<BlockNode>& nodes, std::size_t most) {
+    const auto cut = [most](auto& list) {
+        const std::size_t size = list.size();
+        list.resize(std::min(size, most));
+        return size - list.size();
+    };
+    for (BlockNode& node : nodes) {
+        node.morePorts = cut(node.ports);
+        node.moreItems = cut(node.items);
+    }
+}
+
 void keepWanted(std::vector<BlockNode>& nodes, const std::function<bool(const BlockNode&)>& isWanted) {
     std::vector<BlockNode> kept;
     std::size_t childDepth = 0;  // of the node kept last: what is next above it is its parent

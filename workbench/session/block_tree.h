@@ -32,6 +32,8 @@ struct BlockNode {
     bool hasBadge = false;  ///< in an editor, as the host answers
     std::vector<PortNode> ports{};
     std::vector<ItemNode> items{};  ///< of a chart
+    std::size_t morePorts = 0;      ///< how many `keepFirst` took away
+    std::size_t moreItems = 0;
 };
 
 /// Handles of the blocks that carry a badge in an editor, as the host answers.
@@ -43,6 +45,8 @@ std::vector<BlockNode> blockTree(const Session& session, std::size_t most = std:
 
 /// Takes away the ports and chart items that are not observed.
 void keepObserved(std::vector<BlockNode>& nodes);
+/// Takes away each block's ports and chart items but the first so many.
+void keepFirst(std::vector<BlockNode>& nodes, std::size_t most);
 /// Takes away the nodes that are not wanted, except those on the way to one that is; these lose ports and items.
 void keepWanted(std::vector<BlockNode>& nodes, const std::function<bool(const BlockNode&)>& isWanted);
 

@@ -43,4 +43,8 @@ std::vector<std::size_t> positionsWhere(const Set& set, Predicate&& isMeant) {
     return positions;
 }
 
+/// Whether a file has the same of both.
+bool isSavedAlike(const ks_hmi::SignalSpecification& one, const ks_hmi::SignalSpecification& other);
+bool isSavedAlike(const ks_hmi::SignalClient& one, const ks_hmi::SignalClient& other);
+
 }  // namespace workbench

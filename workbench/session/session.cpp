@@ -27,9 +27,19 @@ std::u16string fullEid(const kestrel::Model& model, const kestrel::Block& block)
 
 }  // namespace
 
-Session::Session(std::string path, Opening opening) : Session(path, readModelFile(path), opening) {}
+Session::Session(std::string path, Opening opening) : m_path(std::move(path)) { openOrUnload(read(), opening); }
 
 Session::Session(std::string path, ModelFile file, Opening opening) : m_path(std::move(path)) {
+    openOrUnload(std::move(file), opening);
+}
+
+ModelFile Session::read() {
+    if (!isStream()) return readModelFile(m_path);
+    m_input = readStandardInput();
+    return readModelText(fileName(), m_input);
+}
+
+void Session::openOrUnload(ModelFile file, Opening opening) {
     try {
         open(std::move(file), opening);
     } catch (...) {
@@ -64,7 +74,7 @@ void Session::makeSets() {
     m_signals = ks_hmi::InstrumentedSignals::getFromHvArray(signalSet());
     m_clients = ks_hmi::StreamingClients::getFromHvArray(clientSet());
     if (!m_signals || !m_clients)
-        throw Error({m_path, 0, {}}, "the host made no set for the model's signals or clients", ErrorCode::host);
+        throw Error({fileName()}, "the host made no set for the model's signals or clients", ErrorCode::host);
 }
 
 void Session::give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const {
@@ -73,7 +83,7 @@ void Session::give(hvArray* set, const hvArray* records, RecordKind kind, const 
     } catch (const kssvIException& exception) {
         const RefusedField refused = refusedField(exception.messageId());
         if (refused.element == 0) throw;
-        throw Error(recordPlace(m_path, kind, lines, refused.element - 1, refused.field), exception.what(),
+        throw Error(recordPlace(fileName(), kind, lines, refused.element - 1, refused.field), exception.what(),
                     ErrorCode::model);
     }
 }
@@ -85,7 +95,7 @@ void Session::checkClients(const std::vector<RecordLines>& lines) const {
         if (!uuid.empty() && uuids.insert(uuid).second) continue;
         const std::string text =
             uuid.empty() ? "the client has no UUID" : fmt::format("another client has the UUID {}", inQuotes(uuid));
-        throw Error(recordPlace(m_path, RecordKind::client, lines, position, "UUID"),
+        throw Error(recordPlace(fileName(), RecordKind::client, lines, position, "UUID"),
                     text + "; correct it or remove the client", ErrorCode::model);
     }
 }
@@ -93,7 +103,7 @@ void Session::checkClients(const std::vector<RecordLines>& lines) const {
 void Session::check(const std::vector<RecordLines>& lines, Opening opening) {
     for (SignalFault& fault : faultsOf(signals(), model())) {
         const bool isLetIn = opening == Opening::anyhow || (fault.isDangling && opening == Opening::lenient);
-        if (!isLetIn) refuse(fault, recordPlace(m_path, RecordKind::signal, lines, fault.position, fault.field));
+        if (!isLetIn) refuse(fault, recordPlace(fileName(), RecordKind::signal, lines, fault.position, fault.field));
         if (fault.isDangling) m_dangling.push_back(std::move(fault));
     }
 }
@@ -114,7 +124,7 @@ void Session::requireSettledNames() const {
     const std::string name = toUtf8(fullName(model(), sourceOf(model(), *signals().get(mark.position))));
     const std::string more = marks.size() > 1 ? fmt::format(" (and {} more)", counted(marks.size() - 1, "mark")) : "";
     throw Error(
-        {m_path, 0, {}},
+        {fileName()},
         fmt::format("not saved: {}{}", describe(inQuotes(std::string_view(name)), mark.name, mark.isItem), more),
         ErrorCode::model, Remedy::settleNames);
 }
@@ -145,7 +155,7 @@ bool Session::isAnyObserved(const kestrel::Block& block, const ChartItem& item) 
 void Session::requirePaths(const hvArray* saved) const {
     for (std::size_t i = 0; i < hvGetNumberOfElements(saved); ++i)
         if (hvIsEmpty(hvGetField(saved, i, "BlockPath_")))
-            throw Error({m_path, 0, {}},
+            throw Error({fileName()},
                         fmt::format("not saved, the file is as it was: the host cannot tell where the block of signal "
                                     "{} is; try again",
                                     i + 1),
@@ -185,7 +195,7 @@ Session::SaveResult Session::noteWritten(const Saved& saved, WrittenFile file) {
 
 Session::SaveResult Session::save() {
     if (isStream() && !m_sink)
-        throw Error({m_path}, "the model came from standard input; name a file to save it in", ErrorCode::request);
+        throw Error({fileName()}, "the model came from standard input; name a file to save it in", ErrorCode::request);
     const Saved saved = savedForm();
     if (!m_sink)
         return noteWritten(

@@ -35,6 +35,8 @@ public:
     ~Session();
 
     const std::string& path() const noexcept { return m_path; }
+    /// The same for messages: "standard input" when the model came from there.
+    std::string fileName() const { return calledInMessages(m_path); }
     kestrel::Model& model() noexcept { return m_loaded->model(); }
     const kestrel::Model& model() const noexcept { return m_loaded->model(); }
     /// Where the model was imported from; nothing when it was not.
@@ -83,6 +85,8 @@ public:
     void saveTo(TextSink sink) { m_sink = std::move(sink); }
     /// Whether the model came from standard input.
     bool isStream() const noexcept { return m_path == kStandardStream; }
+    /// What came from there, byte for byte; empty when the model did not.
+    const std::string& input() const noexcept { return m_input; }
     /// The same into another file, which is the session's from then on. A file that is there already is replaced only
     /// when that is asked for. When it throws, the session keeps its file.
     enum class Existing { refuse, replace };
@@ -91,6 +95,8 @@ public:
     std::string text();
 
 private:
+    ModelFile read();
+    void openOrUnload(ModelFile file, Opening opening);
     void open(ModelFile file, Opening opening);
     struct Saved {
         HvArrayPtr signals;
@@ -110,6 +116,7 @@ private:
     void requirePaths(const hvArray* saved) const;
 
     std::string m_path;
+    std::string m_input;
     kestrel::LoadedModel* m_loaded = nullptr;
     ks_hmi::InstrumentedSignals* m_signals = nullptr;
     ks_hmi::StreamingClients* m_clients = nullptr;

@@ -25,7 +25,7 @@ struct BlockArguments {
     bool isChart = false;
     bool isRecursive = false;
     bool isUnmarking = false;
-    ChangeOptions change;
+    ChangeOptions options;
 };
 
 ChangeReport::Members membersOf(const Session& session, const std::u16string& path, const std::u16string& from = {}) {
@@ -49,7 +49,7 @@ std::vector<std::u16string> outputsOf(const std::string& text) {
 int runAdd(const BlockArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "block add", arguments.change);
+    ChangeReport report(output, "block add", arguments.options, session);
     const kestrel::Block& block = addBlock(session, {withoutModel(session.model(), arguments.path), arguments.eid,
                                                      outputsOf(arguments.outputs), arguments.isChart});
     report.change(
@@ -57,13 +57,13 @@ int runAdd(const BlockArguments& arguments, const Output& output) {
         fmt::format("{} {} (element identifier {}) with {}", block.chart ? "chart" : "block", printable(block.path),
                     printable(std::string_view(block.eid)), counted(block.outputs.size(), "output port")),
         membersOf(session, block.path));
-    return report.finish(session);
+    return report.finish();
 }
 
 int runRemove(const BlockArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "block remove", arguments.change);
+    ChangeReport report(output, "block remove", arguments.options, session);
     const DanglingWatch watch(session);
     const RemovedBlocks removed = removeBlocks(session, resolveParent(session.model(), arguments.path),
                                                arguments.isRecursive ? Below::remove : Below::refuse,
@@ -72,15 +72,15 @@ int runRemove(const BlockArguments& arguments, const Output& output) {
         report.change(Fate::removed, "remove", "removed", "block " + printable(path), membersOf(session, path));
     const std::string signals = counted(removed.signals, "signal");
     if (removed.signals > 0) report.note("  " + signals + " would go with it", "  " + signals + " went with it");
-    const ExitCode code = report.finish(session);
-    warnOfLost(session, watch, arguments.change.isDryRun, output.err);
+    const ExitCode code = report.finish();
+    warnOfLost(session, watch, arguments.options.isDryRun, output.err);
     return code;
 }
 
 int runRename(const BlockArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "block rename", arguments.change);
+    ChangeReport report(output, "block rename", arguments.options, session);
     const std::u16string path = resolveParent(session.model(), arguments.path);
     const Moved moved = moveBlocks(session, path, renamedPath(path, toUtf16(arguments.name)));
     for (const auto& [before, after] : moved.blocks)
@@ -89,7 +89,7 @@ int runRename(const BlockArguments& arguments, const Output& output) {
     const std::string followers =
         fmt::format("{}, {}", counted(moved.signals, "signal"), counted(moved.clients, "client"));
     report.note("would follow: " + followers, "following: " + followers);
-    return report.finish(session);
+    return report.finish();
 }
 
 void describeAdd(CLI::App& app, Run& run) {
@@ -102,7 +102,7 @@ void describeAdd(CLI::App& app, Run& run) {
     command->add_option("--outputs", arguments->outputs, "names of its output ports, with commas between");
     command->add_option("--eid", arguments->eid, "element identifier; a new number if left out");
     command->add_flag("--chart", arguments->isChart, "the block is a chart");
-    addChangeOptions(*command, arguments->change);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runAdd, arguments, run);
 }
 
@@ -115,7 +115,7 @@ void describeRemove(CLI::App& app, Run& run) {
     command->add_option("PATH", arguments->path, "path of the block or of a parent")->required();
     command->add_flag("--recursive", arguments->isRecursive, "remove all below it, too");
     command->add_flag("--unmark", arguments->isUnmarking, "remove the signals on it, too");
-    addChangeOptions(*command, arguments->change);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runRemove, arguments, run);
 }
 
@@ -126,7 +126,7 @@ void describeRename(CLI::App& app, Run& run) {
                    "  kshmi block rename cruise.json Sensors/Speed 'Wheel Speed'", arguments->file);
     command->add_option("PATH", arguments->path, "path of the block or of a parent")->required();
     command->add_option("NAME", arguments->name, "its new name, without parents")->required();
-    addChangeOptions(*command, arguments->change);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runRename, arguments, run);
 }
 

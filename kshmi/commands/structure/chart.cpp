@@ -20,14 +20,14 @@ struct ChartArguments {
     std::string file;
     std::string item;  // of an addition: the chart
     std::string name;
-    ReferenceOptions options;  // only an SSID
+    ReferenceOptions reference;  // only an SSID
     bool isRecursive = false;
     bool isUnmarking = false;
-    ChangeOptions change;
+    ChangeOptions options;
 };
 
 SignalSource requireItem(const Session& session, const ChartArguments& arguments) {
-    const std::vector<SignalSource> sources = resolveReference(session.model(), arguments.item, arguments.options);
+    const std::vector<SignalSource> sources = resolveReference(session.model(), arguments.item, arguments.reference);
     const SignalSource& source = sources.front();
     if (sources.size() != 1 || !source.item)
         throw Error(fmt::format("{}: name a state or datum, as in \"chart/State\"", inQuotes(arguments.item)));
@@ -46,20 +46,21 @@ template <ItemKind kind>
 int runAdd(const ChartArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, kind == ItemKind::state ? "chart add-state" : "chart add-datum", arguments.change);
+    ChangeReport report(output, kind == ItemKind::state ? "chart add-state" : "chart add-datum", arguments.options,
+                        session);
     const kestrel::Block& block = resolveBlock(session.model(), arguments.item);
-    const std::uint32_t ssid = addItem(session, block, kind, toUtf16(arguments.name), arguments.options.ssid);
+    const std::uint32_t ssid = addItem(session, block, kind, toUtf16(arguments.name), arguments.reference.ssid);
     report.change(Fate::added, "add", "added",
                   fmt::format("{} {} (SSID {}) to {}", kind == ItemKind::state ? "state" : "datum",
                               printable(std::string_view(arguments.name)), ssid, printable(block.path)),
                   membersOf(session, block, toUtf16(arguments.name)));
-    return report.finish(session);
+    return report.finish();
 }
 
 int runRemove(const ChartArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "chart remove", arguments.change);
+    ChangeReport report(output, "chart remove", arguments.options, session);
     const DanglingWatch watch(session);
     const SignalSource source = requireItem(session, arguments);
     const RemovedItems removed =
@@ -71,15 +72,15 @@ int runRemove(const ChartArguments& arguments, const Output& output) {
                       membersOf(session, *source.block, item));
     const std::string signals = counted(removed.signals, "signal");
     if (removed.signals > 0) report.note("  " + signals + " would go with it", "  " + signals + " went with it");
-    const ExitCode code = report.finish(session);
-    warnOfLost(session, watch, arguments.change.isDryRun, output.err);
+    const ExitCode code = report.finish();
+    warnOfLost(session, watch, arguments.options.isDryRun, output.err);
     return code;
 }
 
 int runRename(const ChartArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "chart rename", arguments.change);
+    ChangeReport report(output, "chart rename", arguments.options, session);
     const SignalSource source = requireItem(session, arguments);
     const RenamedItems renamed = renameItem(session, *source.block, *source.item, toUtf16(arguments.name));
     for (const auto& [before, after] : renamed.items)
@@ -87,15 +88,16 @@ int runRename(const ChartArguments& arguments, const Output& output) {
                       membersOf(session, *source.block, after, before));
     const std::string signals = counted(renamed.signals, "signal");
     if (renamed.signals > 0) report.note("would follow: " + signals, "following: " + signals);
-    return report.finish(session);
+    return report.finish();
 }
 
 CLI::App* describe(CLI::App& app, const char* name, const char* help, const char* examples, const char* item,
                    ChartArguments& arguments) {
     CLI::App* const command = addCommand(app, name, help, examples, arguments.file);
     command->add_option(item, arguments.item, "path of the chart, or of the state or datum below it")->required();
-    command->add_option("--ssid", arguments.options.ssid, "its identifier within the chart")->transform(wholeNumber());
-    addChangeOptions(*command, arguments.change);
+    command->add_option("--ssid", arguments.reference.ssid, "its identifier within the chart")
+        ->transform(wholeNumber());
+    addChangeOptions(*command, arguments.options);
     return command;
 }
 

@@ -19,6 +19,10 @@ struct NewArguments {
 int runNew(const NewArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     const ModelFile made = newModelFile(toUtf16(arguments.name));
+    if (arguments.file == kStandardStream) {
+        sendModel(output, modelText(made));
+        return kSuccess;
+    }
     writeNewModelFile(arguments.file, made.model, made.signals.get(), made.clients.get());
     output.out << fmt::format("{}: made the model {}, with no blocks\n", printable(std::string_view(arguments.file)),
                               printable(made.model.name()));
@@ -34,6 +38,7 @@ void addNew(CLI::App& app, Run& run) {
                                          "  kshmi block add cruise.json Sensors/Speed --outputs speed,valid\n"
                                          "  kshmi mark cruise.json Sensors/Speed:speed",
                                          arguments->file);
+    command->get_option("MODEL")->description("model file to make; - is the standard output");
     command->add_option("--name", arguments->name, "name of the model, without '/' and ':'")->required();
     runWith(*command, runNew, arguments, run);
 }

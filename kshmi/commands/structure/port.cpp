@@ -25,7 +25,7 @@ struct PortArguments {
     std::string name;
     std::optional<int> at;
     bool isUnmarking = false;
-    ChangeOptions change;
+    ChangeOptions options;
 };
 
 int requirePort(const kestrel::Model& model, const kestrel::Block& block, const std::string& text) {
@@ -37,11 +37,11 @@ int requirePort(const kestrel::Model& model, const kestrel::Block& block, const 
     return source.port;
 }
 
-// A port, or a signal on one; the number that it had, if it had another.
-ChangeReport::Members membersOf(std::string_view kind, const std::u16string& block, const PortChange& one) {
+// The number that it had is told if it had another.
+ChangeReport::Members membersOf(const std::u16string& block, const PortChange& one) {
     return [=](JsonObject& object) {
-        object.text("kind", kind).text("block", block).number("port", one.to == 0 ? one.from : one.to);
-        object.text(kind == "port" ? "portName" : "name", one.name);
+        object.text("kind", std::string_view("port")).text("block", block);
+        object.number("port", one.to == 0 ? one.from : one.to).text("portName", one.name);
         if (one.to != 0 && one.from != 0) object.number("from", one.from);
     };
 }
@@ -50,21 +50,18 @@ ChangeReport::Members membersOf(std::string_view kind, const std::u16string& blo
 void tellFollowers(const std::u16string& block, const Renumbering& changes, ChangeReport& report) {
     for (const PortChange& one : changes.ports)
         if (one.to != 0)
-            report.note(Fate::changed,
-                        fmt::format("  port {} ({}) would become {}", one.from, printable(one.name), one.to),
-                        fmt::format("  port {} ({}) becomes {}", one.from, printable(one.name), one.to),
-                        membersOf("port", block, one));
+            report.note(
+                Fate::changed, fmt::format("  port {} ({}) would become {}", one.from, printable(one.name), one.to),
+                fmt::format("  port {} ({}) becomes {}", one.from, printable(one.name), one.to), membersOf(block, one));
     for (const PortChange& one : changes.signals)
-        report.note(Fate::changed,
-                    fmt::format("  signal {} on port {} would follow to port {}", inQuotes(one.name), one.from, one.to),
-                    fmt::format("  signal {} on port {} follows to port {}", inQuotes(one.name), one.from, one.to),
-                    membersOf("signal", block, one));
+        report.note(fmt::format("  signal {} on port {} would follow to port {}", inQuotes(one.name), one.from, one.to),
+                    fmt::format("  signal {} on port {} follows to port {}", inQuotes(one.name), one.from, one.to));
 }
 
 int runAdd(const PortArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "port add", arguments.change);
+    ChangeReport report(output, "port add", arguments.options, session);
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
     const Renumbering moved = addPort(session, block, toUtf16(arguments.name), arguments.at);
     const std::u16string full = session.model().fullPath(block);
@@ -72,15 +69,15 @@ int runAdd(const PortArguments& arguments, const Output& output) {
     report.change(
         Fate::added, "add", "added",
         fmt::format("port {} ({}) to {}", number, printable(std::string_view(arguments.name)), printable(block.path)),
-        membersOf("port", full, {0, number, toUtf16(arguments.name)}));
+        membersOf(full, {0, number, toUtf16(arguments.name)}));
     tellFollowers(full, moved, report);
-    return report.finish(session);
+    return report.finish();
 }
 
 int runRemove(const PortArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "port remove", arguments.change);
+    ChangeReport report(output, "port remove", arguments.options, session);
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
     const int port = requirePort(session.model(), block, arguments.port);
     const std::u16string name = block.outputs[static_cast<std::size_t>(port) - 1];
@@ -89,31 +86,31 @@ int runRemove(const PortArguments& arguments, const Output& output) {
     const Renumbering moved = removePort(session, block, port, arguments.isUnmarking ? Marks::remove : Marks::keep);
     report.change(Fate::removed, "remove", "removed",
                   fmt::format("port {} ({}) of {}", port, printable(name), printable(block.path)),
-                  membersOf("port", full, {port, 0, name}));
+                  membersOf(full, {port, 0, name}));
     tellFollowers(full, moved, report);
-    const ExitCode code = report.finish(session);
-    warnOfLost(session, watch, arguments.change.isDryRun, output.err);
+    const ExitCode code = report.finish();
+    warnOfLost(session, watch, arguments.options.isDryRun, output.err);
     return code;
 }
 
 int runRename(const PortArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    ChangeReport report(output, "port rename", arguments.change);
+    ChangeReport report(output, "port rename", arguments.options, session);
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
     const int port = requirePort(session.model(), block, arguments.port);
     const std::u16string old = block.outputs[static_cast<std::size_t>(port) - 1];
     if (toUtf16(arguments.name) == old) {
         report.keep(Fate::unchanged, "already named " + printable(old),
-                    membersOf("port", session.model().fullPath(block), {port, 0, old}));
-        return report.finish(session);
+                    membersOf(session.model().fullPath(block), {port, 0, old}));
+        return report.finish();
     }
     renamePort(session, block, port, toUtf16(arguments.name));
     report.change(Fate::changed, "rename", "renamed",
                   fmt::format("port {} of {} from {} to {}", port, printable(block.path), printable(old),
                               printable(std::string_view(arguments.name))),
-                  membersOf("port", session.model().fullPath(block), {port, 0, toUtf16(arguments.name)}));
-    return report.finish(session);
+                  membersOf(session.model().fullPath(block), {port, 0, toUtf16(arguments.name)}));
+    return report.finish();
 }
 
 void addBlockOption(CLI::App& command, PortArguments& arguments) {
@@ -131,7 +128,7 @@ void describeAdd(CLI::App& app, Run& run) {
     command->add_option("NAME", arguments->name, "name of the port")->required();
     command->add_option("--at", arguments->at, "its number; the last one if left out")
         ->transform(wholeNumber(1, std::numeric_limits<std::int32_t>::max()));
-    addChangeOptions(*command, arguments->change);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runAdd, arguments, run);
 }
 
@@ -145,7 +142,7 @@ void describeRemove(CLI::App& app, Run& run) {
     addBlockOption(*command, *arguments);
     command->add_option("PORT", arguments->port, "number or name of the port")->required();
     command->add_flag("--unmark", arguments->isUnmarking, "remove the signals on it, too");
-    addChangeOptions(*command, arguments->change);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runRemove, arguments, run);
 }
 
@@ -156,7 +153,7 @@ void describeRename(CLI::App& app, Run& run) {
     addBlockOption(*command, *arguments);
     command->add_option("PORT", arguments->port, "number or name of the port")->required();
     command->add_option("NAME", arguments->name, "its new name")->required();
-    addChangeOptions(*command, arguments->change);
+    addChangeOptions(*command, arguments->options);
     runWith(*command, runRename, arguments, run);
 }
 
