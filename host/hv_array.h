@@ -21,7 +21,7 @@
 /// Positions and element numbers are 0-based; elements are in storage order, first dimension fastest.
 /// Thread: the host's interpreter thread only.
 struct hvArray;
-
+/// The classes of values, by the host's numbers; `hvGetClassName` tells the class of an object.
 enum hvClassID : std::uint32_t {
     hvUNKNOWN_CLASS = 0,
     hvDOUBLE_CLASS = 1,
@@ -40,7 +40,7 @@ enum hvClassID : std::uint32_t {
     hvUINT64_CLASS = 14,
     hvOBJECT_CLASS = 15,
 };
-
+/// Whether numbers have an imaginary part. Only real values exist here.
 enum hvComplexity : std::uint32_t { hvREAL = 0, hvCOMPLEX = 1 };
 
 /// Lifetime scopes of a value. A null scope is scope 0.
@@ -106,10 +106,10 @@ OX_API hvClassID hvGetClassID(const hvArray* value) noexcept;
 OX_API std::uint32_t hvGetClassWord(const hvArray* value) noexcept;
 /// The class's name ("double", "struct", the dotted name of an object's class); never null.
 OX_API const char* hvGetClassName(const hvArray* value) noexcept;
-OX_API std::size_t hvGetNumberOfDimensions(const hvArray* value) noexcept;
+OX_API std::size_t hvGetNumberOfDimensions(const hvArray* value) noexcept;  ///< 2 or more; 0 for null.
 /// `hvGetNumberOfDimensions` lengths, valid while the value lives; null for null.
 OX_API const std::size_t* hvGetDimensions(const hvArray* value) noexcept;
-OX_API std::size_t hvGetNumberOfElements(const hvArray* value) noexcept;
+OX_API std::size_t hvGetNumberOfElements(const hvArray* value) noexcept;  ///< Product of dimensions; 0 for null.
 /// True when any dimension is 0, and for null.
 OX_API bool hvIsEmpty(const hvArray* value) noexcept;
 /// True when the value is an object of the named host class or of a subclass.

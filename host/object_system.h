@@ -31,7 +31,7 @@ private:
 };
 
 namespace internal {
-OX_API InternedName makeInterned(std::string_view text);
+OX_API InternedName makeInterned(std::string_view text);  ///< The name of that text; the empty name for no text.
 }
 
 class COSObject;

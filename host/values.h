@@ -63,7 +63,7 @@ inline std::string utf8TextOf(const hvArray* value) {
 
 namespace detail {
 template <class Number>
-double numberIn(const hvArray* value, std::size_t index) noexcept {
+double numberIn(const hvArray* value, std::size_t index) noexcept {  ///< Unchecked.
     return static_cast<double>(static_cast<const Number*>(hvGetData(value))[index]);
 }
 }  // namespace detail

@@ -10,6 +10,7 @@ bench_packages=(libbenchmark-dev)
 consumer_packages=(gcc python3-clang-14 abigail-tools xz-utils)
 package_packages=(dpkg-dev file lintian man-db)
 mutation_packages=(python3-clang-14)
+docs_packages=(doxygen python3-markdown-it)
 
 works_with_cxx20() {
     have "$1" && printf '#include <concepts>\n#include <span>\n' | "$1" -std=c++20 -fsyntax-only -x c++ - >/dev/null 2>&1
@@ -51,8 +52,9 @@ is_there() {
         cmake) cmake_is_recent ;;
         ninja-build) have ninja ;;
         chromium) have chromium || have chromium-browser || have google-chrome ;;
-        pkg-config | python3 | clang-format | clang-tidy | valgrind) have "$1" ;;
+        pkg-config | doxygen | python3 | clang-format | clang-tidy | valgrind) have "$1" ;;
         libboost1.81-dev) boost_is_recent ;;
+        python3-markdown-it) /usr/bin/python3 -c 'import markdown_it' 2>/dev/null ;;
         python3-clang-14) /usr/bin/python3 -c 'import clang.cindex' 2>/dev/null ;;
         *) if have dpkg-query; then has_package "$1"; else has_header "${headers[$1]}"; fi ;;
     esac

@@ -57,7 +57,7 @@ private:
 };
 
 namespace faults {
-
+/// What is counted.
 enum class Operation : std::uint8_t {
     createValue,
     copyValue,
@@ -78,8 +78,8 @@ enum class Operation : std::uint8_t {
 enum class Outcome : std::uint8_t { proceed, refuse, emptyResult, nullResult, wrongClass };
 
 namespace internal {
-OX_API extern FaultInjection* g_active;
-OX_API Outcome count(Operation operation);
+OX_API extern FaultInjection* g_active;     ///< null while nothing is injected
+OX_API Outcome count(Operation operation);  ///< As `point`, with an injection active.
 }  // namespace internal
 
 /// The counting point. Throws `kssvIException` or `std::bad_alloc` when the operation is to fail so.

@@ -9,7 +9,7 @@
 namespace orvex {
 
 namespace internal {
-OX_API extern int g_callDepth;
+OX_API extern int g_callDepth;  ///< what `hostCallDepth` answers
 }
 
 /// A call that runs while this lives.
