@@ -17,6 +17,11 @@ void appendItems(std::vector<std::uint32_t>& names, const kestrel::Chart& chart,
     for (const kestrel::ChartData& datum : chart.data) names.push_back(numbers.of(mark + u'd' + datum.name));
 }
 
+void count(std::vector<std::size_t>& uses, std::uint32_t number) {
+    if (number >= uses.size()) uses.resize(number + 1);
+    ++uses[number];
+}
+
 }  // namespace
 
 std::optional<std::size_t> VersionBlocks::at(const kestrel::Block* block) const {
@@ -28,9 +33,11 @@ BothVersions::BothVersions(const kestrel::Model& oldModel, const kestrel::Model&
     : old(oldModel), next(newModel) {
     add(old);
     add(next);
-    const std::size_t most = std::max(old.uses.size(), next.uses.size());
-    old.uses.resize(most);
-    next.uses.resize(most);
+    for (const auto uses : {&VersionBlocks::uses, &VersionBlocks::setUses}) {
+        const std::size_t most = std::max((old.*uses).size(), (next.*uses).size());
+        (old.*uses).resize(most);
+        (next.*uses).resize(most);
+    }
 }
 
 void BothVersions::add(VersionBlocks& version) {
@@ -40,22 +47,25 @@ void BothVersions::add(VersionBlocks& version) {
         if (block.chart) appendItems(names, *block.chart, m_names);
         std::sort(names.begin(), names.end());
         names.erase(std::unique(names.begin(), names.end()), names.end());
-        for (const std::uint32_t name : names) {
-            if (name >= version.uses.size()) version.uses.resize(name + 1);
-            ++version.uses[name];
-        }
+        for (const std::uint32_t name : names) count(version.uses, name);
+        for (std::u16string parent = parentOf(block.path); !parent.empty(); parent = parentOf(parent))
+            if (!version.parents.insert(parent).second) break;
         version.positions.emplace(&block, version.blocks.size());
         version.blocks.push_back(&block);
         version.sets.push_back(m_sets.of(std::u32string(names.begin(), names.end())));
+        count(version.setUses, version.sets.back());
         version.names.push_back(std::move(names));
     }
 }
 
-std::size_t BothVersions::shared(std::size_t oldBlock, std::size_t newBlock) const {
-    if (old.sets[oldBlock] == next.sets[newBlock]) return old.names[oldBlock].size();
+std::vector<std::uint32_t> BothVersions::sharedNames(std::size_t oldBlock, std::size_t newBlock) const {
     std::vector<std::uint32_t> both;
     std::ranges::set_intersection(old.names[oldBlock], next.names[newBlock], std::back_inserter(both));
-    return both.size();
+    return both;
+}
+
+std::size_t BothVersions::shared(std::size_t oldBlock, std::size_t newBlock) const {
+    return isAlike(oldBlock, newBlock) ? old.names[oldBlock].size() : sharedNames(oldBlock, newBlock).size();
 }
 
 double BothVersions::likeness(std::size_t oldBlock, std::size_t newBlock) const {
@@ -65,14 +75,24 @@ double BothVersions::likeness(std::size_t oldBlock, std::size_t newBlock) const 
 }
 
 bool BothVersions::isWeak(std::size_t oldBlock) const {
+    if (old.setUses[old.sets[oldBlock]] > 1) return true;
     return old.names[oldBlock].size() == 1 && !isRare(old.names[oldBlock].front());
 }
 
-bool BothVersions::isTelling(std::size_t oldBlock, std::size_t newBlock) const {
-    if (likeness(oldBlock, newBlock) >= kHalf && !isWeak(oldBlock)) return true;
-    std::vector<std::uint32_t> both;
-    std::ranges::set_intersection(old.names[oldBlock], next.names[newBlock], std::back_inserter(both));
+bool BothVersions::isUniqueSet(std::uint32_t set) const { return old.setUses[set] <= 1 && next.setUses[set] <= 1; }
+
+bool BothVersions::shareRareName(std::size_t oldBlock, std::size_t newBlock) const {
+    const std::vector<std::uint32_t> both = sharedNames(oldBlock, newBlock);
     return std::ranges::any_of(both, [this](std::uint32_t name) { return isRare(name); });
+}
+
+bool BothVersions::isTelling(std::size_t oldBlock, std::size_t newBlock) const {
+    return (likeness(oldBlock, newBlock) >= kHalf && !isWeak(oldBlock)) || shareRareName(oldBlock, newBlock);
+}
+
+std::u16string parentOf(const std::u16string& path) {
+    const std::size_t at = path.rfind(u'/');
+    return at == std::u16string::npos ? std::u16string() : path.substr(0, at);
 }
 
 std::u16string_view lastSegment(std::u16string_view path) noexcept { return path.substr(path.rfind(u'/') + 1); }
@@ -90,6 +110,23 @@ std::u16string plainName(std::u16string_view name) {
         plain += c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c - u'A' + u'a') : c;
     }
     return plain;
+}
+
+std::u16string plainPath(std::u16string_view path) {
+    std::u16string plain = plainName(path);
+    std::erase(plain, u'/');
+    return plain;
+}
+
+bool areNumberedApart(std::u16string_view one, std::u16string_view other) {
+    const auto isDigit = [](char16_t c) { return c >= u'0' && c <= u'9'; };
+    const auto without = [](std::u16string_view name, auto isLeftOut) {
+        std::u16string rest = plainName(name);
+        std::erase_if(rest, isLeftOut);
+        return rest;
+    };
+    const auto isOther = [&](char16_t c) { return !isDigit(c); };
+    return without(one, isDigit) == without(other, isDigit) && without(one, isOther) != without(other, isOther);
 }
 
 }  // namespace workbench

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "memory_host/kestrel/model.h"
@@ -19,6 +20,12 @@ class Numbering {
 public:
     std::uint32_t of(const Key& key) {
         return m_numbers.emplace(key, static_cast<std::uint32_t>(m_numbers.size())).first->second;
+    }
+
+    /// Nothing for a key that has none.
+    std::optional<std::uint32_t> find(const Key& key) const {
+        const auto found = m_numbers.find(key);
+        return found == m_numbers.end() ? std::nullopt : std::optional(found->second);
     }
 
 private:
@@ -35,6 +42,9 @@ struct VersionBlocks {
     std::vector<std::vector<std::uint32_t>> names = {};  ///< of ports and items, sorted, each once
     std::vector<std::uint32_t> sets = {};                ///< the same number for the same names
     std::vector<std::size_t> uses = {};                  ///< of each name: how many blocks have it
+    std::vector<std::size_t> setUses = {};               ///< of each set
+
+    std::unordered_set<std::u16string> parents = {};     ///< all paths that blocks are below
 
     std::size_t size() const noexcept { return blocks.size(); }
     const std::u16string& path(std::size_t block) const { return blocks[block]->path; }
@@ -49,17 +59,26 @@ struct BothVersions {
     std::size_t shared(std::size_t oldBlock, std::size_t newBlock) const;
     /// The share of the names that both have among those that either has; 0.0 to 1.0.
     double likeness(std::size_t oldBlock, std::size_t newBlock) const;
-    /// Whether there is more in common than a name or two that any block might have.
+    bool isAlike(std::size_t oldBlock, std::size_t newBlock) const { return old.sets[oldBlock] == next.sets[newBlock]; }
+    /// Whether both have a name that no other block of either version has.
+    bool shareRareName(std::size_t oldBlock, std::size_t newBlock) const;
+    /// Whether there is more in common than names that any block might have.
     bool isTelling(std::size_t oldBlock, std::size_t newBlock) const;
-    /// Whether the block has a single name, which other blocks have as well.
+    /// Whether other blocks have the block's names as well.
     bool isWeak(std::size_t oldBlock) const;
+    /// Whether one block at most of each version has the set.
+    bool isUniqueSet(std::uint32_t set) const;
+    /// Whether one block at most of each version has the name.
+    bool isRare(std::uint32_t name) const { return old.uses[name] <= 1 && next.uses[name] <= 1; }
+    /// Of a port's name; nothing when no block has it.
+    std::optional<std::uint32_t> numberOf(const std::u16string& name) const { return m_names.find(name); }
 
     VersionBlocks old;
     VersionBlocks next;
 
 private:
     void add(VersionBlocks& version);
-    bool isRare(std::uint32_t name) const { return old.uses[name] <= 1 && next.uses[name] <= 1; }
+    std::vector<std::uint32_t> sharedNames(std::size_t oldBlock, std::size_t newBlock) const;
 
     Numbering<std::u16string> m_names;
     Numbering<std::u32string> m_sets;
@@ -67,9 +86,15 @@ private:
 
 /// The part of a path behind the last '/'.
 std::u16string_view lastSegment(std::u16string_view path) noexcept;
+/// The path before the last '/'; empty when there is none.
+std::u16string parentOf(const std::u16string& path);
 /// The path from the last '/' but one on; the whole path when it has no more than two parts.
 std::u16string_view lastTwoSegments(std::u16string_view path) noexcept;
-/// A name without case, underscores and blanks.
+/// A name without case, underscores, blanks and hyphens.
 std::u16string plainName(std::u16string_view name);
+/// The same of a whole path, without what separates its parts, too: "Plant/Tank 1" is "Plant_Tank_1".
+std::u16string plainPath(std::u16string_view path);
+/// Whether two names differ in their numbers and in nothing else: "Tank 1" and "Tank 2" may well be two tanks.
+bool areNumberedApart(std::u16string_view one, std::u16string_view other);
 
 }  // namespace workbench

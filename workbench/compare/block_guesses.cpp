@@ -17,7 +17,11 @@ std::u16string digitsOf(const std::u16string& path) {
 
 }  // namespace
 
+// One that was unsure is looked at once more when its candidate was found to be another block.
 void BlockMatching::guess() {
+    for (Position i = 0; i < m_matches.size(); ++i)
+        if (isOpen(i) && m_matches[i].block && !isUntaken(m_versions.next.at(m_matches[i].block).value_or(kNone)))
+            m_matches[i] = {};
     guessAmongAlike();
     guessByLikeness();
     guessByName();
@@ -54,7 +58,8 @@ void BlockMatching::guessAmongAlike() {
 }
 
 void BlockMatching::guessByLikeness() {
-    for (const auto& [block, best] : findLikenesses().ofOld) propose(block, best.first, best.count);
+    for (const auto& [block, best] : findLikenesses().ofOld)
+        if (isFree(block)) propose(block, best.first, best.count);
 }
 
 // One that has the identifier, or the name and nothing else, in common.

@@ -8,6 +8,7 @@
 
 #include "workbench/compare/block_features.h"
 #include "workbench/compare/carry_map.h"
+#include "workbench/compare/matched_parents.h"
 
 /// Which block of a next version is which of the old one.
 namespace workbench {
@@ -50,34 +51,64 @@ public:
     const BlockMatch& of(const kestrel::Block& oldBlock) const;
     /// Whether identifiers name other blocks now than they did, so that they were not gone by.
     bool areIdentifiersRenewed() const noexcept { return m_isRenewed; }
+    /// Whether identifiers stay with their blocks, as far as can be seen.
+    bool areIdentifiersTrusted() const noexcept { return m_isTrusted; }
+    /// Blocks that a port may have gone to whose block, if there was one, does not have it any more: they have a port
+    /// of that name, were not found to be another block that had it, and the name or the block tells enough. In order.
+    std::vector<const kestrel::Block*> heirs(const kestrel::Block* oldBlock, const std::u16string& name) const;
 
 private:
     using Position = std::size_t;
     static constexpr Position kNone = static_cast<Position>(-1);
 
-    // By what a person says, then by identifier and path.
+    // By what a person says, then by identifier and path, in block_identities.cpp.
     void matchMapped();
     void judgeIdentifiers();
+    struct Evidence {
+        std::size_t agreeing = 0, unclear = 0, contradicting = 0;
+        std::size_t differing = 0;  ///< all where identifier and path, or ports, lead to two blocks
+    };
+    void weigh(Position block, Evidence& evidence) const;
     void matchIdentities();
-    void matchContradicting(Position block, Position byEid, Position byPath);
+    struct Claim {
+        enum class How : std::uint8_t { none, take, unsure } how = How::none;
+        Position candidate = kNone;
+        bool isByEid = false;
+    };
+    using Claims = std::vector<Claim>;
+    Claim claimOf(Position block) const;
+    Claim claimOf(Position block, Position candidate, bool isByEid, bool isByPath) const;
+    Claim contestedClaim(Position block, Position byEid, Position byPath) const;
+    void settleContests(Claims& claims) const;
+    void settleContest(const std::vector<Position>& blocks, Claims& claims) const;
     Position byEid(Position block) const;
     Position byPath(Position block) const;
-    bool hasExactlyAlike(Position block) const;
+    Position exactlyAlike(Position block) const;
+    bool isFromPath(Position block, Position candidate) const;
+    bool isExactlyAnother(Position block, Position candidate) const;
+    bool isExchanged(Position block, Position candidate) const;
+    Position rivalOf(Position block, Position candidate) const;
+    bool isOwned(Position candidate, Position block) const;
+    bool isClearlyElsewhere(Position block, Position candidate, Position rival) const;
     void settleRest();
 
     // Renamed blocks, in renamed_blocks.cpp.
     void matchRenamed();
     void matchUniqueSets();
     void matchBelowRenamed();
-    template <class KeyOf, class Accept>
-    void matchUnique(KeyOf keyOf, Accept accept);
+    void matchBelow(Position block);
+    void matchAmongSiblings();
+    enum class Among : std::uint8_t { open, all };
+    template <typename KeyOf, typename Accept>
+    void matchUnique(Among among, KeyOf keyOf, Accept accept);
     void matchAlikeNames();
     void matchLikeness();
     struct Likenesses {
         std::unordered_map<Position, BestLikeness> ofOld, ofNew;
     };
     Likenesses findLikenesses() const;
-    void notePrefixes(Position block);
+    bool isBetweenSame(Position block, Position candidate) const;
+    bool isAloneInNew(Position block, Position candidate) const;
     bool isInContext(Position block, Position candidate) const;
 
     // What remains, in block_guesses.cpp.
@@ -87,24 +118,28 @@ private:
     void guessByName();
     void propose(Position block, Position candidate, std::size_t candidates);
 
-    bool isFree(Position block) const {
-        return m_toNew[block] == kNone && m_matches[block].how == MatchHow::none && !m_isGone[block];
-    }
+    /// Not found, and not said to be gone; it may be unsure.
+    bool isOpen(Position block) const { return m_toNew[block] == kNone && !m_isGone[block]; }
+    bool isFree(Position block) const { return isOpen(block) && m_matches[block].how == MatchHow::none; }
     bool isUntaken(Position candidate) const { return candidate != kNone && m_toOld[candidate] == kNone; }
     void match(Position block, Position candidate, MatchHow how);
+    /// Whether as many old blocks with the set are to be found as there are new ones for them.
+    bool areAsMany(std::uint32_t set) const { return m_openWithSet[set] == m_untakenWithSet[set]; }
 
     BothVersions m_versions;
     MatchBy m_by;
     const CarryMap& m_map;
     std::vector<BlockMatch> m_matches;  ///< by old position
     std::vector<Position> m_toNew, m_toOld;
-    std::vector<bool> m_isGone;  ///< old blocks that a person says are gone
-    /// Old paths that became others, to the new ones; an empty one for those that became several.
-    std::unordered_map<std::u16string, std::u16string> m_prefixes;
-    std::unordered_map<std::uint32_t, std::size_t> m_untakenSets;  ///< how many new blocks that are not taken have it
+    std::vector<bool> m_isGone;                                          ///< old blocks that a person says are gone
+    std::vector<Position> m_oldWithSet, m_newWithSet;                    ///< one of the blocks with each set
+    std::vector<std::size_t> m_openWithSet, m_untakenWithSet;            ///< how many old and new blocks have it
+    std::unordered_map<std::uint32_t, std::vector<Position>> m_holders;  ///< new blocks with each name
+    MatchedParents m_parents;
     std::size_t m_matchedCount = 0;
     bool m_isRenewed = false;
-    bool m_isTrusted = false;  ///< identifiers are
+    bool m_isTrusted = false;
+    bool m_areNumbers = false;  ///< identifiers count the blocks of each version
 };
 
 }  // namespace workbench

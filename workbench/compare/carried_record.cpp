@@ -9,11 +9,6 @@ namespace workbench {
 
 namespace {
 
-std::u16string parentOf(const std::u16string& path) {
-    const std::size_t at = path.rfind(u'/');
-    return at == std::u16string::npos ? std::u16string() : path.substr(0, at);
-}
-
 int numberOf(const hvArray* records, std::size_t position, const char* field) {
     return static_cast<int>(ks_host::numberAt(hvGetField(records, position, field)).value_or(0.0));
 }

@@ -77,9 +77,8 @@ void Carrier::park(const hvArray* signals, std::size_t position, const Decision&
     if (isNameKnown) mark.markedName = decision.mark.before.name;
     setRecordText(mark.signal.get(), 0, "BlockPath_", decision.mark.before.block);
     mark.clients = copyRecords(RecordKind::client, {});
-    const bool isBlock = decision.mark.fate == Fate::lostBlock || decision.mark.isBlockUnsure;
     const bool isItem = !decision.mark.before.domain.empty();
-    mark.lost = isBlock ? LostWith::block : isItem ? LostWith::item : LostWith::port;
+    mark.lost = !decision.isBlockFound ? LostWith::block : isItem ? LostWith::item : LostWith::port;
     mark.from = m_old.model.name();
     m_parkedAt.emplace(decision.mark.uuid, m_result.file.extras.parked.size());
     m_result.file.extras.parked.push_back(std::move(mark));

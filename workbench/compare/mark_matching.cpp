@@ -17,16 +17,33 @@ Decision MarkMatching::decide(const MarkedSource& source) {
     if (const CarryMap::Target* const target = m_map.source(source.place.block, source.place.name))
         return mapped(source, *target, std::move(decision));
     const BlockMatch block = source.block ? m_blocks.of(*source.block) : blockOfOrphan(source);
+    decision.isBlockFound = block.how != MatchHow::none && block.how != MatchHow::guess;
     decision.mark.isBlockUnsure = block.how == MatchHow::guess;
-    if (!block.block) {
-        decision.mark.fate = block.how == MatchHow::guess ? Fate::ambiguous : Fate::lostBlock;
-        decision.mark.candidates = block.candidates;
-        return decision;
-    }
-    const SourceMatch match = sourceIn(source, *block.block);
+    decision.mark.candidates = block.candidates;
+    const SourceMatch match = block.block ? sourceIn(source, *block.block) : SourceMatch{};
     decision.target = {block.block, match.port, match.name, match.ssid};
-    settle(source, block, match, decision);
+    if (block.block)
+        settle(source, block, match, decision);
+    else
+        decision.mark.fate = block.how == MatchHow::guess ? Fate::ambiguous : Fate::lostBlock;
+    if (isParkedFate(decision.mark.fate) && !decision.mark.after) lookForHeirs(source, decision);
     return decision;
+}
+
+// The port is not where its block went, or the block went nowhere: one elsewhere with its name may be it.
+void MarkMatching::lookForHeirs(const MarkedSource& source, Decision& decision) {
+    if (!source.isNameKnown || !source.place.domain.empty()) return;
+    const std::vector<const kestrel::Block*> heirs = m_blocks.heirs(source.block, source.place.name);
+    if (heirs.empty()) return;
+    CarriedMark& mark = decision.mark;
+    mark.fate = Fate::ambiguous;
+    mark.isBlockUnsure = false;
+    mark.candidates = heirs.size();
+    const SourceMatch match = portNamed(source.place.name, *heirs.front());
+    if (heirs.size() > 1 || match.how != SourceHow::same) return;
+    decision.target = {heirs.front(), match.port, match.name, 0};
+    mark.after = placeOf(source, decision.target);
+    if (m_options.acceptsGuesses) mark.fate = Fate::accepted;
 }
 
 MarkMatching::Pairings& MarkMatching::pairingsOf(const kestrel::Block* old, const kestrel::Block& next) {
@@ -42,6 +59,10 @@ SourceMatch MarkMatching::sourceIn(const MarkedSource& source, const kestrel::Bl
     if (place.domain.empty()) return pairings.ports.of(place.name, source.hadSlid ? 0 : place.port);
     return pairings.items.of(place.domain, place.name,
                              source.hadSlid || !source.block ? std::nullopt : std::optional(place.ssid));
+}
+
+SourceMatch MarkMatching::portNamed(const std::u16string& name, const kestrel::Block& block) {
+    return pairingsOf(nullptr, block).ports.of(name, 0);
 }
 
 // The block is not in the old version: the next one may have it at the old path or with the old identifier.
@@ -66,9 +87,9 @@ Decision MarkMatching::mapped(const MarkedSource& source, const CarryMap::Target
     decision.target = {target.block, 0, target.name, 0};
     const bool isPort = source.place.domain.empty();
     if (isPort)
-        decision.target.port = PortPairing(*target.block, *target.block).of(target.name, 0).port;
+        decision.target.port = portNamed(target.name, *target.block).port;
     else
-        decision.target.ssid = ItemPairing(nullptr, *target.block).of(source.place.domain, target.name, {}).ssid;
+        decision.target.ssid = pairingsOf(nullptr, *target.block).items.of(source.place.domain, target.name, {}).ssid;
     const bool fits = isPort ? decision.target.port > 0 : decision.target.ssid > 0;
     if (!fits) decision.mark.fate = Fate::ambiguous;
     if (fits) decision.mark.after = placeOf(source, decision.target);

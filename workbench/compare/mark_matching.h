@@ -12,7 +12,8 @@ namespace workbench {
 /// What becomes of a mark, and where it goes.
 struct Decision {
     CarriedMark mark;
-    NewSource target;
+    NewSource target = {};
+    bool isBlockFound = true;
 };
 
 /// Decides where each mark goes.
@@ -32,7 +33,9 @@ private:
     Pairings& pairingsOf(const kestrel::Block* old, const kestrel::Block& next);
     SourceMatch sourceIn(const MarkedSource& source, const kestrel::Block& block);
     BlockMatch blockOfOrphan(const MarkedSource& source);
-    static Decision mapped(const MarkedSource& source, const CarryMap::Target& target, Decision decision);
+    SourceMatch portNamed(const std::u16string& name, const kestrel::Block& block);
+    void lookForHeirs(const MarkedSource& source, Decision& decision);
+    Decision mapped(const MarkedSource& source, const CarryMap::Target& target, Decision decision);
     static MarkPlace placeOf(const MarkedSource& source, const NewSource& target);
     void settle(const MarkedSource& source, const BlockMatch& block, const SourceMatch& match,
                 Decision& decision) const;

@@ -7,13 +7,14 @@ namespace workbench {
 
 namespace {
 
-constexpr int kMostRounds = 8;
+// Each round finds something; so many are more than any model is deep.
+constexpr int kMostRounds = 32;
 // A name that more blocks have tells too little to be gone by.
 constexpr std::size_t kMostSharing = 32;
+constexpr double kLikely = 0.5;
 
-std::u16string parentOf(const std::u16string& path) {
-    const std::size_t at = path.rfind(u'/');
-    return at == std::u16string::npos ? std::u16string() : path.substr(0, at);
+std::u16string setKey(const VersionBlocks& version, std::size_t block) {
+    return {static_cast<char16_t>(version.sets[block] >> 16U), static_cast<char16_t>(version.sets[block])};
 }
 
 }  // namespace
@@ -30,7 +31,6 @@ void BestLikeness::offer(std::size_t candidate, double value) noexcept {
 }
 
 bool BestLikeness::isClear() const noexcept {
-    constexpr double kLikely = 0.5;
     constexpr double kLead = 2.0;
     return likeness >= kLikely && likeness >= kLead * next;
 }
@@ -38,9 +38,9 @@ bool BestLikeness::isClear() const noexcept {
 void BlockMatching::matchRenamed() {
     for (int round = 0; round < kMostRounds; ++round) {
         const std::size_t before = m_matchedCount;
-        matchBelowRenamed();
         matchUniqueSets();
         matchBelowRenamed();
+        matchAmongSiblings();
         matchAlikeNames();
         matchBelowRenamed();
         matchLikeness();
@@ -48,9 +48,9 @@ void BlockMatching::matchRenamed() {
     }
 }
 
-// What one old and one new block alone have a key in common.
-template <class KeyOf, class Accept>
-void BlockMatching::matchUnique(KeyOf keyOf, Accept accept) {
+// What one old and one new block alone have a key in common, among those that are not yet found or among all.
+template <typename KeyOf, typename Accept>
+void BlockMatching::matchUnique(Among among, KeyOf keyOf, Accept accept) {
     struct Pair {
         Position block = kNone, candidate = kNone;
         bool isUnique = true;
@@ -61,93 +61,110 @@ void BlockMatching::matchUnique(KeyOf keyOf, Accept accept) {
         place = position;
     };
     for (Position i = 0; i < m_matches.size(); ++i) {
-        if (!isFree(i) || m_versions.old.names[i].empty()) continue;
+        if ((among == Among::open && !isOpen(i)) || m_versions.old.names[i].empty()) continue;
         Pair& pair = pairs[keyOf(m_versions.old, i)];
         enter(pair.block, pair, i);
     }
     for (Position i = 0; i < m_versions.next.size(); ++i) {
-        if (!isUntaken(i)) continue;
+        if (among == Among::open && !isUntaken(i)) continue;
         const auto found = pairs.find(keyOf(m_versions.next, i));
         if (found != pairs.end()) enter(found->second.candidate, found->second, i);
     }
     for (const auto& [key, pair] : pairs)
-        if (pair.isUnique && pair.candidate != kNone && accept(pair.block, pair.candidate))
+        if (pair.isUnique && isFree(pair.block) && isUntaken(pair.candidate) && accept(pair.block, pair.candidate))
             match(pair.block, pair.candidate, MatchHow::rule);
 }
 
 void BlockMatching::matchUniqueSets() {
-    const auto setOf = [](const VersionBlocks& version, Position i) {
-        return std::u16string{static_cast<char16_t>(version.sets[i] >> 16U), static_cast<char16_t>(version.sets[i])};
-    };
-    matchUnique(setOf, [this](Position block, Position candidate) {
-        return !m_versions.isWeak(block) || isInContext(block, candidate);
+    matchUnique(Among::open, setKey, [this](Position block, Position candidate) {
+        return !m_versions.isWeak(block) || isInContext(block, candidate) || isAloneInNew(block, candidate);
     });
 }
 
-// A block with one name that many have: it must be below the same parent, and behind or before the same block.
-bool BlockMatching::isInContext(Position block, Position candidate) const {
+// All others with its names were found; its parent is gone, and that of the candidate is new.
+bool BlockMatching::isAloneInNew(Position block, Position candidate) const {
     const std::u16string parent = parentOf(m_versions.old.path(block));
-    const auto renamed = m_prefixes.find(parent);
-    const std::u16string& newParent = renamed == m_prefixes.end() ? parent : renamed->second;
-    if (newParent != parentOf(m_versions.next.path(candidate))) return false;
+    const std::u16string newParent = parentOf(m_versions.next.path(candidate));
+    return m_versions.old.names[block].size() > 1 && !parent.empty() && !newParent.empty() &&
+           !m_versions.next.parents.contains(parent) && !m_versions.old.parents.contains(newParent) &&
+           m_parents.isUnknown(parent, newParent);
+}
+
+// A block with names that others have, too: it must be below the same parent, and behind and before the same blocks.
+bool BlockMatching::isInContext(Position block, Position candidate) const {
+    const std::u16string& before = m_versions.old.path(block);
+    const std::u16string& after = m_versions.next.path(candidate);
+    if (areNumberedApart(lastSegment(before), lastSegment(after))) return false;
+    const std::u16string parent = parentOf(before);
+    const std::u16string newParent = parentOf(after);
+    if (!m_parents.correspond(parent, newParent)) return false;
+    return parent != newParent || isBetweenSame(block, candidate);
+}
+
+bool BlockMatching::isBetweenSame(Position block, Position candidate) const {
     const bool isFirst = block == 0 || candidate == 0;
     const bool isLast = block + 1 == m_toNew.size() || candidate + 1 == m_toOld.size();
     const bool fitsBefore = isFirst ? block == candidate : m_toNew[block - 1] == candidate - 1;
     const bool fitsAfter =
         isLast ? block + 1 == m_toNew.size() && candidate + 1 == m_toOld.size() : m_toNew[block + 1] == candidate + 1;
-    return (fitsBefore && fitsAfter) || (fitsBefore && !isFirst) || (fitsAfter && !isLast);
+    return fitsBefore && fitsAfter && !(isFirst && isLast);
+}
+
+// Below a renamed parent: the only one that is left with those names.
+void BlockMatching::matchAmongSiblings() {
+    const auto keyOf = [this](const VersionBlocks& version, Position i) {
+        const std::u16string parent = parentOf(version.path(i));
+        const bool isOld = &version == &m_versions.old;
+        const std::u16string* const now = isOld ? m_parents.of(parent) : nullptr;
+        return setKey(version, i) + (now ? *now : parent);
+    };
+    matchUnique(Among::open, keyOf,
+                [this](Position block, Position candidate) { return isInContext(block, candidate); });
 }
 
 // "Plant/Tank" is "Process/Tank" now: then "Plant" may be "Process" for others, too.
-void BlockMatching::notePrefixes(Position block) {
-    std::u16string before = m_versions.old.path(block);
-    std::u16string after = m_versions.next.path(m_toNew[block]);
-    if (before == after) return;
-    while (!before.empty() && !after.empty()) {
-        const auto [there, isNew] = m_prefixes.emplace(before, after);
-        if (!isNew && there->second != after) there->second.clear();
-        if (lastSegment(before) != lastSegment(after)) return;
-        before = parentOf(before);
-        after = parentOf(after);
-        if (before == after) return;
-    }
+void BlockMatching::matchBelowRenamed() {
+    for (Position i = 0; i < m_matches.size(); ++i)
+        if (isFree(i) && !m_versions.old.names[i].empty()) matchBelow(i);
 }
 
-void BlockMatching::matchBelowRenamed() {
-    for (Position i = 0; i < m_matches.size(); ++i) {
-        if (!isFree(i) || m_versions.old.names[i].empty()) continue;
-        const std::u16string& path = m_versions.old.path(i);
-        for (std::size_t at = path.rfind(u'/'); at != std::u16string::npos && at > 0; at = path.rfind(u'/', at - 1)) {
-            const auto renamed = m_prefixes.find(path.substr(0, at));
-            if (renamed == m_prefixes.end() || renamed->second.empty()) continue;
-            const kestrel::Block* const below = m_versions.next.model.findByPath(renamed->second + path.substr(at));
-            const Position candidate = m_versions.next.at(below).value_or(kNone);
-            if (!isUntaken(candidate) || m_versions.shared(i, candidate) == 0) continue;
-            match(i, candidate, MatchHow::rule);
-            break;
-        }
+void BlockMatching::matchBelow(Position block) {
+    const std::u16string& path = m_versions.old.path(block);
+    for (std::size_t at = path.rfind(u'/'); at != std::u16string::npos && at > 0; at = path.rfind(u'/', at - 1)) {
+        const std::u16string* const renamed = m_parents.of(path.substr(0, at));
+        if (!renamed || path.compare(0, at, *renamed) == 0) continue;
+        const kestrel::Block* const below = m_versions.next.model.findByPath(*renamed + path.substr(at));
+        const Position candidate = m_versions.next.at(below).value_or(kNone);
+        if (isUntaken(candidate) && m_versions.likeness(block, candidate) >= kLikely)
+            return match(block, candidate, MatchHow::rule);
     }
 }
 
 // Names decide among blocks that have the same ports, and, less strictly, among those that have a telling one in
 // common.
 void BlockMatching::matchAlikeNames() {
-    const auto withSet = [](const VersionBlocks& version, Position i, std::u16string_view name) {
-        std::u16string key{static_cast<char16_t>(version.sets[i] >> 16U), static_cast<char16_t>(version.sets[i])};
-        return key += name;
+    const auto withSet = [](auto nameOf) {
+        return [nameOf](const VersionBlocks& version, Position i) {
+            return setKey(version, i).append(nameOf(std::u16string_view(version.path(i))));
+        };
     };
-    const auto always = [](Position, Position) { return true; };
-    matchUnique([&](const auto& version, Position i) { return withSet(version, i, lastTwoSegments(version.path(i))); },
-                always);
-    matchUnique([&](const auto& version, Position i) { return withSet(version, i, lastSegment(version.path(i))); },
-                always);
-    matchUnique([&](const auto& version, Position i) { return withSet(version, i, plainName(version.path(i))); },
-                always);
-    matchUnique(
-        [&](const auto& version, Position i) { return withSet(version, i, plainName(lastSegment(version.path(i)))); },
-        always);
-    matchUnique([](const auto& version, Position i) { return plainName(lastSegment(version.path(i))); },
-                [this](Position block, Position candidate) { return m_versions.isTelling(block, candidate); });
+    const auto plainLast = [](std::u16string_view path) { return plainName(lastSegment(path)); };
+    const auto isStrong = [this](Position block, Position) { return !m_versions.isWeak(block); };
+    matchUnique(Among::open, withSet(lastTwoSegments), isStrong);
+    matchUnique(Among::open, withSet(lastSegment), isStrong);
+    matchUnique(Among::open, withSet(plainPath), isStrong);
+    matchUnique(Among::open, withSet(plainLast), isStrong);
+    const auto isEven = [this](Position block, Position candidate) {
+        const bool areNamesFree = !m_versions.next.model.findByPath(m_versions.old.path(block)) &&
+                                  !m_versions.old.model.findByPath(m_versions.next.path(candidate));
+        return areNamesFree && areAsMany(m_versions.old.sets[block]);
+    };
+    matchUnique(Among::all, withSet(plainPath), isEven);
+    matchUnique(Among::all, withSet(plainLast), isEven);
+    const auto byName = [plainLast](const VersionBlocks& version, Position i) { return plainLast(version.path(i)); };
+    matchUnique(Among::open, byName, [this](Position block, Position candidate) {
+        return byPath(block) != candidate && m_versions.isTelling(block, candidate);
+    });
 }
 
 // The block with most names in common, where no other comes near, seen from both sides.
@@ -155,7 +172,8 @@ void BlockMatching::matchLikeness() {
     const Likenesses likenesses = findLikenesses();
     for (const auto& [block, best] : likenesses.ofOld) {
         const BestLikeness& back = likenesses.ofNew.at(best.first);
-        if (best.isClear() && back.first == block && back.isClear() && m_versions.isTelling(block, best.first))
+        if (isFree(block) && best.isClear() && back.first == block && back.isClear() && byPath(block) != best.first &&
+            m_versions.isTelling(block, best.first))
             match(block, best.first, MatchHow::rule);
     }
 }
@@ -168,7 +186,7 @@ BlockMatching::Likenesses BlockMatching::findLikenesses() const {
     }
     Likenesses found;
     for (Position i = 0; i < m_matches.size(); ++i) {
-        if (!isFree(i)) continue;
+        if (!isOpen(i)) continue;
         std::set<Position> candidates;
         for (const std::uint32_t name : m_versions.old.names[i])
             if (const auto at = holders.find(name); at != holders.end() && at->second.size() <= kMostSharing)

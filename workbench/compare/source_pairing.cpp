@@ -6,15 +6,6 @@
 
 namespace workbench {
 
-namespace {
-
-std::u16string parentOf(const std::u16string& path) {
-    const std::size_t at = path.rfind(u'/');
-    return at == std::u16string::npos ? std::u16string() : path.substr(0, at);
-}
-
-}  // namespace
-
 PortPairing::PortPairing(const kestrel::Block& old, const kestrel::Block& next)
     : m_next(next), m_isSame(old.outputs == next.outputs), m_old(numbersOf(old)), m_new(numbersOf(next)) {
     for (const auto& [name, numbers] : m_old) m_lostCount += m_new.contains(name) ? 0 : numbers.size();

@@ -19,7 +19,8 @@ namespace workbench::testing {
 struct Block {
     std::string path, eid;
     std::vector<std::string> outputs;
-    std::string chart{};  ///< JSON; empty for none
+    std::string chart{};   ///< JSON; empty for none
+    std::string source{};  ///< of an imported block; empty for none
 };
 
 struct Mark {
@@ -34,7 +35,8 @@ inline std::string quoted(const std::vector<std::string>& texts) {
 }
 
 inline std::string text(const Block& block) {
-    return fmt::format(R"({{"path": "{}", "eid": "{}", "outputs": {}{}}})", block.path, block.eid,
+    return fmt::format(R"({{"path": "{}", "eid": "{}"{}, "outputs": {}{}}})", block.path, block.eid,
+                       block.source.empty() ? "" : fmt::format(", \"source\": \"{}\"", block.source),
                        quoted(block.outputs), block.chart.empty() ? "" : ", \"chart\": " + block.chart);
 }
 

@@ -165,7 +165,7 @@ TEST(History, everyMarkStaysWithItsPortOrIsParked) {
         }
     }
     // What is missing was parked together with a port or block that could be more than one.
-    EXPECT_GE(static_cast<double>(share.right), 0.97 * static_cast<double>(share.findable))
+    EXPECT_GE(static_cast<double>(share.right), 0.995 * static_cast<double>(share.findable))
         << share.right << " of " << share.findable;
     RecordProperty("right", static_cast<int>(share.right));
     RecordProperty("findable", static_cast<int>(share.findable));
