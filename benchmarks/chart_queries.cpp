@@ -1,6 +1,7 @@
 #include <map>
 
 #include "benchmarks/allocations.h"
+#include "benchmarks/asking.h"
 #include "benchmarks/bare_tables.h"
 #include "benchmarks/sample_signals.h"
 #include "benchmarks/suite.h"
@@ -51,14 +52,7 @@ void askAll(benchmark::State& state, Ask ask) {
     const std::vector<std::u16string>& list = identifiers();
     for (const std::u16string& eid : list)
         if (ask(eid) != isActivityObserved(eid)) return state.SkipWithError("the answers differ");
-    const std::size_t mask = list.size() - 1;
-    std::size_t at = 0;
-    std::size_t hits = 0;
-    for ([[maybe_unused]] auto _ : state) {
-        hits += static_cast<std::size_t>(ask(list[at]));
-        at = (at + 1) & mask;
-    }
-    benchmark::DoNotOptimize(hits);
+    askInTurn</*kOneByOne=*/false>(state, list, ask);
 }
 
 std::size_t allocationsOfAllQuestions() {

@@ -2,6 +2,7 @@
 #include <map>
 #include <random>
 
+#include "benchmarks/asking.h"
 #include "benchmarks/sample_signals.h"
 #include "benchmarks/suite.h"
 
@@ -36,15 +37,7 @@ const Ports& ports(std::size_t count) {
 
 template <bool kOneByOne, class Ask>
 void askAll(benchmark::State& state, const Ports& ports, Ask ask) {
-    const std::size_t mask = ports.questions.size() - 1;
-    std::size_t at = 0;
-    std::size_t hits = 0;
-    for ([[maybe_unused]] auto _ : state) {
-        hits += static_cast<std::size_t>(ask(ports.questions[at]));
-        at = (at + 1) & mask;
-        if constexpr (kOneByOne) waitForAnswer();
-    }
-    benchmark::DoNotOptimize(hits);
+    askInTurn<kOneByOne>(state, ports.questions, ask);
 }
 
 template <bool kOneByOne>

@@ -63,8 +63,7 @@ void query(benchmark::State& state, std::size_t count) {
     benchmark::DoNotOptimize(hits);
 }
 
-void load(benchmark::State& state, std::size_t count) {
-    const HvArrayPtr saved = savedRecords(count);
+void loadAgainAndAgain(benchmark::State& state, const HvArrayPtr& saved) {
     for ([[maybe_unused]] auto _ : state) {
         auto set = std::make_unique<InstrumentedSignals>();
         set->setFromPersistenceData(saved.get());
@@ -72,6 +71,10 @@ void load(benchmark::State& state, std::size_t count) {
         set.reset();
         state.ResumeTiming();
     }
+}
+
+void load(benchmark::State& state, std::size_t count) {
+    loadAgainAndAgain(state, savedRecords(count));
 }
 
 void save(benchmark::State& state, std::size_t count) {
@@ -120,13 +123,7 @@ void loadOnOnePort(benchmark::State& state, std::size_t count) {
         const OpenModel model(1);
         return makeSet(count, signalOnOnePort)->getPersistenceData();
     }();
-    for ([[maybe_unused]] auto _ : state) {
-        auto set = std::make_unique<InstrumentedSignals>();
-        set->setFromPersistenceData(saved.get());
-        state.PauseTiming();
-        set.reset();
-        state.ResumeTiming();
-    }
+    loadAgainAndAgain(state, saved);
 }
 
 void removeFromOnePort(benchmark::State& state, std::size_t count) {

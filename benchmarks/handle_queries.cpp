@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "benchmarks/asking.h"
 #include "benchmarks/bare_tables.h"
 #include "benchmarks/plain_form.h"
 #include "benchmarks/sample_signals.h"
@@ -60,15 +61,7 @@ template <bool kOneByOne, class Ask>
 void askAll(benchmark::State& state, std::size_t count, Ask ask) {
     if (!agreesWithSet(count, ask)) return state.SkipWithError("the answers differ");
     const std::vector<Question>& list = questions(count);
-    const std::size_t mask = list.size() - 1;
-    std::size_t at = 0;
-    std::size_t hits = 0;
-    for ([[maybe_unused]] auto _ : state) {
-        hits += static_cast<std::size_t>(ask(list[at]));
-        at = (at + 1) & mask;
-        if constexpr (kOneByOne) waitForAnswer();
-    }
-    benchmark::DoNotOptimize(hits);
+    askInTurn<kOneByOne>(state, list, ask);
 }
 
 template <bool kOneByOne>

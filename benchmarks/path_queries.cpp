@@ -1,5 +1,6 @@
 #include <map>
 
+#include "benchmarks/asking.h"
 #include "benchmarks/bare_tables.h"
 #include "benchmarks/plain_form.h"
 #include "benchmarks/sample_signals.h"
@@ -57,15 +58,7 @@ void askAll(benchmark::State& state, std::size_t count, Ask ask) {
     auto& set = sharedSet(count, unresolvedSignal);
     for (const std::u16string& path : list)
         if (ask(path) != isInSet(set, path)) return state.SkipWithError("the answers differ");
-    const std::size_t mask = list.size() - 1;
-    std::size_t at = 0;
-    std::size_t hits = 0;
-    for ([[maybe_unused]] auto _ : state) {
-        hits += static_cast<std::size_t>(ask(list[at]));
-        at = (at + 1) & mask;
-        if constexpr (kOneByOne) waitForAnswer();
-    }
-    benchmark::DoNotOptimize(hits);
+    askInTurn<kOneByOne>(state, list, ask);
 }
 
 template <bool kOneByOne>

@@ -72,7 +72,7 @@ void appendNotes(std::string& out, const ImportNotes& notes) {
         object.text("text", note.text).number("count", note.names.size());
         if (note.line > 0) object.number("line", note.line);
         object.name("names");
-        appendJsonArray(out, note.names, [&](std::string_view name) { appendJsonText(out, name); });
+        appendJsonTexts(out, note.names);
         object.close();
     });
 }

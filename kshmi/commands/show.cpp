@@ -48,7 +48,7 @@ void appendItems(std::string& out, const BlockNode& node) {
         JsonObject object(out);
         object.text("item", item.item.subPath).text("domain", item.item.domainType).number("ssid", item.item.ssid);
         object.truth("observed", item.isObserved).name("activities");
-        appendJsonArray(out, item.activities, [&](std::u16string_view activity) { appendJsonText(out, activity); });
+        appendJsonTexts(out, item.activities);
         object.close();
     });
 }

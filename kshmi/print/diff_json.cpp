@@ -19,7 +19,7 @@ void appendBlock(std::string& out, const ModelFile& file, const kestrel::Block& 
 }
 
 void appendNames(std::string& out, const std::vector<std::u16string>& names) {
-    appendJsonArray(out, names, [&](std::u16string_view name) { appendJsonText(out, name); });
+    appendJsonTexts(out, names);
 }
 
 void appendChange(std::string& out, const ModelFile& before, const ModelFile& after, const BlockChange& change) {

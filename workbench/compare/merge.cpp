@@ -23,7 +23,7 @@ std::string jsonOf(std::u16string_view text) {
 
 std::string jsonOf(const std::vector<std::u16string>& names) {
     std::string out;
-    appendJsonArray(out, names, [&](std::u16string_view name) { appendJsonText(out, name); });
+    appendJsonTexts(out, names);
     return out;
 }
 

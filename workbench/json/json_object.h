@@ -22,33 +22,45 @@ inline constexpr JsonLayout kOneLine{};
 /// Each element on a line of its own.
 inline constexpr JsonLayout kLines{"\n  ", ",\n  ", "\n"};
 
-/// A JSON array. `next` makes room for one more element, to be appended to the text.
-class JsonArray {
+/// What arrays and objects have in common. `next` makes room for one more element, to be appended to the text.
+class JsonElements {
 public:
-    explicit JsonArray(std::string& out, JsonLayout layout = kOneLine) : m_out(out), m_layout(layout) { m_out += '['; }
     void next() {
         m_out += m_isEmpty ? m_layout.first : m_layout.between;
         m_isEmpty = false;
     }
     void close() {
         if (!m_isEmpty) m_out += m_layout.last;
-        m_out += ']';
+        m_out += m_close;
     }
 
-private:
+protected:
+    JsonElements(std::string& out, JsonLayout layout, char open, char close)
+        : m_out(out), m_layout(layout), m_close(close) {
+        m_out += open;
+    }
+
     std::string& m_out;
+
+private:
     JsonLayout m_layout;
+    char m_close;
     bool m_isEmpty = true;
 };
 
-/// A JSON object.
-class JsonObject {
+class JsonArray : public JsonElements {
 public:
-    explicit JsonObject(std::string& out, JsonLayout layout = kOneLine) : m_out(out), m_layout(layout) { m_out += '{'; }
+    explicit JsonArray(std::string& out, JsonLayout layout = kOneLine) : JsonElements(out, layout, '[', ']') {}
+};
+
+class JsonObject : private JsonElements {
+public:
+    using JsonElements::close;
+
+    explicit JsonObject(std::string& out, JsonLayout layout = kOneLine) : JsonElements(out, layout, '{', '}') {}
     /// Makes room for one more member's value, to be appended to the text.
     JsonObject& name(std::string_view key) {
-        m_out += m_isEmpty ? m_layout.first : m_layout.between;
-        m_isEmpty = false;
+        next();
         appendJsonText(m_out, key);
         m_out += ": ";
         return *this;
@@ -66,15 +78,6 @@ public:
     JsonObject& null(std::string_view key) { return name(key), m_out += "null", *this; }
     /// The text that it is written to, for the value of the member that was named last.
     std::string& out() noexcept { return m_out; }
-    void close() {
-        if (!m_isEmpty) m_out += m_layout.last;
-        m_out += '}';
-    }
-
-private:
-    std::string& m_out;
-    JsonLayout m_layout;
-    bool m_isEmpty = true;
 };
 
 /// Appends a JSON array of the elements of any range; `append(element)` appends one.
@@ -86,6 +89,11 @@ void appendJsonArray(std::string& out, const Range& elements, Append append, Jso
         append(element);
     }
     array.close();
+}
+/// The same of texts.
+template <class Range>
+void appendJsonTexts(std::string& out, const Range& texts) {
+    appendJsonArray(out, texts, [&](const auto& text) { appendJsonText(out, text); });
 }
 
 }  // namespace workbench

@@ -41,7 +41,7 @@ void appendBlock(std::string& out, const kestrel::Block& block) {
     object.text("path", block.path).text("eid", block.eid);
     if (block.source) object.text("source", *block.source);
     object.name("outputs");
-    appendJsonArray(out, block.outputs, [&](std::u16string_view name) { appendJsonText(out, name); });
+    appendJsonTexts(out, block.outputs);
     if (block.chart) {
         object.name("chart");
         appendChart(out, *block.chart);
