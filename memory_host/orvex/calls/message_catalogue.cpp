@@ -17,7 +17,7 @@ struct Message {
 };
 
 constexpr std::array kMessages{
-#include "plv_hmi_foundation_errors.inc"
+#include "memory_host/messages/plv_hmi_foundation_errors.inc"
 };
 
 struct ArgumentText {
