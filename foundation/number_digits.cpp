@@ -42,10 +42,11 @@ void putDigits(char* to, std::uint64_t digits) {
     std::memcpy(to, &digits, sizeof digits);
 }
 
+// Not for 0, which has no first digit.
 char* putWhole(char* to, std::uint64_t whole) {
     if (whole >= kWordLimit) return std::to_chars(to, to + kGeneralDigits, whole).ptr;
     const std::uint64_t digits = eightDigits(static_cast<std::uint32_t>(whole));
-    const int zeros = std::min(std::countr_zero(digits) / 8, kWordDigits - 1);
+    const int zeros = std::countr_zero(digits) / 8;
     putDigits(to, digits >> (8 * zeros));
     return to + kWordDigits - zeros;
 }
@@ -66,7 +67,7 @@ char* putExactDecimal(char* to, double number) {
     constexpr int kMostBits = std::bit_width(kPowersOf10[kGeneralDigits]) - 1;
     const auto bits = std::bit_cast<std::uint64_t>(number);
     const int exponent = static_cast<int>((bits >> kMantissaBits) & 0x7FF);
-    if (exponent == 0) return nullptr;
+    // Subnormal numbers and 0 have no such first bit, but more decimals than fit in any case.
     std::uint64_t mantissa = (bits & ((std::uint64_t{1} << kMantissaBits) - 1)) | (std::uint64_t{1} << kMantissaBits);
     const int zeros = std::countr_zero(mantissa);
     mantissa >>= zeros;

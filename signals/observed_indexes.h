@@ -29,7 +29,7 @@ struct InstrumentedSignals::Indexes {
             byPath.makeRoom();
             byHandle.makeRoom();
         }
-        /// Under the path key and, once the signal is resolved, under its handle key; room has been made.
+        /// Under the path key and, once the signal is resolved, under its handle key.
         void enter(std::uint64_t pathKey, const SignalPtr& spec) {
             byPath.insert(pathKey, spec);
             if (spec->m_cachedPortIdx != 0) byHandle.insert({spec->m_cachedBlockHandle, spec->m_cachedPortIdx}, spec);

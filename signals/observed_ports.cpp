@@ -54,7 +54,6 @@ void InstrumentedSignals::updateObservedPortMap() {
         if (isChartworkDomain(signal->m_domainType)) {
             addToObservedCWObjectCache(signal);
         } else {
-            rebuilt.makeRoom();
             rebuilt.enter(Indexes::pathKey(m_modelName, *signal), signal);
         }
     }

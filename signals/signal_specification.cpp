@@ -118,10 +118,8 @@ bool SignalSpecification::isEqual(const SignalSpecification* other) const {
 
 bool SignalSpecification::isSameSignal(const SignalSpecification* other) const {
     if (other == nullptr) return false;
-    const bool bothCached = m_cachedBlockHandle != 0.0 && other->m_cachedBlockHandle != 0.0;
-    if (bothCached && m_cachedBlockHandle == other->m_cachedBlockHandle && m_cachedPortIdx == other->m_cachedPortIdx) {
-        return true;
-    }
+    const bool isSameHandle = m_cachedBlockHandle != 0.0 && m_cachedBlockHandle == other->m_cachedBlockHandle;
+    if (isSameHandle && m_cachedPortIdx == other->m_cachedPortIdx) return true;
     // Kept: different handles fall through to the paths; a handle may be stale.
     return m_outputPortIndex == other->m_outputPortIndex && m_logicalPortIndex == other->m_logicalPortIndex &&
            m_blockPath == other->m_blockPath && m_subPath == other->m_subPath;
