@@ -152,6 +152,11 @@ TEST_F(ClassDescriptions, aMethodGivesItsOneResultWhateverIsWanted) {
         EXPECT_EQ(clients.results("get", {own, first}, wanted), "1 x--");
         EXPECT_EQ(clients.results("remove", {own, first}, wanted), "0 ---");
     }
+    for (const hvArray* const other : std::initializer_list<const hvArray*>{nullptr, clients.object.get()})
+        EXPECT_EQ(raisedBy([&] {
+                      signals.results("remove", {other, first}, 0);
+                  }),
+                  "InvalidObject Kestrel.HMI.InstrumentedSignals");
     std::vector<hos::Result> slots(1);
     slots[0] = HvArrayPtr(hvCreateSharedDataCopy(signals.object.get()));
     hos::Invocation invocation{0, slots, 0, {}};

@@ -18,6 +18,7 @@ TEST_F(InstrumentedSignalsClass, elementsAreReachedByOneBasedPositions) {
     call("add", {object(), signal(u"Gain", 1).get()}, 0);
     call("add", {object(), signal(u"Sub/Switch", 2).get()}, 0);
     EXPECT_EQ(hvGetScalar(property(object(), "Count").get()), 2.0);
+    EXPECT_EQ(hvArrayToStdString(property(object(), "Model").get()), "m1");
     EXPECT_EQ(set().get(1)->m_blockPath, u"Sub/Switch") << "stored relative to the model";
     call("set", {object(), number(1).get(), signal(u"Sub/Chart", 1).get()}, 0);
     const auto second = call("get", {object(), number(2).get()});
@@ -50,6 +51,7 @@ TEST_F(InstrumentedSignalsClass, queriesForwardToTheSet) {
         return hvIsLogicalScalarTrue(result.get());
     };
     EXPECT_TRUE(truth("isPortObserved", {object(), resolvedPort(u"x", 1, 12.5)->getHOSObject(u"m1", false).get()}));
+    EXPECT_TRUE(truth("isPortObserved", {object(), signal(u"Gain", 1).get()}));
     EXPECT_FALSE(truth("isPortObserved", {object(), signal(u"Sub/Switch", 1).get()}));
     EXPECT_TRUE(truth("isGivenPortObserved", {object(), number(12.5).get(), number(1).get()}));
     EXPECT_FALSE(truth("isGivenPortObserved", {object(), number(12.5).get(), number(-1).get()}));

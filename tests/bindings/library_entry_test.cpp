@@ -17,12 +17,16 @@
 // The library as a host loads it: this program does not link it.
 
 static constinit thread_local bool t_callocFails = false;
+static constinit thread_local std::size_t t_leastBytes = SIZE_MAX;
 
 #if !KS_HMI_SANITIZED
 // The program's own function takes the place of the C library's, which is still there under its inner name.
 extern "C" {
 void* __libc_calloc(std::size_t count, std::size_t size);
-void* calloc(std::size_t count, std::size_t size) { return t_callocFails ? nullptr : __libc_calloc(count, size); }
+void* calloc(std::size_t count, std::size_t size) {
+    if (count * size < t_leastBytes) t_leastBytes = count * size;
+    return t_callocFails ? nullptr : __libc_calloc(count, size);
+}
 }
 #endif
 
@@ -55,6 +59,7 @@ TEST_F(LibraryEntry, registersOnceAndLeavesItAllToTheHostAtTheEnd) {
     initialize();
     terminate();
     EXPECT_TRUE(canConstruct());
+    EXPECT_GE(t_leastBytes, sizeof(void*)) << "as much as a description needs";
     kestrel::releaseHostSide();
     orvex::releaseObjectSystem();
     initialize();

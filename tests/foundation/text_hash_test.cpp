@@ -30,6 +30,13 @@ TEST(TextHashTest, tellsTextsApartThatDifferInLittle) {
     };
     addAll(u"01/a2", 0, 7);
     addAll(u"01", 8, 16);
+    addAll(u"\x8000\x8001\xA000", 1, 6);
+    for (std::size_t length = 17; length <= 40; ++length)
+        for (std::size_t place = 0; place < length; ++place) {
+            std::u16string text(length, u'0');
+            text[place] = u'1';
+            hashes.push_back(TextHash().add(u"m").add(text).add(1).value());
+        }
     const std::size_t count = hashes.size();
     std::sort(hashes.begin(), hashes.end());
     hashes.erase(std::unique(hashes.begin(), hashes.end()), hashes.end());
@@ -38,7 +45,7 @@ TEST(TextHashTest, tellsTextsApartThatDifferInLittle) {
 
 // At every place of a word, and whatever stands before and behind the text.
 TEST(TextHashTest, takesLoneHalvesOfPairsForTheReplacementCharacter) {
-    const auto hash = [](std::u16string_view text) { return TextHash().add(text).value(); };
+    const auto hash = [](std::u16string_view text) { return TextHash().add(u"m").add(text).value(); };
     for (const std::u16string first : {u"", u"abcdefgh", u"abcdefg\xA000\xDFFF"})
         for (std::size_t length = 0; length <= 6; ++length)
             for (const std::u16string& text : textsOf(u"a\xD83D\xDE00\xFFFD", length)) {

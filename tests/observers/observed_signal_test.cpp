@@ -1,5 +1,8 @@
+#include <array>
+
 #include "memory_host/orvex/objects/object_system.h"
 #include "observers/signal_client.h"
+#include "tests/support/host_recorder.h"
 #include "tests/support/host_test.h"
 
 using namespace ks_test;
@@ -66,11 +69,14 @@ TEST_F(ObservedSignal, aStructIsAsGoodAsAnObjectForTheObservedSignal) {
     std::u16string subPath = u"old";
     const auto giving = orvex::registerFunction("Kestrel.HMI.SignalClient", [&](orvex::Call& c) {
         EXPECT_TRUE(path.empty() && subPath.empty()) << "emptied before the host is asked";
+        EXPECT_EQ(describe(hvGetField(c.ins[0], 0, "ModelPath_")), "{'m1/Sub'}");
         c.outs[0] = call("Test.Client", {});
     });
     SignalClient client;
+    client.m_sourceModel = u"other";
+    client.m_modelPath = {u"Sub"};
     client.getAlignedBlockPath(u"m1", path, subPath);
-    EXPECT_EQ(path, (std::vector<std::u16string>{u"m1/Gain"}));
+    EXPECT_EQ(path, (std::vector<std::u16string>{u"m1/Sub", u"m1/Gain"}));
     EXPECT_EQ(client.getMaxPoints(u"m1"), 77);
 }
 
@@ -88,6 +94,18 @@ TEST_F(ObservedSignal, withoutASignalTheAnswersAreFixedAndNothingIsKept) {
             orvex::registerFunction("Kestrel.HMI.SignalClient", [](orvex::Call&) { orvex::raise("no", "no"); });
         expectFixedAnswers(*client);
         EXPECT_EQ(orvex::warnings().size(), 4U);
+    }
+    const hvArray* info = nullptr;
+    const auto infoOf = [&](const orvex::ScriptObject&) {
+        return HvArrayPtr(info != nullptr ? hvCreateSharedDataCopy(info) : nullptr);
+    };
+    orvex::defineScriptClass({"Test.Observer", "", {{"SignalInfo", {}, false, infoOf}}, {}, {}, {}});
+    for (const HvArrayPtr& value :
+         {HvArrayPtr(), emptyDouble(), number(1), structOf(0, std::array{"UUID"}), objects({})}) {
+        const auto giving = orvex::registerFunction("Kestrel.HMI.SignalClient",
+                                                    [](orvex::Call& c) { c.outs[0] = call("Test.Observer", {}); });
+        info = value.get();
+        expectFixedAnswers(*client);
     }
     const std::string uuid = client->m_signalUUID;
     client->m_signalUUID = "gone";

@@ -117,6 +117,8 @@ TEST_F(SignalClientTest, readsWhatOlderAndForeignWritersLeaveOrRefusesItByFieldA
         {"BusLeafPath_", nullptr, "''"},
         {"UpdateRate_", number(2.9), "uint32 2"},
         {"ObserveImaginaryPart_", number(2.0), "true"},
+        {"ObserveImaginaryPart_", number(1.0), "true"},
+        {"ObserveImaginaryPart_", number(-0.0), "false"},
         {"ObserveImaginaryPart_", number(NAN), "true"},
         {"ObserveImaginaryPart_", emptyDouble(), "false"},
         {"SourceModel_", number(1), "''"},

@@ -201,12 +201,13 @@ TEST_F(StreamingClientsTest, alignedObserversAreNewClientsWithRelativePaths) {
 
     HvArrayPtr only = call("Kestrel.HMI.StreamingClients", {text("m1").get()});
     const auto releasing = orvex::registerFunction("getAlignedObservers", [&](orvex::Call& c) {
+        StreamingClients::getFromHvArray(only.get())->setModelName(u"m2");
         only.reset();
-        c.outs[0] = client("c")->getHOSObject(u"m1");
+        c.outs[0] = client("c")->getHOSObject(u"m2");
     });
     StreamingClients::getAlignedObservers(only.get(), out);
     ASSERT_EQ(out.size(), 1U) << "a script lets go of the caller's value";
-    EXPECT_EQ(out[0]->m_modelPath[0], u"Sub");
+    EXPECT_EQ(out[0]->m_modelPath[0], u"Sub") << "relative to the name that the set has by then";
 }
 
 TEST_F(StreamingClientsTest, copyIsDeepAndKeepsBothNames) {

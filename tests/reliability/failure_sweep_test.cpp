@@ -143,10 +143,12 @@ TEST_F(FailureSweep, theIndexStaysInStepWhereverItHasToGrow) {
         for (int i = 0; i < 2 * more; ++i) {
             const std::size_t position = 3 + static_cast<std::size_t>(i % more);
             const InstrumentedSignals::SignalPtr other(next().release());
+            other->m_logicalPortIndex = 40;  // all under one path key
             const Ending replaced = attempt([&] { set.set(position, other); });
             const int number = set.get(position)->m_outputPortIndex;
             EXPECT_EQ(number == other->m_outputPortIndex, replaced == Ending::completed) << more << " more signals";
-            EXPECT_TRUE(set.isPortObserved(0.0, path, u"", number, 0, 0)) << more << " more signals";
+            const int logical = set.get(position)->m_logicalPortIndex;
+            EXPECT_TRUE(set.isPortObserved(0.0, path, u"", number, 0, logical)) << more << " more signals";
             replacementsFailed += static_cast<int>(replaced != Ending::completed);
             set.set(position, other);
         }

@@ -92,8 +92,9 @@ TEST_F(HostTraffic, signalsAreWrittenAndReadInTheirOrder) {
                        [&] { object = signal.getHOSObject(u"m1", false); }),
               expected);
     names.insert(names.end(), runtime.begin(), runtime.end());
-    EXPECT_EQ(recorded({"hvReplaceField"}, [&] { signal.getHOSObject(u"m1", true); }),
-              fields("hvReplaceField 0", names, values));
+    expected = fields("hvReplaceField 0", names, values);
+    expected.push_back("hvSetArrayScope struct 4");
+    EXPECT_EQ(recorded({"hvReplaceField", "hvSetArrayScope"}, [&] { signal.getHOSObject(u"m1", true); }), expected);
     const Lines read = words(
         "UUID EID_ BlockPath_ SubPath_ SubSysPath_ SignalName_ DomainType_ VisualType_ DomainParams_ OutputPortIndex_ "
         "LogicalPortIndex_ Decimation_ MaxPoints_ TargetBufferedStreaming_ IsFrameBased_ HideInPLV_ BindingRule_ "
@@ -185,6 +186,7 @@ TEST_F(HostTraffic, queriesOfTheHostPassTheirArgumentsInOrder) {
     EXPECT_EQ(recorded(kCalls, [&] { world.signals().applyRebindingRules(world.signalsObject.get(), true); }),
               (Lines{"hvSetArrayScope true null",
                      "kssvFEVAL_NoThrow 0 applyRebindingRules (Kestrel.HMI.InstrumentedSignals, true) true null"}));
+    EXPECT_EQ(recorded(kCalls, [&] { world.signals().applyRebindingRules(nullptr, true); }), Lines{});
     EXPECT_EQ(recorded(kCalls, [&] { world.signals().copy(false); }),
               (Lines{"kssvFEVAL 1 Kestrel.HMI.InstrumentedSignals ()"}));
     EXPECT_EQ(recorded(kCalls, [&] { ks_hmi::HMIEngineUtils::updateParamsForBlock(u"m1/Gain"); }),
@@ -197,6 +199,14 @@ TEST_F(HostTraffic, observersAskTheHostForTheirPart) {
     EXPECT_EQ(recorded({"kssvFEVAL"}, [&] { clients.copy(); }), (Lines{"kssvFEVAL 1 Kestrel.HMI.StreamingClients ()"}));
     EXPECT_EQ(recorded(kCalls, [&] { clients.get(0)->isEqual(clients.get(0)); }),
               (Lines{"kssvFEVAL 1 isequal (struct, struct)"}));
+    const SignalClient& with = *clients.get(0);
+    const auto without = with.clone();
+    without->m_observerParams.reset();
+    EXPECT_EQ(recorded({"kssvFEVAL"}, [&] { with.isEqual(without.get()); }),
+              (Lines{"kssvFEVAL 1 isequal (struct, [])"}));
+    EXPECT_EQ(recorded({"kssvFEVAL"}, [&] { without->isEqual(&with); }), (Lines{"kssvFEVAL 1 isequal ([], struct)"}));
+    EXPECT_EQ(recorded({"kssvFEVAL"}, [&] { without->isEqual(without.get()); }),
+              (Lines{"kssvFEVAL 1 isequal ([], [])"}));
     clients.setModelName(u"m2");
     EXPECT_EQ(recorded(kCalls, [&] { StreamingClients::handleModelRename(object); }),
               (Lines{"kssvFEVAL_NoThrow 1 Kestrel.HMI.InterfaceMgr.getInterfaceMgr () true null",

@@ -93,8 +93,11 @@ TEST_F(DomainParams, replaceThoseThatWereThereAndOfEqualNamesTheLastOneHolds) {
     EXPECT_EQ(ignored.size(), 1U);
     EXPECT_EQ(spec.getValueForDomainParams(u"absent"), u"");
     EXPECT_EQ(hvGetNumberOfFields(spec.getDomainParamsAsHvArray().get()), 2) << "asking adds nothing";
-    spec.extractDomainParamsFromHvArray(emptyDouble().get(), ignored);
-    EXPECT_TRUE(spec.m_domainParams.empty());
+    for (const HvArrayPtr& nothing : {emptyDouble(), structOf(0, std::array{"a"}), structOf(1, {}), HvArrayPtr()}) {
+        spec.m_domainParams = {{u"old", u"1"}};
+        spec.extractDomainParamsFromHvArray(nothing.get(), ignored);
+        EXPECT_TRUE(spec.m_domainParams.empty());
+    }
     EXPECT_EQ(hvGetNumberOfElements(spec.getDomainParamsAsHvArray().get()), 1U);
 }
 

@@ -41,8 +41,10 @@ TEST_F(InstrumentedSignalsTest, positionsOutsideTheSetRaiseTheCountAndChangeNoth
 TEST_F(InstrumentedSignalsTest, nullRecordsAreRefused) {
     set().add(port(u"Gain", 1));
     EXPECT_EQ(raisedBy([&] { set().add(nullptr); }), "NullRecord");
-    EXPECT_EQ(raisedBy([&] { set().insert(0, nullptr); }), "NullRecord");
-    EXPECT_EQ(raisedBy([&] { set().set(0, nullptr); }), "NullRecord");
+    for (const std::size_t index : {0U, 9U}) {
+        EXPECT_EQ(raisedBy([&] { set().insert(index, nullptr); }), "NullRecord");
+        EXPECT_EQ(raisedBy([&] { set().set(index, nullptr); }), "NullRecord");
+    }
     EXPECT_EQ(raisedBy([&] { set().addToObservedPortMap(nullptr); }), "NullRecord");
     EXPECT_EQ(raisedBy([&] { set().removeFromObservedPortMap(nullptr); }), "NullRecord");
     EXPECT_EQ(raisedBy([&] { set().addToObservedCWObjectCache(nullptr); }), "NullRecord");
@@ -117,7 +119,7 @@ TEST_F(InstrumentedSignalsTest, copyOntoItselfEndsAndAForeignResultIsRefused) {
         const orvex::FunctionRegistration same =
             orvex::registerFunction("Kestrel.HMI.InstrumentedSignals",
                                     [&](orvex::Call& c) { c.outs[0].reset(hvCreateSharedDataCopy(object())); });
-        set().copy(false);
+        EXPECT_EQ(InstrumentedSignals::getFromHvArray(set().copy(false).get()), &set());
         EXPECT_EQ(set().getCount(), 2U);
     }
     const orvex::FunctionRegistration foreign =

@@ -112,6 +112,10 @@ TEST_F(ObservedPortQueries, numbersOfAnyClassTruncateAndSaturateAndWhatIsNoNumbe
         for (const auto field : {&Source::isFrameBased, &Source::targetBufferedStreaming, &Source::hideInPLV})
             EXPECT_EQ(s.*field, row.flag) << &row - rows;
     }
+    const Source fresh;
+    EXPECT_EQ(std::tie(fresh.blockHandle, fresh.outputPortIndex, fresh.decimation, fresh.maxPoints),
+              std::tuple(0.0, 0, 0, 0));
+    EXPECT_FALSE(fresh.isFrameBased || fresh.targetBufferedStreaming || fresh.hideInPLV);
     Results results;
     EXPECT_TRUE(sourcesFrom(results).empty()) << "as many ports as result 2 has numbers";
     results[1] = numbers<float>(hvSINGLE_CLASS, {1.5F, 2.5F});
@@ -136,7 +140,7 @@ TEST_F(ObservedPortQueries, aRefusalIsOneWarningAndEmptiesThePortsButNotTheBadge
 
 TEST_F(ObservedPortQueries, badgesAreMergedInOrderWithoutNaN) {
     std::set<double> badges;
-    addBadges(doubles({7.5, 1.5, 7.5, std::nan("")}).get(), badges);
+    addBadges(doubles({std::nan(""), 7.5, 1.5, 7.5}).get(), badges);
     addBadges(doubles({3.5, kInfinity, 1.5}).get(), badges);
     addBadges(numbers<std::int32_t>(hvINT32_CLASS, {-4}).get(), badges);
     for (const HvArrayPtr& nothing : {emptyDouble(), cells({"9"}), HvArrayPtr()}) addBadges(nothing.get(), badges);

@@ -11,8 +11,8 @@ TEST_F(ObservedPorts, pathsMatchUnitByUnitAndSubPathsWhenTheirUtf8Does) {
     std::vector<std::u16string> texts;
     for (const std::size_t letters : {0U, 2U, 5U, 9U})
         for (const std::u16string core :
-             {u"\xD800", u"\xDC00", u"\xFFFD", u"\xD83D\xDE00", u"\xD83D\xDE01", u"\xDE00\xD83D", u"\xD83D\xD83D",
-              u"\xFFFD\xFFFD", u"\xD83Dx\xDE00", u"\xFFFDx\xFFFD"})
+             {u"\xD800", u"\xDC00", u"\xFFFD", u"\xD83D\xDE00", u"\xD83D\xDE01", u"\xD83E\xDE00", u"\xDE00\xDE00",
+              u"\xDE00\xD83D", u"\xD83D\xD83D", u"\xFFFD\xFFFD", u"\xD83Dx\xDE00", u"\xFFFDx\xFFFD"})
             for (const bool isFirst : {false, true})
                 texts.push_back(isFirst ? core + std::u16string(letters, u'a') : std::u16string(letters, u'a') + core);
     for (const std::u16string& watched : texts) {
@@ -58,12 +58,37 @@ TEST_F(ObservedPorts, signalsUnderOnePathKeyComeAndGoEachForItself) {
         set().add(std::move(spec));
     };
     const auto observed = [&](int outputPort) { return set().isPortObserved(0.0, u"Gain", u"", outputPort, 0, 4); };
-    add(1);
-    add(2);
+    for (const int outputPort : {1, 2, 3, 4}) add(outputPort);
+    for (const std::size_t index : {1U, 0U}) set().remove(index);
+    for (const int outputPort : {5, 6}) add(outputPort);
+    EXPECT_FALSE(observed(1) || observed(2));
+    EXPECT_TRUE(observed(3) && observed(4) && observed(5) && observed(6));
+    for (const char16_t* const path : {u"\xD800", u"\xFFFD"}) set().insert(0, port(path, 1));
     set().remove(std::size_t{0});
-    add(3);
-    EXPECT_FALSE(observed(1));
-    EXPECT_TRUE(observed(2) && observed(3));
+    EXPECT_TRUE(set().isPortObserved(0.0, u"\xD800", u"", 1, 0, 0));
+}
+
+TEST_F(ObservedPorts, aStaleHandleAnswersForItsPortWhileRebindingIsPending) {
+    set().add(resolvedPort(u"Gain", 1, 12.5));
+    for (const bool isPending : {false, true}) {
+        set().setRebindingPending(isPending);
+        EXPECT_EQ(set().isPortObserved(7.5, u"Gain", u"", 1, 1, 0), isPending);
+        EXPECT_FALSE(set().isPortObserved(7.5, u"Gain", u"", 1, 2, 0));
+    }
+}
+
+TEST_F(ObservedPorts, aRemovalTakesOutWhatHasItsHandleAndPortByThen) {
+    using Signal = ks_hmi::SignalSpecification;
+    for (const auto change : {+[](Signal&signal, int by) { signal.m_cachedPortIdx += by; },
+                              +[](Signal&signal, int by) { signal.m_cachedBlockHandle += by; }}) {
+        ks_hmi::InstrumentedSignals signals;
+        signals.add(resolvedPort(u"Gain", 1, 12.5));
+        signals.add(resolvedPort(u"Sub/Switch", 1, 12.5));
+        change(*signals.get(1), 1);
+        signals.remove(std::size_t{0});
+        change(*signals.get(0), -1);
+        EXPECT_TRUE(signals.isPortObserved(12.5, 1));
+    }
 }
 
 }  // namespace

@@ -9,7 +9,6 @@ using namespace ks_test;
 namespace {
 
 constexpr std::size_t kSteps = 50;
-constexpr int kMostShrinkingRuns = 2000;
 
 // Where a sequence went wrong, and how.
 struct Failure {
@@ -33,14 +32,20 @@ std::optional<Failure> play(const std::vector<Operation>& operations, Totals& to
     return std::nullopt;
 }
 
+unsigned fromEnvironment(const char* name, unsigned otherwise) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
+}
+
 // Leaves operations out one by one, as long as it still goes wrong.
 std::string shortest(std::vector<Operation> operations, Failure failure) {
     Totals ignored;
     operations.resize(failure.step + 1);
-    int runs = 0;
+    const unsigned most = fromEnvironment("KS_HMI_RANDOM_SHRINKING", 2000);
+    unsigned runs = 0;
     for (bool isShorter = true; isShorter;) {
         isShorter = false;
-        for (std::size_t i = operations.size(); i-- > 0 && runs < kMostShrinkingRuns; ++runs) {
+        for (std::size_t i = operations.size(); i-- > 0 && runs < most; ++runs) {
             std::vector<Operation> fewer = operations;
             fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(i));
             const auto stillFails = play(fewer, ignored);
@@ -57,14 +62,10 @@ std::string shortest(std::vector<Operation> operations, Failure failure) {
     return result;
 }
 
-unsigned fromEnvironment(const char* name, unsigned otherwise) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(value, nullptr, 10));
-}
-
 class RandomOperations : public HostTest {};
 
-// KS_HMI_RANDOM_SEQUENCES says how many sequences are played, KS_HMI_RANDOM_SEED which seed is the first.
+// KS_HMI_RANDOM_SEQUENCES says how many sequences are played, KS_HMI_RANDOM_SEED which seed is the first, and
+// KS_HMI_RANDOM_SHRINKING how many runs may go into the shortest one that fails.
 TEST_F(RandomOperations, theSetAgreesWithItsPlainModel) {
     // Paths are aligned to what they are, so that saving needs no open model.
     const auto aligned = orvex::registerFunction("getAlignedBlockPath",

@@ -37,6 +37,8 @@ unsigned char g_nextByte = 0;
 
 TEST_F(SignalIdentity, hashesAreThoseOfTheKeyTexts) {
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(12.0, 1), hashOf("12$$1"));
+    EXPECT_EQ(SignalSpecification::getCachedInfoHash(1e8, 10), hashOf("100000000$$10"));
+    EXPECT_EQ(SignalSpecification::getCachedInfoHash(1e15 + 0.25, 9), hashOf("1000000000000000.2$$9"));
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(-0.0, INT32_MIN), hashOf("-0$$-2147483648"));
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(0.1, -10), hashOf("0.10000000000000001$$-10"));
     EXPECT_EQ(SignalSpecification::getCachedInfoHash(-std::nan(""), 1), hashOf("-nan$$1"));
@@ -45,6 +47,10 @@ TEST_F(SignalIdentity, hashesAreThoseOfTheKeyTexts) {
     EXPECT_EQ(SignalSpecification::getNonCachedInfoHash(u"Gain", u"s", 2, 1, u""), hashOf("Gain$$s$$1"));
     EXPECT_EQ(SignalSpecification::getInfoHashFromStringList({"ab", "c"}), hashOf("abc"));
     EXPECT_EQ(SignalSpecification::getInfoHashFromStringList({}), hashOf(""));
+    for (const char16_t unit : {u'\x7F', u'\x80', u'\x7FF', u'\x800'}) {
+        const std::u16string path(1000, unit);
+        EXPECT_EQ(SignalSpecification::getNonCachedInfoHash(path, u"", 1, 0, u""), hashOf(utf8(path) + "$$$$1"));
+    }
     SignalSpecification record;
     record.m_blockPath = u"Gain";
     record.m_subPath = u"s";
@@ -113,13 +119,14 @@ TEST_F(SignalIdentity, portKeysHaveSixDecimals) {
     SignalSpecification::addToBlockHandleUUIDmap(-1, 0.0, "u");
     SignalSpecification::addToBlockHandleUUIDmap(-1, -0.0, "below");
     call("Kestrel.HMI.InstrumentedSignals.setUUIDForBlock",
-         {number(7.25).get(), number(4294967293.0).get(), text("wrapped").get()}, 0);
+         {number(7.25).get(), number(4294967293.0).get(), text("11111111-2222-4333-8444-555555555555").get()}, 0);
     SignalSpecification::addToBlockHandleUUIDmap(1, 1.0000001, "v");
     SignalSpecification::addToBlockHandleUUIDmap(1, 1e308, "w");
     EXPECT_EQ(map.at("-1-0.000000"), "u");
     EXPECT_EQ(map.at("-1--0.000000"), "below");
-    EXPECT_EQ(map.at("-3-7.250000"), "wrapped") << "a port beyond the signed numbers";
+    EXPECT_EQ(map.at("-3-7.250000"), "11111111-2222-4333-8444-555555555555") << "a port beyond the signed numbers";
     EXPECT_TRUE(SignalSpecification::isInBlockHandleUUIDmap(1, 1.0));
+    EXPECT_FALSE(SignalSpecification::isInBlockHandleUUIDmap(1, 1.1));
     EXPECT_EQ(map.at("1-" + format("%f", 1e308)), "w");
     constexpr double kLongest = std::numeric_limits<double>::lowest();
     SignalSpecification::addToBlockHandleUUIDmap(1, kLongest, "x");

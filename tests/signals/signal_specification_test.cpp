@@ -6,6 +6,7 @@
 #include <span>
 #include <tuple>
 
+#include "memory_host/orvex/objects/object_system.h"
 #include "tests/support/host_recorder.h"
 #include "tests/support/host_test.h"
 
@@ -24,9 +25,10 @@ protected:
     static std::unique_ptr<SignalSpecification> filled() {
         auto spec = port(u"Sub/Switch", 2, "3");
         spec->m_uuid = "11111111-2222-4333-8444-555555555555";
-        spec->m_subPath = u"inner";
+        spec->m_subPath = u"m1/inner";
         spec->m_signalName = {u'h', u'\0', 0xd800, u'ö'};
-        spec->m_subSysPath = u"Sub";
+        spec->m_subSysPath = u"m1/Sub";
+        spec->m_domainType = u"signal";
         spec->m_visualType = u"line";
         spec->m_domainParams = {{u"SSID", u"7"}};
         spec->m_logicalPortIndex = 3;
@@ -128,6 +130,9 @@ TEST_F(SignalSpecificationTest, aUsedRecordKeepsPortAndFlagsThatAreMissingButNoT
     for (const char* const field : {"LogicalPortIndex_", "TargetBufferedStreaming_", "IsFrameBased_", "HideInPLV_",
                                     "DomainType_", "VisualType_", "DomainParams_"})
         hvReplaceField(data.get(), 0, field, nullptr);
+    EXPECT_EQ(std::tie(fresh.m_outputPortIndex, fresh.m_logicalPortIndex, fresh.m_decimation, fresh.m_maxPoints),
+              std::tuple(0, 0, 1, 0));
+    EXPECT_EQ(runtimeOf(fresh), std::tuple(0.0, 0, "", false));
     const auto used = filled();
     used->m_domainType = u"cw_state";
     used->m_isFrameBased = true;
@@ -137,32 +142,6 @@ TEST_F(SignalSpecificationTest, aUsedRecordKeepsPortAndFlagsThatAreMissingButNoT
         std::tuple(3, true, true, true));
     EXPECT_EQ(used->m_domainType + used->m_visualType, u"");
     EXPECT_TRUE(used->m_domainParams.empty());
-}
-
-TEST_F(SignalSpecificationTest, refusesMissingAndUnreadableFieldsByNameAndElement) {
-    struct Row {
-        const char* field;
-        HvArrayPtr value;
-        const char* error;
-    };
-    const std::size_t one = 1;
-    std::vector<Row> rows;
-    for (const char* const field : {"UUID", "EID_", "OutputPortIndex_", "BlockPath_", "SubPath_", "SubSysPath_",
-                                    "SignalName_", "Decimation_", "MaxPoints_"}) {
-        rows.push_back({field, nullptr, "MissingField"});
-    }
-    rows.push_back({"Decimation_", HvArrayPtr(hvCreateCellArray(1, &one)), "InvalidFieldValue"});
-    rows.push_back({"MaxPoints_", emptyDouble(), "InvalidFieldValue"});
-    rows.push_back({"OutputPortIndex_", text("1"), "InvalidFieldValue"});
-    rows.push_back({"LogicalPortIndex_", emptyDouble(), "InvalidFieldValue"});
-    for (Row& row : rows) {
-        const auto data = emptyStruct(16, 3);
-        filled()->createStructData(data.get(), 2, u"");
-        hvReplaceField(data.get(), 2, row.field, row.value.release());
-        EXPECT_EQ(raisedBy([&] { SignalSpecification(data.get(), 2, u""); }),
-                  std::string(row.error) + " " + row.field + " 3");
-    }
-    EXPECT_NE(raisedBy([&] { SignalSpecification(nullptr, 0, u""); }), "");
 }
 
 TEST_F(SignalSpecificationTest, aStructIsReadAsSavedAlsoWhenItHasTheRuntimeFields) {
@@ -191,10 +170,35 @@ TEST_F(SignalSpecificationTest, hostObjectReadsBackEqualWithTheRuntimeMembers) {
          {&Members::m_targetBufferedStreaming, &Members::m_isFrameBased, &Members::m_hideInPLV}) {
         const auto one = port(u"Gain", 1, "1");
         (*one).*flag = true;
+        one->m_cachedPortIdx = 5;
         const auto shown = one->getHOSObject(u"m1", false);
         for (const char* const runtime : {"CachedBlockHandle_", "CachedPortIdx_"})
             EXPECT_TRUE(hvIsEmpty(property(shown.get(), runtime).get())) << "no handle: the class's own default";
         EXPECT_TRUE(SignalSpecification(shown.get(), 0, u"m1").isEqual(one.get()));
+    }
+    for (const char* const flag : {"TargetBufferedStreaming_", "IsFrameBased_", "HideInPLV_"}) {
+        const auto shown = spec->getHOSObject(u"m1", false);
+        hvSetProperty(shown.get(), 0, flag, emptyDouble().get());
+        EXPECT_EQ(raisedBy([&] { SignalSpecification(shown.get(), 0, u"m1"); }),
+                  std::string("InvalidFieldValue ") + flag + " 1");
+    }
+}
+
+TEST_F(SignalSpecificationTest, aPropertyThatHoldsNothingIsMissing) {
+    const auto object = filled()->getHOSObject(u"m1", false);
+    const std::span names(SignalSpecification::getStructFields(), 20);
+    std::string missing;
+    orvex::ScriptClass withoutOne;
+    withoutOne.fullName = "Test.Signal";
+    for (const char* const name : names)
+        withoutOne.properties.push_back({name, {}, false, [&, name](const orvex::ScriptObject&) {
+                                             return missing == name ? nullptr : property(object.get(), name);
+                                         }});
+    orvex::defineScriptClass(std::move(withoutOne));
+    const auto shown = call("Test.Signal", {});
+    for (const char* const name : names) {
+        missing = name;
+        EXPECT_EQ(raisedBy([&] { SignalSpecification(shown.get(), 0, u"m1"); }), "MissingField " + missing + " 1");
     }
 }
 
@@ -226,7 +230,7 @@ TEST_F(SignalSpecificationTest, equalityComparesThePersistedMembersOnly) {
     other->m_bindingRule = "x";
     other->m_excludeForSave = false;
     EXPECT_TRUE(spec->isEqual(other.get()));
-    EXPECT_FALSE(spec->isEqual(nullptr));
+    EXPECT_FALSE(spec->isEqual(nullptr) || spec->isSameSignal(nullptr));
 }
 
 TEST_F(SignalSpecificationTest, cloneKeepsEveryMemberAndTheOrderOfTheParameters) {
