@@ -26,6 +26,14 @@ class Equivalents:
         return [e for number, e in enumerate(self.entries) if number not in self.used]
 
 
+def places(changes):
+    """Where they are: each file once, with the lines."""
+    lines = {}
+    for change in changes:
+        lines.setdefault(change.file, set()).add(change.line)
+    return "; ".join(f"`{file}` {', '.join(map(str, sorted(found)))}" for file, found in sorted(lines.items()))
+
+
 def fits(text, pattern):
     # Only * has a meaning: brackets and question marks are part of the language.
     return re.fullmatch(".*".join(map(re.escape, pattern.split("*"))), text) is not None
@@ -48,6 +56,18 @@ class Results:
 
     def survivors(self, changes):
         return [c for c in changes if self.of(c)["outcome"] in ("survived", "unreached")]
+
+    def without_difference(self, changes):
+        """The reasons of those that make no difference, the most frequent first, each with its changes."""
+        reasons = {}
+        for change in self.survivors(changes):
+            reason = self.equivalents.reason(change)
+            if reason is not None:
+                reasons.setdefault(reason, []).append(change)
+        return sorted(reasons.items(), key=lambda item: (-len(item[1]), item[0]))
+
+    def noticed_by(self):
+        return Counter(result["by"] for result in self.outcomes.values() if result["outcome"] == "noticed")
 
     def noticed_near(self, changes):
         """The tests that noticed changes of a function: (file, function) to the most frequent ones."""

@@ -7,11 +7,13 @@ import resource
 import struct
 import subprocess
 import tempfile
+from collections import Counter
 from dataclasses import dataclass, field
 
 MEMORY, OUTPUT = 6 << 30, 1 << 28  # bytes
 QUICK, SLOW = 0.3, 0.5  # seconds: below the one, tests are run together; above the other, `--quick` leaves them out
 TOGETHER = 40
+NO_SHRINKING = {"KS_HMI_RANDOM_SHRINKING": "0"}  # that a sequence fails is enough
 
 
 @dataclass
@@ -31,7 +33,7 @@ def run(program, names, environment, seconds):
     with tempfile.TemporaryFile() as output:
         try:
             done = subprocess.run([*limits, program, "--gtest_fail_fast", f"--gtest_filter={':'.join(names)}"],
-                                  stdout=output, stderr=subprocess.DEVNULL, env={**os.environ, **environment},
+                                  stdout=output, stderr=subprocess.DEVNULL, env={**os.environ, **NO_SHRINKING, **environment},
                                   check=False, timeout=20 + 10 * seconds)
             if done.returncode == 0:
                 return None
@@ -47,6 +49,7 @@ class Tests:
     def __init__(self, directory, programs):
         self.directory, self.programs = directory, programs
         self.tests = []
+        self.noticed = Counter()  # by which test how many changes were noticed
 
     def path(self, program):
         return self.directory / "tests" / program
@@ -69,6 +72,15 @@ class Tests:
             tell(f"left out, as it fails without a change: {test.as_told()}")
             self.tests.remove(test)
         tell(f"{len(self.tests)} tests, {sum(t.seconds for t in self.tests):.0f} s of processor time")
+        self.try_together()
+
+    def try_together(self):
+        """Tests that do not bear each other in one run would notice everything."""
+        for program in self.programs:
+            together = [t.name for t in self.tests if t.program == program and t.seconds < QUICK]
+            failed = run(self.path(program), together, {}, 60) if together else None
+            if failed is not None:
+                raise SystemExit(f"mutate: beside other tests this one fails without a change: {program} {failed}")
 
     def learned(self, test):
         with tempfile.TemporaryDirectory() as folder:
@@ -84,12 +96,13 @@ class Tests:
 
     def stages(self, number, earlier):
         """The tests that come across the change, in groups that are run one after the other: first those that
-        noticed its neighbours, then the quick ones together, then each slow one."""
+        noticed its neighbours, then the quick ones together, then each slow one, that which notices most first."""
         # What has no number is changed in the text, and any test may come across it.
         left = sorted((t for t in self.tests if number is None or number in t.reached), key=lambda t: t.seconds)
         first = [t for t in left if t.as_told() in earlier]
         quick = [t for t in left if t not in first and t.seconds < QUICK]
         slow = [[t] for t in left if t not in first and t.seconds >= QUICK]
+        slow.sort(key=lambda group: -self.noticed[group[0].as_told()])
         for group in [first, *(quick[i:i + TOGETHER] for i in range(0, len(quick), TOGETHER)), *slow]:
             for program in self.programs:
                 together = [t for t in group if t.program == program]
@@ -107,6 +120,7 @@ class Tests:
             came_across = True
             failed = run(self.path(program), [t.name for t in tests], environment, 1 + 10 * seconds)
             if failed is not None:
+                self.noticed[f"{program} {failed}"] += 1
                 return f"{program} {failed}"
         return "" if came_across else None
 
