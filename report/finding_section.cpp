@@ -20,6 +20,19 @@ void writeLink(Html& html, const Finding& finding) {
              finding.position + 1);
 }
 
+// Lines end between the words of a command only.
+void writeRemedy(Html& html, std::string_view remedy) {
+    if (remedy.empty()) return;
+    html.add("<code>");
+    while (!remedy.empty()) {
+        const std::size_t blank = std::min(remedy.find(' '), remedy.size() - 1);
+        html.add("<span>{}</span>{}", Message{remedy.substr(0, blank + (remedy[blank] == ' ' ? 0 : 1))},
+                 Markup{remedy[blank] == ' ' ? " " : ""});
+        remedy.remove_prefix(blank + 1);
+    }
+    html.add("</code>");
+}
+
 void writeFinding(Html& html, const Contents& contents, const Finding& finding) {
     const CheckRule& rule = ruleOf(finding.code);
     html.add("<li class=\"{0}\"><span class=\"level\">{0}</span><div><p>{1}</p><p class=\"from\">{2}",
@@ -28,8 +41,7 @@ void writeFinding(Html& html, const Contents& contents, const Finding& finding) 
     if (!finding.place.pointer.empty()) html.add(", <span>{}</span>", Message{finding.place.pointer});
     writeLink(html, finding);
     html.add("</p></div>");
-    const std::string remedy = contents.remedy(finding);
-    if (!remedy.empty()) html.add("<code>{}</code>", Message{remedy});
+    writeRemedy(html, contents.remedy(finding));
     html.add("</li>\n");
 }
 

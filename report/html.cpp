@@ -10,7 +10,7 @@ namespace {
 // In columns. What is longer says nothing more to a reader.
 constexpr std::size_t kLongestName = 240;
 
-std::string asReferences(std::string_view text) {
+std::string asReferences(std::string_view text, bool isPath = false) {
     std::string html;
     html.reserve(text.size());
     for (const char c : text) {
@@ -30,11 +30,18 @@ std::string asReferences(std::string_view text) {
             case '\'':
                 html += "&#39;";
                 break;
+            case '/':
+                html += isPath ? "/<wbr>" : "/";
+                break;
             default:
                 html += c;
         }
     }
     return html;
+}
+
+std::string shortName(const Name& name) {
+    return workbench::shortened(workbench::printable(std::string_view(name.text)), kLongestName);
 }
 
 }  // namespace
@@ -54,10 +61,8 @@ std::string countedText(std::size_t count, std::string_view singular) {
     return fmt::format("{} {}{}", grouped(count), singular, count == 1 ? "" : "s");
 }
 
-std::string shown(const Name& name) {
-    const std::string text = workbench::shortened(workbench::printable(std::string_view(name.text)), kLongestName);
-    return "<bdi>" + asReferences(text) + "</bdi>";
-}
+std::string shown(const Name& name) { return "<bdi>" + asReferences(shortName(name)) + "</bdi>"; }
+std::string shown(const Path& path) { return "<bdi>" + asReferences(shortName(path), true) + "</bdi>"; }
 
 std::string shown(const Message& message) { return asReferences(workbench::printableMessage(message.text)); }
 

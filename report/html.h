@@ -26,6 +26,11 @@ struct Name {
     std::string text;
 };
 
+/// The same of a path: a line may end behind each part.
+struct Path : Name {
+    using Name::Name;
+};
+
 /// A message whose parts are printable already, as those of findings.
 struct Message {
     std::string_view text;
@@ -42,6 +47,7 @@ std::string countedText(std::size_t count, std::string_view singular);
 
 inline std::string_view shown(const Markup& markup) { return markup.html; }
 std::string shown(const Name& name);
+std::string shown(const Path& path);
 std::string shown(const Message& message);
 template <class Text>
 requires std::convertible_to<const Text&, std::string_view> std::string shown(const Text& text) {

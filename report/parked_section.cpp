@@ -18,7 +18,7 @@ void writeMark(Html& html, const ParkedMark& mark) {
     const hvArray* const signal = mark.signal.get();
     const std::size_t clients = hvGetNumberOfElements(mark.clients.get());
     html.add("<li><div class=\"what\"><h3>{}</h3><p class=\"from\">{}", Name(recordText(signal, 0, "SignalName_")),
-             Name(recordText(signal, 0, "BlockPath_")));
+             Path(recordText(signal, 0, "BlockPath_")));
     if (mark.markedName && !mark.markedName->empty())
         html.add(" <span class=\"set\">{}</span>", Name(*mark.markedName));
     html.add("</p></div><p>{} in {}</p><p>{}</p></li>\n", lossOf(mark.lost), Name(mark.from),

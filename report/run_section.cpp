@@ -64,7 +64,7 @@ void writeOthers(Html& html, const PageIndex& index) {
     for (const std::size_t position : view->others()) {
         const RecordedColumn& column = view->run().columns[position];
         html.add("<li><div class=\"what\"><h3>{}</h3><p class=\"from\">{}</p></div><div class=\"plots\">",
-                 Name(column.title), Name(column.block));
+                 Name(column.title), Path(column.block));
         writePlot(html, view->frame(), column, "");
         html.add("</div></li>\n");
     }

@@ -29,11 +29,11 @@ TimeAxis axisOf(const RecordedRun& run) {
 // The more plots, the coarser: all lines together stay within some megabytes.
 Grid gridFor(std::size_t plots) {
     constexpr std::size_t kMostBytes = 3'000'000;
-    constexpr std::size_t kBytesOfColumn = 16;
+    constexpr std::size_t kBytesOfColumn = 20;
     constexpr std::size_t kFinest = 600;
-    constexpr std::size_t kCoarsest = 48;
-    const std::size_t width = kMostBytes / kBytesOfColumn / std::max<std::size_t>(plots, 1);
-    return {std::clamp(width, kCoarsest, kFinest), width < kFinest ? 100U : 224U};
+    constexpr std::size_t kCoarsest = 24;
+    const std::size_t columns = kMostBytes / kBytesOfColumn / std::max<std::size_t>(plots, 1);
+    return {std::clamp(columns, kCoarsest, kFinest), kFinest, columns < kFinest ? 112U : 224U};
 }
 
 }  // namespace

@@ -42,11 +42,11 @@ void writeSource(Html& html, const PageIndex& index, const SignalSpecification& 
     html.add("<p class=\"from\">");
     const std::optional<std::size_t> node = index.nodeOf(source.block);
     if (node)
-        html.add("<a href=\"#b{}\">{}</a>", *node + 1, Name(source.block->path));
+        html.add("<a href=\"#b{}\">{}</a>", *node + 1, Path(source.block->path));
     else
-        html.add("{}", Name(signal.m_blockPath));
+        html.add("{}", Path(signal.m_blockPath));
     if (isChartSignal(signal)) {
-        if (!signal.m_subPath.empty()) html.add("<i>/</i>{}", Name(signal.m_subPath));
+        if (!signal.m_subPath.empty()) html.add("<i>/</i>{}", Path(signal.m_subPath));
         html.add(" <span class=\"set\">{}</span>", Name(activityOf(signal)));
     } else {
         html.add("<i>:</i>{}", signal.m_outputPortIndex);

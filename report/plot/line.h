@@ -9,10 +9,11 @@
 
 namespace report {
 
-/// How fine the lines of a page are: `width` units along the time, `height` along the values.
+/// How fine the lines of a page are: in how many columns they are thinned, and in units of what they are drawn.
 struct Grid {
-    std::size_t width = 600;
-    std::size_t height = 200;
+    std::size_t columns = 600;
+    std::size_t width = 600;   ///< units along the time
+    std::size_t height = 200;  ///< along the values
 };
 
 /// The data of two SVG paths, in whole units from the upper left.

@@ -98,7 +98,7 @@ void writeLines(Html& html, const PlotFrame& frame, const RecordedColumn& column
     html.add("<svg viewBox=\"0 0 {} {}\" width=\"100%\" height=\"{}\" preserveAspectRatio=\"none\">", frame.grid.width,
              frame.grid.height, isBoolean ? kLowHeight : kHeight);
     const std::vector<Point> points =
-        thinned(column.times, column.values, frame.time.from, frame.time.to, frame.grid.width);
+        thinned(column.times, column.values, frame.time.from, frame.time.to, frame.grid.columns);
     const bool isStepped = column.kind != ValueKind::real;
     const DrawnLine line = drawn(points, frame.time, axis, frame.grid, isStepped);
     html.add("<path d=\"{}\"/>", line.line);

@@ -65,7 +65,9 @@ TEST_F(Page, showsWhatTheFileHoldsAndWhatIsWrongWithIt) {
                        "<li>every 2nd sample</li><li>the last 100 points</li>"
                        "<li>frame-based</li><li>for <bdi>scope</bdi></li>",
                        "<b><bdi>ks_scope_observer</bdi></b> <span class=\"set\">rate 1, channel 4294967295</span>",
-                       "Clients without a signal here", "<code>kshmi prune model.json --kinds dangling</code>",
+                       "Clients without a signal here",
+                       "<code><span>kshmi</span> <span>prune</span> <span>model.json</span> <span>--kinds</span> "
+                       "<span>dangling</span>",
                        "<a class=\"on\" href=\"#s1\"><i>1</i> <bdi>y</bdi></a>",
                        "<span class=\"off\"><i>2</i> <bdi>valid</bdi></span>"});
     EXPECT_EQ(html.find(path()), html.npos) << "tells where the file was";

@@ -58,7 +58,9 @@ private:
         return std::string(rest.substr(0, rest.find('"')));
     }
 
-    static bool isVoid(std::string_view tag) { return tag == "meta" || tag == "link" || tag == "input"; }
+    static bool isVoid(std::string_view tag) {
+        return tag == "meta" || tag == "link" || tag == "input" || tag == "wbr";
+    }
 
     std::vector<std::string> m_open;
     std::vector<std::string> m_links;

@@ -84,10 +84,10 @@ TEST(Line, isShortAndLeavesBreaks) {
     const TimeAxis time{0.0, 10.0, {}};
     const ValueAxis values{0.0, 10.0, {}};
     const std::vector<Point> points{{0, 0}, {1, 5}, {2, 5}, {3, kNan}, {4, 1}, {5, kNan}, {9, 10}, {10, 0}};
-    const DrawnLine straight = drawn(points, time, values, {100, 100}, false);
+    const DrawnLine straight = drawn(points, time, values, {100, 100, 100}, false);
     EXPECT_EQ(straight.line, "M0 100l10-50 10 0M90 0l10 100");
     EXPECT_EQ(straight.dots, "M40 90h0");
-    EXPECT_EQ(drawn(points, time, values, {100, 100}, true).line, "M0 100h10v-50h10M90 0h10v100");
+    EXPECT_EQ(drawn(points, time, values, {100, 100, 100}, true).line, "M0 100h10v-50h10M90 0h10v100");
 }
 
 TEST(Axis, hasRoundLabelsThatEncloseTheValues) {
@@ -144,10 +144,10 @@ TEST(Axis, ofTimeHasTheUnitThatFits) {
         double from, to;
         const char* labels;
     } cases[] = {
-        {0, 60, "0 10 20 30 40 50 60 s"},      {0, 1e-3, "0 0.5 1.0 ms"},
-        {0, 3600, "0 20 40 60 min"},  {0, 1e6, "0 2 4 6 8 10 d"},
-        {5, 5, "4.6 4.8 5.0 5.2 5.4 s"},      {1e6, 1e6 + 1, "1000000.0 1000000.5 1000001.0 s"},
-        {0, 36000, "0 2 4 6 8 10 h"}, {0, 3.3e-7, "0 100 200 300 ns"},
+        {0, 60, "0 10 20 30 40 50 60 s"}, {0, 1e-3, "0 0.5 1.0 ms"},
+        {0, 3600, "0 20 40 60 min"},      {0, 1e6, "0 2 4 6 8 10 d"},
+        {5, 5, "4.6 4.8 5.0 5.2 5.4 s"},  {1e6, 1e6 + 1, "1000000.0 1000000.5 1000001.0 s"},
+        {0, 36000, "0 2 4 6 8 10 h"},     {0, 3.3e-7, "0 100 200 300 ns"},
     };
     for (const auto& one : cases) {
         std::string labels;
