@@ -13,7 +13,7 @@
 namespace ks_fuzz {
 
 void enterHost() {
-    static const orvex::LoadedLibrary library("libks_hmi_foundation.so.0");
+    static const orvex::LoadedLibrary library("libks_hmi_foundation.so");
     kestrel::installHostSide();
 }
 

@@ -25,7 +25,7 @@ inline std::string utf8(const std::u16string& text) { return fl::i18n::to_string
 class HostTest : public ::testing::Test {
 protected:
     HostTest() {
-        static const orvex::LoadedLibrary library("libks_hmi_foundation.so.0");
+        static const orvex::LoadedLibrary library("libks_hmi_foundation.so");
         kestrel::installHostSide();
         ks_hmi::SignalSpecification::getBlockUUIDmap().clear();
         orvex::clearWarnings();
