@@ -12,6 +12,9 @@ void defineInterfaceManager();
 void defineObserverFunctions();
 void definePortQueries();
 
+/// Says what the classes are for, those that the library registers and these, and the functions.
+void noteHostSide();
+
 /// Forgets the renames and events recorded so far.
 void clearRecords() noexcept;
 

@@ -14,6 +14,7 @@ void installHostSide() {
     defineInterfaceManager();
     defineObserverFunctions();
     definePortQueries();
+    noteHostSide();
 }
 
 void releaseHostSide() noexcept {

@@ -1,5 +1,6 @@
 #include "memory_host/orvex/objects/cos_class.h"
 #include "memory_host/orvex/objects/cos_namespace.h"
+#include "memory_host/orvex/objects/listing.h"
 #include "memory_host/orvex/objects/types.h"
 #include "observers/streaming_clients.h"
 #include "tests/support/host_recorder.h"
@@ -162,6 +163,29 @@ TEST_F(ClassDescriptions, aMethodGivesItsOneResultWhateverIsWanted) {
     hos::Invocation invocation{0, slots, 0, {}};
     signals.native->constructor()->invoke(invocation);
     EXPECT_EQ(invocation.resultCount, 1);
+}
+
+std::string unsaid(const orvex::CallListing& call) {
+    const auto isNamed = [](const orvex::Parameter& one) { return !one.name.empty(); };
+    const bool isSaid = !call.sentence.empty() && std::all_of(call.inputs.begin(), call.inputs.end(), isNamed) &&
+                        std::all_of(call.outputs.begin(), call.outputs.end(), isNamed);
+    return isSaid ? "" : call.name + '\n';
+}
+
+TEST_F(ClassDescriptions, allThatScriptsCanNameSaysWhatItIsFor) {
+    std::string missing;
+    for (const std::string& name : orvex::classNames()) {
+        const orvex::ClassListing listing = *orvex::listClass(name);
+        if (listing.sentence.empty()) missing += name + '\n';
+        missing += unsaid(listing.constructor);
+        for (const auto& method : listing.methods) missing += unsaid(method);
+        for (const auto& property : listing.properties)
+            if (property.sentence.empty()) missing += property.name + '\n';
+    }
+    for (const std::string& name : orvex::functionNames()) missing += unsaid(*orvex::listFunction(name));
+    EXPECT_EQ(missing, "");
+    EXPECT_EQ(orvex::classNames().size(), 7U);
+    EXPECT_EQ(orvex::namespaceNames(), (std::vector<std::string>{"Kestrel", "Kestrel.HMI"}));
 }
 
 TEST_F(ClassDescriptions, instancesAreMadeEmptyAndNoneIsDestroyedWithoutHarm) {

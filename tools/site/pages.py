@@ -83,29 +83,33 @@ class Page:
 
 
 class Site:
-    def __init__(self, root, target, facts):
+    """All pages. `places` says where those go that are not documents of the tree."""
+
+    def __init__(self, root, target, facts, places):
         self.root = root
         self.target = target
         self.facts = facts
+        self.places = places
         self.pages = {}
         self.files = {}
         self.template = string.Template((HERE / "page.html").read_text())
 
-    def add(self, source, place=None):
+    def add(self, source):
         """Adds the document and, behind it, those that it names. A document that is not there is left out."""
         if source in self.pages or not source.is_file():
             return
-        if place is None:
-            relative = source.relative_to(self.root)
-            name = relative.name if relative.parent == Path("docs") else relative.as_posix()
-            place = re.sub(r"\.md$", ".html", name if "/" in name else name.lower())
-        page = self.pages[source] = Page(source, place)
+        page = self.pages[source] = Page(source, self.places.get(source) or self._place_of(source))
         for token, attribute in page.links():
             named = self._named_file(page, token.attrGet(attribute))
             if named and named.suffix == ".md":
                 self.add(named)
             elif named and named.is_file():
                 self.files[named] = f"files/{named.relative_to(self.root).as_posix()}"
+
+    def _place_of(self, source):
+        relative = source.relative_to(self.root)
+        name = relative.name if relative.parent == Path("docs") else relative.as_posix()
+        return re.sub(r"\.md$", ".html", name if "/" in name else name.lower())
 
     def sources(self):
         """By place in the site, what a person would change."""
@@ -117,7 +121,7 @@ class Site:
         if not path or re.match(r"[a-z][a-z0-9+.-]*:", path):
             return None
         named = Path(os.path.normpath(page.source.parent / path))
-        return named if self.root in named.parents else None
+        return named if self.root in named.parents or named in self.places else None
 
     def _led(self, page, link):
         """The link as it is written on the page's HTML; one to something that the site lacks stays as it is."""
@@ -139,8 +143,8 @@ class Site:
                 groups.setdefault(group, []).append((text, named.place))
         listed = {place for entries in groups.values() for _, place in entries}
         rest = [(page.title, page.place) for page in self.pages.values() if page.place not in listed]
-        for group, isIn in (("More", False), ("Host classes", True)):
-            entries = [entry for entry in rest if entry[1].startswith("classes/") == isIn]
+        for group, isIn in (("More", False), ("For scripts", True)):
+            entries = sorted(entry for entry in rest if entry[1].startswith("classes/") == isIn)
             if entries:
                 groups[group] = entries
         return groups | {"C++ reference": REFERENCE}
@@ -152,7 +156,7 @@ class Site:
             lines.append("<ul>")
             for text, target in entries:
                 current = ' aria-current="page"' if target == place else ""
-                lines.append(f'<li><a href="{up}{target}"{current}>{html.escape(text)}</a></li>')
+                lines.append(f'<li><a href="{up}{target}"{current}>{html.escape(text).replace(".", ".<wbr>")}</a></li>')
             lines.append("</ul>")
         return "\n".join(lines)
 

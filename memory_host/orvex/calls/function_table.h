@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "memory_host/orvex/calls/call.h"
 
@@ -17,5 +19,7 @@ struct FunctionEntry {
 
 /// What the name means now, or null. Holding the entry keeps it callable when it is replaced.
 std::shared_ptr<const FunctionEntry> findFunction(std::string_view name);
+/// All names that mean a function now, in no order.
+std::vector<std::string> namesOfFunctions();
 
 }  // namespace orvex

@@ -80,6 +80,12 @@ void defineFunction(std::string name, HostFunction function, int outputs) {
 
 void undefineFunction(std::string_view name) noexcept { removeEntry(name, 0); }
 
+std::vector<std::string> namesOfFunctions() {
+    std::vector<std::string> names;
+    for (const auto& entry : table()) names.push_back(entry.first);
+    return names;
+}
+
 Entry findFunction(std::string_view name) {
     const auto found = table().find(name);
     return found == table().end() || found->second.empty() ? nullptr : found->second.back();

@@ -80,14 +80,20 @@ void Namespace::addClass(std::unique_ptr<hos::COSClassInfo> info, int, int) {
     m_classes.push_back(std::make_shared<NativeClass>(std::move(info), className));
 }
 
-Namespace* Namespace::findInner(std::string_view name) {
+const std::vector<std::unique_ptr<Namespace>>& Namespace::inner() {
     ensureContents();
-    return findIn(m_inner, name);
+    return m_inner;
 }
 
-std::shared_ptr<NativeClass> Namespace::findClass(std::string_view name) {
+const std::vector<std::shared_ptr<NativeClass>>& Namespace::classes() {
     ensureContents();
-    for (const auto& candidate : m_classes)
+    return m_classes;
+}
+
+Namespace* Namespace::findInner(std::string_view name) { return findIn(inner(), name); }
+
+std::shared_ptr<NativeClass> Namespace::findClass(std::string_view name) {
+    for (const auto& candidate : classes())
         if (lastPart(candidate->fullName()) == name) return candidate;
     return nullptr;
 }
@@ -115,6 +121,18 @@ std::shared_ptr<NativeClass> findNativeClass(std::string_view fullName) {
     std::shared_ptr<NativeClass> found = holder->findClass(fullName.substr(dot + 1));
     if (found) found->ensureMembers();
     return found;
+}
+
+std::vector<Namespace*> allNamespaces() {
+    std::vector<Namespace*> all;
+    for (const auto& one : topLevel()) all.push_back(one.get());
+    // Those inside one are put behind it, and come up in their turn.
+    for (std::size_t at = 0; at < all.size(); ++at) {
+        std::vector<Namespace*> inside;
+        for (const auto& one : all[at]->inner()) inside.push_back(one.get());
+        all.insert(all.begin() + static_cast<std::ptrdiff_t>(at) + 1, inside.begin(), inside.end());
+    }
+    return all;
 }
 
 void releaseNamespaces() noexcept { topLevel().clear(); }

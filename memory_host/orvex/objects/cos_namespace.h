@@ -20,7 +20,10 @@ public:
     void addClass(std::unique_ptr<hos::COSClassInfo> info, int access, int mutability) override;
 
     const std::string& fullName() const noexcept { return m_fullName; }
-    /// Null when there is none. Both load the contents first.
+    /// What is in it, in the order added. All four load the contents first.
+    const std::vector<std::unique_ptr<Namespace>>& inner();
+    const std::vector<std::shared_ptr<NativeClass>>& classes();
+    /// Null when there is none.
     Namespace* findInner(std::string_view name);
     std::shared_ptr<NativeClass> findClass(std::string_view name);
 
@@ -38,6 +41,8 @@ private:
 /// The native class of that full name with its members defined, or null. Loads the namespaces that the
 /// name passes through.
 OX_API std::shared_ptr<NativeClass> findNativeClass(std::string_view fullName);
+/// All namespaces, each before those inside it. Loads the contents of all.
+std::vector<Namespace*> allNamespaces();
 /// Destroys all namespaces; their classes live on while objects of them do.
 void releaseNamespaces() noexcept;
 

@@ -6,6 +6,7 @@
 
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/objects/cos_namespace.h"
+#include "memory_host/orvex/objects/notes_table.h"
 #include "memory_host/orvex/objects/pinned_libraries.h"
 #include "memory_host/orvex/objects/script_class_table.h"
 
@@ -45,6 +46,7 @@ void defineScriptClass(ScriptClass definition) {
 void releaseObjectSystem() {
     releaseNamespaces();
     releaseScriptClasses();
+    releaseNotes();
     releaseLibraries();
 }
 

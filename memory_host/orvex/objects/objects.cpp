@@ -1,12 +1,12 @@
 #include "memory_host/orvex/objects/objects.h"
 
-#include <charconv>
 #include <utility>
 
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
+#include "memory_host/orvex/values/short_text.h"
 
 namespace {
 
@@ -32,23 +32,6 @@ HvArrayPtr readProperty(const hvArray* object, std::size_t index, const char* na
     HvArrayPtr value = requireElement(object, index, name)->getProperty(name);
     orvex::handOut(value.get());
     return value;
-}
-
-std::string numberText(double number) {
-    char digits[32];
-    return {digits, std::to_chars(digits, digits + sizeof digits, number).ptr};
-}
-
-std::string shortText(const hvArray* value) {
-    const bool isRow = hvGetNumberOfDimensions(value) == 2 && hvGetDimensions(value)[0] <= 1;
-    if (hvGetClassID(value) == hvCHAR_CLASS && (isRow || hvIsEmpty(value)))
-        return "'" + hvArrayToStdString(value) + "'";
-    if (hvGetNumberOfElements(value) != 1) return orvex::describeValue(value);
-    if (const bool* truth = hvGetLogicals(value)) return *truth ? "true" : "false";
-    const hvClassID classId = hvGetClassID(value);
-    if (classId == hvDOUBLE_CLASS || classId == hvSINGLE_CLASS) return numberText(hvGetScalar(value));
-    if (classId >= hvINT8_CLASS && classId <= hvINT64_CLASS) return std::to_string(hvGetScalarInt(value));
-    return orvex::describeValue(value);
 }
 
 }  // namespace

@@ -33,6 +33,12 @@ std::shared_ptr<const ScriptClass> findScriptClass(std::string_view fullName) no
     return found == classes().end() ? nullptr : found->second;
 }
 
+std::vector<std::string> scriptClassNames() {
+    std::vector<std::string> names;
+    for (const auto& entry : classes()) names.push_back(entry.first);
+    return names;
+}
+
 void releaseScriptClasses() noexcept { classes().clear(); }
 
 }  // namespace orvex
