@@ -45,7 +45,7 @@ private:
 void addAll(ks_bench::Suite& suite) {
     using namespace ks_bench;
     for (const auto add : {addHandleQueries, addPathQueries, addEnginePortQueries, addChartQueries, addKeyHashes,
-                           addPersistence, addModelFiles, addGrowth, addRemovals, addMemory, addStart})
+                           addPersistence, addModelFiles, addGrowth, addRemovals, addMemory, addStart, addRecording})
         add(suite);
 }
 

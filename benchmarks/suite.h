@@ -83,5 +83,6 @@ void addGrowth(Suite& suite);
 void addRemovals(Suite& suite);
 void addMemory(Suite& suite);
 void addStart(Suite& suite);
+void addRecording(Suite& suite);
 
 }  // namespace ks_bench

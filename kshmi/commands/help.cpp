@@ -10,6 +10,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/help/completion.h"
 #include "kshmi/help/example_model.h"
+#include "kshmi/help/example_unit.h"
 #include "kshmi/help/help_page.h"
 #include "kshmi/help/man_page.h"
 #include "kshmi/help/topics.h"
@@ -104,12 +105,14 @@ void addCompletion(CLI::App& app, Run& run) {
 }
 
 void addExample(CLI::App& app, Run& run) {
+    const auto isUnit = std::make_shared<bool>(false);
     CLI::App* const command =
         app.add_subcommand("example", "Print a model file on which all examples of this help can be tried");
-    command->footer("Examples:\n  kshmi example > cruise.json");
-    command->callback([&run] {
-        run = [](const Output& output) -> int {
-            output.out << exampleModel();
+    command->footer("Examples:\n  kshmi example > cruise.json\n  kshmi example --unit > cruise.fmu");
+    command->add_flag("--unit", *isUnit, "print a unit (.fmu) instead, which can be imported and recorded");
+    command->callback([=, &run] {
+        run = [=](const Output& output) -> int {
+            output.out << (*isUnit ? exampleUnit() : exampleModel());
             return kSuccess;
         };
     });

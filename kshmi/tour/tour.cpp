@@ -56,6 +56,7 @@ void Tour::run() {
     notice();
     validate();
     showBlocks();
+    record();
 }
 
 void Tour::loadLibrary() {

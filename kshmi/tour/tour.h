@@ -48,6 +48,7 @@ private:
     void notice();
     void validate();
     void showBlocks();
+    void record();
 
     void observeFirst(const char* type);
     void markStop(const Stop& stop, bool isExcludedFromSave);

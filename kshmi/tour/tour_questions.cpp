@@ -4,14 +4,9 @@
 #include "kshmi/tour/tour.h"
 #include "workbench/change/marking.h"
 #include "workbench/find/signal_index.h"
+#include "workbench/record/engine_ports.h"
 #include "workbench/session/script.h"
 #include "workbench/text/text.h"
-
-// An engine's port.
-struct ksPort {
-    const kestrel::Block* block;
-    int port;
-};
 
 namespace kshmi {
 

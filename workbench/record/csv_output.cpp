@@ -1,7 +1,6 @@
 #include "workbench/record/csv_output.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,27 +15,6 @@ namespace workbench {
 namespace {
 
 constexpr mode_t kMode = 0666;
-
-// Failures that are errors, not the end of the program.
-class NoSignals {
-public:
-    NoSignals() noexcept {
-        struct sigaction ignore {};
-        ignore.sa_handler = SIG_IGN;
-        ::sigaction(SIGXFSZ, &ignore, &m_sizeLimit);
-        ::sigaction(SIGPIPE, &ignore, &m_pipe);
-    }
-    NoSignals(const NoSignals&) = delete;
-    NoSignals& operator=(const NoSignals&) = delete;
-    ~NoSignals() {
-        ::sigaction(SIGXFSZ, &m_sizeLimit, nullptr);
-        ::sigaction(SIGPIPE, &m_pipe, nullptr);
-    }
-
-private:
-    struct sigaction m_sizeLimit {};
-    struct sigaction m_pipe {};
-};
 
 // Size of the rows that end within the first bytes.
 std::size_t wholeRows(std::string_view rows, std::size_t size) {
@@ -85,7 +63,6 @@ void CsvOutput::append(std::string_view rows) {
         if (m_sink && !rows.empty()) m_sink(rows);
         return;
     }
-    const NoSignals noSignals;
     std::size_t written = 0;
     while (written < rows.size()) {
         const ssize_t count = ::write(m_descriptor, rows.data() + written, rows.size() - written);

@@ -55,6 +55,7 @@ public:
         }
         m_buffer += "\r\n";
         flush();
+        if (!m_hasTexts) m_block.resize(kBufferSize + (columns.size() + 1) * kCellSize);
     }
 
     void write(const RunRow& row) override {
@@ -62,12 +63,14 @@ public:
             writeMixed(row);
         else
             writeNumbers(row);
-        if (m_buffer.size() >= kBufferSize) flush();
+        if (m_buffer.size() + m_used >= kBufferSize) flush();
     }
 
     void flush() override {
         m_output.append(m_buffer);
         m_buffer.clear();
+        m_output.append(std::string_view(m_block).substr(0, m_used));
+        m_used = 0;
     }
 
     void finish(const UnitEnd&) override {
@@ -80,17 +83,16 @@ private:
         return column.kind == ValueKind::text || column.kind == ValueKind::binary;
     }
 
+    // The block is as large as it can get: growing and shrinking it would clear every row first.
     void writeNumbers(const RunRow& row) {
-        const std::size_t start = m_buffer.size();
-        m_buffer.resize(start + (m_columns.size() + 1) * kCellSize);
-        char* at = putReal(m_buffer.data() + start, row.time);
+        char* at = putReal(m_block.data() + m_used, row.time);
         for (std::size_t i = 0; i < m_columns.size(); ++i) {
             *at++ = ',';
             if (row.isPresent == nullptr || row.isPresent[i] != 0)
                 at = putNumber(at, m_columns[i], row.slots[m_columns[i].slot]);
         }
         at = putText(at, "\r\n");
-        m_buffer.resize(static_cast<std::size_t>(at - m_buffer.data()));
+        m_used = static_cast<std::size_t>(at - m_block.data());
     }
 
     void writeMixed(const RunRow& row) {
@@ -120,7 +122,9 @@ private:
     CsvOutput m_output;
     const std::vector<RunColumn>& m_columns;
     bool m_hasTexts = false;
-    std::string m_buffer;
+    std::string m_buffer;    // of rows with texts
+    std::string m_block;     // of rows without
+    std::size_t m_used = 0;  // of the block
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "workbench/import/foreign_file.h"
 #include "workbench/record/engine_ports.h"
+#include "workbench/record/ignored_signals.h"
 #include "workbench/record/run_setup.h"
 #include "workbench/record/stream_out_blocks.h"
 #include "workbench/text/text.h"
@@ -130,6 +131,7 @@ RunHead headOf(const Session& session, const RecordOptions& options, const std::
 }  // namespace
 
 RecordResult recordModel(Session& session, const RecordOptions& options) {
+    const IgnoredSignals ignoredSignals;
     RecordResult result;
     result.unit = unitPathOf(session, options);
     for (const std::string& input : {session.path(), result.unit}) requireOther(options.target.path, input);

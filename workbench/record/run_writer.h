@@ -51,9 +51,9 @@ RunFormat formatOf(std::string_view path) noexcept;
 
 /// Where a run goes.
 struct RunTarget {
-    std::string path;       ///< "-" for `sink`
-    bool replaces = false;  ///< a CSV file that is there already
-    TextSink sink = {};     ///< of standard output
+    std::string path{kStandardStream};  ///< "-" for `sink`
+    bool replaces = false;              ///< a CSV file that is there already
+    TextSink sink = {};                 ///< of standard output
 };
 
 /// The columns outlive the writer. Throws `Error` when the file cannot be made, or is there already and must not be

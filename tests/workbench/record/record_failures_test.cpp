@@ -1,0 +1,197 @@
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <thread>
+
+#include "tests/workbench/record/record_test.h"
+
+// Recordings whose system calls fail, one after the other, and which are asked to stop. The tool's calls are linked to
+// the functions below, which make them unless it is their turn to fail.
+
+namespace {
+
+struct Plan {
+    std::size_t at = 0;  // which call, 1-based; 0 for none
+    std::size_t calls = 0;
+    bool isFromThenOn = false;
+    const char* reached = nullptr;
+} g_plan;
+
+bool isToFail(const char* name) {
+    if (g_plan.at == 0) return false;
+    ++g_plan.calls;
+    if (g_plan.isFromThenOn ? g_plan.calls < g_plan.at : g_plan.calls != g_plan.at) return false;
+    g_plan.reached = name;
+    errno = ENOSPC;
+    return true;
+}
+
+}  // namespace
+
+#define KS_HMI_WRAPPED(type, name, parameters, arguments, failed) \
+    type __real_##name parameters;                                \
+    type __wrap_##name parameters;                                \
+    type __wrap_##name parameters { return isToFail(#name) ? failed : __real_##name arguments; }
+
+extern "C" {
+KS_HMI_WRAPPED(char*, mkdtemp, (char* path), (path), nullptr)
+KS_HMI_WRAPPED(ssize_t, write, (int file, const void* data, size_t size), (file, data, size), -1)
+KS_HMI_WRAPPED(int, fsync, (int file), (file), -1)
+KS_HMI_WRAPPED(int, ftruncate, (int file, off_t size), (file, size), -1)
+KS_HMI_WRAPPED(int, fstat, (int file, struct stat* status), (file, status), -1)
+KS_HMI_WRAPPED(int, flock, (int file, int operation), (file, operation), -1)
+KS_HMI_WRAPPED(pid_t, fork, (), (), -1)
+KS_HMI_WRAPPED(void*, mmap, (void* at, size_t size, int protection, int flags, int file, off_t offset),
+               (at, size, protection, flags, file, offset), MAP_FAILED)
+
+int __real_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, ...);
+int __wrap_open(const char* path, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
+    va_end(rest);
+    return isToFail("open") ? -1 : __real_open(path, flags, mode);
+}
+
+// A descriptor that cannot be closed is closed.
+int __real_close(int file);
+int __wrap_close(int file);
+int __wrap_close(int file) {
+    const bool fails = isToFail("close");
+    const int result = __real_close(file);
+    return fails ? -1 : result;
+}
+}
+
+namespace kshmi {
+namespace {
+
+using namespace testing;
+
+class RecordFailures : public RecordTest {
+protected:
+    RecordFailures() {
+        import(probe2());
+        mark("state:count wave:sine");
+    }
+    // Whole rows only, each of them as it should be.
+    void expectWholeRows(const std::string& csv) const {
+        if (csv.empty()) return;
+        EXPECT_TRUE(csv.starts_with("time,count,sine\r\n")) << csv.substr(0, 40);
+        EXPECT_TRUE(csv.ends_with("\r\n")) << csv.substr(csv.size() - 40);
+        for (std::size_t at = 0, end = 0; (end = csv.find('\n', at)) != std::string::npos; at = end + 1)
+            if (const std::string row = csv.substr(at, end - at); std::count(row.begin(), row.end(), ',') != 2)
+                FAIL() << row;
+    }
+    static std::size_t openDescriptors() {
+        const std::filesystem::directory_iterator files("/proc/self/fd");
+        return static_cast<std::size_t>(std::distance(begin(files), end(files)));
+    }
+    static void expectNoChildren() { EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a process is left"; }
+};
+
+TEST_F(RecordFailures, eachCallThatFailsIsToldAndLeavesWholeRows) {
+    const std::size_t descriptors = openDescriptors();
+    for (const bool isFromThenOn : {false, true}) {
+        std::size_t failures = 0;
+        for (std::size_t at = 1;; ++at) {
+            std::filesystem::remove(path("run.csv"));
+            g_plan = {at, 0, isFromThenOn, nullptr};
+            const Finished finished = runOn("record --quiet --until 600 -o " + path("run.csv"));
+            const Plan plan = std::exchange(g_plan, {});
+            expectWholeRows(read("run.csv"));
+            expectNoChildren();
+            if (plan.reached == nullptr) break;
+            ++failures;
+            EXPECT_TRUE(finished.code == kBadFile || finished.code == kHostRefused || finished.code == kSuccess)
+                << plan.reached << ": " << finished.code << finished.err;
+            EXPECT_TRUE(finished.code == kSuccess || !finished.err.empty()) << plan.reached;
+        }
+        EXPECT_GE(failures, 6U);
+    }
+    EXPECT_EQ(openDescriptors(), descriptors);
+}
+
+TEST_F(RecordFailures, aFullDiskKeepsTheRowsThatFit) {
+    expectSaid("record --replace -o /dev/full", kBadFile, "/dev/full: cannot be written: No space left on device");
+    rlimit before{};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{100'000, before.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    const Finished csv = runOn("record --until 1e6 -o " + path("run.csv"));
+    const Finished database = runOn("record --until 1e6 -o " + path("run.db"));
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(csv.code, kBadFile);
+    expectParts(csv.err, {"run.csv: cannot be written: File too large; recorded until t = "});
+    expectWholeRows(read("run.csv"));
+    EXPECT_GT(read("run.csv").size(), 99'900U);
+    EXPECT_EQ(database.code, kBadFile);
+    expectParts(database.err, {"run.db", "recorded until t = "});
+    expectNoChildren();
+}
+
+TEST_F(RecordFailures, stopsWhenItIsAskedTo) {
+    const auto interrupted = [&](const std::string& options, int times) {
+        std::thread asking([times] {
+            for (int i = 0; i < times; ++i) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(300));
+                ::kill(::getpid(), SIGINT);
+            }
+        });
+        const Finished finished = runOn("record " + options + " --replace -o " + path("run.csv"));
+        asking.join();
+        EXPECT_EQ(finished.code, kStoppedEarly);
+        expectParts(finished.err, {"somebody asked to stop; what was recorded until then is kept"});
+        expectWholeRows(read("run.csv"));
+        expectNoChildren();
+    };
+    interrupted("--until 1e12", 1);
+    EXPECT_GT(read("run.csv").size(), 1000U);
+    interrupted(setTo(kHang), 2);
+    EXPECT_EQ(plain(read("run.csv")).substr(0, 40), "time count sine\n0 0 0\n0.5 -1 0.479425538");
+}
+
+TEST_F(RecordFailures, manyRunsLeaveNothing) {
+    const auto memory = [] {
+        std::ifstream statm("/proc/self/statm");
+        std::size_t pages = 0;
+        statm >> pages >> pages;
+        return pages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    };
+    const auto runSome = [&](int count) {
+        for (int i = 0; i < count; ++i) {
+            const bool crashes = i % 10 == 0;
+            EXPECT_EQ(runOn("record --quiet " + (crashes ? setTo(kCrash) : "")).code, crashes ? kStoppedEarly : 0);
+        }
+    };
+    runSome(20);
+    const std::size_t descriptors = openDescriptors();
+    const std::size_t before = memory();
+    runSome(200);
+    EXPECT_EQ(openDescriptors(), descriptors);
+    EXPECT_LT(memory(), before + (std::size_t{4} << 20U));
+    expectNoChildren();
+}
+
+TEST_F(RecordFailures, whatAKilledToolLeavesGoesWithTheNextRun) {
+    const std::string left = path("tmp/kshmi-unit-left");
+    std::filesystem::create_directories(left + "/resources");
+    const std::string young = path("tmp/kshmi-unit-young");
+    std::filesystem::create_directory(young);
+    const timespec old[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, left.c_str(), old, 0), 0);
+    EXPECT_EQ(runOn("record --quiet").code, 0);
+    EXPECT_FALSE(std::filesystem::exists(left));
+    EXPECT_TRUE(std::filesystem::remove(young));
+}
+
+}  // namespace
+}  // namespace kshmi

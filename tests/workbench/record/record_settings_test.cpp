@@ -1,0 +1,207 @@
+#include "signals/signal_specification.h"
+#include "tests/support/json_schema.h"
+#include "tests/workbench/record/record_test.h"
+#include "workbench/record/record_model.h"
+#include "workbench/record/recorded_run.h"
+#include "workbench/record/stream_out_blocks.h"
+#include "workbench/session/session.h"
+
+namespace kshmi {
+namespace {
+
+using namespace testing;
+
+class RecordSettings : public RecordTest {};
+
+TEST_F(RecordSettings, decimationAndMaxPointsLeaveCellsEmpty) {
+    import(probe2());
+    mark("state:count --decimation 2");
+    mark("state:mode --max-points 2");
+    EXPECT_EQ(recorded(), "time,count,mode\r\n0,0,\r\n1,-2,\r\n1.5,,1\r\n2,-4,2\r\n");
+    mark("state:even --decimation 3 --max-points 1");
+    EXPECT_EQ(recorded("--until 2.5"),
+              "time,count,mode,even\r\n0,0,,\r\n1,-2,,\r\n1.5,,,false\r\n2,-4,2,\r\n2.5,,3,\r\n");
+    EXPECT_EQ(runOn("unmark state:count").code, 0);
+    EXPECT_EQ(recorded("--until 4"), "time,mode,even\r\n3,,true\r\n3.5,2,\r\n4,3,\r\n");
+}
+
+TEST_F(RecordSettings, titlesAreNamesMadeUnique) {
+    import(probe2());
+    mark("state:count --name \"a, b\"");
+    mark("state:mode --name \"a, b\"");
+    mark("wave:fed --name time");
+    EXPECT_EQ(recorded("--until 0 --step 1"), "time,\"a, b\",\"a, b (2)\",time (2)\r\n0,0,1,0\r\n");
+}
+
+TEST_F(RecordSettings, excludedSignalsAreLeftOut) {
+    import(probe2());
+    mark("state:count state:mode");
+    enterHost(std::cerr);
+    workbench::Session session(path());
+    session.signals().get(0)->m_excludeForSave = true;
+    workbench::RecordOptions options;
+    std::string rows;
+    std::string warnings;
+    options.until = 0.5;
+    options.target = {"-", false, [&](std::string_view text) { rows += text; }};
+    options.warning = [&](const std::string& text) { warnings += text; };
+    const workbench::RecordResult result = workbench::recordModel(session, options);
+    EXPECT_EQ(rows, "time,mode\r\n0,1\r\n0.5,2\r\n");
+    EXPECT_EQ(warnings, "\"count\" is not recorded: it is excluded");
+    EXPECT_EQ(result.samples, 2U);
+}
+
+TEST_F(RecordSettings, blocksThatStreamAreEnteredWithWhereAndHow) {
+    import(probe2());
+    enterHost(std::cerr);
+    const workbench::Session session(path());
+    workbench::RunColumn count;
+    count.title = "count";
+    count.block = "probe/state";
+    count.port = 1;
+    count.decimation = 4;
+    workbench::RunColumn mode = count;
+    mode.title = "mode";
+    mode.maxPoints = 7;
+    const workbench::StreamOutBlocks blocks(session, {count, mode}, "/runs/a.db", {});
+    const auto& eid = session.model().findByPath(u"state")->eid;
+    const auto found = blocks.registry().getBlockForBlockId("probe:" + eid);
+    const auto* const context = dynamic_cast<const workbench::RunFileContext*>(found.get());
+    ASSERT_NE(context, nullptr);
+    EXPECT_EQ(context->getFileName(), u"a.db");
+    EXPECT_EQ(context->getBlockPath(), u"probe/state");
+    EXPECT_EQ(context->getDecimation(), "4");
+    EXPECT_EQ(context->getMaxPoints(), "");
+    const auto properties = context->getFilePropertiesMap();
+    EXPECT_EQ(boost::get<double>(properties.at("column 2 maxPoints")), 7);
+    EXPECT_EQ(boost::get<std::u16string>(properties.at("format")), u"sqlite");
+    EXPECT_EQ(blocks.file().format, workbench::RunFormat::sqlite);
+}
+
+TEST_F(RecordSettings, aDatabaseTakesSeveralRuns) {
+    import(probe2());
+    mark("wave:sine --max-points 1");
+    mark("state:even state:text");
+    EXPECT_EQ(runOn("record --quiet --until 0.5 -o " + path("runs.db")).code, 0);
+    EXPECT_EQ(runOn("record --quiet " + setTo(kCrash) + "-o " + path("runs.db")).code, kStoppedEarly);
+    const workbench::RecordedRun first = workbench::readRecordedRun(path("runs.db"), 1);
+    EXPECT_EQ(first.runCount, 2);
+    EXPECT_EQ(first.model, "probe");
+    EXPECT_EQ(first.outcome, "done");
+    EXPECT_EQ(first.stop, 0.5);
+    ASSERT_EQ(first.columns.size(), 3U);
+    EXPECT_EQ(first.columns[0].unit, "rad");
+    EXPECT_EQ(first.columns[0].times, std::vector<double>{0.5});
+    EXPECT_EQ(first.columns[0].values, std::vector<double>{0.479425538604203});
+    EXPECT_EQ(first.columns[1].kind, workbench::ValueKind::boolean);
+    EXPECT_EQ(first.columns[1].values, (std::vector<double>{1, 0}));
+    EXPECT_EQ(first.columns[2].texts[1], "step \"1\",\nnext");
+    EXPECT_EQ(first.columns[2].block, "probe/state");
+    const workbench::RecordedRun last = workbench::readRecordedRun(path("runs.db"));
+    EXPECT_EQ(last.number, 2);
+    EXPECT_EQ(last.outcome, "crashed");
+    expectParts(last.message, {"Segmentation fault"});
+    EXPECT_EQ(last.columns[1].times, (std::vector<double>{0, 0.5, 1}));
+    expectSaid("record -o " + write("not a database", "other.db"), kBadFile, "other.db");
+    EXPECT_EQ(read("other.db"), "not a database");
+}
+
+TEST_F(RecordSettings, jsonTellsHowItWent) {
+    import(probe2());
+    mark("state:count");
+    const Finished finished = runOn("record --json " + setTo(kFail) + "-o " + path("run.csv"));
+    EXPECT_EQ(finished.code, kStoppedEarly);
+    std::ifstream file(KSHMI_OUTPUT_SCHEMA);
+    const std::string schema{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_EQ(ks_test::JsonSchema(schema).faultsOf(finished.out), std::vector<std::string>()) << finished.out;
+    expectParts(finished.out,
+                {R"("outcome": "failed")", R"("stop": 1)", R"("samples": 3)", R"("variable": "state.count")"});
+}
+
+TEST_F(RecordSettings, inputsAreInterpolatedOrHeld) {
+    import(probe2());
+    mark("wave:fed");
+    const std::string inputs = "--inputs " + write("time,u,gain\n0,0,1\n1,1,\n2,3,10\n", "in.csv");
+    EXPECT_EQ(plain(recorded(inputs)), "time fed\n0 0\n0.5 0\n1 0.5\n1.5 1\n2 2\n");
+    EXPECT_EQ(plain(recorded(inputs + " --until 3")), "time fed\n0 0\n0.5 0\n1 0.5\n1.5 1\n2 2\n2.5 30\n3 30\n");
+    const auto refused = [&](const std::string& text, const std::string& said) {
+        expectSaid("record --inputs " + write(text, "in.csv"), kBadFile, said);
+    };
+    refused("t,u\n0,1\n", "in.csv:1: the first column of inputs is \"time\"; name it so");
+    refused("time,v\n0,1\n", "in.csv:1: the unit has no input \"v\"");
+    refused("time,behaviour\n0,1\n", "in.csv:1: \"behaviour\" is neither an input nor a tunable parameter");
+    refused("time,u\n0,1\n0.5,x\n", "in.csv:3: \"u\": \"x\" is not a number");
+    refused("time,u\n1,1\n0.5,2\n", "in.csv:3: \"0.5\" is no time after the one above; sort the rows");
+    refused("time,u\n0,\n", "in.csv:2: \"u\" has no first value");
+    refused("time,u\n", "holds no row of values");
+    refused("time,u,u\n0,1,2\n", "the title \"u\" is there twice");
+}
+
+const std::string kTypes = R"(
+<Float32 name="f" valueReference="0" causality="output"/><Int8 name="i8" valueReference="1" causality="output"/>
+<UInt8 name="u8" valueReference="2" causality="output"/><Int16 name="i16" valueReference="3" causality="output"/>
+<UInt16 name="u16" valueReference="4" causality="output"/><Int32 name="i32" valueReference="5" causality="output"/>
+<UInt32 name="u32" valueReference="6" causality="output"/><Int64 name="i64" valueReference="7" causality="output"/>
+<UInt64 name="u64" valueReference="8" causality="output"/><Boolean name="b" valueReference="9" causality="output"/>
+<Enumeration name="e" valueReference="10" causality="output"/><String name="s" valueReference="11" causality="output"/>
+<Binary name="bin" valueReference="12" causality="output"/><Clock name="c" valueReference="13" causality="output"/>)";
+
+class RecordFmi3 : public RecordTest {};
+
+TEST_F(RecordFmi3, allTypesAreKept) {
+    import3(kTypes);
+    mark("--all *");
+    const Finished finished = runOn("record --quiet --until 0.5");
+    EXPECT_EQ(finished.out,
+              "time,f,i8,u8,i16,u16,i32,u32,i64,u64,b,e,s,bin\r\n"
+              "0,0.1,-8,200,-16000,60000,0,4000000000,-9223372036854775808,18446744073709551615,true,"
+              "-9223372036854775808,\"s0\",\"ff00\"\r\n"
+              "0.5,0.1,-8,200,-16000,60000,-1,4000000000,-9223372036854775807,18446744073709551615,false,"
+              "-9223372036854775807,\"s1\",\"ff01\"\r\n");
+    expectParts(finished.err, {"\"c\" is not recorded: it is a Clock, which cannot be read"});
+    EXPECT_EQ(runOn("record --quiet --until 0.5 -o " + path("run.db")).code, 0);
+    const workbench::RecordedRun run = workbench::readRecordedRun(path("run.db"));
+    EXPECT_EQ(run.columns[7].values[0], -9223372036854775808.0);
+    EXPECT_EQ(run.columns[8].values[0], 18446744073709551615.0);
+    EXPECT_EQ(run.columns[12].texts, (std::vector<std::string>{"ff00", "ff01"}));
+}
+
+TEST_F(RecordFmi3, arraysBecomeColumnsByElement) {
+    import3(R"(<Float64 name="x" valueReference="20" causality="output"><Dimension valueReference="40"/></Float64>
+<Float64 name="m" valueReference="21" causality="output"><Dimension start="2"/><Dimension start="2"/></Float64>
+<Float64 name="y" valueReference="23" causality="output"><Dimension valueReference="40"/></Float64>
+<Float64 name="u" valueReference="24" causality="input"><Dimension valueReference="40"/></Float64>)");
+    mark("--all *:x");
+    EXPECT_EQ(recorded("--until 0.5"), "time,x[1],x[2],x[3]\r\n0,0,1,2\r\n0.5,0.5,1.5,2.5\r\n");
+    mark("--all *:m --all *:y");
+    EXPECT_EQ(recorded("--until 0 --set n=2 --set \"u=4 5\""),
+              "time,x[1],x[2],\"m[1,1]\",\"m[1,2]\",\"m[2,1]\",\"m[2,2]\",y[1],y[2]\r\n0,0,1,0,1,2,3,4,5\r\n");
+    const std::string inputs = "--inputs " + write("time,u[2],u[1]\n0,1,10\n", "in.csv");
+    expectParts(recorded("--until 0 --set n=2 " + inputs), {",10,1\r\n"});
+    expectSaid("record --until 0 " + inputs, kBadFile, "an array lacks columns for some of its elements");
+    expectSaid("record --until 0 --set n=2 --set \"u=1\"", kWrongUsage,
+               "\"u\" takes 2 values, with blanks between them");
+    expectSaid("record --until 0 --set n=99999999", kBadFile, "the array \"x\" has more than 1000000 elements");
+    expectSaid("record --until 0 --set n=17", kStoppedEarly,
+               "fmi3SetUInt64 reported an error: not in configuration mode");
+}
+
+TEST_F(RecordFmi3, earlyReturnsAndEventsAreHonoured) {
+    const std::string variables = R"(<Float64 name="now" valueReference="22" causality="output"/>
+<Int32 name="events" valueReference="30" causality="output"/>)";
+    import3(variables);
+    mark("--all *");
+    EXPECT_EQ(plain(recorded("--until 1 --set behaviour=1")),
+              "time now events\n0 0 0\n0.5 0.5 0\n0.75 0.75 0\n1 1 0\n");
+    expectSaid("record --set behaviour=3", kStoppedEarly, "stopped at t = 1.5: the unit ended the run itself");
+    expectSaid("record --set behaviour=4", kStoppedEarly,
+               "stopped at t = 0: the unit returned 1000 times without getting any further");
+    std::filesystem::remove(path());
+    import3(variables, R"(hasEventMode="true")");
+    mark("--all *");
+    EXPECT_EQ(plain(recorded("--until 1 --set behaviour=2")),
+              "time now events\n0 0 0\n0.25 0.25 2\n0.5 0.5 4\n1 1 6\n");
+}
+
+}  // namespace
+}  // namespace kshmi
