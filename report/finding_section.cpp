@@ -56,6 +56,7 @@ void writeFindings(Html& html, const Contents& contents, const PageIndex&) {
         return;
     }
     std::vector<const Finding*> ordered;
+    ordered.reserve(findings.size());
     for (const Finding& finding : findings) ordered.push_back(&finding);
     std::stable_sort(ordered.begin(), ordered.end(), [](const Finding* one, const Finding* other) {
         return ruleOf(one->code).level > ruleOf(other->code).level;

@@ -60,10 +60,10 @@
     var all = 0;
     document.querySelectorAll('section').forEach(function (section) {
       var count = counts[section.id] || 0;
-      var output = section.querySelector('h2 > output');
+      var counted = section.querySelector('h2 > span');
       all += count;
       section.hidden = isFiltered && count === 0;
-      if (output) output.textContent = (isFiltered ? count.toLocaleString('en') + ' of ' : '') + output.dataset.of;
+      if (counted) counted.textContent = (isFiltered ? count.toLocaleString('en') + ' of ' : '') + counted.dataset.of;
     });
     found.textContent = !isFiltered ? '' : all === 0 ? 'nothing found' : all.toLocaleString('en') + ' found';
   }

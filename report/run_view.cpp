@@ -33,7 +33,8 @@ Grid gridFor(std::size_t plots) {
     constexpr std::size_t kFinest = 600;
     constexpr std::size_t kCoarsest = 24;
     const std::size_t columns = kMostBytes / kBytesOfColumn / std::max<std::size_t>(plots, 1);
-    return {std::clamp(columns, kCoarsest, kFinest), kFinest, columns < kFinest ? 112U : 224U};
+    const bool isFine = columns >= kFinest;
+    return {std::clamp(columns, kCoarsest, kFinest), isFine ? 2 * kFinest : kFinest, isFine ? 560U : 112U};
 }
 
 }  // namespace

@@ -106,7 +106,7 @@ void writeSignal(Html& html, const Contents& contents, const PageIndex& index, s
 
 void openSection(Html& html, std::string_view id, std::string_view title, std::size_t count) {
     html.add("<section id=\"{}\"><h2>{}", id, title);
-    if (count > 0) html.add(" <output data-of=\"{}\">{}</output>", grouped(count), grouped(count));
+    if (count > 0) html.add(" <span data-of=\"{}\">{}</span>", grouped(count), grouped(count));
     html.add("</h2>\n");
 }
 

@@ -4,6 +4,7 @@
 #include <map>
 #include <random>
 
+#include "report/page.h"
 #include "report/plot/axis.h"
 #include "report/plot/line.h"
 #include "report/plot/thinning.h"
@@ -180,6 +181,39 @@ TEST_F(RunPage, plotsEachSignalWithItsFigures) {
          "<th scope=\"row\">2 s</th><td><bdi>&lt;b&gt;</bdi></td>"});
     EXPECT_EQ(count(html, "<use href=\"#t\"/>"), 1U);
     EXPECT_EQ(count(html, "<use href=\"#tl\"/>"), 1U);
+}
+
+TEST_F(RunPage, tellsUnitsElementsAndWhyItStoppedEarly) {
+    page(kshmi::testing::kModel);
+    const workbench::CheckedFile checked = workbench::checkFile(path());
+    const workbench::Session session(path());
+    workbench::RecordedRun run;
+    run.file = "some/where/run.db";
+    run.number = 2;
+    run.runCount = 3;
+    run.model = "<m>";
+    run.start = 0.0;
+    run.stop = 1.0;
+    run.until = 2.0;
+    run.outcome = "<failed>";
+    run.message = "<too hot>";
+    run.columns.resize(2);
+    run.columns[0].unit = "<km/h>";
+    run.columns[0].signal = "u-1";
+    run.columns[0].element = "[<2>]";
+    run.columns[0].times = {0.0, 1.0};
+    run.columns[0].values = {3.0, 4.0};
+    run.columns[1].signal = "u-2";
+    std::string html;
+    writePage({session, checked, [](const workbench::Finding&) { return ""; }, &run},
+              [&](std::string_view piece) { html += piece; });
+    expectParts(html,
+                {"<dd><bdi>run.db, run 2 of 3</bdi></dd>", "0 s to 1 s of 2 s",
+                 "Stopped early (<bdi>&lt;failed&gt;</bdi>): <bdi>&lt;too hot&gt;</bdi>",
+                 "The run is of the model <bdi>&lt;m&gt;</bdi>.", "<span class=\"unit\"><bdi>&lt;km/h&gt;</bdi></span>",
+                 "<span class=\"which\"><bdi>[&lt;2&gt;]</bdi></span>", "no samples",
+                 "2 of 2 signals recorded, stopped early"});
+    EXPECT_EQ(testing::Structure(html).faults(), std::vector<std::string>());
 }
 
 TEST_F(RunPage, saysWhatIsMissing) {
