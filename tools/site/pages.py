@@ -13,8 +13,8 @@ from markdown_it import MarkdownIt
 
 HERE = Path(__file__).resolve().parent
 START = "docs/index.md"
-REFERENCE = [("Classes", "api/annotated.html"), ("Functions and types", "api/namespacemembers.html"),
-             ("Headers", "api/files.html")]
+REFERENCE = [("Classes", "api/annotated.html"), ("Namespaces", "api/namespaces.html"), ("Headers", "api/files.html"),
+             ("Functions by name", "api/globals.html"), ("Members by name", "api/functions.html")]
 
 
 def slug(text, taken):
