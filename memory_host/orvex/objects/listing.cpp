@@ -164,7 +164,8 @@ std::vector<std::string> namespaceNames() {
 std::vector<std::string> classNames() {
     std::vector<std::string> names = scriptClassNames();
     for (Namespace* one : allNamespaces())
-        for (const auto& nativeClass : one->classes()) names.push_back(nativeClass->fullName());
+        for (const auto& nativeClass : one->classes())
+            if (!nativeClass->info().isHidden()) names.push_back(nativeClass->fullName());
     return sorted(std::move(names));
 }
 

@@ -52,7 +52,7 @@ struct ClassListing {
 
 /// Full names of all namespaces, sorted. Script classes make none.
 OX_API std::vector<std::string> namespaceNames();
-/// Full names of all classes, native and scripted, sorted.
+/// Full names of all classes, native and scripted, sorted; none that is hidden.
 OX_API std::vector<std::string> classNames();
 /// Names of all host functions, sorted; no constructors and methods.
 OX_API std::vector<std::string> functionNames();
