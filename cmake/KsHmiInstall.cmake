@@ -5,6 +5,7 @@
 #   memory_host             the in-memory host, for those who run it
 #   memory_host_dev         its headers and packages
 #   tool                    kshmi, its manual, completions and examples
+#   python                  the Python module ks_hmi
 #   doc                     the documents
 
 include(CMakePackageConfigHelpers)
@@ -85,6 +86,11 @@ function(ks_hmi_install_tool)
     endforeach()" COMPONENT tool)
 endfunction()
 
+function(ks_hmi_install_python)
+  install(TARGETS ks_hmi_python LIBRARY DESTINATION "${KS_HMI_PYTHON_DIR}/ks_hmi" COMPONENT python)
+  install(FILES ${KS_HMI_PYTHON_SOURCES} DESTINATION "${KS_HMI_PYTHON_DIR}/ks_hmi" COMPONENT python)
+endfunction()
+
 # The installed directories are written relative to the file itself, so that a prefix given to
 # `cmake --install` holds.
 function(ks_hmi_install_pkg_config name component)
@@ -105,6 +111,9 @@ if(KS_HMI_HAS_MEMORY_HOST)
 endif()
 if(TARGET kshmi)
   ks_hmi_install_tool()
+endif()
+if(TARGET ks_hmi_python)
+  ks_hmi_install_python()
 endif()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT doc
   FILES_MATCHING PATTERN "*.md" PATTERN "*.json")

@@ -68,6 +68,14 @@ if(KS_HMI_BUILD_TOOL)
     "${about}\n.\nThis package has the command-line tool, with its manual, completion for
 bash and zsh, and examples." ks_hmi_foundation memory_host)
 endif()
+if(TARGET ks_hmi_python)
+  math(EXPR next_minor "${Python3_VERSION_MINOR} + 1")
+  ks_hmi_package(python python3-ks-hmi python
+    "signal instrumentation of Kestrel models - Python module"
+    "${about}\n.\nThis package has the Python module ks_hmi, with its type stubs."
+    ks_hmi_foundation memory_host "python3 (>= ${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR})"
+    "python3 (<< ${Python3_VERSION_MAJOR}.${next_minor})" python3-numpy)
+endif()
 ks_hmi_package(doc ks-hmi-foundation-doc doc
   "signal instrumentation of Kestrel models - documentation"
   "${about}\n.\nThis package has the documents: how to embed the library, what a model

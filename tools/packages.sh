@@ -2,6 +2,8 @@
 
 build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev libfmt-dev libpugixml-dev libzip-dev
     libsqlite3-dev libgtest-dev)
+# The Python module is left out of the build where these are not.
+python_packages=(python3-dev pybind11-dev python3-numpy python3-pytest)
 lint_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 # A browser for the pages of reports: where there is none, the test that looks at them is skipped.
@@ -54,6 +56,8 @@ is_there() {
         chromium) have chromium || have chromium-browser || have google-chrome ;;
         pkg-config | doxygen | python3 | clang-format | clang-tidy | valgrind) have "$1" ;;
         libboost1.81-dev) boost_is_recent ;;
+        python3-numpy) /usr/bin/python3 -c 'import numpy' 2>/dev/null ;;
+        python3-pytest) /usr/bin/python3 -c 'import pytest' 2>/dev/null ;;
         python3-markdown-it) /usr/bin/python3 -c 'import markdown_it' 2>/dev/null ;;
         python3-clang-14) /usr/bin/python3 -c 'import clang.cindex' 2>/dev/null ;;
         *) if have dpkg-query; then has_package "$1"; else has_header "${headers[$1]}"; fi ;;

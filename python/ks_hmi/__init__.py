@@ -1,0 +1,35 @@
+"""Signal instrumentation of Kestrel models, for scripts and notebooks.
+
+>>> import ks_hmi
+>>> with ks_hmi.open("cruise.json") as model:
+...     model.mark(all="Sensors/*", except_="*:valid", decimation=10)
+...     model.save()
+<mark: 12 added>
+"""
+
+from __future__ import annotations
+
+import atexit as _atexit
+import sys as _sys
+
+from . import _native
+from ._data import (Block, CarryReport, ChangeReport, CheckReport, Client, DiffReport, Entry, Listing, Place,
+                    QueryReport, RecordReport, Report, Signal)
+from ._errors import Error, HostError, HostWarning, ModelWarning
+from ._model import Model, carry, check, diff, import_model, new, open, read_run
+from ._runs import Column, Run
+
+__all__ = [
+    "Block", "CarryReport", "ChangeReport", "CheckReport", "Client", "Column", "DiffReport", "Entry", "Error",
+    "HostError", "HostWarning", "Listing", "Model", "ModelWarning", "Place", "QueryReport", "RecordReport", "Report",
+    "Run", "Signal", "carry", "check", "diff", "import_model", "new", "open", "read_run",
+]
+
+
+def _leave() -> None:
+    alive = _native.leave()
+    if alive:
+        print("ks_hmi: these are still alive in the host:\n" + alive, file=_sys.stderr)
+
+
+_atexit.register(_leave)

@@ -1,0 +1,296 @@
+"""Models that are open."""
+
+from __future__ import annotations
+
+import json
+import os
+from typing import Any, Callable, Dict, Iterable, List, Mapping, Optional, Union
+
+from . import _native
+from ._data import (Block, ChangeReport, CarryReport, CheckReport, Client, DiffReport, Entry, Listing, QueryReport,
+                    RecordReport, Signal, load)
+from ._errors import Error
+from ._runs import Run
+
+Path = Union[str, "os.PathLike[str]"]
+Referable = Union[str, Entry]
+Texts = Union[str, Iterable[str]]
+
+
+def _texts(given: Texts) -> List[str]:
+    return [given] if isinstance(given, str) else [str(one) for one in given]
+
+
+def _references(given: Iterable[Union[Referable, Iterable[Referable]]]) -> List[str]:
+    references: List[str] = []
+    for one in given:
+        if isinstance(one, str):
+            references.append(one)
+        elif isinstance(one, Entry):
+            if not isinstance(getattr(type(one), "reference", None), property):
+                raise TypeError(f"{one!r} is no block, port, chart item or signal")
+            references.append(one.reference)
+        else:
+            references += _references(one)
+    return references
+
+
+def _selection(references: Iterable[Any], all: Texts, except_: Texts, kinds: Texts, below: str,
+               activity: Optional[str], ssid: Optional[int], others: bool = False) -> Dict[str, Any]:
+    selection: Dict[str, Any] = {"references": _references(references), "all": _texts(all),
+                                 "except": _texts(except_), "kinds": _texts(kinds), "below": below,
+                                 "activity": activity or "", "ssid": ssid}
+    if not others and not any(selection[name] for name in ("references", "all", "except", "kinds", "below")):
+        raise Error("nothing to work on; name a port, or give all=\"*\" or below=")
+    return selection
+
+
+def _given(**settings: Any) -> Dict[str, Any]:
+    return {name: value for name, value in settings.items() if value is not None}
+
+
+class Model:
+    """A model file that is open. Made by `open`, `new` and `import_model`; changes are in the file once it is saved.
+
+    What is meant is said the same everywhere, as in the tool: references ("Sensors/Speed:1", "Sensors/Speed:valid",
+    "Control/Mode/Engaged"; blocks, ports and signals of this module do as well), `all` patterns, less `except_`
+    patterns, only some `kinds` ("port", "chart", "state", "datum"), only at and `below` a path; of charts an `activity`
+    ("Self", "Child", "Leaf", "Data") or an `ssid`. Signals and clients can be meant by UUID or position from 1.
+    """
+
+    def __init__(self, held: _native.Model) -> None:
+        self._held = held
+
+    # ---- what there is
+
+    @property
+    def name(self) -> str:
+        return _native.name(self._held)
+
+    @property
+    def path(self) -> str:
+        """Of the file."""
+        return _native.path(self._held)
+
+    @property
+    def origin(self) -> Optional[Entry]:
+        """Where the model was imported from."""
+        return load(_native.origin(self._held))
+
+    @property
+    def blocks(self) -> Listing[Block]:
+        held = self._held
+        return Listing("block", lambda: _native.blockCount(held), lambda a, b: _native.blocks(held, a, b),
+                       lambda path: load(_native.blockCalled(held, path)))
+
+    @property
+    def signals(self) -> Listing[Signal]:
+        held = self._held
+        return Listing("signal", lambda: _native.signalCount(held), lambda a, b: _native.signals(held, a, b),
+                       lambda call: _native.signalNumber(held, call))
+
+    @property
+    def clients(self) -> Listing[Client]:
+        held = self._held
+        return Listing("client", lambda: _native.clientCount(held), lambda a, b: _native.clients(held, a, b),
+                       lambda call: _native.clientNumber(held, call))
+
+    def __getitem__(self, path: str) -> Block:
+        """The block at that path."""
+        return self.blocks[path]
+
+    @property
+    def is_open(self) -> bool:
+        return self._held.isOpen
+
+    def text(self) -> str:
+        """What `save` would write."""
+        return _native.text(self._held)
+
+    # ---- what is observed
+
+    def mark(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
+             kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
+             name: Optional[str] = None, decimation: Optional[int] = None, max_points: Optional[int] = None,
+             frame_based: Optional[bool] = None, hidden: Optional[bool] = None, buffered: Optional[bool] = None,
+             excluded_from_save: Optional[bool] = None, visual_type: Optional[str] = None, again: bool = False,
+             skip_marked: bool = False) -> ChangeReport:
+        """Marks ports and chart items as signals: all that is meant, or nothing.
+
+        What is marked already stays as it is; with settings that is refused, unless `skip_marked`. `again` adds a
+        further signal where one is.
+        """
+        settings = _given(name=name, decimation=decimation, maxPoints=max_points, frameBased=frame_based, hidden=hidden,
+                          buffered=buffered, excludedFromSave=excluded_from_save, visualType=visual_type)
+        selection = _selection(references, all, except_, kinds, below, activity, ssid)
+        return ChangeReport(_native.mark(self._held, selection, settings, again, skip_marked))
+
+    def unmark(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
+               kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
+               signals: Iterable[Union[str, int]] = (), dangling: bool = False) -> ChangeReport:
+        """Removes signals; `dangling` those whose block, port or chart item is gone."""
+        calls = _texts(str(call) for call in signals)
+        selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls) or dangling)
+        return ChangeReport(_native.unmark(self._held, selection, calls, dangling))
+
+    def set(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
+            kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
+            signals: Iterable[Union[str, int]] = (), name: Optional[str] = None, decimation: Optional[int] = None,
+            max_points: Optional[int] = None, frame_based: Optional[bool] = None, hidden: Optional[bool] = None,
+            buffered: Optional[bool] = None, excluded_from_save: Optional[bool] = None,
+            visual_type: Optional[str] = None, confirm: bool = False) -> ChangeReport:
+        """Changes the settings of signals in place. `confirm` says that what they are on is what was meant."""
+        settings = _given(name=name, decimation=decimation, maxPoints=max_points, frameBased=frame_based, hidden=hidden,
+                          buffered=buffered, excludedFromSave=excluded_from_save, visualType=visual_type)
+        calls = _texts(str(call) for call in signals)
+        selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls))
+        return ChangeReport(_native.set(self._held, selection, calls, settings, confirm))
+
+    def query(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
+              kinds: Texts = (), below: str = "", activity: Optional[str] = None,
+              ssid: Optional[int] = None) -> QueryReport:
+        """Tells whether ports and chart items are observed."""
+        return QueryReport(_native.query(self._held, _selection(references, all, except_, kinds, below, activity, ssid)))
+
+    # ---- who watches
+
+    def observe(self, *references: Union[Referable, Iterable[Referable]], type: str, all: Texts = (),
+                except_: Texts = (), kinds: Texts = (), below: str = "", activity: Optional[str] = None,
+                ssid: Optional[int] = None, signals: Iterable[Union[str, int]] = (),
+                params: Optional[Mapping[str, Any]] = None, update_rate: Optional[int] = None,
+                channel: Optional[int] = None, imaginary: Optional[bool] = None,
+                bus_leaf: Optional[str] = None) -> ChangeReport:
+        """Has a client of that observer type watch each marked port and chart item that is meant."""
+        calls = _texts(str(call) for call in signals)
+        selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls))
+        settings = _given(type=type, params=None if params is None else json.dumps(params), updateRate=update_rate,
+                          channel=channel, imaginary=imaginary, busLeaf=bus_leaf)
+        return ChangeReport(_native.observe(self._held, selection, calls, settings))
+
+    def unobserve(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
+                  kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
+                  clients: Iterable[Union[str, int]] = (), types: Texts = (), states: Texts = ()) -> ChangeReport:
+        """Removes clients: of signals, by UUID or position, or in a state ("watching", "dangling", "elsewhere",
+        "foreign", "deprecated"); with `types` only those."""
+        who = {"clients": [str(call) for call in clients], "types": _texts(types), "states": _texts(states)}
+        selection = _selection(references, all, except_, kinds, below, activity, ssid, any(who.values()))
+        return ChangeReport(_native.unobserve(self._held, selection, who))
+
+    def set_clients(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
+                    kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
+                    clients: Iterable[Union[str, int]] = (), types: Texts = (), states: Texts = (),
+                    new_type: Optional[str] = None, params: Optional[Mapping[str, Any]] = None,
+                    update_rate: Optional[int] = None, channel: Optional[int] = None,
+                    imaginary: Optional[bool] = None, bus_leaf: Optional[str] = None) -> ChangeReport:
+        """Changes the settings of clients in place; who is meant, as in `unobserve`."""
+        who = {"clients": [str(call) for call in clients], "types": _texts(types), "states": _texts(states)}
+        selection = _selection(references, all, except_, kinds, below, activity, ssid, any(who.values()))
+        settings = _given(type=new_type, params=None if params is None else json.dumps(params), updateRate=update_rate,
+                          channel=channel, imaginary=imaginary, busLeaf=bus_leaf)
+        return ChangeReport(_native.setClients(self._held, selection, who, settings))
+
+    # ---- files and runs
+
+    def save(self) -> None:
+        """Writes the file, as a whole or not at all. Refused when somebody else has changed it since."""
+        _native.save(self._held)
+
+    def save_as(self, path: Path, replace: bool = False) -> None:
+        """The same into another file, which is the model's from then on."""
+        _native.saveAs(self._held, os.fspath(path), replace)
+
+    def close(self) -> None:
+        """Lets go of the model; what was not saved is lost."""
+        self._held.close()
+
+    def __enter__(self) -> "Model":
+        return self
+
+    def __exit__(self, *exception: object) -> None:
+        self.close()
+
+    def record(self, output: Path, unit: Optional[Path] = None, until: Optional[float] = None,
+               step: Optional[float] = None, values: Optional[Mapping[str, object]] = None,
+               inputs: Optional[Path] = None, timeout: Optional[float] = None, replace: bool = False,
+               progress: Optional[Callable[[float, float, float], None]] = None,
+               log: Optional[Callable[[float, str, str], None]] = None) -> RecordReport:
+        """Runs the unit that the model was imported from, in a process of its own, and keeps what is observed.
+
+        A unit is a program: run none that you would not start yourself. `values` are start values by variable. `output`
+        is a database for .db, .sqlite and .sqlite3, else CSV; `read_run` reads it. `progress` is told the simulated
+        time, where it ends, and the seconds that have passed; `log` the simulated time, category and text of messages.
+        """
+        start = None if values is None else [(name, _start_value(value)) for name, value in values.items()]
+        options = _given(output=os.fspath(output), unit=None if unit is None else os.fspath(unit), until=until,
+                         step=step, values=start, inputs=None if inputs is None else os.fspath(inputs),
+                         timeout=timeout, replace=replace, progress=progress, log=log)
+        return RecordReport(_native.record(self._held, options))
+
+    def read_run(self, path: Path, number: Optional[int] = None) -> Run:
+        """A recorded run, each column with the signal that it is of."""
+        return Run(_native.readRun(os.fspath(path), number, self._held))
+
+    # ---- how it is shown
+
+    def __repr__(self) -> str:
+        if not self.is_open:
+            return "<Model, closed>"
+        counts = ", ".join(f"{len(listing)} {name}" for name, listing in
+                           (("blocks", self.blocks), ("signals", self.signals), ("clients", self.clients)))
+        return f"<Model {self.name!r} of {self.path}: {counts}>"
+
+    def _repr_html_(self) -> str:
+        from html import escape
+        if not self.is_open:
+            return "<p>Model, closed</p>"
+        return f"<p>{escape(repr(self)[1:-1])}</p>{self.signals._repr_html_()}"
+
+
+def _start_value(value: object) -> str:
+    return str(value).lower() if isinstance(value, bool) else str(value)
+
+
+def open(path: Path, dangling: bool = False) -> Model:
+    """Opens a model file. `dangling` lets in signals whose block, port or chart item is gone, to be removed."""
+    return Model(_native.openModel(os.fspath(path), dangling))
+
+
+def new(path: Path, name: Optional[str] = None) -> Model:
+    """A new model without blocks, to be saved at `path`; its name is the file's if none is given."""
+    where = os.fspath(path)
+    return Model(_native.newModel(where, name or os.path.basename(where).split(".")[0]))
+
+
+def import_model(source: Path, path: Path, name: Optional[str] = None, local_variables: Optional[bool] = None,
+                 previous: Optional[Path] = None) -> Model:
+    """Makes a model of a system structure (.ssd, .ssp) or a unit (.fmu, modelDescription.xml), to be saved at `path`.
+    Blocks keep the identifiers that they have in the `previous` version's file."""
+    return Model(_native.importModel(os.fspath(source), os.fspath(path), name or "", local_variables,
+                                     "" if previous is None else os.fspath(previous)))
+
+
+def check(path: Path, mend: Texts = (), dry_run: bool = False) -> CheckReport:
+    """Looks for what is wrong with a model file, or may go wrong; `mend` names kinds of findings to mend, or "all"."""
+    return CheckReport(_native.check(os.fspath(path), _texts(mend), dry_run))
+
+
+def diff(before: Path, after: Path) -> DiffReport:
+    """How two model files differ."""
+    return DiffReport(_native.diff(os.fspath(before), os.fspath(after)))
+
+
+def carry(before: Path, after: Path, output: Optional[Path] = None, map: Optional[Path] = None,
+          propose: Optional[Path] = None, match: Optional[str] = None, accept_guesses: bool = False,
+          dry_run: bool = False) -> CarryReport:
+    """Puts the marks of one version of a model on the next one, by names, and saves that as `output` (`after` if left
+    out). What is ambiguous or lost is parked in the file; `propose` writes a map for it, to be edited and given as
+    `map`. `match` "id" or "path" says what alone to go by."""
+    def path_of(given: Optional[Path]) -> str:
+        return "" if given is None else os.fspath(given)
+    return CarryReport(_native.carry(os.fspath(before), os.fspath(after), path_of(output), path_of(map),
+                                     path_of(propose), match or "", accept_guesses, dry_run))
+
+
+def read_run(path: Path, number: Optional[int] = None) -> Run:
+    """A run that was recorded: from a CSV file, or a database, where the last one is taken if no number is given."""
+    return Run(_native.readRun(os.fspath(path), number, None))

@@ -1,0 +1,105 @@
+#include <exception>
+#include <new>
+#include <variant>
+
+#include "host/messages.h"
+#include "memory_host/kestrel/model.h"
+#include "python/native/host_turn.h"
+#include "workbench/text/error.h"
+#include "workbench/text/text.h"
+
+namespace ks_hmi_python {
+
+namespace {
+
+using workbench::ErrorCode;
+using workbench::Remedy;
+
+const char* wordOf(ErrorCode code) {
+    switch (code) {
+        case ErrorCode::request:
+            return "request";
+        case ErrorCode::noMatch:
+            return "noMatch";
+        case ErrorCode::format:
+            return "format";
+        case ErrorCode::model:
+            return "model";
+        case ErrorCode::file:
+            return "file";
+        case ErrorCode::inUse:
+            return "inUse";
+        case ErrorCode::host:
+            break;
+    }
+    return "host";
+}
+
+const char* wordOf(Remedy remedy) {
+    switch (remedy) {
+        case Remedy::none:
+            break;
+        case Remedy::listBlocks:
+            return "model.blocks lists the model's blocks";
+        case Remedy::listSignals:
+            return "model.signals lists the model's signals";
+        case Remedy::listClients:
+            return "model.clients lists the model's clients";
+        case Remedy::usePatterns:
+            return "a name is taken literally: give a pattern as all=";
+        case Remedy::unmark:
+            return "unmark what is there first";
+        case Remedy::removeBelow:
+            return "remove what is below first";
+        case Remedy::removeDangling:
+            return "open(file, dangling=True), then unmark(dangling=True), removes such signals";
+        case Remedy::settleNames:
+            return "check(file, mend=[\"names\"]) lets marks follow their names; set(..., confirm=True) accepts what "
+                   "is "
+                   "there";
+    }
+    return "";
+}
+
+py::object numberOrNone(std::size_t number) { return number > 0 ? py::object(py::int_(number)) : py::none(); }
+
+void raise(const workbench::Error& error) {
+    const py::object type = py::module_::import("ks_hmi._errors").attr("Error");
+    const workbench::ErrorPlace& place = error.place();
+    const py::object made = type(error.text(), wordOf(error.code()), place.file, numberOrNone(place.line),
+                                 numberOrNone(place.column), place.pointer, wordOf(error.remedy()));
+    PyErr_SetObject(type.ptr(), made.ptr());
+}
+
+py::object pythonOf(const resource_core::BaseMsgID::Argument& argument) {
+    if (const auto* const number = std::get_if<std::int64_t>(&argument)) return py::int_(*number);
+    if (const auto* const text = std::get_if<std::string>(&argument)) return py::str(*text);
+    return py::str(workbench::toUtf8(std::get<std::u16string>(argument)));
+}
+
+void raise(const kssvIException& error) {
+    const resource_core::BaseMsgID& id = error.messageId();
+    py::list arguments;
+    for (const auto& argument : id.arguments()) arguments.append(pythonOf(argument));
+    const py::object type = py::module_::import("ks_hmi._errors").attr("HostError");
+    const py::object made = type(std::string(error.what()), id.catalogue(), id.key(), py::tuple(arguments));
+    PyErr_SetObject(type.ptr(), made.ptr());
+}
+
+void translate(std::exception_ptr failure) {
+    try {
+        if (failure) std::rethrow_exception(failure);
+    } catch (const workbench::Error& error) {
+        raise(error);
+    } catch (const kestrel::ModelError& error) {
+        raise(workbench::Error(error.what()));
+    } catch (const kssvIException& error) {
+        raise(error);
+    }
+}
+
+}  // namespace
+
+void translateErrors(py::module_& /*module*/) { py::register_local_exception_translator(translate); }
+
+}  // namespace ks_hmi_python

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "kshmi/print/json_records.h"
+#include "workbench/find/positions.h"
+#include "workbench/find/watching.h"
+#include "workbench/json/json_object.h"
+
+/// Reports of this module: the same names and forms as the tool prints.
+namespace ks_hmi_python {
+
+inline void appendSignalThing(std::string& out, const workbench::Session& session, std::size_t position) {
+    workbench::JsonObject object(out);
+    object.text("kind", std::string_view("signal"));
+    kshmi::appendSignal(object, session, position);
+    object.close();
+}
+
+inline void appendClientThing(std::string& out, const workbench::Session& session, std::size_t position,
+                              const workbench::SignalUuids& uuids) {
+    workbench::JsonObject object(out);
+    object.text("kind", std::string_view("client"));
+    kshmi::appendClient(object, *session.clients().get(position), position, session, uuids);
+    object.close();
+}
+
+/// A report of what has changed: the lists are filled in by their elements, each with its comma.
+class ChangeText {
+public:
+    std::string& added() { return next(m_added); }
+    std::string& changed() { return next(m_changed); }
+    std::string& removed() { return next(m_removed); }
+    std::string& skipped() { return next(m_skipped); }
+    std::string& unchanged() { return next(m_unchanged); }
+
+    std::string take(std::string_view command, const workbench::Session& session) const {
+        std::string out;
+        workbench::JsonObject object(out);
+        object.number("kshmi", 1).text("command", command).text("file", std::string_view(session.path()));
+        object.text("model", session.model().name());
+        const auto list = [&](const char* name, const std::string& elements) {
+            object.name(name).out() += "[" + elements + "]";
+        };
+        list("added", m_added);
+        list("changed", m_changed);
+        list("removed", m_removed);
+        list("skipped", m_skipped);
+        list("unchanged", m_unchanged);
+        object.close();
+        return out;
+    }
+
+private:
+    static std::string& next(std::string& list) {
+        if (!list.empty()) list += ", ";
+        return list;
+    }
+
+    std::string m_added, m_changed, m_removed, m_skipped, m_unchanged;
+};
+
+}  // namespace ks_hmi_python

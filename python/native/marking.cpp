@@ -1,0 +1,211 @@
+#include <pybind11/stl.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "python/native/json_text.h"
+#include "python/native/open_model.h"
+#include "workbench/change/marking.h"
+#include "workbench/find/signal_index.h"
+#include "workbench/text/text.h"
+
+namespace ks_hmi_python {
+
+using namespace workbench;
+
+namespace {
+
+template <class Value>
+void take(const py::dict& given, const char* name, std::optional<Value>& setting) {
+    if (given.contains(name)) setting = given[name].cast<Value>();
+}
+
+SignalSettings settingsOf(const py::dict& given) {
+    SignalSettings settings;
+    take(given, "name", settings.name);
+    take(given, "decimation", settings.decimation);
+    take(given, "maxPoints", settings.maxPoints);
+    take(given, "frameBased", settings.isFrameBased);
+    take(given, "hidden", settings.isHidden);
+    take(given, "excludedFromSave", settings.isExcludedFromSave);
+    take(given, "buffered", settings.isBuffered);
+    take(given, "visualType", settings.visualType);
+    return settings;
+}
+
+struct Wanted {
+    SignalSource source;
+    std::u16string activity;
+    bool isMarked;
+};
+
+void appendWanted(std::string& out, const Session& session, const Wanted& wanted) {
+    JsonObject object(out);
+    object.text("kind", std::string_view("signal"));
+    kshmi::appendSource(object, session.model(), wanted.source);
+    if (wanted.source.item) object.text("activity", wanted.activity);
+    object.close();
+}
+
+// All are marked, or none.
+class Marking {
+public:
+    Marking(Session& session, const SignalSettings& settings)
+        : m_session(session), m_settings(settings), m_before(session.signals().getCount()) {}
+    Marking(const Marking&) = delete;
+    Marking& operator=(const Marking&) = delete;
+    ~Marking() {
+        if (!m_isDone) takeBack();
+    }
+
+    void mark(const Wanted& wanted, ChangeText& text) {
+        addSignal(m_session, wanted.source, wanted.activity, m_settings);
+        appendSignalThing(text.added(), m_session, m_session.signals().getCount() - 1);
+    }
+    void finish() noexcept { m_isDone = true; }
+
+private:
+    void takeBack() noexcept {
+        try {
+            Positions added;
+            for (std::size_t i = m_before; i < m_session.signals().getCount(); ++i) added.push_back(i);
+            removeSignals(m_session, added);
+        } catch (const std::exception&) {  // the failure that is on its way says why
+        }
+    }
+
+    Session& m_session;
+    const SignalSettings& m_settings;
+    std::size_t m_before;
+    bool m_isDone = false;
+};
+
+std::vector<Wanted> wantedOf(const Session& session, const Chosen& chosen, bool isAgain) {
+    std::vector<Wanted> wanted;
+    for (SignalSource& source : chosen.selected.sources()) {
+        std::u16string activity = source.item ? activityFor(*source.item, chosen.options) : std::u16string();
+        const bool isThere = !isAgain && isMarked(session, source, activity);
+        wanted.push_back({std::move(source), std::move(activity), isThere});
+    }
+    return wanted;
+}
+
+// Settings are for new signals: what is marked would not get them.
+void requireUnmarked(const Session& session, const std::vector<Wanted>& wanted) {
+    const auto first = std::ranges::find_if(wanted, &Wanted::isMarked);
+    if (first == wanted.end()) return;
+    throw Error(
+        fmt::format("{} is marked already; set() changes the settings, skip_marked=True marks only the others, "
+                    "again=True adds a further signal",
+                    printable(fullName(session.model(), first->source))));
+}
+
+std::string mark(OpenModel& model, const py::dict& selection, const py::dict& given, bool isAgain,
+                 bool isMarkedSkipped) {
+    Session& session = model.session();
+    const SignalSettings settings = settingsOf(given);
+    const std::vector<Wanted> wanted = wantedOf(session, choose(session, selection), isAgain);
+    if (settings.isAny() && !isMarkedSkipped) requireUnmarked(session, wanted);
+    ChangeText text;
+    Marking marking(session, settings);
+    for (const Wanted& one : wanted) {
+        if (one.isMarked)
+            appendWanted(settings.isAny() ? text.skipped() : text.unchanged(), session, one);
+        else
+            marking.mark(one, text);
+    }
+    marking.finish();
+    return text.take("mark", session);
+}
+
+Positions signalsMeant(Session& session, const py::dict& selection, const std::vector<std::string>& calls) {
+    const Chosen chosen = choose(session, selection);
+    Positions positions = signalsOn(chosen.selected, chosen.options, SignalIndex(session));
+    for (const std::string& call : calls) positions.push_back(signalCalled(session, call));
+    return positions;
+}
+
+std::string unmark(OpenModel& model, const py::dict& selection, const std::vector<std::string>& calls,
+                   bool isDangling) {
+    Session& session = model.session();
+    Positions positions = signalsMeant(session, selection, calls);
+    if (isDangling)
+        for (const SignalFault& fault : faultsOf(session.signals(), session.model()))
+            if (fault.isDangling) positions.push_back(fault.position);
+    sortUnique(positions);
+    ChangeText text;
+    for (const std::size_t position : positions) appendSignalThing(text.removed(), session, position);
+    const DanglingWatch watch(session);
+    removeSignals(session, std::move(positions));
+    const SignalUuids uuids(session);
+    for (const std::size_t position : watch.lost()) appendClientThing(text.changed(), session, position, uuids);
+    return text.take("unmark", session);
+}
+
+std::string set(OpenModel& model, const py::dict& selection, const std::vector<std::string>& calls,
+                const py::dict& given, bool isConfirmed) {
+    Session& session = model.session();
+    const SignalSettings settings = settingsOf(given);
+    if (!settings.isAny() && !isConfirmed)
+        throw Error("nothing to set; give name=, decimation= or another setting, or confirm=True");
+    Positions positions = signalsMeant(session, selection, calls);
+    sortUnique(positions);
+    Positions changed;
+    if (settings.isAny()) changed = changeSignals(session, positions, settings);
+    if (isConfirmed) std::ranges::copy(session.names().confirm(positions), std::back_inserter(changed));
+    sortUnique(changed);
+    ChangeText text;
+    for (const std::size_t position : positions)
+        appendSignalThing(std::ranges::binary_search(changed, position) ? text.changed() : text.unchanged(), session,
+                          position);
+    return text.take("set", session);
+}
+
+void appendAnswer(std::string& out, const Session& session, const SignalSource& source,
+                  const ReferenceOptions& options) {
+    JsonObject object(out);
+    kshmi::appendSource(object, session.model(), source);
+    if (!source.item) {
+        object.truth("observed", session.isObserved(*source.block, source.port));
+    } else if (options.activity.empty()) {
+        object.truth("observed", session.isAnyObserved(*source.block, *source.item));
+    } else {
+        const std::u16string activity = activityFor(*source.item, options);
+        object.text("activity", activity).truth("observed", session.isObserved(*source.block, *source.item, activity));
+    }
+    object.close();
+}
+
+std::string query(OpenModel& model, const py::dict& selection) {
+    const Session& session = model.session();
+    const Chosen chosen = choose(session, selection);
+    std::string out;
+    JsonObject object(out);
+    object.number("kshmi", 1).text("command", std::string_view("query")).text("file", std::string_view(session.path()));
+    object.text("model", session.model().name()).name("answers");
+    appendJsonArray(out, chosen.selected.sources(),
+                    [&](const SignalSource& source) { appendAnswer(out, session, source, chosen.options); });
+    object.close();
+    return out;
+}
+
+}  // namespace
+
+void bindMarking(py::module_& module) {
+    module.def("mark", [](OpenModel& model, const py::dict& selection, const py::dict& settings, bool again,
+                          bool skip) { return inHost([&] { return mark(model, selection, settings, again, skip); }); });
+    module.def("unmark",
+               [](OpenModel& model, const py::dict& selection, const std::vector<std::string>& calls, bool dangling) {
+                   return inHost([&] { return unmark(model, selection, calls, dangling); });
+               });
+    module.def("set", [](OpenModel& model, const py::dict& selection, const std::vector<std::string>& calls,
+                         const py::dict& settings, bool confirm) {
+        return inHost([&] { return set(model, selection, calls, settings, confirm); });
+    });
+    module.def("query", [](OpenModel& model, const py::dict& selection) {
+        return inHost([&] { return query(model, selection); });
+    });
+}
+
+}  // namespace ks_hmi_python

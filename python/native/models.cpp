@@ -1,0 +1,174 @@
+#include <pybind11/stl.h>
+
+#include <filesystem>
+
+#include "python/native/json_text.h"
+#include "python/native/open_model.h"
+#include "workbench/change/renaming.h"
+#include "workbench/find/reference.h"
+#include "workbench/model_file/model_file.h"
+#include "workbench/text/text.h"
+
+namespace ks_hmi_python {
+
+using namespace workbench;
+
+Session& OpenModel::session() {
+    if (!m_session) throw Error("the model was closed; open it again");
+    return *m_session;
+}
+
+namespace {
+
+using ModelPtr = std::shared_ptr<OpenModel>;
+
+// One may be replaced only when a caller says so; to look first is enough for what is in nobody else's way.
+void requireNoFile(const std::string& path) {
+    if (std::filesystem::exists(std::filesystem::symlink_status(path)))
+        throw Error({path}, "is there already; open it, or give another name", ErrorCode::file);
+}
+
+ModelPtr openModel(const std::string& path, bool isDangling) {
+    using enum Session::Opening;
+    return makeHeld<OpenModel>(path, isDangling ? lenient : strict);
+}
+
+ModelPtr newModel(const std::string& path, const std::string& name) {
+    requireNoFile(path);
+    return makeHeld<OpenModel>(path, newModelFile(requireModelName(name)));
+}
+
+void tellSaved(const Session& session, const Session::SaveResult& saved) {
+    for (const std::string& warning : saved.warnings) warn(session.fileName() + ": " + warning);
+    if (saved.leftOut > 0) warn(counted(saved.leftOut, "signal") + " excluded from saving, and not in the file");
+}
+
+void save(OpenModel& model) { tellSaved(model.session(), model.session().save()); }
+
+void saveAs(OpenModel& model, const std::string& path, bool replaces) {
+    using enum Session::Existing;
+    tellSaved(model.session(), model.session().saveAs(path, replaces ? replace : refuse));
+}
+
+bool isObserved(const Session& session, const SignalSource& source) {
+    return source.item ? session.isAnyObserved(*source.block, *source.item)
+                       : session.isObserved(*source.block, source.port);
+}
+
+void appendPlace(std::string& out, const Session& session, const SignalSource& source) {
+    JsonObject object(out);
+    kshmi::appendSource(object, session.model(), source);
+    object.truth("observed", isObserved(session, source)).close();
+}
+
+std::vector<SignalSource> portsOf(const kestrel::Block& block) {
+    std::vector<SignalSource> ports;
+    for (std::size_t i = 0; i < block.outputs.size(); ++i) ports.push_back({&block, static_cast<int>(i) + 1, {}});
+    return ports;
+}
+
+std::vector<SignalSource> itemsOf(const kestrel::Block& block) {
+    std::vector<SignalSource> items;
+    for (ChartItem& item : chartItemsOf(block)) items.push_back({&block, 0, std::move(item)});
+    return items;
+}
+
+void appendBlock(std::string& out, const Session& session, const kestrel::Block& block) {
+    const auto place = [&](const SignalSource& source) { appendPlace(out, session, source); };
+    JsonObject object(out);
+    object.text("block", session.model().fullPath(block)).text("eid", std::string_view(block.eid)).name("outputs");
+    appendJsonArray(out, portsOf(block), place);
+    if (block.chart) {
+        object.name("chart");
+        appendJsonArray(out, itemsOf(block), place);
+    }
+    object.close();
+}
+
+// Elements `from` to `to` of a list, 0-based.
+template <class Append>
+std::string slice(std::size_t from, std::size_t to, Append append) {
+    std::string out;
+    JsonArray array(out);
+    for (std::size_t i = from; i < to; ++i) {
+        array.next();
+        append(out, i);
+    }
+    array.close();
+    return out;
+}
+
+std::string blocks(OpenModel& model, std::size_t from, std::size_t to) {
+    Session& session = model.session();
+    return slice(from, to,
+                 [&](std::string& out, std::size_t i) { appendBlock(out, session, session.model().blocks().at(i)); });
+}
+
+std::string blockCalled(OpenModel& model, const std::string& path) {
+    std::string out;
+    appendBlock(out, model.session(), resolveBlock(model.session().model(), path));
+    return out;
+}
+
+std::string signals(OpenModel& model, std::size_t from, std::size_t to) {
+    return slice(from, to, [&](std::string& out, std::size_t i) { appendSignalThing(out, model.session(), i); });
+}
+
+std::string clients(OpenModel& model, std::size_t from, std::size_t to) {
+    const SignalUuids uuids(model.session());
+    return slice(from, to, [&](std::string& out, std::size_t i) { appendClientThing(out, model.session(), i, uuids); });
+}
+
+std::string origin(OpenModel& model) {
+    const std::optional<Origin>& origin = model.session().origin();
+    if (!origin) return "null";
+    std::string out;
+    JsonObject object(out);
+    object.text("kind", origin->kind).text("version", origin->version).text("file", origin->file);
+    object.text("hash", origin->hash).truth("locals", origin->locals).close();
+    return out;
+}
+
+std::size_t signalCount(OpenModel& model) { return model.session().signals().getCount(); }
+std::size_t clientCount(OpenModel& model) { return model.session().clients().getCount(); }
+std::size_t blockCount(OpenModel& model) { return model.session().model().blocks().size(); }
+std::string name(OpenModel& model) { return toUtf8(model.session().model().name()); }
+std::string path(OpenModel& model) { return model.session().path(); }
+std::string text(OpenModel& model) { return model.session().text(); }
+std::size_t signalNumber(OpenModel& model, const std::string& call) { return signalCalled(model.session(), call); }
+std::size_t clientNumber(OpenModel& model, const std::string& call) { return clientCalled(model.session(), call); }
+
+// A function of this module whose work is a turn in the host.
+template <class Result, class... Arguments>
+void def(py::module_& module, const char* title, Result (*function)(Arguments...)) {
+    module.def(title, [function](Arguments... arguments) {
+        return inHost([&] { return function(static_cast<Arguments>(arguments)...); });
+    });
+}
+
+}  // namespace
+
+void bindModels(py::module_& module) {
+    py::class_<OpenModel, ModelPtr>(module, "Model")
+        .def_property_readonly("isOpen", &OpenModel::isOpen)
+        .def("close", [](OpenModel& model) { inHost([&] { model.release(); }); });
+    def(module, "openModel", openModel);
+    def(module, "newModel", newModel);
+    def(module, "save", save);
+    def(module, "saveAs", saveAs);
+    def(module, "name", name);
+    def(module, "path", path);
+    def(module, "text", text);
+    def(module, "origin", origin);
+    def(module, "blocks", blocks);
+    def(module, "blockCalled", blockCalled);
+    def(module, "signals", signals);
+    def(module, "signalNumber", signalNumber);
+    def(module, "clients", clients);
+    def(module, "clientNumber", clientNumber);
+    def(module, "blockCount", blockCount);
+    def(module, "signalCount", signalCount);
+    def(module, "clientCount", clientCount);
+}
+
+}  // namespace ks_hmi_python

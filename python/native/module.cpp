@@ -1,0 +1,12 @@
+#include "python/native/open_model.h"
+
+PYBIND11_MODULE(_native, module) {
+    using namespace ks_hmi_python;
+    translateErrors(module);
+    bindHostTurn(module);
+    bindModels(module);
+    bindMarking(module);
+    bindObserving(module);
+    bindFiles(module);
+    bindRuns(module);
+}

@@ -1,0 +1,198 @@
+import json
+import threading
+
+import pytest
+
+import ks_hmi
+
+
+def places(entries):
+    return [entry.reference for entry in entries]
+
+
+def test_sequences_tell_what_the_model_has(model):
+    assert (model.name, len(model.blocks), len(model.signals)) == ("cruise", 10, 6)
+    assert model.blocks[1].path == "cruise/Sensors/Speed" and model.blocks[-1].path == "cruise/Plant/Brakes"
+    assert [port.portName for port in model["Sensors/Speed"].outputs] == ["speed", "valid"]
+    assert [item.item for item in model["Control/Mode"].chart] == ["", "Off", "Engaged", "Engaged/Holding", "target"]
+    signal = model.signals[0]
+    assert (signal.uuid, signal.position, signal.visualType) == ("51670000-0000-4000-8000-000000000001", 1, "dial")
+    assert model.signals[signal.uuid] == signal and list(model.signals)[0] == signal == model.signals[0:1][0]
+    with pytest.raises(IndexError, match="no signal 6; there are 6"):
+        model.signals[6]
+    with pytest.raises(AttributeError, match="has no 'colour'"):
+        signal.colour
+
+
+def test_marks_are_made_changed_and_removed_and_saved(model, cruise):
+    report = model.mark(all="Sensors/*", except_="*:valid", decimation=10, skip_marked=True)
+    assert report and [one.decimation for one in report.added] == [10]
+    assert places(report.added) == ["cruise/Sensors/Pedal:1"] and "cruise/Sensors/Speed:1" in places(
+        ks_hmi.Signal(one) for one in report.skipped)
+    assert not model.mark("Sensors/Pedal:position") and model.query("Sensors/Pedal:1")
+    changed = model.set(model["Sensors/Pedal"].outputs[0], name="pedal", hidden=True).changed
+    assert [(one.name, one.hidden, one.decimation) for one in changed] == [("pedal", True, 10)]
+    assert not model.set("Sensors/Pedal:1", name="pedal")
+    model.save()
+    with pytest.raises(ks_hmi.Error, match="open already"):
+        ks_hmi.open(cruise)
+    assert json.loads(cruise.read_text())["signals"][-1]["SignalName_"] == "pedal" == json.loads(
+        model.text())["signals"][-1]["SignalName_"]
+    assert places(model.unmark("Sensors/Pedal").removed) == ["cruise/Sensors/Pedal:1"]
+    assert not model.query("Sensors/Pedal:1")
+
+
+@pytest.mark.parametrize("selection, expected", [
+    (dict(below="Plant"), ["Plant:1", "Plant:2", "Plant/Engine:1", "Plant/Engine:2", "Plant/Brakes:1"]),
+    (dict(below="Plant", all="*:torque"), ["Plant/Engine:1"]),
+    (dict(kinds=["datum"]), ["Control/Mode/target"]),
+    (dict(all=["Sensors/*"], except_=["*:speed", "*:position"]), ["Sensors/Speed:2", "Sensors/Pedal:2"]),
+])
+def test_selections_mean_what_they_do_in_the_tool(model, selection, expected):
+    assert places(model.query(**selection)) == ["cruise/" + place for place in expected]
+
+
+def test_chart_items_are_marked_by_activity(model):
+    added = model.mark("Control/Mode/Engaged", activity="Child").added
+    assert [(one["item"], one.activity) for one in added] == [("Engaged", "Child")]
+    assert model.query("Control/Mode/Engaged", activity="Child")
+    assert not model.query("Control/Mode/Engaged", activity="Leaf")
+
+
+def test_clients_watch_signals(model):
+    model.mark("Plant")
+    before = len(model.clients)
+    added = model.observe("Plant", type="ks_scope_observer", params={"max": 180.5}, update_rate=3).added
+    assert [(one.type, one.updateRate, one.params) for one in added] == [("ks_scope_observer", 3, {"max": 180.5})] * 2
+    assert model.set_clients(clients=[added[0].uuid], channel=2).changed[0].channel == 2
+    lost = model.unmark("Plant:1").changed
+    assert [one.state for one in lost] == ["dangling"] and model.clients[lost[0].uuid].state == "dangling"
+    assert model.unobserve(states="dangling", types="ks_scope_observer").removed[0].uuid == added[0].uuid
+    with pytest.raises(ks_hmi.Error, match="is not marked; mark it first"):
+        model.observe("Sensors/Pedal:1", type="ks_scope_observer")
+    assert len(model.clients) == before + 1
+
+
+@pytest.mark.parametrize("work, code, words", [
+    (lambda model: model.mark("Sensors/Sped:1"), "request", 'did you mean "Sensors/Speed"'),
+    (lambda model: model.mark("Sensors/*"), "request", "give a pattern as all="),
+    (lambda model: model.mark(all="nothing*"), "noMatch", "nothing"),
+    (lambda model: model.mark(), "request", "nothing to work on"),
+    (lambda model: model.mark("Sensors/Speed:1", decimation=5), "request", "is marked already; set"),
+    (lambda model: model.set("Sensors/Speed:1"), "request", "nothing to set"),
+    (lambda model: model.query(below="Plant", kinds="prot"), "request", "there are: port, chart, state, datum"),
+    (lambda model: model.signals["x"], "noMatch", "model.signals lists"),
+])
+def test_what_cannot_be_is_an_error_that_says_what_to_do(model, work, code, words):
+    before = model.text()
+    with pytest.raises(ks_hmi.Error) as caught:
+        work(model)
+    assert words in str(caught.value) and caught.value.code == code and model.text() == before
+
+
+def test_errors_of_files_name_the_place(tmp_path):
+    broken = tmp_path / "broken.json"
+    broken.write_text('{\n  "kestrelModel": 1,\n  "name": "m",\n  "blocks": [{"path": 3}]\n}\n')
+    with pytest.raises(ks_hmi.Error) as caught:
+        ks_hmi.open(broken)
+    error = caught.value
+    assert (error.code, error.file, error.line, error.pointer) == ("format", str(broken), 4, "/blocks/0/path")
+    with pytest.raises(ks_hmi.Error) as caught:
+        ks_hmi.open(tmp_path / "none.json")
+    assert caught.value.code == "file" and caught.value.line is None
+
+
+def test_ten_thousand_ports_are_marked_in_one_call(tmp_path):
+    blocks = [{"path": f"S/B{i}", "eid": str(i), "outputs": [f"y{k}" for k in range(10)]} for i in range(1000)]
+    path = tmp_path / "large.json"
+    path.write_text(json.dumps({"kestrelModel": 1, "name": "large", "blocks": blocks}))
+    with ks_hmi.open(path) as model:
+        references = [port for block in model.blocks for port in block.outputs]
+        assert repr(model.mark(references)) == "<mark: 10000 added>"
+        assert len(model.signals) == 10_000 and model.query(all="*")
+
+
+def test_files_are_checked_compared_and_carried(cruise, tmp_path):
+    other = tmp_path / "next.json"
+    contents = json.loads(cruise.read_text())
+    contents["blocks"][1]["outputs"].reverse()
+    other.write_text(json.dumps({**contents, "signals": [], "clients": []}))
+    report = ks_hmi.carry(cruise, other, tmp_path / "carried.json")
+    assert report and report.counts.renumbered == 1 and "renumbered" in repr(report)
+    assert ks_hmi.diff(cruise, cruise).same and not ks_hmi.diff(cruise, cruise)
+    assert ks_hmi.diff(cruise, tmp_path / "carried.json").signals.changed
+    contents["signals"][0]["UUID"] = contents["signals"][1]["UUID"]
+    other.write_text(json.dumps(contents))
+    checked = ks_hmi.check(other)
+    assert not checked and "KS" in checked.findings[0].code and checked.findings[0].line
+    assert ks_hmi.check(other, mend="uuids").settled and ks_hmi.check(other)
+    with pytest.raises(ks_hmi.Error, match="there are: all, "):
+        ks_hmi.check(other, mend="everything")
+
+
+def test_models_are_made_and_imported(tmp_path, cruise):
+    with ks_hmi.new(tmp_path / "fresh.json") as fresh:
+        fresh.save()
+        assert fresh.name == "fresh" and not fresh.blocks
+    with pytest.raises(ks_hmi.Error, match="is there already"):
+        ks_hmi.new(cruise)
+    source = cruise.parent / "car.ssd"
+    from conftest import EXAMPLES
+    source.write_bytes((EXAMPLES / "import" / "vehicle.ssd").read_bytes())
+    with ks_hmi.import_model(source, tmp_path / "car.json", name="car") as car:
+        assert car.origin.kind == "ssd" and car.mark(all="*")
+        car.save()
+        car.save_as(tmp_path / "copy.json")
+        assert car.path.endswith("copy.json")
+
+
+def test_closed_models_and_other_threads_are_refused(model, cruise):
+    caught = []
+
+    def elsewhere():
+        try:
+            model.query("Plant:1")
+        except ks_hmi.Error as error:
+            caught.append(str(error))
+    thread = threading.Thread(target=elsewhere)
+    thread.start()
+    thread.join()
+    assert "another thread's" in caught[0]
+    model.close()
+    assert repr(model) == "<Model, closed>"
+    with pytest.raises(ks_hmi.Error, match="was closed"):
+        model.query("Plant:1")
+
+
+def test_what_is_shown_informs_and_is_no_markup(tmp_path, model):
+    assert repr(model).startswith("<Model 'cruise' of ") and "10 blocks, 6 signals" in repr(model)
+    assert "51670000" not in repr(model.signals) and "Sensors/Speed:1" in repr(model.signals)
+    assert "observed" in repr(model["Sensors/Speed"]) and "<td>" in model.signals._repr_html_()
+    model.set("Sensors/Speed:1", name="<script>")
+    shown = [model, model.signals, model.blocks, model.clients, model["Sensors/Speed"], model.query(all="*"),
+             model.mark("Plant")]
+    for one in shown:
+        assert "<script" not in one._repr_html_() and repr(one)
+
+
+def test_nothing_is_left_at_exit_and_nothing_works_after(run_python):
+    run_python("import ks_hmi, os, atexit\n"
+               "m = ks_hmi.open(os.environ['EXAMPLES'] + '/cruise.kestrel.json')\n"
+               "kept = [m, m.mark('Plant'), m.signals]\n")
+    done = run_python("import atexit, os, ks_hmi\n"
+                      "path = os.environ['EXAMPLES'] + '/cruise.kestrel.json'\n"
+                      "m = ks_hmi.open(path)\n"
+                      "ks_hmi._leave()\n"
+                      "try: ks_hmi.open(path)\n"
+                      "except ks_hmi.HostError as error: print(error.identifier, error)\n")
+    assert done.stdout.startswith("orvex:errors:HostLeft The host was left")
+
+
+def test_warnings_are_pythons_and_can_be_errors(model, run_python):
+    with pytest.warns(ks_hmi.ModelWarning, match="leaves nothing out") as caught:
+        model.query(all="Plant*", except_="none")
+    assert caught[0].filename == __file__
+    run_python("import ks_hmi, os\n"
+               "m = ks_hmi.open(os.environ['EXAMPLES'] + '/cruise.kestrel.json')\n"
+               "try: m.query(all='Plant*', except_='none')\n"
+               "except ks_hmi.ModelWarning: raise SystemExit(7)\n", "-Werror", expect=7)
