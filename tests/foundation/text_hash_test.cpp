@@ -37,6 +37,8 @@ TEST(TextHashTest, tellsTextsApartThatDifferInLittle) {
             text[place] = u'1';
             hashes.push_back(TextHash().add(u"m").add(text).add(1).value());
         }
+    for (const char16_t* const text : {u"", u"a", u"a0/a", u"a0/a2/1", u"010101010101"})
+        hashes.push_back(TextHash().add(u"n").add(text).add(1).value());
     const std::size_t count = hashes.size();
     std::sort(hashes.begin(), hashes.end());
     hashes.erase(std::unique(hashes.begin(), hashes.end()), hashes.end());

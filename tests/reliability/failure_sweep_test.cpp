@@ -144,6 +144,7 @@ TEST_F(FailureSweep, theIndexStaysInStepWhereverItHasToGrow) {
             const std::size_t position = 3 + static_cast<std::size_t>(i % more);
             const InstrumentedSignals::SignalPtr other(next().release());
             other->m_logicalPortIndex = 40;  // all under one path key
+            other->setCachedInfo(1e6 + i, 1);
             const Ending replaced = attempt([&] { set.set(position, other); });
             const int number = set.get(position)->m_outputPortIndex;
             EXPECT_EQ(number == other->m_outputPortIndex, replaced == Ending::completed) << more << " more signals";

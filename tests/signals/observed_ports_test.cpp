@@ -75,6 +75,7 @@ TEST_F(ObservedPorts, aStaleHandleAnswersForItsPortWhileRebindingIsPending) {
         EXPECT_EQ(set().isPortObserved(7.5, u"Gain", u"", 1, 1, 0), isPending);
         EXPECT_FALSE(set().isPortObserved(7.5, u"Gain", u"", 1, 2, 0));
     }
+    EXPECT_EQ(set().get(0)->m_cachedBlockHandle, 12.5) << "resolved once";
 }
 
 TEST_F(ObservedPorts, aRemovalTakesOutWhatHasItsHandleAndPortByThen) {
