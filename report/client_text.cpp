@@ -30,12 +30,14 @@ void writeClient(Html& html, const Contents& contents, const PageIndex& index, s
              Name(std::string_view(client.m_observerType)), static_cast<std::uint32_t>(client.m_updateRate));
     const auto channel = static_cast<std::uint32_t>(client.m_dimensionChannel);
     if (channel != 1) html.add(", channel {}", channel);
+    if (!index.uuids().positionOf(client.m_signalUUID))
+        html.add(", for the signal {}", Name(std::string_view(client.m_signalUUID)));
     html.add("</span>");
     const std::u16string& model = contents.session.model().name();
     const bool isAmiss =
         client.isDeprecatedObserver() || stateOf(client, index.uuids(), model) != ClientState::watching;
     const std::string notes = notesOn(client, index.uuids(), model);
-    if (!notes.empty()) html.add(" <span class=\"{}\">{}</span>", isAmiss ? "note" : "set", Message{notes});
+    if (!notes.empty()) html.add(" <span class=\"{}\">{}</span>", isAmiss ? "amiss" : "set", Message{notes});
     const std::string parameters = parametersOf(client);
     if (!parameters.empty()) html.add(" <code>{}</code>", Message{parameters});
     html.add("</li>\n");

@@ -9,9 +9,9 @@ using namespace workbench;
 namespace {
 
 const char* lossOf(LostWith lost) noexcept {
-    return lost == LostWith::block  ? "the block is gone"
-           : lost == LostWith::port ? "the port is gone"
-                                    : "the item is gone";
+    return lost == LostWith::block  ? "its block is gone"
+           : lost == LostWith::port ? "its port is gone"
+                                    : "its item is gone";
 }
 
 void writeMark(Html& html, const ParkedMark& mark) {
@@ -21,7 +21,7 @@ void writeMark(Html& html, const ParkedMark& mark) {
              Path(recordText(signal, 0, "BlockPath_")));
     if (mark.markedName && !mark.markedName->empty())
         html.add(" <span class=\"set\">{}</span>", Name(*mark.markedName));
-    html.add("</p></div><p>{} in {}</p><p>{}</p></li>\n", lossOf(mark.lost), Name(mark.from),
+    html.add("</p></div><p>{}, marked in {}</p><p>{}</p></li>\n", lossOf(mark.lost), Name(mark.from),
              clients == 0 ? std::string("no client") : countedText(clients, "client"));
 }
 

@@ -29,11 +29,11 @@ std::string fileOf(const RecordedRun& run) {
 void writeNotes(Html& html, const Contents& contents, const RunView& view) {
     const RecordedRun& run = view.run();
     if (view.isEarly())
-        html.add("<p class=\"lead note\">Stopped early ({}){}{}</p>\n", Name(run.outcome),
+        html.add("<p class=\"lead amiss\">Stopped early ({}){}{}</p>\n", Name(run.outcome),
                  Markup{run.message.empty() ? "" : ": "}, Name(run.message));
     const std::string model = toUtf8(contents.session.model().name());
     if (!run.model.empty() && run.model != model)
-        html.add("<p class=\"lead note\">The run is of the model {}.</p>\n", Name(run.model));
+        html.add("<p class=\"lead amiss\">The run is of the model {}.</p>\n", Name(run.model));
     if (view.recordedSignals() == 0)
         html.add("<p class=\"lead\">None of what was recorded is a signal of this model.</p>\n");
 }

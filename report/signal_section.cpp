@@ -53,7 +53,7 @@ void writeSource(Html& html, const PageIndex& index, const SignalSpecification& 
         const std::u16string port = node ? portName(source) : std::u16string();
         if (!port.empty()) html.add(" <span class=\"set\">{}</span>", Name(port));
     }
-    if (!node) html.add(" <span class=\"note\">the block is gone</span>");
+    if (!node) html.add(" <span class=\"amiss\">the block is gone</span>");
     html.add("</p>");
 }
 
@@ -75,7 +75,7 @@ void writeHead(Html& html, const PageIndex& index, const SignalSpecification& si
     html.add("</h3>");
     writeSource(html, index, signal, index.source(position));
     if (const std::size_t findings = index.findingsOf(position); findings > 0)
-        html.add("<p><a class=\"note\" href=\"#findings\">{}</a></p>", countedText(findings, "finding"));
+        html.add("<p><a class=\"amiss\" href=\"#findings\">{}</a></p>", countedText(findings, "finding"));
     html.add("</div>");
 }
 

@@ -73,8 +73,8 @@ void writeCaption(Html& html, const RecordedColumn& column, const ColumnFigures&
         writeNumber(html, "last", figures.last);
     writeCount(html, column.times.size(), "sample");
     writeCount(html, figures.gaps, "gap");
-    if (!figures.up.empty()) html.add("<span class=\"note\">{} × ∞</span>", grouped(figures.up.size()));
-    if (!figures.down.empty()) html.add("<span class=\"note\">{} × -∞</span>", grouped(figures.down.size()));
+    if (!figures.up.empty()) html.add("<span class=\"amiss\">{} × ∞</span>", grouped(figures.up.size()));
+    if (!figures.down.empty()) html.add("<span class=\"amiss\">{} × -∞</span>", grouped(figures.down.size()));
     html.add("</div></figcaption>");
 }
 

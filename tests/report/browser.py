@@ -16,7 +16,7 @@ class Browser:
         to_browser, self._out = os.pipe()
         self._in, from_browser = os.pipe()
         options = ["--headless=new", "--no-sandbox", "--disable-gpu", "--hide-scrollbars", "--remote-debugging-pipe",
-                   "--no-first-run", "--disable-extensions", "--disable-background-networking",
+                   "--no-first-run", "--disable-dev-shm-usage", "--disable-extensions", "--disable-background-networking",
                    "--user-data-dir=" + self._profile]
         # The browser reads from descriptor 3 and writes to 4.
         self._process = subprocess.Popen(

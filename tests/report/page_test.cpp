@@ -92,7 +92,7 @@ TEST_F(Page, emptyAndPlainFilesReadWell) {
 TEST_F(Page, marksWhoseSourceIsGoneAreThere) {
     const std::string html = page(modelText(R"("y")", {{"a", 1, "y", "9", "Gone"}, {"b", 7}, {"c", 1, "z"}},
                                             {clientText("d", "b"), clientText("e", "nobody", "t", "other")}));
-    expectParts(html, {"<bdi>Gone</bdi><i>:</i>1 <span class=\"note\">the block is gone</span>",
+    expectParts(html, {"<bdi>Gone</bdi><i>:</i>1 <span class=\"amiss\">the block is gone</span>",
                        "<small>3 errors, 1 warning</small>", "foreign: of the model other"});
     EXPECT_EQ(count(html, "1 finding</a>"), 3U);
 }
