@@ -128,15 +128,8 @@ RunHead headOf(const Session& session, const RecordOptions& options, const std::
             task.experiment.start,          task.until, task.step};
 }
 
-}  // namespace
-
-RecordResult recordModel(Session& session, const RecordOptions& options) {
-    const IgnoredSignals ignoredSignals;
-    RecordResult result;
-    result.unit = unitPathOf(session, options);
-    for (const std::string& input : {session.path(), result.unit}) requireOther(options.target.path, input);
-    const FmiDescription description = readUnitFile(result.unit);
-    UnitTask task;
+// What the unit is to do, and what is recorded of it.
+RunPlan planTask(Session& session, const RecordOptions& options, const FmiDescription& description, UnitTask& task) {
     std::vector<GivenSize> sizes;
     planTimes(description, options, task);
     planValues(description, options, task, sizes);
@@ -148,6 +141,19 @@ RecordResult recordModel(Session& session, const RecordOptions& options) {
     requireColumns(plan, session);
     task.readings = std::move(plan.readings);
     task.slotCount = plan.slotCount;
+    return plan;
+}
+
+}  // namespace
+
+RecordResult recordModel(Session& session, const RecordOptions& options) {
+    const IgnoredSignals ignoredSignals;
+    RecordResult result;
+    result.unit = unitPathOf(session, options);
+    for (const std::string& input : {session.path(), result.unit}) requireOther(options.target.path, input);
+    const FmiDescription description = readUnitFile(result.unit);
+    UnitTask task;
+    RunPlan plan = planTask(session, options, description, task);
     const RunHead head = headOf(session, options, result.unit, description, task);
     const StreamOutBlocks blocks(session, plan.columns, options.target.path, head);
     const UnitFolder folder;

@@ -9,7 +9,7 @@
 
 #include "workbench/process/unit_process.h"
 #include "workbench/record/run_columns.h"
-#include "workbench/record/run_writer.h"
+#include "workbench/run_file/run_writer.h"
 #include "workbench/session/session.h"
 
 namespace workbench {

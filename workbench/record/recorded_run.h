@@ -4,20 +4,14 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <unordered_set>
 #include <vector>
+
+#include "workbench/run_file/value_kind.h"
 
 namespace workbench {
 
 class Session;
-
-enum class ValueKind : std::uint8_t { real, integer, boolean, enumeration, text, binary };
-
-/// "real", "integer", ...
-const char* nameOf(ValueKind kind) noexcept;
-/// The other way round; nothing for any other text.
-std::optional<ValueKind> valueKindOf(std::string_view name) noexcept;
 
 /// One recorded signal, or one element of an array, and its samples. Texts are UTF-8.
 struct RecordedColumn {

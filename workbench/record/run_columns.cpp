@@ -9,6 +9,7 @@
 
 #include "signals/signal_specification.h"
 #include "workbench/import/variable_name.h"
+#include "workbench/record/recorded_run.h"
 #include "workbench/session/records.h"
 #include "workbench/text/text.h"
 #include "workbench/unit/array_element.h"

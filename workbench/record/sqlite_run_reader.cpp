@@ -4,7 +4,7 @@
 #include <unordered_map>
 
 #include "workbench/record/run_readers.h"
-#include "workbench/record/sqlite.h"
+#include "workbench/run_file/sqlite.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 

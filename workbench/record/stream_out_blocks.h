@@ -7,7 +7,7 @@
 #include "streamout/file_recording_context.h"
 #include "streamout/stream_out_block_registry.h"
 #include "workbench/record/run_columns.h"
-#include "workbench/record/run_writer.h"
+#include "workbench/run_file/run_writer.h"
 #include "workbench/session/session.h"
 
 namespace workbench {

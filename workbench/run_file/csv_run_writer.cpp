@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "workbench/record/csv_output.h"
-#include "workbench/record/run_writer.h"
+#include "workbench/run_file/csv_output.h"
+#include "workbench/run_file/run_writer.h"
 #include "workbench/text/csv_row.h"
 #include "workbench/unit/unit_texts.h"
 

@@ -8,7 +8,7 @@
 
 #include "workbench/model_file/model_file.h"
 #include "workbench/process/unit_task.h"
-#include "workbench/record/run_columns.h"
+#include "workbench/run_file/run_column.h"
 
 namespace workbench {
 

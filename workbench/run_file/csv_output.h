@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "workbench/record/run_writer.h"
+#include "workbench/run_file/run_writer.h"
 
 namespace workbench {
 

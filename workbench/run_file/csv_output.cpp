@@ -1,4 +1,4 @@
-#include "workbench/record/csv_output.h"
+#include "workbench/run_file/csv_output.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -1,7 +1,7 @@
 #include <deque>
 #include <utility>
 
-#include "workbench/record/run_writer.h"
+#include "workbench/run_file/run_writer.h"
 #include "workbench/unit/unit_texts.h"
 
 namespace workbench {

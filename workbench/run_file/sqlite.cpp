@@ -1,4 +1,4 @@
-#include "workbench/record/sqlite.h"
+#include "workbench/run_file/sqlite.h"
 
 #include <sqlite3.h>
 

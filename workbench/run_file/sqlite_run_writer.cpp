@@ -6,8 +6,8 @@
 #include <ctime>
 #include <limits>
 
-#include "workbench/record/run_writer.h"
-#include "workbench/record/sqlite.h"
+#include "workbench/run_file/run_writer.h"
+#include "workbench/run_file/sqlite.h"
 #include "workbench/text/error.h"
 #include "workbench/unit/unit_texts.h"
 
