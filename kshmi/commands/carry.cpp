@@ -124,7 +124,7 @@ void addCarry(CLI::App& app, Run& run) {
         ->type_name("FILE");
     command->add_flag("--accept", arguments->options.acceptsGuesses, "do what is a guess, too");
     command->add_option("--match", arguments->match, "how blocks are found; by both if left out, and they must agree")
-        ->check(CLI::IsMember({"id", "path"}));
+        ->check(oneOf({"id", "path"}));
     command->add_flag("--json", arguments->isJson, "print JSON");
     command->add_flag("--all-lines", arguments->showsAll, "print everything, however much it is");
     command->add_flag("--dry-run", arguments->isDryRun, "say what would change and change nothing");

@@ -128,7 +128,7 @@ void addCheck(CLI::App& app, Run& run) {
              "mend what is found, by kinds with commas between, and save");
     command->add_flag("--dry-run", arguments->isDryRun, "say what would change and change nothing");
     command->add_option("--fail-on", arguments->failOn, "exit 1 from this level on: warning or error")
-        ->check(CLI::IsMember({"warning", "error"}))
+        ->check(oneOf({"warning", "error"}))
         ->capture_default_str();
     CLI::Option* const json = command->add_flag("--json", arguments->isJson, "print JSON");
     command->add_flag("--sarif", arguments->isSarif, "print a SARIF 2.1.0 log, for code hosts")->excludes(json);

@@ -8,6 +8,7 @@
 #include "kshmi/commands/several_files.h"
 #include "kshmi/print/json_records.h"
 #include "kshmi/print/name_notice.h"
+#include "kshmi/print/settings_text.h"
 #include "kshmi/print/text_table.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
@@ -79,24 +80,26 @@ std::string whereabouts(const Answer& answer) {
     return answer.port > 0 ? fmt::format("{}:{}", text, answer.port) : text;
 }
 
+// What is not as it is when nothing is said, of the client and of its signal.
+std::string settingsText(const Answer& answer) {
+    std::vector<std::string> settings;
+    const auto channel = static_cast<std::uint32_t>(answer.client->m_dimensionChannel);
+    if (channel != 1) settings.push_back(fmt::format("channel {}", channel));
+    if (std::string ofSignal = kshmi::settingsText(answer.decimation, answer.maxPoints, {}, {}); !ofSignal.empty())
+        settings.push_back(std::move(ofSignal));
+    return listed(settings);
+}
+
 void printText(const Session& session, const std::vector<Answer>& answers, const Output& output) {
     constexpr auto kRight = TextTable::Align::right;
     output.out << fmt::format("model {}: {}\n", printable(session.model().name()), counted(answers.size(), "client"));
     if (answers.empty()) return;
-    TextTable table({{"#", kRight},
-                     {"TYPE"},
-                     {"WATCHES"},
-                     {"RATE", kRight},
-                     {"CHANNEL", kRight},
-                     {"DECIMATION", kRight},
-                     {"MAX POINTS", kRight},
-                     {"NOTES"}});
+    TextTable table({{"#", kRight}, {"TYPE"}, {"WATCHES"}, {"RATE", kRight}, {"SETTINGS"}, {"NOTES"}});
     for (const Answer& answer : answers) {
         const SignalClient& client = *answer.client;
         table.add({std::to_string(answer.position + 1), printable(std::string_view(client.m_observerType)),
                    whereabouts(answer), std::to_string(static_cast<std::uint32_t>(client.m_updateRate)),
-                   std::to_string(static_cast<std::uint32_t>(client.m_dimensionChannel)),
-                   std::to_string(answer.decimation), std::to_string(answer.maxPoints), answer.notes});
+                   settingsText(answer), answer.notes});
     }
     output.out << '\n';
     table.print(output.out, output.width);

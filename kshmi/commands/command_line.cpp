@@ -43,15 +43,16 @@ private:
 };
 
 void describe(CLI::App& app, Run& run) {
-    app.set_version_flag("--version", "kshmi " KSHMI_VERSION);
+    app.set_help_flag("-h,--help", "explain the command and its options");
+    app.set_version_flag("--version", "kshmi " KSHMI_VERSION, "print the version");
     app.require_subcommand(1);
     app.footer(
         "\"kshmi help COMMAND\" explains a command, with examples.\n"
         "\"kshmi example > cruise.json\" makes the model of the examples.");
-    for (const auto add : {addTour,      addShow,    addMark,  addSet,    addUnmark,  addQuery,    addObserve,
-                           addUnobserve, addClients, addPorts, addRename, addMove,    addRenumber, addImport,
-                           addRecord,    addDiff,    addMerge, addCarry,  addExample, addHelp,     addCompletion,
-                           addNew,       addBlock,   addPort,  addChart,  addCheck,   addPrune,    addReport})
+    for (const auto add : {addTour,  addExample, addShow,    addPorts,     addClients, addQuery, addMark,
+                           addSet,   addUnmark,  addObserve, addUnobserve, addNew,     addBlock, addPort,
+                           addChart, addRename,  addMove,    addRenumber,  addCheck,   addPrune, addDiff,
+                           addMerge, addCarry,   addImport,  addRecord,    addReport,  addHelp,  addCompletion})
         add(app, run);
 }
 
@@ -110,8 +111,11 @@ void refuseStrayWords(const CLI::App& app) {
     refuseStrayWords(app);
     const CLI::App& command = chosenCommand(app);
     const std::string name = fullNameOf(command);
-    throw Error(fmt::format("{}; \"kshmi help{}\" explains it", shortened(error.what(), kLongestMistake),
-                            name.substr(kProgram.size())));
+    const bool isMemberMissing = !commandsOf(command).empty() && command.get_parent() != nullptr;
+    if (isMemberMissing) throw Error(fmt::format("say what \"{}\" is to do: {}", name, listOf(command)));
+    const std::string mistake = shortened(error.what(), kLongestMistake);
+    if (mistake.ends_with('?')) throw Error(mistake);
+    throw Error(fmt::format("{}; \"kshmi help{}\" explains it", mistake, name.substr(kProgram.size())));
 }
 
 // Converting what is no UTF-8 replaces it, and files would keep that.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <limits>
 #include <system_error>
 
@@ -11,6 +12,7 @@
 #include "workbench/files/standard_stream.h"
 #include "workbench/json/json_file.h"
 #include "workbench/text/error.h"
+#include "workbench/text/nearest.h"
 #include "workbench/text/text.h"
 #include "workbench/values/host_value_builder.h"
 
@@ -67,6 +69,17 @@ CLI::Validator wholeNumber(std::uint32_t least, std::uint32_t most) {
     return {check, range};
 }
 
+CLI::Validator oneOf(const std::vector<std::string>& words) {
+    CLI::Validator check = CLI::IsMember(words);
+    check.operation([words](std::string& text) {
+        if (std::find(words.begin(), words.end(), text) != words.end()) return std::string();
+        Nearest nearest(text);
+        for (const std::string& word : words) nearest.offer(word);
+        return fmt::format("{} is none of {}{}", inQuotes(text), listed(words), nearest.question());
+    });
+    return check;
+}
+
 CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file) {
     CLI::App* const command = app.add_subcommand(name, help);
     command->footer(std::string("Examples:\n") + examples);
@@ -121,6 +134,12 @@ void requireOneInput(const std::vector<std::string>& files, const std::vector<st
             std::count(lists.begin(), lists.end(), kStandardStream) >
         1)
         throw Error("standard input (-) is named twice; it can be read only once");
+}
+
+void requireNoFiles(const std::vector<std::string>& references) {
+    for (const std::string& reference : references)
+        if (reference.ends_with(".json") && std::filesystem::is_regular_file(reference))
+            throw Error(inQuotes(reference) + ": is a file; this command works on one model at a time");
 }
 
 int inFile(const std::string& file, const std::function<int()>& work) {

@@ -24,6 +24,8 @@ namespace kshmi {
 /// Lets decimal digits pass that are a number in the range, and takes leading zeros off: the parser would read the
 /// number as octal. For `transform`.
 CLI::Validator wholeNumber(std::uint32_t least = 0, std::uint32_t most = std::numeric_limits<std::uint32_t>::max());
+/// Lets one of the words pass; the refusal asks for what was meant.
+CLI::Validator oneOf(const std::vector<std::string>& words);
 /// A command on a model file, with its help.
 CLI::App* addCommand(CLI::App& app, const char* name, const char* help, const char* examples, std::string& file);
 /// What MODEL is for a command that changes it.
@@ -49,6 +51,9 @@ workbench::ClientSettings settingsOf(const ClientArguments& arguments);
 /// Throws `workbench::Error` when standard input is among the files and lists more than once.
 void requireOneInput(const std::vector<std::string>& files, const std::vector<std::string>& lists);
 
+/// Throws `workbench::Error` when a reference is a model file, for commands that work on one model.
+void requireNoFiles(const std::vector<std::string>& references);
+
 /// What `work` returns. A refusal that names neither the file nor an option in front is given the file's name.
 int inFile(const std::string& file, const std::function<int()>& work);
 
@@ -63,6 +68,8 @@ void runWith(CLI::App& command, int (*function)(const Arguments&, const Output&)
         run = [function, arguments](const Output& output) {
             if constexpr (requires { arguments->file; }) {
                 tellWork(output, arguments->file);
+                if constexpr (requires { arguments->what.selection; })
+                    requireNoFiles(arguments->what.selection.references);
                 if constexpr (requires { arguments->what.from; })
                     requireOneInput({arguments->file}, arguments->what.from);
                 return inFile(arguments->file, [&] { return function(*arguments, output); });

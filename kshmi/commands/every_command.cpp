@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <ostream>
 
+#include "kshmi/commands/command_options.h"
 #include "kshmi/print/progress.h"
 
 namespace kshmi {
@@ -40,7 +41,7 @@ int runWithProgress(const Run& run, const EveryCommand& options, const Output& o
 void addToEveryCommand(CLI::App& app, EveryCommand& options) {
     if (app.get_option_no_throw("--color") == nullptr)
         app.add_option("--color", options.color, "colour: always, never, or auto, which is on terminals only")
-            ->check(CLI::IsMember({"auto", "always", "never"}))
+            ->check(oneOf({"auto", "always", "never"}))
             ->type_name("WHEN")
             ->group(kGroup);
     if (app.get_option_no_throw("--quiet") == nullptr)

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/help/completion.h"
 #include "kshmi/help/example_model.h"
@@ -95,7 +96,7 @@ void addCompletion(CLI::App& app, Run& run) {
         "Examples:\n"
         "  kshmi completion bash > kshmi.bash && source ./kshmi.bash\n"
         "  kshmi completion zsh > _kshmi");
-    command->add_option("SHELL", *shell, "the shell: bash or zsh")->required()->check(CLI::IsMember({"bash", "zsh"}));
+    command->add_option("SHELL", *shell, "the shell: bash or zsh")->required()->check(oneOf({"bash", "zsh"}));
     command->callback([=, &app, &run] {
         run = [=, &app](const Output& output) -> int {
             output.out << (*shell == "bash" ? bashCompletion(app) : zshCompletion(app));

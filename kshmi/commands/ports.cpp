@@ -9,6 +9,7 @@
 #include "kshmi/commands/several_files.h"
 #include "kshmi/print/json_records.h"
 #include "kshmi/print/name_notice.h"
+#include "kshmi/print/settings_text.h"
 #include "kshmi/print/text_table.h"
 #include "workbench/find/below.h"
 #include "workbench/find/watching.h"
@@ -56,26 +57,19 @@ std::u16string nameOfPort(const Source& source) {
     return found ? portName({found.block, source.outputPortIndex, std::nullopt}) : std::u16string();
 }
 
-SignalFlags flagsOf(const Source& source) {
-    return {source.isFrameBased, source.hideInPLV, source.targetBufferedStreaming};
+std::string settingsText(const Source& source) {
+    const SignalFlags flags{source.isFrameBased, source.hideInPLV, source.targetBufferedStreaming};
+    return kshmi::settingsText(source.decimation, source.maxPoints, flags, {});
 }
 
 void printText(const Session& session, const std::vector<Source>& sources, const Output& output) {
-    constexpr auto kRight = TextTable::Align::right;
     output.out << fmt::format("model {}: {}\n", printable(session.model().name()),
                               counted(sources.size(), "observed port"));
     if (sources.empty()) return;
-    TextTable table({{"BLOCK"},
-                     {"PORT", kRight},
-                     {"PORT NAME"},
-                     {"SIGNAL"},
-                     {"DECIMATION", kRight},
-                     {"MAX POINTS", kRight},
-                     {"FLAGS"}});
+    TextTable table({{"BLOCK"}, {"PORT", TextTable::Align::right}, {"PORT NAME"}, {"SIGNAL"}, {"SETTINGS"}});
     for (const Source& source : sources)
         table.add({printable(source.blockPath), std::to_string(source.outputPortIndex), printable(nameOfPort(source)),
-                   printable(source.signalName), std::to_string(source.decimation), std::to_string(source.maxPoints),
-                   textOf(flagsOf(source))});
+                   printable(source.signalName), settingsText(source)});
     output.out << '\n';
     table.print(output.out, output.width);
 }

@@ -4,6 +4,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
+#include "kshmi/print/findings.h"
 #include "memory_host/kestrel/host_side.h"
 #include "workbench/change/renaming.h"
 #include "workbench/find/reference.h"
@@ -54,7 +55,7 @@ void requireNoBlock(const Session& session, const RenameArguments& arguments) {
         throw Error(
             fmt::format("{} is a block, and this renames the model; \"kshmi move {} {} NEW-PATH\" renames the "
                         "block; --model gives the model that name all the same",
-                        inQuotes(name), arguments.file, inQuotes(path)));
+                        inQuotes(name), shellWord(arguments.file), shellWord(toUtf8(path))));
     }
 }
 

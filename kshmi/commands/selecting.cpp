@@ -95,11 +95,11 @@ void addSelection(CLI::App& command, SelectionArguments& arguments) {
     list("--all", selection.all, kPatternHelp, "GLOB");
     list("--except", selection.except, "but not what matches this one; may be repeated", "GLOB");
     list("--kind", arguments.kinds, "only what is of this kind; may be repeated", "KIND")
-        ->check(CLI::IsMember(std::vector<std::string>(std::begin(kKinds), std::end(kKinds))));
+        ->check(oneOf({std::begin(kKinds), std::end(kKinds)}));
     command
         .add_option("--activity", selection.options.activity,
                     "activity of a chart item: Self, Child or Leaf; Data of a datum")
-        ->check(CLI::IsMember({"Self", "Child", "Leaf", "Data"}));
+        ->check(oneOf({"Self", "Child", "Leaf", "Data"}));
     command
         .add_option("--ssid", selection.options.ssid,
                     "the chart item's identifier within its chart; 0 is the chart itself")
@@ -117,7 +117,7 @@ void addClientSelection(CLI::App& command, ClientSelection& selection) {
             "that is not open; foreign, of another model; deprecated, of a kind that is no longer supported")
         ->type_name("STATE")
         ->allow_extra_args(false)
-        ->check(CLI::IsMember({"watching", "dangling", "elsewhere", "foreign", "deprecated"}));
+        ->check(oneOf({"watching", "dangling", "elsewhere", "foreign", "deprecated"}));
     const auto add = [&](const char* name, const char* state, const char* help) {
         command.add_flag_callback(
             name, [&selection, state] { addStates({state}, selection); }, help);

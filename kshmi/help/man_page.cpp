@@ -32,25 +32,34 @@ std::string upper(std::string text) {
     return text;
 }
 
-// Paragraphs, with lines that start with blanks as they are.
+std::string entry(std::string_view term, std::string_view text) {
+    return fmt::format(".TP\n.B {}\n{}\n", roff(term), roff(text));
+}
+
+// Paragraphs and terms with their texts; other lines that start with blanks are as they are.
 std::string paragraphs(std::string_view text) {
     std::string result;
     std::istringstream lines{std::string(text)};
     bool isAsItIs = false;
     for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with("  ") != isAsItIs) {
+        const std::size_t start = textStart(line);
+        const std::string term = line.substr(0, line.find_last_not_of(' ', start > 0 ? start - 1 : 0) + 1);
+        const bool isTerm = start > 0 && !term.empty();
+        if ((start > 0 && !isTerm) != isAsItIs) {
             isAsItIs = !isAsItIs;
             result += isAsItIs ? ".nf\n" : ".fi\n";
         }
-        result += line.empty() ? ".PP\n" : roff(line) + '\n';
+        if (isTerm)
+            result += entry(std::string_view(term).substr(term.find_first_not_of(' ')), line.substr(start));
+        else
+            result += line.empty() ? ".PP\n" : roff(line) + '\n';
     }
     return isAsItIs ? result + ".fi\n" : result;
 }
 
 std::string entries(const HelpSection& section) {
     std::string text;
-    for (const HelpEntry& entry : section.entries)
-        text += fmt::format(".TP\n.B {}\n{}\n", roff(entry.term), roff(entry.text));
+    for (const HelpEntry& one : section.entries) text += entry(one.term, one.text);
     return text;
 }
 

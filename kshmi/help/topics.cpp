@@ -72,7 +72,7 @@ Work that takes longer than a second is told on standard error, if that is a ter
 
 "-" for MODEL is the standard input. A command that changes the model then writes it to the standard output, and what it has to say, with --json too, to the standard error. What is not changed, as in a dry run, passes through byte for byte; after an error the standard output is empty.
 
-  kshmi mark - Sensors/Speed:1 < cruise.json | kshmi observe - --signal 1 --type ks_scope_observer > watched.json
+  kshmi mark - Plant/Brakes < cruise.json | kshmi move - Plant Car > car.json
 
 show, query, ports and clients take several models: the words behind MODEL that end in .json, up to the first reference. Each is told under a heading; one that cannot be read does not stop the others.)";
 
@@ -106,12 +106,16 @@ const Topic* topicOf(std::string_view name) {
     return found == topics().end() ? nullptr : &*found;
 }
 
-std::string topicText(const Topic& topic, std::size_t width) {
+std::size_t textStart(std::string_view line) {
     constexpr std::size_t kWidestTerm = 30;
+    return line.starts_with("  ") ? line.rfind("  ", kWidestTerm) + 2 : 0;
+}
+
+std::string topicText(const Topic& topic, std::size_t width) {
     std::string text = topic.title + "\n\n";
     std::istringstream lines(topic.text);
     for (std::string line; std::getline(lines, line);) {
-        const std::size_t gap = line.starts_with("  ") ? line.rfind("  ", kWidestTerm) + 2 : 0;
+        const std::size_t gap = textStart(line);
         text += line.substr(0, gap) + filled(line.substr(gap), width - std::min(width, gap), gap) + '\n';
     }
     return text;

@@ -14,6 +14,9 @@ struct Topic {
     std::string text;
 };
 
+/// Where the text of a line starts that begins with blanks: behind its term, if it has one. 0 for other lines.
+std::size_t textStart(std::string_view line);
+
 /// All of them, in the order of a list.
 std::span<const Topic> topics();
 /// Null when there is none of that name.

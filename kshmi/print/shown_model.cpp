@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "kshmi/print/block_tree.h"
+#include "kshmi/print/settings_text.h"
 #include "kshmi/print/text_table.h"
 #include "signals/signal_specification.h"
 #include "workbench/find/client_names.h"
@@ -29,17 +30,10 @@ std::string sourceText(const SignalSpecification& signal, const SignalSource& so
     return fmt::format("{}{} ({})", block, item, printable(activityOf(signal)));
 }
 
-// What is not as it is when nothing is said.
 std::string settingsText(const SignalSpecification& signal) {
-    std::vector<std::string> settings;
-    const auto add = [&](std::string setting) { settings.push_back(std::move(setting)); };
-    if (signal.m_decimation != 1) add(fmt::format("decimation {}", signal.m_decimation));
-    if (signal.m_maxPoints != 0) add(fmt::format("max points {}", signal.m_maxPoints));
-    const std::string flags =
-        textOf({signal.m_isFrameBased, signal.m_hideInPLV, signal.m_targetBufferedStreaming, signal.m_excludeForSave});
-    if (!flags.empty()) add(flags);
-    if (!signal.m_visualType.empty()) add("for " + printable(signal.m_visualType));
-    return listed(settings);
+    const SignalFlags flags{signal.m_isFrameBased, signal.m_hideInPLV, signal.m_targetBufferedStreaming,
+                            signal.m_excludeForSave};
+    return kshmi::settingsText(signal.m_decimation, signal.m_maxPoints, flags, signal.m_visualType);
 }
 
 void printSignals(const ShownModel& shown, const Output& output) {

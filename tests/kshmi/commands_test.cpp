@@ -120,7 +120,7 @@ TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
     EXPECT_EQ(runOn("mark Logic/On/Fast --activity Child").code, 0);
     EXPECT_EQ(runOn("unmark --all m/* --activity Child").code, 0);
     EXPECT_EQ(read(), kModel);
-    expectSaid("unmark --all m/* --activity Idle", 2, "Self,Child,Leaf,Data");
+    expectSaid("unmark --all m/* --activity Idle", 2, "is none of Self, Child, Leaf, Data");
     expectSaid("unmark --all m/* --ssid 4", 2, "--ssid is for one chart");
     expectSaid("unobserve --all m/* --ssid 4", 2, "--ssid is for one chart");
     expectSaid("unmark --dangling --activity Self", 2, "name the chart as REF");
@@ -210,7 +210,7 @@ TEST_F(Commands, tourTellsTheMainJobOnACopy) {
 
 TEST_F(Commands, usageErrorsAreErrors) {
     EXPECT_EQ(run({}).code, 2);
-    EXPECT_TRUE(contains(run({"paint"}).err, "kshmi: there is no command \"paint\"; use one of tour, show"));
+    EXPECT_TRUE(contains(run({"paint"}).err, "kshmi: there is no command \"paint\"; use one of tour, example, show"));
     EXPECT_TRUE(contains(run({"--nonsense"}).err, "no option \"--nonsense\" in front of a command; \"kshmi help\""));
     EXPECT_EQ(run({"--json", "show", path()}).code, 2);
     expectParts(runOn("query A --ssid -1").err, {"kshmi: --ssid: \"-1\": give a whole number from 0 to"});

@@ -165,9 +165,9 @@ TEST_F(EditorCommands, clientsTellsWhoWatchesWhatWhereItIsNow) {
     write(replaced(kModel, "{\"path\": \"A\", ", "{\"path\": \"Z\", "));
     const Finished listed = runOn("clients");
     EXPECT_EQ(listed.err, "");
-    expectParts(listed.out,
-                {"ks_scope_observer        m/Z:1", "4294967295           2         100  imaginary part, leaf bus.leaf",
-                 "signal \"u-9\"", "dangling, deprecated"});
+    expectParts(listed.out, {"ks_scope_observer        m/Z:1",
+                             "channel 4294967295, decimation 2, max points 100  imaginary part, leaf bus.leaf",
+                             "signal \"u-9\"", "dangling, deprecated"});
     expectParts(runOn("clients --json").out, {R"("path": ["m/Z", "m/Z"], "block": "m/Z", "port": 1, "decimation": 2)",
                                               R"("path": [], "decimation": 1, "maxPoints": 0)"});
     expectParts(runOn("show").out, {"1  ks_scope_observer                1  speed \"ü\""});

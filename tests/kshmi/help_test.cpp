@@ -55,6 +55,10 @@ TEST_F(Help, asksWhatWasMeant) {
         {{"--colour", "never", "show", path()}, "\"--colour\" in front of a command; did you mean \"--color\"?"},
         {{"tour", path(), "b"}, "one argument too many"},
         {{"show"}, "MODEL is required; \"kshmi help show\""},
+        {{"block"}, "say what \"kshmi block\" is to do: add, remove, rename"},
+        {{"mark", path(), path()}, "model.json\": is a file; this command works on one model at a time"},
+        {{"query", path(), "Logic", "--activity", "Chidl"},
+         "is none of Self, Child, Leaf, Data; did you mean \"Child\"?"},
     };
     for (const auto& [words, said] : cases) {
         const testing::Finished finished = run(words);

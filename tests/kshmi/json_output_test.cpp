@@ -83,6 +83,18 @@ TEST_F(JsonOutput, ofEveryCommandFitsTheSchema) {
           "unit.xml");
     told({"import", path("unit.xml"), "-o", path("unit.json"), "--json"});
     told({"report", path("unit.json"), "-o", path("page.html"), "--json"});
+    const std::string base = write(kModel, "base.json");
+    const std::string ours = write(replaced(kModel, "\"Decimation_\": 2", "\"Decimation_\": 3"), "ours.json");
+    const std::string theirs = write(replaced(kModel, "\"Decimation_\": 2", "\"Decimation_\": 4"), "theirs.json");
+    told({"diff", base, ours, "--json"});
+    told({"merge", base, ours, theirs, "-o", path("merged.json"), "--json"});
+    const std::string next = write(replaced(replaced(kModel, "\"y\", \"valid\"", "\"valid\", \"y\""),
+                                            "{\"path\": \"On/Fast\", \"ssid\": 4}, ", ""),
+                                   "next.json");
+    run({"unmark", next, "--dangling"});
+    run({"unmark", next, "--all", "*"});
+    run({"unobserve", next, "--client", "1", "--client", "2"});
+    told({"carry", base, next, "-o", path("carried.json"), "--json"});
     for (const char* const wrong : {R"({"kshmi": 1, "command": "query", "model": "m"})", R"({"kshmi": 2})"})
         EXPECT_FALSE(m_schema.faultsOf(wrong).empty());
 }

@@ -115,7 +115,7 @@ TEST_F(Selecting, whatIsNotThereIsAnsweredWithWhatMayBeMeant) {
         {"query Logik", "did you mean \"Logic\"?"},
         {"query B:1", "did you mean \"A/B\"?"},
         {"query A:vlaid", "has no output port \"vlaid\"; it has 1 (y), 2 (valid); did you mean \"valid\"?"},
-        {"query A/*", "a name is taken literally here: for a pattern give --all 'GLOB'"},
+        {"query A/*", "has no such block; a name is taken literally here: for a pattern give --all 'GLOB'"},
         {"query --all m/Nothing*", "patterns match whole paths"},
         {"query --all m/A[1]", R"(for the brackets themselves write "\[" and "\]")"},
         {"query nothing/like/it", "\"kshmi show\" lists them"},

@@ -57,8 +57,9 @@ Error ambiguous(const kestrel::Model& model, std::string_view text, const Spelli
 }
 
 Error noSuchBlock(const kestrel::Model& model, std::string_view text) {
-    const std::string near = nearBlocks(model, text);
-    const Remedy remedy = isLikePattern(text) ? Remedy::usePatterns : near.empty() ? Remedy::listBlocks : Remedy::none;
+    const bool isPattern = isLikePattern(text);
+    const std::string near = isPattern ? "" : nearBlocks(model, text);
+    const Remedy remedy = isPattern ? Remedy::usePatterns : near.empty() ? Remedy::listBlocks : Remedy::none;
     return Error(fmt::format("{}: the model {} has no such block{}", inQuotes(text), inQuotes(model.name()), near),
                  ErrorCode::request, remedy);
 }
