@@ -12,7 +12,8 @@
     entries = [];
     document.querySelectorAll('.list > li').forEach(function (node) {
       var has = node.dataset.has || node.parentElement.dataset.has || '';
-      entries.push({ node: node, text: node.textContent.toLowerCase(), above: null, has: has });
+      var section = node.closest('section').id;
+      entries.push({ node: node, text: node.textContent.toLowerCase(), above: null, has: has, section: section });
     });
     var tree = document.querySelector('.tree');
     if (tree) readBlocks(tree, null, '');
@@ -25,7 +26,8 @@
       var name = path + head.querySelector('.block').textContent.toLowerCase();
       var more = (head.textContent + (items ? ' ' + items.textContent : '')).toLowerCase();
       var isObserved = head.querySelector('.on') || (items && items.querySelector('.on'));
-      var entry = { node: node, text: name + ' ' + more, above: above, has: isObserved ? 'observed' : '' };
+      var has = isObserved ? 'observed' : '';
+      var entry = { node: node, text: name + ' ' + more, above: above, has: has, section: 'blocks' };
       entries.push(entry);
       var below = node.querySelector(':scope > details > ul');
       if (below) readBlocks(below, entry, name + '/');
@@ -47,8 +49,7 @@
     entries.forEach(function (entry) { entry.isShown = false; });
     entries.forEach(function (entry) {
       if (isFiltered && !isWanted(entry, words, filters)) return;
-      var section = entry.node.closest('section').id;
-      counts[section] = (counts[section] || 0) + 1;
+      counts[entry.section] = (counts[entry.section] || 0) + 1;
       for (var one = entry; one && !one.isShown; one = one.above) one.isShown = true;
     });
     entries.forEach(function (entry) { entry.node.hidden = !entry.isShown; });
@@ -83,7 +84,8 @@
       boxes.forEach(function (box) { box.checked = false; });
       search();
     }
-    for (var node = target.parentElement; node; node = node.parentElement) if (node.tagName === 'DETAILS') node.open = true;
+    for (var node = target.parentElement; node; node = node.parentElement)
+      if (node.tagName === 'DETAILS') node.open = true;
     target.scrollIntoView();
   }
 

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <optional>
 #include <string>
+#include <system_error>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
@@ -34,6 +35,8 @@ struct ReportArguments {
 // What a page is written over is a page, or the user has mistaken one name for another.
 void requirePage(const std::string& path) {
     constexpr std::string_view kStart = "<!DOCTYPE html>";
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) return;
     std::ifstream file(path, std::ios::binary);
     std::string start(kStart.size(), '\0');
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
