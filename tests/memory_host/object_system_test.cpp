@@ -2,12 +2,15 @@
 #include "host/object_system.h"
 #include "memory_host/orvex/calls/call.h"
 
+#include <array>
 #include <limits>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "memory_host/orvex/account/faults.h"
+#include "memory_host/orvex/calls/call_by_name.h"
+#include "memory_host/orvex/calls/functions.h"
 #include "memory_host/orvex/values/values.h"
 #include "tests/memory_host/counter_library.h"
 #include "tests/memory_host/ledger_test_base.h"
@@ -105,6 +108,19 @@ TEST_F(ObjectSystem, takesOptionalArgumentsAndNoOtherNumber) {
     EXPECT_NE(refusal("make", {named.get()}), "");
     EXPECT_TRUE(hvIsEmpty(call("noObject", {named.get()}).get()));
     EXPECT_NE(refusal("wrongResult", {named.get()}), "");
+}
+
+TEST_F(ObjectSystem, aFunctionOfAMethodsNameDoesNotTakeTheMethodsCalls) {
+    const auto other = orvex::registerFunction(
+        "isGood", [](orvex::Call& call) { call.outs[0] = logical(false); }, 1);
+    const HvArrayPtr name = text("left");
+    const HvArrayPtr counter = call(kCounter, {name.get()});
+    const std::array<const hvArray*, 2> ins{counter.get(), name.get()};
+    EXPECT_FALSE(hvIsLogicalScalarTrue(orvex::callByName("isGood", ins, 1)[0].get()));
+    EXPECT_TRUE(hvIsLogicalScalarTrue(orvex::callMember("isGood", ins, 1)[0].get()));
+    EXPECT_TRUE(hvIsA(orvex::callMember(kCounter, {}, 1)[0].get(), kCounter));
+    for (const char* const nobody : {"isequal", ""})
+        EXPECT_NE(failureOf([&] { orvex::callMember(nobody, ins, 1); }), "") << nobody;
 }
 
 TEST_F(ObjectSystem, convertsByDeclaredTypeOrSaysWhyNot) {

@@ -1,5 +1,6 @@
 #include "memory_host/orvex/calls/call_by_name.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <exception>
 #include <memory>
@@ -55,8 +56,12 @@ void requireOutputs(const FunctionEntry& entry, const Call& call) {
                                 std::to_string(call.nOut) + " were asked for.");
 }
 
-void dispatch(Call& call) {
-    if (const auto entry = findFunction(call.name)) {
+// Where a name is looked for.
+enum class Among : std::uint8_t { everything, classMembers };
+
+void dispatch(Call& call, Among among) {
+    const auto entry = among == Among::everything ? findFunction(call.name) : nullptr;
+    if (entry) {
         requireOutputs(*entry, call);
         entry->function(call);
         return;
@@ -68,9 +73,9 @@ void dispatch(Call& call) {
 }
 
 // What a function throws is a failure of the call, whatever its type.
-void dispatchAsHost(Call& call) {
+void dispatchAsHost(Call& call, Among among) {
     try {
-        dispatch(call);
+        dispatch(call, among);
     } catch (const kssvIException&) {
         throw;
     } catch (const std::bad_alloc&) {
@@ -91,7 +96,8 @@ Results substitutes(Outcome outcome, std::size_t count) {
 // The caller's from here on; the outermost call's result is nobody else's business any more.
 void handBack(hvArray* result) noexcept { hostCallDepth() > 1 ? handOut(result) : leaveScopes(result); }
 
-Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut, Outcome outcome) {
+Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut, Outcome outcome,
+            Among among = Among::everything) {
     const std::size_t slots = nOut > 0 ? static_cast<std::size_t>(nOut) : 1;
     if (outcome == Outcome::refuse)
         raise("InjectedFault", "A fault was injected: the call of \"" + std::string(name) + "\" was refused.");
@@ -103,7 +109,7 @@ Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut
     const PinnedInputs pinned(ins);
     Results results(slots);
     Call call{nOut, results, pinned.inputs(), name};
-    dispatchAsHost(call);
+    dispatchAsHost(call, among);
     for (const HvArrayPtr& result : results) handBack(result.get());
     return results;
 }
@@ -144,6 +150,11 @@ kssvDiagnosticImpl* attempt(const Request& request, bool captureErrors, const vo
 std::vector<HvArrayPtr> callByName(std::string_view name, std::span<const hvArray* const> ins, int nOut) {
     if (name.empty()) raise("InvalidArgument", "A call by name needs a name.");
     return run(name, ins, nOut, faults::point(faults::Operation::callByName));
+}
+
+std::vector<HvArrayPtr> callMember(std::string_view name, std::span<const hvArray* const> ins, int nOut) {
+    if (name.empty()) raise("InvalidArgument", "A call by name needs a name.");
+    return run(name, ins, nOut, faults::point(faults::Operation::callByName), Among::classMembers);
 }
 
 }  // namespace orvex
