@@ -12,17 +12,19 @@ from __future__ import annotations
 import atexit as _atexit
 import sys as _sys
 
-from . import _native
-from ._data import (Block, CarryReport, ChangeReport, CheckReport, Client, DiffReport, Entry, Listing, Place,
-                    QueryReport, RecordReport, Report, Signal)
+from . import _native, host
+from ._data import Block, Client, Entry, Listing, Place, Signal
 from ._errors import Error, HostError, HostWarning, ModelWarning
-from ._model import Model, carry, check, diff, import_model, new, open, read_run
+from ._files import carry, check, diff, import_model, new, open, read_run
+from ._model import Model
+from ._reports import CarryReport, ChangeReport, CheckReport, DiffReport, QueryReport, RecordReport, Report
 from ._runs import Column, Run
+from ._values import Object, StructArray
 
 __all__ = [
     "Block", "CarryReport", "ChangeReport", "CheckReport", "Client", "Column", "DiffReport", "Entry", "Error",
-    "HostError", "HostWarning", "Listing", "Model", "ModelWarning", "Place", "QueryReport", "RecordReport", "Report",
-    "Run", "Signal", "carry", "check", "diff", "import_model", "new", "open", "read_run",
+    "HostError", "HostWarning", "Listing", "Model", "ModelWarning", "Object", "Place", "QueryReport", "RecordReport", "Report",
+    "Run", "Signal", "StructArray", "carry", "check", "diff", "host", "import_model", "new", "open", "read_run",
 ]
 
 

@@ -7,10 +7,11 @@ import os
 from typing import Any, Callable, Dict, Iterable, List, Mapping, Optional, Union
 
 from . import _native
-from ._data import (Block, ChangeReport, CarryReport, CheckReport, Client, DiffReport, Entry, Listing, QueryReport,
-                    RecordReport, Signal, load)
+from ._data import Block, Client, Entry, Listing, Signal, load
 from ._errors import Error
+from ._reports import ChangeReport, QueryReport, RecordReport
 from ._runs import Run
+from ._values import Object
 
 Path = Union[str, "os.PathLike[str]"]
 Referable = Union[str, Entry]
@@ -98,6 +99,16 @@ class Model:
     def __getitem__(self, path: str) -> Block:
         """The block at that path."""
         return self.blocks[path]
+
+    @property
+    def signal_set(self) -> Object:
+        """The set of signals as the host's scripts have it: a "Kestrel.HMI.InstrumentedSignals"."""
+        return _native.signalSet(self._held)
+
+    @property
+    def client_set(self) -> Object:
+        """The same of clients: a "Kestrel.HMI.StreamingClients"."""
+        return _native.clientSet(self._held)
 
     @property
     def is_open(self) -> bool:
@@ -248,49 +259,3 @@ class Model:
 
 def _start_value(value: object) -> str:
     return str(value).lower() if isinstance(value, bool) else str(value)
-
-
-def open(path: Path, dangling: bool = False) -> Model:
-    """Opens a model file. `dangling` lets in signals whose block, port or chart item is gone, to be removed."""
-    return Model(_native.openModel(os.fspath(path), dangling))
-
-
-def new(path: Path, name: Optional[str] = None) -> Model:
-    """A new model without blocks, to be saved at `path`; its name is the file's if none is given."""
-    where = os.fspath(path)
-    return Model(_native.newModel(where, name or os.path.basename(where).split(".")[0]))
-
-
-def import_model(source: Path, path: Path, name: Optional[str] = None, local_variables: Optional[bool] = None,
-                 previous: Optional[Path] = None) -> Model:
-    """Makes a model of a system structure (.ssd, .ssp) or a unit (.fmu, modelDescription.xml), to be saved at `path`.
-    Blocks keep the identifiers that they have in the `previous` version's file."""
-    return Model(_native.importModel(os.fspath(source), os.fspath(path), name or "", local_variables,
-                                     "" if previous is None else os.fspath(previous)))
-
-
-def check(path: Path, mend: Texts = (), dry_run: bool = False) -> CheckReport:
-    """Looks for what is wrong with a model file, or may go wrong; `mend` names kinds of findings to mend, or "all"."""
-    return CheckReport(_native.check(os.fspath(path), _texts(mend), dry_run))
-
-
-def diff(before: Path, after: Path) -> DiffReport:
-    """How two model files differ."""
-    return DiffReport(_native.diff(os.fspath(before), os.fspath(after)))
-
-
-def carry(before: Path, after: Path, output: Optional[Path] = None, map: Optional[Path] = None,
-          propose: Optional[Path] = None, match: Optional[str] = None, accept_guesses: bool = False,
-          dry_run: bool = False) -> CarryReport:
-    """Puts the marks of one version of a model on the next one, by names, and saves that as `output` (`after` if left
-    out). What is ambiguous or lost is parked in the file; `propose` writes a map for it, to be edited and given as
-    `map`. `match` "id" or "path" says what alone to go by."""
-    def path_of(given: Optional[Path]) -> str:
-        return "" if given is None else os.fspath(given)
-    return CarryReport(_native.carry(os.fspath(before), os.fspath(after), path_of(output), path_of(map),
-                                     path_of(propose), match or "", accept_guesses, dry_run))
-
-
-def read_run(path: Path, number: Optional[int] = None) -> Run:
-    """A run that was recorded: from a CSV file, or a database, where the last one is taken if no number is given."""
-    return Run(_native.readRun(os.fspath(path), number, None))

@@ -1,10 +1,11 @@
 #include <exception>
-#include <new>
+#include <utility>
 #include <variant>
+#include <vector>
 
 #include "host/messages.h"
 #include "memory_host/kestrel/model.h"
-#include "python/native/host_turn.h"
+#include "python/native/raised_errors.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -77,13 +78,38 @@ py::object pythonOf(const resource_core::BaseMsgID::Argument& argument) {
     return py::str(workbench::toUtf8(std::get<std::u16string>(argument)));
 }
 
+// What Python raised in a function of the host, until it is Python's again, and what the host was told.
+struct Raised {
+    py::object exception;
+    std::string text;
+};
+Raised& raised() {
+    static auto* const raised = new Raised;
+    return *raised;
+}
+
+// Not to be held back by whoever takes failures as they come.
+bool isEnding(const py::object& exception) {
+    return exception && PyErr_GivenExceptionMatches(exception.ptr(), PyExc_Exception) == 0;
+}
+
+constexpr const char* kPythonErrors = "python:errors";
+
 void raise(const kssvIException& error) {
     const resource_core::BaseMsgID& id = error.messageId();
+    auto [cause, text] = std::exchange(raised(), {});
+    if (isEnding(cause)) return PyErr_SetObject(py::type::of(cause).ptr(), cause.ptr());
     py::list arguments;
     for (const auto& argument : id.arguments()) arguments.append(pythonOf(argument));
     const py::object type = py::module_::import("ks_hmi._errors").attr("HostError");
     const py::object made = type(std::string(error.what()), id.catalogue(), id.key(), py::tuple(arguments));
+    if (cause && text == error.what()) PyException_SetCause(made.ptr(), cause.release().ptr());
     PyErr_SetObject(type.ptr(), made.ptr());
+}
+
+resource_core::BaseMsgID::Argument argumentOf(const py::handle& value) {
+    if (py::isinstance<py::int_>(value)) return value.cast<std::int64_t>();
+    return py::str(value).cast<std::string>();
 }
 
 void translate(std::exception_ptr failure) {
@@ -99,6 +125,30 @@ void translate(std::exception_ptr failure) {
 }
 
 }  // namespace
+
+void throwAsHost(const py::error_already_set& error) {
+    const py::object value = error.value();
+    const bool isHostError = py::isinstance(value, py::module_::import("ks_hmi._errors").attr("HostError"));
+    const auto name = error.type().attr("__name__").cast<std::string>();
+    const auto text =
+        isHostError ? value.attr("text").cast<std::string>() : name + ": " + py::str(value).cast<std::string>();
+    raised() = {value, text};
+    if (!isHostError) throw kssvIException(resource_core::BaseMsgID(kPythonErrors, name), text);
+    std::vector<resource_core::BaseMsgID::Argument> arguments;
+    for (const py::handle argument : value.attr("arguments")) arguments.push_back(argumentOf(argument));
+    throw kssvIException(resource_core::BaseMsgID(value.attr("catalogue").cast<std::string>(),
+                                                  value.attr("key").cast<std::string>(), std::move(arguments)),
+                         text);
+}
+
+void raiseWhatEnds() {
+    const py::object exception = std::exchange(raised(), {}).exception;
+    if (!isEnding(exception)) return;
+    PyErr_SetObject(py::type::of(exception).ptr(), exception.ptr());
+    throw py::error_already_set();
+}
+
+void forgetRaised() { raised() = {}; }
 
 void translateErrors(py::module_& /*module*/) { py::register_local_exception_translator(translate); }
 

@@ -6,7 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "memory_host/orvex/account/running_call.h"
 #include "memory_host/orvex/calls/warnings.h"
+#include "python/native/raised_errors.h"
 #include "workbench/session/host_process.h"
 #include "workbench/text/error.h"
 
@@ -61,6 +63,7 @@ std::string leave() {
     Process& all = process();
     if (!all.isEntered || all.isLeft) return {};
     all.isLeft = true;
+    forgetRaised();
     buryOrphans();
     const std::vector<Held*> held(all.held.begin(), all.held.end());
     for (Held* const one : held) one->release();
@@ -87,7 +90,10 @@ HostTurn::~HostTurn() {
     }
 }
 
-void HostTurn::end() { showAll(); }
+void HostTurn::end() {
+    if (orvex::hostCallDepth() == 0) raiseWhatEnds();
+    showAll();
+}
 
 void warn(const std::string& text) { process().warnings.push_back({"", "", text}); }
 

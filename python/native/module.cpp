@@ -1,4 +1,5 @@
 #include "python/native/open_model.h"
+#include "python/native/values.h"
 
 PYBIND11_MODULE(_native, module) {
     using namespace ks_hmi_python;
@@ -9,4 +10,6 @@ PYBIND11_MODULE(_native, module) {
     bindObserving(module);
     bindFiles(module);
     bindRuns(module);
+    bindHost(module);
+    bindListings(module);
 }

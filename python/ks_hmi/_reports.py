@@ -1,0 +1,138 @@
+"""What operations tell: reports with the names of the tool's JSON."""
+
+from __future__ import annotations
+
+from html import escape
+from typing import Any, Dict, Iterator, List, Optional
+
+from ._data import Entry, Place, counted, load, table
+
+
+class Report:
+    """What an operation has done or found: the tool's JSON, read when it is first looked at. Its members are
+    attributes; report["member"] and report.data do as well."""
+
+    def __init__(self, text: str) -> None:
+        self._text = text
+        self._data: Optional[Entry] = None
+
+    @property
+    def data(self) -> Entry:
+        if self._data is None:
+            self._data = load(self._text)
+        return self._data
+
+    def __getattr__(self, name: str) -> Any:
+        if name.startswith("_"):
+            raise AttributeError(name)
+        return getattr(self.data, name)
+
+    def __getitem__(self, name: str) -> Any:
+        return self.data[name]
+
+    def __dir__(self) -> List[str]:
+        return [*super().__dir__(), *self.data]
+
+    @property
+    def text(self) -> str:
+        """The JSON itself."""
+        return self._text
+
+    def _counts(self) -> Dict[str, int]:
+        return {name: len(value) for name, value in self.data.items() if isinstance(value, list)}
+
+    def __repr__(self) -> str:
+        counts = ", ".join(f"{count} {name}" for name, count in self._counts().items() if count)
+        return f"<{self.data['command']}: {counts or 'nothing'}>"
+
+    def _repr_html_(self) -> str:
+        parts = [f"<p>{escape(repr(self)[1:-1])}</p>"]
+        for name, value in self.data.items():
+            if isinstance(value, list) and value and isinstance(value[0], dict):
+                parts.append(f"<p>{escape(name)}</p>" + table(value))
+        return "".join(parts)
+
+
+class ChangeReport(Report):
+    """`added`, `changed`, `removed`, `skipped` and `unchanged` signals and clients. True when anything changed."""
+
+    def __bool__(self) -> bool:
+        return any(self.data[name] for name in ("added", "changed", "removed"))
+
+
+class QueryReport(Report):
+    """The `answers`. True when there is one, and all are observed: as the tool's own exit code."""
+
+    def __bool__(self) -> bool:
+        return bool(self.data["answers"]) and all(answer["observed"] for answer in self.data["answers"])
+
+    def __len__(self) -> int:
+        return len(self.data["answers"])
+
+    def __iter__(self) -> Iterator[Place]:
+        return iter(self.data["answers"])
+
+    @property
+    def observed(self) -> List[Place]:
+        """The answers that are."""
+        return [answer for answer in self.data["answers"] if answer["observed"]]
+
+
+class CheckReport(Report):
+    """The `findings`, and what was `settled`. True when there is no error among them."""
+
+    def __bool__(self) -> bool:
+        return self.data["errors"] == 0
+
+    @property
+    def findings(self) -> List[Entry]:
+        return self.data["files"][0]["findings"]
+
+    @property
+    def settled(self) -> List[Entry]:
+        return self.data["files"][0]["settled"]
+
+    def __repr__(self) -> str:
+        data = self.data
+        counts = [counted(data[level + "s"], level) for level in ("error", "warning", "note")]
+        return f"<check: {', '.join(counts)}>"
+
+    def _repr_html_(self) -> str:
+        return f"<p>{escape(repr(self)[1:-1])}</p>" + table(self.findings)
+
+
+class DiffReport(Report):
+    """How two files differ: `blocks`, `signals`, `clients`. True when they do."""
+
+    def __bool__(self) -> bool:
+        return not self.data["same"]
+
+    def __repr__(self) -> str:
+        parts = []
+        for kind in ("blocks", "signals", "clients"):
+            lists = {name: value for name, value in self.data[kind].items() if isinstance(value, list) and value}
+            parts += [f"{kind} {name} {len(value)}" for name, value in lists.items()]
+        return f"<diff: {', '.join(parts) or ('same' if self.data['same'] else 'name or order')}>"
+
+
+class CarryReport(Report):
+    """What became of the marks, and the `counts`. True when none was lost or is ambiguous."""
+
+    def __bool__(self) -> bool:
+        return not self.data["skipped"]
+
+    def __repr__(self) -> str:
+        counts = ", ".join(f"{count} {fate}" for fate, count in self.data["counts"].items() if count)
+        return f"<carry: {counts or 'no marks'}>"
+
+
+class RecordReport(Report):
+    """How a recording went: its `outcome`, `samples` and `columns`. True when it went to its end."""
+
+    def __bool__(self) -> bool:
+        return self.data["outcome"] == "done"
+
+    def __repr__(self) -> str:
+        data = self.data
+        return f"<record: {data['outcome']} at t = {data['stop']:g}, {counted(data['samples'], 'sample')} of " \
+               f"{counted(len(data['columns']), 'column')} in {data['file']}>"
