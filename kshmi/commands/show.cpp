@@ -3,8 +3,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <set>
-#include <tuple>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
@@ -122,13 +122,14 @@ ShownModel shownOf(const Session& session, const ShowArguments& arguments) {
 }
 
 void narrowBlocks(const std::vector<SignalSource>& sources, std::vector<BlockNode>& nodes) {
-    std::set<std::tuple<const kestrel::Block*, int, std::int64_t>> wanted;
-    for (const SignalSource& source : sources)
-        wanted.emplace(source.block, source.port, source.item ? std::int64_t{source.item->ssid} : -1);
+    std::set<SourceKey> wanted;
+    for (const SignalSource& source : sources) wanted.insert(keyOf(source));
     for (BlockNode& node : nodes) {
-        std::erase_if(node.ports, [&](const PortNode& port) { return !wanted.contains({node.block, port.port, -1}); });
-        std::erase_if(node.items, [&](const ItemNode& item) {
-            return !wanted.contains({node.block, 0, item.item.ssid});
+        std::erase_if(node.ports, [&](const PortNode& one) {
+            return !wanted.contains(keyOf({node.block, one.port, std::nullopt}));
+        });
+        std::erase_if(node.items, [&](const ItemNode& one) {
+            return !wanted.contains(keyOf({node.block, 0, one.item}));
         });
     }
     keepWanted(nodes, [](const BlockNode& node) { return !node.ports.empty() || !node.items.empty(); });

@@ -34,11 +34,11 @@ A block may have ":" in its name: beside a block named "a:1", "a:1" is that bloc
 constexpr const char* kGlobs =
     R"(Patterns match whole paths, with or without the model's name in front: "cruise/Sensors/Speed:1" or "Sensors/Speed:speed".
 
-  *      any characters, "/" as well
-  ?      one character
-  [a-z]  one of these characters
-  [!a-z] one character that is none of these
-  \      takes the next character as it is: \[1] is "[1]"
+  *       any characters, "/" as well
+  ?       one character
+  [a-z]   one of these characters
+  [!a-z]  one character that is none of these
+  \       takes the next character as it is: \[1] is "[1]"
 
 Put patterns in single quotes, so that the shell leaves them alone. Letters have to be in the right case.
 

@@ -3,6 +3,7 @@
 #include <sstream>
 #include <thread>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -28,6 +29,25 @@ TEST(Terminal, whatIsNoTerminalHasNoEndOfLinesAndNoColour) {
         EXPECT_EQ(columnsOfTerminal(-1), 0U) << odd;
     }
     ::unsetenv("COLUMNS");
+}
+
+TEST(Terminal, colourIsWelcomeUnlessTheEnvironmentSaysNo) {
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    if (terminal < 0 || ::grantpt(terminal) != 0 || ::unlockpt(terminal) != 0) GTEST_SKIP() << "no terminal to be had";
+    const int line = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    struct Case {
+        const char* noColor;
+        const char* term;
+        bool isWelcome;
+    };
+    for (const Case& one : {Case{"", "xterm", true}, Case{"1", "xterm", false}, Case{"", "dumb", false}}) {
+        ::setenv("NO_COLOR", one.noColor, 1);
+        ::setenv("TERM", one.term, 1);
+        EXPECT_EQ(isColourWelcome(line), one.isWelcome) << one.noColor << ' ' << one.term;
+    }
+    ::unsetenv("NO_COLOR");
+    ::close(line);
+    ::close(terminal);
 }
 
 TEST(Progress, tellsOnlyOfWhatTakesLongAndCleansUp) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <set>
-#include <tuple>
 #include <utility>
 
 #include "workbench/find/glob.h"
@@ -80,10 +79,6 @@ void dropOtherKinds(const std::vector<SourceKind>& kinds, Selected& selected) {
     });
 }
 
-std::tuple<const kestrel::Block*, int, std::int64_t> keyOf(const SignalSource& source) {
-    return {source.block, source.port, source.item ? std::int64_t{source.item->ssid} : -1};
-}
-
 Error notMarked(const ListedReference& reference) {
     const Error error(inQuotes(reference.text) + ": is not marked", ErrorCode::noMatch, Remedy::listSignals);
     return reference.place.file.empty() ? error : error.at(reference.place);
@@ -97,8 +92,12 @@ SourceKind kindOf(const SignalSource& source) {
     return source.item->domainType == kDataDomain ? SourceKind::datum : SourceKind::chart;
 }
 
+SourceKey keyOf(const SignalSource& source) {
+    return {source.block, source.port, source.item ? std::int64_t{source.item->ssid} : -1};
+}
+
 Sources Selected::sources() const {
-    std::set<decltype(keyOf({}))> seen;
+    std::set<SourceKey> seen;
     Sources result;
     const auto add = [&](const Sources& sources) {
         for (const SignalSource& source : sources)

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "workbench/find/positions.h"
@@ -40,6 +41,10 @@ struct NamedSources {
     ListedReference reference;  ///< its place is empty outside lists
     std::vector<SignalSource> sources;
 };
+
+/// What tells ports and chart items apart.
+using SourceKey = std::tuple<const kestrel::Block*, int, std::int64_t>;
+SourceKey keyOf(const SignalSource& source);
 
 struct Selected {
     std::vector<NamedSources> named;
