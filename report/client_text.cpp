@@ -16,7 +16,7 @@ constexpr std::size_t kLongestParameters = 200;
 
 // Empty when nothing was said.
 std::string parametersOf(const ks_hmi::SignalClient& client) {
-    if (!client.m_observerParams) return {};
+    if (hvGetNumberOfElements(client.m_observerParams.get()) == 0) return {};
     std::string json;
     appendJsonValue(json, client.m_observerParams.get());
     return json == "{}" || json == "null" ? std::string() : shortened(printableJson(json), kLongestParameters);

@@ -34,7 +34,8 @@ void writeTextChanges(Html& html, const RecordedColumn& column, std::string_view
     const std::vector<std::size_t> changes = changesOf(column);
     html.add("<figcaption><span class=\"unit\"></span><div>");
     if (!what.empty()) html.add("<span class=\"which\">{}</span>", Name(what));
-    html.add("<span>{}</span><span>{}</span></div></figcaption>\n", countedText(changes.size() - 1, "change"),
+    html.add("<span>{}</span><span>{}</span></div></figcaption>\n",
+             changes.size() == 1 ? "no change" : countedText(changes.size() - 1, "change"),
              countedText(column.times.size(), "sample"));
     html.add("<table>");
     for (std::size_t i = 0; i < changes.size() && i < kMostChanges; ++i) {
