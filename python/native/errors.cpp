@@ -127,7 +127,7 @@ void translate(std::exception_ptr failure) {
 }  // namespace
 
 void throwAsHost(const py::error_already_set& error) {
-    const py::object value = error.value();
+    const py::object& value = error.value();
     const bool isHostError = py::isinstance(value, py::module_::import("ks_hmi._errors").attr("HostError"));
     const auto name = error.type().attr("__name__").cast<std::string>();
     const auto text =

@@ -115,6 +115,7 @@ HvArrayPtr structOf(const py::list& records, const py::list& fields, const Shape
     std::vector<std::string> names;
     for (const py::handle field : fields) names.push_back(py::str(field).cast<std::string>());
     std::vector<const char*> texts;
+    texts.reserve(names.size());
     for (const std::string& name : names) texts.push_back(name.c_str());
     HvArrayPtr made(matrix::create_struct(shape, texts));
     for (std::size_t i = 0; i < records.size(); ++i)
