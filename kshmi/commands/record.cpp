@@ -65,6 +65,8 @@ void tell(const RecordArguments& arguments, const RecordResult& result, const Se
 int runRecord(const RecordArguments& arguments, const Output& output) {
     if (arguments.isJson && arguments.output == kStandardStream)
         throw Error("--json: the recording goes to standard output; name a file for it with --output");
+    if (!(arguments.options.control.timeout >= 0))
+        throw Error({"--timeout"}, "a number of seconds is wanted, 0 for no limit", ErrorCode::request);
     RecordOptions options = arguments.options;
     options.target.path = arguments.output;
     for (const std::string& value : arguments.values) options.values.push_back(valueOf(value));
@@ -95,9 +97,8 @@ void addRunOptions(CLI::App& command, RecordArguments& arguments) {
         ->type_name("FILE");
     command
         .add_option("--timeout", options.control.timeout,
-                    "stop a unit that takes longer than this for one step; no limit if left out")
-        ->type_name("SECONDS")
-        ->check(CLI::PositiveNumber);
+                    "stop a unit that takes longer than this for one step; 0, and nothing, for no limit")
+        ->type_name("SECONDS");
 }
 
 }  // namespace
@@ -107,18 +108,20 @@ void addRecord(CLI::App& app, Run& run) {
     CLI::App* const command =
         app.add_subcommand("record", "Run the unit that a model was imported from, and keep what is observed");
     command->footer(
-        "A unit is a program, and this runs it, with all that you may do: run none that you would not start yourself. "
-        "It has a process of its own; when it crashes or is stopped, what was recorded until then is kept, and the "
-        "command ends with 6.\n"
+        "A unit is a program, and this runs it, with all that you may do: run none that\n"
+        "you would not start yourself. It has a process of its own; when it crashes or is\n"
+        "stopped, what was recorded until then is kept, and the command ends with 6.\n"
         "Examples:\n"
-        "  kshmi record engine.json --fmu engine.fmu --until 10 -o run.csv\n"
-        "  kshmi record engine.json --fmu engine.fmu --step 0.01 --set gain=2.5 -o runs.db\n"
-        "  kshmi record engine.json --fmu engine.fmu --inputs pedal.csv --timeout 30 --log -o run.csv");
+        "  kshmi record cruise.json --fmu cruise.fmu --until 10 -o run.csv\n"
+        "  kshmi record cruise.json --fmu cruise.fmu --step 0.01 --set target=30 -o runs.db\n"
+        "  kshmi record cruise.json --fmu cruise.fmu --inputs target.csv --timeout 30 --log -o run.csv");
     command->add_option("MODEL", arguments->file, "model file")->required();
     addRunOptions(*command, *arguments);
-    command->add_option("-o,--output", arguments->output,
-                        "file to write: a database for .db, .sqlite and .sqlite3, where each run is added, else CSV; "
-                        "standard output if left out");
+    command
+        ->add_option("-o,--output", arguments->output,
+                     "file to write: a database for .db, .sqlite and .sqlite3, where each run is added, else CSV; "
+                     "standard output if left out")
+        ->type_name("FILE");
     command->add_flag("--replace", arguments->options.target.replaces, "replace a CSV file that is there already");
     command->add_flag("--log", arguments->options.control.logs, "print the unit's messages");
     command->add_flag("--json", arguments->isJson, "print JSON");

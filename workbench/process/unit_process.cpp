@@ -21,6 +21,9 @@ constexpr std::chrono::milliseconds kBetweenProgress{200};
 // What a unit may take for its last step, and for going.
 constexpr std::chrono::seconds kGrace{2};
 
+// With what fills it up to whole slots.
+constexpr std::size_t paddedSize(std::size_t size) noexcept { return (size + 7) / 8 * 8; }
+
 // Takes the stream apart. The unit may have written anything over it.
 class Decoder {
 public:
@@ -36,7 +39,7 @@ public:
         while (m_pending.size() - at >= sizeof head) {
             std::memcpy(&head, m_pending.data() + at, sizeof head);
             if (head.size > kLongestMessage) return false;
-            const std::size_t whole = sizeof head + (head.size + 7U) / 8U * 8U;
+            const std::size_t whole = sizeof head + paddedSize(head.size);
             if (m_pending.size() - at < whole) break;
             if (!take(head, std::string_view(m_pending).substr(at + sizeof head, head.size))) return false;
             at += whole;
