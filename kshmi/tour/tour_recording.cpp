@@ -30,7 +30,7 @@ std::string importExample(const std::string& folder) {
     std::ofstream file(unit, std::ios::binary);
     file << exampleUnit();
     if (!file.flush()) throw Error({unit}, "cannot be written", ErrorCode::file);
-    const std::string path = folder + "/cruise.json";
+    std::string path = folder + "/cruise.json";
     const ImportedModel model = importFile(unit, path, {});
     ModelExtras extras;
     extras.origin = model.origin;

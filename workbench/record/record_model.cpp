@@ -106,7 +106,7 @@ std::unique_ptr<RunWriter> writerFor(const StreamOutBlocks& blocks, const Record
 
 UnitEnd runRecorded(const UnitTask& task, const RecordOptions& options, Recorder& recorder) {
     try {
-        const UnitEnd end = runUnit(task, options.control, recorder);
+        UnitEnd end = runUnit(task, options.control, recorder);
         recorder.finish(end);
         return end;
     } catch (const Error& error) {
