@@ -1,5 +1,7 @@
 #include "report/html.h"
 
+#include <fmt/format.h>
+
 #include "workbench/text/columns.h"
 #include "workbench/text/text.h"
 
@@ -61,8 +63,8 @@ std::string countedText(std::size_t count, std::string_view singular) {
     return fmt::format("{} {}{}", grouped(count), singular, count == 1 ? "" : "s");
 }
 
-std::string shown(const Name& name) { return "<bdi>" + asReferences(shortName(name)) + "</bdi>"; }
-std::string shown(const Path& path) { return "<bdi>" + asReferences(shortName(path), true) + "</bdi>"; }
+std::string shown(const Name& name) { return fmt::format("<bdi>{}</bdi>", asReferences(shortName(name))); }
+std::string shown(const Path& path) { return fmt::format("<bdi>{}</bdi>", asReferences(shortName(path), true)); }
 
 std::string shown(const Message& message) { return asReferences(workbench::printableMessage(message.text)); }
 

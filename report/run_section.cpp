@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <filesystem>
 #include <string>
 
@@ -16,14 +18,13 @@ void writeFact(Html& html, const char* what, const std::string& fact) {
 
 std::string simulatedTime(const RecordedRun& run) {
     if (!run.start || !run.stop) return {};
-    std::string text = numberText(*run.start) + " s to " + numberText(*run.stop) + " s";
-    return run.until && *run.until > *run.stop ? text + " of " + numberText(*run.until) + " s" : text;
+    std::string text = fmt::format("{} s to {} s", numberText(*run.start), numberText(*run.stop));
+    return run.until && *run.until > *run.stop ? fmt::format("{} of {} s", text, numberText(*run.until)) : text;
 }
 
 std::string fileOf(const RecordedRun& run) {
     std::string text = std::filesystem::path(run.file).filename().string();
-    return run.runCount > 1 ? text + ", run " + std::to_string(run.number) + " of " + std::to_string(run.runCount)
-                            : text;
+    return run.runCount > 1 ? fmt::format("{}, run {} of {}", text, run.number, run.runCount) : text;
 }
 
 void writeNotes(Html& html, const Contents& contents, const RunView& view) {

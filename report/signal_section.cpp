@@ -27,7 +27,7 @@ void writeSettings(Html& html, const SignalSpecification& signal) {
     const auto decimation = static_cast<std::size_t>(signal.m_decimation);
     const auto points = static_cast<std::size_t>(signal.m_maxPoints);
     html.add("<ul class=\"settings\">");
-    writeSetting(html, true, decimation == 1 ? "every sample" : "every " + ordinal(decimation) + " sample");
+    writeSetting(html, true, decimation == 1 ? "every sample" : fmt::format("every {} sample", ordinal(decimation)));
     writeSetting(html, points > 0, "the last " + countedText(points, "point"));
     writeSetting(html, signal.m_isFrameBased, "frame-based");
     writeSetting(html, signal.m_hideInPLV, "hidden in the viewer");

@@ -28,7 +28,7 @@ std::string blockNote(const Session& session) {
         charts += block.chart ? 1 : 0;
     }
     const std::string note = countedText(ports, "output port");
-    return charts == 0 ? note : note + ", " + countedText(charts, "chart");
+    return charts == 0 ? note : fmt::format("{}, {}", note, countedText(charts, "chart"));
 }
 
 // "1 dangling, 2 foreign": how it stands with those that do not simply watch.

@@ -76,7 +76,7 @@ std::string whereabouts(const Answer& answer) {
         if (answer.path[i] != answer.path[i + 1]) text += printable(answer.path[i]) + " > ";
     text += printable(answer.path.back());
     if (!answer.subPath.empty()) text += "/" + printable(answer.subPath);
-    if (!answer.activity.empty()) text += " (" + printable(answer.activity) + ")";
+    if (!answer.activity.empty()) text += fmt::format(" ({})", printable(answer.activity));
     return answer.port > 0 ? fmt::format("{}:{}", text, answer.port) : text;
 }
 

@@ -49,8 +49,8 @@ void requireMarked(const NamedSources& named, const ReferenceOptions& options, c
     const bool isMarked = std::any_of(named.sources.begin(), named.sources.end(),
                                       [&](const SignalSource& source) { return !index.on(source, options).empty(); });
     if (isMarked || named.sources.empty()) return;
-    const Error error(inQuotes(named.reference.text) + ": is not marked; mark it first with \"kshmi mark " + file +
-                      " REF\"");
+    const Error error(fmt::format("{}: is not marked; mark it first with \"kshmi mark {} REF\"",
+                                  inQuotes(named.reference.text), file));
     throw named.reference.place.file.empty() ? error : error.at(named.reference.place);
 }
 

@@ -44,7 +44,7 @@ Answer ask(const Session& session, const SignalSource& source, const ReferenceOp
 
 void printLines(const kestrel::Model& model, const std::vector<Answer>& answers, std::ostream& out) {
     for (const Answer& answer : answers) {
-        const std::string activity = answer.activity.empty() ? "" : " (" + printable(answer.activity) + ")";
+        const std::string activity = answer.activity.empty() ? "" : fmt::format(" ({})", printable(answer.activity));
         out << fmt::format("{:<13} {}{}\n", answer.isObserved ? "observed" : "not observed",
                            printable(fullName(model, answer.source)), activity);
     }

@@ -149,7 +149,7 @@ void requireApplicable(const SelectionArguments& arguments, bool isGiven) {
 void requireSelection(const SelectionArguments& arguments, bool isGiven, const std::string& others) {
     if (!isAnythingSelected(arguments) && !isGiven)
         throw Error(fmt::format("nothing to work on; name a REF, or give --all 'GLOB'{} --from FILE",
-                                others.empty() ? " or" : ", " + others + " or"));
+                                others.empty() ? " or" : fmt::format(", {} or", others)));
     requireApplicable(arguments, isGiven);
 }
 

@@ -153,9 +153,9 @@ void warnOfExcluded(const Session& session, const Positions& signals, std::ostre
     std::size_t clients = 0;
     for (const ks_hmi::SignalClient& client : recordsOf(session.clients()))
         clients += uuids.contains(client.m_signalUUID) ? 1U : 0U;
-    err << fmt::format("warning: the saved file no longer has what is excluded from saving: {}{}\n",
-                       counted(signals.size(), "signal"),
-                       clients > 0 ? ", whose " + counted(clients, "client") + " it leaves without a signal" : "");
+    err << fmt::format(
+        "warning: the saved file no longer has what is excluded from saving: {}{}\n", counted(signals.size(), "signal"),
+        clients > 0 ? fmt::format(", whose {} it leaves without a signal", counted(clients, "client")) : "");
 }
 
 int runSet(const SetArguments& arguments, const Output& output) {

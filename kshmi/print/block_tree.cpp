@@ -135,7 +135,7 @@ private:
         for (const Entry& entry : line.entries) {
             const std::string shown =
                 shortened(entry.text, std::max(lineWidth(), column + kBadge + kLeast) - column - kBadge);
-            append(shown.empty() ? badge(entry.isObserved) : badge(entry.isObserved) + " " + shown,
+            append(shown.empty() ? badge(entry.isObserved) : fmt::format("{} {}", badge(entry.isObserved), shown),
                    kBadge + columnsOf(shown));
         }
         if (line.leftOut > 0) {

@@ -1,5 +1,7 @@
 #include "workbench/import/fmi_description.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -75,7 +77,7 @@ private:
         if (version.starts_with("2.")) m_result.major = 2;
         if (version.starts_with("3.")) m_result.major = 3;
         if (m_result.major == 0)
-            m_file.fail(root, "the version " + inQuotes(version) + " of FMI is unknown",
+            m_file.fail(root, fmt::format("the version {} of FMI is unknown", inQuotes(version)),
                         "export the unit as version 1.0, 2.0 or 3.0");
         m_result.name = m_file.attribute(root, "modelName");
         m_result.token = m_file.attribute(root, m_result.major == 3 ? "instantiationToken" : "guid");
@@ -171,7 +173,7 @@ private:
         if (text.empty()) return FmiCausality::local;
         for (const Word& word : kCausalities)
             if (word.text == text) return word.causality;
-        m_warnings.add("the causality " + inQuotes(text) + " is unknown; taken for local", variable.name,
+        m_warnings.add(fmt::format("the causality {} is unknown; taken for local", inQuotes(text)), variable.name,
                        variable.line);
         return FmiCausality::local;
     }

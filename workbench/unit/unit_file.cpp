@@ -96,7 +96,7 @@ UnitStart unpackUnit(const std::string& path, const FmiDescription& description,
     std::filesystem::create_directories(folder + "/resources", ignored);
     UnitStart start;
     start.major = description.major;
-    start.library = folder + "/" + binaryOf(description);
+    start.library = fmt::format("{}/{}", folder, binaryOf(description));
     start.resources = folder + "/resources";
     start.name = description.name;
     start.token = description.token;

@@ -1,5 +1,7 @@
 #include "workbench/unit/unit_folder.h"
 
+#include <fmt/format.h>
+
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/file.h>
@@ -69,8 +71,8 @@ UnitFolder::UnitFolder() {
     std::string path = (folder / (std::string(kPrefix) + "XXXXXX")).string();
     if (code || ::mkdtemp(path.data()) == nullptr)
         throw Error({folder.string()},
-                    std::string("the unit cannot be unpacked here: ") +
-                        (code ? code.message() : std::string(std::strerror(errno))) + "; set TMPDIR to another folder",
+                    fmt::format("the unit cannot be unpacked here: {}; set TMPDIR to another folder",
+                                code ? code.message() : std::strerror(errno)),
                     ErrorCode::file);
     m_path = std::move(path);
     m_lock = locked(m_path);

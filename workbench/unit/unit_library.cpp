@@ -1,5 +1,7 @@
 #include "workbench/unit/unit_library.h"
 
+#include <fmt/format.h>
+
 #include <dlfcn.h>
 
 namespace workbench {
@@ -16,7 +18,8 @@ UnitLibrary::UnitLibrary(const std::string& path) : m_library(::dlopen(path.c_st
 void* UnitLibrary::find(const char* name) const {
     void* const function = ::dlsym(m_library.get(), name);
     if (function == nullptr)
-        throw UnitFailure(std::string("the unit's binary lacks the function ") + name + ", which the standard demands");
+        throw UnitFailure(
+            fmt::format("the unit's binary lacks the function {}, which the standard demands", name));
     return function;
 }
 

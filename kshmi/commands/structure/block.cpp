@@ -71,7 +71,8 @@ int runRemove(const BlockArguments& arguments, const Output& output) {
     for (const std::u16string& path : removed.blocks)
         report.change(Fate::removed, "remove", "removed", "block " + printable(path), membersOf(session, path));
     const std::string signals = counted(removed.signals, "signal");
-    if (removed.signals > 0) report.note("  " + signals + " would go with it", "  " + signals + " went with it");
+    if (removed.signals > 0)
+        report.note(fmt::format("  {} would go with it", signals), fmt::format("  {} went with it", signals));
     const ExitCode code = report.finish();
     warnOfLost(session, watch, arguments.options.isDryRun, output.err);
     return code;

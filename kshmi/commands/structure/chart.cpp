@@ -71,7 +71,8 @@ int runRemove(const ChartArguments& arguments, const Output& output) {
                       fmt::format("{} of {}", printable(item), printable(source.block->path)),
                       membersOf(session, *source.block, item));
     const std::string signals = counted(removed.signals, "signal");
-    if (removed.signals > 0) report.note("  " + signals + " would go with it", "  " + signals + " went with it");
+    if (removed.signals > 0)
+        report.note(fmt::format("  {} would go with it", signals), fmt::format("  {} went with it", signals));
     const ExitCode code = report.finish();
     warnOfLost(session, watch, arguments.options.isDryRun, output.err);
     return code;

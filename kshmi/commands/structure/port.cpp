@@ -29,7 +29,7 @@ struct PortArguments {
 };
 
 int requirePort(const kestrel::Model& model, const kestrel::Block& block, const std::string& text) {
-    const std::string reference = toUtf8(model.fullPath(block)) + ":" + text;
+    const std::string reference = fmt::format("{}:{}", toUtf8(model.fullPath(block)), text);
     const std::vector<SignalSource> sources = resolveReference(model, reference, {});
     const SignalSource& source = sources.front();
     if (sources.size() != 1 || source.block != &block || source.item)

@@ -11,7 +11,7 @@ struct Tally {
     std::vector<std::string> slid;
 };
 
-/// Two blocks with the same ports have exchanged their places. Without identifiers, only the places tell them apart.
+// Two blocks with the same ports have exchanged their places. Without identifiers, only the places tell them apart.
 bool isTwinInPlace(const Author::Place& was, const Author::Place& now, const Places& before, const Author& author) {
     const auto plain = [](const std::string& path) { return plainPath(toUtf16(path)); };
     if (author.identifiers() == Identifiers::kept || plain(was.path) != plain(now.path)) return false;
@@ -19,7 +19,7 @@ bool isTwinInPlace(const Author::Place& was, const Author::Place& now, const Pla
         before, [&](const auto& one) { return one.second.block == now.block && one.second.around == was.around; });
 }
 
-/// Whether the two versions look just as if the mark's port were there.
+// Whether the two versions look just as if the mark's port were there.
 bool isUnseen(const std::string& uuid, const Author::Place& now, const Places& before, const Places& after,
               const Author& author) {
     const Author::Place& was = before.at(uuid);
@@ -38,7 +38,7 @@ void judgeParked(const CarriedMark& mark, const std::string& uuid, const Places&
     if (mark.fate != Fate::ambiguous && isTelling) ++tally.lost;
 }
 
-/// What the report says of each mark, against what the author knows.
+// What the report says of each mark, against what the author knows.
 void judge(const CarriedModel& carried, const Places& before, const Author& author, Tally& tally) {
     const Places after = author.places();
     for (const CarriedMark& mark : carried.report.marks) {

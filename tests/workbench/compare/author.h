@@ -145,7 +145,7 @@ private:
         for (const Port& port : block.ports) all.push_back(port.name);
         return all;
     }
-    template <typename Visit>
+    template <class Visit>
     void each(Visit visit) const {
         for (const TrueBlock& block : m_blocks)
             for (std::size_t i = 0; i < block.ports.size(); ++i) visit(block, block.ports[i], static_cast<int>(i) + 1);
