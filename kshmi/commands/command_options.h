@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "kshmi/commands/commands.h"
@@ -62,7 +63,7 @@ std::string messageOf(const workbench::Error& error);
 
 /// Once the user has chosen the command, makes `run` call the function with its arguments, as they then are.
 template <class Arguments>
-void runWith(CLI::App& command, int (*function)(const Arguments&, const Output&),
+void runWith(CLI::App& command, std::type_identity_t<std::function<int(const Arguments&, const Output&)>> function,
              const std::shared_ptr<Arguments>& arguments, Run& run) {
     command.callback([function, arguments, &run] {
         run = [function, arguments](const Output& output) {

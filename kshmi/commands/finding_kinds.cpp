@@ -12,10 +12,8 @@ using namespace workbench;
 namespace {
 
 std::string kindList(IsOfKind isAllowed) {
-    std::vector<std::string> kinds;
-    for (std::size_t i = 0; i < kFindingKinds; ++i)
-        if (const auto kind = static_cast<FindingKind>(i); isAllowed(kind)) kinds.emplace_back(textOf(kind));
-    return listed(kinds);
+    const std::vector<FindingKind> kinds = findingKinds(isAllowed);
+    return listed(kinds, kinds.size(), [](FindingKind kind) { return textOf(kind); });
 }
 
 }  // namespace
@@ -35,10 +33,8 @@ FindingKinds requireKinds(const std::vector<std::string>& words, IsOfKind isAllo
         if (word != "all" && !(kind && isAllowed(*kind)))
             throw Error(fmt::format("{}: there is no kind {}; it takes {}, or all", option,
                                     inQuotes(std::string_view(word)), kindList(isAllowed)));
-        for (std::size_t i = 0; i < kFindingKinds; ++i) {
-            const auto one = static_cast<FindingKind>(i);
-            if (isAllowed(one) && (word == "all" || one == *kind)) kinds.set(i);
-        }
+        for (const FindingKind one : findingKinds(isAllowed))
+            if (word == "all" || one == *kind) kinds.set(static_cast<std::size_t>(one));
     }
     return kinds;
 }

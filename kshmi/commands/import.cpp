@@ -95,7 +95,7 @@ std::optional<ModelFile> previousOf(const ImportArguments& arguments) {
     const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(arguments.target));
     if (isThere && !arguments.isUpdate)
         throw Error({arguments.target},
-                    "is there already; give another name, or --update to import the next version onto it",
+                    "exists already; give another name, or --update to import the next version onto it",
                     ErrorCode::file);
     if (!arguments.isUpdate && arguments.previous.empty()) return std::nullopt;
     ModelFile file = readModelFile(arguments.isUpdate ? arguments.target : arguments.previous);

@@ -120,7 +120,7 @@ void addPorts(CLI::App& app, Run& run) {
     command->add_option("--below", arguments->below, "only at and below this path")->type_name("PATH");
     command->add_option("--visual-type", arguments->visualType, "only signals that feed this kind of display");
     command->add_flag("--hidden,!--no-hidden", arguments->isHiddenListed,
-                      "list hidden signals, too (so it is unless --no-hidden is given)");
+                      "list hidden signals, too, as is done unless --no-hidden is given");
     command->add_flag("--json", arguments->isJson, "print JSON");
     runOnFiles(*command, listPorts, arguments, run, requireSense);
 }

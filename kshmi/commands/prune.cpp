@@ -25,8 +25,8 @@ struct PruneArguments {
 
 FindingKinds kindsOf(const PruneArguments& arguments) {
     FindingKinds kinds = requireKinds(arguments.kinds, isPrunable, "--kinds");
-    for (std::size_t i = 0; arguments.kinds.empty() && i < kFindingKinds; ++i)
-        kinds[i] = isDead(static_cast<FindingKind>(i));
+    if (arguments.kinds.empty())
+        for (const FindingKind kind : findingKinds(isDead)) kinds.set(static_cast<std::size_t>(kind));
     return kinds;
 }
 

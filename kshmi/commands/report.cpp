@@ -42,7 +42,7 @@ void requirePage(const std::string& path) {
     file.read(start.data(), static_cast<std::streamsize>(start.size()));
     start.resize(static_cast<std::size_t>(file.gcount()));
     if (!start.empty() && start != kStart)
-        throw Error({path}, "is there already and is no page; give another name", ErrorCode::file);
+        throw Error({path}, "exists already and is not a page; give another name", ErrorCode::file);
 }
 
 // Hands the pieces of the page on and says how many bytes they were.
@@ -138,7 +138,7 @@ void addReport(CLI::App& app, Run& run) {
                    "  kshmi report cruise.json --run run.csv -o cruise.html\n"
                    "  kshmi report cruise.json -o - > cruise.html",
                    arguments->file);
-    command->add_option("-o,--output", arguments->target, "page to write; \"-\" is the standard output")
+    command->add_option("-o,--output", arguments->target, "page to write; \"-\" is standard output")
         ->type_name("FILE")
         ->required();
     CLI::Option* const runOption =

@@ -91,7 +91,7 @@ void addSelection(CLI::App& command, SelectionArguments& arguments) {
         return command.add_option(name, values, help)->type_name(type)->allow_extra_args(false);
     };
     command.add_option("REF", selection.references, kReferenceHelp);
-    list("--from", arguments.from, "what this file names, one REF a line; - is the standard input", "FILE");
+    list("--from", arguments.from, "what this file names, one REF per line; - is standard input", "FILE");
     list("--all", selection.all, kPatternHelp, "GLOB");
     list("--except", selection.except, "but not what matches this one; may be repeated", "GLOB");
     list("--kind", arguments.kinds, "only what is of this kind; may be repeated", "KIND")

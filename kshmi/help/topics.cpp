@@ -29,7 +29,7 @@ A block may have ":" in its name: beside a block named "a:1", "a:1" is that bloc
 
 --all 'GLOB' takes everything that a pattern matches, and --except 'GLOB' leaves out what another one matches: "kshmi help globs".
 
---from FILE takes a reference a line from a file, or with "-" from standard input.)";
+--from FILE takes references from a file, one per line, or with "-" from standard input.)";
 
 constexpr const char* kGlobs =
     R"(Patterns match whole paths, with or without the model's name in front: "cruise/Sensors/Speed:1" or "Sensors/Speed:speed".
@@ -37,10 +37,10 @@ constexpr const char* kGlobs =
   *       any characters, "/" as well
   ?       one character
   [a-z]   one of these characters
-  [!a-z]  one character that is none of these
+  [!a-z]  one character that is not one of these
   \       takes the next character as it is: \[1] is "[1]"
 
-Put patterns in single quotes, so that the shell leaves them alone. Letters have to be in the right case.
+Put patterns in single quotes, so that the shell leaves them alone. Upper and lower case matter.
 
   'Sensors/*'    all ports of all blocks below Sensors
   '*:speed'      every port named speed

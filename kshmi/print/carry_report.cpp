@@ -70,7 +70,8 @@ void printCounts(const CarryReport& report, const CarryRun& run, const Output& o
         output.out << fmt::format("parked before: {} back, {} still parked\n", report.returnedCount(),
                                   report.parked.size() - report.returnedCount());
     if (report.areIdentifiersRenewed)
-        output.out << "The identifiers name other blocks than before, so paths were gone by; --match id insists.\n";
+        output.out << "The identifiers belong to other blocks than before, so blocks were found by path; --match id "
+                      "goes by identifiers all the same.\n";
 }
 
 std::string clientsOf(const CarryReport& report) {

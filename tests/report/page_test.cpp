@@ -129,7 +129,7 @@ TEST_F(Page, isWrittenAsAWholeAndOverNothingElse) {
     EXPECT_EQ(run({"report", path(), "-o", target, "--quiet"}).out, "");
     finished = run({"report", path(), "-o", path()});
     EXPECT_EQ(finished.code, 3);
-    expectParts(finished.err, {"is there already and is no page; give another name"});
+    expectParts(finished.err, {"exists already and is not a page; give another name"});
     EXPECT_EQ(read(), kModel);
     EXPECT_EQ(run({"report", path(), "-o", "-", "--json"}).code, 2);
     write("{", "broken.json");

@@ -94,6 +94,13 @@ std::optional<FindingKind> findingKindOf(std::string_view word) noexcept {
     return std::nullopt;
 }
 
+std::vector<FindingKind> findingKinds(bool (*isMeant)(FindingKind)) {
+    std::vector<FindingKind> kinds;
+    for (std::size_t i = 0; i < kFindingKinds; ++i)
+        if (const auto kind = static_cast<FindingKind>(i); isMeant(kind)) kinds.push_back(kind);
+    return kinds;
+}
+
 bool isMendable(FindingKind kind) noexcept {
     using enum FindingKind;
     return kind == names || kind == uuids || kind == identifiers || kind == charts;

@@ -70,6 +70,8 @@ constexpr std::size_t kFindingKinds = 13;
 const char* textOf(FindingKind kind) noexcept;
 /// Nothing for another word.
 std::optional<FindingKind> findingKindOf(std::string_view word) noexcept;
+/// Those of which `isMeant` holds, in order.
+std::vector<FindingKind> findingKinds(bool (*isMeant)(FindingKind));
 /// Whether findings of the kind can be mended without losing anything, and whether what is found can be removed.
 bool isMendable(FindingKind kind) noexcept;
 bool isPrunable(FindingKind kind) noexcept;

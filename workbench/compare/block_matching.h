@@ -99,7 +99,7 @@ private:
     void matchBelow(Position block);
     void matchAmongSiblings();
     enum class Among : std::uint8_t { open, all };
-    template <class KeyOf, typename Accept>
+    template <class KeyOf, class Accept>
     void matchUnique(Among among, KeyOf keyOf, Accept accept);
     void matchAlikeNames();
     void matchLikeness();

@@ -49,7 +49,7 @@ void BlockMatching::matchRenamed() {
 }
 
 // What one old and one new block alone have a key in common, among those that are not yet found or among all.
-template <class KeyOf, typename Accept>
+template <class KeyOf, class Accept>
 void BlockMatching::matchUnique(Among among, KeyOf keyOf, Accept accept) {
     struct Pair {
         Position block = kNone, candidate = kNone;

@@ -15,7 +15,7 @@ namespace workbench {
 
 enum class ItemKind : std::uint8_t { state, datum };
 
-/// Adds a state (by its path below the chart) or datum; the block becomes a chart if it is none. Without an SSID it
+/// Adds a state (by its path below the chart) or datum; the block becomes a chart if it is not one. Without an SSID it
 /// gets one that no item and no signal of the chart has. Returns the SSID. Throws `Error` for a name or SSID that
 /// cannot be.
 std::uint32_t addItem(Session& session, const kestrel::Block& block, ItemKind kind, const std::u16string& name,

@@ -1,12 +1,9 @@
 #include <fmt/format.h>
 
-#include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/change_report.h"
-#include "kshmi/print/lost_clients.h"
+#include "kshmi/commands/structure/structure_change.h"
 #include "workbench/change/moving.h"
 #include "workbench/find/reference.h"
-#include "workbench/find/watching.h"
 #include "workbench/structure/blocks.h"
 #include "workbench/text/text.h"
 
@@ -46,10 +43,7 @@ std::vector<std::u16string> outputsOf(const std::string& text) {
     return outputs;
 }
 
-int runAdd(const BlockArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, "block add", arguments.options, session);
+void add(Session& session, ChangeReport& report, const BlockArguments& arguments) {
     const kestrel::Block& block = addBlock(session, {withoutModel(session.model(), arguments.path), arguments.eid,
                                                      outputsOf(arguments.outputs), arguments.isChart});
     report.change(
@@ -57,31 +51,18 @@ int runAdd(const BlockArguments& arguments, const Output& output) {
         fmt::format("{} {} (element identifier {}) with {}", block.chart ? "chart" : "block", printable(block.path),
                     printable(std::string_view(block.eid)), counted(block.outputs.size(), "output port")),
         membersOf(session, block.path));
-    return report.finish();
 }
 
-int runRemove(const BlockArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, "block remove", arguments.options, session);
-    const DanglingWatch watch(session);
+void remove(Session& session, ChangeReport& report, const BlockArguments& arguments) {
     const RemovedBlocks removed = removeBlocks(session, resolveParent(session.model(), arguments.path),
                                                arguments.isRecursive ? Below::remove : Below::refuse,
                                                arguments.isUnmarking ? Marks::remove : Marks::keep);
     for (const std::u16string& path : removed.blocks)
         report.change(Fate::removed, "remove", "removed", "block " + printable(path), membersOf(session, path));
-    const std::string signals = counted(removed.signals, "signal");
-    if (removed.signals > 0)
-        report.note(fmt::format("  {} would go with it", signals), fmt::format("  {} went with it", signals));
-    const ExitCode code = report.finish();
-    warnOfLost(session, watch, arguments.options.isDryRun, output.err);
-    return code;
+    tellRemoved(removed.signals, report);
 }
 
-int runRename(const BlockArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, "block rename", arguments.options, session);
+void rename(Session& session, ChangeReport& report, const BlockArguments& arguments) {
     const std::u16string path = resolveParent(session.model(), arguments.path);
     const Moved moved = moveBlocks(session, path, renamedPath(path, toUtf16(arguments.name)));
     for (const auto& [before, after] : moved.blocks)
@@ -90,7 +71,6 @@ int runRename(const BlockArguments& arguments, const Output& output) {
     const std::string followers =
         fmt::format("{}, {}", counted(moved.signals, "signal"), counted(moved.clients, "client"));
     report.note("would follow: " + followers, "following: " + followers);
-    return report.finish();
 }
 
 void describeAdd(CLI::App& app, Run& run) {
@@ -104,7 +84,7 @@ void describeAdd(CLI::App& app, Run& run) {
     command->add_option("--eid", arguments->eid, "element identifier; a new number if left out");
     command->add_flag("--chart", arguments->isChart, "the block is a chart");
     addChangeOptions(*command, arguments->options);
-    runWith(*command, runAdd, arguments, run);
+    runWith(*command, changing<BlockArguments>("block add", add), arguments, run);
 }
 
 void describeRemove(CLI::App& app, Run& run) {
@@ -117,7 +97,7 @@ void describeRemove(CLI::App& app, Run& run) {
     command->add_flag("--recursive", arguments->isRecursive, "remove all below it, too");
     command->add_flag("--unmark", arguments->isUnmarking, "remove the signals on it, too");
     addChangeOptions(*command, arguments->options);
-    runWith(*command, runRemove, arguments, run);
+    runWith(*command, changing<BlockArguments>("block remove", remove), arguments, run);
 }
 
 void describeRename(CLI::App& app, Run& run) {
@@ -128,7 +108,7 @@ void describeRename(CLI::App& app, Run& run) {
     command->add_option("PATH", arguments->path, "path of the block or of a parent")->required();
     command->add_option("NAME", arguments->name, "its new name, without parents")->required();
     addChangeOptions(*command, arguments->options);
-    runWith(*command, runRename, arguments, run);
+    runWith(*command, changing<BlockArguments>("block rename", rename), arguments, run);
 }
 
 }  // namespace

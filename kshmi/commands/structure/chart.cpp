@@ -1,11 +1,8 @@
 #include <fmt/format.h>
 
-#include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/change_report.h"
-#include "kshmi/print/lost_clients.h"
+#include "kshmi/commands/structure/structure_change.h"
 #include "workbench/find/reference.h"
-#include "workbench/find/watching.h"
 #include "workbench/structure/chart_items.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -43,25 +40,16 @@ ChangeReport::Members membersOf(const Session& session, const kestrel::Block& bl
 }
 
 template <ItemKind kind>
-int runAdd(const ChartArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, kind == ItemKind::state ? "chart add-state" : "chart add-datum", arguments.options,
-                        session);
+void add(Session& session, ChangeReport& report, const ChartArguments& arguments) {
     const kestrel::Block& block = resolveBlock(session.model(), arguments.item);
     const std::uint32_t ssid = addItem(session, block, kind, toUtf16(arguments.name), arguments.reference.ssid);
     report.change(Fate::added, "add", "added",
                   fmt::format("{} {} (SSID {}) to {}", kind == ItemKind::state ? "state" : "datum",
                               printable(std::string_view(arguments.name)), ssid, printable(block.path)),
                   membersOf(session, block, toUtf16(arguments.name)));
-    return report.finish();
 }
 
-int runRemove(const ChartArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, "chart remove", arguments.options, session);
-    const DanglingWatch watch(session);
+void remove(Session& session, ChangeReport& report, const ChartArguments& arguments) {
     const SignalSource source = requireItem(session, arguments);
     const RemovedItems removed =
         removeItem(session, *source.block, *source.item, arguments.isRecursive ? Below::remove : Below::refuse,
@@ -70,18 +58,10 @@ int runRemove(const ChartArguments& arguments, const Output& output) {
         report.change(Fate::removed, "remove", "removed",
                       fmt::format("{} of {}", printable(item), printable(source.block->path)),
                       membersOf(session, *source.block, item));
-    const std::string signals = counted(removed.signals, "signal");
-    if (removed.signals > 0)
-        report.note(fmt::format("  {} would go with it", signals), fmt::format("  {} went with it", signals));
-    const ExitCode code = report.finish();
-    warnOfLost(session, watch, arguments.options.isDryRun, output.err);
-    return code;
+    tellRemoved(removed.signals, report);
 }
 
-int runRename(const ChartArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, "chart rename", arguments.options, session);
+void rename(Session& session, ChangeReport& report, const ChartArguments& arguments) {
     const SignalSource source = requireItem(session, arguments);
     const RenamedItems renamed = renameItem(session, *source.block, *source.item, toUtf16(arguments.name));
     for (const auto& [before, after] : renamed.items)
@@ -89,7 +69,6 @@ int runRename(const ChartArguments& arguments, const Output& output) {
                       membersOf(session, *source.block, after, before));
     const std::string signals = counted(renamed.signals, "signal");
     if (renamed.signals > 0) report.note("would follow: " + signals, "following: " + signals);
-    return report.finish();
 }
 
 CLI::App* describe(CLI::App& app, const char* name, const char* help, const char* examples, const char* item,
@@ -105,15 +84,15 @@ CLI::App* describe(CLI::App& app, const char* name, const char* help, const char
 void describeAdditions(CLI::App& app, Run& run) {
     const auto state = std::make_shared<ChartArguments>();
     CLI::App* command =
-        describe(app, "add-state", "Add a state; the block becomes a chart if it is none",
+        describe(app, "add-state", "Add a state; the block becomes a chart if it is not one",
                  "  kshmi chart add-state cruise.json Control/Mode Engaged/Coasting --ssid 5", "CHART", *state);
     command->add_option("STATE", state->name, "path of the state below the chart")->required();
-    runWith(*command, runAdd<ItemKind::state>, state, run);
+    runWith(*command, changing<ChartArguments>("chart add-state", add<ItemKind::state>), state, run);
     const auto datum = std::make_shared<ChartArguments>();
-    command = describe(app, "add-datum", "Add a datum; the block becomes a chart if it is none",
+    command = describe(app, "add-datum", "Add a datum; the block becomes a chart if it is not one",
                        "  kshmi chart add-datum cruise.json Control/Mode setSpeed", "CHART", *datum);
     command->add_option("NAME", datum->name, "name of the datum")->required();
-    runWith(*command, runAdd<ItemKind::datum>, datum, run);
+    runWith(*command, changing<ChartArguments>("chart add-datum", add<ItemKind::datum>), datum, run);
 }
 
 void describeOthers(CLI::App& app, Run& run) {
@@ -123,12 +102,12 @@ void describeOthers(CLI::App& app, Run& run) {
                  "  kshmi chart remove cruise.json Control/Mode/Engaged --recursive --unmark", "ITEM", *removed);
     command->add_flag("--recursive", removed->isRecursive, "remove the states below it, too");
     command->add_flag("--unmark", removed->isUnmarking, "remove the signals on it, too");
-    runWith(*command, runRemove, removed, run);
+    runWith(*command, changing<ChartArguments>("chart remove", remove), removed, run);
     const auto renamed = std::make_shared<ChartArguments>();
     command = describe(app, "rename", "Give a state or datum another name; signals follow",
                        "  kshmi chart rename cruise.json Control/Mode/Engaged/Holding Held", "ITEM", *renamed);
     command->add_option("NAME", renamed->name, "its new name, without the states above it")->required();
-    runWith(*command, runRename, renamed, run);
+    runWith(*command, changing<ChartArguments>("chart rename", rename), renamed, run);
 }
 
 }  // namespace

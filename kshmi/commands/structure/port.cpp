@@ -2,12 +2,9 @@
 
 #include <optional>
 
-#include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/change_report.h"
-#include "kshmi/print/lost_clients.h"
+#include "kshmi/commands/structure/structure_change.h"
 #include "workbench/find/reference.h"
-#include "workbench/find/watching.h"
 #include "workbench/structure/ports.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -58,10 +55,7 @@ void tellFollowers(const std::u16string& block, const Renumbering& changes, Chan
                     fmt::format("  signal {} on port {} follows to port {}", inQuotes(one.name), one.from, one.to));
 }
 
-int runAdd(const PortArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, "port add", arguments.options, session);
+void add(Session& session, ChangeReport& report, const PortArguments& arguments) {
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
     const Renumbering moved = addPort(session, block, toUtf16(arguments.name), arguments.at);
     const std::u16string full = session.model().fullPath(block);
@@ -71,46 +65,34 @@ int runAdd(const PortArguments& arguments, const Output& output) {
         fmt::format("port {} ({}) to {}", number, printable(std::string_view(arguments.name)), printable(block.path)),
         membersOf(full, {0, number, toUtf16(arguments.name)}));
     tellFollowers(full, moved, report);
-    return report.finish();
 }
 
-int runRemove(const PortArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, "port remove", arguments.options, session);
+void remove(Session& session, ChangeReport& report, const PortArguments& arguments) {
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
     const int port = requirePort(session.model(), block, arguments.port);
     const std::u16string name = block.outputs[static_cast<std::size_t>(port) - 1];
     const std::u16string full = session.model().fullPath(block);
-    const DanglingWatch watch(session);
     const Renumbering moved = removePort(session, block, port, arguments.isUnmarking ? Marks::remove : Marks::keep);
     report.change(Fate::removed, "remove", "removed",
                   fmt::format("port {} ({}) of {}", port, printable(name), printable(block.path)),
                   membersOf(full, {port, 0, name}));
     tellFollowers(full, moved, report);
-    const ExitCode code = report.finish();
-    warnOfLost(session, watch, arguments.options.isDryRun, output.err);
-    return code;
 }
 
-int runRename(const PortArguments& arguments, const Output& output) {
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
-    ChangeReport report(output, "port rename", arguments.options, session);
+void rename(Session& session, ChangeReport& report, const PortArguments& arguments) {
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
     const int port = requirePort(session.model(), block, arguments.port);
     const std::u16string old = block.outputs[static_cast<std::size_t>(port) - 1];
     if (toUtf16(arguments.name) == old) {
         report.keep(Fate::unchanged, "already named " + printable(old),
                     membersOf(session.model().fullPath(block), {port, 0, old}));
-        return report.finish();
+        return;
     }
     renamePort(session, block, port, toUtf16(arguments.name));
     report.change(Fate::changed, "rename", "renamed",
                   fmt::format("port {} of {} from {} to {}", port, printable(block.path), printable(old),
                               printable(std::string_view(arguments.name))),
                   membersOf(session.model().fullPath(block), {port, 0, toUtf16(arguments.name)}));
-    return report.finish();
 }
 
 void addBlockOption(CLI::App& command, PortArguments& arguments) {
@@ -129,7 +111,7 @@ void describeAdd(CLI::App& app, Run& run) {
     command->add_option("--at", arguments->at, "its number; the last one if left out")
         ->transform(wholeNumber(1, std::numeric_limits<std::int32_t>::max()));
     addChangeOptions(*command, arguments->options);
-    runWith(*command, runAdd, arguments, run);
+    runWith(*command, changing<PortArguments>("port add", add), arguments, run);
 }
 
 void describeRemove(CLI::App& app, Run& run) {
@@ -143,7 +125,7 @@ void describeRemove(CLI::App& app, Run& run) {
     command->add_option("PORT", arguments->port, "number or name of the port")->required();
     command->add_flag("--unmark", arguments->isUnmarking, "remove the signals on it, too");
     addChangeOptions(*command, arguments->options);
-    runWith(*command, runRemove, arguments, run);
+    runWith(*command, changing<PortArguments>("port remove", remove), arguments, run);
 }
 
 void describeRename(CLI::App& app, Run& run) {
@@ -154,7 +136,7 @@ void describeRename(CLI::App& app, Run& run) {
     command->add_option("PORT", arguments->port, "number or name of the port")->required();
     command->add_option("NAME", arguments->name, "its new name")->required();
     addChangeOptions(*command, arguments->options);
-    runWith(*command, runRename, arguments, run);
+    runWith(*command, changing<PortArguments>("port rename", rename), arguments, run);
 }
 
 }  // namespace

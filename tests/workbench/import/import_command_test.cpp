@@ -102,7 +102,7 @@ TEST_F(ImportCommand, putsNoMarksOnBlocksUnseen) {
     ASSERT_EQ(import().code, 0);
     const std::string plain = read();
     EXPECT_EQ(import().err, "kshmi: " + path() +
-                                ": is there already; give another name, or --update to import the next "
+                                ": exists already; give another name, or --update to import the next "
                                 "version onto it\n");
     ASSERT_EQ(runOn("mark a:x").code, 0);
     const std::string marked = read();
@@ -139,7 +139,7 @@ TEST_F(ImportCommand, reportsAsJsonWithEveryName) {
 )");
     EXPECT_EQ(
         import({}, "none.xml").err,
-        "kshmi: " + path() + ": is there already; give another name, or --update to import the next version onto it\n");
+        "kshmi: " + path() + ": exists already; give another name, or --update to import the next version onto it\n");
     EXPECT_EQ(run({"import", path("none.xml"), "-o", path("new.json")}).err,
               "kshmi: " + path("none.xml") +
                   ": cannot be opened: No such file or directory; check the path and its permissions\n");

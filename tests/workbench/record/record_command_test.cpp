@@ -135,7 +135,7 @@ TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
     expectSaid("record --until 1 --json", kWrongUsage, "--json: the recording goes to standard output");
     expectSaid("record --until 1 -o " + path(), kWrongUsage, "is what the run is made from; record to another file");
     EXPECT_EQ(runOn("record --until 1 --quiet -o " + path("run.csv")).code, 0);
-    expectSaid("record --until 1 -o " + path("run.csv"), kBadFile, "is there already; give another name, or --replace");
+    expectSaid("record --until 1 -o " + path("run.csv"), kBadFile, "exists already; give another name, or --replace");
     EXPECT_EQ(runOn("record --until 1 --quiet --replace -o " + path("run.csv")).code, 0);
     EXPECT_EQ(plain(read("run.csv")), "time count\n0 0\n0.5 -1\n1 -2\n");
 }
