@@ -1,6 +1,5 @@
 #include <fcntl.h>
 #include <sched.h>
-#include <stdlib.h>
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -8,7 +7,6 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -18,67 +16,21 @@
 #include <thread>
 
 #include "tests/kshmi/kshmi_test.h"
+#include "tests/support/failing_calls.h"
 #include "workbench/files/atomic_file.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
 
-// Saving when each of its system calls fails once, and when the program ends at each of them. The tool's calls are
-// linked to the functions below, which make them unless it is their turn to fail.
-
-namespace {
-
-enum class Turn { fails, endsTheProgram, isInterrupted };
-
-struct Plan {
-    std::size_t at = 0;  // which call, 1-based; 0 for none
-    Turn turn = Turn::fails;
-    int error = EIO;
-    std::size_t calls = 0;
-    const char* reached = nullptr;  // the call whose turn it was
-} g_plan;
-
-bool isToFail(const char* name) {
-    if (g_plan.at == 0 || ++g_plan.calls != g_plan.at) return false;
-    g_plan.reached = name;
-    constexpr int kCrashed = 77;
-    if (g_plan.turn == Turn::endsTheProgram) ::_exit(kCrashed);
-    if (g_plan.turn == Turn::isInterrupted) return ::kill(::getpid(), g_plan.error) != 0;
-    errno = g_plan.error;
-    return true;
-}
-
-}  // namespace
-
-#define KS_HMI_WRAPPED(type, name, parameters, arguments) \
-    type __real_##name parameters;                        \
-    type __wrap_##name parameters;                        \
-    type __wrap_##name parameters { return isToFail(#name) ? -1 : __real_##name arguments; }
-
-extern "C" {
-KS_HMI_WRAPPED(int, mkostemp, (char* path, int flags), (path, flags))
-KS_HMI_WRAPPED(ssize_t, write, (int file, const void* data, size_t size), (file, data, size))
-KS_HMI_WRAPPED(int, fsync, (int file), (file))
-KS_HMI_WRAPPED(int, close, (int file), (file))
-KS_HMI_WRAPPED(int, rename, (const char* from, const char* to), (from, to))
-KS_HMI_WRAPPED(int, fchmod, (int file, mode_t mode), (file, mode))
-KS_HMI_WRAPPED(int, fstat, (int file, struct stat* status), (file, status))
-KS_HMI_WRAPPED(int, stat, (const char* path, struct stat* status), (path, status))
-KS_HMI_WRAPPED(int, faccessat, (int folder, const char* path, int mode, int flags), (folder, path, mode, flags))
-KS_HMI_WRAPPED(int, flock, (int file, int operation), (file, operation))
-KS_HMI_WRAPPED(ssize_t, listxattr, (const char* path, char* names, size_t size), (path, names, size))
-KS_HMI_WRAPPED(int, fremovexattr, (int file, const char* name), (file, name))
-KS_HMI_WRAPPED(int, fsetxattr, (int file, const char* name, const void* value, size_t size, int flags),
-               (file, name, value, size, flags))
-int __real_open(const char* path, int flags, ...);
-int __wrap_open(const char* path, int flags, ...);
-int __wrap_open(const char* path, int flags, ...) { return isToFail("open") ? -1 : __real_open(path, flags); }
-}
+// Saving when each of its system calls fails once, and when the program ends at each of them.
 
 namespace kshmi {
 
 using namespace workbench;
 namespace {
 
+using ks_test::CallPlan;
+using ks_test::g_plan;
+using ks_test::Turn;
 using testing::contains;
 using testing::kModel;
 
@@ -94,7 +46,7 @@ protected:
     ~Saving() override { g_plan = {}; }
 
     // Unmarks a state in the model as it was, with that plan for the calls of the save.
-    testing::Finished unmarkWith(const Plan& plan) {
+    testing::Finished unmarkWith(const CallPlan& plan) {
         write(kModel);
         ::chmod(path().c_str(), 0640);
         ::setxattr(path().c_str(), "user.note", "kept", 4, 0);
@@ -284,19 +236,8 @@ TEST_F(Saving, accessListsAndUserAttributesStayWithTheFile) {
     EXPECT_EQ(listOf(path()), "");
 }
 
-TEST_F(Saving, aSaveSaysWhatElseItChanges) {
+TEST_F(Saving, aSaveByAnotherUserSaysSo) {
     constexpr uid_t kOther = 65533;
-    ASSERT_EQ(::link(path().c_str(), path("second").c_str()), 0);
-    AtomicFile(path()).commit();
-    {
-        AtomicFile file(path("second"));
-        EXPECT_EQ(file.warnings(), std::vector<std::string>{}) << "the last save made two files of it";
-    }
-    std::filesystem::remove(path("second"));
-    std::filesystem::create_hard_link(path(), path("second"));
-    EXPECT_EQ(AtomicFile(path()).warnings(),
-              std::vector<std::string>{"the file has 2 names (hard links); the others keep the old contents"});
-    std::filesystem::remove(path("second"));
     if (::geteuid() != 0 || ::chown(path().c_str(), kOther, 65534) != 0) GTEST_SKIP() << "needs another user's file";
     ::chmod(path().c_str(), 0660);
     ::chmod(folder().c_str(), 0777);
