@@ -22,15 +22,12 @@
 #include "workbench/text/error.h"
 
 // Saving when each of its system calls fails once, and when the program ends at each of them.
-
 namespace kshmi {
 
 using namespace workbench;
 namespace {
 
-using ks_test::CallPlan;
-using ks_test::g_plan;
-using ks_test::Turn;
+using namespace ks_test;
 using testing::contains;
 using testing::kModel;
 
