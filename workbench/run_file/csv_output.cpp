@@ -1,5 +1,7 @@
 #include "workbench/run_file/csv_output.h"
 
+#include <fmt/format.h>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -38,7 +40,7 @@ CsvOutput::~CsvOutput() {
 }
 
 void CsvOutput::fail(const char* what, int error) const {
-    throw Error({m_path}, std::string(what) + ": " + std::strerror(error), ErrorCode::file);
+    throw Error({m_path}, fmt::format("{}: {}", what, std::strerror(error)), ErrorCode::file);
 }
 
 void CsvOutput::open(const RunTarget& target) {
