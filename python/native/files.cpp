@@ -162,7 +162,7 @@ void warnOf(const ImportedModel& imported) {
 std::shared_ptr<OpenModel> import(const std::string& source, const std::string& path, const std::string& name,
                                   std::optional<bool> locals, const std::string& previous) {
     if (std::filesystem::exists(std::filesystem::symlink_status(path)))
-        throw Error({path}, "is there already; give another name", ErrorCode::file);
+        throw Error({path}, "exists already; give another name", ErrorCode::file);
     std::optional<ModelFile> before;
     if (!previous.empty()) before = readModelFile(previous);
     ImportOptions options;

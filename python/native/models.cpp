@@ -25,7 +25,7 @@ using ModelPtr = std::shared_ptr<OpenModel>;
 // One may be replaced only when a caller says so; to look first is enough for what is in nobody else's way.
 void requireNoFile(const std::string& path) {
     if (std::filesystem::exists(std::filesystem::symlink_status(path)))
-        throw Error({path}, "is there already; open it, or give another name", ErrorCode::file);
+        throw Error({path}, "exists already; open it, or give another name", ErrorCode::file);
 }
 
 ModelPtr openModel(const std::string& path, bool isDangling) {

@@ -134,7 +134,7 @@ def test_models_are_made_and_imported(tmp_path, cruise):
     with ks_hmi.new(tmp_path / "fresh.json") as fresh:
         fresh.save()
         assert fresh.name == "fresh" and not fresh.blocks
-    with pytest.raises(ks_hmi.Error, match="is there already"):
+    with pytest.raises(ks_hmi.Error, match="exists already"):
         ks_hmi.new(cruise)
     source = cruise.parent / "car.ssd"
     from conftest import EXAMPLES
