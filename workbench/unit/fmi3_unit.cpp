@@ -69,7 +69,7 @@ public:
         const char* const function = functionsOf(value.type).set;
         if (value.type == UnitType::string) return setStrings(value, function);
         if (value.type == UnitType::binary) return setBinaries(value, function);
-        withNumberType(value.type, [&]<typename T>(T) {
+        withNumberType(value.type, [&]<class T>(T) {
             const auto values = std::make_unique<T[]>(value.slots.size());
             for (std::size_t i = 0; i < value.slots.size(); ++i) values[i] = valueOf<T>(value.slots[i]);
             check(m_library.get<Set<T>>(function)(m_unit, &value.reference, 1, values.get(), value.slots.size()),
@@ -126,7 +126,7 @@ public:
         if (reading.type == UnitType::string) return readStrings(reading, slots, texts);
         if (reading.type == UnitType::binary) return readBinaries(reading, slots, texts);
         const char* const function = functionsOf(reading.type).get;
-        withNumberType(reading.type, [&]<typename T>(T) {
+        withNumberType(reading.type, [&]<class T>(T) {
             m_scratch.resize(reading.count * sizeof(T));
             T* const values = reinterpret_cast<T*>(m_scratch.data());
             check(m_library.get<Get<T>>(function)(m_unit, references.data(), references.size(), values, reading.count),
