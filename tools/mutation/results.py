@@ -69,6 +69,10 @@ class Results:
     def noticed_by(self):
         return Counter(result["by"] for result in self.outcomes.values() if result["outcome"] == "noticed")
 
+    def noticed_by_others(self, changes, tests):
+        found = [(change, self.of(change)) for change in changes]
+        return [change for change, result in found if result["outcome"] == "noticed" and result["by"] not in tests]
+
     def noticed_near(self, changes):
         """The tests that noticed changes of a function: (file, function) to the most frequent ones."""
         near = {}
