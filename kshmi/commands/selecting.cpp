@@ -153,9 +153,11 @@ void requireSelection(const SelectionArguments& arguments, bool isGiven, const s
     requireApplicable(arguments, isGiven);
 }
 
+void readLists(SelectionArguments& arguments) { arguments.listed = readLists(arguments.from); }
+
 Selected select(const kestrel::Model& model, const SelectionArguments& arguments, const Output& output) {
     Selection selection = arguments.selection;
-    selection.listed = readLists(arguments.from);
+    selection.listed = arguments.listed ? *arguments.listed : readLists(arguments.from);
     selection.kinds = kindsOf(arguments.kinds);
     Selected selected = workbench::select(model, selection);
     for (const std::string& pattern : selected.idle)

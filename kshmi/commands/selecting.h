@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct SelectionArguments {
     workbench::Selection selection;
     std::vector<std::string> from;   ///< files with a reference a line; "-" is the standard input
     std::vector<std::string> kinds;  ///< words
+    std::optional<std::vector<workbench::ListedReference>> listed;  ///< what `from` holds, once it was read
 };
 
 /// Describes all of it to the parser.
@@ -35,8 +37,10 @@ void requireApplicable(const SelectionArguments& arguments, bool isGiven);
 /// apply to. `others` are further options that select, for the message.
 void requireSelection(const SelectionArguments& arguments, bool isGiven, const std::string& others = {});
 
-/// What is selected in the model: lists are read, and an exception that leaves nothing out is warned of. Throws
-/// `workbench::Error` as `workbench::select`, and for a list that cannot be read.
+/// Reads the lists, for selections in several models. Throws `workbench::Error` for one that cannot be read.
+void readLists(SelectionArguments& arguments);
+/// What is selected in the model: lists are read unless they were, and an exception that leaves nothing out is warned
+/// of. Throws `workbench::Error` as `workbench::select`, and for a list that cannot be read.
 workbench::Selected select(const kestrel::Model& model, const SelectionArguments& arguments, const Output& output);
 /// The same; everything in the model when nothing but exceptions and kinds is given.
 workbench::Selected selectOrAll(const kestrel::Model& model, const SelectionArguments& arguments, const Output& output);

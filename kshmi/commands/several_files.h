@@ -9,6 +9,7 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
+#include "kshmi/commands/selecting.h"
 #include "kshmi/print/json_document.h"
 #include "kshmi/print/output.h"
 
@@ -42,6 +43,7 @@ void runOnFiles(CLI::App& command,
                name = command.get_name()](const Output& output) {
             require(*arguments);
             requireOneInput(files, arguments->what.from);
+            readLists(arguments->what);
             return lookAtFiles(name, files, arguments->isJson, output,
                                [&](const std::string& file, JsonMembers* json, const Output& to) {
                                    return function(*arguments, file, json, to);

@@ -101,6 +101,14 @@ TEST_F(Streams, severalFilesAreLookedAtInTurn) {
     EXPECT_EQ(run({"clients", path(), path("other.json")}).code, 0);
     const Finished senseless = run({"query", path(), path("other.json")});
     EXPECT_EQ(senseless.err, "kshmi: nothing to work on; name a REF, or give --all 'GLOB' or --from FILE\n");
+    {
+        const StandardInput list(write("A:1\nLogic/On/Fast\n", "list"));
+        EXPECT_EQ(run({"query", path(), path("other.json"), "--from", "-", "--quiet"}).code, 0);
+    }
+    {
+        const StandardInput list(write("A:2\n", "list"));
+        expectParts(run({"query", path(), path("other.json"), "--from", "-"}).out, {"not observed  n/A:2\n"});
+    }
     const StandardInput input(path());
     expectParts(run({"show", "-", path("other.json")}).out, {"==> standard input <==\nmodel m: "});
 }
