@@ -27,7 +27,7 @@ std::string textOfError(zip_error_t& error) {
 }
 
 [[noreturn]] void failOpening(const std::string& name, const std::string& why) {
-    failImport(name, 0, "cannot be opened as an archive: " + why, "check that the file is whole");
+    failImport({name}, "cannot be opened as an archive: " + why, "check that the file is whole");
 }
 
 bool isLink(zip* archive, std::uint64_t index) noexcept {
@@ -174,7 +174,7 @@ void Archive::extract(std::size_t position, const std::string& path) const {
     if (!file) failEntry(m_names[position], "cannot be written to " + inQuotes(path));
 }
 
-void Archive::fail(const std::string& text, const std::string& remedy) const { failImport(m_name, 0, text, remedy); }
+void Archive::fail(const std::string& text, const std::string& remedy) const { failImport({m_name}, text, remedy); }
 
 void Archive::failEntry(std::string_view entry, const std::string& text) const {
     fail(fmt::format("the entry {} {}", inQuotes(entry), text), "have the archive made again");

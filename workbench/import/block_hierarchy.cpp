@@ -26,7 +26,7 @@ BlockHierarchy::Node BlockHierarchy::at(Node parent, std::string_view name) {
 
 BlockHierarchy::Node BlockHierarchy::add(Node parent, std::string_view name) {
     if (m_places.size() >= kMostNodes)
-        failImport(m_file, 0, fmt::format("has more than {} levels of names", kMostNodes), "import a part of it");
+        failImport({m_file}, fmt::format("has more than {} levels of names", kMostNodes), "import a part of it");
     std::string shown(name);
     std::replace(shown.begin(), shown.end(), '/', '_');
     std::string unique = shown;
@@ -49,7 +49,7 @@ kestrel::Block BlockHierarchy::blockAt(Node node) {
         block.path += m_places[*step].name;
     }
     m_textSize += block.path.size();
-    if (m_textSize > kMostText) failImport(m_file, 0, "its blocks' paths take too much memory", "import a part of it");
+    if (m_textSize > kMostText) failImport({m_file}, "its blocks' paths take too much memory", "import a part of it");
     return block;
 }
 

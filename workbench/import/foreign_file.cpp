@@ -25,10 +25,11 @@ constexpr std::array<std::string_view, 2> kDocuments{"SystemStructure.ssd", "mod
 std::ifstream openFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file)
-        failImport(path, 0, std::string("cannot be opened: ") + std::strerror(errno),
-                   "check the path and its permissions");
+        failImport({path}, std::string("cannot be opened: ") + std::strerror(errno),
+                   "check the path and its permissions", ErrorCode::file);
     std::error_code code;
-    if (std::filesystem::is_directory(path, code)) failImport(path, 0, "is a directory", "name a file to import");
+    if (std::filesystem::is_directory(path, code))
+        failImport({path}, "is a directory", "name a file to import", ErrorCode::file);
     return file;
 }
 
@@ -39,9 +40,10 @@ std::string wholeFile(const std::string& path, std::ifstream& file, const Archiv
         file.read(chunk.data(), chunk.size());
         bytes.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
         if (bytes.size() > limits.documentBytes)
-            failImport(path, 0, fmt::format("has more than {} bytes", limits.documentBytes), "import a smaller model");
+            failImport({path}, fmt::format("has more than {} bytes", limits.documentBytes), "import a smaller model");
     } while (file);
-    if (file.bad()) failImport(path, 0, std::string("cannot be read: ") + std::strerror(errno), "check the disk");
+    if (file.bad())
+        failImport({path}, std::string("cannot be read: ") + std::strerror(errno), "check the disk", ErrorCode::file);
     return bytes;
 }
 
@@ -52,9 +54,9 @@ ForeignDocument fromArchive(const std::string& path, const Archive& archive) {
     for (const std::string& name : archive.names())
         for (const std::string_view document : kDocuments)
             if (name.ends_with("/" + std::string(document)))
-                failImport(path, 0, "has its description in a folder, as " + name,
+                failImport({path}, "has its description in a folder, as " + name,
                            "pack the contents of the folder, not the folder");
-    failImport(path, 0, "holds neither SystemStructure.ssd nor modelDescription.xml",
+    failImport({path}, "holds neither SystemStructure.ssd nor modelDescription.xml",
                "import an .ssp or .fmu archive, or a description itself");
 }
 
@@ -98,7 +100,8 @@ std::string hashOfFile(const std::string& path) {
         file.read(chunk.data(), chunk.size());
         sha1.process_bytes(chunk.data(), static_cast<std::size_t>(file.gcount()));
     } while (file);
-    if (file.bad()) failImport(path, 0, std::string("cannot be read: ") + std::strerror(errno), "check the disk");
+    if (file.bad())
+        failImport({path}, std::string("cannot be read: ") + std::strerror(errno), "check the disk", ErrorCode::file);
     boost::uuids::detail::sha1::digest_type digest;
     sha1.get_digest(digest);
     std::string text = "sha1:";

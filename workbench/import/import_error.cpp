@@ -2,12 +2,12 @@
 
 #include <fmt/format.h>
 
-#include "workbench/text/error.h"
+#include <utility>
 
 namespace workbench {
 
-void failImport(const std::string& file, std::size_t line, const std::string& text, const std::string& remedy) {
-    throw Error({file, line}, fmt::format("{}; {}", text, remedy), ErrorCode::format);
+void failImport(ErrorPlace place, const std::string& text, const std::string& remedy, ErrorCode code) {
+    throw Error(std::move(place), fmt::format("{}; {}", text, remedy), code);
 }
 
 }  // namespace workbench

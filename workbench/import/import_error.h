@@ -1,13 +1,13 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
+
+#include "workbench/text/error.h"
 
 namespace workbench {
 
-/// Throws `Error` for a file that cannot be imported: what is wrong in which line (0: the file as a whole), and what
-/// mends it.
-[[noreturn]] void failImport(const std::string& file, std::size_t line, const std::string& text,
-                             const std::string& remedy);
+/// Throws `Error` for a file that cannot be imported: where, what is wrong there, and what mends it.
+[[noreturn]] void failImport(ErrorPlace place, const std::string& text, const std::string& remedy,
+                             ErrorCode code = ErrorCode::format);
 
 }  // namespace workbench

@@ -54,7 +54,7 @@ kestrel::Model buildModel(std::string name, const std::string& document, std::ve
     } catch (const kestrel::ModelError& error) {
         std::string what = error.what();
         if (what.ends_with('.')) what.pop_back();
-        failImport(document, 0, what, "give another name with --name");
+        failImport({document}, what, "give another name with --name");
     }
 }
 

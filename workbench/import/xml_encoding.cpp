@@ -77,7 +77,7 @@ private:
 std::string converted(const std::string& file, std::string bytes, const char* encoding) {
     Converter converter(encoding);
     if (!converter.isOpen())
-        failImport(file, 0, "this system cannot convert from " + std::string(encoding), "convert the file to UTF-8");
+        failImport({file}, "this system cannot convert from " + std::string(encoding), "convert the file to UTF-8");
     return converter.convert(bytes);
 }
 
@@ -112,7 +112,8 @@ const char* wideEncoding(std::string_view bytes) {
 std::string fromDeclared(const std::string& file, std::string bytes, const std::string& name, ImportNotes& warnings) {
     const auto known = std::find_if(kEncodings.begin(), kEncodings.end(), [&](auto one) { return one.first == name; });
     if (!name.empty() && known == kEncodings.end())
-        failImport(file, 1, fmt::format("the encoding {} cannot be read", inQuotes(name)), "convert the file to UTF-8");
+        failImport({file, 1}, fmt::format("the encoding {} cannot be read", inQuotes(name)),
+                   "convert the file to UTF-8");
     const std::string_view encoding = name.empty() ? kUtf8 : known->second;
     if (encoding != kUtf8) return converted(file, std::move(bytes), encoding.data());
     if (isUtf8(bytes)) return bytes;

@@ -29,7 +29,8 @@ void XmlFile::findLines() {
     for (std::size_t i = 0; i < m_text.size(); ++i) {
         if (m_text[i] == '\n') m_lineStarts.push_back(i + 1);
         // The parser would take it for the end.
-        if (m_text[i] == '\0') failImport(m_name, m_lineStarts.size(), "a NUL byte is not XML", "remove it");
+        if (m_text[i] == '\0')
+            failImport(placeAt(static_cast<std::ptrdiff_t>(i)), "a NUL byte is not XML", "remove it");
     }
 }
 
@@ -39,7 +40,7 @@ void XmlFile::parse() {
     if (result) return;
     std::string what = result.description();
     if (!what.empty()) what.front() = static_cast<char>(what.front() | 0x20);
-    failImport(m_name, lineAt(result.offset), "not XML: " + what, "have it written again by the program that made it");
+    failImport(placeAt(result.offset), "not XML: " + what, "have it written again by the program that made it");
 }
 
 void XmlFile::checkShape() const {
@@ -63,13 +64,14 @@ void XmlFile::checkShape() const {
     }
 }
 
-std::size_t XmlFile::lineAt(std::ptrdiff_t offset) const {
-    const auto after = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(),
-                                        static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0)));
-    return static_cast<std::size_t>(after - m_lineStarts.begin());
+ErrorPlace XmlFile::placeAt(std::ptrdiff_t offset) const {
+    const auto at = static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0));
+    const auto after = std::upper_bound(m_lineStarts.begin(), m_lineStarts.end(), at);
+    const auto line = static_cast<std::size_t>(after - m_lineStarts.begin());
+    return {m_name, line, {}, at - m_lineStarts[line - 1] + 1};
 }
 
-std::size_t XmlFile::lineOf(pugi::xml_node node) const { return lineAt(node.offset_debug()); }
+std::size_t XmlFile::lineOf(pugi::xml_node node) const { return placeAt(node.offset_debug()).line; }
 
 std::string XmlFile::attribute(pugi::xml_node node, std::string_view name) const {
     pugi::xml_attribute found = node.attribute(std::string(name).c_str());
@@ -92,7 +94,7 @@ pugi::xml_node XmlFile::child(pugi::xml_node node, std::string_view name) {
 }
 
 void XmlFile::fail(pugi::xml_node node, const std::string& text, const std::string& remedy) const {
-    failImport(m_name, lineOf(node), text, remedy);
+    failImport({m_name, lineOf(node)}, text, remedy);
 }
 
 }  // namespace workbench

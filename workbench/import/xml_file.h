@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "workbench/import/import_notes.h"
+#include "workbench/text/error.h"
 
 namespace workbench {
 
@@ -43,7 +44,8 @@ private:
     void findLines();
     void parse();
     void checkShape() const;
-    std::size_t lineAt(std::ptrdiff_t offset) const;
+    /// The line and, where an offset (0-based, in bytes) is known, the column.
+    ErrorPlace placeAt(std::ptrdiff_t offset) const;
 
     std::string m_name;
     std::string m_text;                     ///< the parser works in it

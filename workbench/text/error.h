@@ -37,7 +37,7 @@ struct ErrorPlace {
     std::string file{};
     std::size_t line = 0;    ///< 1-based; 0 for the whole file
     std::string pointer{};   ///< JSON pointer
-    std::size_t column = 0;  ///< 1-based, in bytes; told where JSON itself is broken
+    std::size_t column = 0;  ///< 1-based, in bytes; told where JSON or XML itself is broken
 };
 
 /// What cannot be done, and why. Texts are UTF-8, one line. `what()` is "FILE:LINE: /json/pointer: text".

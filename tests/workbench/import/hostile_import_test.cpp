@@ -44,18 +44,18 @@ TEST(ImportedXml, mayHaveAnyCommonEncoding) {
 TEST(ImportedXml, isRefusedWithItsLineWhenItIsHostile) {
     const std::string again = "; have it written again by the program that made it";
     const std::vector<std::pair<std::string, std::string>> cases{
-        {"", "some.xml:1: not XML: no document element found" + again},
-        {"<a>\n<b>\n</a>", "some.xml:3: not XML: start-end tags mismatch" + again},
+        {"", "some.xml:1:1: not XML: no document element found" + again},
+        {"<a>\n<b>\n</a>", "some.xml:3:3: not XML: start-end tags mismatch" + again},
         {"<?xml version='1.0'?>\n<!DOCTYPE a [<!ENTITY e 'x'>]>\n<a/>",
          "some.xml:2: holds a document type declaration, which this format has no use for; remove it"},
-        {"<a>\n" + std::string(1, '\0') + "</a>", "some.xml:2: a NUL byte is not XML; remove it"},
+        {"<a>\n" + std::string(1, '\0') + "</a>", "some.xml:2:1: a NUL byte is not XML; remove it"},
         {outputs({std::string(5000, 'n')}),
          "some.xml:3: the attribute \"name\" has 5000 bytes, more than 4096; shorten it"}};
     for (const auto& [xml, refusal] : cases) EXPECT_EQ(refusalOfXml(xml), refusal);
 
     std::string deep;
     for (int i = 0; i < 100000; ++i) deep += "<a>\n";
-    EXPECT_EQ(refusalOfXml(deep), "some.xml:100000: not XML: start-end tags mismatch" + again);
+    EXPECT_EQ(refusalOfXml(deep), "some.xml:100000:4: not XML: start-end tags mismatch" + again);
     for (int i = 0; i < 100000; ++i) deep += "</a>";
     EXPECT_EQ(refusalOfXml(deep),
               "some.xml:202: has more than 200 elements inside each other; flatten it; no model is that deep");
