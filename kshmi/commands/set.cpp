@@ -106,9 +106,10 @@ Positions setSignals(Session& session, const Positions& positions, const SignalS
 // What settles marks one by one leaves the others unsettled.
 Positions confirm(Session& session, const Positions& positions, ChangeReport& report) {
     session.keepUnsettledNames();
+    NameChecker checker(session.model());
     const auto describe = [&](std::size_t position) {
         return fmt::format("{}, marked as {}", describeSignal(session, position),
-                           inQuotes(sourceName(session.model(), *session.signals().get(position)).value_or(u"")));
+                           inQuotes(checker.nameNow(*session.signals().get(position)).value_or(u"")));
     };
     Positions confirmed = session.names().confirm(positions);
     for (const std::size_t position : positions) {

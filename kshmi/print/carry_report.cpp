@@ -144,6 +144,8 @@ void printCarry(const CarryReport& report, const CarryRun& run, bool showsAll, c
                 lines.add(lineOf(mark));
     for (const CarriedMark& mark : report.parked)
         if (!isParkedFate(mark.fate)) lines.add(fmt::format("  back: {}", nameOf(*mark.after)));
+    for (const CarriedMark& mark : report.parked)
+        if (isParkedFate(mark.fate)) lines.add("  still parked:" + lineOf(mark).substr(1));
     lines.print(output);
     printEnd(report, run, output);
 }

@@ -39,7 +39,7 @@ const std::string kFaulty =
                {"m", 2}},
               {clientText("1", "a"), clientText("2", "?"), clientText("3", "a", "t", "other"),
                clientText("4", "a", "hmi_web_widget_observer"), clientText("", "a"), clientText("1", "a"),
-               clientText("7", "a", "t", "m", R"("a b": 1, "ok": 2)"),
+               clientText("7", "a", "t", "m", R"("a b": 1, "ok": {"in side": 2, "rows": [{"x y": 3}]})"),
                replaced(clientText("8", "a"), R"("ModelPathEID_": ["1"])", R"("ModelPathEID_": [])")},
               kParked);
 
@@ -60,7 +60,7 @@ TEST_F(CheckCommand, everyFaultIsFoundAtItsPlaceWithItsRemedy) {
     EXPECT_EQ(finished.code, 1);
     EXPECT_EQ(codesIn(finished.out),
               " KS201 KS202 KS301 KS204 KS205 KS206 KS207 KS208 KS209 KS210 KS209 KS211 KS301 KS209 KS303 KS209 KS209"
-              " KS304 KS401 KS402 KS403 KS404 KS405 KS407 KS406 KS501");
+              " KS304 KS401 KS402 KS403 KS404 KS405 KS407 KS407 KS407 KS406 KS501");
     expectParts(finished.out,
                 {path() +
                      ":3: error KS201: the model has no block with the element identifier \"9\" (path \"Gone\") "
@@ -75,9 +75,10 @@ TEST_F(CheckCommand, everyFaultIsFoundAtItsPlaceWithItsRemedy) {
                  "KS303: the signal was marked as \"gone\", which the block does not have any more (\"y\" is here now)",
                  "    kshmi set " + path() + " m/A:2 --confirm\n",
                  "KS304: 1 signal was marked before names were kept [/signals/14]",
+                 "KS407: the parameter name \"ok.rows.x y\" cannot be a field name [/clients/6/ObserverParams_]",
                  "KS402: the client belongs to the model \"other\", but this is \"m\" [/clients/2/SourceModel_]",
                  "note KS501: the mark on \"old\" of \"A\" is parked with 1 client: \"m0\" lost its port [/parked/0]",
-                 "1 file: 12 errors, 13 warnings, 1 note\n"});
+                 "1 file: 12 errors, 15 warnings, 1 note\n"});
     EXPECT_EQ(read(), kFaulty);
 }
 
@@ -164,16 +165,17 @@ TEST_F(CheckCommand, mendingAndPruningLeaveNothingToSettle) {
     const Finished mended = runOn("check --mend all");
     EXPECT_EQ(codesIn(mended.out),
               " KS201 KS202 KS204 KS209 KS206 KS209 KS209 KS211 KS209 KS209 KS303 KS209 KS209 KS304"
-              " KS401 KS402 KS403 KS407 KS501")
+              " KS401 KS402 KS403 KS407 KS407 KS407 KS501")
         << mended.out;
     expectParts(mended.out, {"mended signal 6 (m/L/On): SSID 4, activity Self", "signal 13: from m/A:2 to m/A:3",
                              "mended client 8 (ks_scope_observer): element identifier \"1\""});
     EXPECT_EQ(run({"prune", path(), "--kinds", "parked", "--dry-run"}).code, 0);
     expectParts(runOn("prune").out, {"removed signal 2 (m/Gone) (gone)", "(duplicates)", "(dangling)", "(deprecated)"});
-    EXPECT_EQ(codes(), " KS204 KS206 KS402 KS407 KS501") << read();
+    EXPECT_EQ(codes(), " KS204 KS206 KS402 KS407 KS407 KS407 KS501") << read();
     EXPECT_EQ(runOn("prune --kinds all").code, 0);
     EXPECT_EQ(codes(), "");
-    EXPECT_FALSE(contains(read(), "no name") || contains(read(), "a b") || contains(read(), "parked"));
+    EXPECT_FALSE(contains(read(), "no name") || contains(read(), "a b") || contains(read(), "x y") ||
+                 contains(read(), "parked"));
     EXPECT_EQ(runOn("prune --kinds all").code, 1);
     EXPECT_EQ(runOn("mark L/n").code, 0);
 }

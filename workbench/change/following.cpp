@@ -66,8 +66,6 @@ std::vector<FollowedMark> followNames(Session& session) {
     std::vector<UnsettledMark> marks = session.names().unsettled();
     std::erase_if(marks, [](const UnsettledMark& mark) { return mark.name.state != NameState::moved; });
     if (marks.empty()) return followed;
-    // What is bound answers by handle under its new number, whatever its logical number is.
-    session.signals().applyRebindingRules(session.signalSet(), true);
     const auto nameNow = [&](std::size_t position) {
         return fullName(model, sourceOf(model, *session.signals().get(position)));
     };

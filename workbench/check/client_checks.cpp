@@ -9,6 +9,7 @@
 
 #include "host/values.h"
 #include "observers/signal_client.h"
+#include "workbench/check/field_names.h"
 #include "workbench/check/record_checks.h"
 #include "workbench/text/text.h"
 
@@ -75,14 +76,9 @@ void ClientChecks::checkSignal(const SignalClient& client, std::size_t position)
 }
 
 void ClientChecks::checkParameters(const SignalClient& client, std::size_t position) {
-    const hvArray* const params = client.m_observerParams.get();
-    if (!params || hvGetClassID(params) != hvSTRUCT_CLASS) return;
-    for (int i = 0; i < hvGetNumberOfFields(params); ++i) {
-        const std::string_view name = hvGetFieldNameByNumber(params, i);
-        if (!isFieldName(name))
-            add(FindingCode::clientParameter, client, position, "ObserverParams_",
-                fmt::format("the parameter name {} cannot be a field name", inQuotes(name)));
-    }
+    for (const std::string& name : wrongFieldNames(client.m_observerParams.get()))
+        add(FindingCode::clientParameter, client, position, "ObserverParams_",
+            fmt::format("the parameter name {} cannot be a field name", inQuotes(std::string_view(name))));
 }
 
 }  // namespace

@@ -9,7 +9,9 @@
 
 #include "host/values.h"
 #include "signals/signal_specification.h"
+#include "workbench/check/field_names.h"
 #include "workbench/check/record_checks.h"
+#include "workbench/session/chart_item_finder.h"
 #include "workbench/session/marked_names.h"
 #include "workbench/session/signal_checks.h"
 #include "workbench/text/text.h"
@@ -93,6 +95,7 @@ private:
     const ModelExtras& m_extras;
     RecordChecks m_checks;
     NameChecker m_names;
+    ChartItemFinder m_items;
     std::unordered_map<MarkedPlace, std::size_t, PlaceHash> m_places;
     bool m_isModelWhole = true;  // no block was left out
     std::size_t m_unconfirmed = 0;
@@ -101,7 +104,7 @@ private:
 
 void MarkChecks::check(const SignalSpecification& signal, std::size_t position) {
     if (Finding* const finding = m_checks.checkUuid(signal.m_uuid, position)) finding->subject = subjectOf(signal);
-    const std::optional<SignalFault> fault = sourceFault(signal, m_model);
+    const std::optional<SignalFault> fault = sourceFault(signal, m_model, m_items);
     const bool isFollowed = (!fault || fault->isDangling) && checkName(signal, position);
     const bool isTold =
         fault && ((isFollowed && fault->isDangling) || (fault->misfit == Misfit::blockGone && !m_isModelWhole));
@@ -189,8 +192,11 @@ std::string describe(const ParkedMark& mark) {
     const std::u16string path = ks_host::textOf(hvGetField(mark.signal.get(), 0, "BlockPath_"));
     const std::string name = mark.markedName && !mark.markedName->empty() ? inQuotes(*mark.markedName) + " of " : "";
     const std::size_t clients = hvGetNumberOfElements(mark.clients.get());
-    return fmt::format("the mark on {}{} is parked{}: {} lost its {}", name, inQuotes(path),
-                       clients > 0 ? " with " + counted(clients, "client") : "", inQuotes(mark.from),
+    const std::string with = clients > 0 ? " with " + counted(clients, "client") : "";
+    if (mark.isUnsure)
+        return fmt::format("the mark on {}{} is parked{}: nobody has said which {} after {} it is on", name,
+                           inQuotes(path), with, textOf(mark.lost), inQuotes(mark.from));
+    return fmt::format("the mark on {}{} is parked{}: {} lost its {}", name, inQuotes(path), with, inQuotes(mark.from),
                        textOf(mark.lost));
 }
 

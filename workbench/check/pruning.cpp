@@ -10,7 +10,7 @@
 #include "signals/signal_specification.h"
 #include "workbench/change/marking.h"
 #include "workbench/change/observing.h"
-#include "workbench/check/record_checks.h"
+#include "workbench/check/field_names.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/session/records.h"
@@ -22,19 +22,6 @@ namespace {
 
 using ks_hmi::SignalClient;
 using ks_hmi::SignalSpecification;
-
-// The fields that a host can have, of a 1x1 struct.
-HvArrayPtr withFieldNames(const hvArray* params) {
-    std::vector<const char*> names;
-    for (int i = 0; i < hvGetNumberOfFields(params); ++i)
-        if (const char* const name = hvGetFieldNameByNumber(params, i); isFieldName(name)) names.push_back(name);
-    const std::size_t one = 1;
-    HvArrayPtr kept(hvCreateStructArray(1, &one, static_cast<int>(names.size()), names.data()));
-    for (const char* const name : names)
-        if (const hvArray* const value = hvGetField(params, 0, name))
-            hvSetField(kept.get(), 0, name, hvCreateDeepCopy(value));
-    return kept;
-}
 
 class Pruning {
 public:
@@ -72,7 +59,7 @@ private:
         std::erase_if(signal.m_domainParams, [](const auto& entry) { return !isFieldName(toUtf8(entry.first)); });
     }
     static void pruneParameters(SignalClient& client) {
-        client.m_observerParams = withFieldNames(client.m_observerParams.get());
+        client.m_observerParams = withoutWrongFields(client.m_observerParams.get());
     }
     void pruneParked() {
         for (const ParkedMark& mark : m_session.parked())

@@ -76,11 +76,4 @@ bool RecordChecks::addRefusal(std::size_t position, const kssvIException& refusa
     return true;
 }
 
-bool isFieldName(std::string_view text) noexcept {
-    const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-    return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), [&](char c) {
-        return isLetter(c) || (c >= '0' && c <= '9') || c == '_';
-    });
-}
-
 }  // namespace workbench

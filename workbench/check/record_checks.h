@@ -58,7 +58,4 @@ private:
     std::unordered_map<std::string, std::size_t> m_uuids;
 };
 
-/// Whether a text can name a field of the host: a letter, then letters, digits and underscores.
-bool isFieldName(std::string_view text) noexcept;
-
 }  // namespace workbench

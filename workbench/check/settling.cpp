@@ -18,9 +18,12 @@ SettledFile settleFile(CheckedFile checked, Settling how, const FindingKinds& ki
         how == Settling::mend ? mend(session, checked.findings, kinds) : prune(session, checked.findings, kinds);
     checked.contents.reset();
     if (settled.empty()) return {{}, std::move(checked), {}};
-    std::vector<std::string> warnings;
-    if (!isDryRun) warnings = session.save().warnings;
-    return {std::move(settled), checkText(session.path(), session.text()), std::move(warnings)};
+    if (isDryRun || session.isStream()) {
+        if (!isDryRun) session.save();
+        return {std::move(settled), checkText(session.path(), session.text()), {}};
+    }
+    std::vector<std::string> warnings = session.save().warnings;
+    return {std::move(settled), checkFile(session.path()), std::move(warnings)};
 }
 
 }  // namespace workbench

@@ -44,7 +44,7 @@ struct VersionBlocks {
     std::vector<std::size_t> uses = {};                  ///< of each name: how many blocks have it
     std::vector<std::size_t> setUses = {};               ///< of each set
 
-    std::unordered_set<std::u16string> parents = {};     ///< all paths that blocks are below
+    std::unordered_set<std::u16string> parents = {};  ///< all paths that blocks are below
 
     std::size_t size() const noexcept { return blocks.size(); }
     const std::u16string& path(std::size_t block) const { return blocks[block]->path; }

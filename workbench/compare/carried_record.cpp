@@ -24,23 +24,6 @@ std::uint32_t ssidOf(const std::u16string& text) {
     return number;
 }
 
-const std::u16string* itemName(const kestrel::Block& block, const MarkPlace& place) {
-    if (!block.chart) return nullptr;
-    for (const kestrel::ChartState& state : block.chart->states)
-        if (state.ssid == place.ssid && place.domain == u"cw_state") return &state.path;
-    for (const kestrel::ChartData& datum : block.chart->data)
-        if (datum.ssid == place.ssid && place.domain == u"cw_data") return &datum.name;
-    return nullptr;
-}
-
-// What the old version calls the port or item now, null when it does not have it.
-const std::u16string* nameInModel(const MarkedSource& source) {
-    if (!source.block) return nullptr;
-    if (!source.place.domain.empty()) return itemName(*source.block, source.place);
-    const auto number = static_cast<std::size_t>(source.place.port);
-    return number >= 1 && number <= source.block->outputs.size() ? &source.block->outputs[number - 1] : nullptr;
-}
-
 void setSsid(hvArray* signals, std::size_t position, std::uint32_t ssid) {
     const hvArray* const saved = hvGetField(signals, position, "DomainParams_");
     if (!saved || ks_host::textOf(hvGetField(saved, 0, "SSID")) == toUtf16(std::to_string(ssid))) return;
@@ -65,22 +48,38 @@ std::u16string firstOf(const hvArray* records, std::size_t position, const char*
 
 }  // namespace
 
-MarkedSource markedSource(const kestrel::Model& old, const hvArray* signals, std::size_t position,
-                          const std::u16string* markedName) {
+const ItemNames& MarkedSources::itemsOf(const kestrel::Block& block) {
+    return m_items.try_emplace(&block, &block).first->second;
+}
+
+// What the old version calls the port or item now, null when it does not have it.
+const std::u16string* MarkedSources::nameNow(const MarkedSource& source) {
+    if (!source.block) return nullptr;
+    if (source.place.domain.empty()) {
+        const auto number = static_cast<std::size_t>(source.place.port);
+        return number >= 1 && number <= source.block->outputs.size() ? &source.block->outputs[number - 1] : nullptr;
+    }
+    if (source.place.domain == u"cw_chart") return nullptr;
+    const ItemNames::Items& items = itemsOf(*source.block).of(source.place.domain);
+    const auto found = items.bySsid.find(source.place.ssid);
+    return found == items.bySsid.end() ? nullptr : &found->second;
+}
+
+MarkedSource MarkedSources::of(const hvArray* signals, std::size_t position, const std::u16string* markedName) {
     MarkedSource source;
     source.eid = toUtf8(recordText(signals, position, "EID_"));
     source.savedPath = recordText(signals, position, "BlockPath_");
-    source.block = savedBlock(old, signals, position);
+    source.block = savedBlock(m_old, signals, position);
     MarkPlace& place = source.place;
     place.block = source.block ? source.block->path : source.savedPath;
     place.domain = recordText(signals, position, "DomainType_");
     place.port = place.domain.empty() ? numberOf(signals, position, "OutputPortIndex_") : 0;
     place.ssid = ssidOf(domainParameter(signals, position, "SSID"));
     place.activity = domainParameter(signals, position, "Activity");
-    const std::u16string* const name = nameInModel(source);
+    const std::u16string* const name = nameNow(source);
     const bool isItem = !place.domain.empty();
     // An item keeps its identifier when it is renamed; it has slid only where its name is another's now.
-    if (isItem && name && markedName && !hasSource(*source.block, *markedName)) markedName = nullptr;
+    if (isItem && name && markedName && !itemsOf(*source.block).has(*markedName)) markedName = nullptr;
     place.name = markedName ? *markedName : name ? *name : recordText(signals, position, "SubPath_");
     source.isNameKnown = markedName || name || isItem;
     source.hadSlid = place.domain != u"cw_chart" && source.block && markedName && (!name || *name != *markedName);

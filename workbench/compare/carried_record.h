@@ -2,9 +2,11 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
 
 #include "workbench/compare/carry.h"
 #include "workbench/compare/saved_records.h"
+#include "workbench/compare/source_pairing.h"
 
 namespace workbench {
 
@@ -16,6 +18,7 @@ struct MarkedSource {
     std::u16string savedPath;  ///< of the block, as the record has it
     bool isNameKnown = true;   ///< false when neither the mark nor the model says what the port was called
     bool hadSlid = false;
+    bool isUnsure = false;  ///< it was parked because nobody said which of several places it is at
 };
 
 /// Where a signal goes.
@@ -26,8 +29,22 @@ struct NewSource {
     std::uint32_t ssid = 0;
 };
 
-MarkedSource markedSource(const kestrel::Model& old, const hvArray* signals, std::size_t position,
-                          const std::u16string* markedName);
+/// Reads what signals were put on, in time that does not depend on how large their blocks are. Keeps a reference to the
+/// model, which must not change meanwhile.
+class MarkedSources {
+public:
+    explicit MarkedSources(const kestrel::Model& old) : m_old(old) {}
+    /// `markedName` may be null: none was kept.
+    MarkedSource of(const hvArray* signals, std::size_t position, const std::u16string* markedName);
+
+private:
+    const ItemNames& itemsOf(const kestrel::Block& block);
+    const std::u16string* nameNow(const MarkedSource& source);
+
+    const kestrel::Model& m_old;
+    std::unordered_map<const kestrel::Block*, ItemNames> m_items;  ///< of charts
+};
+
 /// Sets what names the block, the port or item, and the signal where it has the port's name.
 void putOn(hvArray* signals, std::size_t position, const MarkedSource& before, const NewSource& after);
 

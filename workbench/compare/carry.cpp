@@ -35,11 +35,11 @@ private:
     void buildSignals();
     void buildClients();
     void park(const hvArray* signals, std::size_t position, const Decision& decision, bool isNameKnown);
-    ParkedMark copyOf(const ParkedMark& mark) const;
 
     const ModelFile& m_old;
     CarriedModel m_result;
     MarkMatching m_matching;
+    MarkedSources m_reader{m_old.model};
     std::vector<RecordPlace> m_signals, m_clients;  // of the new file
     std::vector<const Decision*> m_decisions;       // of its signals
     std::vector<std::unique_ptr<Decision>> m_all;
@@ -51,7 +51,7 @@ private:
 void Carrier::decideAll() {
     const hvArray* const signals = m_old.signals.get();
     for (const std::size_t i : ks_host::indicesOf(signals)) {
-        const MarkedSource source = markedSource(m_old.model, signals, i, m_old.extras.markedName(i));
+        const MarkedSource source = m_reader.of(signals, i, m_old.extras.markedName(i));
         m_all.push_back(std::make_unique<Decision>(m_matching.decide(source)));
         Decision& decision = *m_all.back();
         decision.mark.uuid = recordText(signals, i, "UUID");
@@ -79,22 +79,17 @@ void Carrier::park(const hvArray* signals, std::size_t position, const Decision&
     mark.clients = copyRecords(RecordKind::client, {});
     const bool isItem = !decision.mark.before.domain.empty();
     mark.lost = !decision.isBlockFound ? LostWith::block : isItem ? LostWith::item : LostWith::port;
+    mark.isUnsure = decision.mark.fate == Fate::ambiguous;
     mark.from = m_old.model.name();
     m_parkedAt.emplace(decision.mark.uuid, m_result.file.extras.parked.size());
     m_result.file.extras.parked.push_back(std::move(mark));
 }
 
-ParkedMark Carrier::copyOf(const ParkedMark& mark) const {
-    std::vector<RecordPlace> clients;
-    for (const std::size_t i : ks_host::indicesOf(mark.clients.get())) clients.push_back({mark.clients.get(), i});
-    return {copyRecords(RecordKind::signal, {{mark.signal.get(), 0}}), mark.markedName,
-            copyRecords(RecordKind::client, clients), mark.lost, mark.from};
-}
-
 void Carrier::decideParked() {
     for (const ParkedMark& parked : m_old.extras.parked) {
         const std::u16string* const name = parked.markedName ? &*parked.markedName : nullptr;
-        const MarkedSource source = markedSource(m_old.model, parked.signal.get(), 0, name);
+        MarkedSource source = m_reader.of(parked.signal.get(), 0, name);
+        source.isUnsure = parked.isUnsure;
         m_all.push_back(std::make_unique<Decision>(m_matching.decide(source)));
         Decision& decision = *m_all.back();
         decision.mark.uuid = recordText(parked.signal.get(), 0, "UUID");

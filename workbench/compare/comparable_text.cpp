@@ -44,7 +44,8 @@ std::string comparableText(const ModelFile& file) {
     for (const std::size_t i : ks_host::indicesOf(file.clients.get()))
         appendRecord(out, RecordKind::client, file.clients.get(), i);
     for (const ParkedMark& mark : file.extras.parked) {
-        out += fmt::format("parked, lost with its {}, from {}\n", textOf(mark.lost), inQuotes(mark.from));
+        out += fmt::format("parked, {} its {}, from {}\n", mark.isUnsure ? "unsure of" : "lost with", textOf(mark.lost),
+                           inQuotes(mark.from));
         appendRecord(out, RecordKind::signal, mark.signal.get(), 0);
         appendMarkedName(out, mark.markedName ? &*mark.markedName : nullptr);
         for (const std::size_t i : ks_host::indicesOf(mark.clients.get()))

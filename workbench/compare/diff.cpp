@@ -175,7 +175,7 @@ std::string parkedText(const ModelFile& file) {
     const kestrel::Model model(u"m");
     std::string text;
     for (const ParkedMark& mark : file.extras.parked) {
-        text += fmt::format("{} {} {}\n", textOf(mark.lost), toUtf8(mark.from),
+        text += fmt::format("{}{} {} {}\n", textOf(mark.lost), mark.isUnsure ? "?" : "", toUtf8(mark.from),
                             mark.markedName ? toUtf8(*mark.markedName) : "-");
         text += modelText(model, mark.signal.get(), mark.clients.get());
     }

@@ -27,6 +27,9 @@ Decision MarkMatching::decide(const MarkedSource& source) {
     else
         decision.mark.fate = block.how == MatchHow::guess ? Fate::ambiguous : Fate::lostBlock;
     if (isParkedFate(decision.mark.fate) && !decision.mark.after) lookForHeirs(source, decision);
+    // What is at its old place may be what it was not.
+    const bool isCertain = !isParkedFate(decision.mark.fate) && decision.mark.fate != Fate::mapped;
+    if (source.isUnsure && isCertain) decision.mark.fate = m_options.acceptsGuesses ? Fate::accepted : Fate::ambiguous;
     return decision;
 }
 

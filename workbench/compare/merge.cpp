@@ -234,12 +234,7 @@ void ModelMerge::mergeParked(ModelFile& file) {
     const auto inBase = uuidsOf(m_base), inTheirs = uuidsOf(m_theirs);
     auto taken = uuidsOf(m_ours);
     for (const MergedRecord& signal : m_signals) taken.insert(recordText(signal.record.get(), 0, "UUID"));
-    const auto copy = [&](const ParkedMark& mark) {
-        std::vector<RecordPlace> clients;
-        for (const std::size_t i : ks_host::indicesOf(mark.clients.get())) clients.push_back({mark.clients.get(), i});
-        file.extras.parked.push_back({copyRecords(RecordKind::signal, {{mark.signal.get(), 0}}), mark.markedName,
-                                      copyRecords(RecordKind::client, clients), mark.lost, mark.from});
-    };
+    const auto copy = [&](const ParkedMark& mark) { file.extras.parked.push_back(copyOf(mark)); };
     for (const ParkedMark& mark : m_ours.extras.parked)
         if (inTheirs.contains(uuidOf(mark)) || !inBase.contains(uuidOf(mark))) copy(mark);
     for (const ParkedMark& mark : m_theirs.extras.parked)

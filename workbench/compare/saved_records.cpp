@@ -130,6 +130,17 @@ HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places) 
     return copy;
 }
 
+ParkedMark copyOf(const ParkedMark& mark) {
+    std::vector<RecordPlace> clients;
+    for (const std::size_t i : ks_host::indicesOf(mark.clients.get())) clients.push_back({mark.clients.get(), i});
+    return {copyRecords(RecordKind::signal, {{mark.signal.get(), 0}}),
+            mark.markedName,
+            copyRecords(RecordKind::client, clients),
+            mark.lost,
+            mark.from,
+            mark.isUnsure};
+}
+
 RecordPairs pairRecords(const hvArray* first, const hvArray* second) {
     RecordPairs pairs;
     pairs.ofFirst.resize(hvGetNumberOfElements(first));

@@ -8,6 +8,7 @@
 
 #include "host/hv_array.h"
 #include "memory_host/kestrel/model.h"
+#include "workbench/model_file/model_extras.h"
 #include "workbench/model_file/record_table.h"
 
 /// Saved signals and clients as they stand in a file, without a host that has them open. Positions are 0-based.
@@ -36,6 +37,9 @@ struct RecordPlace {
 };
 /// Copies of those records, in that order, marked as read from a file; what is unset is set to what it stands for.
 HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places);
+
+/// A copy of its own.
+ParkedMark copyOf(const ParkedMark& mark);
 
 /// Which records of two lists have the same UUID, each the position in the other list; of several with the same UUID
 /// the first goes with the first.

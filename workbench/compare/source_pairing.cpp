@@ -55,29 +55,25 @@ SourceMatch PortPairing::renamed(const std::u16string& name) const {
     return isOnlyOne ? at(m_lastAdded, SourceHow::guess) : SourceMatch{};
 }
 
-ItemPairing::ItemPairing(const kestrel::Block* old, const kestrel::Block& next)
-    : m_old(itemsOf(old)), m_new(itemsOf(&next)) {}
-
-ItemPairing::ChartItems ItemPairing::itemsOf(const kestrel::Block* block) {
-    ChartItems items;
-    if (!block || !block->chart) return items;
-    items.hasChart = true;
+ItemNames::ItemNames(const kestrel::Block* block) : hasChart(block && block->chart) {
+    if (!hasChart) return;
     for (const kestrel::ChartState& state : block->chart->states) {
-        items.states.bySubPath.emplace(state.path, state.ssid);
-        items.states.bySsid.emplace(state.ssid, state.path);
+        states.bySubPath.emplace(state.path, state.ssid);
+        states.bySsid.emplace(state.ssid, state.path);
     }
     for (const kestrel::ChartData& datum : block->chart->data) {
-        items.data.bySubPath.emplace(datum.name, datum.ssid);
-        items.data.bySsid.emplace(datum.ssid, datum.name);
+        data.bySubPath.emplace(datum.name, datum.ssid);
+        data.bySsid.emplace(datum.ssid, datum.name);
     }
-    return items;
 }
+
+ItemPairing::ItemPairing(const kestrel::Block* old, const kestrel::Block& next) : m_old(old), m_new(&next) {}
 
 SourceMatch ItemPairing::of(const std::u16string& domain, const std::u16string& path,
                             std::optional<std::uint32_t> ssid) const {
     if (!m_new.hasChart) return {};
     if (domain == u"cw_chart") return {SourceHow::same, 0, {}, 0, 1};
-    const Items& items = m_new.of(domain);
+    const ItemNames::Items& items = m_new.of(domain);
     if (const auto found = items.bySubPath.find(path); found != items.bySubPath.end())
         return {SourceHow::same, 0, path, found->second, 1};
     if (!ssid) return {};

@@ -50,6 +50,24 @@ private:
     int m_lastAdded = 0;
 };
 
+/// The items of a chart, by path or name and by identifier.
+struct ItemNames {
+    /// A block may have no chart.
+    explicit ItemNames(const kestrel::Block* block);
+
+    struct Items {
+        std::unordered_map<std::u16string, std::uint32_t> bySubPath;
+        std::unordered_map<std::uint32_t, std::u16string> bySsid;
+    };
+    const Items& of(const std::u16string& domain) const { return domain == u"cw_state" ? states : data; }
+    bool has(const std::u16string& name) const {
+        return states.bySubPath.contains(name) || data.bySubPath.contains(name);
+    }
+
+    bool hasChart = false;
+    Items states, data;
+};
+
 /// The items of a chart in two versions; the same costs.
 class ItemPairing {
 public:
@@ -59,18 +77,7 @@ public:
     SourceMatch of(const std::u16string& domain, const std::u16string& path, std::optional<std::uint32_t> ssid) const;
 
 private:
-    struct Items {
-        std::unordered_map<std::u16string, std::uint32_t> bySubPath;
-        std::unordered_map<std::uint32_t, std::u16string> bySsid;
-    };
-    struct ChartItems {
-        bool hasChart = false;
-        Items states, data;
-        const Items& of(const std::u16string& domain) const { return domain == u"cw_state" ? states : data; }
-    };
-    static ChartItems itemsOf(const kestrel::Block* block);
-
-    ChartItems m_old, m_new;
+    ItemNames m_old, m_new;
 };
 
 }  // namespace workbench

@@ -31,6 +31,7 @@ struct ParkedMark {
     HvArrayPtr clients;  ///< N x 1, those that watched it
     LostWith lost = LostWith::block;
     std::u16string from = {};  ///< the model that had the source
+    bool isUnsure = false;     ///< the source may be there, and nobody has said where
 };
 
 /// What a model file keeps beside the model and what the library saves.

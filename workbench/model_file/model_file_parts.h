@@ -36,7 +36,9 @@ public:
     /// The value of one of its keys, or one of its elements.
     void setText(shapes::Place place, std::string_view key, std::u16string text);
     void setNumber(shapes::Place place, double value);
-    void setFlag(bool value) { m_extras.origin->locals = value; }
+    void setFlag(shapes::Place place, bool value) {
+        (place == shapes::Place::origin ? m_extras.origin->locals : m_extras.parked.back().isUnsure) = value;
+    }
     /// Takes a record's field. A fault in it is told or thrown.
     void setField(shapes::Place record, std::size_t field, HvArrayPtr value);
     /// The table of the records of such a place.

@@ -148,7 +148,7 @@ void ModelFileReader::string(std::string_view text) {
 void ModelFileReader::boolean(bool value) {
     if (inValue()) return build([&] { m_value.boolean(value); });
     if (expected().kind != Kind::boolean) failKind("true or false");
-    m_parts.setFlag(value);
+    m_parts.setFlag(m_frames.back().place, value);
 }
 
 void ModelFileReader::number(std::string_view text) {

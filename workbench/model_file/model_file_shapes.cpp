@@ -13,9 +13,10 @@ constexpr std::array<Rule, 7> kDocument{{{"kestrelModel", Kind::number},
                                          {"signals", Kind::array, Place::signals, false},
                                          {"clients", Kind::array, Place::clients, false},
                                          {"parked", Kind::array, Place::parked, false}}};
-constexpr std::array<Rule, 4> kParked{{{"signal", Kind::object, Place::parkedSignal},
+constexpr std::array<Rule, 5> kParked{{{"signal", Kind::object, Place::parkedSignal},
                                        {"clients", Kind::array, Place::parkedClients},
                                        {"lost", Kind::text},
+                                       {"unsure", Kind::boolean, Place::nowhere, false},
                                        {"from", Kind::text}}};
 constexpr std::array<Rule, 6> kOrigin{{{"kind", Kind::text},
                                        {"version", Kind::text},

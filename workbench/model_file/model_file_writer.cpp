@@ -93,7 +93,9 @@ void appendParked(std::string& out, const ParkedMark& mark) {
     appendJsonArray(
         out, ks_host::indicesOf(mark.clients.get()),
         [&](std::size_t i) { appendRecord(out, mark.clients.get(), i, kInRecordList); }, kInRecord);
-    object.text("lost", std::string_view(textOf(mark.lost))).text("from", mark.from).close();
+    object.text("lost", std::string_view(textOf(mark.lost)));
+    if (mark.isUnsure) object.truth("unsure", true);
+    object.text("from", mark.from).close();
 }
 
 // A list of the document; each element is handed on as soon as it is written.

@@ -14,22 +14,8 @@ namespace {
 
 using ks_hmi::SignalSpecification;
 
-// The item as the chart has it now, whatever path is saved with the signal.
-std::optional<ChartItem> itemNow(const kestrel::Block& block, const SignalSpecification& signal) {
-    const std::optional<std::uint32_t> ssid = ssidOf(signal);
-    std::optional<ChartItem> item = ssid ? chartItemOf(block, *ssid) : std::nullopt;
-    return item && item->domainType == signal.m_domainType ? item : std::nullopt;
-}
-
-std::optional<std::u16string> nameOn(const kestrel::Block& block, const SignalSpecification& signal) {
-    if (isChartSignal(signal)) {
-        const std::optional<ChartItem> item = itemNow(block, signal);
-        return item ? std::optional(item->subPath) : std::nullopt;
-    }
-    const auto port = static_cast<std::size_t>(signal.m_outputPortIndex);
-    const bool isThere = signal.m_outputPortIndex >= 1 && port <= block.outputs.size();
-    return isThere ? std::optional(block.outputs[port - 1]) : std::nullopt;
-}
+// A port's name has no NUL in it.
+std::u16string placeKey(const std::u16string& domain, const std::u16string& name) { return domain + u'\0' + name; }
 
 std::string placeNames(const std::vector<std::uint32_t>& places, bool isItem) {
     constexpr std::size_t kMostNamed = 4;
@@ -41,6 +27,23 @@ std::string placeNames(const std::vector<std::uint32_t>& places, bool isItem) {
 
 }  // namespace
 
+std::optional<std::u16string> NameChecker::nameOn(const kestrel::Block& block, const SignalSpecification& signal) {
+    if (isChartSignal(signal)) {
+        // As the chart has it now, whatever path is saved with the signal.
+        const std::optional<std::uint32_t> ssid = ssidOf(signal);
+        const ChartItem* const item = ssid ? m_items.find(block, *ssid) : nullptr;
+        return item && item->domainType == signal.m_domainType ? std::optional(item->subPath) : std::nullopt;
+    }
+    const auto port = static_cast<std::size_t>(signal.m_outputPortIndex);
+    const bool isThere = signal.m_outputPortIndex >= 1 && port <= block.outputs.size();
+    return isThere ? std::optional(block.outputs[port - 1]) : std::nullopt;
+}
+
+std::optional<std::u16string> NameChecker::nameNow(const SignalSpecification& signal) {
+    const kestrel::Block* const block = blockOf(m_model, signal);
+    return block ? nameOn(*block, signal) : std::nullopt;
+}
+
 NameCheck NameChecker::check(const SignalSpecification& signal, const std::u16string* markedName) {
     const kestrel::Block* const block = blockOf(m_model, signal);
     const bool isForeign = !signal.m_domainType.empty() && !isChartSignal(signal);
@@ -51,39 +54,28 @@ NameCheck NameChecker::check(const SignalSpecification& signal, const std::u16st
     if (!markedName) return result;
     result.state = NameState::confirmed;
     if (result.nameNow == *markedName) return result;
-    std::optional<ChartItem> item;
-    if (isChartSignal(signal)) item = ChartItem{signal.m_domainType, {}, 0};
-    result.places = placesOf(*block, item, *markedName);
+    result.places = placesOf(*block, signal, *markedName);
     result.state = result.places.empty()       ? NameState::gone
                    : result.places.size() == 1 ? NameState::moved
                                                : NameState::ambiguous;
     return result;
 }
 
-const NameChecker::Places& NameChecker::portsOf(const kestrel::Block& block) {
-    const auto [entry, isNew] = m_ports.try_emplace(&block);
-    if (isNew)
-        for (std::size_t i = 0; i < block.outputs.size(); ++i)
-            entry->second[block.outputs[i]].push_back(static_cast<std::uint32_t>(i + 1));
-    return entry->second;
-}
-
-std::vector<std::uint32_t> NameChecker::placesOf(const kestrel::Block& block, const std::optional<ChartItem>& item,
-                                                 const std::u16string& name) {
-    if (!item) {
-        const Places& ports = portsOf(block);
-        const auto found = ports.find(name);
-        return found == ports.end() ? std::vector<std::uint32_t>() : found->second;
-    }
-    std::vector<std::uint32_t> places;
-    for (const ChartItem& one : chartItemsOf(block))
-        if (one.domainType == item->domainType && one.subPath == name) places.push_back(one.ssid);
+NameChecker::Places NameChecker::placesIn(const kestrel::Block& block) {
+    Places places;
+    for (std::size_t i = 0; i < block.outputs.size(); ++i)
+        places[block.outputs[i]].push_back(static_cast<std::uint32_t>(i + 1));
+    for (const ChartItem& item : chartItemsOf(block))
+        places[placeKey(item.domainType, item.subPath)].push_back(item.ssid);
     return places;
 }
 
-std::optional<std::u16string> sourceName(const kestrel::Model& model, const SignalSpecification& signal) {
-    const kestrel::Block* const block = blockOf(model, signal);
-    return block ? nameOn(*block, signal) : std::nullopt;
+std::vector<std::uint32_t> NameChecker::placesOf(const kestrel::Block& block, const SignalSpecification& signal,
+                                                 const std::u16string& name) {
+    const auto [places, isNew] = m_places.try_emplace(&block);
+    if (isNew) places->second = placesIn(block);
+    const auto found = places->second.find(isChartSignal(signal) ? placeKey(signal.m_domainType, name) : name);
+    return found == places->second.end() ? std::vector<std::uint32_t>() : found->second;
 }
 
 std::string describe(const std::string& what, const NameCheck& name, bool isItem) {
@@ -164,8 +156,9 @@ std::vector<std::size_t> MarkedNames::unconfirmed() const {
 std::vector<std::size_t> MarkedNames::confirm(const std::vector<std::size_t>& positions) {
     std::vector<std::size_t> confirmed;
     const std::vector<std::size_t> order = inOrder();
+    NameChecker checker(m_model);
     for (const std::size_t position : positions) {
-        const std::optional<std::u16string> now = sourceName(m_model, *m_set.get(position));
+        const std::optional<std::u16string> now = checker.nameNow(*m_set.get(position));
         if (order[position] != kNone && now && m_kept[order[position]].name != now) confirmed.push_back(position);
     }
     drop(confirmed, order);
@@ -186,10 +179,11 @@ MarkedNames::Names MarkedNames::toSave() const {
     Names names;
     names.reserve(m_set.getCount());
     const std::vector<std::size_t> order = inOrder();
+    NameChecker checker(m_model);
     for (std::size_t i = 0; i < order.size(); ++i) {
         const SignalSpecification& signal = *m_set.get(i);
         if (signal.m_excludeForSave) continue;
-        names.push_back(order[i] == kNone ? sourceName(m_model, signal) : m_kept[order[i]].name);
+        names.push_back(order[i] == kNone ? checker.nameNow(signal) : m_kept[order[i]].name);
     }
     return names;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "signals/instrumented_signals.h"
+#include "workbench/session/chart_item_finder.h"
 #include "workbench/session/signal_source.h"
 
 /// What the sources of marks were called when they were marked or last confirmed, beside what they are called now. A
@@ -39,19 +40,21 @@ public:
     explicit NameChecker(const kestrel::Model& model) : m_model(model) {}
     /// `markedName` may be null: none was kept.
     NameCheck check(const ks_hmi::SignalSpecification& signal, const std::u16string* markedName);
+    /// What the signal's source is called in the model now, as `NameCheck::nameNow`.
+    std::optional<std::u16string> nameNow(const ks_hmi::SignalSpecification& signal);
 
 private:
-    using Places = std::unordered_map<std::u16string_view, std::vector<std::uint32_t>>;
-    const Places& portsOf(const kestrel::Block& block);
-    std::vector<std::uint32_t> placesOf(const kestrel::Block& block, const std::optional<ChartItem>& item,
+    std::optional<std::u16string> nameOn(const kestrel::Block& block, const ks_hmi::SignalSpecification& signal);
+    /// Ports of a name, or chart items of a domain and a name.
+    using Places = std::unordered_map<std::u16string, std::vector<std::uint32_t>>;
+    static Places placesIn(const kestrel::Block& block);
+    std::vector<std::uint32_t> placesOf(const kestrel::Block& block, const ks_hmi::SignalSpecification& signal,
                                         const std::u16string& name);
 
     const kestrel::Model& m_model;
-    std::unordered_map<const kestrel::Block*, Places> m_ports;  ///< of blocks where a name was looked for
+    std::unordered_map<const kestrel::Block*, Places> m_places;  ///< of blocks where a name was looked for
+    ChartItemFinder m_items;
 };
-
-/// What the signal's source is called in the model now, as `NameCheck::nameNow`.
-std::optional<std::u16string> sourceName(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal);
 
 /// "A:1 was marked as \"y\", which is port 2 now": what is unsettled about a mark, `what` in front.
 std::string describe(const std::string& what, const NameCheck& name, bool isItem);

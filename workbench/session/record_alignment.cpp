@@ -5,6 +5,7 @@
 
 #include "host/values.h"
 #include "memory_host/kestrel/signal_block.h"
+#include "workbench/session/chart_item_finder.h"
 #include "workbench/session/signal_source.h"
 #include "workbench/text/text.h"
 
@@ -38,9 +39,9 @@ void alignPath(Record& record, const kestrel::Block& block) {
     record.setText("BlockPath_", block.path);
 }
 
-void alignItem(Record& record, const kestrel::Block& block) {
+void alignItem(Record& record, const kestrel::Block& block, ChartItemFinder& items) {
     const std::optional<std::uint32_t> ssid = ssidOf(record.parameter("SSID"));
-    const std::optional<ChartItem> item = ssid ? chartItemOf(block, *ssid) : std::nullopt;
+    const ChartItem* const item = ssid ? items.find(block, *ssid) : nullptr;
     if (!item || item->domainType != record.text("DomainType_") || item->subPath == record.text("SubPath_")) return;
     record.setText("SubPath_", item->subPath);
 }
@@ -48,13 +49,14 @@ void alignItem(Record& record, const kestrel::Block& block) {
 }  // namespace
 
 void alignRecords(hvArray* signals, const kestrel::Model& model) {
+    ChartItemFinder items;
     for (std::size_t i = 0; i < hvGetNumberOfElements(signals); ++i) {
         Record record(signals, i);
         const std::string eid = toUtf8(record.text("EID_"));
         const kestrel::Block* const block = kestrel::signalBlock(model, eid, record.text("BlockPath_"));
         if (!block) continue;
         alignPath(record, *block);
-        alignItem(record, *block);
+        alignItem(record, *block, items);
     }
 }
 

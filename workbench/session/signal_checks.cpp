@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "signals/signal_specification.h"
+#include "workbench/session/chart_item_finder.h"
 #include "workbench/session/records.h"
 #include "workbench/session/signal_source.h"
 #include "workbench/text/text.h"
@@ -36,13 +37,14 @@ std::optional<SignalFault> portFault(const SignalSpecification& signal, const ke
                                 signal.m_outputPortIndex, counted(block.outputs.size(), "port")));
 }
 
-std::optional<SignalFault> chartFault(const SignalSpecification& signal, const kestrel::Block& block) {
+std::optional<SignalFault> chartFault(const SignalSpecification& signal, const kestrel::Block& block,
+                                      ChartItemFinder& items) {
     if (!block.chart)
         return dangling(Misfit::itemGone, "DomainType_",
                         fmt::format("the block {} is not a chart", inQuotes(block.path)));
     const std::optional<std::uint32_t> ssid = ssidOf(signal);
     if (!ssid) return wrong(Misfit::ssid, "DomainParams_", "\"SSID\" is not a plain whole number");
-    const std::optional<ChartItem> item = chartItemOf(block, *ssid);
+    const ChartItem* const item = items.find(block, *ssid);
     if (!item || item->domainType != signal.m_domainType)
         return dangling(Misfit::itemGone, "DomainParams_",
                         fmt::format("the chart {} has no item with the SSID {} for the domain {}", inQuotes(block.path),
@@ -55,14 +57,15 @@ std::optional<SignalFault> chartFault(const SignalSpecification& signal, const k
 
 }  // namespace
 
-std::optional<SignalFault> sourceFault(const SignalSpecification& signal, const kestrel::Model& model) {
+std::optional<SignalFault> sourceFault(const SignalSpecification& signal, const kestrel::Model& model,
+                                       ChartItemFinder& items) {
     if (!signal.m_domainType.empty() && !isChartSignal(signal))
         return wrong(
             Misfit::kind, "DomainType_",
             fmt::format("the domain {} is not one of cw_chart, cw_state and cw_data; for a port, leave it empty",
                         inQuotes(signal.m_domainType)));
     const kestrel::Block* const block = blockOf(model, signal);
-    if (block) return isChartSignal(signal) ? chartFault(signal, *block) : portFault(signal, *block);
+    if (block) return isChartSignal(signal) ? chartFault(signal, *block, items) : portFault(signal, *block);
     const std::string path = fmt::format("(path {})", inQuotes(signal.m_blockPath));
     if (signal.m_eid.empty()) return dangling(Misfit::blockGone, "BlockPath_", "the model has no such block " + path);
     return dangling(
@@ -72,10 +75,11 @@ std::optional<SignalFault> sourceFault(const SignalSpecification& signal, const 
 
 std::vector<SignalFault> faultsOf(const ks_hmi::InstrumentedSignals& set, const kestrel::Model& model) {
     std::vector<SignalFault> faults;
+    ChartItemFinder items;
     std::unordered_set<std::string_view> uuids;
     uuids.reserve(set.getCount());
     for (const auto& [position, signal] : numbered(set)) {
-        std::optional<SignalFault> fault = sourceFault(signal, model);
+        std::optional<SignalFault> fault = sourceFault(signal, model, items);
         if (!uuids.insert(signal.m_uuid).second)
             fault = wrong(Misfit::uuidTaken, "UUID", "another signal has the UUID " + inQuotes(signal.m_uuid));
         if (signal.m_uuid.empty()) fault = wrong(Misfit::uuidMissing, "UUID", "the signal has no UUID");

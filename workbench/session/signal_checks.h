@@ -23,6 +23,8 @@ enum class Misfit : std::uint8_t {
     uuidTaken,
 };
 
+class ChartItemFinder;
+
 /// A signal that does not fit its model.
 struct SignalFault {
     std::size_t position = 0;  ///< 0-based
@@ -33,7 +35,8 @@ struct SignalFault {
 };
 
 /// What is wrong with where the signal comes from, at the position 0; nothing when it fits.
-std::optional<SignalFault> sourceFault(const ks_hmi::SignalSpecification& signal, const kestrel::Model& model);
+std::optional<SignalFault> sourceFault(const ks_hmi::SignalSpecification& signal, const kestrel::Model& model,
+                                       ChartItemFinder& items);
 
 /// Every signal must have a UUID of its own and a block, port or chart item in the model. Faults in order,
 /// one for each signal at most.

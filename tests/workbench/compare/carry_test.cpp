@@ -85,12 +85,6 @@ TEST(Carry, goesByNamesAndNeverByNumbers) {
          {{"A", "1", {"c", "d"}}, {"B", "2", {"b", "a"}}},
          Fate::ambiguous,
          ""},
-        {"another block in its place, with one port of that name",
-         {{"A", "a", {"a", "b", "c"}}},
-         {"u", "A", "a", 1},
-         {{"A", "x", {"a", "p", "q"}}, {"Z", "z", {"a", "b", "c"}}},
-         Fate::ambiguous,
-         ""},
         {"the port in a neighbour",
          {{"A", "1", {"a", "b"}}, {"B", "2", {"c"}}},
          {"u", "A", "1", 1},
@@ -182,6 +176,19 @@ TEST(Carry, parkedMarksComeBackWithTheirClients) {
     const CarriedModel mapped =
         carried(modelText(third.file), model("m4", {{"A", "1", {"b"}}, {"C", "4", {"k", "x"}}}), {}, "B,C\n");
     EXPECT_EQ(placeOf(mapped.file, "u2"), "C:2");
+}
+
+// Another block at the old place is no reason to think that the mark was on it.
+TEST(Carry, whatWasAmbiguousComesBackByAPersonsWordOnly) {
+    const std::string first = model("m", {{"P/A", "1", {"y"}}, {"P/B", "2", {"y"}}}, {{"u", "P/A", "1", 1}});
+    const std::string second = modelText(carried(first, model("m", {{"Q/C", "8", {"y"}}, {"Q/D", "9", {"y"}}})).file);
+    EXPECT_TRUE(contains(second, "\"lost\": \"block\",\n      \"unsure\": true,"));
+    const std::string third = model("m", {{"P/A", "1", {"y"}}, {"Q/C", "8", {"y"}}, {"Q/D", "9", {"y"}}});
+    EXPECT_EQ(placeOf(carried(second, third).file, "u"), "");
+    EXPECT_EQ(placeOf(carried(second, third, {MatchBy::both, true}).file, "u"), "P/A:1");
+    const CarriedModel mapped = carried(second, third, {}, "P/A,Q/D\n");
+    EXPECT_EQ(placeOf(mapped.file, "u"), "Q/D:1");
+    EXPECT_EQ(mapped.report.parked.at(0).fate, Fate::mapped);
 }
 
 TEST(Carry, chartItemsAreFoundByNameOrIdentifier) {
@@ -278,6 +285,9 @@ TEST_F(CarryCommand, tellsSavesAndEndsWithOneWhenAMarkIsParked) {
     expectParts(done.out, {R"({"kshmi": 1, "command": "carry")", R"("mapped": 1)", R"("saved": true)"});
     EXPECT_EQ(placeOf(readModelFile(path("out.json")), "u2"), "A:2");
     EXPECT_EQ(run({"show", path("out.json")}).code, 0);
+    run({"carry", path("old.json"), path("new.json"), "-o", path("parking.json")});
+    expectParts(run({"carry", path("parking.json"), path("new.json"), "--dry-run"}).out,
+                {"parked before: 0 back, 1 still parked\n", "  still parked: lost with its port: A:1 \"a\"\n"});
     const auto again = run({"carry", path("old.json"), path("out.json")});
     EXPECT_EQ(again.code, kshmi::kBadFile);
     expectParts(again.err,
