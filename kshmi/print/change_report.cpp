@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "kshmi/print/json_document.h"
+#include "kshmi/print/name_notice.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -82,6 +83,7 @@ ExitCode ChangeReport::finish() {
     const auto [leftOut, warnings] = save(isSaved);
     m_options.isJson ? printJson(isSaved) : printText(isSaved, leftOut);
     warnOfSave(m_session.path(), warnings, m_output.err);
+    if (!m_session.isStream()) noticeUnconfirmed(m_session, m_output.err);
     out().flush();
     if (isSaved && !out())
         throw Error({m_session.fileName()}, "saved, but what was changed cannot be written to the output",

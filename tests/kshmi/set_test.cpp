@@ -128,6 +128,7 @@ TEST_F(Settings, longReportsAreCutUnlessAllLinesAreAskedFor) {
     expectParts(runOn("mark A/B --dry-run --all-lines").out, {"would mark m/A/B:60 (p59) as signal 62\n"});
     expectParts(runOn("mark A/B").out, {rest});
     write(wide);
+    runOn("set --all * --confirm");
     const Finished quiet = runOn("mark A/B --quiet");
     EXPECT_EQ(quiet.out + quiet.err, "");
     EXPECT_NE(read(), wide);
