@@ -73,9 +73,7 @@ void loadAgainAndAgain(benchmark::State& state, const HvArrayPtr& saved) {
     }
 }
 
-void load(benchmark::State& state, std::size_t count) {
-    loadAgainAndAgain(state, savedRecords(count));
-}
+void load(benchmark::State& state, std::size_t count) { loadAgainAndAgain(state, savedRecords(count)); }
 
 void save(benchmark::State& state, std::size_t count) {
     const OpenModel model(count);

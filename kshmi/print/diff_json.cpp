@@ -18,9 +18,7 @@ void appendBlock(std::string& out, const ModelFile& file, const kestrel::Block& 
     object.text("block", file.model.fullPath(block)).number("ports", block.outputs.size()).close();
 }
 
-void appendNames(std::string& out, const std::vector<std::u16string>& names) {
-    appendJsonTexts(out, names);
-}
+void appendNames(std::string& out, const std::vector<std::u16string>& names) { appendJsonTexts(out, names); }
 
 void appendChange(std::string& out, const ModelFile& before, const ModelFile& after, const BlockChange& change) {
     JsonObject object(out);

@@ -41,7 +41,8 @@ bool endsValue(char c) noexcept { return isWordCharacter(c) || c == '"' || c == 
 
 // What is wrong inside a text.
 std::string mistakeInText(std::string_view used, std::string_view rest) {
-    if (used.ends_with('\\')) return R"(in a text, a backslash must be followed by one of "\/bfnrtu; write \\ for itself)";
+    if (used.ends_with('\\'))
+        return R"(in a text, a backslash must be followed by one of "\/bfnrtu; write \\ for itself)";
     if (rest.starts_with('\t')) return R"(there is a tab in a text; write \t)";
     if (rest.starts_with('\n') || rest.starts_with('\r'))
         return R"(the line ends inside a text; close it with ", or write \n for a line break)";

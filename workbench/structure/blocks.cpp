@@ -75,7 +75,8 @@ RemovedBlocks removeBlocks(Session& session, const std::u16string& path, Below b
 std::u16string renamedPath(const std::u16string& path, const std::u16string& name) {
     requireName(name);
     if (name.find(u'/') != std::u16string::npos)
-        throw Error(fmt::format("{}: a name cannot contain '/'; move the block to give it another parent", inQuotes(name)));
+        throw Error(
+            fmt::format("{}: a name cannot contain '/'; move the block to give it another parent", inQuotes(name)));
     const std::u16string parent = parentPath(path);
     return parent.empty() ? name : parent + u"/" + name;
 }

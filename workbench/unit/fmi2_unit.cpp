@@ -177,8 +177,7 @@ private:
         static constexpr std::array<const char*, 4> kWords{"discarded the call", "reported an error",
                                                            "reported a fatal error", "did not finish"};
         const auto word = static_cast<std::size_t>(status - discard);
-        throw UnitFailure(
-            fmt::format("{} {}", function, word < kWords.size() ? kWords[word] : "gave no known answer"));
+        throw UnitFailure(fmt::format("{} {}", function, word < kWords.size() ? kWords[word] : "gave no known answer"));
     }
 
     UnitLibrary m_library;

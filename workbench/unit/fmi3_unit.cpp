@@ -202,8 +202,7 @@ private:
         static constexpr std::array<const char*, 3> kWords{"discarded the call", "reported an error",
                                                            "reported a fatal error"};
         const auto word = static_cast<std::size_t>(status - discard);
-        throw UnitFailure(
-            fmt::format("{} {}", function, word < kWords.size() ? kWords[word] : "gave no known answer"));
+        throw UnitFailure(fmt::format("{} {}", function, word < kWords.size() ? kWords[word] : "gave no known answer"));
     }
 
     UnitLibrary m_library;

@@ -18,8 +18,7 @@ UnitLibrary::UnitLibrary(const std::string& path) : m_library(::dlopen(path.c_st
 void* UnitLibrary::find(const char* name) const {
     void* const function = ::dlsym(m_library.get(), name);
     if (function == nullptr)
-        throw UnitFailure(
-            fmt::format("the unit's binary lacks the function {}, which the standard demands", name));
+        throw UnitFailure(fmt::format("the unit's binary lacks the function {}, which the standard demands", name));
     return function;
 }
 

@@ -92,9 +92,9 @@ std::string refusalOfArchive(std::string bytes, const ArchiveLimits& limits = {}
 TEST(ImportedArchive, isRefusedWhenItWouldLeaveItsTarget) {
     const std::string again = "; have the archive made again";
     for (const char* const name : {"../a", "a/../../b", "/etc/a", "a/./b", "a//b", "c:/a", "..\\a", "a\\b"})
-        EXPECT_EQ(refusalOfArchive(zipOf({{"a", "x"}, {name, "x"}})),
-                  "u.fmu: the entry " + inQuotes(std::string_view(name)) + " would be unpacked outside the target" +
-                      again);
+        EXPECT_EQ(
+            refusalOfArchive(zipOf({{"a", "x"}, {name, "x"}})),
+            "u.fmu: the entry " + inQuotes(std::string_view(name)) + " would be unpacked outside the target" + again);
     EXPECT_EQ(refusalOfArchive(zipOf({{"a", "/etc", true}})), "u.fmu: the entry \"a\" is a link" + again);
 }
 
