@@ -25,8 +25,6 @@ public:
 
     /// Null when the block has no such port.
     const ksPort* find(const kestrel::Block& block, int port) const;
-    std::size_t count() const noexcept { return m_ports.size(); }
-    std::size_t observedCount() const noexcept { return m_observed.size(); }
     /// Also when the set has changed since it was last asked: it has then forgotten the ports, and is handed them anew.
     bool isObserved(const ksPort& port);
 

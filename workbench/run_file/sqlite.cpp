@@ -45,10 +45,6 @@ SqliteStatement& SqliteStatement::bindBytes(int position, std::string_view bytes
     return checked(sqlite3_bind_blob64(m_statement.get(), position, start, bytes.size(), SQLITE_TRANSIENT));
 }
 
-SqliteStatement& SqliteStatement::bindNull(int position) {
-    return checked(sqlite3_bind_null(m_statement.get(), position));
-}
-
 bool SqliteStatement::step() {
     const int code = sqlite3_step(m_statement.get());
     if (code != SQLITE_ROW && code != SQLITE_DONE) fail(m_path, sqlite3_db_handle(m_statement.get()), code);
@@ -62,8 +58,6 @@ void SqliteStatement::run() {
 }
 
 bool SqliteStatement::isNull(int column) const { return sqlite3_column_type(m_statement.get(), column) == SQLITE_NULL; }
-
-bool SqliteStatement::isText(int column) const { return sqlite3_column_type(m_statement.get(), column) == SQLITE_TEXT; }
 
 std::int64_t SqliteStatement::integer(int column) const { return sqlite3_column_int64(m_statement.get(), column); }
 

@@ -19,7 +19,6 @@ public:
     SqliteStatement& bind(int position, double value);
     SqliteStatement& bind(int position, std::string_view text);
     SqliteStatement& bindBytes(int position, std::string_view bytes);
-    SqliteStatement& bindNull(int position);
 
     /// Whether there is a row (another one). Throws `Error`.
     bool step();
@@ -28,7 +27,6 @@ public:
 
     /// Values of the row's columns, 0-based.
     bool isNull(int column) const;
-    bool isText(int column) const;
     std::int64_t integer(int column) const;
     double real(int column) const;
     /// Also of bytes; valid until the next step.

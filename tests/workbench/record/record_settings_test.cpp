@@ -1,6 +1,7 @@
 #include "signals/signal_specification.h"
 #include "tests/support/json_schema.h"
 #include "tests/workbench/record/record_test.h"
+#include "workbench/record/engine_ports.h"
 #include "workbench/record/record_model.h"
 #include "workbench/record/recorded_run.h"
 #include "workbench/record/stream_out_blocks.h"
@@ -49,6 +50,30 @@ TEST_F(RecordSettings, excludedSignalsAreLeftOut) {
     EXPECT_EQ(rows, "time,mode\r\n0,1\r\n0.5,2\r\n");
     EXPECT_EQ(warnings, "\"count\" is not recorded: it is excluded");
     EXPECT_EQ(result.samples, 2U);
+}
+
+TEST_F(RecordSettings, theEngineHandsItsPortsOverAgainAfterAChange) {
+    import(probe2());
+    mark("state:count state:mode");
+    enterHost(std::cerr);
+    workbench::Session session(path());
+    workbench::EnginePorts ports(session);
+    const kestrel::Block& block = *session.model().findByPath(u"state");
+    const ksPort* const count = ports.find(block, 1);
+    ASSERT_NE(count, nullptr);
+    EXPECT_TRUE(ports.isObserved(*count));
+    session.signals().updateObservedPortMap();
+    EXPECT_FALSE(session.signals().isKSPortObserved(count));
+    EXPECT_TRUE(ports.isObserved(*count));
+    const auto signal = session.signals().share(0);
+    session.signals().remove(0);
+    EXPECT_FALSE(ports.isObserved(*count));
+    EXPECT_TRUE(ports.isObserved(*ports.find(block, 2)));
+    session.signals().remove(0);
+    EXPECT_FALSE(ports.isObserved(*ports.find(block, 2)));
+    session.signals().add(signal);
+    EXPECT_TRUE(ports.isObserved(*count));
+    EXPECT_EQ(ports.find(block, 5), nullptr);
 }
 
 TEST_F(RecordSettings, blocksThatStreamAreEnteredWithWhereAndHow) {
