@@ -57,17 +57,19 @@ CarryMap readMap(const std::string& path, const ModelFile& old, const kestrel::M
 }
 
 // First what can fail without having changed anything.
-void save(const CarryArguments& arguments, const CarriedModel& carried, const std::string& target, std::ostream& err) {
+Output save(const CarryArguments& arguments, const CarriedModel& carried, const std::string& target,
+            const Output& output) {
     std::optional<AtomicFile> proposal;
     if (!arguments.proposal.empty()) {
         proposal.emplace(AtomicFile::kNew, arguments.proposal);
         proposal->write(proposedMap(carried.report));
     }
     const bool isInPlace = target == arguments.after;
-    if (!arguments.isDryRun)
-        warnOfSave(target,
-                   writeModelFile(target, carried.file, isInPlace ? carried.file.version : std::nullopt).warnings, err);
+    const Output beside =
+        arguments.isDryRun ? output
+                           : saveModel(target, carried.file, output, isInPlace ? carried.file.version : std::nullopt);
     if (proposal) proposal->commit();
+    return beside;
 }
 
 CarriedModel carryTo(const std::string& file, const ModelFile& old, ModelFile next, const CarryOptions& options,
@@ -88,12 +90,12 @@ int runCarry(const CarryArguments& arguments, const Output& output) {
     const std::string target = arguments.output.empty() ? arguments.after : arguments.output;
     const std::u16string newName = next.model.name();
     const CarriedModel carried = carryTo(arguments.after, old, std::move(next), options, map);
-    save(arguments, carried, target, output.err);
+    const Output beside = save(arguments, carried, target, output);
     const CarryRun told{arguments.before, arguments.after, target, old.model.name(), newName, arguments.isDryRun};
     if (arguments.isJson)
-        printCarryJson(carried.report, told, output);
+        printCarryJson(carried.report, told, beside);
     else
-        printCarry(carried.report, told, arguments.showsAll, output);
+        printCarry(carried.report, told, arguments.showsAll, beside);
     return carried.report.isAllCarried() ? kSuccess : kNothing;
 }
 
@@ -116,7 +118,8 @@ void addCarry(CLI::App& app, Run& run) {
     command
         ->add_option("NEW", arguments->after, "the next version: a model file without marks, or .ssd, .ssp, .xml, .fmu")
         ->required();
-    command->add_option("-o,--output", arguments->output, "model file to write; NEW itself if left out");
+    command->add_option("-o,--output", arguments->output,
+                        "model file to write, - for the standard output; NEW itself if left out");
     command->add_option("--map", arguments->map, "CSV file of old and new names of blocks, ports and a/b/*")
         ->type_name("FILE");
     command

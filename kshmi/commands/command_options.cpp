@@ -129,6 +129,16 @@ ClientSettings settingsOf(const ClientArguments& arguments) {
             arguments.isImaginary, arguments.busLeaf};
 }
 
+Output saveModel(const std::string& target, const ModelFile& file, const Output& output,
+                 std::optional<FileVersion> replaced) {
+    if (target != kStandardStream) {
+        warnOfSave(target, writeModelFile(target, file, replaced).warnings, output.err);
+        return output;
+    }
+    sendModel(output, modelText(file));
+    return {.out = besideModel(output), .err = output.err, .models = &modelStream(output)};
+}
+
 void requireOneInput(const std::vector<std::string>& files, const std::vector<std::string>& lists) {
     if (std::count(files.begin(), files.end(), kStandardStream) +
             std::count(lists.begin(), lists.end(), kStandardStream) >

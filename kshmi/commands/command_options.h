@@ -16,6 +16,7 @@
 #include "kshmi/print/output.h"
 #include "workbench/change/marking.h"
 #include "workbench/change/observing.h"
+#include "workbench/model_file/model_file.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -49,6 +50,10 @@ void addClientSettings(CLI::App& command, ClientArguments& arguments);
 /// Throws `workbench::Error` for parameters that are no value and for a kind without a name.
 workbench::ClientSettings settingsOf(const ClientArguments& arguments);
 
+/// Saves a model, in place of that version of the file only if there is one to replace, or sends it where models go for
+/// "-". Returns the output for telling of it, which is beside a model that was sent.
+Output saveModel(const std::string& target, const workbench::ModelFile& file, const Output& output,
+                 std::optional<workbench::FileVersion> replaced = std::nullopt);
 /// Throws `workbench::Error` when standard input is among the files and lists more than once.
 void requireOneInput(const std::vector<std::string>& files, const std::vector<std::string>& lists);
 

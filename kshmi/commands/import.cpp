@@ -1,5 +1,7 @@
 #include <fmt/format.h>
 
+#include <utility>
+
 #include <algorithm>
 #include <filesystem>
 
@@ -62,8 +64,9 @@ void tell(const ImportedModel& model, const ImportArguments& arguments, bool has
         output.out << fmt::format("{} the identifier, {} new, {} gone\n",
                                   counted(model.keptCount, "block") + (model.keptCount == 1 ? " keeps" : " keep"),
                                   blocks - model.keptCount, model.goneCount);
-    output.out << fmt::format("{}: saved with {} and {}\n", printable(std::string_view(arguments.target)),
-                              counted(blocks, "block"), counted(model.portCount, "port"));
+    output.out << fmt::format("{}: saved with {} and {}\n",
+                              printable(std::string_view(calledWhenSaved(arguments.target))), counted(blocks, "block"),
+                              counted(model.portCount, "port"));
 }
 
 void appendNotes(std::string& out, const ImportNotes& notes) {
@@ -124,18 +127,19 @@ int runImport(const ImportArguments& arguments, const Output& output) {
     const std::optional<ModelFile> previous = previousOf(arguments);
     const ModelFile* const before = previous ? &*previous : nullptr;
     const ImportOptions options = optionsOf(arguments, before, output);
-    const ImportedModel model = importFile(arguments.source, arguments.target, options);
+    ImportedModel model = importFile(arguments.source, arguments.target, options);
     if (options.progress) options.progress("saving");
-    ModelExtras extras;
-    extras.origin = model.origin;
-    const WrittenFile written = writeModelFile(arguments.target, model.model, nullptr, nullptr, extras,
-                                               arguments.isUpdate ? before->version : std::nullopt);
-    warnOfSave(arguments.target, written.warnings, output.err);
+    ModelFile file = newModelFile(model.model.name());
+    std::swap(file.model, model.model);
+    file.extras.origin = model.origin;
+    const Output beside =
+        saveModel(arguments.target, file, output, arguments.isUpdate ? before->version : std::nullopt);
+    std::swap(file.model, model.model);
     warn(model, output);
     if (arguments.isJson)
-        tellJson(model, arguments, output);
+        tellJson(model, arguments, beside);
     else if (!arguments.isQuiet)
-        tell(model, arguments, before != nullptr, output);
+        tell(model, arguments, before != nullptr, beside);
     return kSuccess;
 }
 
@@ -154,7 +158,7 @@ void addImport(CLI::App& app, Run& run) {
                      "an .ssd or .ssp (System Structure and Parameterization 1.0, 2.0), modelDescription.xml or .fmu "
                      "(FMI 1.0, 2.0, 3.0)")
         ->required();
-    command->add_option("-o,--output", arguments->target, "model file to write")->required();
+    command->add_option("-o,--output", arguments->target, "model file to write; - is the standard output")->required();
     CLI::Option* const locals =
         command->add_flag("--locals", arguments->takesLocals, "take local variables as well as outputs");
     command->add_flag("--no-locals", arguments->leavesLocals, "outputs only, even if the version before has locals")

@@ -26,14 +26,13 @@ int runMerge(const MergeArguments& arguments, const Output& output) {
     std::optional<ModelFile> base = readUnlessEmpty(arguments.base);
     if (!base) base = newModelFile(ours.model.name());
     const MergedModel merged = mergeModels(*base, ours, theirs);
-    if (!arguments.isDryRun)
-        warnOfSave(arguments.output, writeModelFile(arguments.output, merged.file).warnings, output.err);
+    const Output beside = arguments.isDryRun ? output : saveModel(arguments.output, merged.file, output);
     if (arguments.isJson)
-        printMergeJson(merged, arguments.output, arguments.isDryRun, output);
+        printMergeJson(merged, arguments.output, arguments.isDryRun, beside);
     else
-        printConflicts(merged, arguments.output, arguments.showsAll, output);
+        printConflicts(merged, arguments.output, arguments.showsAll, beside);
     if (!arguments.isJson && merged.conflicts.empty())
-        output.out << fmt::format("{}: {}{} and {}\n", printable(std::string_view(arguments.output)),
+        beside.out << fmt::format("{}: {}{} and {}\n", printable(std::string_view(calledWhenSaved(arguments.output))),
                                   arguments.isDryRun ? "dry run, not saved; would have " : "merged, with ",
                                   counted(hvGetNumberOfElements(merged.file.signals.get()), "signal"),
                                   counted(hvGetNumberOfElements(merged.file.clients.get()), "client"));
@@ -56,7 +55,9 @@ void addMerge(CLI::App& app, Run& run) {
         ->required();
     command->add_option("OURS", arguments->ours, "one changed file, which wins conflicts")->required();
     command->add_option("THEIRS", arguments->theirs, "the other changed file")->required();
-    command->add_option("-o,--output", arguments->output, "the file to write, which may be one of the three")
+    command
+        ->add_option("-o,--output", arguments->output,
+                     "the file to write, which may be one of the three; - is the standard output")
         ->required();
     command->add_flag("--json", arguments->isJson, "print JSON");
     command->add_flag("--all-lines", arguments->showsAll, "print everything, however much it is");

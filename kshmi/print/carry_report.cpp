@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "kshmi/print/line_list.h"
+#include "workbench/files/standard_stream.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
 
@@ -86,7 +87,7 @@ void printEnd(const CarryReport& report, const CarryRun& run, const Output& outp
     const std::size_t parked = lost + report.parked.size() - report.returnedCount();
     const std::size_t carried = report.marks.size() + report.parked.size() - parked;
     const std::string what = fmt::format("{} and {}", counted(carried, "signal"), clientsOf(report));
-    output.out << fmt::format("{}: {} {}", printable(std::string_view(run.output)),
+    output.out << fmt::format("{}: {} {}", printable(std::string_view(calledWhenSaved(run.output))),
                               run.isDryRun ? "dry run, not saved; would have" : "saved with", what);
     output.out << (parked > 0 ? fmt::format("; {} parked\n", counted(parked, "mark")) : "\n");
 }

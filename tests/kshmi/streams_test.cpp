@@ -85,6 +85,24 @@ TEST_F(Streams, anErrorLetsNothingOut) {
     EXPECT_EQ(err.str(), "kshmi: standard output: the model cannot be written there\n");
 }
 
+TEST_F(Streams, whatIsMadeOfOtherFilesGoesOutToo) {
+    const std::string ours = write(kModel);
+    const Finished merged = run({"merge", ours, ours, ours, "-o", "-"});
+    EXPECT_EQ(merged.out, kModel);
+    EXPECT_EQ(merged.err, "standard output: merged, with 2 signals and 2 clients\n");
+    write(R"({"kestrelModel": 1, "name": "m", "blocks": [{"path": "A", "eid": "1", "outputs": ["y"]}]})", "next.json");
+    const Finished carried = run({"carry", ours, path("next.json"), "-o", "-", "--json"});
+    EXPECT_EQ(carried.code, 1);
+    expectParts(carried.out, {"\"kestrelModel\": 1", "\"u-1\""});
+    expectParts(carried.err, {"\"command\": \"carry\""});
+    write(R"(<fmiModelDescription fmiVersion="2.0" modelName="u"><ModelVariables>
+        <ScalarVariable name="a.x" causality="output"/></ModelVariables></fmiModelDescription>)",
+          "unit.xml");
+    const Finished imported = run({"import", path("unit.xml"), "-o", "-"});
+    expectParts(imported.out, {"\"kestrelModel\": 1", "\"outputs\": [\"x\"]"});
+    expectParts(imported.err, {"standard output: saved with 1 block and 1 port"});
+}
+
 TEST_F(Streams, severalFilesAreLookedAtInTurn) {
     write(kModel);
     write(replaced(kModel, "\"name\": \"m\"", "\"name\": \"n\""), "other.json");
