@@ -92,6 +92,7 @@ class Site:
         self.places = places
         self.pages = {}
         self.files = {}
+        self.folders = {}
         self.template = string.Template((HERE / "page.html").read_text())
 
     def add(self, source):
@@ -104,7 +105,14 @@ class Site:
             if named and named.suffix == ".md":
                 self.add(named)
             elif named and named.is_file():
-                self.files[named] = f"files/{named.relative_to(self.root).as_posix()}"
+                self._add_file(named)
+            elif named and named.is_dir():
+                self.folders[named] = f"files/{named.relative_to(self.root).as_posix()}/index.html"
+                for file in filter(Path.is_file, named.iterdir()):
+                    self._add_file(file)
+
+    def _add_file(self, file):
+        self.files[file] = f"files/{file.relative_to(self.root).as_posix()}"
 
     def _place_of(self, source):
         relative = source.relative_to(self.root)
@@ -126,7 +134,7 @@ class Site:
     def _led(self, page, link):
         """The link as it is written on the page's HTML; one to something that the site lacks stays as it is."""
         named = self._named_file(page, link)
-        place = self.pages[named].place if named in self.pages else self.files.get(named)
+        place = self.pages[named].place if named in self.pages else (self.files | self.folders).get(named)
         if place is None:
             return link
         anchor = link.partition("#")[2]
@@ -182,7 +190,17 @@ class Site:
         for file, place in self.files.items():
             (self.target / place).parent.mkdir(parents=True, exist_ok=True)
             shutil.copyfile(file, self.target / place)
+        for folder, place in self.folders.items():
+            self._write_folder(folder, place)
         shutil.copyfile(HERE / "style.css", self.target / "style.css")
+
+    def _write_folder(self, folder, place):
+        title = html.escape(folder.relative_to(self.root).as_posix())
+        names = sorted(html.escape(file.name) for file in self.files if file.parent == folder)
+        entries = "".join(f'<li><a href="{name}">{name}</a></li>' for name in names)
+        body = f"<article><h1>{title}</h1><ul>{entries}</ul></article>"
+        (self.target / place).parent.mkdir(parents=True, exist_ok=True)
+        (self.target / place).write_text(self._framed(place, "../" * place.count("/"), title, body), encoding="utf-8")
 
     def _write_page(self, page):
         up = "../" * page.place.count("/")
