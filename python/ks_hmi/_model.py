@@ -118,6 +118,17 @@ class Model:
         """What `save` would write."""
         return _native.text(self._held)
 
+    # ---- blocks
+
+    def add_block(self, path: str, outputs: Texts = (), chart: bool = False, eid: str = "") -> Block:
+        """Adds a block with output ports of these names; parents need not be there. It gets an element identifier of
+        its own when none is given."""
+        return load(_native.addBlock(self._held, path, eid, _texts(outputs), chart))
+
+    def remove_block(self, path: str, below: bool = False, unmark: bool = False) -> ChangeReport:
+        """Removes a block: with `below` all that is below it, with `unmark` the signals on what goes."""
+        return ChangeReport(_native.removeBlock(self._held, path, below, unmark))
+
     # ---- what is observed
 
     def mark(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),

@@ -49,9 +49,9 @@ const char* wordOf(Remedy remedy) {
         case Remedy::usePatterns:
             return "a name is taken literally: give a pattern as all=";
         case Remedy::unmark:
-            return "unmark what is there first";
+            return "unmark=True removes that, too";
         case Remedy::removeBelow:
-            return "remove what is below first";
+            return "below=True removes all of it";
         case Remedy::removeDangling:
             return "open(file, dangling=True), then unmark(dangling=True), removes such signals";
         case Remedy::settleNames:

@@ -7,6 +7,7 @@
 #include "workbench/change/renaming.h"
 #include "workbench/find/reference.h"
 #include "workbench/model_file/model_file.h"
+#include "workbench/structure/blocks.h"
 #include "workbench/text/text.h"
 
 namespace ks_hmi_python {
@@ -30,7 +31,12 @@ void requireNoFile(const std::string& path) {
 
 ModelPtr openModel(const std::string& path, bool isDangling) {
     using enum Session::Opening;
-    return makeHeld<OpenModel>(path, isDangling ? lenient : strict);
+    ModelPtr model = makeHeld<OpenModel>(path, isDangling ? lenient : strict);
+    if (const std::size_t count = model->session().names().unsettled().size(); count > 0)
+        warn(path + ": " + counted(count, "mark") +
+             (count == 1 ? " does not stand where it was made" : " do not stand where they were made") +
+             "; check() tells more, and nothing is saved before that is settled");
+    return model;
 }
 
 ModelPtr newModel(const std::string& path, const std::string& name) {
@@ -83,6 +89,29 @@ void appendBlock(std::string& out, const Session& session, const kestrel::Block&
         appendJsonArray(out, itemsOf(block), place);
     }
     object.close();
+}
+
+std::string addBlockTo(OpenModel& model, const std::string& path, const std::string& eid,
+                       const std::vector<std::string>& outputs, bool isChart) {
+    NewBlock block{toUtf16(path), eid, {}, isChart};
+    for (const std::string& output : outputs) block.outputs.push_back(toUtf16(output));
+    std::string out;
+    appendBlock(out, model.session(), addBlock(model.session(), std::move(block)));
+    return out;
+}
+
+std::string removeBlock(OpenModel& model, const std::string& path, bool isBelow, bool isUnmarked) {
+    Session& session = model.session();
+    const std::u16string name = session.model().name();
+    const RemovedBlocks removed =
+        removeBlocks(session, resolveParent(session.model(), path), isBelow ? Below::remove : Below::refuse,
+                     isUnmarked ? Marks::remove : Marks::keep);
+    ChangeText text;
+    for (const std::u16string& block : removed.blocks) {
+        JsonObject object(text.removed());
+        object.text("kind", std::string_view("block")).text("block", name + u"/" + block).close();
+    }
+    return text.take("block", session);
 }
 
 // Elements `from` to `to` of a list, 0-based.
@@ -162,6 +191,8 @@ void bindModels(py::module_& module) {
     def(module, "origin", origin);
     def(module, "blocks", blocks);
     def(module, "blockCalled", blockCalled);
+    def(module, "addBlock", addBlockTo);
+    def(module, "removeBlock", removeBlock);
     def(module, "signals", signals);
     def(module, "signalNumber", signalNumber);
     def(module, "clients", clients);

@@ -121,6 +121,9 @@ def test_files_are_checked_compared_and_carried(cruise, tmp_path):
     assert report and report.counts.renumbered == 1 and "renumbered" in repr(report)
     assert ks_hmi.diff(cruise, cruise).same and not ks_hmi.diff(cruise, cruise)
     assert ks_hmi.diff(cruise, tmp_path / "carried.json").signals.changed
+    other.write_text(json.dumps(contents))
+    with pytest.warns(ks_hmi.ModelWarning, match="1 mark does not stand where it was made"):
+        ks_hmi.open(other).close()
     contents["signals"][0]["UUID"] = contents["signals"][1]["UUID"]
     other.write_text(json.dumps(contents))
     checked = ks_hmi.check(other)
@@ -132,8 +135,15 @@ def test_files_are_checked_compared_and_carried(cruise, tmp_path):
 
 def test_models_are_made_and_imported(tmp_path, cruise):
     with ks_hmi.new(tmp_path / "fresh.json") as fresh:
-        fresh.save()
         assert fresh.name == "fresh" and not fresh.blocks
+        made = fresh.add_block("Plant/Engine", ["torque", "speed"])
+        fresh.mark(made.outputs[1])
+        with pytest.raises(ks_hmi.Error, match="unmark=True"):
+            fresh.remove_block("Plant/Engine")
+        assert [one.block for one in fresh.remove_block("Plant", below=True, unmark=True).removed] == [made.block]
+        fresh.add_block("Mode", chart=True)
+        fresh.save()
+        assert not fresh.signals and fresh.mark("Mode", activity="Self")
     with pytest.raises(ks_hmi.Error, match="exists already"):
         ks_hmi.new(cruise)
     source = cruise.parent / "car.ssd"
