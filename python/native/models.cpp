@@ -102,14 +102,14 @@ std::string addBlockTo(OpenModel& model, const std::string& path, const std::str
 
 std::string removeBlock(OpenModel& model, const std::string& path, bool isBelow, bool isUnmarked) {
     Session& session = model.session();
-    const std::u16string name = session.model().name();
+    const std::u16string modelInFront = session.model().name() + u"/";
     const RemovedBlocks removed =
         removeBlocks(session, resolveParent(session.model(), path), isBelow ? Below::remove : Below::refuse,
                      isUnmarked ? Marks::remove : Marks::keep);
     ChangeText text;
     for (const std::u16string& block : removed.blocks) {
         JsonObject object(text.removed());
-        object.text("kind", std::string_view("block")).text("block", name + u"/" + block).close();
+        object.text("kind", std::string_view("block")).text("block", modelInFront + block).close();
     }
     return text.take("block", session);
 }
