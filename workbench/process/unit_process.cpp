@@ -24,6 +24,11 @@ constexpr std::chrono::seconds kGrace{2};
 // With what fills it up to whole slots.
 constexpr std::size_t paddedSize(std::size_t size) noexcept { return (size + 7) / 8 * 8; }
 
+template <class Enumeration>
+constexpr bool isUpTo(char byte, Enumeration last) noexcept {
+    return static_cast<unsigned char>(byte) <= static_cast<unsigned char>(last);
+}
+
 // Takes the stream apart. The unit may have written anything over it.
 class Decoder {
 public:
@@ -59,7 +64,7 @@ private:
             case UnitMessage::log:
                 return takeLog(head.time, body);
             case UnitMessage::end:
-                if (body.empty() || body.front() > static_cast<char>(UnitEndKind::hung)) return false;
+                if (body.empty() || !isUpTo(body.front(), UnitEndKind::hung)) return false;
                 m_end = UnitEnd{static_cast<UnitEndKind>(body.front()), head.time, std::string(body.substr(1))};
                 return true;
         }
@@ -76,7 +81,7 @@ private:
 
     bool takeLog(double time, std::string_view body) {
         const std::size_t end = body.find('\0', 1);
-        if (end == std::string_view::npos || body.front() > static_cast<char>(UnitLogLevel::error)) return false;
+        if (end == std::string_view::npos || !isUpTo(body.front(), UnitLogLevel::error)) return false;
         const auto level = static_cast<UnitLogLevel>(body.front());
         const std::string_view text = body.substr(end + 1);
         if (level == UnitLogLevel::error) m_lastError = text;
