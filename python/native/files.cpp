@@ -30,7 +30,7 @@ namespace {
 using Words = std::vector<std::string>;
 
 void warnOf(const std::string& file, const std::vector<std::string>& warnings) {
-    for (const std::string& warning : warnings) warn(file + ": " + warning);
+    for (const std::string& warning : warnings) warn(fmt::format("{}: {}", file, warning));
 }
 
 FindingKinds kindsOf(const Words& words) {
