@@ -12,7 +12,9 @@ bool isCell(const hvArray* value) { return hvGetClassID(value) == hvCELL_CLASS; 
 
 std::vector<const char*> fieldsOf(const hvArray* value) {
     std::vector<const char*> names;
-    for (int i = 0; i < hvGetNumberOfFields(value); ++i) names.push_back(hvGetFieldNameByNumber(value, i));
+    const int count = hvGetNumberOfFields(value);
+    names.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) names.push_back(hvGetFieldNameByNumber(value, i));
     return names;
 }
 
