@@ -60,7 +60,7 @@ is_there() {
         python3-pytest) /usr/bin/python3 -c 'import pytest' 2>/dev/null ;;
         python3-markdown-it) /usr/bin/python3 -c 'import markdown_it' 2>/dev/null ;;
         python3-clang-14) /usr/bin/python3 -c 'import clang.cindex' 2>/dev/null ;;
-        *) if have dpkg-query; then has_package "$1"; else has_header "${headers[$1]}"; fi ;;
+        *) if have dpkg-query; then has_package "$1"; elif [[ -n ${headers[$1]:-} ]]; then has_header "${headers[$1]}"; else return 1; fi ;;
     esac
 }
 
