@@ -13,7 +13,7 @@
 namespace ks_fuzz {
 
 void enterHost() {
-    static const orvex::LoadedLibrary library("libks_hmi_foundation.so");
+    static const orvex::LoadedLibrary library(KS_HMI_LIBRARY_NAME);
     kestrel::installHostSide();
 }
 

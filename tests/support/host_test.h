@@ -25,7 +25,7 @@ inline std::string utf8(const std::u16string& text) { return fl::i18n::to_string
 class HostTest : public ::testing::Test {
 protected:
     HostTest() {
-        static const orvex::LoadedLibrary library("libks_hmi_foundation.so");
+        static const orvex::LoadedLibrary library(KS_HMI_LIBRARY_NAME);
         kestrel::installHostSide();
         ks_hmi::SignalSpecification::getBlockUUIDmap().clear();
         orvex::clearWarnings();
