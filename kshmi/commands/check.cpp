@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <functional>
 #include <optional>
 
@@ -9,6 +10,7 @@
 #include "kshmi/print/findings.h"
 #include "kshmi/print/sarif.h"
 #include "workbench/check/settling.h"
+#include "workbench/files/standard_stream.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -107,6 +109,8 @@ private:
 int runCheck(const CheckArguments& arguments, const Output& output) {
     if (arguments.isDryRun && arguments.mend.empty())
         throw Error("--dry-run is for --mend; a check alone changes nothing");
+    if (!arguments.mend.empty() && std::ranges::count(arguments.files, kStandardStream) != 0)
+        throw Error("standard input cannot be mended, the findings go to the output; name a file to mend it in");
     kshmi::enterHost(output.err);
     return Check(arguments, output).run();
 }

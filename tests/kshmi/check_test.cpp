@@ -156,6 +156,7 @@ TEST_F(CheckCommand, filesAreCheckedEachOnItsOwnAndTheWorstCounts) {
     EXPECT_GT(absent.code, 1);
     expectParts(absent.out, {"absent.json: error KS101: cannot be opened", "KS102"});
     EXPECT_GT(check({path(), "--mend", "gone"}).code, 1);
+    EXPECT_EQ(check({"-", "--mend", "names"}).code, 2);
     EXPECT_GT(check({path(), "--dry-run"}).code, 1);
     EXPECT_EQ(check({path("broken.json"), "--mend", "all"}).code, 1);
 }
