@@ -5,6 +5,7 @@
 #include "kshmi/commands/selecting.h"
 #include "kshmi/print/change_report.h"
 #include "kshmi/print/json_records.h"
+#include "workbench/change/mark_target.h"
 #include "workbench/change/marking.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -24,34 +25,17 @@ struct MarkArguments {
     ChangeOptions options;
 };
 
-struct Wanted {
-    SignalSource source;
-    std::u16string activity;  // of a chart item
-    bool isMarked;            // already
-};
-
-std::vector<Wanted> wantedOf(const Session& session, const MarkArguments& arguments, const Output& output) {
-    const ReferenceOptions& options = arguments.what.selection.options;
-    std::vector<Wanted> wanted;
-    for (SignalSource& source : select(session.model(), arguments.what, output).sources()) {
-        std::u16string activity = source.item ? activityFor(*source.item, options) : std::u16string();
-        const bool isThere = !arguments.isAgain && isMarked(session, source, activity);
-        wanted.push_back({std::move(source), std::move(activity), isThere});
-    }
-    return wanted;
-}
-
-std::string describe(const kestrel::Model& model, const Wanted& wanted) {
+std::string describe(const kestrel::Model& model, const MarkTarget& wanted) {
     const std::string name = printable(fullName(model, wanted.source));
     if (wanted.source.item) return fmt::format("{} ({})", name, printable(wanted.activity));
     return fmt::format("{} ({})", name, printable(portName(wanted.source)));
 }
 
 // Settings are for new signals: what is marked would not get them.
-void requireUnmarked(const Session& session, const std::vector<Wanted>& wanted) {
+void requireUnmarked(const Session& session, const std::vector<MarkTarget>& wanted) {
     std::size_t count = 0;
-    const Wanted* first = nullptr;
-    for (const Wanted& one : wanted) {
+    const MarkTarget* first = nullptr;
+    for (const MarkTarget& one : wanted) {
         if (one.isMarked && count++ == 0) first = &one;
     }
     if (count == 0) return;
@@ -62,7 +46,7 @@ void requireUnmarked(const Session& session, const std::vector<Wanted>& wanted) 
                     describe(session.model(), *first), others));
 }
 
-void keep(const Session& session, const Wanted& wanted, Fate fate, const std::string& what, ChangeReport& report) {
+void keep(const Session& session, const MarkTarget& wanted, Fate fate, const std::string& what, ChangeReport& report) {
     report.keep(fate, "already marked " + what, [&](JsonObject& object) {
         object.text("kind", std::string_view("signal"));
         appendSource(object, session.model(), wanted.source);
@@ -74,10 +58,12 @@ int runMark(const MarkArguments& arguments, const Output& output) {
     requireSelection(arguments.what, false);
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    const std::vector<Wanted> wanted = wantedOf(session, arguments, output);
+    const std::vector<MarkTarget> wanted =
+        markTargets(session, select(session.model(), arguments.what, output).sources(),
+                    arguments.what.selection.options, arguments.isAgain);
     if (arguments.settings.isAny() && !arguments.isMarkedSkipped) requireUnmarked(session, wanted);
     ChangeReport report(output, "mark", arguments.options, session);
-    for (const Wanted& one : wanted) {
+    for (const MarkTarget& one : wanted) {
         const std::string what = describe(session.model(), one);
         if (one.isMarked) {
             keep(session, one, arguments.settings.isAny() ? Fate::skipped : Fate::unchanged, what, report);

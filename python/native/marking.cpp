@@ -6,6 +6,7 @@
 
 #include "python/native/json_text.h"
 #include "python/native/open_model.h"
+#include "workbench/change/mark_target.h"
 #include "workbench/change/marking.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/text/text.h"
@@ -34,13 +35,7 @@ SignalSettings settingsOf(const py::dict& given) {
     return settings;
 }
 
-struct Wanted {
-    SignalSource source;
-    std::u16string activity;
-    bool isMarked;
-};
-
-void appendWanted(std::string& out, const Session& session, const Wanted& wanted) {
+void appendWanted(std::string& out, const Session& session, const MarkTarget& wanted) {
     JsonObject object(out);
     object.text("kind", std::string_view("signal"));
     kshmi::appendSource(object, session.model(), wanted.source);
@@ -59,7 +54,7 @@ public:
         if (!m_isDone) takeBack();
     }
 
-    void mark(const Wanted& wanted, ChangeText& text) {
+    void mark(const MarkTarget& wanted, ChangeText& text) {
         addSignal(m_session, wanted.source, wanted.activity, m_settings);
         appendSignalThing(text.added(), m_session, m_session.signals().getCount() - 1);
     }
@@ -81,19 +76,9 @@ private:
     bool m_isDone = false;
 };
 
-std::vector<Wanted> wantedOf(const Session& session, const Chosen& chosen, bool isAgain) {
-    std::vector<Wanted> wanted;
-    for (SignalSource& source : chosen.selected.sources()) {
-        std::u16string activity = source.item ? activityFor(*source.item, chosen.options) : std::u16string();
-        const bool isThere = !isAgain && isMarked(session, source, activity);
-        wanted.push_back({std::move(source), std::move(activity), isThere});
-    }
-    return wanted;
-}
-
 // Settings are for new signals: what is marked would not get them.
-void requireUnmarked(const Session& session, const std::vector<Wanted>& wanted) {
-    const auto first = std::ranges::find_if(wanted, &Wanted::isMarked);
+void requireUnmarked(const Session& session, const std::vector<MarkTarget>& wanted) {
+    const auto first = std::ranges::find_if(wanted, &MarkTarget::isMarked);
     if (first == wanted.end()) return;
     throw Error(
         fmt::format("{} is marked already; set() changes the settings, skip_marked=True marks only the others, "
@@ -105,11 +90,12 @@ std::string mark(OpenModel& model, const py::dict& selection, const py::dict& gi
                  bool isMarkedSkipped) {
     Session& session = model.session();
     const SignalSettings settings = settingsOf(given);
-    const std::vector<Wanted> wanted = wantedOf(session, choose(session, selection), isAgain);
+    const Chosen chosen = choose(session, selection);
+    const std::vector<MarkTarget> wanted = markTargets(session, chosen.selected.sources(), chosen.options, isAgain);
     if (settings.isAny() && !isMarkedSkipped) requireUnmarked(session, wanted);
     ChangeText text;
     Marking marking(session, settings);
-    for (const Wanted& one : wanted) {
+    for (const MarkTarget& one : wanted) {
         if (one.isMarked)
             appendWanted(settings.isAny() ? text.skipped() : text.unchanged(), session, one);
         else

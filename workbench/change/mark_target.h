@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "workbench/find/reference.h"
+#include "workbench/session/session.h"
+#include "workbench/session/signal_source.h"
+
+namespace workbench {
+
+/// A port or chart item that is to be marked.
+struct MarkTarget {
+    SignalSource source;
+    std::u16string activity;  ///< of a chart item
+    bool isMarked = false;    ///< already, and not to be marked again
+};
+
+/// The sources in their order, chart items with the activity that the options name. With `isAgain` none counts as
+/// marked. Throws `Error` for an activity that an item does not have.
+std::vector<MarkTarget> markTargets(const Session& session, std::vector<SignalSource> sources,
+                                    const ReferenceOptions& options, bool isAgain);
+
+}  // namespace workbench
