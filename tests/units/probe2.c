@@ -7,10 +7,13 @@
 #include <unistd.h>
 
 #include "fmi.h"
+#include "hostile.h"
 
 enum { SINE, FED, FETCHED_REALS, GAIN = 10, INPUT = 11, WIDE = 100 }; /* reals; from WIDE on any number of them */
 enum { COUNT, MODE, BEHAVIOUR, FETCHED };                             /* integers */
 enum { WELL, CRASH, HANG, FAIL, DISCARD, FINISH, LEAVE, SPAM, ABORT_AT_END, CHATTER, HANG_AT_END, FAIL_AT_START };
+enum { CLOSE_FILES = FAIL_AT_START + 1, LEAVE_PROCESSES, STAND_STILL, COMPLAIN, WRITE_OVER = 1000 };
+enum { COMPLAINTS = 1000 };
 
 typedef struct {
     const Fmi2Callbacks* callbacks;
@@ -79,6 +82,19 @@ static int misbehave(Unit* unit) {
             return FMI_DISCARD;
         case LEAVE:
             exit(3);
+        case CLOSE_FILES:
+            closeAllFiles();
+            return FMI_OK;
+        case LEAVE_PROCESSES:
+            leaveProcesses();
+            unit->behaviour = WELL;
+            return FMI_OK;
+        case STAND_STILL:
+            raise(SIGSTOP);
+            return FMI_OK;
+        case COMPLAIN:
+            for (int i = 0; i < COMPLAINTS; ++i) say(unit, FMI_ERROR, "\xC3\x28 \x1B[31m %s %n");
+            return FMI_OK;
         default:
             return FMI_OK;
     }
@@ -93,6 +109,7 @@ FMI_EXPORT int fmi2DoStep(void* any, double time, double size, int final) {
     }
     unit->time = time + size;
     ++unit->steps;
+    if (unit->behaviour >= WRITE_OVER) writeOverSharedMemory((unsigned)unit->behaviour);
     if (unit->behaviour == CHATTER) say(unit, FMI_OK, "stepped");
     if (unit->behaviour == SPAM) puts("spam on standard output"), fflush(stdout);
     return FMI_OK;

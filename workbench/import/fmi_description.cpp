@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -44,7 +45,7 @@ std::optional<Number> numberOf(std::string_view text) {
     Number number{};
     const char* const end = text.data() + text.size();
     const auto [stop, code] = std::from_chars(text.data(), end, number);
-    if (code != std::errc() || stop != end) return std::nullopt;
+    if (code != std::errc() || stop != end || !std::isfinite(static_cast<double>(number))) return std::nullopt;
     return number;
 }
 

@@ -32,12 +32,16 @@ void leaveStandardStreams() {
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
 }
 
+// What is open here is not the unit's to write to.
+void closeOthersFiles() { ::close_range(STDERR_FILENO + 1, ~0U, 0); }
+
 [[noreturn]] void beChild(pid_t parent, const std::function<void()>& work) {
     ::setpgid(0, 0);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent) ::_exit(EXIT_FAILURE);
     forgetSignals();
     leaveStandardStreams();
+    closeOthersFiles();
     work();
     ::_exit(EXIT_SUCCESS);
 }

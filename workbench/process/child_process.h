@@ -11,8 +11,9 @@ namespace workbench {
 /// A forked process, in a process group of its own. It and what it has started are gone with this object.
 class ChildProcess {
 public:
-    /// Has the child do the work and exit. It has none of this process's signal handlers, nothing on standard input,
-    /// and standard output leads to standard error; it is killed when this process ends. Throws `Error`.
+    /// Has the child do the work and exit. It has none of this process's signal handlers and open files, nothing on
+    /// standard input, and standard output leads to standard error; it is killed when this process ends. Throws
+    /// `Error`.
     explicit ChildProcess(const std::function<void()>& work);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;

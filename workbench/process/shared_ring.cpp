@@ -1,6 +1,9 @@
 #include "workbench/process/shared_ring.h"
 
+#include <linux/futex.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -17,18 +20,20 @@ constexpr std::size_t kMostAtOnce = SharedRing::kCapacity / 4;
 // Wake-ups that get lost cost no more than this.
 constexpr int kPatience = 50;
 constexpr long kNanosecondsOfMillisecond = 1'000'000;
-constexpr long kNanosecondsOfSecond = 1'000'000'000;
-
-void waitFor(sem_t& semaphore, int milliseconds) {
-    timespec end{};
-    ::clock_gettime(CLOCK_REALTIME, &end);
-    end.tv_nsec += milliseconds * kNanosecondsOfMillisecond;
-    end.tv_sec += end.tv_nsec / kNanosecondsOfSecond;
-    end.tv_nsec %= kNanosecondsOfSecond;
-    ::sem_timedwait(&semaphore, &end);
-}
 
 }  // namespace
+
+// A semaphore of the C library ends the program when its memory was written over; the system says no, and that is all.
+void SharedRing::waitFor(Word& word, std::uint32_t known, int milliseconds) noexcept {
+    const timespec time{0, milliseconds * kNanosecondsOfMillisecond};
+    ::syscall(SYS_futex, &word, FUTEX_WAIT, known, &time, nullptr, 0);
+}
+
+void SharedRing::wake(Word& waits, Word& word) noexcept {
+    if (waits.exchange(0) == 0) return;
+    ++word;
+    ::syscall(SYS_futex, &word, FUTEX_WAKE, 1, nullptr, nullptr, 0);
+}
 
 SharedRing::SharedRing()
     : m_memory(::mmap(nullptr, kHeadRoom + kCapacity, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
@@ -36,8 +41,6 @@ SharedRing::SharedRing()
     if (m_memory == MAP_FAILED) throw std::bad_alloc();
     m_shared = new (m_memory) Shared;
     m_bytes = static_cast<char*>(m_memory) + kHeadRoom;
-    ::sem_init(&m_shared->sent, 1, 0);
-    ::sem_init(&m_shared->received, 1, 0);
 }
 
 SharedRing::~SharedRing() { ::munmap(m_memory, kHeadRoom + kCapacity); }
@@ -47,13 +50,14 @@ std::size_t SharedRing::room() {
     if (m_head - m_knownTail == kAll) m_knownTail = m_shared->tail.load(std::memory_order_acquire);
     while (m_head - m_knownTail == kAll) {
         publish();
-        m_shared->senderWaits = true;
+        const std::uint32_t known = m_shared->received.load();
+        m_shared->senderWaits = 1;
         m_knownTail = m_shared->tail.load();
         if (m_head - m_knownTail == kAll) {
             flush();
-            waitFor(m_shared->received, kPatience);
+            waitFor(m_shared->received, known, kPatience);
         }
-        m_shared->senderWaits = false;
+        m_shared->senderWaits = 0;
         m_knownTail = m_shared->tail.load(std::memory_order_acquire);
     }
     return static_cast<std::size_t>(kAll - (m_head - m_knownTail));
@@ -82,7 +86,7 @@ void SharedRing::send(const void* head, std::size_t headSize, const void* body, 
 
 void SharedRing::flush() {
     m_told = m_head;
-    if (m_shared->receiverWaits.exchange(false)) ::sem_post(&m_shared->sent);
+    wake(m_shared->receiverWaits, m_shared->sent);
 }
 
 void SharedRing::tellTime(double time) noexcept {
@@ -100,14 +104,15 @@ bool SharedRing::receive(std::string& out) {
     out.append(m_bytes, size - first);
     m_tail += size;
     m_shared->tail.store(m_tail);
-    if (m_shared->senderWaits.exchange(false)) ::sem_post(&m_shared->received);
+    wake(m_shared->senderWaits, m_shared->received);
     return true;
 }
 
 void SharedRing::wait(int milliseconds) {
-    m_shared->receiverWaits = true;
-    if (m_shared->head.load() == m_tail) waitFor(m_shared->sent, milliseconds);
-    m_shared->receiverWaits = false;
+    const std::uint32_t known = m_shared->sent.load();
+    m_shared->receiverWaits = 1;
+    if (m_shared->head.load() == m_tail) waitFor(m_shared->sent, known, milliseconds);
+    m_shared->receiverWaits = 0;
 }
 
 }  // namespace workbench

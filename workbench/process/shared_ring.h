@@ -1,7 +1,5 @@
 #pragma once
 
-#include <semaphore.h>
-
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +9,8 @@
 namespace workbench {
 
 /// Bytes on their way from a forked process to the one that made this, in memory that both share: what was sent is
-/// there even when the sender crashes. The sender may write anything over it, so the receiver checks what it finds.
+/// there even when the sender crashes. The sender may write anything over it, so the receiver believes nothing that it
+/// finds there, and waits for nothing longer than it was told to.
 class SharedRing {
 public:
     static constexpr std::size_t kCapacity = std::size_t{1} << 22U;
@@ -30,7 +29,7 @@ public:
     void flush();
     /// Says that the sender is alive, and at which simulated time.
     void tellTime(double time) noexcept;
-    bool isToStop() const noexcept { return m_shared->isToStop.load(std::memory_order_relaxed); }
+    bool isToStop() const noexcept { return m_shared->isToStop.load(std::memory_order_relaxed) != 0; }
 
     // ---- the receiver ----
 
@@ -41,20 +40,25 @@ public:
     /// Changes whenever the sender tells the time.
     std::uint64_t beat() const noexcept { return m_shared->beat.load(std::memory_order_relaxed); }
     double time() const noexcept { return m_shared->time.load(std::memory_order_relaxed); }
-    void askToStop() noexcept { m_shared->isToStop = true; }
+    void askToStop() noexcept { m_shared->isToStop = 1; }
 
 private:
+    // Numbers only: whatever is written over them is one.
+    using Word = std::atomic<std::uint32_t>;
     struct Shared {
         alignas(64) std::atomic<std::uint64_t> head{0};  ///< bytes ever sent
         std::atomic<std::uint64_t> beat{0};
         std::atomic<double> time{0.0};
-        std::atomic<bool> senderWaits{false};
+        Word senderWaits{0};
+        Word sent{0};                                    ///< counts wake-ups of the receiver
         alignas(64) std::atomic<std::uint64_t> tail{0};  ///< bytes ever received
-        std::atomic<bool> receiverWaits{false};
-        std::atomic<bool> isToStop{false};
-        sem_t sent{};
-        sem_t received{};
+        Word receiverWaits{0};
+        Word received{0};  ///< counts wake-ups of the sender
+        Word isToStop{0};
     };
+    static_assert(Word::is_always_lock_free);
+    static void waitFor(Word& word, std::uint32_t known, int milliseconds) noexcept;
+    static void wake(Word& waits, Word& word) noexcept;
 
     void put(const void* bytes, std::size_t size);
     void publish();

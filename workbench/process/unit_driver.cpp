@@ -10,8 +10,6 @@
 #include <thread>
 #include <utility>
 
-#include "workbench/text/text.h"
-
 namespace workbench {
 
 namespace {
@@ -44,8 +42,7 @@ public:
     void log(UnitLogLevel level, std::string_view category, std::string_view text) {
         if (!m_sendsLog && level != UnitLogLevel::error) return;
         std::string body(1, static_cast<char>(level));
-        // Bytes that are no UTF-8 are mended here, once.
-        body += toUtf8(toUtf16(category)) + '\0' + toUtf8(toUtf16(text));
+        body.append(category).append(1, '\0').append(text);
         if (std::this_thread::get_id() != m_thread) {
             const std::lock_guard lock(m_mutex);
             m_queued.push_back(std::move(body));
@@ -61,7 +58,7 @@ public:
         if (std::exchange(m_hasEnded, true)) return;
         sendQueued();
         m_body.assign(1, static_cast<char>(kind));
-        m_body += toUtf8(toUtf16(text));
+        m_body += text;
         sendBody(UnitMessage::end, m_time);
         m_ring.flush();
     }

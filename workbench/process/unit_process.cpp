@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstring>
 #include <optional>
 
 #include "workbench/process/child_process.h"
 #include "workbench/process/unit_driver.h"
+#include "workbench/text/text.h"
 
 namespace workbench {
 
@@ -20,6 +22,12 @@ constexpr int kPause = 50;  // milliseconds
 constexpr std::chrono::milliseconds kBetweenProgress{200};
 // What a unit may take for its last step, and for going.
 constexpr std::chrono::seconds kGrace{2};
+
+// Of what a unit says, so much is told.
+constexpr std::size_t kMostSaid = std::size_t{1} << 14U;
+
+// Bytes that are no UTF-8 are mended.
+std::string said(std::string_view text) { return toUtf8(toUtf16(text.substr(0, kMostSaid))); }
 
 // With what fills it up to whole slots.
 constexpr std::size_t paddedSize(std::size_t size) noexcept { return (size + 7) / 8 * 8; }
@@ -33,7 +41,7 @@ constexpr bool isUpTo(char byte, Enumeration last) noexcept {
 class Decoder {
 public:
     Decoder(const UnitTask& task, const UnitControl& control, UnitListener& listener)
-        : m_listener(listener), m_slots(task.slotCount), m_logs(control.logs) {}
+        : m_listener(listener), m_slots(task.slotCount), m_logs(control.logs), m_time(task.experiment.start) {}
 
     std::string& pending() noexcept { return m_pending; }
 
@@ -55,9 +63,12 @@ public:
 
     const std::optional<UnitEnd>& end() const noexcept { return m_end; }
     const std::string& lastError() const noexcept { return m_lastError; }
+    double time() const noexcept { return m_time; }
 
 private:
     bool take(const UnitMessageHead& head, std::string_view body) {
+        if (!std::isfinite(head.time) || head.time < m_time) return false;
+        m_time = head.time;
         switch (head.message) {
             case UnitMessage::sample:
                 return takeSample(head.time, body);
@@ -65,7 +76,7 @@ private:
                 return takeLog(head.time, body);
             case UnitMessage::end:
                 if (body.empty() || !isUpTo(body.front(), UnitEndKind::hung)) return false;
-                m_end = UnitEnd{static_cast<UnitEndKind>(body.front()), head.time, std::string(body.substr(1))};
+                m_end = UnitEnd{static_cast<UnitEndKind>(body.front()), head.time, said(body.substr(1))};
                 return true;
         }
         return false;
@@ -83,15 +94,16 @@ private:
         const std::size_t end = body.find('\0', 1);
         if (end == std::string_view::npos || !isUpTo(body.front(), UnitLogLevel::error)) return false;
         const auto level = static_cast<UnitLogLevel>(body.front());
-        const std::string_view text = body.substr(end + 1);
+        const std::string text = said(body.substr(end + 1));
         if (level == UnitLogLevel::error) m_lastError = text;
-        if (m_logs) m_listener.message(time, level, body.substr(1, end - 1), text);
+        if (m_logs) m_listener.message(time, level, said(body.substr(1, end - 1)), text);
         return true;
     }
 
     UnitListener& m_listener;
     std::vector<std::uint64_t> m_slots;
     bool m_logs;
+    double m_time;
     std::string m_pending;
     std::uint64_t m_number = 0;
     std::optional<UnitEnd> m_end;
@@ -148,17 +160,22 @@ private:
             stop(m_decoder.end()->kind, m_decoder.end()->message);
         if (now - m_toldAt < kBetweenProgress) return;
         m_toldAt = now;
-        m_listener.progress(m_ring.time());
+        m_listener.progress(time());
     }
 
     void stop(UnitEndKind kind, const std::string& message) {
         if (m_killed) return;
-        m_killed = UnitEnd{kind, m_ring.time(), message};
+        m_killed = UnitEnd{kind, time(), message};
         m_process.kill();
     }
 
+    double time() const noexcept {
+        const double told = m_ring.time();
+        return std::isfinite(told) ? told : m_decoder.time();
+    }
+
     UnitEnd end() const {
-        UnitEnd end{UnitEndKind::crashed, m_ring.time(), ""};
+        UnitEnd end{UnitEndKind::crashed, time(), ""};
         const std::optional<std::string> mishap = m_process.mishap();
         if (m_decoder.end() && (m_killed || !mishap || m_decoder.end()->kind != UnitEndKind::done))
             end = *m_decoder.end();

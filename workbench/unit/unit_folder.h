@@ -19,7 +19,7 @@ public:
 
 private:
     std::string m_path;
-    int m_lock = -1;  ///< held by this process and those that it forks
+    int m_lock = -1;
 };
 
 }  // namespace workbench

@@ -42,7 +42,12 @@ enum Behaviour {
     kAbortAtEnd,
     kChatter,
     kHangAtEnd,
-    kFailAtStart
+    kFailAtStart,
+    kCloseFiles,
+    kLeaveProcesses,
+    kStandStill,
+    kComplain,
+    kWriteOver = 1000  ///< and above, each in another way
 };
 
 class RecordTest : public KshmiTest {
@@ -96,7 +101,7 @@ protected:
         std::replace(csv.begin(), csv.end(), ',', ' ');
         return csv;
     }
-    std::string setTo(Behaviour behaviour) const { return "--set behaviour=" + std::to_string(behaviour) + " "; }
+    static std::string setTo(int behaviour) { return "--set behaviour=" + std::to_string(behaviour) + " "; }
 
 private:
     std::string m_temporary;
