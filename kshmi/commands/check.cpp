@@ -34,7 +34,7 @@ struct CheckArguments {
 class Check {
 public:
     Check(const CheckArguments& arguments, const Output& output)
-        : m_arguments(arguments), m_output(output), m_kinds(requireKinds(arguments.mend, isMendable, "--mend")) {}
+        : m_arguments(arguments), m_output(output), m_kinds(findingKindsCalled(arguments.mend, isMendable, "--mend")) {}
 
     int run() {
         begin();

@@ -10,7 +10,6 @@
 
 #include "kshmi/print/findings.h"
 #include "workbench/files/standard_stream.h"
-#include "workbench/json/json_file.h"
 #include "workbench/text/error.h"
 #include "workbench/text/nearest.h"
 #include "workbench/text/text.h"
@@ -33,18 +32,6 @@ void addSwitch(CLI::App& command, const std::string& on, const std::string& off,
         .add_flag_callback(
             off, [&value] { value = false; }, opposite)
         ->excludes(first);
-}
-
-HvArrayPtr valueOf(const std::string& json) {
-    JsonFile text = JsonFile::ofText("--params", json);
-    HostValueBuilder builder;
-    try {
-        text.read(builder);
-    } catch (const Error& error) {
-        if (!error.place().file.empty()) throw;
-        text.fail(builder.pointer(), error.text());
-    }
-    return builder.take();
 }
 
 // For a command line.
@@ -124,7 +111,7 @@ void addClientSettings(CLI::App& command, ClientArguments& arguments) {
 
 ClientSettings settingsOf(const ClientArguments& arguments) {
     if (arguments.type && arguments.type->empty()) throw Error("the kind of client is empty; name it");
-    return {arguments.type,        arguments.params ? valueOf(*arguments.params) : nullptr,
+    return {arguments.type,        arguments.params ? hostValueOf("--params", *arguments.params) : nullptr,
             arguments.updateRate,  arguments.channel,
             arguments.isImaginary, arguments.busLeaf};
 }

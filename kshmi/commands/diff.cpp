@@ -2,8 +2,8 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/commands/compared_file.h"
 #include "kshmi/print/diff_report.h"
+#include "workbench/compare/compared_file.h"
 #include "workbench/compare/diff.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"

@@ -63,15 +63,14 @@ int runMark(const MarkArguments& arguments, const Output& output) {
                     arguments.what.selection.options, arguments.isAgain);
     if (arguments.settings.isAny() && !arguments.isMarkedSkipped) requireUnmarked(session, wanted);
     ChangeReport report(output, "mark", arguments.options, session);
+    std::size_t position = session.signals().getCount();
+    addSignals(session, wanted, arguments.settings);
     for (const MarkTarget& one : wanted) {
         const std::string what = describe(session.model(), one);
-        if (one.isMarked) {
+        if (one.isMarked)
             keep(session, one, arguments.settings.isAny() ? Fate::skipped : Fate::unchanged, what, report);
-            continue;
-        }
-        addSignal(session, one.source, one.activity, arguments.settings);
-        const std::size_t position = session.signals().getCount() - 1;
-        report.change("mark", "marked", fmt::format("{} as signal {}", what, position + 1));
+        else
+            report.change("mark", "marked", fmt::format("{} as signal {}", what, ++position));
     }
     if (arguments.settings.isExcludedFromSave.value_or(false))
         output.err << "warning: the saved file does not have what is excluded from saving; without "

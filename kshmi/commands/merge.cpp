@@ -1,11 +1,9 @@
-#include "workbench/compare/merge.h"
-
 #include <fmt/format.h>
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/commands/compared_file.h"
 #include "kshmi/print/diff_report.h"
+#include "workbench/compare/compared_file.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -22,10 +20,7 @@ struct MergeArguments {
 };
 
 int runMerge(const MergeArguments& arguments, const Output& output) {
-    const auto [ours, theirs] = readCompared(arguments.ours, arguments.theirs);
-    std::optional<ModelFile> base = readUnlessEmpty(arguments.base);
-    if (!base) base = newModelFile(ours.model.name());
-    const MergedModel merged = mergeModels(*base, ours, theirs);
+    const MergedModel merged = mergeFiles(arguments.base, arguments.ours, arguments.theirs);
     const Output beside = arguments.isDryRun ? output : saveModel(arguments.output, merged.file, output);
     if (arguments.isJson)
         printMergeJson(merged, arguments.output, arguments.isDryRun, beside);

@@ -3,9 +3,8 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
+#include "kshmi/print/structure_records.h"
 #include "workbench/change/moving.h"
-#include "workbench/find/reference.h"
-#include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -21,18 +20,11 @@ struct MoveArguments {
     ChangeOptions options;
 };
 
-std::u16string requirePath(const std::string& text, std::u16string path) {
-    const bool isBad = !kestrel::isBlockPath(path) || path.find(u'\0') != std::u16string::npos;
-    if (isBad) throw Error(inQuotes(text) + ": is not a path; give names with one '/' between them");
-    return path;
-}
-
 void tell(const kestrel::Model& model, const Moved& moved, ChangeReport& report) {
     for (const auto& [before, after] : moved.blocks)
         report.change(Fate::changed, "move", "moved", fmt::format("{} to {}", printable(before), printable(after)),
                       [&, from = before, to = after](JsonObject& object) {
-                          object.text("kind", std::string_view("block")).text("block", model.name() + u"/" + to);
-                          object.text("from", model.name() + u"/" + from);
+                          appendBlock(object, model.name() + u"/" + to, model.name() + u"/" + from);
                       });
     const std::string followers =
         fmt::format("{}, {}", counted(moved.signals, "signal"), counted(moved.clients, "client"));
@@ -42,13 +34,7 @@ void tell(const kestrel::Model& model, const Moved& moved, ChangeReport& report)
 int runMove(const MoveArguments& arguments, const Output& output) {
     kshmi::enterHost(output.err);
     Session session(arguments.file);
-    const std::u16string path = resolveParent(session.model(), arguments.block);
-    // Beside a block with the model's name, both paths are read in the way in which the first one is found.
-    const bool isLiteral = path != withoutModel(session.model(), arguments.block);
-    const std::u16string newPath =
-        requirePath(arguments.newPath, isLiteral && !arguments.newPath.starts_with('/')
-                                           ? toUtf16(arguments.newPath)
-                                           : withoutModel(session.model(), arguments.newPath));
+    const auto [path, newPath] = movePaths(session.model(), arguments.block, arguments.newPath);
     ChangeReport report(output, "move", arguments.options, session);
     tell(session.model(), moveBlocks(session, path, newPath), report);
     return report.finish();

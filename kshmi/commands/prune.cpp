@@ -6,7 +6,6 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/finding_kinds.h"
 #include "kshmi/print/findings.h"
-#include "kshmi/print/json_document.h"
 #include "workbench/check/settling.h"
 #include "workbench/text/text.h"
 
@@ -23,13 +22,6 @@ struct PruneArguments {
     bool isJson = false;
 };
 
-FindingKinds kindsOf(const PruneArguments& arguments) {
-    FindingKinds kinds = requireKinds(arguments.kinds, isPrunable, "--kinds");
-    if (arguments.kinds.empty())
-        for (const FindingKind kind : findingKinds(isDead)) kinds.set(static_cast<std::size_t>(kind));
-    return kinds;
-}
-
 void printText(const SettledFile& file, const PruneArguments& arguments, std::ostream& out) {
     for (const Settled& one : file.settled)
         out << fmt::format("{} {} ({})\n", arguments.isDryRun ? "would remove" : "removed", printableMessage(one.what),
@@ -45,23 +37,15 @@ void printText(const SettledFile& file, const PruneArguments& arguments, std::os
     out << fmt::format("{}: {}; check now: {}\n", printable(std::string_view(name)), what, textOf(counts));
 }
 
-void printJson(const SettledFile& file, const PruneArguments& arguments, std::ostream& out) {
-    JsonDocument document("prune");
-    document.object().text("file", std::string_view(arguments.file)).truth("dryRun", arguments.isDryRun);
-    document.object().truth("saved", !arguments.isDryRun && !file.settled.empty());
-    document.list("settled", file.settled, [&](const Settled& one) { appendSettled(document.text(), one); });
-    document.print(out);
-}
-
 [[noreturn]] void refuse(const Finding& finding) {
-    ErrorPlace place = finding.place;
+    const Error error = errorOf(finding);
+    ErrorPlace place = error.place();
     place.file = calledInMessages(place.file);
-    throw Error(std::move(place), finding.text,
-                finding.code == FindingCode::unreadable ? ErrorCode::file : ErrorCode::format);
+    throw error.at(std::move(place));
 }
 
 void print(const SettledFile& file, const PruneArguments& arguments, std::ostream& out) {
-    arguments.isJson ? printJson(file, arguments, out) : printText(file, arguments, out);
+    arguments.isJson ? printPruneJson(file, arguments.file, arguments.isDryRun, out) : printText(file, arguments, out);
 }
 
 // What is not changed goes on as it came.
@@ -78,7 +62,7 @@ int pruneStream(const PruneArguments& arguments, const FindingKinds& kinds, cons
 }
 
 int runPrune(const PruneArguments& arguments, const Output& output) {
-    const FindingKinds kinds = kindsOf(arguments);
+    const FindingKinds kinds = prunedKinds(arguments.kinds, "--kinds");
     kshmi::enterHost(output.err);
     if (arguments.file == kStandardStream) return pruneStream(arguments, kinds, output);
     CheckedFile checked = checkFile(arguments.file);

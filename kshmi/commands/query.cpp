@@ -8,7 +8,7 @@
 #include "kshmi/commands/several_files.h"
 #include "kshmi/print/json_records.h"
 #include "kshmi/print/name_notice.h"
-#include "workbench/session/session.h"
+#include "workbench/find/asking.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -22,25 +22,6 @@ struct QueryArguments {
     SelectionArguments what;
     bool isJson = false;
 };
-
-struct Answer {
-    SignalSource source;
-    std::u16string activity;  // that was asked for; empty for a port and for any activity
-    bool isObserved = false;
-};
-
-Answer ask(const Session& session, const SignalSource& source, const ReferenceOptions& options) {
-    Answer answer{source, {}, false};
-    if (!source.item) {
-        answer.isObserved = session.isObserved(*source.block, source.port);
-    } else if (options.activity.empty()) {
-        answer.isObserved = session.isAnyObserved(*source.block, *source.item);
-    } else {
-        answer.activity = activityFor(*source.item, options);
-        answer.isObserved = session.isObserved(*source.block, *source.item, answer.activity);
-    }
-    return answer;
-}
 
 void printLines(const kestrel::Model& model, const std::vector<Answer>& answers, std::ostream& out) {
     for (const Answer& answer : answers) {
@@ -56,9 +37,8 @@ void addAnswers(const Session& session, const std::vector<Answer>& answers, Json
     listUnsettled(json, session);
     json.list("answers", answers, [&](const Answer& answer) {
         JsonObject object(json.text());
-        appendSource(object, model, answer.source);
-        if (!answer.activity.empty()) object.text("activity", answer.activity);
-        object.truth("observed", answer.isObserved).close();
+        appendAnswer(object, model, answer);
+        object.close();
     });
 }
 

@@ -5,6 +5,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
 #include "kshmi/print/findings.h"
+#include "kshmi/print/structure_records.h"
 #include "memory_host/kestrel/host_side.h"
 #include "workbench/change/renaming.h"
 #include "workbench/find/reference.h"
@@ -25,9 +26,7 @@ struct RenameArguments {
 };
 
 ChangeReport::Members membersOf(const std::u16string& from, const std::u16string& name) {
-    return [=](JsonObject& object) {
-        object.text("kind", std::string_view("model")).text("name", name).text("from", from);
-    };
+    return [=](JsonObject& object) { appendModel(object, name, from); };
 }
 
 void tellClients(const Renamed& done, ChangeReport& report) {

@@ -6,6 +6,7 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/change_report.h"
 #include "kshmi/print/lost_clients.h"
+#include "kshmi/print/structure_records.h"
 #include "workbench/change/renumbering.h"
 #include "workbench/find/reference.h"
 #include "workbench/find/watching.h"
@@ -42,13 +43,8 @@ std::vector<int> numbersOf(const std::string& text) {
     return numbers;
 }
 
-// A port: where it is now, and where it was when it stays.
 ChangeReport::Members membersOf(const std::u16string& block, const PortChange& one) {
-    return [=](JsonObject& object) {
-        object.text("kind", std::string_view("port")).text("block", block);
-        object.number("port", one.to == 0 ? one.from : one.to).text("portName", one.name);
-        if (one.to != 0) object.number("from", one.from);
-    };
+    return [=](JsonObject& object) { appendPort(object, block, one); };
 }
 
 void tell(const std::u16string& block, const Renumbering& changes, ChangeReport& report) {

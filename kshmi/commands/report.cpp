@@ -93,10 +93,7 @@ std::string remedyOnPage(const Finding& finding) {
 
 // What cannot be read at all is refused; whatever else is wrong stands on the page.
 ModelFile contentsOf(CheckedFile& checked) {
-    if (!checked.contents) {
-        const Finding& finding = checked.findings.front();
-        throw Error(finding.place, finding.text, checked.isReadable() ? ErrorCode::format : ErrorCode::file);
-    }
+    if (!checked.contents) throw errorOf(checked.findings.front());
     ModelFile contents = std::move(*checked.contents);
     checked.contents.reset();
     return contents;

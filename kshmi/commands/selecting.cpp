@@ -28,24 +28,10 @@ constexpr const char* kPatternHelp =
     "text, \"/\" included, \"?\" one character, \"[a-z]\" one of a set, \"[!a-z]\" one outside it; \"\\\" takes the "
     "meaning from the next: \"\\[1]\"";
 
-constexpr const char* kKinds[] = {"port", "chart", "state", "datum"};
-
 std::vector<SourceKind> kindsOf(const std::vector<std::string>& words) {
     std::vector<SourceKind> kinds;
-    for (const std::string& word : words)
-        for (std::size_t i = 0; i < std::size(kKinds); ++i)
-            if (word == kKinds[i]) kinds.push_back(static_cast<SourceKind>(i));
+    for (const std::string& word : words) kinds.push_back(sourceKindOf(word).value());
     return kinds;
-}
-
-void addStates(const std::vector<std::string>& words, ClientSelection& selection) {
-    constexpr ClientState kStates[] = {ClientState::watching, ClientState::dangling, ClientState::elsewhere,
-                                       ClientState::foreign};
-    for (const std::string& word : words) {
-        selection.isDeprecated = selection.isDeprecated || word == "deprecated";
-        for (const ClientState state : kStates)
-            if (word == nameOf(state)) selection.states.push_back(state);
-    }
 }
 
 void requireUtf8(const std::string& line, const ErrorPlace& place) {
@@ -95,7 +81,7 @@ void addSelection(CLI::App& command, SelectionArguments& arguments) {
     list("--all", selection.all, kPatternHelp, "GLOB");
     list("--except", selection.except, "but not what matches this one; may be repeated", "GLOB");
     list("--kind", arguments.kinds, "only what is of this kind; may be repeated", "KIND")
-        ->check(oneOf({std::begin(kKinds), std::end(kKinds)}));
+        ->check(oneOf({kSourceKinds.begin(), kSourceKinds.end()}));
     command
         .add_option("--activity", selection.options.activity,
                     "activity of a chart item: Self, Child or Leaf; Data of a datum")
@@ -112,15 +98,18 @@ void addClientSelection(CLI::App& command, ClientSelection& selection) {
     command.add_option("--type", selection.types, "clients of this kind; may be repeated")->allow_extra_args(false);
     command
         .add_option_function<std::vector<std::string>>(
-            "--state", [&selection](const std::vector<std::string>& words) { addStates(words, selection); },
+            "--state",
+            [&selection](const std::vector<std::string>& words) {
+                for (const std::string& word : words) selection.addState(word);
+            },
             "clients in this state: watching; dangling, the signal is gone; elsewhere, the signal may be in a model "
             "that is not open; foreign, of another model; deprecated, of a kind that is no longer supported")
         ->type_name("STATE")
         ->allow_extra_args(false)
-        ->check(oneOf({"watching", "dangling", "elsewhere", "foreign", "deprecated"}));
+        ->check(oneOf({kClientStates.begin(), kClientStates.end()}));
     const auto add = [&](const char* name, const char* state, const char* help) {
         command.add_flag_callback(
-            name, [&selection, state] { addStates({state}, selection); }, help);
+            name, [&selection, state] { selection.addState(state); }, help);
     };
     add("--dangling", "dangling", "the same as --state dangling");
     add("--foreign", "foreign", "the same as --state foreign");

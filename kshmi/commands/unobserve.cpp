@@ -1,5 +1,3 @@
-#include <set>
-#include <string_view>
 #include <utility>
 
 #include "kshmi/commands/command_options.h"
@@ -10,7 +8,6 @@
 #include "workbench/find/client_names.h"
 #include "workbench/find/selecting_clients.h"
 #include "workbench/find/watching.h"
-#include "workbench/session/records.h"
 #include "workbench/text/error.h"
 
 namespace kshmi {
@@ -27,17 +24,14 @@ struct UnobserveArguments {
     ChangeOptions options;
 };
 
-// The host drops what it does not need; what that was, only the clients before and after tell.
+// What the host drops is described while it is there.
 void dropUnused(Session& session, ChangeReport& report) {
     const SignalUuids uuids(session);
-    std::vector<std::pair<std::string, std::string>> before;
+    std::vector<std::string> descriptions;
     for (std::size_t i = 0; i < session.clients().getCount(); ++i)
-        before.emplace_back(session.clients().get(i)->m_uuid, describeClient(session, i, uuids));
-    ks_hmi::StreamingClients::validateAndRemoveUnused(session.clientSet());
-    std::set<std::string_view> kept;
-    for (const ks_hmi::SignalClient& client : recordsOf(session.clients())) kept.insert(client.m_uuid);
-    for (const auto& [uuid, description] : before)
-        if (!kept.contains(uuid)) report.change("drop", "dropped", description);
+        descriptions.push_back(describeClient(session, i, uuids));
+    for (const std::size_t position : dropUnusedClients(session))
+        report.change("drop", "dropped", descriptions[position]);
 }
 
 void removeSelected(Session& session, const UnobserveArguments& arguments, const Output& output, ChangeReport& report) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "kshmi/print/json_document.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
 
@@ -85,6 +86,14 @@ void appendCheckedFile(std::string& out, const CheckedFile& checked, const std::
     appendJsonArray(
         out, checked.findings, [&](const Finding& finding) { appendFinding(out, finding); }, kInFile);
     object.close();
+}
+
+void printPruneJson(const SettledFile& pruned, const std::string& file, bool isDryRun, std::ostream& out) {
+    JsonDocument document("prune");
+    document.object().text("file", std::string_view(file)).truth("dryRun", isDryRun);
+    document.object().truth("saved", !isDryRun && !pruned.settled.empty());
+    document.list("settled", pruned.settled, [&](const Settled& one) { appendSettled(document.text(), one); });
+    document.print(out);
 }
 
 void FindingCounts::add(const CheckedFile& checked) {

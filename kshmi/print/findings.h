@@ -6,6 +6,7 @@
 
 #include "workbench/check/check_file.h"
 #include "workbench/check/mending.h"
+#include "workbench/check/settling.h"
 
 namespace kshmi {
 
@@ -22,6 +23,9 @@ void appendSettled(std::string& out, const workbench::Settled& one);
 /// Appends what was found in a file, and what was settled, as a JSON object.
 void appendCheckedFile(std::string& out, const workbench::CheckedFile& checked,
                        const std::vector<workbench::Settled>& settled);
+
+/// What was removed from the file, as one JSON object.
+void printPruneJson(const workbench::SettledFile& pruned, const std::string& file, bool isDryRun, std::ostream& out);
 
 /// How many findings there are.
 struct FindingCounts {

@@ -40,6 +40,12 @@ void appendSource(JsonObject& object, const kestrel::Model& model, const SignalS
         object.number("port", source.port).text("portName", portName(source));
 }
 
+void appendAnswer(JsonObject& object, const kestrel::Model& model, const Answer& answer) {
+    appendSource(object, model, answer.source);
+    if (!answer.activity.empty()) object.text("activity", answer.activity);
+    object.truth("observed", answer.isObserved);
+}
+
 void appendSignalId(JsonObject& object, const Session& session, std::size_t position) {
     appendId(object, "signal", session.signals().get(position)->m_uuid, position);
 }

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string>
 
+#include "workbench/find/asking.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"
 #include "workbench/session/session.h"
@@ -13,6 +14,8 @@ namespace kshmi {
 
 /// "block" and "port" with "portName", or "item" with "domain" and "ssid".
 void appendSource(workbench::JsonObject& object, const kestrel::Model& model, const workbench::SignalSource& source);
+/// The same with "observed", and "activity" where one was asked for.
+void appendAnswer(workbench::JsonObject& object, const kestrel::Model& model, const workbench::Answer& answer);
 /// "signal" by UUID and position.
 void appendSignalId(workbench::JsonObject& object, const workbench::Session& session, std::size_t position);
 /// A signal: what it is called, where it is, and its settings.

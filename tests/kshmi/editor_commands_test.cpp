@@ -18,7 +18,7 @@ protected:
 
 TEST_F(EditorCommands, whatCannotBeDoneIsRefusedAndChangesNothing) {
     const std::pair<const char*, const char*> refusals[] = {
-        {"observe A:2 --type t", "\"A:2\": is not marked; mark it first with \"kshmi mark "},
+        {"observe A:2 --type t", "\"A:2\": is not marked; mark it first"},
         {"observe A", "--type"},
         {"observe A --type \"\"", "the kind of client is empty"},
         {"observe A --type t --update-rate -1", "--update-rate: \"-1\": give a whole number from 0 to 4294967295"},
@@ -112,7 +112,7 @@ TEST_F(EditorCommands, observeWithoutAnActivityMeansTheOneThatMarkMeans) {
     const auto observed = [&](const char* reference) { return runOn("observe --type t " + std::string(reference)); };
     EXPECT_TRUE(contains(observed("Logic").out, "on m/Logic (Leaf)"));
     EXPECT_EQ(runOn("mark Logic --activity Child").code, 0);
-    EXPECT_TRUE(contains(observed("Logic").err, "give --activity with one of: Leaf, Child"));
+    EXPECT_TRUE(contains(observed("Logic").err, "say which activity: Leaf, Child"));
     EXPECT_EQ(runOn("mark Logic --activity Self").code, 0);
     EXPECT_TRUE(contains(observed("Logic").out, "on m/Logic (Self)"));
     EXPECT_TRUE(contains(observed("Logic/On/Fast").out, "(Self)"));

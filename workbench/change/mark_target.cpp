@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "workbench/change/marking.h"
+#include "workbench/change/all_or_none.h"
 
 namespace workbench {
 
@@ -16,6 +16,16 @@ std::vector<MarkTarget> markTargets(const Session& session, std::vector<SignalSo
         targets.push_back({std::move(source), std::move(activity), isThere});
     }
     return targets;
+}
+
+void addSignals(Session& session, const std::vector<MarkTarget>& targets, const SignalSettings& settings) {
+    const std::size_t before = session.signals().getCount();
+    allOrNone(
+        [&] {
+            for (const MarkTarget& target : targets)
+                if (!target.isMarked) addSignal(session, target.source, target.activity, settings);
+        },
+        [&] { removeSignals(session, positionsBetween(before, session.signals().getCount())); });
 }
 
 }  // namespace workbench

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "workbench/change/marking.h"
 #include "workbench/find/reference.h"
 #include "workbench/session/session.h"
 #include "workbench/session/signal_source.h"
@@ -20,5 +21,9 @@ struct MarkTarget {
 /// marked. Throws `Error` for an activity that an item does not have.
 std::vector<MarkTarget> markTargets(const Session& session, std::vector<SignalSource> sources,
                                     const ReferenceOptions& options, bool isAgain);
+
+/// Adds a signal for each that is not marked, in their order, at the end of the set: for all of them, or, when it
+/// throws, for none. Throws as `addSignal`.
+void addSignals(Session& session, const std::vector<MarkTarget>& targets, const SignalSettings& settings);
 
 }  // namespace workbench

@@ -7,9 +7,11 @@
 
 #include "signals/signal_specification.h"
 #include "workbench/change/observing.h"
+#include "workbench/find/reference.h"
 #include "workbench/session/records.h"
 #include "workbench/session/signal_source.h"
 #include "workbench/text/error.h"
+#include "workbench/text/text.h"
 
 namespace workbench {
 
@@ -92,6 +94,15 @@ void moveInModel(kestrel::Model& model, const std::u16string& path, const std::u
 }
 
 }  // namespace
+
+MovePaths movePaths(const kestrel::Model& model, const std::string& block, const std::string& newPath) {
+    MovePaths paths{resolveParent(model, block), {}};
+    const bool isLiteral = paths.path != withoutModel(model, block) && !newPath.starts_with('/');
+    paths.newPath = isLiteral ? toUtf16(newPath) : withoutModel(model, newPath);
+    const bool isPath = kestrel::isBlockPath(paths.newPath) && paths.newPath.find(u'\0') == std::u16string::npos;
+    if (!isPath) throw Error(inQuotes(newPath) + ": is not a path; give names with one '/' between them");
+    return paths;
+}
 
 Moved moveBlocks(Session& session, const std::u16string& path, const std::u16string& newPath) {
     const Paths before = pathsOf(session);

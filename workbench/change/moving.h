@@ -10,6 +10,13 @@
 /// Letting a model's records follow its blocks.
 namespace workbench {
 
+/// The block or parent that a text names, and its new path, both below the model. Beside a block with the model's name,
+/// the new path is read in the way in which the block was found. Throws `Error` for what is none.
+struct MovePaths {
+    std::u16string path, newPath;
+};
+MovePaths movePaths(const kestrel::Model& model, const std::string& block, const std::string& newPath);
+
 /// What a move has changed.
 struct Moved {
     /// Old and new path of every block, in the model's order.

@@ -8,6 +8,7 @@
 
 #include "host/hv_array.h"
 #include "workbench/find/positions.h"
+#include "workbench/find/selecting.h"
 #include "workbench/session/session.h"
 
 /// The clients of a model's signals. Positions are 0-based.
@@ -30,12 +31,24 @@ struct ClientSettings {
 /// its source model is saved with it. Throws `Error` when the host makes no object for it.
 void addClient(Session& session, std::size_t signal, const ClientSettings& settings);
 
+/// The same for each of the signals, for all of them or, when it throws, for none. Returns the new clients' positions.
+Positions addClients(Session& session, const Positions& signals, const ClientSettings& settings);
+
+/// Which signals new clients watch: one on each port and item, the first one where several are alike; of a chart item
+/// without an activity the one that is meant when none is said. `calls` are UUIDs and 1-based positions of further
+/// signals. Throws `Error` for a reference without a mark, and for a chart item on which others are several.
+Positions signalsToWatch(const Session& session, const Selected& selected, const ReferenceOptions& options,
+                         const std::vector<std::string>& calls);
+
 /// Gives the clients at the positions those settings; each keeps its UUID, place and signal. Returns the positions of
 /// those that were otherwise before, ascending.
 Positions changeClients(Session& session, Positions positions, const ClientSettings& settings);
 
 /// Removes the clients at the positions, in any order, duplicates allowed.
 void removeClients(Session& session, Positions positions);
+
+/// Has the host drop the clients that it does not need. Returns the positions that they had.
+Positions dropUnusedClients(Session& session);
 
 /// New clients with aligned model paths, in the set's order, as the host answers for all. Throws `Error` when it does
 /// not.

@@ -118,6 +118,10 @@ bool isDead(FindingKind kind) noexcept {
 
 std::span<const CheckRule> checkRules() noexcept { return kRules; }
 
+Error errorOf(const Finding& finding) {
+    return {finding.place, finding.text, finding.code == FindingCode::unreadable ? ErrorCode::file : ErrorCode::format};
+}
+
 const CheckRule& ruleOf(FindingCode code) noexcept { return kRules.at(static_cast<std::size_t>(code)); }
 
 }  // namespace workbench

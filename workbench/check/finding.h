@@ -106,4 +106,7 @@ struct Finding {
     std::size_t position = 0;  ///< of the record, 0-based
 };
 
+/// What refuses the file that a finding is about.
+Error errorOf(const Finding& finding);
+
 }  // namespace workbench

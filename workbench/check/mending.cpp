@@ -70,7 +70,34 @@ private:
     std::vector<Settled> m_settled;
 };
 
+FindingKinds setOf(const std::vector<FindingKind>& kinds) {
+    FindingKinds set;
+    for (const FindingKind kind : kinds) set.set(static_cast<std::size_t>(kind));
+    return set;
+}
+
 }  // namespace
+
+FindingKinds findingKindsCalled(const std::vector<std::string>& words, bool (*isAllowed)(FindingKind),
+                                std::string_view option) {
+    const std::vector<FindingKind> allowed = findingKinds(isAllowed);
+    FindingKinds kinds;
+    for (const std::string& word : words) {
+        const std::optional<FindingKind> kind = findingKindOf(word);
+        if (word == "all")
+            kinds |= setOf(allowed);
+        else if (kind && isAllowed(*kind))
+            kinds |= setOf({*kind});
+        else
+            throw Error(fmt::format("{}: there is no kind {}; it takes {}, or all", option, inQuotes(word),
+                                    listed(allowed, allowed.size(), [](FindingKind one) { return textOf(one); })));
+    }
+    return kinds;
+}
+
+FindingKinds prunedKinds(const std::vector<std::string>& words, std::string_view option) {
+    return words.empty() ? setOf(findingKinds(isDead)) : findingKindsCalled(words, isPrunable, option);
+}
 
 std::vector<Settled> mend(Session& session, const std::vector<Finding>& findings, const FindingKinds& kinds) {
     Mending mending(session);

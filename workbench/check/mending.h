@@ -2,6 +2,7 @@
 
 #include <bitset>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "workbench/check/finding.h"
@@ -11,6 +12,12 @@
 namespace workbench {
 
 using FindingKinds = std::bitset<kFindingKinds>;
+/// The kinds that the words name, "all" for those that are allowed; `option` is what the user calls the list, for
+/// messages. Throws `Error` for other words.
+FindingKinds findingKindsCalled(const std::vector<std::string>& words, bool (*isAllowed)(FindingKind),
+                                std::string_view option);
+/// The same of what can be removed; without words what is removed when no kind is named.
+FindingKinds prunedKinds(const std::vector<std::string>& words, std::string_view option);
 constexpr bool has(const FindingKinds& kinds, FindingKind kind) { return kinds[static_cast<std::size_t>(kind)]; }
 
 /// What was done about a finding.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <numeric>
 #include <vector>
 
 namespace workbench {
@@ -15,6 +16,13 @@ template <class Order = std::less<>>
 void sortUnique(Positions& positions, Order order = {}) {
     std::sort(positions.begin(), positions.end(), order);
     positions.erase(std::unique(positions.begin(), positions.end()), positions.end());
+}
+
+/// The positions from `first` on, without `end`.
+inline Positions positionsBetween(std::size_t first, std::size_t end) {
+    Positions positions(std::max(first, end) - first);
+    std::iota(positions.begin(), positions.end(), first);
+    return positions;
 }
 
 }  // namespace workbench

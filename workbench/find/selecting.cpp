@@ -92,6 +92,12 @@ SourceKind kindOf(const SignalSource& source) {
     return source.item->domainType == kDataDomain ? SourceKind::datum : SourceKind::chart;
 }
 
+std::optional<SourceKind> sourceKindOf(std::string_view word) noexcept {
+    const auto found = std::ranges::find(kSourceKinds, word);
+    if (found == kSourceKinds.end()) return std::nullopt;
+    return static_cast<SourceKind>(found - kSourceKinds.begin());
+}
+
 SourceKey keyOf(const SignalSource& source) {
     return {source.block, source.port, source.item ? std::int64_t{source.item->ssid} : -1};
 }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <vector>
 
@@ -22,6 +25,10 @@ struct ListedReference {
 
 enum class SourceKind : std::uint8_t { port, chart, state, datum };
 SourceKind kindOf(const SignalSource& source);
+/// "port", "chart", "state", "datum".
+inline constexpr std::array<std::string_view, 4> kSourceKinds{"port", "chart", "state", "datum"};
+/// Nothing for another word.
+std::optional<SourceKind> sourceKindOf(std::string_view word) noexcept;
 
 /// What somebody means, the same for whatever is done with it: references and patterns, less what is excepted. A block
 /// without a port means the same in both: all its output ports and, for a chart, the chart itself.

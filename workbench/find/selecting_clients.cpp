@@ -76,6 +76,14 @@ void requireTypes(const Session& session, const std::vector<std::string>& types)
 
 }  // namespace
 
+bool ClientSelection::addState(std::string_view word) {
+    if (word == kClientStates.back()) return isDeprecated = true;
+    const auto found = std::ranges::find(kClientStates, word);
+    if (found == kClientStates.end()) return false;
+    states.push_back(static_cast<ClientState>(found - kClientStates.begin()));
+    return true;
+}
+
 Positions selectClients(const Session& session, const Selected* selected, const ReferenceOptions& options,
                         const ClientSelection& selection) {
     requireTypes(session, selection.types);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "workbench/find/positions.h"
@@ -19,7 +21,11 @@ struct ClientSelection {
     bool isDeprecated = false;  ///< those of kinds that are no longer supported
 
     bool isAnything() const noexcept { return !calls.empty() || !states.empty() || isDeprecated; }
+    /// Adds the state for the word, one of `kClientStates`; false for another word.
+    bool addState(std::string_view word);
 };
+inline constexpr std::array<std::string_view, 5> kClientStates{"watching", "dangling", "elsewhere", "foreign",
+                                                               "deprecated"};
 
 /// Positions of the clients, ascending. `selected` are the signals' ports and items, of which references must name one
 /// with a client. Throws `Error` for what names no client.

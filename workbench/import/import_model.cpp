@@ -66,6 +66,13 @@ std::size_t portCountOf(const std::vector<kestrel::Block>& blocks) {
 
 }  // namespace
 
+ModelFile modelFileOf(ImportedModel imported) {
+    ModelFile file = newModelFile(imported.model.name());
+    file.model = std::move(imported.model);
+    file.extras.origin = std::move(imported.origin);
+    return file;
+}
+
 ImportedModel importDocument(ForeignDocument document, const ImportOptions& options) {
     const ModelFile* const previous = options.previous;
     const Origin* const before = previous && previous->extras.origin ? &*previous->extras.origin : nullptr;

@@ -34,6 +34,9 @@ struct ImportedModel {
     std::size_t goneCount = 0;  ///< blocks that `previous` has and this model has not
 };
 
+/// The same as a model file with nothing marked.
+ModelFile modelFileOf(ImportedModel imported);
+
 /// Pure: the same document and options give the same model. Throws `Error`.
 ImportedModel importDocument(ForeignDocument document, const ImportOptions& options);
 

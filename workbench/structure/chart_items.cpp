@@ -64,6 +64,13 @@ Positions marksOnItems(const Session& session, const Block& block, const std::ve
 
 }  // namespace
 
+SignalSource itemCalled(const kestrel::Model& model, const std::string& reference, const ReferenceOptions& options) {
+    std::vector<SignalSource> sources = resolveReference(model, reference, options);
+    if (sources.size() != 1 || !sources.front().item)
+        throw Error(fmt::format("{}: name a state or datum, as in \"chart/State\"", inQuotes(reference)));
+    return std::move(sources.front());
+}
+
 std::uint32_t addItem(Session& session, const Block& block, ItemKind kind, const std::u16string& name,
                       std::optional<std::uint32_t> ssid) {
     const bool isState = kind == ItemKind::state;

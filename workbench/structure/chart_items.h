@@ -7,11 +7,15 @@
 #include <utility>
 #include <vector>
 
+#include "workbench/find/reference.h"
 #include "workbench/session/session.h"
 #include "workbench/structure/marks.h"
 
 /// Editing what a chart consists of.
 namespace workbench {
+
+/// The state or datum that a reference names. Throws `Error` for anything else.
+SignalSource itemCalled(const kestrel::Model& model, const std::string& reference, const ReferenceOptions& options);
 
 enum class ItemKind : std::uint8_t { state, datum };
 

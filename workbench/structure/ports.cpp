@@ -7,6 +7,7 @@
 #include <set>
 #include <utility>
 
+#include "workbench/find/reference.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -43,6 +44,15 @@ void requireOutputs(const std::vector<std::u16string>& names) {
         if (!known.insert(name).second)
             throw Error(fmt::format("the port name {} appears twice; give each port its own", inQuotes(name)));
     }
+}
+
+int portCalled(const kestrel::Model& model, const Block& block, const std::string& text) {
+    const std::string reference = fmt::format("{}:{}", toUtf8(model.fullPath(block)), text);
+    const std::vector<SignalSource> sources = resolveReference(model, reference, {});
+    const SignalSource& source = sources.front();
+    if (sources.size() != 1 || source.block != &block || source.item)
+        throw Error(fmt::format("{}: is not a port of {}", inQuotes(text), inQuotes(block.path)));
+    return source.port;
 }
 
 Renumbering addPort(Session& session, const Block& block, const std::u16string& name, std::optional<int> number) {

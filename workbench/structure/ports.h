@@ -11,6 +11,9 @@
 /// Editing a block's output ports. Port numbers are 1-based; signals follow their ports, as when they are renumbered.
 namespace workbench {
 
+/// The number of the block's port that a number or name calls. Throws `Error` when there is none.
+int portCalled(const kestrel::Model& model, const kestrel::Block& block, const std::string& text);
+
 /// Throws `Error` for names that are empty, have NUL characters or are there twice.
 void requireOutputs(const std::vector<std::u16string>& names);
 

@@ -253,4 +253,16 @@ std::string HostValueBuilder::pointer() const {
     return result;
 }
 
+HvArrayPtr hostValueOf(const std::string& name, const std::string& json) {
+    JsonFile text = JsonFile::ofText(name, json);
+    HostValueBuilder builder;
+    try {
+        text.read(builder);
+    } catch (const Error& error) {
+        if (!error.place().file.empty()) throw;
+        text.fail(builder.pointer(), error.text());
+    }
+    return builder.take();
+}
+
 }  // namespace workbench

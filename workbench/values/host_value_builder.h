@@ -61,4 +61,7 @@ private:
     bool m_isComplete = false;
 };
 
+/// The value that a whole JSON text is; `name` stands for its file in messages. Throws `Error` for what is none.
+HvArrayPtr hostValueOf(const std::string& name, const std::string& json);
+
 }  // namespace workbench

@@ -2,6 +2,7 @@
 
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/structure/structure_change.h"
+#include "kshmi/print/structure_records.h"
 #include "workbench/change/moving.h"
 #include "workbench/find/reference.h"
 #include "workbench/structure/blocks.h"
@@ -27,8 +28,7 @@ struct BlockArguments {
 
 ChangeReport::Members membersOf(const Session& session, const std::u16string& path, const std::u16string& from = {}) {
     return [=, model = session.model().name() + u"/"](JsonObject& object) {
-        object.text("kind", std::string_view("block")).text("block", model + path);
-        if (!from.empty()) object.text("from", model + from);
+        appendBlock(object, model + path, from.empty() ? from : model + from);
     };
 }
 

@@ -2,9 +2,9 @@
 
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/structure/structure_change.h"
+#include "kshmi/print/structure_records.h"
 #include "workbench/find/reference.h"
 #include "workbench/structure/chart_items.h"
-#include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -23,20 +23,9 @@ struct ChartArguments {
     ChangeOptions options;
 };
 
-SignalSource requireItem(const Session& session, const ChartArguments& arguments) {
-    const std::vector<SignalSource> sources = resolveReference(session.model(), arguments.item, arguments.reference);
-    const SignalSource& source = sources.front();
-    if (sources.size() != 1 || !source.item)
-        throw Error(fmt::format("{}: name a state or datum, as in \"chart/State\"", inQuotes(arguments.item)));
-    return source;
-}
-
 ChangeReport::Members membersOf(const Session& session, const kestrel::Block& block, const std::u16string& item,
                                 const std::u16string& from = {}) {
-    return [=, full = session.model().fullPath(block)](JsonObject& object) {
-        object.text("kind", std::string_view("item")).text("block", full).text("item", item);
-        if (!from.empty()) object.text("from", from);
-    };
+    return [=, full = session.model().fullPath(block)](JsonObject& object) { appendItem(object, full, item, from); };
 }
 
 template <ItemKind kind>
@@ -50,7 +39,7 @@ void add(Session& session, ChangeReport& report, const ChartArguments& arguments
 }
 
 void remove(Session& session, ChangeReport& report, const ChartArguments& arguments) {
-    const SignalSource source = requireItem(session, arguments);
+    const SignalSource source = itemCalled(session.model(), arguments.item, arguments.reference);
     const RemovedItems removed =
         removeItem(session, *source.block, *source.item, arguments.isRecursive ? Below::remove : Below::refuse,
                    arguments.isUnmarking ? Marks::remove : Marks::keep);
@@ -62,7 +51,7 @@ void remove(Session& session, ChangeReport& report, const ChartArguments& argume
 }
 
 void rename(Session& session, ChangeReport& report, const ChartArguments& arguments) {
-    const SignalSource source = requireItem(session, arguments);
+    const SignalSource source = itemCalled(session.model(), arguments.item, arguments.reference);
     const RenamedItems renamed = renameItem(session, *source.block, *source.item, toUtf16(arguments.name));
     for (const auto& [before, after] : renamed.items)
         report.change(Fate::changed, "rename", "renamed", fmt::format("{} to {}", printable(before), printable(after)),

@@ -4,9 +4,9 @@
 
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/structure/structure_change.h"
+#include "kshmi/print/structure_records.h"
 #include "workbench/find/reference.h"
 #include "workbench/structure/ports.h"
-#include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {
@@ -25,22 +25,8 @@ struct PortArguments {
     ChangeOptions options;
 };
 
-int requirePort(const kestrel::Model& model, const kestrel::Block& block, const std::string& text) {
-    const std::string reference = fmt::format("{}:{}", toUtf8(model.fullPath(block)), text);
-    const std::vector<SignalSource> sources = resolveReference(model, reference, {});
-    const SignalSource& source = sources.front();
-    if (sources.size() != 1 || source.block != &block || source.item)
-        throw Error(fmt::format("{}: is not a port of {}", inQuotes(text), inQuotes(block.path)));
-    return source.port;
-}
-
-// The number that it had is told if it had another.
 ChangeReport::Members membersOf(const std::u16string& block, const PortChange& one) {
-    return [=](JsonObject& object) {
-        object.text("kind", std::string_view("port")).text("block", block);
-        object.number("port", one.to == 0 ? one.from : one.to).text("portName", one.name);
-        if (one.to != 0 && one.from != 0) object.number("from", one.from);
-    };
+    return [=](JsonObject& object) { appendPort(object, block, one); };
 }
 
 // What moved besides.
@@ -69,7 +55,7 @@ void add(Session& session, ChangeReport& report, const PortArguments& arguments)
 
 void remove(Session& session, ChangeReport& report, const PortArguments& arguments) {
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
-    const int port = requirePort(session.model(), block, arguments.port);
+    const int port = portCalled(session.model(), block, arguments.port);
     const std::u16string name = block.outputs[static_cast<std::size_t>(port) - 1];
     const std::u16string full = session.model().fullPath(block);
     const Renumbering moved = removePort(session, block, port, arguments.isUnmarking ? Marks::remove : Marks::keep);
@@ -81,7 +67,7 @@ void remove(Session& session, ChangeReport& report, const PortArguments& argumen
 
 void rename(Session& session, ChangeReport& report, const PortArguments& arguments) {
     const kestrel::Block& block = resolveBlock(session.model(), arguments.block);
-    const int port = requirePort(session.model(), block, arguments.port);
+    const int port = portCalled(session.model(), block, arguments.port);
     const std::u16string old = block.outputs[static_cast<std::size_t>(port) - 1];
     if (toUtf16(arguments.name) == old) {
         report.keep(Fate::unchanged, "already named " + printable(old),

@@ -1,10 +1,8 @@
-#include "kshmi/commands/compared_file.h"
+#include "workbench/compare/compared_file.h"
 
 #include <filesystem>
 
-namespace kshmi {
-
-using namespace workbench;
+namespace workbench {
 
 std::optional<ModelFile> readUnlessEmpty(const std::string& path) {
     std::error_code code;
@@ -20,4 +18,11 @@ std::pair<ModelFile, ModelFile> readCompared(const std::string& before, const st
     return {std::move(*old), std::move(*next)};
 }
 
-}  // namespace kshmi
+MergedModel mergeFiles(const std::string& base, const std::string& ours, const std::string& theirs) {
+    const auto [one, other] = readCompared(ours, theirs);
+    std::optional<ModelFile> before = readUnlessEmpty(base);
+    if (!before) before = newModelFile(one.model.name());
+    return mergeModels(*before, one, other);
+}
+
+}  // namespace workbench
