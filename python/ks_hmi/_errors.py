@@ -58,13 +58,14 @@ class ModelWarning(UserWarning):
 
 
 class HostWarning(UserWarning):
-    """What the host warns of; `identifier` ("catalogue:key") tells which warning it is."""
+    """What the host warns of; `identifier` ("catalogue:key") and `arguments` tell which warning it is."""
 
-    def __init__(self, text: str, identifier: str = "") -> None:
+    def __init__(self, text: str, identifier: str = "", arguments: Tuple[Union[int, str], ...] = ()) -> None:
         super().__init__(text)
         self.identifier = identifier
+        self.arguments = arguments
 
 
-def _warn(catalogue: str, key: str, text: str) -> None:
-    warning = HostWarning(text, f"{catalogue}:{key}") if catalogue else ModelWarning(text)
+def _warn(catalogue: str, key: str, text: str, arguments: Tuple[Union[int, str], ...]) -> None:
+    warning = HostWarning(text, f"{catalogue}:{key}", arguments) if catalogue else ModelWarning(text)
     _warnings.warn(warning, stacklevel=3)

@@ -13,7 +13,7 @@ doubles, and refused where no double holds them.
 
 from __future__ import annotations
 
-from typing import Any, Callable, List, Optional
+from typing import Any, Callable, List, Optional, Sequence, Union
 
 from . import _native
 from ._data import Entry, load
@@ -93,10 +93,10 @@ def function(name: str, outputs: Optional[int] = None) -> Callable[[Callable[...
     return lambda made: Function(name, made, outputs)
 
 
-def warn(text: str, identifier: str = "python:warning") -> None:
+def warn(text: str, identifier: str = "python:warning", arguments: Sequence[Union[int, str]] = ()) -> None:
     """Has the host warn, as its own functions do."""
     catalogue, _, key = identifier.rpartition(":")
-    _native.warn(catalogue or "python", key, text)
+    _native.warn(catalogue or "python", key, text, tuple(arguments))
 
 
 class Namespace:

@@ -72,7 +72,7 @@ void raise(const workbench::Error& error) {
     PyErr_SetObject(type.ptr(), made.ptr());
 }
 
-py::object pythonOf(const resource_core::BaseMsgID::Argument& argument) {
+py::object argumentOf(const resource_core::BaseMsgID::Argument& argument) {
     if (const auto* const number = std::get_if<std::int64_t>(&argument)) return py::int_(*number);
     if (const auto* const text = std::get_if<std::string>(&argument)) return py::str(*text);
     return py::str(workbench::toUtf8(std::get<std::u16string>(argument)));
@@ -99,10 +99,8 @@ void raise(const kssvIException& error) {
     const resource_core::BaseMsgID& id = error.messageId();
     auto [cause, text] = std::exchange(raised(), {});
     if (isEnding(cause)) return PyErr_SetObject(py::type::of(cause).ptr(), cause.ptr());
-    py::list arguments;
-    for (const auto& argument : id.arguments()) arguments.append(pythonOf(argument));
     const py::object type = py::module_::import("ks_hmi._errors").attr("HostError");
-    const py::object made = type(std::string(error.what()), id.catalogue(), id.key(), py::tuple(arguments));
+    const py::object made = type(std::string(error.what()), id.catalogue(), id.key(), pythonOf(id.arguments()));
     if (cause && text == error.what()) PyException_SetCause(made.ptr(), cause.release().ptr());
     PyErr_SetObject(type.ptr(), made.ptr());
 }
@@ -126,6 +124,18 @@ void translate(std::exception_ptr failure) {
 
 }  // namespace
 
+py::tuple pythonOf(const MessageArguments& arguments) {
+    py::tuple values(arguments.size());
+    for (std::size_t i = 0; i < arguments.size(); ++i) values[i] = argumentOf(arguments[i]);
+    return values;
+}
+
+MessageArguments argumentsOf(const py::handle& values) {
+    MessageArguments arguments;
+    for (const py::handle value : values) arguments.push_back(argumentOf(value));
+    return arguments;
+}
+
 void throwAsHost(const py::error_already_set& error) {
     const py::object& value = error.value();
     const bool isHostError = py::isinstance(value, py::module_::import("ks_hmi._errors").attr("HostError"));
@@ -134,11 +144,10 @@ void throwAsHost(const py::error_already_set& error) {
         isHostError ? value.attr("text").cast<std::string>() : name + ": " + py::str(value).cast<std::string>();
     raised() = {value, text};
     if (!isHostError) throw kssvIException(resource_core::BaseMsgID(kPythonErrors, name), text);
-    std::vector<resource_core::BaseMsgID::Argument> arguments;
-    for (const py::handle argument : value.attr("arguments")) arguments.push_back(argumentOf(argument));
-    throw kssvIException(resource_core::BaseMsgID(value.attr("catalogue").cast<std::string>(),
-                                                  value.attr("key").cast<std::string>(), std::move(arguments)),
-                         text);
+    throw kssvIException(
+        resource_core::BaseMsgID(value.attr("catalogue").cast<std::string>(), value.attr("key").cast<std::string>(),
+                                 argumentsOf(value.attr("arguments"))),
+        text);
 }
 
 void raiseWhatEnds() {

@@ -114,8 +114,9 @@ void bindHost(py::module_& module) {
                [](const std::string& name, const py::function& function, std::optional<int> outputs) {
                    return inHost([&] { return makeHeld<PythonFunction>(name, function, outputs); });
                });
-    module.def("warn", [](const std::string& catalogue, const std::string& key, const std::string& text) {
-        inHost([&] { orvex::warn({catalogue, key, text}); });
+    module.def("warn", [](const std::string& catalogue, const std::string& key, const std::string& text,
+                          const py::tuple& arguments) {
+        inHost([&] { orvex::warn({catalogue, key, text, argumentsOf(arguments)}); });
     });
     module.def("signalSet", [](OpenModel& model) { return inHost([&] { return signalSet(model); }); });
     module.def("clientSet", [](OpenModel& model) { return inHost([&] { return clientSet(model); }); });

@@ -51,7 +51,8 @@ void enter() {
 }
 
 void show(const orvex::Warning& warning) {
-    py::module_::import("ks_hmi._errors").attr("_warn")(warning.catalogue, warning.key, warning.text);
+    py::module_::import("ks_hmi._errors")
+        .attr("_warn")(warning.catalogue, warning.key, warning.text, pythonOf(warning.arguments));
 }
 
 void showAll() {
@@ -95,7 +96,7 @@ void HostTurn::end() {
     showAll();
 }
 
-void warn(const std::string& text) { process().warnings.push_back({"", "", text}); }
+void warn(const std::string& text) { process().warnings.push_back({"", "", text, {}}); }
 
 Held::Held() { process().held.insert(this); }
 Held::~Held() { process().held.erase(this); }

@@ -1,9 +1,17 @@
 #pragma once
 
+#include <vector>
+
+#include "host/messages.h"
 #include "python/native/host_turn.h"
 
 /// How failures pass between Python and the host.
 namespace ks_hmi_python {
+
+/// What fills the places of a message's text: numbers and texts, in their order.
+using MessageArguments = std::vector<resource_core::BaseMsgID::Argument>;
+py::tuple pythonOf(const MessageArguments& arguments);
+MessageArguments argumentsOf(const py::handle& values);
 
 /// Throws the host's exception for what Python has raised: that of a `HostError`, else one under "python:errors" with
 /// the type's name as its key. Back in Python, the exception is the cause of the `HostError` that is raised there; one

@@ -108,11 +108,19 @@ def test_what_a_function_raises_comes_out_of_the_host():
         assert caught.value.__cause__ is None
 
 
+def test_what_fails_inside_the_library_warns_with_its_arguments(model):
+    def refuse(*_):
+        raise ks_hmi.HostError("too hot", "plant:errors", "Hot", (90, "C"))
+    with host.function("validateAndRemoveUnused")(refuse), pytest.warns(ks_hmi.HostWarning, match="too hot") as caught:
+        assert not model.unobserve(unused=True)
+    assert (caught[0].message.identifier, caught[0].message.arguments) == ("plant:errors:Hot", (90, "C"))
+
+
 def test_warnings_of_the_host_are_pythons(run_python):
-    with host.function("grumble")(lambda: host.warn("too warm", "plant:warnings:Warm")):
+    with host.function("grumble")(lambda: host.warn("too warm", "plant:warnings:Warm", (90, "\u00b0C"))):
         with pytest.warns(ks_hmi.HostWarning, match="too warm") as caught:
             host.call("grumble")
-    assert caught[0].message.identifier == "plant:warnings:Warm"
+    assert (caught[0].message.identifier, caught[0].message.arguments) == ("plant:warnings:Warm", (90, "\u00b0C"))
     run_python("import ks_hmi\n"
                "from ks_hmi import host\n"
                "try: host.warn('too warm')\n"

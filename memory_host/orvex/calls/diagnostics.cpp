@@ -60,7 +60,7 @@ kssvDiagnosticImpl::kssvDiagnosticImpl(const resource_core::BaseMsgID& id, std::
 
 void kssvReportAsWarning(kssvDiagnosticImpl* diagnostic) noexcept {
     const auto owned = orvex::consumed(diagnostic);
-    if (owned) orvex::warn({owned->id().catalogue(), owned->id().key(), owned->text()});
+    if (owned) orvex::warn({owned->id().catalogue(), owned->id().key(), owned->text(), owned->id().arguments()});
 }
 
 void kssvDiscardDiagnostic(kssvDiagnosticImpl* diagnostic) noexcept { orvex::consumed(diagnostic); }

@@ -5,14 +5,16 @@
 #include <vector>
 
 #include "host/api.h"
+#include "host/messages.h"
 
 /// Warnings that the host showed. Thread: the interpreter thread only.
 namespace orvex {
 /// One warning, as shown.
 struct Warning {
-    std::string catalogue;  ///< of the message identifier
-    std::string key;        ///< of the message identifier
-    std::string text;       ///< UTF-8
+    std::string catalogue;                                        ///< of the message identifier
+    std::string key;                                              ///< of the message identifier
+    std::string text;                                             ///< UTF-8
+    std::vector<resource_core::BaseMsgID::Argument> arguments{};  ///< in the order of the text's places
 };
 
 /// The warnings since the start or the last `clearWarnings`, oldest first.
