@@ -7,7 +7,7 @@ from typing import Optional
 
 from . import _native
 from ._model import Model, Path, Texts, _texts
-from ._reports import CarryReport, CheckReport, DiffReport
+from ._reports import CarryReport, CheckReport, DiffReport, MergeReport, PruneReport
 from ._runs import Run
 
 
@@ -35,9 +35,26 @@ def check(path: Path, mend: Texts = (), dry_run: bool = False) -> CheckReport:
     return CheckReport(_native.check(os.fspath(path), _texts(mend), dry_run))
 
 
+def prune(path: Path, kinds: Texts = (), dry_run: bool = False) -> PruneReport:
+    """Removes what `check` finds: of these kinds, or "all"; without any, what nothing can come of any more."""
+    return PruneReport(_native.prune(os.fspath(path), _texts(kinds), dry_run))
+
+
 def diff(before: Path, after: Path) -> DiffReport:
     """How two model files differ."""
     return DiffReport(_native.diff(os.fspath(before), os.fspath(after)))
+
+
+def comparable(path: Path) -> str:
+    """A model file as lines that are easy to compare."""
+    return _native.comparable(os.fspath(path))
+
+
+def merge(base: Optional[Path], ours: Path, theirs: Path, output: Path, dry_run: bool = False) -> MergeReport:
+    """Brings together what two people changed in copies of the `base`, None when there is none, and saves it as
+    `output`, which may be one of the three. Where both changed the same differently, ours stays, and is told."""
+    return MergeReport(_native.merge(os.devnull if base is None else os.fspath(base), os.fspath(ours),
+                                     os.fspath(theirs), os.fspath(output), dry_run))
 
 
 def carry(before: Path, after: Path, output: Optional[Path] = None, map: Optional[Path] = None,

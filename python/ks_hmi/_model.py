@@ -9,13 +9,14 @@ from typing import Any, Callable, Dict, Iterable, List, Mapping, Optional, Union
 from . import _native
 from ._data import Block, Client, Entry, Listing, Signal, load
 from ._errors import Error
-from ._reports import ChangeReport, QueryReport, RecordReport
+from ._reports import ChangeReport, CheckReport, QueryReport, RecordReport
 from ._runs import Run
 from ._values import Object
 
 Path = Union[str, "os.PathLike[str]"]
 Referable = Union[str, Entry]
 Texts = Union[str, Iterable[str]]
+Calls = Union[str, int, Entry, Iterable[Union[str, int, Entry]]]
 
 
 def _texts(given: Texts) -> List[str]:
@@ -34,6 +35,21 @@ def _references(given: Iterable[Union[Referable, Iterable[Referable]]]) -> List[
         else:
             references += _references(one)
     return references
+
+
+def _reference(given: Referable) -> str:
+    return _references([given])[0]
+
+
+def _calls(given: Calls) -> List[str]:
+    """UUIDs and positions, also of signals and clients of this module."""
+    if isinstance(given, (str, int)):
+        return [str(given)]
+    if isinstance(given, (Signal, Client)):
+        return [given.uuid]
+    if isinstance(given, Entry):
+        raise TypeError(f"{given!r} is no signal or client")
+    return [call for one in given for call in _calls(one)]
 
 
 def _selection(references: Iterable[Any], all: Texts, except_: Texts, kinds: Texts, below: str,
@@ -118,16 +134,62 @@ class Model:
         """What `save` would write."""
         return _native.text(self._held)
 
-    # ---- blocks
+    # ---- what it consists of; signals and clients follow
+
+    def rename(self, name: str) -> ChangeReport:
+        """Gives the model another name; the file keeps its own."""
+        return ChangeReport(_native.rename(self._held, name))
 
     def add_block(self, path: str, outputs: Texts = (), chart: bool = False, eid: str = "") -> Block:
         """Adds a block with output ports of these names; parents need not be there. It gets an element identifier of
         its own when none is given."""
         return load(_native.addBlock(self._held, path, eid, _texts(outputs), chart))
 
-    def remove_block(self, path: str, below: bool = False, unmark: bool = False) -> ChangeReport:
+    def remove_block(self, path: Referable, below: bool = False, unmark: bool = False) -> ChangeReport:
         """Removes a block: with `below` all that is below it, with `unmark` the signals on what goes."""
-        return ChangeReport(_native.removeBlock(self._held, path, below, unmark))
+        return ChangeReport(_native.removeBlock(self._held, _reference(path), below, unmark))
+
+    def rename_block(self, path: Referable, name: str) -> ChangeReport:
+        """Gives a block or parent another name where it is."""
+        return ChangeReport(_native.renameBlock(self._held, _reference(path), name))
+
+    def move(self, path: Referable, new_path: str) -> ChangeReport:
+        """Moves a block or parent, with all below it, to another path."""
+        return ChangeReport(_native.move(self._held, _reference(path), new_path))
+
+    def add_port(self, block: Referable, name: str, at: Optional[int] = None) -> ChangeReport:
+        """Adds an output port, `at` that number or as the last one; those behind it move on."""
+        return ChangeReport(_native.addPort(self._held, _reference(block), name, at))
+
+    def remove_port(self, block: Referable, port: Union[int, str], unmark: bool = False) -> ChangeReport:
+        """Removes an output port by number from 1 or name, with `unmark` its signals, too; those behind it move up."""
+        return ChangeReport(_native.removePort(self._held, _reference(block), str(port), unmark))
+
+    def rename_port(self, block: Referable, port: Union[int, str], name: str) -> ChangeReport:
+        """Gives an output port another name; signals keep theirs."""
+        return ChangeReport(_native.renamePort(self._held, _reference(block), str(port), name))
+
+    def renumber(self, block: Referable, numbers: Iterable[int]) -> ChangeReport:
+        """Gives output ports 1, 2, ... these new numbers, 0 for one that is deleted; further ports keep theirs."""
+        return ChangeReport(_native.renumber(self._held, _reference(block), list(numbers)))
+
+    def add_state(self, chart: Referable, path: str, ssid: Optional[int] = None) -> ChangeReport:
+        """Adds a state by its path below the chart. The block becomes a chart if it is not one."""
+        return ChangeReport(_native.addState(self._held, _reference(chart), path, ssid))
+
+    def add_datum(self, chart: Referable, name: str, ssid: Optional[int] = None) -> ChangeReport:
+        """Adds a datum. The block becomes a chart if it is not one."""
+        return ChangeReport(_native.addDatum(self._held, _reference(chart), name, ssid))
+
+    def remove_item(self, item: Referable, ssid: Optional[int] = None, below: bool = False,
+                    unmark: bool = False) -> ChangeReport:
+        """Removes a state or datum, "chart/State", or by the chart and `ssid`: with `below` the states below it, with
+        `unmark` the signals on what goes."""
+        return ChangeReport(_native.removeItem(self._held, _reference(item), ssid, below, unmark))
+
+    def rename_item(self, item: Referable, name: str, ssid: Optional[int] = None) -> ChangeReport:
+        """Gives a state or datum another name, without the states above it."""
+        return ChangeReport(_native.renameItem(self._held, _reference(item), name, ssid))
 
     # ---- what is observed
 
@@ -149,22 +211,22 @@ class Model:
 
     def unmark(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
                kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
-               signals: Iterable[Union[str, int]] = (), dangling: bool = False) -> ChangeReport:
+               signals: Calls = (), dangling: bool = False) -> ChangeReport:
         """Removes signals; `dangling` those whose block, port or chart item is gone."""
-        calls = _texts(str(call) for call in signals)
+        calls = _calls(signals)
         selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls) or dangling)
         return ChangeReport(_native.unmark(self._held, selection, calls, dangling))
 
     def set(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
             kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
-            signals: Iterable[Union[str, int]] = (), name: Optional[str] = None, decimation: Optional[int] = None,
+            signals: Calls = (), name: Optional[str] = None, decimation: Optional[int] = None,
             max_points: Optional[int] = None, frame_based: Optional[bool] = None, hidden: Optional[bool] = None,
             buffered: Optional[bool] = None, excluded_from_save: Optional[bool] = None,
             visual_type: Optional[str] = None, confirm: bool = False) -> ChangeReport:
         """Changes the settings of signals in place. `confirm` says that what they are on is what was meant."""
         settings = _given(name=name, decimation=decimation, maxPoints=max_points, frameBased=frame_based, hidden=hidden,
                           buffered=buffered, excludedFromSave=excluded_from_save, visualType=visual_type)
-        calls = _texts(str(call) for call in signals)
+        calls = _calls(signals)
         selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls))
         return ChangeReport(_native.set(self._held, selection, calls, settings, confirm))
 
@@ -178,12 +240,12 @@ class Model:
 
     def observe(self, *references: Union[Referable, Iterable[Referable]], type: str, all: Texts = (),
                 except_: Texts = (), kinds: Texts = (), below: str = "", activity: Optional[str] = None,
-                ssid: Optional[int] = None, signals: Iterable[Union[str, int]] = (),
+                ssid: Optional[int] = None, signals: Calls = (),
                 params: Optional[Mapping[str, Any]] = None, update_rate: Optional[int] = None,
                 channel: Optional[int] = None, imaginary: Optional[bool] = None,
                 bus_leaf: Optional[str] = None) -> ChangeReport:
         """Has a client of that observer type watch each marked port and chart item that is meant."""
-        calls = _texts(str(call) for call in signals)
+        calls = _calls(signals)
         selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls))
         settings = _given(type=type, params=None if params is None else json.dumps(params), updateRate=update_rate,
                           channel=channel, imaginary=imaginary, busLeaf=bus_leaf)
@@ -191,27 +253,36 @@ class Model:
 
     def unobserve(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
                   kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
-                  clients: Iterable[Union[str, int]] = (), types: Texts = (), states: Texts = ()) -> ChangeReport:
+                  clients: Calls = (), types: Texts = (), states: Texts = (), unused: bool = False) -> ChangeReport:
         """Removes clients: of signals, by UUID or position, or in a state ("watching", "dangling", "elsewhere",
-        "foreign", "deprecated"); with `types` only those."""
-        who = {"clients": [str(call) for call in clients], "types": _texts(types), "states": _texts(states)}
-        selection = _selection(references, all, except_, kinds, below, activity, ssid, any(who.values()))
+        "foreign", "deprecated"); with `types` only those. `unused`, given alone, has the host drop what it does not
+        need: clients of deprecated kinds and those whose signal is gone."""
+        who = {"clients": _calls(clients), "types": _texts(types), "states": _texts(states)}
+        selection = _selection(references, all, except_, kinds, below, activity, ssid, any(who.values()) or unused)
+        if unused:
+            if any(selection.values()) or any(who.values()):
+                raise Error("unused= asks the host about all clients; give it alone")
+            return ChangeReport(_native.dropUnused(self._held))
         return ChangeReport(_native.unobserve(self._held, selection, who))
 
     def set_clients(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
                     kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
-                    clients: Iterable[Union[str, int]] = (), types: Texts = (), states: Texts = (),
+                    clients: Calls = (), types: Texts = (), states: Texts = (),
                     new_type: Optional[str] = None, params: Optional[Mapping[str, Any]] = None,
                     update_rate: Optional[int] = None, channel: Optional[int] = None,
                     imaginary: Optional[bool] = None, bus_leaf: Optional[str] = None) -> ChangeReport:
         """Changes the settings of clients in place; who is meant, as in `unobserve`."""
-        who = {"clients": [str(call) for call in clients], "types": _texts(types), "states": _texts(states)}
+        who = {"clients": _calls(clients), "types": _texts(types), "states": _texts(states)}
         selection = _selection(references, all, except_, kinds, below, activity, ssid, any(who.values()))
         settings = _given(type=new_type, params=None if params is None else json.dumps(params), updateRate=update_rate,
                           channel=channel, imaginary=imaginary, busLeaf=bus_leaf)
         return ChangeReport(_native.setClients(self._held, selection, who, settings))
 
     # ---- files and runs
+
+    def check(self) -> CheckReport:
+        """Looks for what is wrong, or may go wrong, with what `save` would write."""
+        return CheckReport(_native.checkModel(self._held))
 
     def save(self) -> None:
         """Writes the file, as a whole or not at all. Refused when somebody else has changed it since."""

@@ -54,7 +54,8 @@ class Report:
 
 
 class ChangeReport(Report):
-    """`added`, `changed`, `removed`, `skipped` and `unchanged` signals and clients. True when anything changed."""
+    """What was `added`, `changed`, `removed`, `skipped` and left `unchanged`: signals and clients, and of changes to the
+    structure blocks, ports, chart items and the model. True when anything changed."""
 
     def __bool__(self) -> bool:
         return any(self.data[name] for name in ("added", "changed", "removed"))
@@ -99,6 +100,28 @@ class CheckReport(Report):
 
     def _repr_html_(self) -> str:
         return f"<p>{escape(repr(self)[1:-1])}</p>" + table(self.findings)
+
+
+class PruneReport(Report):
+    """What was `settled`, by removing it. True when anything was."""
+
+    def __bool__(self) -> bool:
+        return bool(self.data["settled"])
+
+    def __repr__(self) -> str:
+        return f"<prune: {counted(len(self.data['settled']), 'removal')}>"
+
+
+class MergeReport(Report):
+    """How many `signals` and `clients` there are now, and the `conflicts`. True when there are none of these."""
+
+    def __bool__(self) -> bool:
+        return not self.data["conflicts"]
+
+    def __repr__(self) -> str:
+        data = self.data
+        return f"<merge: {counted(data['signals'], 'signal')}, {counted(data['clients'], 'client')}, " \
+               f"{counted(len(data['conflicts']), 'conflict')}>"
 
 
 class DiffReport(Report):

@@ -1,22 +1,19 @@
-#include <pybind11/stl.h>
-
 #include <fmt/format.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "kshmi/print/carry_report.h"
 #include "kshmi/print/diff_report.h"
 #include "kshmi/print/findings.h"
 #include "kshmi/print/output.h"
+#include "python/native/define.h"
 #include "python/native/open_model.h"
 #include "workbench/check/check_file.h"
 #include "workbench/check/settling.h"
-#include "workbench/compare/carry.h"
+#include "workbench/compare/carry_files.h"
+#include "workbench/compare/compared_file.h"
 #include "workbench/compare/diff.h"
-#include "workbench/files/atomic_file.h"
 #include "workbench/import/import_model.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
@@ -33,28 +30,7 @@ void warnOf(const std::string& file, const std::vector<std::string>& warnings) {
     for (const std::string& warning : warnings) warn(fmt::format("{}: {}", file, warning));
 }
 
-FindingKinds kindsOf(const Words& words) {
-    FindingKinds kinds;
-    for (const std::string& word : words) {
-        const std::optional<FindingKind> kind = findingKindOf(word);
-        if (word != "all" && !(kind && isMendable(*kind))) {
-            Words mendable{"all"};
-            for (std::size_t i = 0; i < kFindingKinds; ++i)
-                if (isMendable(static_cast<FindingKind>(i))) mendable.emplace_back(textOf(static_cast<FindingKind>(i)));
-            throw Error(inQuotes(word) + " is nothing that can be mended; there are: " + listed(mendable));
-        }
-        for (std::size_t i = 0; i < kFindingKinds; ++i)
-            if (const auto one = static_cast<FindingKind>(i); isMendable(one) && (word == "all" || one == *kind))
-                kinds.set(i);
-    }
-    return kinds;
-}
-
-std::string check(const std::string& path, const Words& mended, bool isDryRun) {
-    const FindingKinds kinds = kindsOf(mended);
-    SettledFile file{{}, checkFile(path), {}};
-    if (kinds.any()) file = settleFile(std::move(file.now), Settling::mend, kinds, isDryRun);
-    warnOf(path, file.warnings);
+std::string checkReport(const SettledFile& file, bool isDryRun) {
     kshmi::FindingCounts counts;
     counts.add(file.now);
     std::string out;
@@ -68,84 +44,68 @@ std::string check(const std::string& path, const Words& mended, bool isDryRun) {
     return out;
 }
 
+std::string check(const std::string& path, const Words& mended, bool isDryRun) {
+    const FindingKinds kinds = findingKindsCalled(mended, isMendable, "mend=");
+    SettledFile file{{}, checkFile(path), {}};
+    if (kinds.any()) file = settleFile(std::move(file.now), Settling::mend, kinds, isDryRun);
+    warnOf(path, file.warnings);
+    return checkReport(file, isDryRun);
+}
+
+std::string checkModel(OpenModel& model) {
+    return checkReport({{}, checkText(model.session().path(), model.session().text()), {}}, false);
+}
+
+std::string prune(const std::string& path, const Words& words, bool isDryRun) {
+    const FindingKinds kinds = prunedKinds(words, "kinds=");
+    CheckedFile checked = checkFile(path);
+    if (!checked.contents) throw errorOf(checked.findings.back());
+    const SettledFile file = settleFile(std::move(checked), Settling::prune, kinds, isDryRun);
+    warnOf(path, file.warnings);
+    std::ostringstream out;
+    kshmi::printPruneJson(file, path, isDryRun, out);
+    return out.str();
+}
+
 std::string diff(const std::string& before, const std::string& after) {
-    const ModelFile old = readModelFile(before);
-    const ModelFile next = readModelFile(after);
+    const auto [old, next] = readCompared(before, after);
     std::ostringstream out;
     kshmi::printDiffJson(diffModels(old, next), {before, after}, old, next, {out, out});
     return out.str();
 }
 
-struct CarryArguments {
-    std::string before, after, output, map, proposal, match;
-    bool acceptsGuesses = false, isDryRun = false;
-};
+std::string comparable(const std::string& path) { return comparableText(readModelFile(path)); }
 
-bool isForeign(const std::string& path) {
-    const std::string ending = std::filesystem::path(path).extension().string();
-    return ending == ".ssd" || ending == ".ssp" || ending == ".xml" || ending == ".fmu";
+std::string merge(const std::string& base, const std::string& ours, const std::string& theirs,
+                  const std::string& output, bool isDryRun) {
+    const MergedModel merged = mergeFiles(base, ours, theirs);
+    if (!isDryRun) warnOf(output, writeModelFile(output, merged.file).warnings);
+    std::ostringstream out;
+    kshmi::printMergeJson(merged, output, isDryRun, {out, out});
+    return out.str();
 }
 
-ModelFile modelFileOf(ImportedModel imported) {
-    ModelFile file = newModelFile(imported.model.name());
-    file.model = std::move(imported.model);
-    file.extras.origin = std::move(imported.origin);
-    return file;
-}
-
-ModelFile nextVersion(const CarryArguments& arguments, const ModelFile& old) {
-    if (!isForeign(arguments.after)) return readModelFile(arguments.after);
-    if (arguments.output.empty()) throw Error("output= is missing; an import needs a model file to go to");
-    ImportOptions options;
-    options.previous = &old;
-    return modelFileOf(importFile(arguments.after, arguments.output, options));
-}
-
-CarryMap readMap(const std::string& path, const ModelFile& old, const kestrel::Model& next) {
-    if (path.empty()) return {};
-    std::ifstream file(path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file) throw Error({path}, "cannot be read; check the name and the permissions", ErrorCode::file);
-    return {path, text, old, next};
-}
-
-CarryOptions optionsOf(const CarryArguments& arguments) {
+CarryOptions optionsOf(const std::string& match, bool acceptsGuesses) {
     CarryOptions options;
-    options.acceptsGuesses = arguments.acceptsGuesses;
-    if (arguments.match == "id")
+    options.acceptsGuesses = acceptsGuesses;
+    if (match == "id")
         options.by = MatchBy::identifier;
-    else if (arguments.match == "path")
+    else if (match == "path")
         options.by = MatchBy::path;
-    else if (!arguments.match.empty())
-        throw Error(inQuotes(arguments.match) + ": match= takes \"id\" or \"path\"");
+    else if (!match.empty())
+        throw Error(inQuotes(match) + ": match= takes \"id\" or \"path\"");
     return options;
 }
 
-// First what can fail without having changed anything.
-void saveCarried(const CarryArguments& arguments, const CarriedModel& carried, const std::string& target) {
-    std::optional<AtomicFile> proposal;
-    if (!arguments.proposal.empty()) {
-        proposal.emplace(AtomicFile::kNew, arguments.proposal);
-        proposal->write(proposedMap(carried.report));
-    }
-    const bool isInPlace = target == arguments.after;
-    if (!arguments.isDryRun)
-        warnOf(target, writeModelFile(target, carried.file, isInPlace ? carried.file.version : std::nullopt).warnings);
-    if (proposal) proposal->commit();
-}
-
-std::string carry(const CarryArguments& arguments) {
-    const CarryOptions options = optionsOf(arguments);
-    const ModelFile old = readModelFile(arguments.before);
-    ModelFile next = nextVersion(arguments, old);
-    const CarryMap map = readMap(arguments.map, old, next.model);
-    const std::string target = arguments.output.empty() ? arguments.after : arguments.output;
-    const std::u16string newName = next.model.name();
-    const CarriedModel carried = carryMarks(old, std::move(next), options, map);
-    saveCarried(arguments, carried, target);
+std::string carry(const CarryFiles& files, const CarryOptions& options, bool isDryRun) {
+    const CarriedFiles done = carryFiles(files, options);
+    const CarryReport& report = done.carried.report;
+    saveWithProposal(files, report, [&] {
+        if (!isDryRun)
+            warnOf(files.target(), writeModelFile(files.target(), done.carried.file, done.replaced).warnings);
+    });
     std::ostringstream out;
-    kshmi::printCarryJson(carried.report,
-                          {arguments.before, arguments.after, target, old.model.name(), newName, arguments.isDryRun},
+    kshmi::printCarryJson(report, {files.before, files.after, files.target(), done.oldModel, done.newModel, isDryRun},
                           {out, out});
     return out.str();
 }
@@ -177,20 +137,17 @@ std::shared_ptr<OpenModel> import(const std::string& source, const std::string& 
 }  // namespace
 
 void bindFiles(py::module_& module) {
-    module.def("check", [](const std::string& path, const Words& mended, bool dryRun) {
-        return inHost([&] { return check(path, mended, dryRun); });
-    });
-    module.def("diff", [](const std::string& before, const std::string& after) {
-        return inHost([&] { return diff(before, after); });
-    });
+    define(module, "check", check);
+    define(module, "checkModel", checkModel);
+    define(module, "prune", prune);
+    define(module, "diff", diff);
+    define(module, "comparable", comparable);
+    define(module, "merge", merge);
+    define(module, "importModel", import);
     module.def("carry", [](const std::string& before, const std::string& after, const std::string& output,
                            const std::string& map, const std::string& proposal, const std::string& match, bool accept,
                            bool dryRun) {
-        return inHost([&] { return carry({before, after, output, map, proposal, match, accept, dryRun}); });
-    });
-    module.def("importModel", [](const std::string& source, const std::string& path, const std::string& name,
-                                 std::optional<bool> locals, const std::string& previous) {
-        return inHost([&] { return import(source, path, name, locals, previous); });
+        return inHost([&] { return carry({before, after, output, map, proposal}, optionsOf(match, accept), dryRun); });
     });
 }
 

@@ -8,6 +8,7 @@
 #include "python/native/open_model.h"
 #include "workbench/change/mark_target.h"
 #include "workbench/change/marking.h"
+#include "workbench/find/asking.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/text/text.h"
 
@@ -43,39 +44,6 @@ void appendWanted(std::string& out, const Session& session, const MarkTarget& wa
     object.close();
 }
 
-// All are marked, or none.
-class Marking {
-public:
-    Marking(Session& session, const SignalSettings& settings)
-        : m_session(session), m_settings(settings), m_before(session.signals().getCount()) {}
-    Marking(const Marking&) = delete;
-    Marking& operator=(const Marking&) = delete;
-    ~Marking() {
-        if (!m_isDone) takeBack();
-    }
-
-    void mark(const MarkTarget& wanted, ChangeText& text) {
-        addSignal(m_session, wanted.source, wanted.activity, m_settings);
-        appendSignalThing(text.added(), m_session, m_session.signals().getCount() - 1);
-    }
-    void finish() noexcept { m_isDone = true; }
-
-private:
-    void takeBack() noexcept {
-        try {
-            Positions added;
-            for (std::size_t i = m_before; i < m_session.signals().getCount(); ++i) added.push_back(i);
-            removeSignals(m_session, added);
-        } catch (const std::exception&) {  // the failure that is on its way says why
-        }
-    }
-
-    Session& m_session;
-    const SignalSettings& m_settings;
-    std::size_t m_before;
-    bool m_isDone = false;
-};
-
 // Settings are for new signals: what is marked would not get them.
 void requireUnmarked(const Session& session, const std::vector<MarkTarget>& wanted) {
     const auto first = std::ranges::find_if(wanted, &MarkTarget::isMarked);
@@ -94,14 +62,14 @@ std::string mark(OpenModel& model, const py::dict& selection, const py::dict& gi
     const std::vector<MarkTarget> wanted = markTargets(session, chosen.selected.sources(), chosen.options, isAgain);
     if (settings.isAny() && !isMarkedSkipped) requireUnmarked(session, wanted);
     ChangeText text;
-    Marking marking(session, settings);
+    std::size_t position = session.signals().getCount();
+    addSignals(session, wanted, settings);
     for (const MarkTarget& one : wanted) {
         if (one.isMarked)
             appendWanted(settings.isAny() ? text.skipped() : text.unchanged(), session, one);
         else
-            marking.mark(one, text);
+            appendSignalThing(text.added(), session, position++);
     }
-    marking.finish();
     return text.take("mark", session);
 }
 
@@ -148,21 +116,6 @@ std::string set(OpenModel& model, const py::dict& selection, const std::vector<s
     return text.take("set", session);
 }
 
-void appendAnswer(std::string& out, const Session& session, const SignalSource& source,
-                  const ReferenceOptions& options) {
-    JsonObject object(out);
-    kshmi::appendSource(object, session.model(), source);
-    if (!source.item) {
-        object.truth("observed", session.isObserved(*source.block, source.port));
-    } else if (options.activity.empty()) {
-        object.truth("observed", session.isAnyObserved(*source.block, *source.item));
-    } else {
-        const std::u16string activity = activityFor(*source.item, options);
-        object.text("activity", activity).truth("observed", session.isObserved(*source.block, *source.item, activity));
-    }
-    object.close();
-}
-
 std::string query(OpenModel& model, const py::dict& selection) {
     const Session& session = model.session();
     const Chosen chosen = choose(session, selection);
@@ -170,8 +123,11 @@ std::string query(OpenModel& model, const py::dict& selection) {
     JsonObject object(out);
     object.number("kshmi", 1).text("command", std::string_view("query")).text("file", std::string_view(session.path()));
     object.text("model", session.model().name()).name("answers");
-    appendJsonArray(out, chosen.selected.sources(),
-                    [&](const SignalSource& source) { appendAnswer(out, session, source, chosen.options); });
+    appendJsonArray(out, chosen.selected.sources(), [&](const SignalSource& source) {
+        JsonObject answer(out);
+        kshmi::appendAnswer(answer, session.model(), ask(session, source, chosen.options));
+        answer.close();
+    });
     object.close();
     return out;
 }

@@ -1,13 +1,12 @@
-#include <pybind11/stl.h>
-
 #include <filesystem>
 
+#include "python/native/define.h"
 #include "python/native/json_text.h"
 #include "python/native/open_model.h"
 #include "workbench/change/renaming.h"
+#include "workbench/find/asking.h"
 #include "workbench/find/reference.h"
 #include "workbench/model_file/model_file.h"
-#include "workbench/structure/blocks.h"
 #include "workbench/text/text.h"
 
 namespace ks_hmi_python {
@@ -56,15 +55,10 @@ void saveAs(OpenModel& model, const std::string& path, bool replaces) {
     tellSaved(model.session(), model.session().saveAs(path, replaces ? replace : refuse));
 }
 
-bool isObserved(const Session& session, const SignalSource& source) {
-    return source.item ? session.isAnyObserved(*source.block, *source.item)
-                       : session.isObserved(*source.block, source.port);
-}
-
 void appendPlace(std::string& out, const Session& session, const SignalSource& source) {
     JsonObject object(out);
-    kshmi::appendSource(object, session.model(), source);
-    object.truth("observed", isObserved(session, source)).close();
+    kshmi::appendAnswer(object, session.model(), ask(session, source));
+    object.close();
 }
 
 std::vector<SignalSource> portsOf(const kestrel::Block& block) {
@@ -91,29 +85,6 @@ void appendBlock(std::string& out, const Session& session, const kestrel::Block&
     object.close();
 }
 
-std::string addBlockTo(OpenModel& model, const std::string& path, const std::string& eid,
-                       const std::vector<std::string>& outputs, bool isChart) {
-    NewBlock block{toUtf16(path), eid, {}, isChart};
-    for (const std::string& output : outputs) block.outputs.push_back(toUtf16(output));
-    std::string out;
-    appendBlock(out, model.session(), addBlock(model.session(), std::move(block)));
-    return out;
-}
-
-std::string removeBlock(OpenModel& model, const std::string& path, bool isBelow, bool isUnmarked) {
-    Session& session = model.session();
-    const std::u16string modelInFront = session.model().name() + u"/";
-    const RemovedBlocks removed =
-        removeBlocks(session, resolveParent(session.model(), path), isBelow ? Below::remove : Below::refuse,
-                     isUnmarked ? Marks::remove : Marks::keep);
-    ChangeText text;
-    for (const std::u16string& block : removed.blocks) {
-        JsonObject object(text.removed());
-        object.text("kind", std::string_view("block")).text("block", modelInFront + block).close();
-    }
-    return text.take("block", session);
-}
-
 // Elements `from` to `to` of a list, 0-based.
 template <class Append>
 std::string slice(std::size_t from, std::size_t to, Append append) {
@@ -134,9 +105,7 @@ std::string blocks(OpenModel& model, std::size_t from, std::size_t to) {
 }
 
 std::string blockCalled(OpenModel& model, const std::string& path) {
-    std::string out;
-    appendBlock(out, model.session(), resolveBlock(model.session().model(), path));
-    return out;
+    return blockText(model.session(), resolveBlock(model.session().model(), path));
 }
 
 std::string signals(OpenModel& model, std::size_t from, std::size_t to) {
@@ -167,39 +136,35 @@ std::string text(OpenModel& model) { return model.session().text(); }
 std::size_t signalNumber(OpenModel& model, const std::string& call) { return signalCalled(model.session(), call); }
 std::size_t clientNumber(OpenModel& model, const std::string& call) { return clientCalled(model.session(), call); }
 
-// A function of this module whose work is a turn in the host.
-template <class Result, class... Arguments>
-void def(py::module_& module, const char* title, Result (*function)(Arguments...)) {
-    module.def(title, [function](Arguments... arguments) {
-        return inHost([&] { return function(static_cast<Arguments>(arguments)...); });
-    });
-}
-
 }  // namespace
+
+std::string blockText(const Session& session, const kestrel::Block& block) {
+    std::string out;
+    appendBlock(out, session, block);
+    return out;
+}
 
 void bindModels(py::module_& module) {
     py::class_<OpenModel, ModelPtr>(module, "Model")
         .def_property_readonly("isOpen", &OpenModel::isOpen)
         .def("close", [](OpenModel& model) { inHost([&] { model.release(); }); });
-    def(module, "openModel", openModel);
-    def(module, "newModel", newModel);
-    def(module, "save", save);
-    def(module, "saveAs", saveAs);
-    def(module, "name", name);
-    def(module, "path", path);
-    def(module, "text", text);
-    def(module, "origin", origin);
-    def(module, "blocks", blocks);
-    def(module, "blockCalled", blockCalled);
-    def(module, "addBlock", addBlockTo);
-    def(module, "removeBlock", removeBlock);
-    def(module, "signals", signals);
-    def(module, "signalNumber", signalNumber);
-    def(module, "clients", clients);
-    def(module, "clientNumber", clientNumber);
-    def(module, "blockCount", blockCount);
-    def(module, "signalCount", signalCount);
-    def(module, "clientCount", clientCount);
+    define(module, "openModel", openModel);
+    define(module, "newModel", newModel);
+    define(module, "save", save);
+    define(module, "saveAs", saveAs);
+    define(module, "name", name);
+    define(module, "path", path);
+    define(module, "text", text);
+    define(module, "origin", origin);
+    define(module, "blocks", blocks);
+    define(module, "blockCalled", blockCalled);
+    define(module, "signals", signals);
+    define(module, "signalNumber", signalNumber);
+    define(module, "clients", clients);
+    define(module, "clientNumber", clientNumber);
+    define(module, "blockCount", blockCount);
+    define(module, "signalCount", signalCount);
+    define(module, "clientCount", clientCount);
 }
 
 }  // namespace ks_hmi_python

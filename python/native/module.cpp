@@ -6,6 +6,7 @@ PYBIND11_MODULE(_native, module) {
     translateErrors(module);
     bindHostTurn(module);
     bindModels(module);
+    bindStructure(module);
     bindMarking(module);
     bindObserving(module);
     bindFiles(module);

@@ -6,6 +6,7 @@
 #include "python/native/host_turn.h"
 #include "workbench/find/selecting.h"
 #include "workbench/session/session.h"
+#include "workbench/text/text.h"
 
 namespace ks_hmi_python {
 
@@ -25,16 +26,27 @@ private:
     std::optional<workbench::Session> m_session;
 };
 
+/// A block with its outputs and what its chart has, as JSON.
+std::string blockText(const workbench::Session& session, const kestrel::Block& block);
+
+/// "a, b, c", for messages.
+template <class Words>
+std::string listedWords(const Words& words) {
+    return workbench::listed(words, words.size(), [](const auto& word) { return word; });
+}
+
 /// What a selection's dictionary means in the model: "references", "all", "except", "kinds", "below", "activity",
 /// "ssid". With kinds, exceptions and "below" alone, all of the model. Throws as `workbench::select`.
 struct Chosen {
     workbench::Selected selected;
     workbench::ReferenceOptions options;
+    bool isAsked = false;  ///< whether anything was, which is another thing than having found none
 };
 Chosen choose(const workbench::Session& session, const py::dict& selection);
 
 /// Each adds its functions to the module.
 void bindModels(py::module_& module);
+void bindStructure(py::module_& module);
 void bindMarking(py::module_& module);
 void bindObserving(py::module_& module);
 void bindFiles(py::module_& module);

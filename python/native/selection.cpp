@@ -1,7 +1,6 @@
 #include <pybind11/stl.h>
 
-#include <iterator>
-#include <string_view>
+#include <optional>
 #include <vector>
 
 #include "python/native/open_model.h"
@@ -20,10 +19,9 @@ Value valueIn(const py::dict& selection, const char* name) {
 }
 
 SourceKind kindCalled(const std::string& word) {
-    constexpr const char* kKinds[] = {"port", "chart", "state", "datum"};
-    for (std::size_t i = 0; i < std::size(kKinds); ++i)
-        if (word == kKinds[i]) return static_cast<SourceKind>(i);
-    throw Error(inQuotes(word) + " is no kind; there are: port, chart, state, datum");
+    const std::optional<SourceKind> kind = sourceKindOf(word);
+    if (!kind) throw Error(inQuotes(word) + " is no kind; there are: " + listedWords(kSourceKinds));
+    return *kind;
 }
 
 Selection selectionOf(const py::dict& given) {
@@ -59,7 +57,7 @@ Chosen choose(const Session& session, const py::dict& given) {
     const auto below = valueIn<std::string>(given, "below");
     const bool isNarrowed = !below.empty() || !selection.except.empty() || !selection.kinds.empty();
     if (!selection.isAnything() && isNarrowed && !model.blocks().empty()) selection.all = {"*"};
-    Chosen chosen{select(model, selection), selection.options};
+    Chosen chosen{select(model, selection), selection.options, selection.isAnything() || isNarrowed};
     for (const std::string& pattern : chosen.selected.idle) warn("except " + inQuotes(pattern) + " leaves nothing out");
     if (below.empty()) return chosen;
     const std::u16string path = resolveBelow(model, below);

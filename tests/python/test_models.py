@@ -129,7 +129,7 @@ def test_files_are_checked_compared_and_carried(cruise, tmp_path):
     checked = ks_hmi.check(other)
     assert not checked and "KS" in checked.findings[0].code and checked.findings[0].line
     assert len(ks_hmi.check(other, mend=["uuids", "names"]).settled) == 2 and ks_hmi.check(other)
-    with pytest.raises(ks_hmi.Error, match="there are: all, "):
+    with pytest.raises(ks_hmi.Error, match="mend=: there is no kind \"everything\""):
         ks_hmi.check(other, mend="everything")
 
 
@@ -140,7 +140,8 @@ def test_models_are_made_and_imported(tmp_path, cruise):
         fresh.mark(made.outputs[1])
         with pytest.raises(ks_hmi.Error, match="unmark=True"):
             fresh.remove_block("Plant/Engine")
-        assert [one.block for one in fresh.remove_block("Plant", below=True, unmark=True).removed] == [made.block]
+        removed = fresh.remove_block("Plant", below=True, unmark=True).removed
+        assert [(one.kind, one.block) for one in removed] == [("block", made.block), ("signal", made.block)]
         fresh.add_block("Mode", chart=True)
         fresh.save()
         assert not fresh.signals and fresh.mark("Mode", activity="Self")
