@@ -28,6 +28,12 @@ std::string ratioText(const RecordResult& result) {
     return fmt::format(", {:.3g} times real time", simulated / result.seconds);
 }
 
+void appendItems(std::string& out, const ValueNames& items) {
+    appendJsonArray(out, items, [&](const ValueName& item) {
+        JsonObject(out).number("value", item.value).text("name", std::string_view(item.name)).close();
+    });
+}
+
 void appendColumn(std::string& out, const RunColumn& column, const Session& session) {
     JsonObject object(out);
     appendSignalId(object, session, column.position);
@@ -35,6 +41,7 @@ void appendColumn(std::string& out, const RunColumn& column, const Session& sess
     object.text("block", column.block).number("port", column.port).text("portName", column.portName);
     object.text("element", column.element).text("variable", column.variable);
     object.number("decimation", column.decimation).number("maxPoints", column.maxPoints);
+    if (!column.names.empty()) appendItems(object.name("items").out(), column.names);
     object.close();
 }
 

@@ -2,9 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+
 #include "report/plot/figures.h"
 #include "report/plot/text_changes.h"
-#include "workbench/text/text.h"
+#include "workbench/text/columns.h"
 
 namespace report {
 
@@ -16,6 +21,10 @@ namespace {
 constexpr std::size_t kHeight = 112;
 constexpr std::size_t kLowHeight = 28;
 constexpr std::size_t kMostLabels = 7;
+// Of a name, in columns.
+constexpr std::size_t kLongestLabel = 18;
+// Of whole numbers.
+constexpr double kMostExact = 1e15;
 
 std::string percent(double share) { return fmt::format("{:.4g}%", share * 100); }
 
@@ -52,6 +61,11 @@ std::string dotsAt(const std::vector<double>& times, const PlotFrame& frame, std
     return path;
 }
 
+// Null for a number without one.
+const std::string* nameOf(const ValueNames& names, double value) noexcept {
+    return std::abs(value) < kMostExact ? findName(names, static_cast<std::int64_t>(value)) : nullptr;
+}
+
 void writeNumber(Html& html, const char* name, double number) {
     html.add("<span>{} <b>{}</b></span>", name, numberText(number));
 }
@@ -60,17 +74,23 @@ void writeCount(Html& html, std::size_t count, const char* what) {
     if (count > 0) html.add("<span>{}</span>", countedText(count, what));
 }
 
+void writeLast(Html& html, const RecordedColumn& column, double value) {
+    if (const std::string* const name = nameOf(column.names, value))
+        html.add("<span>last <b>{}</b></span>", Name(*name));
+    else if (column.kind == ValueKind::boolean)
+        html.add("<span>last <b>{}</b></span>", value == 0.0 ? "false" : "true");
+    else
+        writeNumber(html, "last", value);
+}
+
 void writeCaption(Html& html, const RecordedColumn& column, const ColumnFigures& figures, std::string_view what) {
     html.add("<figcaption><span class=\"unit\">{}</span><div>", Name(column.unit));
     if (!what.empty()) html.add("<span class=\"which\">{}</span>", Name(what));
-    if (figures.finite > 1 && column.kind != ValueKind::boolean) {
+    if (figures.finite > 1 && column.kind != ValueKind::boolean && column.names.empty()) {
         writeNumber(html, "min", figures.least);
         writeNumber(html, "max", figures.greatest);
     }
-    if (figures.finite > 0 && column.kind == ValueKind::boolean)
-        html.add("<span>last <b>{}</b></span>", figures.last == 0.0 ? "false" : "true");
-    else if (figures.finite > 0)
-        writeNumber(html, "last", figures.last);
+    if (figures.finite > 0) writeLast(html, column, figures.last);
     writeCount(html, column.times.size(), "sample");
     writeCount(html, figures.gaps, "gap");
     if (!figures.up.empty()) html.add("<span class=\"amiss\">{} × ∞</span>", grouped(figures.up.size()));
@@ -78,9 +98,25 @@ void writeCaption(Html& html, const RecordedColumn& column, const ColumnFigures&
     html.add("</div></figcaption>");
 }
 
+// One label for each value; nothing for too many.
+std::optional<ValueAxis> namedAxis(const ValueNames& names, const ColumnFigures& figures) {
+    const double room = figures.least == figures.greatest ? 1 : 0;
+    const double from = figures.least - room;
+    const double to = figures.greatest + room;
+    const bool areExact = std::abs(from) < kMostExact && std::abs(to) < kMostExact;
+    if (names.empty() || !areExact || to - from >= static_cast<double>(kMostLabels)) return std::nullopt;
+    ValueAxis axis{from, to, {}};
+    for (double value = from; value <= to; ++value) {
+        const std::string* const name = nameOf(names, value);
+        axis.labels.push_back(name != nullptr ? shortened(*name, kLongestLabel) : "");
+    }
+    return axis;
+}
+
 ValueAxis axisOf(const RecordedColumn& column, const ColumnFigures& figures) {
     if (column.kind == ValueKind::boolean) return {0.0, 1.0, {"false", "true"}};
     if (figures.finite == 0) return {0.0, 1.0, {"", ""}};
+    if (const std::optional<ValueAxis> axis = namedAxis(column.names, figures)) return *axis;
     return valueAxis(figures.least, figures.greatest, column.kind != ValueKind::real);
 }
 

@@ -10,7 +10,7 @@
 #include "hostile.h"
 
 enum { SINE, FED, FETCHED_REALS, GAIN = 10, INPUT = 11, WIDE = 100 }; /* reals; from WIDE on any number of them */
-enum { COUNT, MODE, BEHAVIOUR, FETCHED };                             /* integers */
+enum { COUNT, MODE, BEHAVIOUR, FETCHED, WISH };                       /* integers */
 enum { WELL, CRASH, HANG, FAIL, DISCARD, FINISH, LEAVE, SPAM, ABORT_AT_END, CHATTER, HANG_AT_END, FAIL_AT_START };
 enum { CLOSE_FILES = FAIL_AT_START + 1, LEAVE_PROCESSES, STAND_STILL, COMPLAIN, WRITE_OVER = 1000 };
 enum { COMPLAINTS = 1000 };
@@ -18,7 +18,7 @@ enum { COMPLAINTS = 1000 };
 typedef struct {
     const Fmi2Callbacks* callbacks;
     double time, gain, input;
-    int steps, behaviour, fetched;
+    int steps, behaviour, fetched, wish;
     char text[64], name[64];
     int log;
 } Unit;
@@ -146,6 +146,7 @@ FMI_EXPORT int fmi2GetInteger(void* any, const unsigned* references, size_t coun
         values[i] = references[i] == COUNT     ? -unit->steps
                     : references[i] == MODE    ? unit->steps % 3 + 1
                     : references[i] == FETCHED ? unit->fetched
+                    : references[i] == WISH    ? unit->wish
                                                : unit->behaviour;
     return FMI_OK;
 }
@@ -172,7 +173,7 @@ FMI_EXPORT int fmi2SetReal(void* any, const unsigned* references, size_t count, 
 
 FMI_EXPORT int fmi2SetInteger(void* any, const unsigned* references, size_t count, const int* values) {
     for (size_t i = 0; i < count; ++i)
-        if (references[i] == BEHAVIOUR) ((Unit*)any)->behaviour = values[i];
+        *(references[i] == WISH ? &((Unit*)any)->wish : &((Unit*)any)->behaviour) = values[i];
     return FMI_OK;
 }
 

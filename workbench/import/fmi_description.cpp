@@ -58,7 +58,7 @@ public:
         const pugi::xml_node root = m_file.root();
         readHead(root);
         readWaysToRun(root);
-        readTypeUnits(root);
+        readTypes(root);
         const pugi::xml_node variables = XmlFile::child(root, "ModelVariables");
         if (!variables)
             m_file.fail(root, "has no list of variables (ModelVariables)", "have it written again by its exporter");
@@ -114,20 +114,38 @@ private:
                               numberOf<double>(m_file.attribute(node, "fixedInternalStepSize"))};
     }
 
-    // A type's definition has its unit itself, or, before version 3.0, in the element inside it.
-    void readTypeUnits(pugi::xml_node root) {
-        for (const pugi::xml_node type : XmlFile::child(root, "TypeDefinitions")) {
-            std::string unit = m_file.attribute(type, "unit");
-            if (unit.empty()) unit = m_file.attribute(XmlFile::child(type, "Real"), "unit");
-            if (!unit.empty()) m_typeUnits.emplace(m_file.attribute(type, "name"), std::move(unit));
+    struct Type {
+        std::string unit;
+        std::shared_ptr<const FmiItems> items;
+    };
+
+    // A type's definition has its unit and its items itself, or, before version 3.0, in the element inside it.
+    void readTypes(pugi::xml_node root) {
+        for (const pugi::xml_node node : XmlFile::child(root, "TypeDefinitions")) {
+            Type type{m_file.attribute(node, "unit"), itemsOf(node)};
+            if (type.unit.empty()) type.unit = m_file.attribute(XmlFile::child(node, "Real"), "unit");
+            if (!type.items) type.items = itemsOf(XmlFile::child(node, "Enumeration"));
+            m_types.emplace(m_file.attribute(node, "name"), std::move(type));
         }
     }
 
-    std::string unitOf(pugi::xml_node node) const {
-        std::string unit = m_file.attribute(node, "unit");
-        if (!unit.empty()) return unit;
-        const auto type = m_typeUnits.find(m_file.attribute(node, "declaredType"));
-        return type != m_typeUnits.end() ? type->second : std::string();
+    std::shared_ptr<const FmiItems> itemsOf(pugi::xml_node node) const {
+        FmiItems items;
+        for (const pugi::xml_node item : node) {
+            if (localName(item.name()) != "Item") continue;
+            const auto value = numberOf<std::int64_t>(m_file.attribute(item, "value"));
+            std::string name = m_file.attribute(item, "name");
+            if (value && !name.empty()) items.push_back({std::move(name), *value});
+        }
+        return items.empty() ? nullptr : std::make_shared<const FmiItems>(std::move(items));
+    }
+
+    void readType(pugi::xml_node node, FmiVariable& variable) const {
+        variable.unit = m_file.attribute(node, "unit");
+        const auto type = m_types.find(m_file.attribute(node, "declaredType"));
+        if (type == m_types.end()) return;
+        if (variable.unit.empty()) variable.unit = type->second.unit;
+        if (variable.type == "Enumeration") variable.items = type->second.items;
     }
 
     void readVariable(pugi::xml_node node) {
@@ -139,7 +157,7 @@ private:
         const bool isScalarElement = localName(node.name()) == "ScalarVariable";
         variable.type = localName(isScalarElement ? typeElement(node).name() : node.name());
         variable.causality = causalityOf(node, variable);
-        variable.unit = unitOf(isScalarElement ? typeElement(node) : node);
+        readType(isScalarElement ? typeElement(node) : node, variable);
         if (variable.causality == FmiCausality::structuralParameter)
             variable.size = numberOf<std::uint64_t>(m_file.attribute(node, "start"));
         for (const pugi::xml_node inner : node)
@@ -193,7 +211,7 @@ private:
     ImportNotes& m_dropped;
     FmiDescription m_result;
     std::unordered_set<std::string> m_names;
-    std::unordered_map<std::string, std::string> m_typeUnits;
+    std::unordered_map<std::string, Type> m_types;
 };
 
 }  // namespace

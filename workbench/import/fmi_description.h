@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,6 +32,13 @@ struct FmiDimension {
     std::optional<std::uint32_t> valueReference = std::nullopt;
 };
 
+/// What a value of an enumeration is called.
+struct FmiItem {
+    std::string name;
+    std::int64_t value = 0;
+};
+using FmiItems = std::vector<FmiItem>;
+
 struct FmiVariable {
     std::string name;
     FmiCausality causality = FmiCausality::local;
@@ -41,6 +49,7 @@ struct FmiVariable {
     std::vector<FmiDimension> dimensions = {};         ///< empty for a scalar
     std::string unit = {};                             ///< of its own or of its type; empty when the file gives none
     std::optional<std::uint64_t> size = std::nullopt;  ///< start value of a structural parameter
+    std::shared_ptr<const FmiItems> items = nullptr;   ///< of an enumeration's type; null when the file gives none
     bool isAlias = false;                              ///< another name of the variable before it
     std::size_t line = 0;                              ///< 1-based
 };

@@ -18,6 +18,7 @@ struct RecordedColumn {
     std::string title;  ///< no other column of the run has it
     ValueKind kind = ValueKind::real;
     std::string unit;      ///< of the values; empty when there is none or the file does not say
+    ValueNames names;      ///< of an enumeration's values, as far as the file says
     std::string signal;    ///< UUID; empty when the file does not say
     std::string block;     ///< full path, model name in front; empty when the file does not say
     int port = 0;          ///< 1-based; 0 when the file does not say

@@ -104,6 +104,8 @@ private:
         column.isSingle = type == UnitType::float32;
         column.isUnsigned = isUnsigned(type);
         column.unit = variable.unit;
+        if (variable.items)
+            for (const FmiItem& item : *variable.items) column.names.push_back({item.value, item.name});
         column.signal = signal.m_uuid;
         column.position = position;
         column.block = toUtf8(m_session.model().fullPath(*source.block));

@@ -32,6 +32,8 @@ public:
     RecordedRun read(std::optional<int> number) {
         readRun(idOf(number));
         readSignals();
+        // Databases of before enumerations had names lack this one.
+        if (m_database.hasTable("items")) readItems();
         readSamples();
         return std::move(m_run);
     }
@@ -84,6 +86,16 @@ private:
             column.portName = signals.text(7);
             column.element = signals.text(8);
         }
+    }
+
+    void readItems() {
+        SqliteStatement items = m_database.prepare(
+            "SELECT signal, value, name FROM items WHERE signal IN (SELECT id FROM signals WHERE run = ?) ORDER BY "
+            "rowid");
+        items.bind(1, m_id);
+        while (items.step())
+            if (const auto found = m_columns.find(items.integer(0)); found != m_columns.end())
+                m_run.columns[found->second].names.push_back({items.integer(1), std::string(items.text(2))});
     }
 
     void readSamples() {

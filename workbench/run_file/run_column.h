@@ -15,6 +15,7 @@ struct RunColumn {
     bool isSingle = false;    ///< a real of 32 bits, which a shorter text tells
     bool isUnsigned = false;  ///< an integer
     std::string unit;
+    ValueNames names;          ///< of an enumeration's values, as far as the unit gives them
     std::string signal;        ///< UUID
     std::size_t position = 0;  ///< of the signal, 0-based
     std::string block;         ///< full path, model name in front

@@ -22,6 +22,7 @@ CREATE TABLE IF NOT EXISTS runs (
 CREATE TABLE IF NOT EXISTS signals (
   id INTEGER PRIMARY KEY, run INTEGER NOT NULL REFERENCES runs, title TEXT, kind TEXT, unit TEXT, uuid TEXT,
   block TEXT, port INTEGER, portName TEXT, element TEXT, variable TEXT, decimation INTEGER, maxPoints INTEGER);
+CREATE TABLE IF NOT EXISTS items (signal INTEGER NOT NULL REFERENCES signals, value INTEGER NOT NULL, name TEXT);
 CREATE TABLE IF NOT EXISTS samples (signal INTEGER NOT NULL REFERENCES signals, time REAL NOT NULL, value);
 CREATE INDEX IF NOT EXISTS samplesOfSignal ON samples (signal, time);
 )";
@@ -101,6 +102,15 @@ private:
             .bind(12, static_cast<std::int64_t>(column.maxPoints))
             .run();
         m_ids.push_back(m_database.lastRow());
+        for (const ValueName& item : column.names) addItem(m_ids.back(), item);
+    }
+
+    void addItem(std::int64_t signal, const ValueName& item) {
+        m_database.prepare("INSERT INTO items VALUES (?, ?, ?)")
+            .bind(1, signal)
+            .bind(2, item.value)
+            .bind(3, std::string_view(item.name))
+            .run();
     }
 
     void bindValue(const RunColumn& column, std::uint64_t slot, std::string_view texts) {

@@ -16,6 +16,12 @@ constexpr std::array<std::pair<ValueKind, const char*>, 6> kKinds{{{ValueKind::r
 
 }  // namespace
 
+const std::string* findName(const ValueNames& names, std::int64_t value) noexcept {
+    for (const ValueName& one : names)
+        if (one.value == value) return &one.name;
+    return nullptr;
+}
+
 const char* nameOf(ValueKind kind) noexcept {
     for (const auto& [known, name] : kKinds)
         if (known == kind) return name;

@@ -126,7 +126,7 @@ private:
         std::vector<std::uint64_t>& slots = m_inputs.m_slots[column];
         std::vector<std::string>& texts = m_inputs.m_texts[column];
         if (!isText(type)) {
-            slots.push_back(repeats ? slots.back() : slotOfText(type, cell.text, variable->name));
+            slots.push_back(repeats ? slots.back() : slotOfText(*variable, cell.text));
         } else if (repeats) {
             texts.push_back(texts.back());
         } else {

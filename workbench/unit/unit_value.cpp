@@ -150,6 +150,16 @@ std::uint64_t slotOfText(UnitType type, std::string_view text, const std::string
     return text == "true" || text == "1" ? 1 : 0;
 }
 
+std::uint64_t slotOfText(const FmiVariable& variable, std::string_view text) {
+    const UnitType type = unitTypeOf(variable.type).value_or(UnitType::float64);
+    if (!variable.items || parsed<std::int64_t>(text)) return slotOfText(type, text, variable.name);
+    for (const FmiItem& item : *variable.items)
+        if (item.name == text) return static_cast<std::uint64_t>(item.value);
+    constexpr std::size_t kMostListed = 8;
+    const auto nameOf = [](const FmiItem& item) { return inQuotes(item.name); };
+    refuse(variable.name, text, fmt::format("a number or one of {}", listed(*variable.items, kMostListed, nameOf)));
+}
+
 UnitValue valueOfText(const FmiVariable& variable, std::uint64_t count, std::string_view text) {
     UnitValue value{unitTypeOf(variable.type).value_or(UnitType::float64), variable.valueReference.value_or(0)};
     const bool isScalar = variable.dimensions.empty();
@@ -162,7 +172,7 @@ UnitValue valueOfText(const FmiVariable& variable, std::uint64_t count, std::str
         throw Error(fmt::format("{} takes {}, with blanks between them, and is given {}", inQuotes(variable.name),
                                 counted(count, "value"), words.size()));
     for (const std::string_view word : words) {
-        if (!isText(value.type)) value.slots.push_back(slotOfText(value.type, word, variable.name));
+        if (!isText(value.type)) value.slots.push_back(slotOfText(variable, word));
         if (value.type == UnitType::string) value.texts.emplace_back(word);
         if (value.type != UnitType::binary) continue;
         const std::optional<std::string> bytes = bytesOfDigits(word);

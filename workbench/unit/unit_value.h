@@ -61,6 +61,8 @@ std::vector<std::uint64_t> extentsOf(const FmiVariable& variable, const FmiDescr
 /// The 64 bits of a text: "1.5", "-3", "true", hexadecimal digits of a binary value apart. Throws `Error` with the
 /// variable's name for what is none of the type or beyond its limits.
 std::uint64_t slotOfText(UnitType type, std::string_view text, const std::string& variable);
+/// The same of a scalar variable or an array's element: an enumeration's value may be told by its name, too.
+std::uint64_t slotOfText(const FmiVariable& variable, std::string_view text);
 /// The values of a text for a variable of `count` values, an array's with blanks between them. Throws `Error` as
 /// above, also for too few or too many.
 UnitValue valueOfText(const FmiVariable& variable, std::uint64_t count, std::string_view text);

@@ -1,3 +1,5 @@
+#include <limits>
+
 #include "signals/signal_specification.h"
 #include "tests/support/json_schema.h"
 #include "tests/workbench/record/record_test.h"
@@ -73,7 +75,7 @@ TEST_F(RecordSettings, theEngineHandsItsPortsOverAgainAfterAChange) {
     EXPECT_FALSE(ports.isObserved(*ports.find(block, 2)));
     session.signals().add(signal);
     EXPECT_TRUE(ports.isObserved(*count));
-    EXPECT_EQ(ports.find(block, 5), nullptr);
+    EXPECT_EQ(ports.find(block, 6), nullptr);
 }
 
 TEST_F(RecordSettings, blocksThatStreamAreEnteredWithWhereAndHow) {
@@ -131,9 +133,27 @@ TEST_F(RecordSettings, aDatabaseTakesSeveralRuns) {
     EXPECT_EQ(read("other.db"), "not a database");
 }
 
+TEST_F(RecordSettings, valuesOfEnumerationsHaveNames) {
+    import(probe2());
+    mark("state:mode state:wished");
+    EXPECT_EQ(plain(recorded("--until 0.5 --set \"wish=eco, low\"")), "time mode wished\n0 1 2\n0.5 2 2\n");
+    const std::string inputs = "--inputs " + write("time,wish\n0,off\n0.5,3\n1,\"eco, low\"\n", "in.csv");
+    EXPECT_EQ(plain(recorded("--until 1.5 " + inputs)), "time mode wished\n0 1 1\n0.5 2 1\n1 3 3\n1.5 1 2\n");
+    expectSaid("record --set wish=on", kWrongUsage,
+               "--set: \"wish\": \"on\" is not a number or one of \"off\", \"eco, low\"");
+    const Finished finished = runOn("record --json -o " + path("run.db"));
+    expectParts(finished.out, {R"("items": [{"value": 1, "name": "off"}, {"value": 2, "name": "eco, low"}])"});
+    const workbench::RecordedRun run = workbench::readRecordedRun(path("run.db"));
+    ASSERT_EQ(run.columns[0].names.size(), 2U);
+    EXPECT_EQ(*workbench::findName(run.columns[0].names, 2), "eco, low");
+    EXPECT_EQ(workbench::findName(run.columns[0].names, 3), nullptr);
+    const Finished report = runOn("report -o - --run " + path("run.db"));
+    expectParts(report.out, {"<span></span><span>eco, low</span><span>off</span>", "<b><bdi>eco, low</bdi></b>"});
+}
+
 TEST_F(RecordSettings, jsonTellsHowItWent) {
     import(probe2());
-    mark("state:count");
+    mark("state:count state:mode");
     const Finished finished = runOn("record --json " + setTo(kFail) + "-o " + path("run.csv"));
     EXPECT_EQ(finished.code, kStoppedEarly);
     std::ifstream file(KSHMI_OUTPUT_SCHEMA);
@@ -168,7 +188,7 @@ const std::string kTypes = R"(
 <UInt16 name="u16" valueReference="4" causality="output"/><Int32 name="i32" valueReference="5" causality="output"/>
 <UInt32 name="u32" valueReference="6" causality="output"/><Int64 name="i64" valueReference="7" causality="output"/>
 <UInt64 name="u64" valueReference="8" causality="output"/><Boolean name="b" valueReference="9" causality="output"/>
-<Enumeration name="e" valueReference="10" causality="output"/><String name="s" valueReference="11" causality="output"/>
+<Enumeration name="e" valueReference="10" causality="output" declaredType="Level"/><String name="s" valueReference="11" causality="output"/>
 <Binary name="bin" valueReference="12" causality="output"/><Clock name="c" valueReference="13" causality="output"/>)";
 
 class RecordFmi3 : public RecordTest {};
@@ -188,6 +208,8 @@ TEST_F(RecordFmi3, allTypesAreKept) {
     const workbench::RecordedRun run = workbench::readRecordedRun(path("run.db"));
     EXPECT_EQ(run.columns[7].values[0], -9223372036854775808.0);
     EXPECT_EQ(run.columns[8].values[0], 18446744073709551615.0);
+    EXPECT_EQ(*workbench::findName(run.columns[10].names, std::numeric_limits<std::int64_t>::min()), "low");
+    EXPECT_EQ(runOn("report -o " + path("page.html") + " --run " + path("run.db")).code, 0);
     EXPECT_EQ(run.columns[12].texts, (std::vector<std::string>{"ff00", "ff01"}));
 }
 

@@ -14,18 +14,22 @@ inline std::string probe2(const std::string& head = R"(canHandleVariableCommunic
     return R"(<fmiModelDescription fmiVersion="2.0" modelName="probe" guid="probe">
 <CoSimulation modelIdentifier="probe2" )" +
            head + R"(/>
-<TypeDefinitions><SimpleType name="Angle"><Real unit="rad"/></SimpleType></TypeDefinitions>
+<TypeDefinitions><SimpleType name="Angle"><Real unit="rad"/></SimpleType>
+<SimpleType name="Mode"><Enumeration><Item name="off" value="1"/><Item name="eco, low" value="2"/></Enumeration></SimpleType>
+</TypeDefinitions>
 <DefaultExperiment stopTime="2" stepSize="0.5"/>
 <ModelVariables>
 <ScalarVariable name="wave.sine" valueReference="0" causality="output"><Real declaredType="Angle"/></ScalarVariable>
 <ScalarVariable name="wave.fed" valueReference="1" causality="output"><Real/></ScalarVariable>
 <ScalarVariable name="wave.reads" valueReference="3" causality="output"><Integer/></ScalarVariable>
 <ScalarVariable name="state.count" valueReference="0" causality="output"><Integer/></ScalarVariable>
-<ScalarVariable name="state.mode" valueReference="1" causality="output"><Enumeration/></ScalarVariable>
+<ScalarVariable name="state.mode" valueReference="1" causality="output"><Enumeration declaredType="Mode"/></ScalarVariable>
 <ScalarVariable name="state.even" valueReference="0" causality="output"><Boolean/></ScalarVariable>
 <ScalarVariable name="state.text" valueReference="0" causality="output"><String/></ScalarVariable>
 <ScalarVariable name="gain" valueReference="10" causality="parameter" variability="tunable"><Real start="1"/></ScalarVariable>
 <ScalarVariable name="u" valueReference="11" causality="input"><Real start="0"/></ScalarVariable>
+<ScalarVariable name="wish" valueReference="4" causality="input"><Enumeration declaredType="Mode" start="1"/></ScalarVariable>
+<ScalarVariable name="state.wished" valueReference="4" causality="output"><Enumeration declaredType="Mode"/></ScalarVariable>
 <ScalarVariable name="behaviour" valueReference="2" causality="parameter"><Integer start="0"/></ScalarVariable>
 )" + more + "</ModelVariables></fmiModelDescription>";
 }
@@ -80,12 +84,16 @@ protected:
     }
     /// The same of FMI 3.0.
     void import3(const std::string& variables, const std::string& head = "") const {
-        import(R"(<fmiModelDescription fmiVersion="3.0" modelName="probe" instantiationToken="probe">
+        import(
+            R"(<fmiModelDescription fmiVersion="3.0" modelName="probe" instantiationToken="probe">
 <CoSimulation modelIdentifier="probe3" canHandleVariableCommunicationStepSize="true" )" +
-                   head + R"(/><DefaultExperiment stopTime="2" stepSize="0.5"/><ModelVariables>)" + variables +
-                   R"(<Int64 name="behaviour" valueReference="50" causality="parameter" start="0"/>
+                head +
+                R"(/><TypeDefinitions><EnumerationType name="Level"><Item name="low" value="-9223372036854775808"/></EnumerationType>
+</TypeDefinitions><DefaultExperiment stopTime="2" stepSize="0.5"/><ModelVariables>)" +
+                variables +
+                R"(<Int64 name="behaviour" valueReference="50" causality="parameter" start="0"/>
 <UInt64 name="n" valueReference="40" causality="structuralParameter" start="3"/></ModelVariables></fmiModelDescription>)",
-               "binaries/x86_64-linux/probe3.so");
+            "binaries/x86_64-linux/probe3.so");
     }
     void mark(const std::string& line) const { ASSERT_EQ(runOn("mark " + line).code, 0) << runOn("mark " + line).err; }
     /// What is recorded, on standard output.
