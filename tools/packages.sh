@@ -3,7 +3,9 @@
 build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev libfmt-dev libpugixml-dev libzip-dev
     libsqlite3-dev libgtest-dev)
 # The Python module is left out of the build where these are not.
-python_packages=(python3-dev pybind11-dev python3-numpy python3-pytest)
+python_packages=(python3-dev pybind11-dev python3-numpy)
+# Tests of it that need more than is there are skipped.
+python_test_packages=(python3-pytest mypy python3-pandas)
 lint_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 # A browser for the pages of reports: where there is none, the test that looks at them is skipped.
@@ -58,6 +60,8 @@ is_there() {
         libboost1.81-dev) boost_is_recent ;;
         python3-numpy) /usr/bin/python3 -c 'import numpy' 2>/dev/null ;;
         python3-pytest) /usr/bin/python3 -c 'import pytest' 2>/dev/null ;;
+        mypy) /usr/bin/python3 -c 'import mypy' 2>/dev/null ;;
+        python3-pandas) /usr/bin/python3 -c 'import pandas' 2>/dev/null ;;
         python3-markdown-it) /usr/bin/python3 -c 'import markdown_it' 2>/dev/null ;;
         python3-clang-14) /usr/bin/python3 -c 'import clang.cindex' 2>/dev/null ;;
         *) if have dpkg-query; then has_package "$1"; elif [[ -n ${headers[$1]:-} ]]; then has_header "${headers[$1]}"; else return 1; fi ;;

@@ -7,7 +7,7 @@ import os
 from typing import Any, Callable, Dict, Iterable, List, Mapping, Optional, Union
 
 from . import _native
-from ._data import Block, Client, Entry, Listing, Signal, load
+from ._data import Block, Client, Entry, Listing, Signal, counted, load
 from ._errors import Error
 from ._reports import ChangeReport, CheckReport, QueryReport, RecordReport
 from ._runs import Run
@@ -97,19 +97,19 @@ class Model:
     @property
     def blocks(self) -> Listing[Block]:
         held = self._held
-        return Listing("block", lambda: _native.blockCount(held), lambda a, b: _native.blocks(held, a, b),
+        return Listing(Block, lambda: _native.blockCount(held), lambda a, b: _native.blocks(held, a, b),
                        lambda path: load(_native.blockCalled(held, path)))
 
     @property
     def signals(self) -> Listing[Signal]:
         held = self._held
-        return Listing("signal", lambda: _native.signalCount(held), lambda a, b: _native.signals(held, a, b),
+        return Listing(Signal, lambda: _native.signalCount(held), lambda a, b: _native.signals(held, a, b),
                        lambda call: _native.signalNumber(held, call))
 
     @property
     def clients(self) -> Listing[Client]:
         held = self._held
-        return Listing("client", lambda: _native.clientCount(held), lambda a, b: _native.clients(held, a, b),
+        return Listing(Client, lambda: _native.clientCount(held), lambda a, b: _native.clients(held, a, b),
                        lambda call: _native.clientNumber(held, call))
 
     def __getitem__(self, path: str) -> Block:
@@ -328,8 +328,8 @@ class Model:
     def __repr__(self) -> str:
         if not self.is_open:
             return "<Model, closed>"
-        counts = ", ".join(f"{len(listing)} {name}" for name, listing in
-                           (("blocks", self.blocks), ("signals", self.signals), ("clients", self.clients)))
+        counts = ", ".join(counted(count, what) for count, what in (
+            (len(self.blocks), "block"), (len(self.signals), "signal"), (len(self.clients), "client")))
         return f"<Model {self.name!r} of {self.path}: {counts}>"
 
     def _repr_html_(self) -> str:

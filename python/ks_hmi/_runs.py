@@ -3,11 +3,14 @@
 from __future__ import annotations
 
 from html import escape
-from typing import Any, Dict, Iterator, List, Optional, Sequence, Union
+from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Optional, Sequence, Union
 
 import numpy as np
 
 from ._data import table
+
+if TYPE_CHECKING:
+    from numpy.typing import NDArray
 
 
 class Column:
@@ -26,9 +29,9 @@ class Column:
         self.port: Optional[int] = data["port"]
         self.portName: str = data["portName"]
         self.element: str = data["element"]
-        self.times: np.ndarray = data["times"]
+        self.times: NDArray[Any] = data["times"]
         values = data["values"]
-        self.values: np.ndarray = np.array(values, dtype=object) if isinstance(values, list) else values
+        self.values: NDArray[Any] = np.array(values, dtype=object) if isinstance(values, list) else values
 
     def __len__(self) -> int:
         return len(self.times)

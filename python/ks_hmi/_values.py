@@ -3,12 +3,15 @@
 from __future__ import annotations
 
 from html import escape
-from typing import Any, Dict, Iterable, Iterator, List, Optional, Sequence, Tuple, Union
+from typing import TYPE_CHECKING, Any, Dict, Iterable, Iterator, List, Optional, Sequence, Tuple, Union
 
 import numpy as np
 
 from . import _native
 from ._data import Entry, load, table
+
+if TYPE_CHECKING:
+    from numpy.typing import NDArray
 
 
 class StructArray(Sequence[Entry]):
@@ -33,7 +36,7 @@ class StructArray(Sequence[Entry]):
     def records(self) -> List[Entry]:
         return list(self._records)
 
-    def columns(self) -> Dict[str, Union[np.ndarray, List[Any]]]:
+    def columns(self) -> Dict[str, Union[NDArray[Any], List[Any]]]:
         return {name: _column([record[name] for record in self._records]) for name in self.fields}
 
     def to_frame(self) -> Any:
@@ -83,7 +86,7 @@ class StructArray(Sequence[Entry]):
         return self._records[0]
 
 
-def _column(values: List[Any]) -> Union[np.ndarray, List[Any]]:
+def _column(values: List[Any]) -> Union[NDArray[Any], List[Any]]:
     if values and all(isinstance(value, (bool, float, np.generic)) for value in values):
         if len({np.asarray(value).dtype for value in values}) == 1:
             return np.array(values)
@@ -96,7 +99,7 @@ def _is_same(one: Any, other: Any) -> bool:
     return bool(one == other)
 
 
-def _cells(cells: List[Any], shape: Sequence[int]) -> np.ndarray:
+def _cells(cells: List[Any], shape: Sequence[int]) -> NDArray[Any]:
     """A cell array that is no vector."""
     array = np.empty(len(cells), dtype=object)
     for number, cell in enumerate(cells):
