@@ -4,7 +4,8 @@ from __future__ import annotations
 
 import json
 from html import escape
-from typing import Any, Callable, Dict, Generic, Iterator, List, Optional, Sequence, TypeVar, Union, overload
+from typing import (Any, Callable, ClassVar, Dict, Generic, Iterator, List, Sequence, Type, TypeVar, Union,
+                    overload)
 
 
 class Entry(Dict[str, Any]):
@@ -18,6 +19,12 @@ class Entry(Dict[str, Any]):
 
     def __dir__(self) -> List[str]:
         return [*super().__dir__(), *self]
+
+    # Of a pandas frame with a row for each such entry; what else an entry has comes behind.
+    _columns: ClassVar[Sequence[str]] = ()
+
+    def _row(self) -> Dict[str, Any]:
+        return dict(self)
 
     def _repr_html_(self) -> str:
         return table([self])
@@ -45,17 +52,26 @@ class Place(Entry):
 class Block(Entry):
     """A block with its `outputs`, and what its `chart` has if it is one."""
 
+    _columns = ("block", "eid", "outputs", "chart", "observed")
+
     @property
     def path(self) -> str:
         return self["block"]
+
+    def _row(self) -> Dict[str, Any]:
+        items = [item["item"] for item in self["chart"]] if "chart" in self else None
+        return {"block": self["block"], "eid": self["eid"], "outputs": [port["portName"] for port in self["outputs"]],
+                "chart": items, "observed": self._observed()}
+
+    def _observed(self) -> int:
+        return sum(place["observed"] for place in [*self["outputs"], *self.get("chart", [])])
 
     @property
     def reference(self) -> str:
         return self["block"]
 
     def __repr__(self) -> str:
-        observed = sum(place["observed"] for place in [*self["outputs"], *self.get("chart", [])])
-        return f"<Block {self['block']}: {counted(len(self['outputs']), 'output')}, {observed} observed>"
+        return f"<Block {self['block']}: {counted(len(self['outputs']), 'output')}, {self._observed()} observed>"
 
     def _repr_html_(self) -> str:
         return f"<p>{escape(self['block'])}</p>" + table([*self["outputs"], *self.get("chart", [])])
@@ -63,6 +79,12 @@ class Block(Entry):
 
 class Signal(Entry):
     """A mark on a port or chart item, and its settings."""
+
+    _columns = ("signal", "position", "block", "port", "portName", "item", "domain", "ssid", "activity", "name",
+                "decimation", "maxPoints", "frameBased", "hidden", "buffered", "visualType", "excludedFromSave")
+
+    def _row(self) -> Dict[str, Any]:
+        return {**self, "signal": self.uuid, "position": self.position}
 
     @property
     def uuid(self) -> str:
@@ -83,6 +105,12 @@ class Signal(Entry):
 
 class Client(Entry):
     """Who watches a signal."""
+
+    _columns = ("client", "position", "type", "signal", "state", "deprecated", "sourceModel", "updateRate", "channel",
+                "imaginary", "busLeaf", "params")
+
+    def _row(self) -> Dict[str, Any]:
+        return {**self, "client": self.uuid, "position": self.position, "signal": self["signal"]["uuid"]}
 
     @property
     def uuid(self) -> str:
@@ -147,9 +175,10 @@ class Listing(Sequence[T], Generic[T]):
     """A model's blocks, signals or clients as they are whenever one looks. Numbers count from 0, as in every sequence;
     a text finds a block by path, a signal or client by UUID."""
 
-    def __init__(self, what: str, count: Callable[[], int], load_slice: Callable[[int, int], str],
+    def __init__(self, kind: Type[T], count: Callable[[], int], load_slice: Callable[[int, int], str],
                  find: Callable[[str], Union[int, T]]) -> None:
-        self._what = what
+        self._kind = kind
+        self._what = kind.__name__.lower()
         self._count = count
         self._load_slice = load_slice
         self._find = find
@@ -190,6 +219,10 @@ class Listing(Sequence[T], Generic[T]):
         return table(self._all())
 
     def to_frame(self) -> Any:
-        """A pandas frame with a row each."""
+        """A pandas frame with a row each; signals and clients are told by UUID and position."""
         import pandas
-        return pandas.DataFrame([dict(one) for one in self._all()])
+        rows = [one._row() for one in self._all()]
+        others = dict.fromkeys(name for row in rows for name in row if name not in (*self._kind._columns, "kind"))
+        frame = pandas.DataFrame(rows, columns=[*self._kind._columns, *others])
+        numbers = {name: "Int64" for name in ("port", "ssid") if name in frame}
+        return frame.astype(numbers)

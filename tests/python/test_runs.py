@@ -6,6 +6,7 @@ import pytest
 import ks_hmi
 
 CSV = 'time,speed,"gear (2)"\n0,1.5,"first"\n0.5,2.5,\n1,3.5,"second"\n'
+EVENT = "1,4.5,\n"  # what is as it was right before, at the same time
 
 
 @pytest.fixture
@@ -32,10 +33,31 @@ def test_columns_find_their_signals(run, model):
     assert found["speed"].signal == model.signals[0].uuid and found[1].signal is None
 
 
-def test_frames_have_a_row_for_each_time(run):
-    pytest.importorskip("pandas")
-    frame = run.to_frame()
+def test_frames_have_a_row_for_each_time(run, tmp_path):
+    pandas = pytest.importorskip("pandas")
+    (tmp_path / "events.csv").write_text(CSV + EVENT)
+    frame = ks_hmi.read_run(tmp_path / "events.csv").to_frame()
     assert list(frame.columns) == run.titles and list(frame.index) == [0, 0.5, 1] and frame.index.name == "time"
+    assert list(frame["speed"]) == [1.5, 2.5, 4.5] and frame["speed"].dtype == np.float64
+    assert list(frame["gear (2)"].dropna()) == ["first", "second"]
+    (tmp_path / "none.csv").write_text("time\n")
+    assert isinstance(ks_hmi.read_run(tmp_path / "none.csv").to_frame(), pandas.DataFrame)
+
+
+def test_what_a_model_has_goes_into_frames(model):
+    pytest.importorskip("pandas")
+    signals, clients, blocks = (listing.to_frame() for listing in (model.signals, model.clients, model.blocks))
+    row, signal = signals.iloc[0], model.signals[0]
+    assert (row.signal, row.position, row.block, row.port) == (signal.uuid, 1, signal.block, 1)
+    assert signals["port"].dtype == "Int64" and signals["item"].notna().sum() == signals["ssid"].notna().sum() == 1
+    assert set(clients["signal"]) & set(signals["signal"]) and blocks["outputs"][1] == ["speed", "valid"]
+    columns = list(signals.columns)
+    model.unmark(all="*")
+    assert list(model.signals.to_frame().columns) == columns and len(model.signals.to_frame()) == 0
+    saved = model.signal_set.Persistence
+    assert list(saved.to_frame().columns) == saved.fields
+    frame = ks_hmi.StructArray([{"x": 1.0, "a": np.arange(3)}, {"x": 2.0, "a": np.arange(2)}]).to_frame()
+    assert list(frame["x"]) == [1, 2] and np.array_equal(frame["a"][1], [0, 1])
 
 
 def test_what_is_no_run_is_an_error(tmp_path):
