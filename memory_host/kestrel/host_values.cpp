@@ -11,7 +11,7 @@
 #include "memory_host/orvex/objects/object_system.h"
 #include "memory_host/orvex/objects/script_object.h"
 #include "memory_host/orvex/objects/types.h"
-#include "memory_host/orvex/values/values.h"
+#include "memory_host/orvex/values/hv_array_impl.h"
 
 namespace kestrel {
 
@@ -53,19 +53,32 @@ void requireInputs(const orvex::Call& call, std::size_t count) {
                                             " arguments, and " + std::to_string(call.ins.size()) + " were given.");
 }
 
+namespace {
+
+// The field that the property is read from; at the property's own position where the struct has the class's order.
+const hvArray* fieldFor(const orvex::StructData& data, const std::string& name, std::size_t position) {
+    const bool isThere = position < data.names->size() && (*data.names)[position] == name;
+    const int field = isThere ? static_cast<int>(position) : data.fieldNumber(name);
+    return field < 0 ? nullptr : data.values[static_cast<std::size_t>(field)].get();
+}
+
+}  // namespace
+
 void constructFromStruct(orvex::ScriptObject& self, std::span<const hvArray* const> arguments, std::size_t saved) {
     if (arguments.empty()) return;
     const auto takes = [&] { return "The constructor of class " + self.className() + " takes "; };
     if (arguments.size() != 1) orvex::raise("TooManyInputs", takes() + "one struct.");
-    const hvArray* const data = arguments.front();
-    if (hvGetClassID(data) != hvSTRUCT_CLASS || hvGetNumberOfElements(data) != 1)
-        orvex::raise("TypeMismatch", takes() + "a 1x1 struct, and " + orvex::describeValue(data) + " was given.");
-    for (const orvex::ScriptProperty& property : std::span(self.scriptClass().properties).first(saved)) {
-        const hvArray* const value = hvGetField(data, 0, property.name.c_str());
+    const auto* const data = orvex::payloadOf<orvex::StructData>(arguments.front());
+    if (!data || hvGetNumberOfElements(arguments.front()) != 1)
+        orvex::raise("TypeMismatch",
+                     takes() + "a 1x1 struct, and " + orvex::describeValue(arguments.front()) + " was given.");
+    const std::span properties = self.scriptClass().properties;
+    for (std::size_t position = 0; position < saved; ++position) {
+        const hvArray* const value = fieldFor(*data, properties[position].name, position);
         if (!value)
             orvex::raise("MissingField", "The struct for an object of class " + self.className() +
-                                             " has no value in the field \"" + property.name + "\".");
-        self.store(property.name, HvArrayPtr(hvCreateSharedDataCopy(value)));
+                                             " has no value in the field \"" + properties[position].name + "\".");
+        self.storeAt(position, orvex::shareOf(value));
     }
 }
 

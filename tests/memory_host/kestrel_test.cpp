@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <array>
 #include <functional>
 #include <set>
 #include <string>
@@ -90,6 +92,36 @@ TEST_F(Kestrel, signalsAlignByIdentifierWhereverTheBlockMovedAndByPathWithoutOne
     EXPECT_TRUE(refusal(signal("engine/Air", "engine:77").get()).starts_with("BlockNotFound:"));
     loadedModels().unload(u"engine");
     EXPECT_TRUE(refusal(byEid.get()).starts_with("ModelNotOpen:"));
+}
+
+// An object made from a struct shares what is in it, and neither sees what becomes of the other.
+TEST_F(Kestrel, signalsMadeFromAStructTakeItsFieldsInAnyOrderAndKeepThem) {
+    static constexpr std::array kOrdered{
+        "UUID",        "BlockPath_",  "EID_",          "SubPath_",   "OutputPortIndex_",         "LogicalPortIndex_",
+        "SignalName_", "SubSysPath_", "Decimation_",   "MaxPoints_", "TargetBufferedStreaming_", "IsFrameBased_",
+        "HideInPLV_",  "DomainType_", "DomainParams_", "VisualType_"};
+    std::vector<const char*> names(kOrdered.begin(), kOrdered.end());
+    for (int order = 0; order < 3; ++order) {
+        HvArrayPtr record = ks_test::structOf(1, names);
+        for (const char* const name : names) hvReplaceField(record.get(), 0, name, text(name).release());
+        const HvArrayPtr object = call("Kestrel.HMI.SignalSpecification", {record.get()});
+        const HvArrayPtr read = property(object.get(), "DomainParams_");
+        static_cast<char16_t*>(hvGetDataForWriting(read.get()))[0] = u'd';
+        hvReplaceField(record.get(), 0, "UUID", text("another").release());
+        put(object, "EID_", read);
+        EXPECT_EQ(hvArrayToStdString(hvGetField(record.get(), 0, "EID_")), "EID_");
+        record.reset();
+        EXPECT_EQ(hvArrayToStdString(property(object.get(), "EID_").get()), "domainParams_");
+        put(object, "EID_", text("EID_"));
+        for (const char* const name : kOrdered)
+            EXPECT_EQ(hvArrayToStdString(property(object.get(), name).get()), name) << order;
+        std::rotate(names.begin(), names.begin() + 5, names.end());
+    }
+    names.pop_back();
+    const HvArrayPtr lacking = ks_test::structOf(1, names);
+    for (const HvArrayPtr& wrong : {ks_test::structOf(2, names), text("struct")})
+        EXPECT_TRUE(failureOf([&] { call("Kestrel.HMI.SignalSpecification", {wrong.get()}); }).starts_with("TypeMis"));
+    EXPECT_TRUE(failureOf([&] { call("Kestrel.HMI.SignalSpecification", {lacking.get()}); }).starts_with("MissingF"));
 }
 
 TEST_F(Kestrel, questionsOutliveTheModelThatAScriptUnloadsMeanwhile) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/text.h"
+#include "memory_host/orvex/values/small_storage.h"
 #include "memory_host/orvex/values/values.h"
 #include "tests/memory_host/ledger_test_base.h"
 
@@ -125,6 +126,49 @@ TEST_F(HostValues, wideStructsFindTheirFields) {
     EXPECT_STREQ(hvGetFieldNameByNumber(record.get(), 1), "f7");
     texts.back() = "f7";
     EXPECT_NE(failureOf([&] { hvCreateStructArray(1, &one, static_cast<int>(kWide), texts.data()); }), "");
+}
+
+// Names that are alike where names mostly differ, fewer and more than are told apart at a glance.
+TEST_F(HostValues, fieldsAreFoundWhateverTheirNamesHaveInCommon) {
+    for (const std::size_t count : {std::size_t{0}, std::size_t{1}, std::size_t{30}, std::size_t{33}}) {
+        std::vector<std::string> names;
+        for (std::size_t i = 0; i < count; ++i)
+            names.push_back(std::string(1 + i / 10, 'x') + char('0' + i % 10) + "xx");
+        std::vector<const char*> texts;
+        for (const std::string& name : names) texts.push_back(name.c_str());
+        const HvArrayPtr record = ks_test::structOf(1, texts);
+        for (std::size_t i = 0; i < count; ++i)
+            hvReplaceField(record.get(), 0, texts[i], number(static_cast<double>(i)).release());
+        for (std::size_t i = 0; i < count; ++i)
+            EXPECT_EQ(fieldOf(record, 0, texts[i]), static_cast<double>(i)) << count;
+        for (const char* const other : {"", "x", "xx", "xxxx", "xaxx", "xxxxxxxxxxx"})
+            EXPECT_EQ(hvGetField(record.get(), 0, other), nullptr) << count << other;
+    }
+}
+
+TEST_F(HostValues, storageIsTakenAgainAndGoesBackWhenMuchOfItIsFree) {
+    const auto makeMany = [] {
+        std::vector<HvArrayPtr> values;
+        for (std::size_t i = 0; i < 20'000; ++i) {
+            values.push_back(structOf(i % 20));
+            values.push_back(text(std::u16string(i % 300, u'x')));
+            values.emplace_back(hvCreateSharedDataCopy(values.back().get()));
+        }
+        for (std::size_t i = 2; i < values.size(); i += 3)
+            EXPECT_EQ(hvGetNumberOfElements(values[i].get()), i / 3 % 300);
+    };
+    const bool isIdle = orvex::storageCounts().inUse == 0;
+    makeMany();
+    EXPECT_TRUE(!isIdle || orvex::storageCounts().bytes == 0);
+    const HvArrayPtr kept = text("keeps the storage from going back, being longer than what has room in place");
+    const orvex::StorageCounts before = orvex::storageCounts();
+    makeMany();
+    const orvex::StorageCounts after = orvex::storageCounts();
+    makeMany();
+    EXPECT_EQ(orvex::storageCounts().bytes, after.bytes) << "the second time there is enough";
+    EXPECT_EQ(orvex::storageCounts().inUse, before.inUse);
+    if (before.inUse == 0) GTEST_SKIP() << "every piece comes from the heap here";
+    EXPECT_GT(after.bytes, 1'000'000u);
 }
 
 TEST_F(HostValues, misuseIsRefusedAndNamed) {

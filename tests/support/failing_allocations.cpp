@@ -17,6 +17,9 @@ struct Plan {
 };
 constinit thread_local Plan t_plan{};
 
+// Before there is any value: the host is to take each piece of storage from here.
+[[maybe_unused]] const int g_isAsked = ::setenv("KS_HMI_HOST_STORAGE", "heap", /*overwrite=*/1);
+
 }  // namespace
 
 namespace ks_test {

@@ -62,7 +62,7 @@ Outcome count(Operation operation) {
 HvArrayPtr substitute(Outcome outcome) {
     if (outcome == Outcome::emptyResult) return makeEmpty("an injected fault");
     if (outcome == Outcome::wrongClass)
-        return makeValue(hvCELL_CLASS, Dimensions(0, 0), CellData{}, "an injected fault");
+        return makeValue(hvCELL_CLASS, Dimensions(0, 0), CellData{Children(0)}, "an injected fault");
     return nullptr;
 }
 

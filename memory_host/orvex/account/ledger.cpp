@@ -9,26 +9,8 @@
 #include <cstdlib>
 #include <memory>
 
-#include "memory_host/orvex/account/running_call.h"
-
 namespace orvex {
 namespace {
-
-constinit LedgerEntry* g_oldest = nullptr;
-constinit LedgerEntry* g_newest = nullptr;
-constinit std::uint64_t g_lastSerial = 0;
-constinit LedgerCounts g_counts;
-
-std::size_t& countOf(LedgerKind kind) noexcept {
-    switch (kind) {
-        case LedgerKind::object:
-            return g_counts.objects;
-        case LedgerKind::diagnostic:
-            return g_counts.diagnostics;
-        default:
-            return g_counts.values;
-    }
-}
 
 std::string demangled(const char* symbol) {
     int status = 0;
@@ -49,46 +31,40 @@ std::string placeOf(const void* address) {
     return (info.dli_fname ? info.dli_fname : "unknown code") + std::string(suffix.data());
 }
 
+std::string describe(LedgerKind kind, const LedgerEntry& entry) {
+    switch (kind) {
+        case LedgerKind::object:
+            return internal::describeObjectOf(entry);
+        case LedgerKind::diagnostic:
+            return internal::describeDiagnosticOf(entry);
+        default:
+            return internal::describeValueOf(entry);
+    }
+}
+
 }  // namespace
 
-LedgerEntry::LedgerEntry(LedgerKind kind, const void* thing, Describe describe, const Site& site) noexcept
-    : m_older(g_newest),
-      m_thing(thing),
-      m_describe(describe),
-      m_site(site),
-      m_hostFunction(runningHostFunction()),
-      m_serial(++g_lastSerial),
-      m_kind(kind) {
-    (m_older ? m_older->m_newer : g_oldest) = this;
-    g_newest = this;
-    ++countOf(kind);
-}
-
-LedgerEntry::~LedgerEntry() {
-    if (!m_isStruck) strike();
-}
-
-void LedgerEntry::strike() noexcept {
-    m_isStruck = true;
-    (m_older ? m_older->m_newer : g_oldest) = m_newer;
-    (m_newer ? m_newer->m_older : g_newest) = m_older;
-    --countOf(m_kind);
-}
+constinit internal::Ledger internal::g_ledger{{&internal::g_ledger.ends, &internal::g_ledger.ends}};
 
 std::string LedgerEntry::line() const {
-    std::string text = m_describe(m_thing) + " #" + std::to_string(m_serial) + ", made by " + m_site.operation +
+    std::string text = describe(m_kind, *this) + " #" + std::to_string(m_serial) + ", made by " + m_site.operation +
                        " from " + placeOf(m_site.caller);
     if (m_hostFunction) text += ", while \"" + *m_hostFunction + "\" was running";
     return text;
 }
 
-LedgerCounts liveCounts() noexcept { return g_counts; }
+LedgerCounts liveCounts() noexcept {
+    const auto of = [](LedgerKind kind) { return internal::g_ledger.live[static_cast<std::size_t>(kind)]; };
+    return {of(LedgerKind::value), of(LedgerKind::object), of(LedgerKind::diagnostic)};
+}
 
 std::string describeLive(std::size_t most) {
     std::string text;
-    std::size_t left = g_counts.values + g_counts.objects + g_counts.diagnostics;
-    for (const LedgerEntry* entry = g_oldest; entry && most > 0; entry = entry->m_newer, --most, --left)
-        text += entry->line() + '\n';
+    const auto [values, objects, diagnostics] = liveCounts();
+    std::size_t left = values + objects + diagnostics;
+    const internal::LedgerLinks* const end = &internal::g_ledger.ends;
+    for (const auto* at = end->newer; at != end && most > 0; at = at->newer, --most, --left)
+        text += static_cast<const LedgerEntry*>(at)->line() + '\n';
     if (left > 0) text += "and " + std::to_string(left) + " more\n";
     return text;
 }

@@ -3,8 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "host/api.h"
+#include "memory_host/orvex/account/running_call.h"
 
 /// The host's account of what lives: every value, object and diagnostic, with the place that made it.
 /// Thread: the interpreter thread only.
@@ -39,30 +41,59 @@ struct Site {
 /// What is accounted for.
 enum class LedgerKind : std::uint8_t { value, object, diagnostic };
 
-/// Membership in the ledger: a member of what is accounted for. Neither copied nor moved.
-class OX_API LedgerEntry {
-public:
-    /// Says what the thing is ("double 1x1"); called by `describeLive` only.
-    using Describe = std::string (*)(const void* thing);
+class LedgerEntry;
+namespace internal {
+/// The ring of what lives, closed by an entry that stands for nothing.
+struct LedgerLinks {
+    LedgerLinks* older;  ///< the one made before
+    LedgerLinks* newer;  ///< the one made after
+};
+/// What an entry writes to.
+struct Ledger {
+    LedgerLinks ends;              ///< newer: the oldest; older: the newest
+    std::uint64_t lastSerial = 0;  ///< of what was made last
+    std::size_t live[3] = {};      ///< by kind
+};
+OX_API extern Ledger g_ledger;  ///< the one of this process
 
-    /// Cheap: notes the place without forming any text. `thing` is what `describe` is given.
-    LedgerEntry(LedgerKind kind, const void* thing, Describe describe, const Site& site) noexcept;
+// Each is said by what makes such things.
+std::string describeValueOf(const LedgerEntry& entry);
+std::string describeObjectOf(const LedgerEntry& entry);
+std::string describeDiagnosticOf(const LedgerEntry& entry);
+}  // namespace internal
+
+/// Membership in the ledger: a base of what is accounted for. Neither copied nor moved.
+class OX_API LedgerEntry : private internal::LedgerLinks {
+public:
+    /// Cheap: notes the place without forming any text.
+    LedgerEntry(LedgerKind kind, const Site& site) noexcept
+        : LedgerLinks{internal::g_ledger.ends.older, &internal::g_ledger.ends},
+          m_site(site),
+          m_hostFunction(runningHostFunction()),
+          m_serial(++internal::g_ledger.lastSerial),
+          m_kind(kind) {
+        older->newer = newer->older = this;
+        ++internal::g_ledger.live[static_cast<std::size_t>(kind)];
+    }
     LedgerEntry(const LedgerEntry&) = delete;
     LedgerEntry& operator=(const LedgerEntry&) = delete;
-    ~LedgerEntry();
 
     /// What the thing is, its serial number and the place that made it.
     std::string line() const;
     /// Takes it off the account before its end.
-    void strike() noexcept;
+    void strike() noexcept {
+        older->newer = newer;
+        newer->older = older;
+        older = newer = this;
+        if (!std::exchange(m_isStruck, true)) --internal::g_ledger.live[static_cast<std::size_t>(m_kind)];
+    }
+
+protected:
+    ~LedgerEntry() { strike(); }  ///< Off the account.
 
 private:
     friend OX_API std::string describeLive(std::size_t most);
 
-    LedgerEntry* m_older;
-    LedgerEntry* m_newer = nullptr;
-    const void* m_thing;
-    Describe m_describe;
     Site m_site;
     const std::string* m_hostFunction;
     std::uint64_t m_serial;  ///< 1 for the first thing made in the process, then counting up

@@ -39,14 +39,14 @@ void expire(hvArray* value) noexcept {
     value->m_lifetime = Lifetime::expired;
     value->m_class = hvUNKNOWN_CLASS;
     value->m_dimensions = Dimensions(0, 0);
-    value->m_ledger.strike();
-    const Payload contents = std::exchange(value->m_payload, CellData{});
+    value->strike();
+    const Payload contents = std::exchange(value->m_payload, CellData{Children(0)});
     bury(value);
 }
 
 void report(const hvArray* value, const char* what) noexcept {
     try {
-        reportScopeError(what + value->m_ledger.line());
+        reportScopeError(what + value->line());
     } catch (...) {
         reportScopeError(what);
     }

@@ -1,33 +1,37 @@
 #include "memory_host/orvex/account/running_call.h"
 
+#include <functional>
 #include <unordered_set>
 #include <utility>
 
 namespace orvex {
 
 constinit int internal::g_callDepth = 0;
+constinit const std::string* internal::g_runningFunction = nullptr;
 
 namespace {
 
-constinit const std::string* g_runningFunction = nullptr;
+struct NameHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>()(name); }
+};
 
 const std::string* internedName(std::string_view name) {
-    static auto& names = *new std::unordered_set<std::string>;
-    return &*names.emplace(name).first;
+    static auto& names = *new std::unordered_set<std::string, NameHash, std::equal_to<>>;
+    const auto known = names.find(name);
+    return &*(known == names.end() ? names.emplace(name).first : known);
 }
 
 }  // namespace
 
 RunningCall::RunningCall(std::string_view functionName)
-    : m_outerFunction(std::exchange(g_runningFunction, internedName(functionName))) {
+    : m_outerFunction(std::exchange(internal::g_runningFunction, internedName(functionName))) {
     ++internal::g_callDepth;
 }
 
 RunningCall::~RunningCall() {
     --internal::g_callDepth;
-    g_runningFunction = m_outerFunction;
+    internal::g_runningFunction = m_outerFunction;
 }
-
-const std::string* runningHostFunction() noexcept { return g_runningFunction; }
 
 }  // namespace orvex

@@ -9,8 +9,9 @@
 namespace orvex {
 
 namespace internal {
-OX_API extern int g_callDepth;  ///< what `hostCallDepth` answers
-}
+OX_API extern int g_callDepth;                       ///< what `hostCallDepth` answers
+OX_API extern const std::string* g_runningFunction;  ///< what `runningHostFunction` answers
+}  // namespace internal
 
 /// A call that runs while this lives.
 class OX_API RunningCall {
@@ -28,6 +29,6 @@ private:
 inline int hostCallDepth() noexcept { return internal::g_callDepth; }
 /// The function that is being called by name, innermost; null when none is. The text lives as long as
 /// the process.
-OX_API const std::string* runningHostFunction() noexcept;
+inline const std::string* runningHostFunction() noexcept { return internal::g_runningFunction; }
 
 }  // namespace orvex

@@ -17,9 +17,9 @@ const std::vector<std::string>& scopeErrors() noexcept { return errors(); }
 
 void clearScopeErrors() noexcept { errors().clear(); }
 
-void reportScopeError(const std::string& text) noexcept {
+void reportScopeError(std::string_view text) noexcept {
     try {
-        if (errors().size() < kMost) errors().push_back(text);
+        if (errors().size() < kMost) errors().emplace_back(text);
     } catch (...) {
         // The value in question is worth more than the report of it.
     }

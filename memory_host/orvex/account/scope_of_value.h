@@ -1,6 +1,6 @@
 #pragma once
 
-#include <string>
+#include <string_view>
 
 #include "host/hv_array.h"
 
@@ -14,6 +14,6 @@ void handOut(hvArray* value) noexcept;
 /// Reports a use of the value, which was left in a local scope that has ended.
 void reportExpired(const hvArray* value) noexcept;
 /// Lost when there is no memory for it.
-void reportScopeError(const std::string& text) noexcept;
+void reportScopeError(std::string_view text) noexcept;
 
 }  // namespace orvex

@@ -1,9 +1,10 @@
 #include "memory_host/orvex/calls/call_by_name.h"
 
+#include <boost/container/small_vector.hpp>
+
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -25,6 +26,8 @@ using faults::Outcome;
 
 // Scripts that call themselves for ever are stopped while there is stack left.
 constexpr int kGreatestDepth = 500;
+// Inputs and outputs that a call seldom has more of.
+constexpr std::size_t kFew = 4;
 
 // A call's inputs: each lives until the call ends, with the objects in it, even if the caller's script
 // drops them meanwhile. A missing one is an empty array to the function.
@@ -46,8 +49,8 @@ private:
         m_inputs.push_back(m_pins.back().get());
     }
 
-    std::vector<Pin> m_pins;
-    std::vector<const hvArray*> m_inputs;
+    boost::container::small_vector<Pin, kFew> m_pins;
+    boost::container::small_vector<const hvArray*, kFew> m_inputs;
 };
 
 void requireOutputs(const FunctionEntry& entry, const Call& call) {
@@ -85,33 +88,35 @@ void dispatchAsHost(Call& call, Among among) {
     }
 }
 
-using Results = std::vector<HvArrayPtr>;
+std::size_t slotsFor(int nOut) { return nOut > 0 ? static_cast<std::size_t>(nOut) : 1; }
 
-Results substitutes(Outcome outcome, std::size_t count) {
-    Results results(count);
+void substitute(Outcome outcome, std::span<HvArrayPtr> results) {
     for (HvArrayPtr& result : results) result = faults::substitute(outcome);
-    return results;
 }
 
 // The caller's from here on; the outermost call's result is nobody else's business any more.
 void handBack(hvArray* result) noexcept { hostCallDepth() > 1 ? handOut(result) : leaveScopes(result); }
 
-Results run(std::string_view name, std::span<const hvArray* const> ins, int nOut, Outcome outcome,
-            Among among = Among::everything) {
-    const std::size_t slots = nOut > 0 ? static_cast<std::size_t>(nOut) : 1;
+// `results` has `slotsFor(nOut)` slots, made by the caller: once the function has run, no memory is needed any more.
+void run(std::string_view name, std::span<const hvArray* const> ins, int nOut, Outcome outcome,
+         std::span<HvArrayPtr> results, Among among = Among::everything) {
     if (outcome == Outcome::refuse)
         raise("InjectedFault", "A fault was injected: the call of \"" + std::string(name) + "\" was refused.");
-    if (outcome != Outcome::proceed) return substitutes(outcome, slots);
+    if (outcome != Outcome::proceed) return substitute(outcome, results);
     if (hostCallDepth() >= kGreatestDepth)
         raise("CallDepth",
               "\"" + std::string(name) + "\" was called more than " + std::to_string(kGreatestDepth) + " calls deep.");
     const HostCall running(name);
     const PinnedInputs pinned(ins);
-    Results results(slots);
     Call call{nOut, results, pinned.inputs(), name};
-    dispatchAsHost(call, among);
+    try {
+        dispatchAsHost(call, among);
+    } catch (...) {
+        // What it had given ends with the call.
+        for (HvArrayPtr& result : results) result.reset();
+        throw;
+    }
     for (const HvArrayPtr& result : results) handBack(result.get());
-    return results;
 }
 
 struct Request {
@@ -129,7 +134,8 @@ Request checked(int nOut, hvArray** outs, int nIn, const hvArray* const* ins, co
 }
 
 void carryOut(const Request& request, Outcome outcome) {
-    Results results = run(request.name, request.ins, request.nOut, outcome);
+    boost::container::small_vector<HvArrayPtr, kFew> results(slotsFor(request.nOut));
+    run(request.name, request.ins, request.nOut, outcome, results);
     for (int i = 0; i < request.nOut; ++i) request.outs[i] = results[static_cast<std::size_t>(i)].release();
 }
 
@@ -145,16 +151,21 @@ kssvDiagnosticImpl* attempt(const Request& request, bool captureErrors, const vo
     }
 }
 
+std::vector<HvArrayPtr> called(std::string_view name, std::span<const hvArray* const> ins, int nOut, Among among) {
+    if (name.empty()) raise("InvalidArgument", "A call by name needs a name.");
+    std::vector<HvArrayPtr> results(slotsFor(nOut));
+    run(name, ins, nOut, faults::point(faults::Operation::callByName), results, among);
+    return results;
+}
+
 }  // namespace
 
 std::vector<HvArrayPtr> callByName(std::string_view name, std::span<const hvArray* const> ins, int nOut) {
-    if (name.empty()) raise("InvalidArgument", "A call by name needs a name.");
-    return run(name, ins, nOut, faults::point(faults::Operation::callByName));
+    return called(name, ins, nOut, Among::everything);
 }
 
 std::vector<HvArrayPtr> callMember(std::string_view name, std::span<const hvArray* const> ins, int nOut) {
-    if (name.empty()) raise("InvalidArgument", "A call by name needs a name.");
-    return run(name, ins, nOut, faults::point(faults::Operation::callByName), Among::classMembers);
+    return called(name, ins, nOut, Among::classMembers);
 }
 
 }  // namespace orvex

@@ -15,10 +15,6 @@ namespace {
 
 using Owned = std::unique_ptr<const kssvDiagnosticImpl>;
 
-std::string describeDiagnostic(const void* thing) {
-    return "diagnostic \"" + static_cast<const kssvDiagnosticImpl*>(thing)->text() + "\"";
-}
-
 std::unordered_set<const kssvDiagnosticImpl*>& liveDiagnostics() {
     static auto& live = *new std::unordered_set<const kssvDiagnosticImpl*>;
     return live;
@@ -49,12 +45,15 @@ kssvDiagnosticImpl* fromException(const std::exception_ptr& exception, const Sit
 }
 
 }  // namespace
+
+std::string internal::describeDiagnosticOf(const LedgerEntry& entry) {
+    return "diagnostic \"" + static_cast<const kssvDiagnosticImpl&>(entry).text() + "\"";
+}
+
 }  // namespace orvex
 
 kssvDiagnosticImpl::kssvDiagnosticImpl(const resource_core::BaseMsgID& id, std::string text, const orvex::Site& site)
-    : m_id(id),
-      m_text(std::move(text)),
-      m_ledger(orvex::LedgerKind::diagnostic, this, &orvex::describeDiagnostic, site) {
+    : LedgerEntry(orvex::LedgerKind::diagnostic, site), m_id(id), m_text(std::move(text)) {
     orvex::liveDiagnostics().insert(this);
 }
 

@@ -7,7 +7,7 @@
 #include "memory_host/orvex/account/ledger.h"
 
 /// A failure on record. Made by `new`, deleted by whoever consumes it.
-class kssvDiagnosticImpl {
+class kssvDiagnosticImpl : public orvex::LedgerEntry {
 public:
     kssvDiagnosticImpl(const resource_core::BaseMsgID& id, std::string text, const orvex::Site& site);
 
@@ -18,5 +18,4 @@ public:
 private:
     resource_core::BaseMsgID m_id;
     std::string m_text;
-    orvex::LedgerEntry m_ledger;
 };

@@ -65,7 +65,7 @@ HvArrayPtr scopedLogical(bool truth) {
 void requireScope(const Callee& callee, std::size_t position, const hvArray* result) {
     if (result->m_lifetime == Lifetime::scoped) return;
     reportScopeError("Result " + std::to_string(position + 1) + " of " + callee.text() +
-                     " was handed back without a scope: " + result->m_ledger.line());
+                     " was handed back without a scope: " + result->line());
 }
 
 HvArrayPtr toHostValue(const Callee& callee, std::size_t position, hos::Result result) {

@@ -12,8 +12,6 @@ namespace {
 
 using orvex::faults::Operation;
 
-std::string describeObject(const void* object) { return static_cast<const hos::COSObject*>(object)->className(); }
-
 // The element, which stays alive while its property is read or written.
 hos::ObjectInterface requireElement(const hvArray* object, std::size_t index, const char* name) {
     hos::ObjectInterface element = omGetArrayElement(object, index);
@@ -38,7 +36,7 @@ HvArrayPtr readProperty(const hvArray* object, std::size_t index, const char* na
 
 namespace hos {
 
-COSObject::COSObject(const orvex::Site& site) : m_ledgerEntry(orvex::LedgerKind::object, this, describeObject, site) {
+COSObject::COSObject(const orvex::Site& site) : LedgerEntry(orvex::LedgerKind::object, site) {
     orvex::faults::point(Operation::createObject);
 }
 
@@ -76,6 +74,10 @@ void hvSetProperty(hvArray* object, std::size_t index, const char* name, const h
 }
 
 namespace orvex {
+
+std::string internal::describeObjectOf(const LedgerEntry& entry) {
+    return static_cast<const hos::COSObject&>(entry).className();
+}
 
 std::string displayObject(const hvArray* object) {
     std::string text = describeValue(object);

@@ -13,7 +13,7 @@ namespace hos {
 
 /// A host object: one of a native class (with an instance that the class's info object made) or of a
 /// script class. Counted in the ledger while it lives.
-class OX_API COSObject {
+class OX_API COSObject : public orvex::LedgerEntry {
 public:
     virtual ~COSObject();
     COSObject(const COSObject&) = delete;
@@ -37,9 +37,6 @@ public:
 
 protected:
     explicit COSObject(const orvex::Site& site);  ///< Counted under that place.
-
-private:
-    orvex::LedgerEntry m_ledgerEntry;
 };
 
 }  // namespace hos

@@ -56,9 +56,11 @@ std::vector<std::string> ScriptObject::propertyNames() const {
 
 std::vector<std::string> ScriptObject::displayedProperties() const { return propertyNames(); }
 
-void ScriptObject::store(std::string_view name, HvArrayPtr value) {
+void ScriptObject::store(std::string_view name, HvArrayPtr value) { storeAt(slotOf(name), std::move(value)); }
+
+void ScriptObject::storeAt(std::size_t position, HvArrayPtr value) noexcept {
     if (value) hvSetArrayScope(value.get(), nullptr);
-    m_values[slotOf(name)] = std::move(value);
+    m_values[position] = std::move(value);
 }
 
 const hvArray* ScriptObject::stored(std::string_view name) const { return m_values[slotOf(name)].get(); }
@@ -74,7 +76,7 @@ std::size_t ScriptObject::slotOf(std::string_view name) const {
 
 HvArrayPtr constructScriptObject(const std::shared_ptr<const ScriptClass>& scriptClass,
                                  std::span<const hvArray* const> arguments) {
-    const auto object = std::make_shared<ScriptObject>(scriptClass);
+    const auto object = std::allocate_shared<ScriptObject>(SmallStorage<ScriptObject>(), scriptClass);
     if (scriptClass->construct)
         scriptClass->construct(*object, arguments);
     else if (!arguments.empty())

@@ -34,6 +34,8 @@ public:
     /// As the class's own code does it: stores the value (null: back to the initial value) whether or
     /// not scripts may. Throws the host's exception when there is no such property.
     void store(std::string_view name, HvArrayPtr value);
+    /// The same for the property at that position in the class's list.
+    void storeAt(std::size_t position, HvArrayPtr value) noexcept;
     /// What was last assigned, borrowed until the next assignment; null while it is the initial value.
     const hvArray* stored(std::string_view name) const;
     const ScriptClass& scriptClass() const noexcept { return *m_class; }  ///< Lives at least as long as this.
@@ -42,7 +44,7 @@ private:
     std::size_t slotOf(std::string_view name) const;
 
     std::shared_ptr<const ScriptClass> m_class;
-    std::vector<HvArrayPtr> m_values;
+    std::vector<HvArrayPtr> m_values;  ///< some have a share only in a value that a struct had; none is changed
 };
 
 /// Constructs an object of a script class as a script does, and wraps it as a 1x1 value.

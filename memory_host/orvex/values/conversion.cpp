@@ -5,6 +5,7 @@
 
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/values/element_type.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
 #include "memory_host/orvex/values/utf.h"
 
@@ -13,7 +14,7 @@ namespace {
 
 std::u16string_view textOf(const hvArray* value) {
     faults::point(faults::Operation::readText);
-    if (const auto* text = payloadOf<Text>(value)) return {text->data(), text->size()};
+    if (hvGetClassID(value) == hvCHAR_CLASS) return {hvGetChars(value), value->m_dimensions.elements()};
     raise("WrongClass", "A character array is needed here, not " + describeValue(value) + ".");
 }
 
@@ -42,24 +43,18 @@ Number converted(auto element) noexcept {
 }
 
 template <class Number>
-struct FirstElement {
-    const hvArray* value;
-
-    template <class T>
-    Number operator()(const Buffer<T>& buffer) const {
-        return converted<Number>(*buffer.data());
-    }
-    template <class Other>
-    Number operator()(const Other&) const {
-        raise("WrongClass", "A number is needed here, not " + describeValue(value) + ".");
-    }
-};
-
-template <class Number>
 Number firstElement(const hvArray* value) {
     faults::point(faults::Operation::readScalar);
     if (hvIsEmpty(value)) raise("EmptyValue", "A number is needed here, not " + describeValue(value) + ".");
-    return std::visit(FirstElement<Number>{value}, value->m_payload);
+    Number number{};
+    const auto read = [&]<class T>(std::type_identity<T>) {
+        number = converted<Number>(*static_cast<const T*>(hvGetData(value)));
+    };
+    if (value->m_class == hvCHAR_CLASS)
+        read(std::type_identity<char16_t>());
+    else if (!withElementType(value->m_class, read))
+        raise("WrongClass", "A number is needed here, not " + describeValue(value) + ".");
+    return number;
 }
 
 }  // namespace

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/errors.h"
@@ -7,28 +5,18 @@
 
 namespace orvex {
 
-SharedValue& Children::forWriting(std::size_t position) {
-    if (m_values.use_count() > 1) {
-        const std::shared_ptr<SharedValue[]> own = std::make_shared<SharedValue[]>(m_count);
-        std::copy_n(m_values.get(), m_count, own.get());
-        m_values = own;
-    }
-    return m_values.get()[position];
-}
-
-SharedValue contained(HvArrayPtr value) noexcept {
-    if (!value) return nullptr;
-    if (value->m_place) leaveScopes(value.get());
-    value->m_lifetime = Lifetime::contained;
-    return SharedValue(value.release(), /*add_ref=*/false);
-}
-
 namespace {
 
-HvArrayPtr copyOf(const hvArray& value, Payload payload, const Site& site) {
-    HvArrayPtr copy = makeValue(value.m_class, value.m_dimensions, std::move(payload), site);
+template <class Contents>
+HvArrayPtr copyOf(const hvArray& value, Contents&& contents, const Site& site) {
+    HvArrayPtr copy = makeValue(value.m_class, value.m_dimensions, std::forward<Contents>(contents), site);
     copy->m_fromFile = value.m_fromFile;
     return copy;
+}
+
+HvArrayPtr sharedDataCopy(const hvArray& value, const Site& site) {
+    if (const auto* elements = payloadOf<Elements>(&value)) return copyOf(value, Elements(*elements), site);
+    return copyOf(value, Payload(value.m_payload), site);
 }
 
 HvArrayPtr deepCopy(const hvArray& value, const Site& site);
@@ -47,7 +35,7 @@ HvArrayPtr deepCopy(const hvArray& value, const Site& site) {
         return copyOf(value, StructData{fields->names, deepCopies(fields->values, site)}, site);
     if (const auto* cells = payloadOf<CellData>(&value))
         return copyOf(value, CellData{deepCopies(cells->cells, site)}, site);
-    return copyOf(value, value.m_payload, site);
+    return sharedDataCopy(value, site);
 }
 
 const hvArray& copyable(const hvArray* value) {
@@ -57,6 +45,13 @@ const hvArray& copyable(const hvArray* value) {
 }
 
 }  // namespace
+
+HvArrayPtr shareOf(const hvArray* value) {
+    const hvArray& original = copyable(value);
+    if (original.m_lifetime != Lifetime::contained) return sharedDataCopy(original, "shareOf");
+    return HvArrayPtr(SharedValue(const_cast<hvArray*>(value)).detach());
+}
+
 }  // namespace orvex
 
 hvArray* hvCreateDeepCopy(const hvArray* value) {
@@ -64,8 +59,7 @@ hvArray* hvCreateDeepCopy(const hvArray* value) {
 }
 
 hvArray* hvCreateSharedDataCopy(const hvArray* value) {
-    const hvArray& original = orvex::copyable(value);
-    return orvex::copyOf(original, original.m_payload, "hvCreateSharedDataCopy").release();
+    return orvex::sharedDataCopy(orvex::copyable(value), "hvCreateSharedDataCopy").release();
 }
 
 void THvArrayDeleter::destroy(hvArray* value) noexcept {

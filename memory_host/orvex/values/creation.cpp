@@ -4,34 +4,12 @@
 #include <utility>
 
 #include "memory_host/orvex/account/faults.h"
-#include "memory_host/orvex/account/running_call.h"
-#include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/values/element_type.h"
-#include "memory_host/orvex/values/field_names.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
 #include "memory_host/orvex/values/utf.h"
 
-hvArray::hvArray(hvClassID classId, orvex::Dimensions dimensions, orvex::Payload&& payload,
-                 const orvex::Site& site) noexcept
-    : m_class(classId),
-      m_dimensions(std::move(dimensions)),
-      m_payload(std::move(payload)),
-      m_ledger(
-          orvex::LedgerKind::value, this,
-          [](const void* thing) { return orvex::describeValue(static_cast<const hvArray*>(thing)); }, site) {}
-
-hvArray::~hvArray() {
-    if (m_place) orvex::leaveScopes(this);
-}
-
 namespace orvex {
-
-HvArrayPtr makeValue(hvClassID classId, Dimensions dimensions, Payload&& payload, const Site& site) {
-    HvArrayPtr value(new hvArray(classId, std::move(dimensions), std::move(payload), site));
-    if (hostCallDepth() > 0) handOut(value.get());
-    return value;
-}
 
 HvArrayPtr makeObjectArray(Dimensions dimensions, Objects objects, const Site& site) {
     faults::point(faults::Operation::createValue);
@@ -46,32 +24,29 @@ HvArrayPtr makeObjectColumn(Objects objects, const Site& site) {
     return makeObjectArray(Dimensions(rows, 1), std::move(objects), site);
 }
 
-HvArrayPtr makeEmpty(const Site& site) { return makeValue(hvDOUBLE_CLASS, Dimensions(0, 0), Buffer<double>(0), site); }
+HvArrayPtr makeEmpty(const Site& site) { return makeValue(hvDOUBLE_CLASS, Dimensions(0, 0), Elements(0), site); }
 
 namespace {
 
-// `number` zeros of the class.
-Payload zerosOf(hvClassID classId, std::size_t number) {
-    if (classId == hvCHAR_CLASS) return Text(number);
-    Payload zeros;
-    const bool isNumeric = withElementType(
-        classId, [&]<class Stored>(std::type_identity<Stored>) { zeros.emplace<Buffer<Stored>>(number); });
-    if (!isNumeric) raise("WrongClass", "Class " + std::to_string(classId) + " is not a numeric class.");
-    return zeros;
+std::size_t elementSize(hvClassID classId) {
+    std::size_t bytes = classId == hvCHAR_CLASS ? sizeof(char16_t) : 0;
+    withElementType(classId, [&]<class Stored>(std::type_identity<Stored>) { bytes = sizeof(Stored); });
+    if (bytes == 0) raise("WrongClass", "Class " + std::to_string(classId) + " is not a numeric class.");
+    return bytes;
 }
 
 hvArray* createNumeric(Dimensions dimensions, hvClassID classId, hvComplexity complexity, const Site& site) {
     faults::point(faults::Operation::createValue);
     if (complexity != hvREAL) raise("InvalidArgument", "Only real values can be created.");
-    const std::size_t elements = dimensions.elements();
-    return makeValue(classId, std::move(dimensions), zerosOf(classId, elements), site).release();
+    Elements zeros(dimensions.elements() * elementSize(classId));
+    return makeValue(classId, std::move(dimensions), std::move(zeros), site).release();
 }
 
 // Works for UTF-8 as well when it is ASCII.
 template <class Unit>
 hvArray* createText(std::basic_string_view<Unit> text, const Site& site) {
-    Text units(text.size());
-    std::copy(text.begin(), text.end(), units.dataForWriting());
+    Elements units(text.size() * sizeof(char16_t));
+    std::copy(text.begin(), text.end(), static_cast<char16_t*>(units.dataForWriting()));
     return makeValue(hvCHAR_CLASS, Dimensions(1, text.size()), std::move(units), site).release();
 }
 
@@ -82,9 +57,7 @@ hvArray* createTextOfUtf8(std::string_view text, const Site& site) {
 template <class T>
 hvArray* createScalar(hvClassID classId, T value, const Site& site) {
     faults::point(faults::Operation::createValue);
-    Buffer<T> one;
-    *one.dataForWriting() = value;
-    return makeValue(classId, Dimensions(1, 1), std::move(one), site).release();
+    return makeValue(classId, Dimensions(1, 1), Elements::of(value), site).release();
 }
 
 hvArray* createStruct(std::span<const std::size_t> dims, std::span<const char* const> names, const Site& site) {
@@ -93,7 +66,7 @@ hvArray* createStruct(std::span<const std::size_t> dims, std::span<const char* c
     std::vector<std::size_t> all(dims.begin(), dims.end());
     all.push_back(names.size());
     const std::size_t values = dims.empty() ? 0 : Dimensions(all).elements();
-    return makeValue(hvSTRUCT_CLASS, Dimensions(dims), StructData{sharedFieldNames(names), Children(values)}, site)
+    return makeValue(hvSTRUCT_CLASS, Dimensions(dims), StructData{FieldNames::of(names), Children(values)}, site)
         .release();
 }
 

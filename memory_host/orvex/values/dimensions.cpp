@@ -1,10 +1,11 @@
+#include "memory_host/orvex/values/dimensions.h"
+
 #include <algorithm>
 #include <functional>
 #include <limits>
 #include <numeric>
 
 #include "memory_host/orvex/calls/errors.h"
-#include "memory_host/orvex/values/hv_array_impl.h"
 
 namespace orvex {
 namespace {
@@ -35,7 +36,9 @@ Dimensions::Dimensions(std::span<const std::size_t> lengths) {
     m_two = {lengths[0], lengths.size() > 1 ? lengths[1] : 1};
     std::size_t count = lengths.size();
     while (count > 2 && lengths[count - 1] == 1) --count;
-    if (count > 2) m_more.assign(lengths.begin(), lengths.begin() + static_cast<std::ptrdiff_t>(count));
+    if (count > 2)
+        m_more = std::make_shared<const std::vector<std::size_t>>(lengths.begin(),
+                                                                  lengths.begin() + static_cast<std::ptrdiff_t>(count));
 }
 
 std::size_t Dimensions::product() const noexcept {

@@ -13,20 +13,15 @@ const hos::COSObject* firstObject(const hvArray* value) noexcept {
 }
 
 template <class T>
-const void* dataIn(const Buffer<T>& buffer) noexcept {
-    return buffer.data();
-}
-const void* dataIn(const StructData&) noexcept { return nullptr; }
-const void* dataIn(const CellData&) noexcept { return nullptr; }
-const void* dataIn(const Objects&) noexcept { return nullptr; }
-
-template <class T>
-const T* bufferIn(const hvArray* value) noexcept {
-    const auto* buffer = payloadOf<Buffer<T>>(value);
-    return buffer ? buffer->data() : nullptr;
+const T* elementsOf(const hvArray* value, hvClassID classId) noexcept {
+    return hvGetClassID(value) == classId ? static_cast<const T*>(payloadOf<Elements>(value)->data()) : nullptr;
 }
 
 }  // namespace
+
+std::string internal::describeValueOf(const LedgerEntry& entry) {
+    return describeValue(&static_cast<const hvArray&>(entry));
+}
 
 std::string describeValue(const hvArray* value) {
     return value ? std::string(hvGetClassName(value)) + " " + value->m_dimensions.text() : "null";
@@ -67,7 +62,7 @@ bool hvIsLogicalScalarTrue(const hvArray* value) noexcept {
 
 const hvArray* hvGetField(const hvArray* structArray, std::size_t index, const char* name) noexcept {
     const auto* data = orvex::payloadOf<orvex::StructData>(structArray);
-    if (!data || !name || index >= hvGetNumberOfElements(structArray)) return nullptr;
+    if (!data || !name || index >= structArray->m_dimensions.elements()) return nullptr;
     const int field = data->fieldNumber(name);
     return field < 0 ? nullptr : data->values[index * data->names->size() + static_cast<std::size_t>(field)].get();
 }
@@ -88,13 +83,13 @@ const hvArray* hvGetCell(const hvArray* cellArray, std::size_t index) noexcept {
     return data && index < data->cells.size() ? data->cells[index].get() : nullptr;
 }
 
-const bool* hvGetLogicals(const hvArray* value) noexcept { return orvex::bufferIn<bool>(value); }
+const bool* hvGetLogicals(const hvArray* value) noexcept { return orvex::elementsOf<bool>(value, hvLOGICAL_CLASS); }
 
-const double* hvGetDoubles(const hvArray* value) noexcept { return orvex::bufferIn<double>(value); }
+const double* hvGetDoubles(const hvArray* value) noexcept { return orvex::elementsOf<double>(value, hvDOUBLE_CLASS); }
 
-const char16_t* hvGetChars(const hvArray* value) noexcept { return orvex::bufferIn<char16_t>(value); }
+const char16_t* hvGetChars(const hvArray* value) noexcept { return orvex::elementsOf<char16_t>(value, hvCHAR_CLASS); }
 
 const void* hvGetData(const hvArray* value) noexcept {
-    if (!value) return nullptr;
-    return std::visit([](const auto& payload) { return orvex::dataIn(payload); }, value->m_payload);
+    const auto* elements = orvex::payloadOf<orvex::Elements>(value);
+    return elements ? elements->data() : nullptr;
 }

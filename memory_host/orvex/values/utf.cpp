@@ -1,5 +1,6 @@
 #include "memory_host/orvex/values/utf.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -72,6 +73,15 @@ bool isAsciiText(Text text) noexcept {
     return all < 0x80;
 }
 
+// Unit by unit, many of them at a time; for ASCII only.
+template <class Target, class Source>
+Target converted(Source text) {
+    Target result(text.size(), 0);
+    std::transform(text.begin(), text.end(), result.begin(),
+                   [](auto unit) { return static_cast<typename Target::value_type>(unit); });
+    return result;
+}
+
 template <class Target, class Source, class Decode>
 Target transcoded(Source text, Decode decode) {
     Target result;
@@ -89,12 +99,12 @@ Target transcoded(Source text, Decode decode) {
 bool isAscii(std::string_view text) noexcept { return isAsciiText(text); }
 
 std::u16string utf16Of(std::string_view text) {
-    if (isAscii(text)) return {text.begin(), text.end()};
+    if (isAscii(text)) return converted<std::u16string>(text);
     return transcoded<std::u16string>(text, decodeUtf8);
 }
 
 std::string utf8Of(std::u16string_view text) {
-    if (isAsciiText(text)) return {text.begin(), text.end()};
+    if (isAsciiText(text)) return converted<std::string>(text);
     return transcoded<std::string>(text, decodeUtf16);
 }
 

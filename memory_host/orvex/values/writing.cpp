@@ -1,9 +1,7 @@
 #include <utility>
 
 #include "memory_host/orvex/account/faults.h"
-#include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/errors.h"
-#include "memory_host/orvex/values/field_names.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
 
 namespace orvex {
@@ -26,20 +24,23 @@ HvArrayPtr takenOver(const hvArray* container, hvArray* value) {
     return HvArrayPtr(value);
 }
 
-void requireIndex(std::size_t index, std::size_t count, const char* what) {
-    if (index >= count)
-        raise("IndexOutOfRange", std::string("There is no ") + what + " " + std::to_string(index + 1) + " of " +
-                                     std::to_string(count) + ".");
+[[noreturn]] void refuseIndex(std::size_t index, std::size_t count, const char* what) {
+    raise("IndexOutOfRange",
+          std::string("There is no ") + what + " " + std::to_string(index + 1) + " of " + std::to_string(count) + ".");
+}
+
+[[noreturn]] void refuseField(const StructData& data, const char* name) {
+    raise("UnknownField", "There is no field \"" + std::string(name ? name : "") +
+                              "\" in a struct with these fields: " + data.names->joined() + ".");
 }
 
 SharedValue& fieldSlot(hvArray* structArray, std::size_t index, const char* name) {
     auto* data = payloadOf<StructData>(structArray);
     if (!data) raise("WrongClass", "Fields are set in a struct, not in " + describeValue(structArray) + ".");
-    requireIndex(index, hvGetNumberOfElements(structArray), "element");
+    const std::size_t count = structArray->m_dimensions.elements();
+    if (index >= count) refuseIndex(index, count, "element");
     const int field = name ? data->fieldNumber(name) : -1;
-    if (field < 0)
-        raise("UnknownField", "There is no field \"" + std::string(name ? name : "") +
-                                  "\" in a struct with these fields: " + joinedFieldNames(*data->names) + ".");
+    if (field < 0) refuseField(*data, name);
     return data->values.forWriting(index * data->names->size() + static_cast<std::size_t>(field));
 }
 
@@ -51,21 +52,12 @@ SharedValue storedInField(hvArray* structArray, std::size_t index, const char* n
     return std::exchange(slot, contained(std::move(incoming)));
 }
 
-template <class T>
-void* writableData(Buffer<T>& buffer) {
-    return buffer.dataForWriting();
-}
-template <class Other>
-void* writableData(Other&) noexcept {
-    return nullptr;
-}
-
 }  // namespace
 }  // namespace orvex
 
 void* hvGetDataForWriting(hvArray* value) {
-    if (!value) return nullptr;
-    return std::visit([](auto& payload) { return orvex::writableData(payload); }, value->m_payload);
+    auto* elements = orvex::payloadOf<orvex::Elements>(value);
+    return elements ? elements->dataForWriting() : nullptr;
 }
 
 void hvReplaceField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
@@ -83,7 +75,7 @@ void hvSetCell(hvArray* cellArray, std::size_t index, hvArray* value) {
     auto* data = orvex::payloadOf<orvex::CellData>(cellArray);
     if (!data)
         orvex::raise("WrongClass", "Cells are set in a cell array, not in " + orvex::describeValue(cellArray) + ".");
-    orvex::requireIndex(index, data->cells.size(), "cell");
+    if (index >= data->cells.size()) orvex::refuseIndex(index, data->cells.size(), "cell");
     const orvex::SharedValue earlier =
         std::exchange(data->cells.forWriting(index), orvex::contained(std::move(incoming)));
 }
