@@ -57,10 +57,10 @@ private:
         const std::size_t last = endOfChain(first);
         const BlockNode& node = m_nodes[last];
         const bool nests = m_children[last] > 0 && m_open.size() < kDeepest;
-        m_html.add("<li id=\"b{}\">{}", last + 1, Markup{nests ? "<details open><summary>" : "<div class=\"leaf\">"});
+        m_html.add("<li id=\"b{}\">{}", last + 1, Markup{nests ? "<details open><summary>" : "<p>"});
         writeName(first, last);
         writePorts(node);
-        m_html.add("{}", Markup{nests ? "</summary>" : "</div>"});
+        m_html.add("{}", Markup{nests ? "</summary>" : "</p>"});
         writeItems(node);
         if (nests) m_open.push_back(node.depth);
         m_html.add("{}", Markup{nests ? "<ul>\n" : "</li>\n"});
@@ -69,11 +69,13 @@ private:
 
     void writeName(std::size_t first, std::size_t last) {
         const BlockNode& node = m_nodes[last];
-        m_html.add("<span class=\"block{}\">", node.block == nullptr ? " bare" : node.hasBadge ? " badge" : "");
+        m_html.add("<b{}>", Markup{node.block == nullptr ? " class=\"bare\""
+                                   : node.hasBadge       ? " class=\"badge\""
+                                                         : ""});
         if (m_open.size() == kDeepest && node.depth > kDeepest) m_html.add("<i>level {}</i> ", node.depth + 1);
         for (std::size_t i = first; i <= last; ++i)
             m_html.add("{}{}", Markup{i > first ? "<i>/</i>" : ""}, Name(m_nodes[i].name));
-        m_html.add("</span>");
+        m_html.add("</b>");
     }
 
     void writePort(const BlockNode& node, const PortNode& port) {
@@ -131,7 +133,7 @@ void writeBlocks(Html& html, const Contents& contents, const PageIndex& index) {
     } else {
         html.add(
             "<p class=\"legend\"><span class=\"on\">observed</span> <span class=\"off\">not observed</span> "
-            "<span class=\"block badge\">with a badge in the editor</span></p>\n");
+            "<b class=\"badge\">with a badge in the editor</b></p>\n");
         TreeWriter(html, index).write();
     }
     closeSection(html);

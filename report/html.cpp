@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 #include "workbench/text/columns.h"
 #include "workbench/text/text.h"
 
@@ -46,6 +48,12 @@ std::string shortName(const Name& name) {
     return workbench::shortened(workbench::printable(std::string_view(name.text)), kLongestName);
 }
 
+// ASCII has the page's direction.
+std::string isolated(std::string html) {
+    const bool isAscii = std::ranges::all_of(html, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return isAscii ? html : fmt::format("<bdi>{}</bdi>", html);
+}
+
 }  // namespace
 
 Name::Name(std::u16string_view utf16) : text(workbench::toUtf8(utf16)) {}
@@ -63,8 +71,8 @@ std::string countedText(std::size_t count, std::string_view singular) {
     return fmt::format("{} {}{}", grouped(count), singular, count == 1 ? "" : "s");
 }
 
-std::string shown(const Name& name) { return fmt::format("<bdi>{}</bdi>", asReferences(shortName(name))); }
-std::string shown(const Path& path) { return fmt::format("<bdi>{}</bdi>", asReferences(shortName(path), true)); }
+std::string shown(const Name& name) { return isolated(asReferences(shortName(name))); }
+std::string shown(const Path& path) { return isolated(asReferences(shortName(path), true)); }
 
 std::string shown(const Message& message) { return asReferences(workbench::printableMessage(message.text)); }
 

@@ -11,7 +11,7 @@
   function readEntries() {
     entries = [];
     document.querySelectorAll('.list > li').forEach(function (node) {
-      var has = node.dataset.has || node.parentElement.dataset.has || '';
+      var has = [node.dataset.has, node.parentElement.dataset.has, node.querySelector('figure') && 'recorded'].join(' ');
       var section = node.closest('section').id;
       entries.push({ node: node, text: node.textContent.toLowerCase(), above: null, has: has, section: section });
     });
@@ -21,9 +21,9 @@
 
   function readBlocks(list, above, path) {
     Array.prototype.forEach.call(list.children, function (node) {
-      var head = node.querySelector(':scope > details > summary, :scope > .leaf');
+      var head = node.querySelector(':scope > details > summary, :scope > p');
       var items = node.querySelector(':scope > .items, :scope > details > .items');
-      var name = path + head.querySelector('.block').textContent.toLowerCase();
+      var name = path + head.querySelector('b').textContent.toLowerCase();
       var more = (head.textContent + (items ? ' ' + items.textContent : '')).toLowerCase();
       var isObserved = head.querySelector('.on') || (items && items.querySelector('.on'));
       var has = isObserved ? 'observed' : '';

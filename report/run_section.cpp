@@ -22,6 +22,14 @@ std::string simulatedTime(const RecordedRun& run) {
     return run.until && *run.until > *run.stop ? fmt::format("{} of {} s", text, numberText(*run.until)) : text;
 }
 
+// "2026-03-01T12:00:00Z" with blanks; anything else as it is.
+std::string momentText(const std::string& moment) {
+    constexpr std::size_t kSize = 20;
+    constexpr std::size_t kDate = 10;
+    if (moment.size() != kSize || moment[kDate] != 'T' || moment.back() != 'Z') return moment;
+    return moment.substr(0, kDate) + ' ' + moment.substr(kDate + 1, kSize - kDate - 2) + " UTC";
+}
+
 std::string fileOf(const RecordedRun& run) {
     std::string text = std::filesystem::path(run.file).filename().string();
     return run.runCount > 1 ? fmt::format("{}, run {} of {}", text, run.number, run.runCount) : text;
@@ -50,7 +58,7 @@ void writeRun(Html& html, const Contents& contents, const PageIndex& index) {
     writeFact(html, "recorded in", fileOf(run));
     writeFact(html, "simulated time", simulatedTime(run));
     writeFact(html, "samples", grouped(view->sampleCount()));
-    writeFact(html, "started", run.started);
+    writeFact(html, "started", momentText(run.started));
     html.add("</dl>\n");
     writeNotes(html, contents, *view);
     writePlotFrame(html, view->frame());
@@ -61,13 +69,13 @@ void writeOthers(Html& html, const PageIndex& index) {
     const RunView* const view = index.run();
     if (view == nullptr || view->others().empty()) return;
     openSection(html, "others", "Recorded besides", view->others().size());
-    html.add("<ul class=\"others plotted list\" data-has=\"recorded\">\n");
+    html.add("<ul class=\"others plotted list\">\n");
     for (const std::size_t position : view->others()) {
         const RecordedColumn& column = view->run().columns[position];
-        html.add("<li><div class=\"what\"><h3>{}</h3><p class=\"from\">{}</p></div><div class=\"plots\">",
-                 Name(column.title), Path(column.block));
+        html.add("<li><div class=\"what\"><h3>{}</h3><p class=\"from\">{}</p></div>", Name(column.title),
+                 Path(column.block));
         writePlot(html, view->frame(), column, "");
-        html.add("</div></li>\n");
+        html.add("</li>\n");
     }
     html.add("</ul>\n");
     closeSection(html);

@@ -26,15 +26,18 @@ TimeAxis axisOf(const RecordedRun& run) {
     return from <= to ? timeAxis(from, to) : timeAxis(0.0, 1.0);
 }
 
-// The more plots, the coarser: all lines together stay within some megabytes.
+// The more plots, the coarser: all lines together stay within two megabytes up to some thousand plots.
 Grid gridFor(std::size_t plots) {
-    constexpr std::size_t kMostBytes = 3'000'000;
+    constexpr std::size_t kMostBytes = 2'000'000;
     constexpr std::size_t kBytesOfColumn = 20;
     constexpr std::size_t kFinest = 600;
-    constexpr std::size_t kCoarsest = 24;
+    constexpr std::size_t kCoarse = 40;
+    constexpr std::size_t kCoarsest = 20;
+    constexpr Grid kCoarseGrid{kCoarsest, 120, 56, true};
     const std::size_t columns = kMostBytes / kBytesOfColumn / std::max<std::size_t>(plots, 1);
+    if (columns < kCoarse) return kCoarseGrid;
     const bool isFine = columns >= kFinest;
-    return {std::clamp(columns, kCoarsest, kFinest), isFine ? 2 * kFinest : kFinest, isFine ? 560U : 112U};
+    return {std::min(columns, kFinest), isFine ? 2 * kFinest : kFinest, isFine ? 560U : 112U};
 }
 
 }  // namespace

@@ -81,20 +81,26 @@ void writeHead(Html& html, const PageIndex& index, const SignalSpecification& si
 
 void writePlots(Html& html, const RunView& view, std::size_t position) {
     const Positions& columns = view.columnsOf(position);
-    html.add("<div class=\"plots\">");
+    if (columns.size() != 1) html.add("<div class=\"plots\">");
     if (columns.empty()) html.add("<p class=\"none\">not recorded</p>");
     for (const std::size_t column : columns)
         writePlot(html, view.frame(), view.run().columns[column], view.run().columns[column].element);
-    html.add("</div>");
+    if (columns.size() != 1) html.add("</div>");
+}
+
+// What the search's filters look for.
+std::string whatHas(const PageIndex& index, std::size_t position) {
+    const bool hasFindings = index.findingsOf(position) > 0;
+    if (index.clientsOf(position).empty()) return hasFindings ? "findings" : "";
+    return hasFindings ? "clients findings" : "clients";
 }
 
 void writeSignal(Html& html, const Contents& contents, const PageIndex& index, std::size_t position) {
     const SignalSpecification& signal = *contents.session.signals().get(position);
     const RunView* const run = index.run();
-    const bool isRecorded = run != nullptr && !run->columnsOf(position).empty();
-    html.add("<li id=\"s{}\" data-has=\"observed{}{}{}\">", position + 1,
-             Markup{index.clientsOf(position).empty() ? "" : " clients"},
-             Markup{index.findingsOf(position) == 0 ? "" : " findings"}, Markup{isRecorded ? " recorded" : ""});
+    html.add("<li id=\"s{}\"", position + 1);
+    if (const std::string has = whatHas(index, position); !has.empty()) html.add(" data-has=\"{}\"", has);
+    html.add(">");
     writeHead(html, index, signal, position);
     writeSettings(html, signal);
     writeClients(html, contents, index, position);
@@ -120,7 +126,8 @@ void writeSignals(Html& html, const Contents& contents, const PageIndex& index) 
             "<p class=\"empty\">Nothing is marked. A signal is the mark on a port or chart item that is worth "
             "watching.</p>\n");
     else
-        html.add("<ol class=\"signals{} list\">\n", Markup{index.run() == nullptr ? "" : " plotted"});
+        html.add("<ol class=\"signals{} list\" data-has=\"observed\">\n",
+                 Markup{index.run() == nullptr ? "" : " plotted"});
     for (std::size_t i = 0; i < count; ++i) writeSignal(html, contents, index, i);
     if (count > 0) html.add("</ol>\n");
     closeSection(html);

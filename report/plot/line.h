@@ -14,6 +14,7 @@ struct Grid {
     std::size_t columns = 600;
     std::size_t width = 600;   ///< units along the time
     std::size_t height = 200;  ///< along the values
+    bool isCoarse = false;     ///< as `thinned` has it
 };
 
 /// The data of two SVG paths, in whole units from the upper left.

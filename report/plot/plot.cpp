@@ -42,7 +42,7 @@ void writeTimeAxis(Html& html, const TimeAxis& time, std::string_view id, std::s
 }
 
 void writeGrid(Html& html, std::size_t labels) {
-    html.add("<g id=\"g{}\">", labels);
+    html.add("<g id=\"g{}\"><use href=\"#t\"/>", labels);
     for (std::size_t i = 0; i < labels; ++i)
         html.add("<line x2=\"100%\" y1=\"{0}\" y2=\"{0}\"/>",
                  fmt::format("{:.4g}", static_cast<double>(i * kHeight) / static_cast<double>(labels - 1)));
@@ -67,25 +67,27 @@ const std::string* nameOf(const ValueNames& names, double value) noexcept {
 }
 
 void writeNumber(Html& html, const char* name, double number) {
-    html.add("<span>{} <b>{}</b></span>", name, numberText(number));
+    html.add("<i>{} <b>{}</b></i>", name, numberText(number));
 }
 
 void writeCount(Html& html, std::size_t count, const char* what) {
-    if (count > 0) html.add("<span>{}</span>", countedText(count, what));
+    if (count > 0) html.add("<i>{}</i>", countedText(count, what));
 }
 
 void writeLast(Html& html, const RecordedColumn& column, double value) {
     if (const std::string* const name = nameOf(column.names, value))
-        html.add("<span>last <b>{}</b></span>", Name(*name));
+        html.add("<i>last <b>{}</b></i>", Name(*name));
     else if (column.kind == ValueKind::boolean)
-        html.add("<span>last <b>{}</b></span>", value == 0.0 ? "false" : "true");
+        html.add("<i>last <b>{}</b></i>", value == 0.0 ? "false" : "true");
     else
         writeNumber(html, "last", value);
 }
 
 void writeCaption(Html& html, const RecordedColumn& column, const ColumnFigures& figures, std::string_view what) {
-    html.add("<figcaption><span class=\"unit\">{}</span><div>", Name(column.unit));
-    if (!what.empty()) html.add("<span class=\"which\">{}</span>", Name(what));
+    html.add("<figcaption>");
+    if (!column.unit.empty()) html.add("<span class=\"unit\">{}</span>", Name(column.unit));
+    html.add("<div>");
+    if (!what.empty()) html.add("<i class=\"which\">{}</i>", Name(what));
     if (figures.finite > 1 && column.kind != ValueKind::boolean && column.names.empty()) {
         writeNumber(html, "min", figures.least);
         writeNumber(html, "max", figures.greatest);
@@ -93,8 +95,8 @@ void writeCaption(Html& html, const RecordedColumn& column, const ColumnFigures&
     if (figures.finite > 0) writeLast(html, column, figures.last);
     writeCount(html, column.times.size(), "sample");
     writeCount(html, figures.gaps, "gap");
-    if (!figures.up.empty()) html.add("<span class=\"amiss\">{} × ∞</span>", grouped(figures.up.size()));
-    if (!figures.down.empty()) html.add("<span class=\"amiss\">{} × -∞</span>", grouped(figures.down.size()));
+    if (!figures.up.empty()) html.add("<i class=\"amiss\">{} × ∞</i>", grouped(figures.up.size()));
+    if (!figures.down.empty()) html.add("<i class=\"amiss\">{} × -∞</i>", grouped(figures.down.size()));
     html.add("</div></figcaption>");
 }
 
@@ -124,17 +126,23 @@ void writeDots(Html& html, const char* look, const std::string& dots) {
     if (!dots.empty()) html.add("<path class=\"{}\" d=\"{}\"/>", look, dots);
 }
 
+// Lines of text, as far apart as those of the grid.
+void writeLabels(Html& html, const ValueAxis& axis) {
+    html.add("<div class=\"axis a{}\">", axis.labels.size());
+    for (auto label = axis.labels.rbegin(); label != axis.labels.rend(); ++label)
+        html.add("{}{}", Markup{label == axis.labels.rbegin() ? "" : "\n"}, *label);
+    html.add("</div>");
+}
+
 void writeLines(Html& html, const PlotFrame& frame, const RecordedColumn& column, const ColumnFigures& figures) {
     const bool isBoolean = column.kind == ValueKind::boolean;
     const ValueAxis axis = axisOf(column, figures);
-    html.add("<div class=\"axis\">");
-    for (auto label = axis.labels.rbegin(); label != axis.labels.rend(); ++label) html.add("<span>{}</span>", *label);
-    html.add("</div><svg role=\"img\" aria-label=\"{}\"><use href=\"#{}\"/>", column.title, isBoolean ? "tl" : "t");
-    if (!isBoolean) html.add("<use href=\"#g{}\"/>", axis.labels.size());
-    html.add("<svg viewBox=\"0 0 {} {}\" width=\"100%\" height=\"{}\" preserveAspectRatio=\"none\">", frame.grid.width,
-             frame.grid.height, isBoolean ? kLowHeight : kHeight);
+    writeLabels(html, axis);
+    html.add("<svg role=\"img\" aria-label=\"{}\"><use href=\"#{}{}\"/>", column.title, isBoolean ? "tl" : "g",
+             Markup{isBoolean ? "" : std::to_string(axis.labels.size())});
+    html.add("<svg viewBox=\"0 0 {} {}\" preserveAspectRatio=\"none\">", frame.grid.width, frame.grid.height);
     const std::vector<Point> points =
-        thinned(column.times, column.values, frame.time.from, frame.time.to, frame.grid.columns);
+        thinned(column.times, column.values, frame.time.from, frame.time.to, frame.grid.columns, frame.grid.isCoarse);
     const bool isStepped = column.kind != ValueKind::real;
     const DrawnLine line = drawn(points, frame.time, axis, frame.grid, isStepped);
     html.add("<path d=\"{}\"/>", line.line);
@@ -157,9 +165,9 @@ void writePlot(Html& html, const PlotFrame& frame, const RecordedColumn& column,
     const bool isText = column.kind == ValueKind::text || column.kind == ValueKind::binary;
     const ColumnFigures figures = figuresOf(column);
     const bool isEmpty = column.times.empty();
-    html.add("<figure class=\"plot{}\">", Markup{isText || isEmpty                   ? " said"
-                                                 : column.kind == ValueKind::boolean ? " low"
-                                                                                     : ""});
+    html.add("<figure{}>", Markup{isText || isEmpty                   ? " class=\"said\""
+                                  : column.kind == ValueKind::boolean ? " class=\"low\""
+                                                                      : ""});
     if (isText && !isEmpty)
         writeTextChanges(html, column, what);
     else

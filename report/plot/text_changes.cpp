@@ -32,9 +32,9 @@ void writeText(Html& html, const std::string& text) {
 
 void writeTextChanges(Html& html, const RecordedColumn& column, std::string_view what) {
     const std::vector<std::size_t> changes = changesOf(column);
-    html.add("<figcaption><span class=\"unit\"></span><div>");
-    if (!what.empty()) html.add("<span class=\"which\">{}</span>", Name(what));
-    html.add("<span>{}</span><span>{}</span></div></figcaption>\n",
+    html.add("<figcaption><div>");
+    if (!what.empty()) html.add("<i class=\"which\">{}</i>", Name(what));
+    html.add("<i>{}</i><i>{}</i></div></figcaption>\n",
              changes.size() == 1 ? "no change" : countedText(changes.size() - 1, "change"),
              countedText(column.times.size(), "sample"));
     html.add("<table>");

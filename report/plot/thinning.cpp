@@ -16,7 +16,8 @@ constexpr double kBreak = std::numeric_limits<double>::quiet_NaN();
 
 class Thinning {
 public:
-    Thinning(std::span<const double> times, std::span<const double> values) : m_times(times), m_values(values) {}
+    Thinning(std::span<const double> times, std::span<const double> values, bool isCoarse)
+        : m_times(times), m_values(values), m_isCoarse(isCoarse) {}
 
     void take(std::size_t sample, std::size_t column) {
         if (m_samples > 0 && column < m_column) return;
@@ -30,6 +31,7 @@ public:
     }
 
     std::vector<Point> finish() {
+        m_isCoarse = false;
         if (m_samples > 0) endColumn();
         return std::move(m_points);
     }
@@ -46,6 +48,7 @@ private:
     void endColumn() {
         if (m_startsBroken) addBreak();
         if (m_kept) {
+            if (m_isCoarse && !m_points.empty()) m_kept = {(*m_kept)[1], (*m_kept)[1], (*m_kept)[2], (*m_kept)[2]};
             std::sort(m_kept->begin(), m_kept->end());
             const auto end = std::unique(m_kept->begin(), m_kept->end());
             for (auto sample = m_kept->begin(); sample != end; ++sample)
@@ -62,6 +65,7 @@ private:
 
     std::span<const double> m_times;
     std::span<const double> m_values;
+    bool m_isCoarse;
     std::vector<Point> m_points;
     // Of the column that is being filled.
     std::size_t m_column = 0;
@@ -75,8 +79,8 @@ private:
 }  // namespace
 
 std::vector<Point> thinned(std::span<const double> times, std::span<const double> values, double from, double to,
-                           std::size_t columns) {
-    Thinning thinning(times, values);
+                           std::size_t columns, bool isCoarse) {
+    Thinning thinning(times, values, isCoarse);
     for (std::size_t i = 0; i < values.size(); ++i) {
         if (!std::isfinite(times[i])) continue;
         const double at = shareOf(times[i], from, to) * static_cast<double>(columns);
