@@ -122,7 +122,9 @@ class Client(Entry):
         return self["client"]["position"]
 
     def __repr__(self) -> str:
-        return f"<Client {self.position} {self['type']} of signal {self['signal']['position']}, {self['state']}>"
+        signal = self["signal"]["position"]
+        return f"<Client {self.position} {self['type']} of {f'signal {signal}' if signal else 'no signal here'}, " \
+               f"{self['state']}>"
 
 
 def counted(count: int, what: str) -> str:

@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import json
 import os
+from operator import index
 from typing import Any, Callable, Dict, Iterable, List, Mapping, Optional, Union
 
 from . import _native
@@ -20,7 +21,11 @@ Calls = Union[str, int, Entry, Iterable[Union[str, int, Entry]]]
 
 
 def _texts(given: Texts) -> List[str]:
-    return [given] if isinstance(given, str) else [str(one) for one in given]
+    if isinstance(given, str):
+        return [given]
+    if not isinstance(given, Iterable):
+        raise TypeError(f"{given!r} is no text, and no list of texts")
+    return [str(one) for one in given]
 
 
 def _references(given: Iterable[Union[Referable, Iterable[Referable]]]) -> List[str]:
@@ -28,12 +33,12 @@ def _references(given: Iterable[Union[Referable, Iterable[Referable]]]) -> List[
     for one in given:
         if isinstance(one, str):
             references.append(one)
-        elif isinstance(one, Entry):
-            if not isinstance(getattr(type(one), "reference", None), property):
-                raise TypeError(f"{one!r} is no block, port, chart item or signal")
-            references.append(one.reference)
-        else:
+        elif isinstance(getattr(type(one), "reference", None), property):
+            references.append(one.reference)  # type: ignore[attr-defined]
+        elif isinstance(one, Iterable) and not isinstance(one, Entry):
             references += _references(one)
+        else:
+            raise TypeError(f"{one!r} is no text, block, port, chart item or signal, and no list of these")
     return references
 
 
@@ -49,6 +54,8 @@ def _calls(given: Calls) -> List[str]:
         return [given.uuid]
     if isinstance(given, Entry):
         raise TypeError(f"{given!r} is no signal or client")
+    if not isinstance(given, Iterable):
+        raise TypeError(f"{given!r} is no UUID, position, signal or client, and no list of these")
     return [call for one in given for call in _calls(one)]
 
 
@@ -56,7 +63,7 @@ def _selection(references: Iterable[Any], all: Texts, except_: Texts, kinds: Tex
                activity: Optional[str], ssid: Optional[int], others: bool = False) -> Dict[str, Any]:
     selection: Dict[str, Any] = {"references": _references(references), "all": _texts(all),
                                  "except": _texts(except_), "kinds": _texts(kinds), "below": below,
-                                 "activity": activity or "", "ssid": ssid}
+                                 "activity": activity, "ssid": ssid}
     if not others and not any(selection[name] for name in ("references", "all", "except", "kinds", "below")):
         raise Error("nothing to work on; name a port, or give all=\"*\" or below=")
     return selection
@@ -171,7 +178,7 @@ class Model:
 
     def renumber(self, block: Referable, numbers: Iterable[int]) -> ChangeReport:
         """Gives output ports 1, 2, ... these new numbers, 0 for one that is deleted; further ports keep theirs."""
-        return ChangeReport(_native.renumber(self._held, _reference(block), list(numbers)))
+        return ChangeReport(_native.renumber(self._held, _reference(block), [index(one) for one in numbers]))
 
     def add_state(self, chart: Referable, path: str, ssid: Optional[int] = None) -> ChangeReport:
         """Adds a state by its path below the chart. The block becomes a chart if it is not one."""
@@ -204,8 +211,9 @@ class Model:
         What is marked already stays as it is; with settings that is refused, unless `skip_marked`. `again` adds a
         further signal where one is.
         """
-        settings = _given(name=name, decimation=decimation, maxPoints=max_points, frameBased=frame_based, hidden=hidden,
-                          buffered=buffered, excludedFromSave=excluded_from_save, visualType=visual_type)
+        settings = _given(name=name, decimation=decimation, max_points=max_points, frame_based=frame_based,
+                          hidden=hidden, buffered=buffered, excluded_from_save=excluded_from_save,
+                          visual_type=visual_type)
         selection = _selection(references, all, except_, kinds, below, activity, ssid)
         return ChangeReport(_native.mark(self._held, selection, settings, again, skip_marked))
 
@@ -224,8 +232,9 @@ class Model:
             buffered: Optional[bool] = None, excluded_from_save: Optional[bool] = None,
             visual_type: Optional[str] = None, confirm: bool = False) -> ChangeReport:
         """Changes the settings of signals in place. `confirm` says that what they are on is what was meant."""
-        settings = _given(name=name, decimation=decimation, maxPoints=max_points, frameBased=frame_based, hidden=hidden,
-                          buffered=buffered, excludedFromSave=excluded_from_save, visualType=visual_type)
+        settings = _given(name=name, decimation=decimation, max_points=max_points, frame_based=frame_based,
+                          hidden=hidden, buffered=buffered, excluded_from_save=excluded_from_save,
+                          visual_type=visual_type)
         calls = _calls(signals)
         selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls))
         return ChangeReport(_native.set(self._held, selection, calls, settings, confirm))
@@ -234,7 +243,8 @@ class Model:
               kinds: Texts = (), below: str = "", activity: Optional[str] = None,
               ssid: Optional[int] = None) -> QueryReport:
         """Tells whether ports and chart items are observed."""
-        return QueryReport(_native.query(self._held, _selection(references, all, except_, kinds, below, activity, ssid)))
+        selection = _selection(references, all, except_, kinds, below, activity, ssid)
+        return QueryReport(_native.query(self._held, selection))
 
     # ---- who watches
 
@@ -247,8 +257,8 @@ class Model:
         """Has a client of that observer type watch each marked port and chart item that is meant."""
         calls = _calls(signals)
         selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls))
-        settings = _given(type=type, params=None if params is None else json.dumps(params), updateRate=update_rate,
-                          channel=channel, imaginary=imaginary, busLeaf=bus_leaf)
+        settings = _given(type=type, params=None if params is None else json.dumps(params), update_rate=update_rate,
+                          channel=channel, imaginary=imaginary, bus_leaf=bus_leaf)
         return ChangeReport(_native.observe(self._held, selection, calls, settings))
 
     def unobserve(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
@@ -274,8 +284,8 @@ class Model:
         """Changes the settings of clients in place; who is meant, as in `unobserve`."""
         who = {"clients": _calls(clients), "types": _texts(types), "states": _texts(states)}
         selection = _selection(references, all, except_, kinds, below, activity, ssid, any(who.values()))
-        settings = _given(type=new_type, params=None if params is None else json.dumps(params), updateRate=update_rate,
-                          channel=channel, imaginary=imaginary, busLeaf=bus_leaf)
+        settings = _given(type=new_type, params=None if params is None else json.dumps(params), update_rate=update_rate,
+                          channel=channel, imaginary=imaginary, bus_leaf=bus_leaf)
         return ChangeReport(_native.setClients(self._held, selection, who, settings))
 
     # ---- files and runs

@@ -54,8 +54,8 @@ class Report:
 
 
 class ChangeReport(Report):
-    """What was `added`, `changed`, `removed`, `skipped` and left `unchanged`: signals and clients, and of changes to the
-    structure blocks, ports, chart items and the model. True when anything changed."""
+    """What was `added`, `changed`, `removed`, `skipped` and left `unchanged`: signals and clients, and of changes to
+    the structure blocks, ports, chart items and the model. True when anything changed."""
 
     def __bool__(self) -> bool:
         return any(self.data[name] for name in ("added", "changed", "removed"))
@@ -72,6 +72,9 @@ class QueryReport(Report):
 
     def __iter__(self) -> Iterator[Place]:
         return iter(self.data["answers"])
+
+    def __repr__(self) -> str:
+        return f"<query: {counted(len(self), 'answer')}, {len(self.observed)} observed>"
 
     @property
     def observed(self) -> List[Place]:

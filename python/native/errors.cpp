@@ -5,6 +5,7 @@
 
 #include "host/messages.h"
 #include "memory_host/kestrel/model.h"
+#include "python/native/arguments.h"
 #include "python/native/raised_errors.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
@@ -67,8 +68,9 @@ py::object numberOrNone(std::size_t number) { return number > 0 ? py::object(py:
 void raise(const workbench::Error& error) {
     const py::object type = py::module_::import("ks_hmi._errors").attr("Error");
     const workbench::ErrorPlace& place = error.place();
-    const py::object made = type(error.text(), wordOf(error.code()), place.file, numberOrNone(place.line),
-                                 numberOrNone(place.column), place.pointer, wordOf(error.remedy()));
+    const py::object made =
+        type(withArguments(error.text()), wordOf(error.code()), withArguments(place.file), numberOrNone(place.line),
+             numberOrNone(place.column), place.pointer, wordOf(error.remedy()));
     PyErr_SetObject(type.ptr(), made.ptr());
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "python/native/arguments.h"
 #include "python/native/json_text.h"
 #include "python/native/open_model.h"
 #include "workbench/change/mark_target.h"
@@ -18,21 +19,16 @@ using namespace workbench;
 
 namespace {
 
-template <class Value>
-void take(const py::dict& given, const char* name, std::optional<Value>& setting) {
-    if (given.contains(name)) setting = given[name].cast<Value>();
-}
-
 SignalSettings settingsOf(const py::dict& given) {
     SignalSettings settings;
-    take(given, "name", settings.name);
-    take(given, "decimation", settings.decimation);
-    take(given, "maxPoints", settings.maxPoints);
-    take(given, "frameBased", settings.isFrameBased);
-    take(given, "hidden", settings.isHidden);
-    take(given, "excludedFromSave", settings.isExcludedFromSave);
-    take(given, "buffered", settings.isBuffered);
-    take(given, "visualType", settings.visualType);
+    settings.name = textIn(given, "name");
+    takeNumber(given, "decimation", 1, kLargestInt, settings.decimation);
+    takeNumber(given, "max_points", 0, kLargestInt, settings.maxPoints);
+    settings.isFrameBased = truthIn(given, "frame_based");
+    settings.isHidden = truthIn(given, "hidden");
+    settings.isExcludedFromSave = truthIn(given, "excluded_from_save");
+    settings.isBuffered = truthIn(given, "buffered");
+    settings.visualType = textIn(given, "visual_type");
     return settings;
 }
 

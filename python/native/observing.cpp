@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "python/native/arguments.h"
 #include "python/native/json_text.h"
 #include "python/native/open_model.h"
 #include "python/native/watched_change.h"
@@ -18,20 +19,15 @@ using namespace workbench;
 
 namespace {
 
-template <class Value>
-void take(const py::dict& given, const char* name, std::optional<Value>& setting) {
-    if (given.contains(name)) setting = given[name].cast<Value>();
-}
-
 ClientSettings settingsOf(const py::dict& given) {
     ClientSettings settings;
-    take(given, "type", settings.type);
+    settings.type = textIn(given, "type");
     if (settings.type && settings.type->empty()) throw Error("the kind of client is empty; name it");
-    if (given.contains("params")) settings.params = hostValueOf("params=", given["params"].cast<std::string>());
-    take(given, "updateRate", settings.updateRate);
-    take(given, "channel", settings.channel);
-    take(given, "imaginary", settings.isImaginary);
-    take(given, "busLeaf", settings.busLeaf);
+    if (const auto params = textIn(given, "params")) settings.params = hostValueOf("params=", *params);
+    takeNumber(given, "update_rate", 0, kLargestUint, settings.updateRate);
+    takeNumber(given, "channel", 0, kLargestUint, settings.channel);
+    settings.isImaginary = truthIn(given, "imaginary");
+    settings.busLeaf = textIn(given, "bus_leaf");
     return settings;
 }
 

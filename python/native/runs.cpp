@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "kshmi/print/record_report.h"
+#include "python/native/arguments.h"
 #include "python/native/open_model.h"
 #include "workbench/record/record_model.h"
 #include "workbench/record/recorded_run.h"
@@ -37,7 +38,7 @@ private:
 
 RecordOptions optionsOf(const py::dict& given) {
     const auto take = [&](const char* name, auto& option) {
-        if (given.contains(name)) option = given[name].cast<std::decay_t<decltype(option)>>();
+        if (given.contains(name)) option = castArgument<std::decay_t<decltype(option)>>(given, name);
     };
     RecordOptions options;
     take("unit", options.unit);

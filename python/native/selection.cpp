@@ -3,6 +3,7 @@
 #include <optional>
 #include <vector>
 
+#include "python/native/arguments.h"
 #include "python/native/open_model.h"
 #include "workbench/find/below.h"
 #include "workbench/text/text.h"
@@ -13,9 +14,10 @@ using namespace workbench;
 
 namespace {
 
-template <class Value>
-Value valueIn(const py::dict& selection, const char* name) {
-    return selection.contains(name) ? selection[name].cast<Value>() : Value();
+using Texts = std::vector<std::string>;
+
+Texts textsIn(const py::dict& selection, const char* name) {
+    return selection.contains(name) ? selection[name].cast<Texts>() : Texts();
 }
 
 SourceKind kindCalled(const std::string& word) {
@@ -25,14 +27,13 @@ SourceKind kindCalled(const std::string& word) {
 }
 
 Selection selectionOf(const py::dict& given) {
-    using Texts = std::vector<std::string>;
     Selection selection;
-    selection.references = valueIn<Texts>(given, "references");
-    selection.all = valueIn<Texts>(given, "all");
-    selection.except = valueIn<Texts>(given, "except");
-    for (const std::string& word : valueIn<Texts>(given, "kinds")) selection.kinds.push_back(kindCalled(word));
-    selection.options.activity = valueIn<std::string>(given, "activity");
-    selection.options.ssid = valueIn<std::optional<std::uint32_t>>(given, "ssid");
+    selection.references = textsIn(given, "references");
+    selection.all = textsIn(given, "all");
+    selection.except = textsIn(given, "except");
+    for (const std::string& word : textsIn(given, "kinds")) selection.kinds.push_back(kindCalled(word));
+    selection.options.activity = textIn(given, "activity").value_or("");
+    takeNumber(given, "ssid", 0, kLargestUint, selection.options.ssid);
     return selection;
 }
 
@@ -54,7 +55,7 @@ Chosen choose(const Session& session, const py::dict& given) {
     const kestrel::Model& model = session.model();
     Selection selection = selectionOf(given);
     requireSense(selection);
-    const auto below = valueIn<std::string>(given, "below");
+    const std::string below = textIn(given, "below").value_or("");
     const bool isNarrowed = !below.empty() || !selection.except.empty() || !selection.kinds.empty();
     if (!selection.isAnything() && isNarrowed && !model.blocks().empty()) selection.all = {"*"};
     Chosen chosen{select(model, selection), selection.options, selection.isAnything() || isNarrowed};

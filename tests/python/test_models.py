@@ -80,6 +80,11 @@ def test_clients_watch_signals(model):
     (lambda model: model.mark(), "request", "nothing to work on"),
     (lambda model: model.mark("Sensors/Speed:1", decimation=5), "request", "is marked already; set"),
     (lambda model: model.set("Sensors/Speed:1"), "request", "nothing to set"),
+    (lambda model: model.set("Sensors/Speed:1", decimation=0), "request", "give a whole number from 1 to 2147483647"),
+    (lambda model: model.mark("Plant:1", max_points=2**70), "request", "max_points= is 1180591620717411303424"),
+    (lambda model: model.observe("Sensors/Speed:1", type="x", update_rate=-1), "request", "from 0 to 4294967295"),
+    (lambda model: model.record("run.csv"), "request", "name one with unit="),
+    (lambda model: model.query("Plant:1", activity="Self"), "request", "activity= and ssid= are for charts"),
     (lambda model: model.query(below="Plant", kinds="prot"), "request", "there are: port, chart, state, datum"),
     (lambda model: model.signals["x"], "noMatch", "model.signals lists"),
 ])
@@ -88,6 +93,24 @@ def test_what_cannot_be_is_an_error_that_says_what_to_do(model, work, code, word
     with pytest.raises(ks_hmi.Error) as caught:
         work(model)
     assert words in str(caught.value) and caught.value.code == code and model.text() == before
+
+
+@pytest.mark.parametrize("work, words", [
+    (lambda model: model.mark("Plant:1", decimation="10"), "decimation= is '10'; give a whole number"),
+    (lambda model: model.mark("Plant:1", decimation=True), "decimation= is True; give a whole number"),
+    (lambda model: model.mark("Plant:1", hidden="no"), "hidden= is 'no'; give True or False"),
+    (lambda model: model.set("Plant:1", name=3), "name= is 3; give a text"),
+    (lambda model: model.record("run.csv", until="soon"), "until= is 'soon'; give what its type asks for"),
+    (lambda model: model.mark(3), "3 is no text, block, port"),
+    (lambda model: model.mark(model.clients[0]), "is no text, block, port"),
+    (lambda model: model.query(all=3), "3 is no text, and no list of texts"),
+    (lambda model: model.unmark(signals=1.5), "1.5 is no UUID, position"),
+    (lambda model: model.renumber("Sensors/Speed", ["a"]), "integer"),
+])
+def test_arguments_of_another_kind_are_type_errors(model, work, words):
+    with pytest.raises(TypeError) as caught:
+        work(model)
+    assert words in str(caught.value)
 
 
 def test_errors_of_files_name_the_place(tmp_path):
