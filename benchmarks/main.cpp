@@ -44,8 +44,9 @@ private:
 
 void addAll(ks_bench::Suite& suite) {
     using namespace ks_bench;
-    for (const auto add : {addHandleQueries, addPathQueries, addEnginePortQueries, addChartQueries, addKeyHashes,
-                           addPersistence, addModelFiles, addGrowth, addRemovals, addMemory, addStart, addRecording})
+    for (const auto add :
+         {addHandleQueries, addPathQueries, addEnginePortQueries, addChartQueries, addKeyHashes, addPersistence,
+          addModelFiles, addGrowth, addRemovals, addMemory, addStart, addRecording, addPythonMarking})
         add(suite);
 }
 

@@ -11,6 +11,8 @@ namespace ks_bench {
 
 namespace {
 
+constexpr double kMillisecond = 1e6;
+
 std::optional<double> medianOf(const Medians& medians, const std::string& name) {
     const auto found = medians.find(name);
     return found == medians.end() ? std::nullopt : std::optional(found->second);
@@ -77,10 +79,18 @@ void Suite::growth(int goal, std::string what, const std::map<std::size_t, std::
 
 void Suite::milliseconds(int goal, std::string what, std::string measured, Limit limit) {
     add(goal, std::move(what), limit, [measured = std::move(measured)](const Medians& medians) -> std::optional<Line> {
-        constexpr double kMillisecond = 1e6;
         const auto own = medianOf(medians, measured);
         if (!own) return std::nullopt;
         return Line{durationText(*own), *own / kMillisecond, "ms"};
+    });
+}
+
+void Suite::excess(int goal, std::string what, std::string measured, std::string baseline, Limit limit) {
+    add(goal, std::move(what), limit, [=](const Medians& medians) -> std::optional<Line> {
+        const auto own = medianOf(medians, measured);
+        const auto other = medianOf(medians, baseline);
+        if (!own || !other) return std::nullopt;
+        return Line{durationText(*own) + " / " + durationText(*other), (*own - *other) / kMillisecond, "ms more"};
     });
 }
 

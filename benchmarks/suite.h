@@ -44,6 +44,8 @@ public:
     void growth(int goal, std::string what, const std::map<std::size_t, std::string>& names, Limit limit);
     /// One benchmark's time per iteration in milliseconds.
     void milliseconds(int goal, std::string what, std::string measured, Limit limit);
+    /// How many milliseconds more the measured one takes than the baseline.
+    void excess(int goal, std::string what, std::string measured, std::string baseline, Limit limit);
     /// A figure that is no time; computed when the table is printed, unless a filter chose some benchmarks only.
     void figure(int goal, std::string what, const char* unit, std::function<double()> compute, Limit limit);
 
@@ -84,5 +86,6 @@ void addRemovals(Suite& suite);
 void addMemory(Suite& suite);
 void addStart(Suite& suite);
 void addRecording(Suite& suite);
+void addPythonMarking(Suite& suite);
 
 }  // namespace ks_bench
