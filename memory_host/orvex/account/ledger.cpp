@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "memory_host/orvex/account/described_things.h"
+
 namespace orvex {
 namespace {
 

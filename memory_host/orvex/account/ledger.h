@@ -56,10 +56,6 @@ struct Ledger {
 };
 OX_API extern Ledger g_ledger;  ///< the one of this process
 
-// Each is said by what makes such things.
-std::string describeValueOf(const LedgerEntry& entry);
-std::string describeObjectOf(const LedgerEntry& entry);
-std::string describeDiagnosticOf(const LedgerEntry& entry);
 }  // namespace internal
 
 /// Membership in the ledger: a base of what is accounted for. Neither copied nor moved.

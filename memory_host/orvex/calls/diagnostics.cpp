@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "memory_host/orvex/account/described_things.h"
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/calls/message_catalogue.h"

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "memory_host/orvex/account/described_things.h"
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/errors.h"

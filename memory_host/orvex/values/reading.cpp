@@ -1,3 +1,4 @@
+#include "memory_host/orvex/account/described_things.h"
 #include "memory_host/orvex/objects/objects.h"
 #include "memory_host/orvex/values/element_type.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
