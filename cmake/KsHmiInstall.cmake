@@ -10,6 +10,7 @@
 
 include(CMakePackageConfigHelpers)
 set(KS_HMI_INCLUDE_DIR "${CMAKE_INSTALL_INCLUDEDIR}/ks_hmi_foundation")
+set(KS_HMI_EXAMPLES_DIR "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation/examples")
 set(KS_HMI_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/ks_hmi_foundation")
 
 # The headers that the list in cmake/ names, each in its room.
@@ -52,6 +53,8 @@ function(ks_hmi_install_library)
     "${PROJECT_BINARY_DIR}/ks_hmi_foundation-config-version.cmake"
     DESTINATION ${KS_HMI_PACKAGE_DIR} COMPONENT ks_hmi_foundation_dev)
   ks_hmi_install_pkg_config(ks_hmi_foundation ks_hmi_foundation_dev)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/embedding" DESTINATION "${KS_HMI_EXAMPLES_DIR}"
+    COMPONENT ks_hmi_foundation_dev)
 endfunction()
 
 function(ks_hmi_install_memory_host)
@@ -66,8 +69,9 @@ function(ks_hmi_install_tool)
   install(TARGETS kshmi EXPORT ks_hmi_tool COMPONENT tool)
   install(EXPORT ks_hmi_tool NAMESPACE ks_hmi_foundation:: DESTINATION ${KS_HMI_PACKAGE_DIR}
     FILE tool-targets.cmake COMPONENT tool)
-  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/" DESTINATION "${CMAKE_INSTALL_DATADIR}/ks_hmi_foundation/examples"
-    COMPONENT tool FILES_MATCHING PATTERN "*.json")
+  file(GLOB models "${PROJECT_SOURCE_DIR}/examples/*.json")
+  install(FILES ${models} DESTINATION "${KS_HMI_EXAMPLES_DIR}" COMPONENT tool)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/import" DESTINATION "${KS_HMI_EXAMPLES_DIR}" COMPONENT tool)
   if(TARGET kshmi_told)
     set(told "${PROJECT_BINARY_DIR}/kshmi/told")
     install(FILES "${told}/kshmi.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tool)
@@ -89,6 +93,8 @@ endfunction()
 function(ks_hmi_install_python)
   install(TARGETS ks_hmi_python LIBRARY DESTINATION "${KS_HMI_PYTHON_DIR}/ks_hmi" COMPONENT python)
   install(FILES ${KS_HMI_PYTHON_SOURCES} DESTINATION "${KS_HMI_PYTHON_DIR}/ks_hmi" COMPONENT python)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/python" DESTINATION "${KS_HMI_EXAMPLES_DIR}" COMPONENT python
+    FILES_MATCHING PATTERN "*.py")
 endfunction()
 
 # The installed directories are written relative to the file itself, so that a prefix given to
@@ -117,6 +123,9 @@ if(TARGET ks_hmi_python)
 endif()
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT doc
   FILES_MATCHING PATTERN "*.md" PATTERN "*.json")
+# The same as a site, where tools/site/build has made it; of what Doxygen puts beside its pages, what they use.
+install(DIRECTORY "${PROJECT_BINARY_DIR}/html" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT doc OPTIONAL
+  PATTERN "*.js" EXCLUDE)
 if(KS_HMI_HAS_MEMORY_HOST)
   include(KsHmiPackages)
 endif()

@@ -75,11 +75,18 @@ if(TARGET ks_hmi_python)
     "${about}\n.\nThis package has the Python module ks_hmi, with its type stubs."
     ks_hmi_foundation memory_host "python3 (>= ${Python3_VERSION_MAJOR}.${Python3_VERSION_MINOR})"
     "python3 (<< ${Python3_VERSION_MAJOR}.${next_minor})" python3-numpy)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS kshmi)  # whose example models its own examples open
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS python3-pandas)
 endif()
 ks_hmi_package(doc ks-hmi-foundation-doc doc
   "signal instrumentation of Kestrel models - documentation"
-  "${about}\n.\nThis package has the documents: how to embed the library, what a model
-file holds, and how to use the tool.")
+  "${about}\n.\nThis package has the documents, as text and as a site: how to embed the
+library, what a model file holds, how to use the tool and the Python
+module, and the reference of the headers.")
 set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")  # where Debian looks up what documents there are
+  install(FILES "${PROJECT_SOURCE_DIR}/cmake/doc-base" DESTINATION "${CMAKE_INSTALL_DATADIR}/doc-base"
+    RENAME ks-hmi-foundation-doc COMPONENT doc)
+endif()
 
 include(CPack)

@@ -27,9 +27,11 @@ ask the owners.
 ")
   file(WRITE "${folder}/changelog.Debian" "ks-hmi-foundation (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) UNRELEASED; urgency=medium
 
-  * Made from the sources of version ${CPACK_PACKAGE_VERSION}; CHANGELOG.md there says what is new.
+  * Made from the sources of version ${CPACK_PACKAGE_VERSION}; the file changelog beside this one says what is new.
 
  -- ${CPACK_PACKAGE_CONTACT}  ${today}
 ")
   compress("${folder}/changelog.Debian")
+  configure_file("${CMAKE_CURRENT_LIST_DIR}/../CHANGELOG.md" "${folder}/changelog" COPYONLY)
+  compress("${folder}/changelog")
 endforeach()
