@@ -40,6 +40,8 @@ def reference(place: Dict[str, Any]) -> str:
 class Place(Entry):
     """An output port, or a chart with its states and data; `observed` tells whether a signal is on it."""
 
+    _columns = ("block", "port", "portName", "observed")
+
     @property
     def reference(self) -> str:
         return reference(self)
@@ -174,13 +176,13 @@ T = TypeVar("T", bound=Entry)
 
 
 class Listing(Sequence[T], Generic[T]):
-    """A model's blocks, signals or clients as they are whenever one looks. Numbers count from 0, as in every sequence;
-    a text finds a block by path, a signal or client by UUID."""
+    """A model's blocks, ports, signals or clients as they are whenever one looks. Numbers count from 0, as in every
+    sequence; a text finds a block by path, a port by reference, a signal or client by UUID."""
 
     def __init__(self, kind: Type[T], count: Callable[[], int], load_slice: Callable[[int, int], str],
-                 find: Callable[[str], Union[int, T]]) -> None:
+                 find: Callable[[str], Union[int, T]], what: str = "") -> None:
         self._kind = kind
-        self._what = kind.__name__.lower()
+        self._what = what or kind.__name__.lower()
         self._count = count
         self._load_slice = load_slice
         self._find = find

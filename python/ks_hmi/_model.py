@@ -8,7 +8,7 @@ from operator import index
 from typing import Any, Callable, Dict, Iterable, List, Mapping, Optional, Union
 
 from . import _native
-from ._data import Block, Client, Entry, Listing, Signal, counted, load
+from ._data import Block, Client, Entry, Listing, Place, Signal, counted, load
 from ._errors import Error
 from ._reports import ChangeReport, CheckReport, QueryReport, RecordReport
 from ._runs import Run
@@ -106,6 +106,13 @@ class Model:
         held = self._held
         return Listing(Block, lambda: _native.blockCount(held), lambda a, b: _native.blocks(held, a, b),
                        lambda path: load(_native.blockCalled(held, path)))
+
+    @property
+    def ports(self) -> Listing[Place]:
+        """The output ports of all blocks, block after block."""
+        held = self._held
+        return Listing(Place, lambda: _native.portCount(held), lambda a, b: _native.ports(held, a, b),
+                       lambda reference: load(_native.portCalled(held, reference)), "port")
 
     @property
     def signals(self) -> Listing[Signal]:

@@ -108,6 +108,37 @@ std::string blockCalled(OpenModel& model, const std::string& path) {
     return blockText(model.session(), resolveBlock(model.session().model(), path));
 }
 
+// The ports that positions count, block after block.
+std::size_t portCount(OpenModel& model) {
+    std::size_t count = 0;
+    for (const kestrel::Block& block : model.session().model().blocks()) count += block.outputs.size();
+    return count;
+}
+
+std::string ports(OpenModel& model, std::size_t from, std::size_t to) {
+    std::string out;
+    JsonArray array(out);
+    std::size_t position = 0;
+    for (const kestrel::Block& block : model.session().model().blocks()) {
+        for (std::size_t i = 0; i < block.outputs.size(); ++i, ++position) {
+            if (position < from || position >= to) continue;
+            array.next();
+            appendPlace(out, model.session(), {&block, static_cast<int>(i) + 1, {}});
+        }
+    }
+    array.close();
+    return out;
+}
+
+std::string portCalled(OpenModel& model, const std::string& reference) {
+    const std::vector<SignalSource> sources = resolveReference(model.session().model(), reference, {});
+    if (sources.size() != 1 || sources.front().item)
+        throw Error(inQuotes(reference) + ": is not one port; say which, as in \"block:1\" or \"block:name\"");
+    std::string out;
+    appendPlace(out, model.session(), sources.front());
+    return out;
+}
+
 std::string signals(OpenModel& model, std::size_t from, std::size_t to) {
     return slice(from, to, [&](std::string& out, std::size_t i) { appendSignalThing(out, model.session(), i); });
 }
@@ -158,6 +189,9 @@ void bindModels(py::module_& module) {
     define(module, "origin", origin);
     define(module, "blocks", blocks);
     define(module, "blockCalled", blockCalled);
+    define(module, "portCount", portCount);
+    define(module, "ports", ports);
+    define(module, "portCalled", portCalled);
     define(module, "signals", signals);
     define(module, "signalNumber", signalNumber);
     define(module, "clients", clients);

@@ -15,6 +15,11 @@ def test_sequences_tell_what_the_model_has(model):
     assert model.blocks[1].path == "cruise/Sensors/Speed" and model.blocks[-1].path == "cruise/Plant/Brakes"
     assert [port.portName for port in model["Sensors/Speed"].outputs] == ["speed", "valid"]
     assert [item.item for item in model["Control/Mode"].chart] == ["", "Off", "Engaged", "Engaged/Holding", "target"]
+    assert [port.block for port in model.ports].count("cruise/Sensors/Speed") == 2 and len(model.ports) == sum(
+        len(block.outputs) for block in model.blocks)
+    assert model.ports["Sensors/Speed:valid"] == model["Sensors/Speed"].outputs[1] == model.ports[4]
+    with pytest.raises(ks_hmi.Error, match="is not one port"):
+        model.ports["Sensors/Speed"]
     signal = model.signals[0]
     assert (signal.uuid, signal.position, signal.visualType) == ("51670000-0000-4000-8000-000000000001", 1, "dial")
     assert model.signals[signal.uuid] == signal and list(model.signals)[0] == signal == model.signals[0:1][0]
