@@ -2,6 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
+#include <cmath>
+#include <limits>
+
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/stop_requests.h"
@@ -27,6 +31,19 @@ constexpr const char* levelText(UnitLogLevel level) noexcept {
     return level == UnitLogLevel::error ? "error" : level == UnitLogLevel::warning ? "warning" : "information";
 }
 
+// Lets a finite number pass.
+CLI::Validator seconds(const char* wanted, double least) {
+    const auto check = [=](const std::string& text) {
+        double number = 0.0;
+        const char* const end = text.data() + text.size();
+        const auto [stop, code] = std::from_chars(text.data(), end, number);
+        const bool isNumber = code == std::errc() && stop == end && std::isfinite(number) && number >= least;
+        return isNumber ? std::string() : fmt::format("{}: {}", inQuotes(text), wanted);
+    };
+    return {check, ""};
+}
+CLI::Validator anySeconds() { return seconds("give a number of seconds", std::numeric_limits<double>::lowest()); }
+
 // "NAME=VALUE"; names may hold anything but '='.
 std::pair<std::string, std::string> valueOf(const std::string& text) {
     const std::size_t end = text.find('=');
@@ -38,7 +55,7 @@ std::pair<std::string, std::string> valueOf(const std::string& text) {
 void listen(RecordOptions& options, const Output& output) {
     options.target.sink = [&output](std::string_view rows) {
         output.out << rows << std::flush;
-        if (!output.out) throw Error("the output cannot be written", ErrorCode::file);
+        if (!output.out) throw Error({"standard output"}, "cannot be written", ErrorCode::file);
     };
     options.warning = [&output](const std::string& text) { output.err << "kshmi: warning: " << text << '\n'; };
     options.log = [&output](double time, UnitLogLevel level, std::string_view category, std::string_view text) {
@@ -65,8 +82,6 @@ void tell(const RecordArguments& arguments, const RecordResult& result, const Se
 int runRecord(const RecordArguments& arguments, const Output& output) {
     if (arguments.isJson && arguments.output == kStandardStream)
         throw Error("--json: the recording goes to standard output; name a file for it with --output");
-    if (!(arguments.options.control.timeout >= 0))
-        throw Error({"--timeout"}, "a number of seconds is wanted, 0 for no limit", ErrorCode::request);
     RecordOptions options = arguments.options;
     options.target.path = arguments.output;
     for (const std::string& value : arguments.values) options.values.push_back(valueOf(value));
@@ -83,10 +98,12 @@ int runRecord(const RecordArguments& arguments, const Output& output) {
 void addRunOptions(CLI::App& command, RecordArguments& arguments) {
     RecordOptions& options = arguments.options;
     command.add_option("--until", options.until, "simulated time at which it ends; the unit's own if left out")
+        ->check(anySeconds())
         ->type_name("SECONDS");
     command
         .add_option("--step", options.step,
                     "simulated time from sample to sample; the unit's own, else a 500th of the run, if left out")
+        ->check(anySeconds())
         ->type_name("SECONDS");
     command.add_option("--set", arguments.values, "start value of a parameter or input; may be repeated")
         ->type_name("NAME=VALUE")
@@ -98,6 +115,7 @@ void addRunOptions(CLI::App& command, RecordArguments& arguments) {
     command
         .add_option("--timeout", options.control.timeout,
                     "stop a unit that takes longer than this for one step; 0, and nothing, for no limit")
+        ->check(seconds("give a number of seconds, 0 for no limit", 0.0))
         ->type_name("SECONDS");
 }
 

@@ -27,12 +27,25 @@ void warn(const RecordOptions& options, const std::string& text) {
     if (options.warning) options.warning(text);
 }
 
+// "; it takes "mass" and ...": what start values are mostly given for.
+std::string settableOf(const FmiDescription& description) {
+    constexpr std::size_t kMostListed = 8;
+    std::vector<std::string> names;
+    for (const FmiVariable& variable : description.variables)
+        if (variable.causality == FmiCausality::parameter || variable.causality == FmiCausality::input)
+            names.push_back(variable.name);
+    const auto quoted = [](const std::string& name) { return inQuotes(name); };
+    return names.empty() ? "" : "; it takes " + listed(names, kMostListed, quoted);
+}
+
 const FmiVariable& variableCalled(const FmiDescription& description, const std::string& name) {
     for (const FmiVariable& variable : description.variables)
         if (variable.name == name) return variable;
     Nearest nearest(name);
     for (const FmiVariable& variable : description.variables) nearest.offer(variable.name);
-    refuse("--set", fmt::format("the unit has no variable {}{}", inQuotes(name), nearest.question()));
+    const std::string question = nearest.question();
+    refuse("--set", fmt::format("the unit has no variable {}{}", inQuotes(name),
+                                question.empty() ? settableOf(description) : question));
 }
 
 void requireSettable(const FmiVariable& variable) {

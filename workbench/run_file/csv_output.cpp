@@ -49,6 +49,8 @@ void CsvOutput::open(const RunTarget& target) {
         m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY);
     else
         m_isRegular = true;
+    if (m_descriptor < 0 && errno == ENOENT)
+        throw Error({m_path}, "cannot be made: its folder is not there; make it first", ErrorCode::file);
     if (m_descriptor < 0) fail("cannot be written", errno);
     if (m_isRegular) return;
     struct stat status {};

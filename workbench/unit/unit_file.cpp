@@ -31,6 +31,9 @@ constexpr std::string_view kMachine = "unknown";
 constexpr std::string_view kPlatform2 = "unknown";
 #endif
 
+// With the bytes that mark UTF-8.
+constexpr const char* kBlanksAndMark = " \t\r\n\xEF\xBB\xBF";
+
 [[noreturn]] void refuse(const std::string& path, const std::string& text) {
     throw Error({path}, text, ErrorCode::model);
 }
@@ -79,7 +82,10 @@ void requireBinary(const std::string& path, const FmiDescription& description, c
 
 FmiDescription readUnitFile(const std::string& path) {
     ForeignDocument document = readForeignFile(path);
-    if (!document.isPacked) refuse(path, "is a description only; name the .fmu that it is from with --fmu");
+    if (!document.isPacked)
+        refuse(path, document.bytes.find_first_not_of(kBlanksAndMark) == document.bytes.find('<')
+                         ? "is a description only; name the .fmu that it is from with --fmu"
+                         : "is not a unit, which is a ZIP archive; name a .fmu");
     ImportNotes notes;
     const XmlFile xml(std::move(document.name), std::move(document.bytes), notes);
     if (localName(xml.root().name()) != "fmiModelDescription")

@@ -24,7 +24,9 @@ public:
     void read() {
         std::vector<CsvCell> row;
         if (!m_rows.next(row) || row.front().text != "time")
-            m_rows.fail("the first column of inputs is \"time\"; name it so");
+            m_rows.fail(!row.empty() && row.front().text.find_first_of(";\t") != std::string::npos
+                            ? "its cells are not separated by commas; have it written with commas"
+                            : "the first column of inputs is \"time\"; name it so");
         for (std::size_t i = 1; i < row.size(); ++i) addColumn(row[i].text);
         requireWholeArrays();
         while (m_rows.next(row)) addRow(row);

@@ -91,6 +91,10 @@ TEST_F(Record, whatCannotRunIsRefusedWithTheReason) {
         pack(one.description, one.binary);
         expectSaid("record", kBadFile, one.said);
     }
+    write("<fmi", "unit.fmu");
+    expectSaid("record", kBadFile, "unit.fmu: is a description only; name the .fmu that it is from");
+    write("PK?", "unit.fmu");
+    expectSaid("record", kBadFile, "unit.fmu: is not a unit, which is a ZIP archive; name a .fmu");
     std::filesystem::remove(path("unit.fmu"));
     expectSaid("record", kBadFile, "unit.fmu: is not where the model was imported from; name its place with --fmu");
     write(kModel);
@@ -127,6 +131,12 @@ TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
     expectSaid("record --until 1 --step 0", kWrongUsage, "--step: 0 is no step to get to t = 1 with");
     expectSaid("record --until 1 --set gian=2", kWrongUsage,
                "--set: the unit has no variable \"gian\"; did you mean \"gain\"?");
+    expectSaid("record --until 1 --set x=2", kWrongUsage,
+               "the unit has no variable \"x\"; it takes \"gain\", \"u\", \"wish\", \"behaviour\"");
+    expectSaid("record --until x", kWrongUsage, "--until: \"x\": give a number of seconds");
+    expectSaid("record --until inf", kWrongUsage, "--until: \"inf\": give a number of seconds");
+    expectSaid("record --timeout -1", kWrongUsage, "--timeout: \"-1\": give a number of seconds, 0 for no limit");
+    expectSaid("record --until 1 -o " + path("none/run.csv"), kBadFile, "its folder is not there; make it first");
     expectSaid("record --until 1 --set gain=two", kWrongUsage, "--set: \"gain\": \"two\" is not a number");
     expectSaid("record --until 1 --set behaviour=1.5", kWrongUsage,
                "\"1.5\" is not a whole number from -2147483648 to");

@@ -148,7 +148,7 @@ TEST_F(RecordSettings, valuesOfEnumerationsHaveNames) {
     EXPECT_EQ(*workbench::findName(run.columns[0].names, 2), "eco, low");
     EXPECT_EQ(workbench::findName(run.columns[0].names, 3), nullptr);
     const Finished report = runOn("report -o - --run " + path("run.db"));
-    expectParts(report.out, {"<span></span><span>eco, low</span><span>off</span>", "<b>eco, low</b>"});
+    expectParts(report.out, {">\neco, low\noff</div>", "<b>eco, low</b>"});
 }
 
 TEST_F(RecordSettings, jsonTellsHowItWent) {
@@ -173,6 +173,7 @@ TEST_F(RecordSettings, inputsAreInterpolatedOrHeld) {
         expectSaid("record --inputs " + write(text, "in.csv"), kBadFile, said);
     };
     refused("t,u\n0,1\n", "in.csv:1: the first column of inputs is \"time\"; name it so");
+    refused("time;u\n0;1\n", "in.csv:1: its cells are not separated by commas; have it written with commas");
     refused("time,v\n0,1\n", "in.csv:1: the unit has no input \"v\"");
     refused("time,behaviour\n0,1\n", "in.csv:1: \"behaviour\" is neither an input nor a tunable parameter");
     refused("time,u\n0,1\n0.5,x\n", "in.csv:3: \"u\": \"x\" is not a number");
