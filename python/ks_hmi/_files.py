@@ -7,7 +7,7 @@ from typing import Optional
 
 from . import _native
 from ._model import Model, Path, Texts, _texts
-from ._reports import CarryReport, CheckReport, DiffReport, MergeReport, PruneReport
+from ._reports import CarryReport, CheckReport, DiffReport, MergeReport, PageReport, PruneReport
 from ._runs import Run
 
 
@@ -38,6 +38,12 @@ def check(path: Path, mend: Texts = (), dry_run: bool = False) -> CheckReport:
 def prune(path: Path, kinds: Texts = (), dry_run: bool = False) -> PruneReport:
     """Removes what `check` finds: of these kinds, or "all"; without any, what nothing can come of any more."""
     return PruneReport(_native.prune(os.fspath(path), _texts(kinds), dry_run))
+
+
+def report(path: Path, output: Path, run: Optional[Path] = None, number: Optional[int] = None) -> PageReport:
+    """Makes one HTML page of a model file: what is marked, who watches it, what is wrong; and what was recorded in a
+    `run`, the file's last one or that `number`."""
+    return PageReport(_native.report(os.fspath(path), os.fspath(output), "" if run is None else os.fspath(run), number))
 
 
 def diff(before: Path, after: Path) -> DiffReport:

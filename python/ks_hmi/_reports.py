@@ -127,6 +127,18 @@ class MergeReport(Report):
                f"{counted(len(data['conflicts']), 'conflict')}>"
 
 
+class PageReport(Report):
+    """The `file` of a page, its `bytes`, and what is on it. True when there is no error among what is wrong."""
+
+    def __bool__(self) -> bool:
+        return self.data["errors"] == 0
+
+    def __repr__(self) -> str:
+        data = self.data
+        return f"<report: {data['file']}, {counted(data['blocks'], 'block')}, {counted(data['signals'], 'signal')}, " \
+               f"{counted(data['clients'], 'client')}>"
+
+
 class DiffReport(Report):
     """How two files differ: `blocks`, `signals`, `clients`. True when they do."""
 

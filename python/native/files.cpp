@@ -7,8 +7,10 @@
 #include "kshmi/print/diff_report.h"
 #include "kshmi/print/findings.h"
 #include "kshmi/print/output.h"
+#include "kshmi/print/page_report.h"
 #include "python/native/define.h"
 #include "python/native/open_model.h"
+#include "report/page_file.h"
 #include "workbench/check/check_file.h"
 #include "workbench/check/settling.h"
 #include "workbench/compare/carry_files.h"
@@ -110,6 +112,17 @@ std::string carry(const CarryFiles& files, const CarryOptions& options, bool isD
     return out.str();
 }
 
+std::string writeReport(const std::string& path, const std::string& output, const std::string& run,
+                        std::optional<int> number) {
+    report::PageSource source(path);
+    if (!run.empty()) source.addRun(run, number);
+    const report::WrittenPage page = report::writePageFile(output, source.contents(kshmi::remedyOnPage));
+    warnOf(output, page.warnings);
+    std::ostringstream out;
+    kshmi::printPageJson(source.session(), source.checked(), source.run(), output, page.bytes, out);
+    return out.str();
+}
+
 void warnOf(const ImportedModel& imported) {
     for (const ImportNote& note : imported.warnings.all()) {
         const std::string names = note.names.empty() ? "" : ": " + listed(note.names, 3, [](const auto& name) {
@@ -144,6 +157,7 @@ void bindFiles(py::module_& module) {
     define(module, "comparable", comparable);
     define(module, "merge", merge);
     define(module, "importModel", import);
+    define(module, "report", writeReport);
     module.def("carry", [](const std::string& before, const std::string& after, const std::string& output,
                            const std::string& map, const std::string& proposal, const std::string& match, bool accept,
                            bool dryRun) {

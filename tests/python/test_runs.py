@@ -60,6 +60,17 @@ def test_what_a_model_has_goes_into_frames(model):
     assert list(frame["x"]) == [1, 2] and np.array_equal(frame["a"][1], [0, 1])
 
 
+def test_a_model_and_its_run_become_a_page(run, model, tmp_path):
+    path = model.path
+    model.close()
+    page = tmp_path / "page.html"
+    report = ks_hmi.report(path, page, run=run.file)
+    assert report and (report.bytes, report.recorded) == (page.stat().st_size, 2) and "6 signals" in repr(report)
+    assert ks_hmi.report(path, page).bytes < report.bytes
+    with pytest.raises(ks_hmi.Error, match="is not a page"):
+        ks_hmi.report(path, path)
+
+
 def test_what_is_no_run_is_an_error(tmp_path):
     with pytest.raises(ks_hmi.Error) as caught:
         ks_hmi.read_run(tmp_path / "none.csv")
