@@ -58,7 +58,7 @@ namespace {
 // The field that the property is read from; at the property's own position where the struct has the class's order.
 const hvArray* fieldFor(const orvex::StructData& data, const std::string& name, std::size_t position) {
     const bool isThere = position < data.names->size() && (*data.names)[position] == name;
-    const int field = isThere ? static_cast<int>(position) : data.fieldNumber(name);
+    const int field = isThere ? static_cast<int>(position) : data.fieldNumber(name.c_str());
     return field < 0 ? nullptr : data.values[static_cast<std::size_t>(field)].get();
 }
 

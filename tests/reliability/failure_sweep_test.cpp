@@ -113,10 +113,10 @@ TEST_F(FailureSweep, recordsWhenTheHostFails) { sweepHost(recordRows(), 10000); 
 TEST_F(FailureSweep, setsAndQueriesWhenTheHostFails) { sweepHost(setRows(), 11000); }
 TEST_F(FailureSweep, observersWhenTheHostFails) { sweepHost(observerRows(), 4200); }
 TEST_F(FailureSweep, hostMethodsWhenTheHostFails) { sweepHost(hostRows(), 7700); }
-TEST_F(FailureSweep, recordsWhenMemoryRunsOut) { sweepMemory(recordRows(), 1500); }
-TEST_F(FailureSweep, setsAndQueriesWhenMemoryRunsOut) { sweepMemory(setRows(), 1700); }
-TEST_F(FailureSweep, observersWhenMemoryRunsOut) { sweepMemory(observerRows(), 780); }
-TEST_F(FailureSweep, hostMethodsWhenMemoryRunsOut) { sweepMemory(hostRows(), 1250); }
+TEST_F(FailureSweep, recordsWhenMemoryRunsOut) { sweepMemory(recordRows(), 1400); }
+TEST_F(FailureSweep, setsAndQueriesWhenMemoryRunsOut) { sweepMemory(setRows(), 1500); }
+TEST_F(FailureSweep, observersWhenMemoryRunsOut) { sweepMemory(observerRows(), 750); }
+TEST_F(FailureSweep, hostMethodsWhenMemoryRunsOut) { sweepMemory(hostRows(), 1150); }
 
 // The index grows at sizes that the swept operations do not reach, and sooner when much was erased from it.
 TEST_F(FailureSweep, theIndexStaysInStepWhereverItHasToGrow) {

@@ -46,7 +46,7 @@ std::string describe(LedgerKind kind, const LedgerEntry& entry) {
 
 }  // namespace
 
-constinit internal::Ledger internal::g_ledger{{&internal::g_ledger.ends, &internal::g_ledger.ends}};
+constinit internal::Ledger internal::g_ledger;
 
 std::string LedgerEntry::line() const {
     std::string text = describe(m_kind, *this) + " #" + std::to_string(m_serial) + ", made by " + m_site.operation +

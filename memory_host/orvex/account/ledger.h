@@ -50,11 +50,11 @@ struct LedgerLinks {
 };
 /// What an entry writes to.
 struct Ledger {
-    LedgerLinks ends;              ///< newer: the oldest; older: the newest
-    std::uint64_t lastSerial = 0;  ///< of what was made last
-    std::size_t live[3] = {};      ///< by kind
+    LedgerLinks ends{&ends, &ends};  ///< newer: the oldest; older: the newest
+    std::uint64_t lastSerial = 0;    ///< of what was made last
+    std::size_t live[3] = {};        ///< by kind
 };
-OX_API extern Ledger g_ledger;  ///< the one of this process
+extern Ledger g_ledger;  ///< the one of this process
 
 }  // namespace internal
 

@@ -42,16 +42,26 @@ hvArray* createNumeric(Dimensions dimensions, hvClassID classId, hvComplexity co
     return makeValue(classId, std::move(dimensions), std::move(zeros), site).release();
 }
 
-// Works for UTF-8 as well when it is ASCII.
-template <class Unit>
-hvArray* createText(std::basic_string_view<Unit> text, const Site& site) {
-    Elements units(text.size() * sizeof(char16_t));
-    std::copy(text.begin(), text.end(), static_cast<char16_t*>(units.dataForWriting()));
-    return makeValue(hvCHAR_CLASS, Dimensions(1, text.size()), std::move(units), site).release();
+hvArray* createText(Elements units, std::size_t length, const Site& site) {
+    return makeValue(hvCHAR_CLASS, Dimensions(1, length), std::move(units), site).release();
 }
 
+hvArray* createText(std::u16string_view text, const Site& site) {
+    Elements units(text.size() * sizeof(char16_t));
+    std::copy(text.begin(), text.end(), static_cast<char16_t*>(units.dataForWriting()));
+    return createText(std::move(units), text.size(), site);
+}
+
+// Mostly ASCII, of which each byte is a unit: found out on the way.
 hvArray* createTextOfUtf8(std::string_view text, const Site& site) {
-    return isAscii(text) ? createText(text, site) : createText(std::u16string_view(utf16Of(text)), site);
+    Elements units(text.size() * sizeof(char16_t));
+    auto* to = static_cast<char16_t*>(units.dataForWriting());
+    unsigned char all = 0;
+    for (const char byte : text) {
+        all = static_cast<unsigned char>(all | static_cast<unsigned char>(byte));
+        *to++ = static_cast<unsigned char>(byte);
+    }
+    return all < 0x80 ? createText(std::move(units), text.size(), site) : createText(utf16Of(text), site);
 }
 
 template <class T>
@@ -60,13 +70,22 @@ hvArray* createScalar(hvClassID classId, T value, const Site& site) {
     return makeValue(classId, Dimensions(1, 1), Elements::of(value), site).release();
 }
 
+// How many values `fields` fields take: as far as memory goes, they are one dimension more.
+std::size_t fieldValues(const Dimensions& dimensions, std::size_t fields) {
+    const std::size_t elements = dimensions.elements();
+    if (elements != 0 && fields > kMostElements / elements) {
+        std::vector<std::size_t> all(dimensions.lengths().begin(), dimensions.lengths().end());
+        all.push_back(fields);
+        return Dimensions(all).elements();
+    }
+    return elements * fields;
+}
+
 hvArray* createStruct(std::span<const std::size_t> dims, std::span<const char* const> names, const Site& site) {
     faults::point(faults::Operation::createValue);
-    // The fields are one dimension more as far as memory goes.
-    std::vector<std::size_t> all(dims.begin(), dims.end());
-    all.push_back(names.size());
-    const std::size_t values = dims.empty() ? 0 : Dimensions(all).elements();
-    return makeValue(hvSTRUCT_CLASS, Dimensions(dims), StructData{FieldNames::of(names), Children(values)}, site)
+    Dimensions dimensions(dims);
+    Children values(fieldValues(dimensions, names.size()));
+    return makeValue(hvSTRUCT_CLASS, std::move(dimensions), StructData{FieldNames::of(names), std::move(values)}, site)
         .release();
 }
 

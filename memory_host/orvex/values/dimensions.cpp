@@ -2,16 +2,12 @@
 
 #include <algorithm>
 #include <functional>
-#include <limits>
 #include <numeric>
 
 #include "memory_host/orvex/calls/errors.h"
 
 namespace orvex {
 namespace {
-
-// Leaves room for the multiplication by an element's size.
-constexpr std::size_t kMostElements = std::size_t{std::numeric_limits<std::ptrdiff_t>::max()} / 16;
 
 std::string joined(std::span<const std::size_t> lengths) {
     std::string text;

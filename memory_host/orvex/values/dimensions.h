@@ -2,12 +2,16 @@
 
 #include <array>
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
 namespace orvex {
+
+/// Leaves room for the multiplication by an element's size.
+inline constexpr std::size_t kMostElements = std::size_t{std::numeric_limits<std::ptrdiff_t>::max()} / 16;
 
 /// The lengths of a value, at least two; trailing lengths of 1 beyond the second are dropped.
 class Dimensions {

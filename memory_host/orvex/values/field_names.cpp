@@ -35,7 +35,7 @@ FieldNames::Ptr FieldNames::of(std::span<const char* const> names) {
 }
 
 FieldNames::FieldNames(std::span<const char* const> names)
-    : m_slots(std::bit_ceil(kSlotsForEach * std::max<std::size_t>(names.size(), 1))) {
+    : m_slots(std::bit_ceil(kSlotsForEach * std::max<std::size_t>(names.size(), 1))), m_after(names.size()) {
     m_names.reserve(names.size());
     for (const char* const name : names) {
         if (!name || !*name) raise("InvalidFieldName", "A struct's field needs a name.");
@@ -46,26 +46,30 @@ FieldNames::FieldNames(std::span<const char* const> names)
 
 void FieldNames::enter(std::size_t position) {
     const std::string& name = m_names[position];
-    if (find(name) >= 0) raise("InvalidFieldName", "A struct cannot have two fields with the name \"" + name + "\".");
+    if (searched(name) >= 0)
+        raise("InvalidFieldName", "A struct cannot have two fields with the name \"" + name + "\".");
     std::size_t slot = hashOf(name);
     while (m_slots[slot & (m_slots.size() - 1)] != 0) ++slot;
     m_slots[slot & (m_slots.size() - 1)] = static_cast<std::uint32_t>(position + 1);
 }
 
 bool FieldNames::areThose(std::span<const char* const> names) const noexcept {
-    return std::equal(m_names.begin(), m_names.end(), names.begin(), names.end(),
-                      [](const std::string& one, const char* other) { return other && one == other; });
+    return std::equal(
+        m_names.begin(), m_names.end(), names.begin(), names.end(),
+        [](const std::string& one, const char* other) { return other && std::strcmp(one.c_str(), other) == 0; });
 }
 
 std::size_t FieldNames::hashOf(std::string_view name) const noexcept {
     return m_names.size() <= kFew ? quickHash(name) : std::hash<std::string_view>()(name);
 }
 
-int FieldNames::find(std::string_view name) const noexcept {
+int FieldNames::searched(std::string_view name) const noexcept {
     const std::size_t last = m_slots.size() - 1;
     for (std::size_t slot = hashOf(name) & last; m_slots[slot] != 0; slot = (slot + 1) & last) {
-        const std::size_t position = m_slots[slot] - 1;
-        if (m_names[position] == name) return static_cast<int>(position);
+        const std::uint32_t position = m_slots[slot] - 1;
+        if (m_names[position] != name) continue;
+        m_last = m_after[m_last] = position;
+        return static_cast<int>(position);
     }
     return -1;
 }

@@ -5,7 +5,6 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
-#include <string_view>
 #include <type_traits>
 #include <variant>
 
@@ -73,7 +72,7 @@ struct StructData {
     Children values;  ///< the fields of the first element, then those of the second, ...
 
     /// Position of the name, or -1.
-    int fieldNumber(std::string_view name) const noexcept { return names->find(name); }
+    int fieldNumber(const char* name) const noexcept { return names->find(name); }
 };
 struct CellData {
     Children cells;

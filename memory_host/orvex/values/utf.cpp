@@ -96,10 +96,8 @@ Target transcoded(Source text, Decode decode) {
 
 }  // namespace
 
-bool isAscii(std::string_view text) noexcept { return isAsciiText(text); }
-
 std::u16string utf16Of(std::string_view text) {
-    if (isAscii(text)) return converted<std::u16string>(text);
+    if (isAsciiText(text)) return converted<std::u16string>(text);
     return transcoded<std::u16string>(text, decodeUtf8);
 }
 

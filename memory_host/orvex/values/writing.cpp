@@ -14,14 +14,20 @@ void markAsPersisted(hvArray* structArray) {
 
 namespace {
 
+[[noreturn]] void refuseStored() {
+    raise("InvalidArgument", "A value in a container, or the container itself, cannot be stored; store a copy.");
+}
+
 HvArrayPtr takenOver(const hvArray* container, hvArray* value) {
-    if (value && (value == container || value->m_lifetime == Lifetime::contained))
-        raise("InvalidArgument", "A value in a container, or the container itself, cannot be stored; store a copy.");
-    if (value && value->m_lifetime == Lifetime::expired) {
-        reportExpired(value);
-        return nullptr;
-    }
-    return HvArrayPtr(value);
+    if (!value) return nullptr;
+    if (value == container || value->m_lifetime == Lifetime::contained) refuseStored();
+    if (value->m_lifetime != Lifetime::expired) return HvArrayPtr(value);
+    reportExpired(value);
+    return nullptr;
+}
+
+[[noreturn]] void refuseClass(const char* what, const hvArray* value) {
+    raise("WrongClass", std::string(what) + ", not in " + describeValue(value) + ".");
 }
 
 [[noreturn]] void refuseIndex(std::size_t index, std::size_t count, const char* what) {
@@ -36,7 +42,7 @@ HvArrayPtr takenOver(const hvArray* container, hvArray* value) {
 
 SharedValue& fieldSlot(hvArray* structArray, std::size_t index, const char* name) {
     auto* data = payloadOf<StructData>(structArray);
-    if (!data) raise("WrongClass", "Fields are set in a struct, not in " + describeValue(structArray) + ".");
+    if (!data) refuseClass("Fields are set in a struct", structArray);
     const std::size_t count = structArray->m_dimensions.elements();
     if (index >= count) refuseIndex(index, count, "element");
     const int field = name ? data->fieldNumber(name) : -1;
@@ -73,8 +79,7 @@ void hvSetCell(hvArray* cellArray, std::size_t index, hvArray* value) {
     HvArrayPtr incoming = orvex::takenOver(cellArray, value);
     orvex::faults::point(orvex::faults::Operation::writeCell);
     auto* data = orvex::payloadOf<orvex::CellData>(cellArray);
-    if (!data)
-        orvex::raise("WrongClass", "Cells are set in a cell array, not in " + orvex::describeValue(cellArray) + ".");
+    if (!data) orvex::refuseClass("Cells are set in a cell array", cellArray);
     if (index >= data->cells.size()) orvex::refuseIndex(index, data->cells.size(), "cell");
     const orvex::SharedValue earlier =
         std::exchange(data->cells.forWriting(index), orvex::contained(std::move(incoming)));
