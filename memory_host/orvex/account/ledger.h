@@ -54,7 +54,7 @@ struct Ledger {
     std::uint64_t lastSerial = 0;    ///< of what was made last
     std::size_t live[3] = {};        ///< by kind
 };
-extern Ledger g_ledger;  ///< the one of this process
+OX_API extern Ledger g_ledger;  ///< the one of this process
 
 }  // namespace internal
 
