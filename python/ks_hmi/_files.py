@@ -6,9 +6,10 @@ import os
 from typing import Optional
 
 from . import _native
-from ._model import Model, Path, Texts, _texts
+from ._model import Model
 from ._reports import CarryReport, CheckReport, DiffReport, MergeReport, PageReport, PruneReport
 from ._runs import Run
+from ._selection import Path, Texts, texts
 
 
 def open(path: Path, dangling: bool = False) -> Model:
@@ -32,12 +33,12 @@ def import_model(source: Path, path: Path, name: Optional[str] = None, local_var
 
 def check(path: Path, mend: Texts = (), dry_run: bool = False) -> CheckReport:
     """Looks for what is wrong with a model file, or may go wrong; `mend` names kinds of findings to mend, or "all"."""
-    return CheckReport(_native.check(os.fspath(path), _texts(mend), dry_run))
+    return CheckReport(_native.check(os.fspath(path), texts(mend), dry_run))
 
 
 def prune(path: Path, kinds: Texts = (), dry_run: bool = False) -> PruneReport:
     """Removes what `check` finds: of these kinds, or "all"; without any, what nothing can come of any more."""
-    return PruneReport(_native.prune(os.fspath(path), _texts(kinds), dry_run))
+    return PruneReport(_native.prune(os.fspath(path), texts(kinds), dry_run))
 
 
 def report(path: Path, output: Path, run: Optional[Path] = None, number: Optional[int] = None) -> PageReport:

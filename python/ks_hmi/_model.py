@@ -4,76 +4,19 @@ from __future__ import annotations
 
 import json
 import os
-from operator import index
-from typing import Any, Callable, Dict, Iterable, List, Mapping, Optional, Union
+from typing import Any, Callable, Iterable, Mapping, Optional, Union
 
 from . import _native
 from ._data import Block, Client, Entry, Listing, Place, Signal, counted, load
 from ._errors import Error
 from ._reports import ChangeReport, CheckReport, QueryReport, RecordReport
 from ._runs import Run
+from ._selection import Calls, Path, Referable, Texts, calls_of, given, selection_of, texts
+from ._structure import Structure
 from ._values import Object
 
-Path = Union[str, "os.PathLike[str]"]
-Referable = Union[str, Entry]
-Texts = Union[str, Iterable[str]]
-Calls = Union[str, int, Entry, Iterable[Union[str, int, Entry]]]
 
-
-def _texts(given: Texts) -> List[str]:
-    if isinstance(given, str):
-        return [given]
-    if not isinstance(given, Iterable):
-        raise TypeError(f"{given!r} is no text, and no list of texts")
-    return [str(one) for one in given]
-
-
-def _references(given: Iterable[Union[Referable, Iterable[Referable]]]) -> List[str]:
-    references: List[str] = []
-    for one in given:
-        if isinstance(one, str):
-            references.append(one)
-        elif isinstance(getattr(type(one), "reference", None), property):
-            references.append(one.reference)  # type: ignore[attr-defined]
-        elif isinstance(one, Iterable) and not isinstance(one, Entry):
-            references += _references(one)
-        else:
-            raise TypeError(f"{one!r} is no text, block, port, chart item or signal, and no list of these")
-    return references
-
-
-def _reference(given: Referable) -> str:
-    return _references([given])[0]
-
-
-def _calls(given: Calls) -> List[str]:
-    """UUIDs and positions, also of signals and clients of this module."""
-    if isinstance(given, (str, int)):
-        return [str(given)]
-    if isinstance(given, (Signal, Client)):
-        return [given.uuid]
-    if isinstance(given, Entry):
-        raise TypeError(f"{given!r} is no signal or client")
-    if not isinstance(given, Iterable):
-        raise TypeError(f"{given!r} is no UUID, position, signal or client, and no list of these")
-    return [call for one in given for call in _calls(one)]
-
-
-def _selection(references: Iterable[Any], all: Texts, except_: Texts, kinds: Texts, below: str,
-               activity: Optional[str], ssid: Optional[int], others: bool = False) -> Dict[str, Any]:
-    selection: Dict[str, Any] = {"references": _references(references), "all": _texts(all),
-                                 "except": _texts(except_), "kinds": _texts(kinds), "below": below,
-                                 "activity": activity, "ssid": ssid}
-    if not others and not any(selection[name] for name in ("references", "all", "except", "kinds", "below")):
-        raise Error("nothing to work on; name a port, or give all=\"*\" or below=")
-    return selection
-
-
-def _given(**settings: Any) -> Dict[str, Any]:
-    return {name: value for name, value in settings.items() if value is not None}
-
-
-class Model:
+class Model(Structure):
     """A model file that is open. Made by `open`, `new` and `import_model`; changes are in the file once it is saved.
 
     What is meant is said the same everywhere, as in the tool: references ("Sensors/Speed:1", "Sensors/Speed:valid",
@@ -148,63 +91,6 @@ class Model:
         """What `save` would write."""
         return _native.text(self._held)
 
-    # ---- what it consists of; signals and clients follow
-
-    def rename(self, name: str) -> ChangeReport:
-        """Gives the model another name; the file keeps its own."""
-        return ChangeReport(_native.rename(self._held, name))
-
-    def add_block(self, path: str, outputs: Texts = (), chart: bool = False, eid: str = "") -> Block:
-        """Adds a block with output ports of these names; parents need not be there. It gets an element identifier of
-        its own when none is given."""
-        return load(_native.addBlock(self._held, path, eid, _texts(outputs), chart))
-
-    def remove_block(self, path: Referable, below: bool = False, unmark: bool = False) -> ChangeReport:
-        """Removes a block: with `below` all that is below it, with `unmark` the signals on what goes."""
-        return ChangeReport(_native.removeBlock(self._held, _reference(path), below, unmark))
-
-    def rename_block(self, path: Referable, name: str) -> ChangeReport:
-        """Gives a block or parent another name where it is."""
-        return ChangeReport(_native.renameBlock(self._held, _reference(path), name))
-
-    def move(self, path: Referable, new_path: str) -> ChangeReport:
-        """Moves a block or parent, with all below it, to another path."""
-        return ChangeReport(_native.move(self._held, _reference(path), new_path))
-
-    def add_port(self, block: Referable, name: str, at: Optional[int] = None) -> ChangeReport:
-        """Adds an output port, `at` that number or as the last one; those behind it move on."""
-        return ChangeReport(_native.addPort(self._held, _reference(block), name, at))
-
-    def remove_port(self, block: Referable, port: Union[int, str], unmark: bool = False) -> ChangeReport:
-        """Removes an output port by number from 1 or name, with `unmark` its signals, too; those behind it move up."""
-        return ChangeReport(_native.removePort(self._held, _reference(block), str(port), unmark))
-
-    def rename_port(self, block: Referable, port: Union[int, str], name: str) -> ChangeReport:
-        """Gives an output port another name; signals keep theirs."""
-        return ChangeReport(_native.renamePort(self._held, _reference(block), str(port), name))
-
-    def renumber(self, block: Referable, numbers: Iterable[int]) -> ChangeReport:
-        """Gives output ports 1, 2, ... these new numbers, 0 for one that is deleted; further ports keep theirs."""
-        return ChangeReport(_native.renumber(self._held, _reference(block), [index(one) for one in numbers]))
-
-    def add_state(self, chart: Referable, path: str, ssid: Optional[int] = None) -> ChangeReport:
-        """Adds a state by its path below the chart. The block becomes a chart if it is not one."""
-        return ChangeReport(_native.addState(self._held, _reference(chart), path, ssid))
-
-    def add_datum(self, chart: Referable, name: str, ssid: Optional[int] = None) -> ChangeReport:
-        """Adds a datum. The block becomes a chart if it is not one."""
-        return ChangeReport(_native.addDatum(self._held, _reference(chart), name, ssid))
-
-    def remove_item(self, item: Referable, ssid: Optional[int] = None, below: bool = False,
-                    unmark: bool = False) -> ChangeReport:
-        """Removes a state or datum, "chart/State", or by the chart and `ssid`: with `below` the states below it, with
-        `unmark` the signals on what goes."""
-        return ChangeReport(_native.removeItem(self._held, _reference(item), ssid, below, unmark))
-
-    def rename_item(self, item: Referable, name: str, ssid: Optional[int] = None) -> ChangeReport:
-        """Gives a state or datum another name, without the states above it."""
-        return ChangeReport(_native.renameItem(self._held, _reference(item), name, ssid))
-
     # ---- what is observed
 
     def mark(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
@@ -218,18 +104,18 @@ class Model:
         What is marked already stays as it is; with settings that is refused, unless `skip_marked`. `again` adds a
         further signal where one is.
         """
-        settings = _given(name=name, decimation=decimation, max_points=max_points, frame_based=frame_based,
-                          hidden=hidden, buffered=buffered, excluded_from_save=excluded_from_save,
-                          visual_type=visual_type)
-        selection = _selection(references, all, except_, kinds, below, activity, ssid)
+        settings = given(name=name, decimation=decimation, max_points=max_points, frame_based=frame_based,
+                         hidden=hidden, buffered=buffered, excluded_from_save=excluded_from_save,
+                         visual_type=visual_type)
+        selection = selection_of(references, all, except_, kinds, below, activity, ssid)
         return ChangeReport(_native.mark(self._held, selection, settings, again, skip_marked))
 
     def unmark(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
                kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
                signals: Calls = (), dangling: bool = False) -> ChangeReport:
         """Removes signals; `dangling` those whose block, port or chart item is gone."""
-        calls = _calls(signals)
-        selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls) or dangling)
+        calls = calls_of(signals)
+        selection = selection_of(references, all, except_, kinds, below, activity, ssid, bool(calls) or dangling)
         return ChangeReport(_native.unmark(self._held, selection, calls, dangling))
 
     def set(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
@@ -239,18 +125,18 @@ class Model:
             buffered: Optional[bool] = None, excluded_from_save: Optional[bool] = None,
             visual_type: Optional[str] = None, confirm: bool = False) -> ChangeReport:
         """Changes the settings of signals in place. `confirm` says that what they are on is what was meant."""
-        settings = _given(name=name, decimation=decimation, max_points=max_points, frame_based=frame_based,
-                          hidden=hidden, buffered=buffered, excluded_from_save=excluded_from_save,
-                          visual_type=visual_type)
-        calls = _calls(signals)
-        selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls))
+        settings = given(name=name, decimation=decimation, max_points=max_points, frame_based=frame_based,
+                         hidden=hidden, buffered=buffered, excluded_from_save=excluded_from_save,
+                         visual_type=visual_type)
+        calls = calls_of(signals)
+        selection = selection_of(references, all, except_, kinds, below, activity, ssid, bool(calls))
         return ChangeReport(_native.set(self._held, selection, calls, settings, confirm))
 
     def query(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
               kinds: Texts = (), below: str = "", activity: Optional[str] = None,
               ssid: Optional[int] = None) -> QueryReport:
         """Tells whether ports and chart items are observed."""
-        selection = _selection(references, all, except_, kinds, below, activity, ssid)
+        selection = selection_of(references, all, except_, kinds, below, activity, ssid)
         return QueryReport(_native.query(self._held, selection))
 
     # ---- who watches
@@ -262,10 +148,10 @@ class Model:
                 channel: Optional[int] = None, imaginary: Optional[bool] = None,
                 bus_leaf: Optional[str] = None) -> ChangeReport:
         """Has a client of that observer type watch each marked port and chart item that is meant."""
-        calls = _calls(signals)
-        selection = _selection(references, all, except_, kinds, below, activity, ssid, bool(calls))
-        settings = _given(type=type, params=None if params is None else json.dumps(params), update_rate=update_rate,
-                          channel=channel, imaginary=imaginary, bus_leaf=bus_leaf)
+        calls = calls_of(signals)
+        selection = selection_of(references, all, except_, kinds, below, activity, ssid, bool(calls))
+        settings = given(type=type, params=None if params is None else json.dumps(params), update_rate=update_rate,
+                         channel=channel, imaginary=imaginary, bus_leaf=bus_leaf)
         return ChangeReport(_native.observe(self._held, selection, calls, settings))
 
     def unobserve(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
@@ -274,8 +160,8 @@ class Model:
         """Removes clients: of signals, by UUID or position, or in a state ("watching", "dangling", "elsewhere",
         "foreign", "deprecated"); with `types` only those. `unused`, given alone, has the host drop what it does not
         need: clients of deprecated kinds and those whose signal is gone."""
-        who = {"clients": _calls(clients), "types": _texts(types), "states": _texts(states)}
-        selection = _selection(references, all, except_, kinds, below, activity, ssid, any(who.values()) or unused)
+        who = {"clients": calls_of(clients), "types": texts(types), "states": texts(states)}
+        selection = selection_of(references, all, except_, kinds, below, activity, ssid, any(who.values()) or unused)
         if unused:
             if any(selection.values()) or any(who.values()):
                 raise Error("unused= asks the host about all clients; give it alone")
@@ -289,10 +175,10 @@ class Model:
                     update_rate: Optional[int] = None, channel: Optional[int] = None,
                     imaginary: Optional[bool] = None, bus_leaf: Optional[str] = None) -> ChangeReport:
         """Changes the settings of clients in place; who is meant, as in `unobserve`."""
-        who = {"clients": _calls(clients), "types": _texts(types), "states": _texts(states)}
-        selection = _selection(references, all, except_, kinds, below, activity, ssid, any(who.values()))
-        settings = _given(type=new_type, params=None if params is None else json.dumps(params), update_rate=update_rate,
-                          channel=channel, imaginary=imaginary, bus_leaf=bus_leaf)
+        who = {"clients": calls_of(clients), "types": texts(types), "states": texts(states)}
+        selection = selection_of(references, all, except_, kinds, below, activity, ssid, any(who.values()))
+        settings = given(type=new_type, params=None if params is None else json.dumps(params), update_rate=update_rate,
+                         channel=channel, imaginary=imaginary, bus_leaf=bus_leaf)
         return ChangeReport(_native.setClients(self._held, selection, who, settings))
 
     # ---- files and runs
@@ -331,9 +217,9 @@ class Model:
         time, where it ends, and the seconds that have passed; `log` the simulated time, category and text of messages.
         """
         start = None if values is None else [(name, _start_value(value)) for name, value in values.items()]
-        options = _given(output=os.fspath(output), unit=None if unit is None else os.fspath(unit), until=until,
-                         step=step, values=start, inputs=None if inputs is None else os.fspath(inputs),
-                         timeout=timeout, replace=replace, progress=progress, log=log)
+        options = given(output=os.fspath(output), unit=None if unit is None else os.fspath(unit), until=until,
+                        step=step, values=start, inputs=None if inputs is None else os.fspath(inputs),
+                        timeout=timeout, replace=replace, progress=progress, log=log)
         return RecordReport(_native.record(self._held, options))
 
     def read_run(self, path: Path, number: Optional[int] = None) -> Run:
