@@ -37,7 +37,9 @@ std::string fileOf(const RecordedRun& run) {
 
 void writeNotes(Html& html, const Contents& contents, const RunView& view) {
     const RecordedRun& run = view.run();
-    if (view.isEarly())
+    if (view.isUnended())
+        html.add("<p class=\"lead amiss\">Not ended: it is still being recorded, or the recording was cut off.</p>\n");
+    else if (view.isEarly())
         html.add("<p class=\"lead amiss\">Stopped early ({}){}{}</p>\n", Name(run.outcome),
                  Markup{run.message.empty() ? "" : ": "}, Name(run.message));
     const std::string model = toUtf8(contents.session.model().name());

@@ -25,6 +25,8 @@ public:
     std::size_t recordedSignals() const noexcept;
     std::size_t sampleCount() const noexcept;
     bool isEarly() const noexcept { return !m_run.outcome.empty() && m_run.outcome != "done"; }
+    /// Nobody has said how it ended: it goes on still, or the recording was killed.
+    bool isUnended() const noexcept { return m_run.outcome == "running"; }
 
 private:
     const workbench::RecordedRun& m_run;

@@ -79,7 +79,10 @@ void writeRunFigure(Html& html, const RunView* view, std::size_t signals) {
         "<a class=\"figure{}\" href=\"#run\"><b>{}<i>{}</i></b> <span>run</span><small>{} of {} "
         "recorded{}</small></a>\n",
         Markup{view->isEarly() ? " warning" : ""}, length.substr(0, blank), isTimed ? length.substr(blank) : "",
-        grouped(view->recordedSignals()), countedText(signals, "signal"), view->isEarly() ? ", stopped early" : "");
+        grouped(view->recordedSignals()), countedText(signals, "signal"),
+        view->isUnended() ? ", not ended"
+        : view->isEarly() ? ", stopped early"
+                          : "");
 }
 
 // Where the model is from: nothing of the machine that the page is made on.

@@ -40,9 +40,11 @@ struct RecordedRun {
     int runCount = 1;                   ///< how many runs the file holds
     std::string model;                  ///< name; empty when the file does not say
     std::string started;                ///< "2026-03-01T12:00:00Z"; empty when the file does not say
-    std::optional<double> start, stop;  ///< simulated seconds: where it began, and where it ended
+    std::optional<double> start, stop;  ///< simulated seconds: where it began, and where it ended, or is by now
     std::optional<double> until;        ///< where it was to end; nothing when the file does not say
-    std::string outcome;  ///< how it ended: "done", "interrupted", "failed", ...; empty when the file does not say
+    /// How it ended: "done", "interrupted", "failed", ...; "running" when it has not, or was cut off; empty when the
+    /// file does not say.
+    std::string outcome;
     std::string message;  ///< why it stopped early; empty when it did not, or the file does not say
     std::vector<RecordedColumn> columns;
 };

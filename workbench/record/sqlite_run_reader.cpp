@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <limits>
 #include <unordered_map>
 
@@ -107,6 +108,11 @@ private:
             const auto found = m_columns.find(samples.integer(0));
             if (found != m_columns.end()) readSample(samples, m_run.columns[found->second]);
         }
+        // Of a run that was cut off, the last sample says how far it came.
+        const bool isCutOff = !m_run.stop;
+        for (const RecordedColumn& column : m_run.columns)
+            if (isCutOff && !column.times.empty())
+                m_run.stop = std::max(column.times.back(), m_run.stop.value_or(column.times.back()));
     }
 
     static void readSample(const SqliteStatement& samples, RecordedColumn& column) {

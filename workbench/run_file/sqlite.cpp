@@ -13,9 +13,11 @@ namespace {
 constexpr int kPatience = 5000;  // milliseconds
 
 [[noreturn]] void fail(const std::string& path, sqlite3* database, int code) {
+    if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
+        throw Error({path}, "another program is writing to the database; wait until it is done, or name another file",
+                    ErrorCode::inUse);
     const std::string text = database != nullptr ? sqlite3_errmsg(database) : sqlite3_errstr(code);
-    const bool isBusy = code == SQLITE_BUSY || code == SQLITE_LOCKED;
-    throw Error({path}, "the database reports an error: " + text, isBusy ? ErrorCode::inUse : ErrorCode::file);
+    throw Error({path}, "the database reports an error: " + text, ErrorCode::file);
 }
 
 }  // namespace
@@ -72,7 +74,8 @@ std::string_view SqliteStatement::text(int column) const {
 void SqliteDatabase::Closer::operator()(sqlite3* database) const noexcept { sqlite3_close(database); }
 
 SqliteDatabase::SqliteDatabase(std::string path, Mode mode) : m_path(std::move(path)) {
-    const int flags = mode == Mode::read ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    // Also who reads takes back what a recording that was cut off left half-written, where the file can be written.
+    const int flags = mode == Mode::read ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     sqlite3* database = nullptr;
     const int code = sqlite3_open_v2(m_path.c_str(), &database, flags, nullptr);
     m_database.reset(database);

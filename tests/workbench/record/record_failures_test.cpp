@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -11,9 +12,11 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <thread>
+#include <type_traits>
 
 #include "tests/support/sanitized.h"
 #include "tests/workbench/record/record_test.h"
+#include "workbench/record/recorded_run.h"
 
 // Recordings whose system calls fail, one after the other, and which are asked to stop. The tool's calls are linked to
 // the functions below, which make them unless it is their turn to fail.
@@ -121,6 +124,70 @@ TEST_F(RecordFailures, eachCallThatFailsIsToldAndLeavesWholeRows) {
         EXPECT_GE(failures, 6U);
     }
     EXPECT_EQ(openDescriptors(), descriptors);
+}
+
+// SQLite makes its calls through a table of its own.
+class FailingDatabase {
+public:
+    FailingDatabase() : m_files(::sqlite3_vfs_find(nullptr)) {
+        replace("open", g_open, [](const char* path, int flags, int mode) {
+            return isToFail("open") ? -1 : g_open(path, flags, mode);
+        });
+        for (const char* const name : {"pwrite64", "pwrite"})
+            replace(name, g_pwrite, [](int file, const void* data, std::size_t size, off_t at) {
+                return isToFail("pwrite") ? ssize_t{-1} : g_pwrite(file, data, size, at);
+            });
+        replace("write", g_write, [](int file, const void* data, std::size_t size) {
+            return isToFail("write") ? ssize_t{-1} : g_write(file, data, size);
+        });
+        replace("ftruncate", g_ftruncate,
+                [](int file, off_t size) { return isToFail("ftruncate") ? -1 : g_ftruncate(file, size); });
+    }
+    FailingDatabase(const FailingDatabase&) = delete;
+    FailingDatabase& operator=(const FailingDatabase&) = delete;
+    ~FailingDatabase() { m_files->xSetSystemCall(m_files, nullptr, nullptr); }
+
+private:
+    template <class Function>
+    void replace(const char* name, Function*& original, std::type_identity_t<Function>* ours) {
+        const auto found = m_files->xGetSystemCall(m_files, name);
+        if (found == nullptr) return;
+        original = reinterpret_cast<Function*>(found);
+        m_files->xSetSystemCall(m_files, name, reinterpret_cast<sqlite3_syscall_ptr>(ours));
+    }
+
+    inline static int (*g_open)(const char*, int, int);
+    inline static ssize_t (*g_pwrite)(int, const void*, std::size_t, off_t);
+    inline static ssize_t (*g_write)(int, const void*, std::size_t);
+    inline static int (*g_ftruncate)(int, off_t);
+    sqlite3_vfs* m_files;
+};
+
+TEST_F(RecordFailures, eachCallOfTheDatabaseThatFailsLeavesAWholeOne) {
+    ASSERT_EQ(runOn("record --quiet --until 3 -o " + path("earlier.db")).code, 0);
+    for (const bool isFromThenOn : {false, true}) {
+        std::size_t failures = 0;
+        for (std::size_t at = 1;; ++at) {
+            std::filesystem::copy_file(path("earlier.db"), path("run.db"),
+                                       std::filesystem::copy_options::overwrite_existing);
+            Plan plan;
+            Finished finished;
+            {
+                const FailingDatabase database;
+                g_plan = {at, 0, isFromThenOn, nullptr};
+                finished = runOn("record --quiet --until 300 -o " + path("run.db"));
+                plan = std::exchange(g_plan, {});
+            }
+            if (plan.reached == nullptr) break;
+            ++failures;
+            EXPECT_TRUE(finished.code == kSuccess || !finished.err.empty()) << plan.reached;
+            const workbench::RecordedRun earlier = workbench::readRecordedRun(path("run.db"), 1);
+            EXPECT_EQ(earlier.outcome, "done") << plan.reached;
+            EXPECT_EQ(earlier.columns.at(0).values, (std::vector<double>{0, -1, -2, -3, -4, -5, -6})) << plan.reached;
+            expectNoChildren();
+        }
+        EXPECT_GE(failures, 6U);
+    }
 }
 
 TEST_F(RecordFailures, aFullDiskKeepsTheRowsThatFit) {

@@ -7,6 +7,7 @@
 #include "workbench/record/record_model.h"
 #include "workbench/record/recorded_run.h"
 #include "workbench/record/stream_out_blocks.h"
+#include "workbench/run_file/sqlite.h"
 #include "workbench/session/session.h"
 
 namespace kshmi {
@@ -129,6 +130,11 @@ TEST_F(RecordSettings, aDatabaseTakesSeveralRuns) {
     EXPECT_EQ(last.outcome, "crashed");
     expectParts(last.message, {"Segmentation fault"});
     EXPECT_EQ(last.columns[1].times, (std::vector<double>{0, 0.5, 1}));
+    workbench::SqliteDatabase(path("runs.db"), workbench::SqliteDatabase::Mode::write)
+        .execute("UPDATE runs SET stop = NULL, outcome = 'running'");
+    EXPECT_EQ(workbench::readRecordedRun(path("runs.db")).stop, 1.0);
+    expectParts(runOn("report -o - --run " + path("runs.db")).out,
+                {"Not ended: it is still being recorded", "recorded, not ended"});
     expectSaid("record -o " + write("not a database", "other.db"), kBadFile, "other.db");
     EXPECT_EQ(read("other.db"), "not a database");
 }
