@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <utility>
@@ -90,8 +91,11 @@ void Progress::watch() {
          wait = std::chrono::seconds(1)) {
         const auto passed = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start);
         const std::string line = workbench::shortened(fmt::format("{} ... {} s", m_work, passed.count()), kWidest);
-        m_terminal << fmt::format("\r{:{}}\r{}", "", g_width.load(), line) << std::flush;
-        g_width = workbench::columnsOf(line);
+        const std::size_t before = g_width, width = workbench::columnsOf(line);
+        // A signal may come as soon as the line stands, so its width is known first.
+        g_width = std::max(before, width);
+        m_terminal << fmt::format("\r{:{}}\r{}", "", before, line) << std::flush;
+        g_width = width;
     }
     if (g_width > 0) m_terminal << fmt::format("\r{:{}}\r", "", g_width.load()) << std::flush;
     g_width = 0;
