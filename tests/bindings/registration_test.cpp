@@ -159,7 +159,7 @@ TEST_F(Registration, eachEntryPointRegistersOnceWithDescriptionsOfItsOwn) {
         if (known == 2) continue;
         const hos::COSNamespaceInfo& first = *system.namespaces[0];
         const hos::COSNamespaceInfo& second = *system.namespaces[1];
-        EXPECT_NE(typeid(first), typeid(second));
+        EXPECT_NE(&typeid(first), &typeid(second)) << "both are named alike, each in a file of its own";
     }
 }
 
