@@ -22,6 +22,13 @@ function(ks_hmi_configure_target target)
   endif()
 endfunction()
 
+# What most sources of the target take in, parsed once.
+function(ks_hmi_precompile_headers target)
+  if(KS_HMI_PRECOMPILE_HEADERS)
+    target_precompile_headers(${target} ${ARGN})
+  endif()
+endfunction()
+
 # Functions that return into overwritten memory stop, calls are bound before anything runs and their table is closed
 # to writing, and the C library checks the sizes it can know. tools/check_hardening reads it off the binaries.
 function(ks_hmi_harden_target target)
