@@ -73,18 +73,36 @@ const Block& Model::add(Block block) {
         const std::string text = fl::i18n::to_string(block.path);
         throw ModelError("The block " + quoted(text) + " needs an element identifier.", text);
     }
-    if (const Block* there = findByPath(block.path)) throwPathTaken(m_name, *there);
-    if (const Block* there = findByEid(block.eid)) throwEidTaken(m_name, *there);
-    block.handle = m_nextHandle ? m_nextHandle() : 0.0;
     Block& added = m_blocks.emplace_back(std::move(block));
-    enter(added);
+    try {
+        enterNames(added);
+        added.handle = m_nextHandle ? m_nextHandle() : 0.0;
+        enterHandle(added);
+    } catch (...) {
+        forget(added);
+        m_blocks.pop_back();
+        throw;
+    }
     return added;
 }
 
-void Model::enter(Block& block) {
-    m_byPath.emplace(block.path, &block);
-    m_byEid.emplace(block.eid, &block);
+// Each text is hashed once: who has it already is found on the way.
+void Model::enterNames(Block& block) {
+    const auto [byPath, isNewPath] = m_byPath.emplace(block.path, &block);
+    if (!isNewPath) throwPathTaken(m_name, *byPath->second);
+    const auto [byEid, isNewEid] = m_byEid.emplace(block.eid, &block);
+    if (!isNewEid) throwEidTaken(m_name, *byEid->second);
+}
+
+void Model::enterHandle(Block& block) {
     if (m_nextHandle) m_byHandle.emplace(block.handle, &block);
+}
+
+void Model::forget(const Block& block) noexcept {
+    const auto byPath = m_byPath.find(block.path);
+    if (byPath != m_byPath.end() && byPath->second == &block) m_byPath.erase(byPath);
+    const auto byEid = m_byEid.find(block.eid);
+    if (byEid != m_byEid.end() && byEid->second == &block) m_byEid.erase(byEid);
 }
 
 std::size_t Model::remove(std::u16string_view path) {
@@ -95,7 +113,10 @@ std::size_t Model::remove(std::u16string_view path) {
     m_byEid.clear();
     m_byHandle.clear();
     const std::size_t count = std::erase_if(m_blocks, isRemoved);
-    for (Block& block : m_blocks) enter(block);
+    for (Block& block : m_blocks) {
+        enterNames(block);
+        enterHandle(block);
+    }
     return count;
 }
 
@@ -154,7 +175,11 @@ const Block* Model::findByHandle(double handle) const noexcept {
     return found == m_byHandle.end() ? nullptr : found->second;
 }
 
-std::u16string Model::fullPath(const Block& block) const { return m_name + u"/" + block.path; }
+std::u16string Model::fullPath(const Block& block) const {
+    std::u16string full;
+    full.reserve(m_name.size() + 1 + block.path.size());
+    return full.append(m_name).append(1, u'/').append(block.path);
+}
 
 void Model::assignHandles(double (*nextHandle)()) {
     m_nextHandle = nextHandle;

@@ -101,7 +101,9 @@ private:
     friend class Models;
     void assignHandles(double (*nextHandle)());
     Block& blockAt(std::u16string_view path);
-    void enter(Block& block);
+    void enterNames(Block& block);
+    void enterHandle(Block& block);
+    void forget(const Block& block) noexcept;
 
     std::u16string m_name;
     double (*m_nextHandle)() = nullptr;  ///< null while the model is not loaded

@@ -55,7 +55,8 @@ void construct(orvex::ScriptObject& self, std::span<const hvArray* const> argume
 void getAlignedBlockPath(orvex::Call& call) {
     requireInputs(call, 1);
     const orvex::ScriptObject& self = orvex::requireScriptObject(call.ins[0], kClassName);
-    const LoadedBlock found = requireBlock(utf8TextOf(self.stored("EID_")), textOf(self.stored("BlockPath_")));
+    const std::string eid = utf8TextOf(self.stored("EID_"));
+    const LoadedBlock found = requireBlock(eid, eid.empty() ? textOf(self.stored("BlockPath_")) : std::u16string());
     call.outs[0] = makeText(found.owner->model().fullPath(*found.block));
 }
 

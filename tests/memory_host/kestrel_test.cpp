@@ -63,6 +63,20 @@ TEST_F(Kestrel, moveTakesTheSubtreeAlongAndNoNeighbour) {
     EXPECT_EQ(model.findByPath(u"Airbag")->eid, "3");
 }
 
+TEST_F(Kestrel, aRefusedBlockLeavesNothingBehind) {
+    Model& model = loadedModels().load(engine()).model();
+    for (const Block& taken : {Block{.path = u"Air", .eid = "9"}, Block{.path = u"New", .eid = "2"}})
+        EXPECT_THROW(model.add(taken), kestrel::ModelError);
+    EXPECT_EQ(model.blocks().size(), 3u);
+    EXPECT_EQ(model.findByPath(u"New"), nullptr);
+    EXPECT_EQ(model.findByEid("9"), nullptr);
+    EXPECT_EQ(model.findByPath(u"Air")->eid, "1");
+    EXPECT_EQ(model.findByEid("2")->path, u"Air/Throttle");
+    const Block& added = model.add({.path = u"New", .eid = "9"});
+    EXPECT_EQ(model.findByHandle(added.handle), &added);
+    EXPECT_EQ(model.fullPath(*model.findByEid("9")), u"engine/New");
+}
+
 TEST_F(Kestrel, everyLoadGivesEveryBlockANewFractionalHandle) {
     std::set<double> handles;
     for (int load = 0; load < 2; ++load) {

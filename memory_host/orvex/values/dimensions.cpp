@@ -32,9 +32,9 @@ Dimensions::Dimensions(std::span<const std::size_t> lengths) {
     m_two = {lengths[0], lengths.size() > 1 ? lengths[1] : 1};
     std::size_t count = lengths.size();
     while (count > 2 && lengths[count - 1] == 1) --count;
-    if (count > 2)
-        m_more = std::make_shared<const std::vector<std::size_t>>(lengths.begin(),
-                                                                  lengths.begin() + static_cast<std::ptrdiff_t>(count));
+    if (count <= 2) return;
+    m_more = SharedArray<std::size_t>::make(count);
+    std::copy_n(lengths.begin(), count, m_more->data());
 }
 
 std::size_t Dimensions::product() const noexcept {

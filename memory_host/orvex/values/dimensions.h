@@ -3,10 +3,10 @@
 #include <array>
 #include <cstddef>
 #include <limits>
-#include <memory>
 #include <span>
 #include <string>
-#include <vector>
+
+#include "memory_host/orvex/values/shared_array.h"
 
 namespace orvex {
 
@@ -31,7 +31,7 @@ private:
     std::size_t product() const noexcept;
 
     std::array<std::size_t, 2> m_two{};
-    std::shared_ptr<const std::vector<std::size_t>> m_more;  ///< all of them, when there are more than two
+    SharedArray<std::size_t>::Ptr m_more;  ///< all of them, when there are more than two
 };
 
 }  // namespace orvex
