@@ -162,3 +162,7 @@ def __getattr__(name: str) -> Any:
     if name.startswith("_"):
         raise AttributeError(name)
     return _found(name)
+
+
+def __dir__() -> List[str]:
+    return sorted({*__all__, *(name.split(".")[0] for name in _names())})

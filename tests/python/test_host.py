@@ -130,6 +130,7 @@ def test_warnings_of_the_host_are_pythons(run_python):
 def test_classes_are_discovered(model):
     assert "Kestrel.HMI.InstrumentedSignals" in host.classes() and "Kestrel.HMI" in host.namespaces()
     assert "InstrumentedSignals" in dir(host.Kestrel.HMI) and "isequal" in host.functions()
+    assert {"Kestrel", "call", "function"} <= set(dir(host)) and "_native" not in dir(host)
     made = host.Kestrel.HMI.InstrumentedSignals("other")
     description = host.describe("Kestrel.HMI.InstrumentedSignals")
     names = [one.name for one in [*description.properties, *description.methods]]
