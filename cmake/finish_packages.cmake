@@ -27,7 +27,8 @@ ask the owners.
 ")
   file(WRITE "${folder}/changelog.Debian" "ks-hmi-foundation (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) UNRELEASED; urgency=medium
 
-  * Made from the sources of version ${CPACK_PACKAGE_VERSION}; the file changelog beside this one says what is new.
+  * Made from the sources of version ${CPACK_PACKAGE_VERSION}.
+    What is new stands in the file changelog beside this one.
 
  -- ${CPACK_PACKAGE_CONTACT}  ${today}
 ")
