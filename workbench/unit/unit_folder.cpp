@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <filesystem>
@@ -62,18 +63,26 @@ void removeAllLeftBehind(const fs::path& folder) noexcept {
         if (at->path().filename().string().starts_with(kPrefix)) removeLeftBehind(at->path().string());
 }
 
+fs::path temporaryFolder() {
+    std::error_code code;
+    const fs::path folder = fs::temp_directory_path(code);
+    if (!code) return fs::absolute(folder, code);
+    const char* const wanted = std::getenv("TMPDIR");
+    throw Error({wanted != nullptr ? wanted : "/tmp"},
+                "is not a folder, and the unit is to be unpacked there; set TMPDIR to one", ErrorCode::file);
+}
+
 }  // namespace
 
 UnitFolder::UnitFolder() {
-    std::error_code code;
-    const fs::path folder = fs::absolute(fs::temp_directory_path(code), code);
-    if (!code) removeAllLeftBehind(folder);
+    const fs::path folder = temporaryFolder();
+    removeAllLeftBehind(folder);
     std::string path = (folder / (std::string(kPrefix) + "XXXXXX")).string();
-    if (code || ::mkdtemp(path.data()) == nullptr)
-        throw Error({folder.string()},
-                    fmt::format("the unit cannot be unpacked here: {}; set TMPDIR to another folder",
-                                code ? code.message() : std::strerror(errno)),
-                    ErrorCode::file);
+    if (::mkdtemp(path.data()) == nullptr)
+        throw Error(
+            {folder.string()},
+            fmt::format("the unit cannot be unpacked here: {}; set TMPDIR to another folder", std::strerror(errno)),
+            ErrorCode::file);
     m_path = std::move(path);
     m_lock = locked(m_path);
 }

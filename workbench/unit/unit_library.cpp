@@ -4,15 +4,19 @@
 
 #include <dlfcn.h>
 
+#include <string>
+
 namespace workbench {
 
 void UnitLibrary::Closer::operator()(void* library) const noexcept { ::dlclose(library); }
 
 UnitLibrary::UnitLibrary(const std::string& path) : m_library(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
     if (m_library) return;
-    const char* const reason = ::dlerror();
-    throw UnitFailure(std::string("the unit's binary cannot be loaded: ") +
-                      (reason != nullptr ? reason : "unknown reason"));
+    const char* const told = ::dlerror();
+    const std::string reason = told != nullptr ? told : "unknown reason";
+    const bool mayNotRun = reason.find("failed to map segment") != std::string::npos;
+    throw UnitFailure("the unit's binary cannot be loaded: " + reason +
+                      (mayNotRun ? "; if no program may run there, set TMPDIR to a folder where it may" : ""));
 }
 
 void* UnitLibrary::find(const char* name) const {

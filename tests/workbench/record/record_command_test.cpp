@@ -95,6 +95,9 @@ TEST_F(Record, whatCannotRunIsRefusedWithTheReason) {
     expectSaid("record", kBadFile, "unit.fmu: is a description only; name the .fmu that it is from");
     write("PK?", "unit.fmu");
     expectSaid("record", kBadFile, "unit.fmu: is not a unit, which is a ZIP archive; name a .fmu");
+    pack(probe2());
+    ::setenv("TMPDIR", path("none").c_str(), 1);
+    expectSaid("record", kBadFile, "none: is not a folder, and the unit is to be unpacked there; set TMPDIR to one");
     std::filesystem::remove(path("unit.fmu"));
     expectSaid("record", kBadFile, "unit.fmu: is not where the model was imported from; name its place with --fmu");
     write(kModel);
