@@ -46,8 +46,8 @@ void requireUnmarked(const Session& session, const std::vector<MarkTarget>& want
                     describe(session.model(), *first), others));
 }
 
-void keep(const Session& session, const MarkTarget& wanted, Fate fate, const std::string& what, ChangeReport& report) {
-    report.keep(fate, "already marked " + what, [&](JsonObject& object) {
+void keep(const Session& session, const MarkTarget& wanted, Fate fate, ChangeReport& report) {
+    report.keep(fate, "already marked " + describe(session.model(), wanted), [&](JsonObject& object) {
         object.text("kind", std::string_view("signal"));
         appendSource(object, session.model(), wanted.source);
         if (wanted.source.item) object.text("activity", wanted.activity);
@@ -66,11 +66,13 @@ int runMark(const MarkArguments& arguments, const Output& output) {
     std::size_t position = session.signals().getCount();
     addSignals(session, wanted, arguments.settings);
     for (const MarkTarget& one : wanted) {
-        const std::string what = describe(session.model(), one);
-        if (one.isMarked)
-            keep(session, one, arguments.settings.isAny() ? Fate::skipped : Fate::unchanged, what, report);
-        else
-            report.change("mark", "marked", fmt::format("{} as signal {}", what, ++position));
+        if (one.isMarked) {
+            keep(session, one, arguments.settings.isAny() ? Fate::skipped : Fate::unchanged, report);
+            continue;
+        }
+        ++position;
+        report.change("mark", "marked",
+                      [&] { return fmt::format("{} as signal {}", describe(session.model(), one), position); });
     }
     if (arguments.settings.isExcludedFromSave.value_or(false))
         output.err << "warning: the saved file does not have what is excluded from saving; without "

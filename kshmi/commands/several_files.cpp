@@ -20,14 +20,15 @@ namespace {
 // The files, one after the other.
 class Tour {
 public:
-    Tour(const Output& output, bool isJson, const Look& look) : m_output(output), m_isJson(isJson), m_look(look) {}
+    Tour(std::string_view command, const Output& output, bool isJson, const Look& look)
+        : m_output(output), m_isJson(isJson), m_look(look), m_document(command), m_files(listOf(m_document)) {}
 
     int at(const std::string& file) {
         tellWork(m_output, file);
-        JsonEntry entry;
+        JsonEntry entry([&](std::string& text) { printPart(text); });
         entry.object().text("file", std::string_view(file));
         const int code = inFile(file, [&] { return m_look(file, m_isJson ? &entry : nullptr, m_output); });
-        m_entries.push_back(entry.take());
+        add(entry);
         return code;
     }
 
@@ -39,19 +40,34 @@ public:
         } catch (const std::bad_alloc&) {
             throw;
         } catch (const Error& error) {
+            if (m_isInPart) throw;
             return fail(file, exitCodeOf(error), messageOf(error));
         } catch (const std::exception& exception) {
+            if (m_isInPart) throw;
             return fail(file, kHostRefused, exception.what());
         }
     }
 
-    void printJson(std::string_view command) {
-        JsonDocument document(command);
-        document.list("files", m_entries, [&](const std::string& entry) { document.text() += entry; });
-        document.print(m_output.out);
+    void printJson() {
+        m_files.close();
+        m_document.print(m_output.out);
     }
 
 private:
+    static JsonArray listOf(JsonDocument& document) {
+        return JsonArray(document.object().name("files").out(), JsonDocument::kElements);
+    }
+    // What is long is not kept until it is whole.
+    void printPart(std::string& text) {
+        if (!std::exchange(m_isInPart, true)) m_files.next();
+        m_document.text() += text;
+        text.clear();
+        m_document.flush(m_output.out);
+    }
+    void add(JsonEntry& entry) {
+        if (!std::exchange(m_isInPart, false)) m_files.next();
+        m_document.text() += entry.take();
+    }
     void printHeading(const std::string& file) {
         m_output.out << fmt::format("{}==> {} <==\n", std::exchange(m_isFirst, false) ? "" : "\n",
                                     printable(std::string_view(calledInMessages(file))))
@@ -63,7 +79,7 @@ private:
         JsonEntry entry;
         entry.object().text("file", std::string_view(file)).name("error");
         JsonObject(entry.text()).number("code", static_cast<int>(code)).text("text", std::string_view(message)).close();
-        m_entries.push_back(entry.take());
+        add(entry);
         return code;
     }
 
@@ -71,7 +87,9 @@ private:
     bool m_isJson;
     const Look& m_look;
     bool m_isFirst = true;
-    std::vector<std::string> m_entries;
+    JsonDocument m_document;
+    JsonArray m_files;
+    bool m_isInPart = false;  // of an entry, a part is printed
 };
 
 }  // namespace
@@ -96,12 +114,12 @@ std::vector<std::string> takeFiles(const std::string& first, std::vector<std::st
 int lookAtFiles(std::string_view command, const std::vector<std::string>& files, bool isJson, const Output& output,
                 const Look& look) {
     enterHost(output.err);
-    Tour tour(output, isJson, look);
+    Tour tour(command, output, isJson, look);
     int worst = kSuccess;
     if (files.size() == 1) worst = tour.at(files.front());
     if (files.size() > 1)
         for (const std::string& file : files) worst = std::max(worst, tour.amongOthers(file));
-    if (isJson) tour.printJson(command);
+    if (isJson) tour.printJson();
     return worst;
 }
 

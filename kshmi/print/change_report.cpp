@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <iterator>
 #include <utility>
 
@@ -51,9 +50,19 @@ void ChangeReport::listRecords() {
 }
 
 void ChangeReport::change(std::string_view infinitive, std::string_view past, const std::string& what) {
+    change(infinitive, past, [&] { return what; });
+}
+
+void ChangeReport::change(std::string_view infinitive, std::string_view past,
+                          const std::function<std::string()>& what) {
     ++m_changes;
-    m_lines.push_back(m_options.isDryRun ? fmt::format("would {} {}", infinitive, what)
-                                         : fmt::format("{} {}", past, what));
+    if (countLine())
+        m_lines.push_back(m_options.isDryRun ? fmt::format("would {} {}", infinitive, what())
+                                             : fmt::format("{} {}", past, what()));
+}
+
+bool ChangeReport::countLine() noexcept {
+    return (++m_lineCount <= kMostLines || m_options.isAllTold) && !m_options.isJson;
 }
 
 void ChangeReport::change(Fate fate, std::string_view infinitive, std::string_view past, const std::string& what,
@@ -63,12 +72,12 @@ void ChangeReport::change(Fate fate, std::string_view infinitive, std::string_vi
 }
 
 void ChangeReport::keep(Fate fate, const std::string& text, const Members& members) {
-    m_lines.push_back(text);
+    note(text);
     list(fate, members);
 }
 
 void ChangeReport::note(const std::string& expected, const std::string& happened) {
-    m_lines.push_back(m_options.isDryRun ? expected : happened);
+    if (countLine()) m_lines.push_back(m_options.isDryRun ? expected : happened);
 }
 
 void ChangeReport::note(Fate fate, const std::string& expected, const std::string& happened, const Members& members) {
@@ -102,10 +111,9 @@ ChangeReport::Save ChangeReport::save(bool isChanged) {
 }
 
 void ChangeReport::printText(bool isSaved, std::size_t leftOut) const {
-    const std::size_t count = m_options.isAllTold ? m_lines.size() : std::min(kMostLines, m_lines.size());
-    for (std::size_t i = 0; i < count; ++i) out() << m_lines[i] << '\n';
-    if (count < m_lines.size())
-        out() << fmt::format("... and {}; --all-lines prints them\n", counted(m_lines.size() - count, "more line"));
+    for (const std::string& line : m_lines) out() << line << '\n';
+    if (const std::size_t more = m_lineCount - m_lines.size(); more > 0)
+        out() << fmt::format("... and {}; --all-lines prints them\n", counted(more, "more line"));
     if (isSaved) return printSaved(leftOut);
     const std::string file = printable(std::string_view(m_session.fileName()));
     out() << (m_options.isDryRun ? fmt::format("{}: dry run, {} not made\n", file, counted(m_changes, "change"))

@@ -40,6 +40,8 @@ public:
 
     /// One line: "would mark a/b:1" in a dry run, else "marked a/b:1".
     void change(std::string_view infinitive, std::string_view past, const std::string& what);
+    /// The same; `what` is asked only for a line that is printed.
+    void change(std::string_view infinitive, std::string_view past, const std::function<std::string()>& what);
     /// The same of what is neither a signal nor a client.
     void change(Fate fate, std::string_view infinitive, std::string_view past, const std::string& what,
                 const Members& members);
@@ -61,6 +63,8 @@ private:
     using Save = workbench::Session::SaveResult;
 
     std::ostream& out() const;
+    /// Counts a further line; whether it is to be kept.
+    bool countLine() noexcept;
     void listRecords();
     Save save(bool isChanged);
     void printText(bool isSaved, std::size_t leftOut) const;
@@ -75,7 +79,8 @@ private:
     workbench::Session& m_session;
     std::optional<RecordWatch> m_watch;
     std::size_t m_changes = 0;
-    std::vector<std::string> m_lines;
+    std::vector<std::string> m_lines;                       ///< those that are printed
+    std::size_t m_lineCount = 0;                            ///< of all
     std::array<std::vector<std::string>, kFates> m_things;  ///< JSON objects
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -13,6 +15,9 @@ namespace kshmi {
 /// An object with a member a line, and lists in it with an element a line.
 class JsonMembers {
 public:
+    /// Takes what is written so far out of a long text.
+    using Drain = std::function<void(std::string& text)>;
+
     /// For more members.
     workbench::JsonObject& object() noexcept { return m_object; }
     /// For the value of a member that was named last.
@@ -20,8 +25,13 @@ public:
     /// An array, an element a line; `append(element)` appends one to `text()`.
     template <class Range, class Append>
     void list(std::string_view name, const Range& elements, Append append) {
+        constexpr std::size_t kLong = std::size_t{1} << 16U;
         m_object.name(name);
-        workbench::appendJsonArray(m_text, elements, append, m_layout.elements);
+        const auto appendOne = [&](const auto& element) {
+            append(element);
+            if (m_drain && m_text.size() > kLong) m_drain(m_text);
+        };
+        workbench::appendJsonArray(m_text, elements, appendOne, m_layout.elements);
     }
 
 protected:
@@ -29,11 +39,13 @@ protected:
         workbench::JsonLayout members;
         workbench::JsonLayout elements;
     };
-    explicit JsonMembers(const Layout& layout) : m_layout(layout), m_object(m_text, layout.members) {}
+    explicit JsonMembers(const Layout& layout, Drain drain = {})
+        : m_layout(layout), m_drain(std::move(drain)), m_object(m_text, layout.members) {}
 
 private:
     std::string m_text;
     Layout m_layout;
+    Drain m_drain;
     workbench::JsonObject m_object;
 };
 
@@ -43,20 +55,31 @@ class JsonDocument : public JsonMembers {
 public:
     static constexpr int kVersion = 1;
 
-    explicit JsonDocument(std::string_view command) : JsonMembers({workbench::kLines, {"\n    ", ",\n    ", "\n  "}}) {
+    /// Of a list's elements, each on a line of its own.
+    static constexpr workbench::JsonLayout kElements{"\n    ", ",\n    ", "\n  "};
+
+    explicit JsonDocument(std::string_view command) : JsonMembers({workbench::kLines, kElements}) {
         object().number("kshmi", kVersion).text("command", command);
+    }
+    /// Prints what is written so far.
+    void flush(std::ostream& out) {
+        out << workbench::printableJson(text());
+        text().clear();
     }
     /// Ends the document and prints it.
     void print(std::ostream& out) {
         object().close();
-        out << workbench::printableJson(text()) << '\n';
+        flush(out);
+        out << '\n';
     }
 };
 
-/// An element of such a document's list that takes more than a line.
+/// An element of such a document's list that takes more than a line. What `drain` has taken is no more in it.
 class JsonEntry : public JsonMembers {
 public:
-    JsonEntry() : JsonMembers({{"\n      ", ",\n      ", "\n    "}, {"\n        ", ",\n        ", "\n      "}}) {}
+    explicit JsonEntry(Drain drain = {})
+        : JsonMembers({{"\n      ", ",\n      ", "\n    "}, {"\n        ", ",\n        ", "\n      "}},
+                      std::move(drain)) {}
     std::string take() {
         object().close();
         return std::move(text());

@@ -102,7 +102,13 @@ SourceKey keyOf(const SignalSource& source) {
     return {source.block, source.port, source.item ? std::int64_t{source.item->ssid} : -1};
 }
 
-Sources Selected::sources() const {
+Sources Selected::sources() && {
+    // Patterns match each once.
+    return named.empty() ? std::move(matching) : std::as_const(*this).sources();
+}
+
+Sources Selected::sources() const& {
+    if (named.empty()) return matching;
     std::set<SourceKey> seen;
     Sources result;
     const auto add = [&](const Sources& sources) {

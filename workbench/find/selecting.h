@@ -59,7 +59,8 @@ struct Selected {
     std::vector<std::string> idle;       ///< "except" patterns that leave nothing out
 
     /// All of it, each port and item once: what is named in its order, then what matches.
-    std::vector<SignalSource> sources() const;
+    std::vector<SignalSource> sources() const&;
+    std::vector<SignalSource> sources() &&;
 };
 
 /// Finds what a selection means in the model. With an activity, patterns select only the chart items that can have

@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <boost/json/basic_parser_impl.hpp>
 #include <cerrno>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include "workbench/json/json_mistake.h"
 #include "workbench/text/error.h"
@@ -19,7 +19,7 @@ namespace json = boost::json;
 namespace {
 
 constexpr std::size_t kMaxDepth = 256;
-constexpr std::size_t kChunkSize = std::size_t{1} << 16U;
+constexpr std::size_t kChunkSize = std::size_t{1} << 18U;
 
 // Puts tokens together that arrive in parts.
 class Handler {
@@ -34,10 +34,10 @@ public:
 
     bool on_document_begin(Code&) { return true; }
     bool on_document_end(Code&) { return true; }
-    bool on_object_begin(Code&) { return m_sink.beginObject(), true; }
-    bool on_object_end(std::size_t, Code&) { return m_sink.endObject(), true; }
-    bool on_array_begin(Code&) { return m_sink.beginArray(), true; }
-    bool on_array_end(std::size_t, Code&) { return m_sink.endArray(), true; }
+    bool on_object_begin(Code&) { return m_sink.beginObject(), open(false); }
+    bool on_object_end(std::size_t, Code&) { return m_sink.endObject(), close(); }
+    bool on_array_begin(Code&) { return m_sink.beginArray(), open(true); }
+    bool on_array_end(std::size_t, Code&) { return m_sink.endArray(), close(); }
     bool on_key_part(json::string_view part, std::size_t, Code&) { return keep(part); }
     bool on_key(json::string_view part, std::size_t, Code&) {
         m_isAfterKey = true;
@@ -59,8 +59,20 @@ public:
 
     // Whether the last text was a key.
     bool isAfterKey() const noexcept { return m_isAfterKey; }
+    // Whether an array is open, and is not deep down.
+    bool isInArray() const noexcept { return !m_open.empty() && m_open.size() <= kMostTried && m_open.back(); }
 
 private:
+    static constexpr std::size_t kMostTried = 4;
+
+    bool open(bool isArray) {
+        m_open.push_back(isArray);
+        return true;
+    }
+    bool close() noexcept {
+        m_open.pop_back();
+        return true;
+    }
     bool keep(json::string_view part) {
         m_parts.append(part.data(), part.size());
         return true;
@@ -77,6 +89,7 @@ private:
 
     JsonSink& m_sink;
     std::string m_parts;
+    std::vector<bool> m_open;  // objects and arrays from the outside in: whether it is an array
     bool m_isAfterKey = false;
 };
 
@@ -97,19 +110,9 @@ JsonFile::JsonFile(std::string path) : m_path(std::move(path)), m_file(std::fope
     if (isDirectory(m_file.get())) fail("is a directory; name a model file");
 }
 
-JsonFile JsonFile::ofText(std::string name, const std::string& text) {
-    std::FILE* const file = ::fmemopen(nullptr, text.size() + 1, "w+");
-    JsonFile result(std::move(name), file);
-    result.m_isVersioned = false;
-    if (!file) result.fail(fmt::format("cannot be read: {}", std::strerror(errno)));
-    std::fwrite(text.data(), 1, text.size(), file);
-    std::rewind(file);
-    return result;
-}
-
 std::optional<FileVersion> JsonFile::version() const noexcept {
     struct stat status {};
-    if (!m_isVersioned || ::fstat(::fileno(m_file.get()), &status) != 0) return std::nullopt;
+    if (!m_file || ::fstat(::fileno(m_file.get()), &status) != 0) return std::nullopt;
     return FileVersion::of(status);
 }
 
@@ -117,20 +120,33 @@ void JsonFile::read(JsonSink& sink) {
     json::parse_options options;
     options.max_depth = kMaxDepth;
     json::basic_parser<Handler> parser(options, sink);
+    PlainElement element;
+    readChunk(parser, sink, element, m_text);
     // The parser tells "more is needed" by a pointer to itself, which must not be the end of a chunk that happens to
     // lie in front of it: one byte is never filled.
-    std::array<char, kChunkSize + 1> chunk;
-    while (const std::size_t size = std::fread(chunk.data(), 1, kChunkSize, m_file.get())) {
-        // Piece by piece, so that the line is known while the sink works on what is in it.
-        for (std::string_view rest(chunk.data(), size); !rest.empty();) {
-            const std::size_t end = rest.find('\n');
-            const std::string_view piece = rest.substr(0, end == std::string_view::npos ? rest.size() : end + 1);
-            feed(parser, piece, true);
-            rest.remove_prefix(piece.size());
-        }
-    }
-    if (std::ferror(m_file.get())) fail(fmt::format("cannot be read: {}", std::strerror(errno)));
+    std::string chunk(m_file ? kChunkSize + 1 : 0, '\0');
+    while (const std::size_t size = m_file ? std::fread(chunk.data(), 1, kChunkSize, m_file.get()) : 0)
+        readChunk(parser, sink, element, {chunk.data(), size});
+    if (m_file && std::ferror(m_file.get())) fail(fmt::format("cannot be read: {}", std::strerror(errno)));
     feed(parser, {}, false);
+}
+
+// Piece by piece, so that the line is known while the sink works on what is in it.
+template <class Parser>
+void JsonFile::readChunk(Parser& parser, JsonSink& sink, PlainElement& element, std::string_view chunk) {
+    while (!chunk.empty()) {
+        // After the comma the parser waits for another element, and does so again after one that it has not seen.
+        const bool isAtElement = m_column == 0 && m_before == ',' && parser.handler().isInArray();
+        if (isAtElement && element.scan(chunk)) {
+            element.tell(sink, m_line);
+            chunk.remove_prefix(element.size());
+            continue;
+        }
+        const std::size_t end = chunk.find('\n');
+        const std::string_view piece = chunk.substr(0, end == std::string_view::npos ? chunk.size() : end + 1);
+        feed(parser, piece, true);
+        chunk.remove_prefix(piece.size());
+    }
 }
 
 template <class Parser>
@@ -146,6 +162,7 @@ void JsonFile::feed(Parser& parser, std::string_view piece, bool more) {
     if (piece.ends_with('\n')) {
         ++m_line;
         m_column = 0;
+        m_isInText = false;
     } else {
         m_isInText = endsInText(piece, m_isInText);
     }

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "workbench/files/file_version.h"
+#include "workbench/json/plain_element.h"
 
 namespace workbench {
 
@@ -33,10 +34,11 @@ class JsonFile {
 public:
     /// Opens the file. Throws `Error` when it cannot be read.
     explicit JsonFile(std::string path);
-    /// A text instead of a file; `name` stands for the path in messages.
-    static JsonFile ofText(std::string name, const std::string& text);
+    /// A text instead of a file, which must stay until it has been read; `name` stands for the path in messages.
+    static JsonFile ofText(std::string name, const std::string& text) { return {std::move(name), text}; }
+    static JsonFile ofText(std::string name, std::string&& text) = delete;
 
-    /// Reads the document from front to end and hands it to `sink`; no more than a chunk of it is in
+    /// Reads the document from front to end and hands it to `sink`; no more than a chunk of a file is in
     /// memory. Throws `Error` with line and column for what is not JSON, and when reading fails. What
     /// the sink throws passes through.
     void read(JsonSink& sink);
@@ -53,19 +55,21 @@ private:
     struct Closer {
         void operator()(std::FILE* file) const noexcept { std::fclose(file); }
     };
-    JsonFile(std::string name, std::FILE* file) : m_path(std::move(name)), m_file(file) {}
+    JsonFile(std::string name, const std::string& text) : m_path(std::move(name)), m_text(text) {}
+    template <class Parser>
+    void readChunk(Parser& parser, JsonSink& sink, PlainElement& element, std::string_view chunk);
     template <class Parser>
     void feed(Parser& parser, std::string_view piece, bool more);
     [[noreturn]] void fail(const std::string& text) const;
     [[noreturn]] void failSyntax(const std::string& what, std::size_t column) const;
 
     std::string m_path;
-    std::unique_ptr<std::FILE, Closer> m_file;
+    std::unique_ptr<std::FILE, Closer> m_file;  ///< null when there is a text instead
+    std::string_view m_text;
     std::size_t m_line = 1;
     std::size_t m_column = 0;  ///< bytes of the line that were fed
     char m_before = 0;         ///< the last character that was fed and is no blank
     bool m_isInText = false;   ///< of a line that was fed in part
-    bool m_isVersioned = true;
 };
 
 }  // namespace workbench

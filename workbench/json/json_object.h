@@ -4,6 +4,7 @@
 
 #include <concepts>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -65,6 +66,13 @@ public:
         m_out += ": ";
         return *this;
     }
+    /// What `name` writes for a key, to be written many times.
+    static std::string memberName(std::string_view key) {
+        std::string written;
+        appendJsonText(written, key);
+        return written += ": ";
+    }
+    JsonObject& written(std::string_view memberName) { return next(), m_out += memberName, *this; }
     JsonObject& text(std::string_view key, std::u16string_view value) {
         return name(key), appendJsonText(m_out, value), *this;
     }
@@ -73,7 +81,7 @@ public:
     }
     JsonObject& truth(std::string_view key, bool value) { return name(key), m_out += value ? "true" : "false", *this; }
     JsonObject& number(std::string_view key, std::integral auto value) {
-        return name(key), m_out += fmt::format("{}", value), *this;
+        return name(key), fmt::format_to(std::back_inserter(m_out), "{}", value), *this;
     }
     JsonObject& null(std::string_view key) { return name(key), m_out += "null", *this; }
     /// The text that it is written to, for the value of the member that was named last.

@@ -44,15 +44,75 @@ void ModelFileParts::begin(Place place) {
         case Place::parkedMark:
             m_extras.parked.emplace_back();
             break;
+        case Place::signals:
+            if (m_sink && m_nameLine > 0 && m_hasBlocks) handOverModel();
+            break;
         default:
             if (shapes::isRecord(place)) records(place).begin();
     }
 }
 
 void ModelFileParts::end(Place place) {
-    if (place == Place::origin) checkOrigin();
-    if (place == Place::chart) checkChart();
-    if (place == Place::parkedMark) endParked();
+    switch (place) {
+        case Place::origin:
+            return checkOrigin();
+        case Place::chart:
+            return checkChart();
+        case Place::parkedMark:
+            return endParked();
+        case Place::blocks:
+            m_hasBlocks = true;
+            return;
+        case Place::signal:
+            if (m_stage == Stage::model && m_signals.size() == kSlice) handOver(m_signals);
+            return;
+        case Place::client:
+            if (m_stage == Stage::signals && m_clients.size() == kSlice) handOver(m_clients);
+            return;
+        case Place::signals:
+            if (m_stage == Stage::model) endHandingOver(m_signals, Stage::signals);
+            return;
+        case Place::clients:
+            if (m_stage == Stage::signals) endHandingOver(m_clients, Stage::clients);
+            return;
+        default:
+            return;
+    }
+}
+
+// What the sink throws is kept until the file is known to be without a fault.
+template <class Action>
+void ModelFileParts::atSink(Action action) {
+    if (m_refusal) return;
+    try {
+        action();
+    } catch (...) {
+        m_refusal = std::current_exception();
+    }
+}
+
+void ModelFileParts::handOverModel() {
+    m_stage = Stage::model;
+    atSink([&] { m_sink->takeModel(buildModel()); });
+    m_blocks = {};
+}
+
+void ModelFileParts::handOver(RecordTable& table) {
+    atSink([&] { m_sink->takeRecords(table.kind(), table.takeSlice(), table.lines()); });
+    if (m_refusal) table.takeSlice();
+}
+
+void ModelFileParts::endHandingOver(RecordTable& table, Stage stage) {
+    m_stage = stage;
+    if (table.size() > 0 || !table.hasGivenSlice()) handOver(table);
+}
+
+RestOfModelFile ModelFileParts::finishRest() {
+    if (m_stage == Stage::nothing) handOverModel();
+    if (m_stage == Stage::model) endHandingOver(m_signals, Stage::signals);
+    if (m_stage == Stage::signals) endHandingOver(m_clients, Stage::clients);
+    if (m_refusal) std::rethrow_exception(m_refusal);
+    return {m_signals.takeLines(), m_clients.takeLines(), std::move(m_extras), std::nullopt};
 }
 
 void ModelFileParts::setText(Place place, std::string_view key, std::u16string text) {
@@ -178,20 +238,21 @@ void ModelFileParts::checkChart() const {
 
 void ModelFileParts::endParked() {
     ParkedMark& mark = m_extras.parked.back();
-    mark.signal = m_parkedSignals.build();
-    mark.markedName = std::move(m_parkedSignals.takeMarkedNames().front());
-    mark.clients = m_parkedClients.build();
+    RecordSlice signal = m_parkedSignals.takeSlice();
+    mark.signal = std::move(signal.records);
+    mark.markedName = std::move(signal.markedNames.front());
+    mark.clients = m_parkedClients.takeSlice().records;
     m_parkedSignals.takeLines();
     m_parkedClients.takeLines();
 }
 
 ModelFile ModelFileParts::finish() {
-    m_extras.markedNames = m_signals.takeMarkedNames();
     kestrel::Model model = buildModel();
-    HvArrayPtr signals = m_signals.build();
-    HvArrayPtr clients = m_clients.build();
-    return {std::move(model),      std::move(signals),    std::move(clients),
-            m_signals.takeLines(), m_clients.takeLines(), std::move(m_extras)};
+    RecordSlice signals = m_signals.takeSlice();
+    RecordSlice clients = m_clients.takeSlice();
+    m_extras.markedNames = std::move(signals.markedNames);
+    return {std::move(model),      std::move(signals.records), std::move(clients.records),
+            m_signals.takeLines(), m_clients.takeLines(),      std::move(m_extras)};
 }
 
 kestrel::Model ModelFileParts::buildModel() {

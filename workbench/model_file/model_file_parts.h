@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <optional>
 #include <string>
@@ -20,10 +21,12 @@ namespace workbench {
 /// end. Throws `Error` at the file's current line and pointer for what cannot be.
 class ModelFileParts {
 public:
-    /// `faults` may be null: the first one is thrown then. `pointer` tells which value is being read.
-    ModelFileParts(const JsonFile& file, const FaultSink* faults, std::function<std::string()> pointer)
+    /// `faults` may be null: the first one is thrown then; so may `sink`: everything is kept then. `pointer` tells
+    /// which value is being read.
+    ModelFileParts(const JsonFile& file, const FaultSink* faults, ModelSink* sink, std::function<std::string()> pointer)
         : m_file(file),
           m_faults(faults),
+          m_sink(sink),
           m_pointer(std::move(pointer)),
           m_signals(file, RecordKind::signal),
           m_clients(file, RecordKind::client),
@@ -44,7 +47,9 @@ public:
     /// The table of the records of such a place.
     RecordTable& records(shapes::Place record) noexcept;
 
+    /// What was kept, with a sink nothing but the rest.
     ModelFile finish();
+    RestOfModelFile finishRest();
 
 private:
     struct PlacedBlock {
@@ -61,6 +66,13 @@ private:
     void checkChart() const;
     void endParked();
     kestrel::Model buildModel();
+    /// How much of the model the sink has, in this order.
+    enum class Stage : std::uint8_t { nothing, model, signals, clients };
+    void handOverModel();
+    void handOver(RecordTable& table);
+    void endHandingOver(RecordTable& table, Stage stage);
+    template <class Action>
+    void atSink(Action action);
     [[noreturn]] void fail(const std::string& text) const { m_file.fail(m_pointer(), text); }
     void tell(const Error& fault) const;
     void tell(const std::string& text) const {
@@ -69,6 +81,10 @@ private:
 
     const JsonFile& m_file;
     const FaultSink* m_faults;
+    ModelSink* m_sink;
+    std::exception_ptr m_refusal;  ///< what the sink has thrown
+    Stage m_stage = Stage::nothing;
+    bool m_hasBlocks = false;
     std::function<std::string()> m_pointer;
     std::u16string m_name;
     std::size_t m_nameLine = 0;

@@ -23,9 +23,9 @@ using shapes::Rule;
 // Follows the document's structure and hands what it finds to the parts.
 class ModelFileReader final : public JsonSink {
 public:
-    ModelFileReader(const JsonFile& file, const FaultSink* faults)
-        : m_file(file), m_parts(file, faults, [this] { return pointer(); }) {}
-    ModelFile finish() { return m_parts.finish(); }
+    ModelFileReader(const JsonFile& file, const FaultSink* faults, ModelSink* sink)
+        : m_file(file), m_parts(file, faults, sink, [this] { return pointer(); }) {}
+    ModelFileParts& parts() noexcept { return m_parts; }
 
     void beginObject() override { begin(Kind::object, &JsonSink::beginObject); }
     void beginArray() override { begin(Kind::array, &JsonSink::beginArray); }
@@ -45,7 +45,8 @@ private:
         Place place;
         bool isArray;
         std::uint32_t keysSeen = 0;
-        std::size_t position = 0;  // of the element in an array; of the key in the rules or the record's fields
+        std::size_t position = 0;  // of the element in an array; of the key in the rules; behind the record's field
+        std::size_t field = 0;     // of a record
         std::string key{};
     };
 
@@ -130,11 +131,13 @@ void ModelFileReader::key(std::string_view name) {
 
 void ModelFileReader::recordKey(Frame& frame, std::string_view name) {
     RecordTable& table = m_parts.records(frame.place);
-    const std::optional<std::size_t> number = fieldNumber(table.kind(), name);
+    // The fields mostly come in their order.
+    const std::optional<std::size_t> number = fieldNumber(table.kind(), name, frame.position);
     if (!number) m_file.fail(pointer(), "this key is unknown; remove it");
-    frame.position = *number;
-    if (table.hasField(frame.position)) m_file.fail(pointer(), "this key appears twice; remove one");
-    table.noteField(frame.position);
+    if (table.hasField(*number)) m_file.fail(pointer(), "this key appears twice; remove one");
+    table.noteField(*number);
+    frame.field = *number;
+    frame.position = *number + 1;
 }
 
 void ModelFileReader::string(std::string_view text) {
@@ -177,7 +180,7 @@ void ModelFileReader::build(Event event) {
 
 void ModelFileReader::deliverValue() {
     const Frame& frame = m_frames.back();
-    m_parts.setField(frame.place, frame.position, m_value.take());
+    m_parts.setField(frame.place, frame.field, m_value.take());
     advance();
 }
 
@@ -193,11 +196,20 @@ void ModelFileReader::failKind(const std::string& found) const {
                 fmt::format("{} appears where {} is expected; correct it", found, shapes::describe(expected().kind)));
 }
 
-ModelFile readDocument(JsonFile& file, const FaultSink* faults = nullptr) {
+ModelFile readDocument(JsonFile file, const FaultSink* faults = nullptr) {
     const auto version = file.version();
-    ModelFileReader reader(file, faults);
+    ModelFileReader reader(file, faults, nullptr);
     file.read(reader);
-    ModelFile result = reader.finish();
+    ModelFile result = reader.parts().finish();
+    result.version = version;
+    return result;
+}
+
+RestOfModelFile readDocument(JsonFile file, ModelSink& sink) {
+    const auto version = file.version();
+    ModelFileReader reader(file, nullptr, &sink);
+    file.read(reader);
+    RestOfModelFile result = reader.parts().finishRest();
     result.version = version;
     return result;
 }
@@ -214,24 +226,29 @@ ModelFile newModelFile(const std::u16string& name) {
 
 ModelFile readModelFile(const std::string& path) {
     if (path == kStandardStream) return readModelText(calledInMessages(path), readStandardInput());
-    JsonFile file(path);
-    return readDocument(file);
+    return readDocument(JsonFile(path));
 }
 
 ModelFile readModelText(const std::string& name, const std::string& text) {
-    JsonFile file = JsonFile::ofText(name, text);
-    return readDocument(file);
+    return readDocument(JsonFile::ofText(name, text));
 }
 
 ModelFile readModelFile(const std::string& path, const FaultSink& faults) {
     if (path == kStandardStream) return readModelText(calledInMessages(path), readStandardInput(), faults);
-    JsonFile file(path);
-    return readDocument(file, &faults);
+    return readDocument(JsonFile(path), &faults);
 }
 
 ModelFile readModelText(const std::string& name, const std::string& text, const FaultSink& faults) {
-    JsonFile file = JsonFile::ofText(name, text);
-    return readDocument(file, &faults);
+    return readDocument(JsonFile::ofText(name, text), &faults);
+}
+
+RestOfModelFile readModelFile(const std::string& path, ModelSink& sink) {
+    if (path == kStandardStream) return readModelText(calledInMessages(path), readStandardInput(), sink);
+    return readDocument(JsonFile(path), sink);
+}
+
+RestOfModelFile readModelText(const std::string& name, const std::string& text, ModelSink& sink) {
+    return readDocument(JsonFile::ofText(name, text), sink);
 }
 
 }  // namespace workbench

@@ -1,4 +1,7 @@
+#include <fmt/format.h>
+
 #include <string>
+#include <vector>
 
 #include "host/values.h"
 #include "workbench/files/atomic_file.h"
@@ -63,26 +66,60 @@ void appendOrigin(std::string& out, const Origin& origin) {
     object.close();
 }
 
-// Fields whose class the library sets, whatever it was: plain numbers lose nothing.
-bool isCountField(std::string_view name) { return name == "UpdateRate_" || name == "DimensionChannel_"; }
+// How a field is written.
+enum class FieldForm : std::uint8_t {
+    value,
+    sorted,
+    count,  // a plain number, whatever class the library sets: nothing is lost
+};
+
+FieldForm formOf(std::string_view name) {
+    if (name == "UpdateRate_" || name == "DimensionChannel_") return FieldForm::count;
+    return name == "DomainParams_" ? FieldForm::sorted : FieldForm::value;
+}
+
+// What a list's records have in common.
+class RecordForm {
+public:
+    RecordForm(const hvArray* records, JsonLayout layout) : m_records(records), m_layout(layout) {
+        for (int i = 0; i < hvGetNumberOfFields(records); ++i) {
+            const char* const name = hvGetFieldNameByNumber(records, i);
+            m_fields.push_back({name, JsonObject::memberName(name), formOf(name)});
+        }
+    }
+
+    void append(std::string& out, std::size_t element, const std::u16string* markedName) const {
+        JsonObject object(out, m_layout);
+        for (const Field& field : m_fields) appendField(object, field, hvGetField(m_records, element, field.name));
+        if (markedName) object.text(kMarkedName, *markedName);
+        object.close();
+    }
+
+private:
+    struct Field {
+        const char* name;
+        std::string member;
+        FieldForm form;
+    };
+
+    static void appendField(JsonObject& object, const Field& field, const hvArray* value) {
+        // Parked records stay as they were read.
+        if (!value && field.form == FieldForm::count) return;
+        std::string& out = object.written(field.member).out();
+        if (field.form == FieldForm::count)
+            out += fmt::format("{}", hvGetScalarInt(value));
+        else
+            field.form == FieldForm::sorted ? appendJsonFieldsSorted(out, value) : appendJsonValue(out, value);
+    }
+
+    const hvArray* m_records;
+    JsonLayout m_layout;
+    std::vector<Field> m_fields;
+};
 
 void appendRecord(std::string& out, const hvArray* records, std::size_t element, JsonLayout layout,
                   const std::u16string* markedName = nullptr) {
-    JsonObject object(out, layout);
-    for (int i = 0; i < hvGetNumberOfFields(records); ++i) {
-        const std::string_view name = hvGetFieldNameByNumber(records, i);
-        const hvArray* const field = hvGetField(records, element, name.data());
-        // Parked records stay as they were read.
-        if (!field && isCountField(name)) continue;
-        if (isCountField(name)) {
-            object.number(name, hvGetScalarInt(field));
-            continue;
-        }
-        object.name(name);
-        name == "DomainParams_" ? appendJsonFieldsSorted(out, field) : appendJsonValue(out, field);
-    }
-    if (markedName) object.text(kMarkedName, *markedName);
-    object.close();
+    RecordForm(records, layout).append(out, element, markedName);
 }
 
 void appendParked(std::string& out, const ParkedMark& mark) {
@@ -98,37 +135,80 @@ void appendParked(std::string& out, const ParkedMark& mark) {
     object.text("from", mark.from).close();
 }
 
-// A list of the document; each element is handed on as soon as it is written.
+// A list of the document; what is written is handed on from time to time.
+class List {
+public:
+    List(const TextSink& sink, std::string& out) : m_sink(sink), m_out(out), m_array(out, kList) {}
+    // Makes room for one more element.
+    void next() {
+        constexpr std::size_t kMost = std::size_t{1} << 16U;
+        m_array.next();
+        if (m_out.size() < kMost) return;
+        m_sink(m_out);
+        m_out.clear();
+    }
+    void close() { m_array.close(); }
+
+private:
+    const TextSink& m_sink;
+    std::string& m_out;
+    JsonArray m_array;
+};
+
 template <class Range, class Append>
 void writeList(const TextSink& sink, std::string& out, const Range& elements, Append append) {
-    appendJsonArray(
-        out, elements,
-        [&](const auto& element) {
-            append(element);
-            sink(out);
-            out.clear();
-        },
-        kList);
+    List list(sink, out);
+    for (const auto& element : elements) {
+        list.next();
+        append(element);
+    }
+    list.close();
+}
+
+void writeRecords(const TextSink& sink, std::string& out, const RecordSource& source) {
+    List list(sink, out);
+    source([&](const hvArray* records, const MarkedNameList& names) {
+        const RecordForm form(records, kRecord);
+        for (const std::size_t i : ks_host::indicesOf(records)) {
+            list.next();
+            form.append(out, i, i < names.size() && names[i] ? &*names[i] : nullptr);
+        }
+    });
+    list.close();
+}
+
+WrittenFile writeInto(AtomicFile& file, const ModelContents& contents) {
+    writeModel([&](std::string_view piece) { file.write(piece); }, contents);
+    return {file.commit(), file.warnings()};
 }
 
 }  // namespace
 
-void writeModel(const TextSink& sink, const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
-                const ModelExtras& extras) {
+ModelContents contentsOf(const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
+                         const ModelExtras& extras) {
+    return {model, [signals, &extras](const SliceSink& sink) { sink(signals, extras.markedNames); },
+            [clients](const SliceSink& sink) { sink(clients, {}); }, extras};
+}
+
+ModelContents contentsOf(const ModelFile& file) {
+    return contentsOf(file.model, file.signals.get(), file.clients.get(), file.extras);
+}
+
+void writeModel(const TextSink& sink, const ModelContents& contents) {
+    const ModelExtras& extras = contents.extras;
     std::string out;
     JsonObject document(out, kDocument);
-    document.number("kestrelModel", 1).text("name", model.name());
+    document.number("kestrelModel", 1).text("name", contents.model.name());
     if (extras.origin) {
         document.name("origin");
         appendOrigin(out, *extras.origin);
     }
     document.name("blocks");
-    writeList(sink, out, model.blocks(), [&](const kestrel::Block& block) { appendBlock(out, block); });
+    writeList(sink, out, contents.model.blocks(), [&](const kestrel::Block& block) { appendBlock(out, block); });
     document.name("signals");
-    writeList(sink, out, ks_host::indicesOf(signals),
-              [&](std::size_t i) { appendRecord(out, signals, i, kRecord, extras.markedName(i)); });
+    writeRecords(sink, out, contents.signals);
     document.name("clients");
-    writeList(sink, out, ks_host::indicesOf(clients), [&](std::size_t i) { appendRecord(out, clients, i, kRecord); });
+    writeRecords(sink, out, contents.clients);
     if (!extras.parked.empty()) {
         document.name("parked");
         writeList(sink, out, extras.parked, [&](const ParkedMark& mark) { appendParked(out, mark); });
@@ -137,33 +217,37 @@ void writeModel(const TextSink& sink, const kestrel::Model& model, const hvArray
     sink(out += '\n');
 }
 
-std::string modelText(const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
-                      const ModelExtras& extras) {
+std::string modelText(const ModelContents& contents) {
     std::string text;
-    writeModel([&](std::string_view piece) { text += piece; }, model, signals, clients, extras);
+    writeModel([&](std::string_view piece) { text += piece; }, contents);
     return text;
 }
 
-std::string modelText(const ModelFile& file) {
-    return modelText(file.model, file.signals.get(), file.clients.get(), file.extras);
+std::string modelText(const kestrel::Model& model, const hvArray* signals, const hvArray* clients,
+                      const ModelExtras& extras) {
+    return modelText(contentsOf(model, signals, clients, extras));
+}
+
+std::string modelText(const ModelFile& file) { return modelText(contentsOf(file)); }
+
+WrittenFile writeModelFile(const std::string& path, const ModelContents& contents,
+                           std::optional<FileVersion> replaced) {
+    AtomicFile file(path, replaced);
+    return writeInto(file, contents);
 }
 
 WrittenFile writeModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
                            const hvArray* clients, const ModelExtras& extras, std::optional<FileVersion> replaced) {
-    AtomicFile file(path, replaced);
-    writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, extras);
-    return {file.commit(), file.warnings()};
+    return writeModelFile(path, contentsOf(model, signals, clients, extras), replaced);
 }
 
 WrittenFile writeModelFile(const std::string& path, const ModelFile& file, std::optional<FileVersion> replaced) {
-    return writeModelFile(path, file.model, file.signals.get(), file.clients.get(), file.extras, replaced);
+    return writeModelFile(path, contentsOf(file), replaced);
 }
 
-WrittenFile writeNewModelFile(const std::string& path, const kestrel::Model& model, const hvArray* signals,
-                              const hvArray* clients, const ModelExtras& extras) {
+WrittenFile writeNewModelFile(const std::string& path, const ModelContents& contents) {
     AtomicFile file(AtomicFile::kNew, path);
-    writeModel([&](std::string_view piece) { file.write(piece); }, model, signals, clients, extras);
-    return {file.commit(), file.warnings()};
+    return writeInto(file, contents);
 }
 
 }  // namespace workbench

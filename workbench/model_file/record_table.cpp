@@ -149,22 +149,43 @@ std::span<const char* const> fieldsOf(RecordKind kind) {
     return {SignalSpecification::getStructFields(), static_cast<std::size_t>(count)};
 }
 
-std::optional<std::size_t> fieldNumber(RecordKind kind, std::string_view name) {
-    if (kind == RecordKind::signal && name == kMarkedName) return RecordLines::kMarkedName;
+std::optional<std::size_t> fieldNumber(RecordKind kind, std::string_view name, std::size_t likely) {
     const std::vector<Field>& fields = fieldTable(kind);
+    if (likely < fields.size() && fields[likely].name == name) return likely;
+    if (kind == RecordKind::signal && name == kMarkedName) return RecordLines::kMarkedName;
     const auto found = std::find_if(fields.begin(), fields.end(), [&](const Field& one) { return one.name == name; });
     if (found == fields.end()) return std::nullopt;
     return static_cast<std::size_t>(found - fields.begin());
 }
 
-ErrorPlace recordPlace(const std::string& path, RecordKind kind, const std::vector<RecordLines>& lines,
-                       std::size_t position, const std::string& field) {
-    std::size_t line = 0;
-    if (position < lines.size()) {
-        const std::optional<std::size_t> number = fieldNumber(kind, field);
-        line = number ? lines[position].fields.at(*number) : 0;
-        if (line == 0) line = lines[position].start;
+void RecordLines::begin(std::size_t line) {
+    if (!m_starts.empty() && (m_shapeNumbers.empty() || m_shapes[m_shapeNumbers.back()] != m_last)) {
+        const auto [shape, isNew] = m_numbers.try_emplace(m_last, static_cast<std::uint32_t>(m_shapes.size()));
+        if (isNew) m_shapes.push_back(m_last);
+        m_shapeNumbers.push_back(shape->second);
+    } else if (!m_starts.empty()) {
+        m_shapeNumbers.push_back(m_shapeNumbers.back());
     }
+    m_starts.push_back(line);
+    m_last = {};
+}
+
+std::size_t RecordLines::start(std::size_t position) const noexcept {
+    return position < m_starts.size() ? m_starts[position] : 0;
+}
+
+std::size_t RecordLines::line(std::size_t position, std::size_t field) const {
+    if (position >= m_starts.size()) return 0;
+    const bool isLast = position + 1 == m_starts.size();
+    const std::size_t offset = isLast ? m_last.at(field) : m_shapes[m_shapeNumbers[position]].at(field);
+    return offset == 0 ? 0 : m_starts[position] + offset - 1;
+}
+
+ErrorPlace recordPlace(const std::string& path, RecordKind kind, const RecordLines& lines, std::size_t position,
+                       const std::string& field) {
+    const std::optional<std::size_t> number = fieldNumber(kind, field);
+    std::size_t line = number ? lines.line(position, *number) : 0;
+    if (line == 0) line = lines.start(position);
     const char* const list = kind == RecordKind::signal ? "signals" : "clients";
     return {path, line, fmt::format("/{}/{}{}", list, position, field.empty() ? "" : pointerToken(field))};
 }
@@ -172,7 +193,7 @@ ErrorPlace recordPlace(const std::string& path, RecordKind kind, const std::vect
 void RecordTable::begin() {
     m_rows.emplace_back();
     m_markedNames.emplace_back();
-    m_lines.push_back({m_file.line(), {}});
+    m_lines.begin(m_file.line());
 }
 
 void RecordTable::setField(std::size_t field, HvArrayPtr value) {
@@ -187,15 +208,17 @@ void RecordTable::setField(std::size_t field, HvArrayPtr value) {
         m_markedNames.back() = ks_host::textOf(value.get());
 }
 
-HvArrayPtr RecordTable::build() {
+RecordSlice RecordTable::takeSlice() {
     HvArrayPtr records = makeRecords(m_kind, m_rows.size());
     const auto fields = fieldsOf(m_kind);
     for (std::size_t i = 0; i < m_rows.size(); ++i)
         for (std::size_t field = 0; field < fields.size(); ++field)
             if (HvArrayPtr& value = m_rows[i].at(field)) hvSetField(records.get(), i, fields[field], value.release());
+    m_hasGivenSlice = true;
+    const std::size_t first = std::exchange(m_first, m_first + m_rows.size());
     m_rows.clear();
     orvex::markAsPersisted(records.get());
-    return records;
+    return {first, std::move(records), std::exchange(m_markedNames, {})};
 }
 
 HvArrayPtr emptyRecords(RecordKind kind) {

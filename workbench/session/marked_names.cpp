@@ -27,21 +27,29 @@ std::string placeNames(const std::vector<std::uint32_t>& places, bool isItem) {
 
 }  // namespace
 
-std::optional<std::u16string> NameChecker::nameOn(const kestrel::Block& block, const SignalSpecification& signal) {
+const std::u16string* NameChecker::nameOn(const kestrel::Block& block, const SignalSpecification& signal) {
     if (isChartSignal(signal)) {
         // As the chart has it now, whatever path is saved with the signal.
         const std::optional<std::uint32_t> ssid = ssidOf(signal);
         const ChartItem* const item = ssid ? m_items.find(block, *ssid) : nullptr;
-        return item && item->domainType == signal.m_domainType ? std::optional(item->subPath) : std::nullopt;
+        return item && item->domainType == signal.m_domainType ? &item->subPath : nullptr;
     }
     const auto port = static_cast<std::size_t>(signal.m_outputPortIndex);
     const bool isThere = signal.m_outputPortIndex >= 1 && port <= block.outputs.size();
-    return isThere ? std::optional(block.outputs[port - 1]) : std::nullopt;
+    return isThere ? &block.outputs[port - 1] : nullptr;
 }
 
 std::optional<std::u16string> NameChecker::nameNow(const SignalSpecification& signal) {
     const kestrel::Block* const block = blockOf(m_model, signal);
-    return block ? nameOn(*block, signal) : std::nullopt;
+    const std::u16string* const name = block ? nameOn(*block, signal) : nullptr;
+    return name ? std::optional(*name) : std::nullopt;
+}
+
+bool NameChecker::isConfirmed(const SignalSpecification& signal, const std::u16string& markedName) {
+    const bool isForeign = !signal.m_domainType.empty() && !isChartSignal(signal);
+    const kestrel::Block* const block = isForeign ? nullptr : blockOf(m_model, signal);
+    const std::u16string* const name = block ? nameOn(*block, signal) : nullptr;
+    return name && *name == markedName;
 }
 
 NameCheck NameChecker::check(const SignalSpecification& signal, const std::u16string* markedName) {
@@ -49,7 +57,7 @@ NameCheck NameChecker::check(const SignalSpecification& signal, const std::u16st
     const bool isForeign = !signal.m_domainType.empty() && !isChartSignal(signal);
     NameCheck result{NameState::unknown, markedName ? *markedName : std::u16string()};
     if (!block || isForeign) return result;
-    result.nameNow = nameOn(*block, signal);
+    if (const std::u16string* const name = nameOn(*block, signal)) result.nameNow = *name;
     result.state = NameState::unconfirmed;
     if (!markedName) return result;
     result.state = NameState::confirmed;
@@ -95,13 +103,11 @@ std::string describe(const std::string& what, const NameCheck& name, bool isItem
     }
 }
 
-MarkedNames::MarkedNames(const ks_hmi::InstrumentedSignals& set, const kestrel::Model& model, const Names& saved)
-    : m_set(set), m_model(model) {
-    NameChecker checker(model);
-    for (std::size_t i = 0; i < set.getCount(); ++i) {
-        const std::u16string* const name = i < saved.size() && saved[i] ? &*saved[i] : nullptr;
-        if (checker.check(*set.get(i), name).state == NameState::confirmed) continue;
-        m_kept.push_back({set.share(i), name ? std::optional(*name) : std::nullopt});
+void MarkedNames::take(std::size_t first, const MarkedNameList& saved, NameChecker& checker) {
+    for (std::size_t i = first; i < m_set.getCount(); ++i) {
+        const bool isNamed = i - first < saved.size() && saved[i - first];
+        if (isNamed && checker.isConfirmed(*m_set.get(i), *saved[i - first])) continue;
+        m_kept.push_back({m_set.share(i), isNamed ? saved[i - first] : std::nullopt});
     }
 }
 
@@ -175,17 +181,13 @@ void MarkedNames::drop(const std::vector<std::size_t>& positions, const std::vec
     std::erase_if(m_kept, [](const Kept& one) { return !one.signal; });
 }
 
-MarkedNames::Names MarkedNames::toSave() const {
-    Names names;
-    names.reserve(m_set.getCount());
-    const std::vector<std::size_t> order = inOrder();
-    NameChecker checker(m_model);
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        const SignalSpecification& signal = *m_set.get(i);
-        if (signal.m_excludeForSave) continue;
-        names.push_back(order[i] == kNone ? checker.nameNow(signal) : m_kept[order[i]].name);
-    }
-    return names;
+MarkedNames::Saver::Saver(const MarkedNames& names) : m_names(names), m_checker(names.m_model) {
+    if (!names.m_kept.empty()) m_order = names.inOrder();
+}
+
+std::optional<std::u16string> MarkedNames::Saver::nameOf(const SignalSpecification& signal, std::size_t position) {
+    const std::size_t kept = m_order.empty() ? kNone : m_order[position];
+    return kept == kNone ? m_checker.nameNow(signal) : m_names.m_kept[kept].name;
 }
 
 }  // namespace workbench

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "signals/instrumented_signals.h"
+#include "workbench/model_file/record_slice.h"
 #include "workbench/session/chart_item_finder.h"
 #include "workbench/session/signal_source.h"
 
@@ -42,9 +43,12 @@ public:
     NameCheck check(const ks_hmi::SignalSpecification& signal, const std::u16string* markedName);
     /// What the signal's source is called in the model now, as `NameCheck::nameNow`.
     std::optional<std::u16string> nameNow(const ks_hmi::SignalSpecification& signal);
+    /// Whether `check` would find the name confirmed.
+    bool isConfirmed(const ks_hmi::SignalSpecification& signal, const std::u16string& markedName);
 
 private:
-    std::optional<std::u16string> nameOn(const kestrel::Block& block, const ks_hmi::SignalSpecification& signal);
+    /// Null when it is gone.
+    const std::u16string* nameOn(const kestrel::Block& block, const ks_hmi::SignalSpecification& signal);
     /// Ports of a name, or chart items of a domain and a name.
     using Places = std::unordered_map<std::u16string, std::vector<std::uint32_t>>;
     static Places placesIn(const kestrel::Block& block);
@@ -71,10 +75,10 @@ struct UnsettledMark {
 /// outlive it.
 class MarkedNames {
 public:
-    using Names = std::vector<std::optional<std::u16string>>;
-
-    /// `saved` are the names that a file keeps, in the set's order; the last ones may be left out.
-    MarkedNames(const ks_hmi::InstrumentedSignals& set, const kestrel::Model& model, const Names& saved);
+    MarkedNames(const ks_hmi::InstrumentedSignals& set, const kestrel::Model& model) : m_set(set), m_model(model) {}
+    /// The set has got further signals, from the position `first` (0-based) to its end. `saved` are the names that
+    /// their file keeps; the last ones may be left out. `checker` is one of the same model.
+    void take(std::size_t first, const MarkedNameList& saved, NameChecker& checker);
 
     /// Marks whose name the model has elsewhere or no more, in the set's order. Those whose source is gone are none,
     /// unless the name is at another place of the block.
@@ -86,8 +90,19 @@ public:
     std::vector<std::size_t> confirm(const std::vector<std::size_t>& positions);
     /// The marks at these positions are about to be removed; the same sources may be marked again.
     void forget(const std::vector<std::size_t>& positions);
-    /// What is to be saved, of the signals that are, in order; nothing for an unconfirmed mark.
-    Names toSave() const;
+
+    /// Tells the names that are to be saved. The names and the model must not change meanwhile.
+    class Saver {
+    public:
+        explicit Saver(const MarkedNames& names);
+        /// Of the signal that was at `position` (0-based) when this was made; nothing for an unconfirmed mark.
+        std::optional<std::u16string> nameOf(const ks_hmi::SignalSpecification& signal, std::size_t position);
+
+    private:
+        const MarkedNames& m_names;
+        std::vector<std::size_t> m_order;  ///< empty when all marks are confirmed
+        NameChecker m_checker;
+    };
 
 private:
     /// What a file said of a mark that was not confirmed.

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <variant>
 
+#include "host/services.h"
+
 namespace workbench {
 
 RefusedField refusedField(const resource_core::BaseMsgID& id) {
@@ -13,6 +15,18 @@ RefusedField refusedField(const resource_core::BaseMsgID& id) {
     if (const auto* element = std::get_if<std::int64_t>(&id.arguments()[1]))
         refused.element = static_cast<std::size_t>(*element);
     return refused;
+}
+
+std::string refusalText(const kssvIException& refusal, std::size_t position) {
+    const resource_core::BaseMsgID& id = refusal.messageId();
+    const auto number = static_cast<std::int64_t>(position + 1);
+    const resource_core::BaseMsgID renumbered(id.catalogue(), id.key(), {id.arguments().at(0), number});
+    try {
+        kssvThrowIExceptionFromDiagnostic(kssvCreateDiagnostic(renumbered, std::string()), nullptr);
+    } catch (const kssvIException& exception) {
+        return exception.what();
+    }
+    return refusal.what();
 }
 
 }  // namespace workbench

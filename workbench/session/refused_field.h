@@ -14,5 +14,7 @@ struct RefusedField {
 };
 
 RefusedField refusedField(const resource_core::BaseMsgID& id);
+/// What the exception says of a refused field, with the record at `position` (0-based) for the one that it names.
+std::string refusalText(const kssvIException& refusal, std::size_t position);
 
 }  // namespace workbench

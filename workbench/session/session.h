@@ -95,25 +95,24 @@ public:
     std::string text();
 
 private:
-    ModelFile read();
-    void openOrUnload(ModelFile file, Opening opening);
-    void open(ModelFile file, Opening opening);
-    struct Saved {
-        HvArrayPtr signals;
-        HvArrayPtr clients;
-    };
-    /// `m_extras` then goes with it.
-    Saved savedForm();
-    std::size_t leftOut(const Saved& saved) const;
-    SaveResult noteWritten(const Saved& saved, WrittenFile file);
+    class Loader;
+    template <class Load>
+    void openOrUnload(Opening opening, Load load);
+    RestOfModelFile read(ModelSink& sink);
     void makeSets();
-    void give(hvArray* set, const hvArray* records, RecordKind kind, const std::vector<RecordLines>& lines) const;
-    void checkClients(const std::vector<RecordLines>& lines) const;
-    void check(const std::vector<RecordLines>& lines, Opening opening);
+    void check(const RecordLines& lines, Opening opening);
+    void checkClients(const RecordLines& lines) const;
     [[noreturn]] void refuse(const SignalFault& fault, const ErrorPlace& place) const;
     void bindRenumbered();
-    void keepLostPaths(hvArray* saved) const;
-    void requirePaths(const hvArray* saved) const;
+
+    /// What `save` writes. Throws `Error` when that must not be. The session must outlive it.
+    ModelContents contents();
+    void saveSignals(const SliceSink& sink) const;
+    void saveClients(const SliceSink& sink) const;
+    SaveResult noteWritten(WrittenFile file);
+    std::size_t leftOut() const;
+    void keepLostPath(hvArray* saved, std::size_t element, const ks_hmi::SignalSpecification& signal) const;
+    void requirePath(const hvArray* saved, std::size_t element, std::size_t position) const;
 
     std::string m_path;
     std::string m_input;

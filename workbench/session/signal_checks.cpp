@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <boost/unordered/unordered_flat_set.hpp>
 #include <optional>
 #include <string_view>
-#include <unordered_set>
 #include <utility>
 
 #include "signals/signal_specification.h"
@@ -76,7 +76,7 @@ std::optional<SignalFault> sourceFault(const SignalSpecification& signal, const 
 std::vector<SignalFault> faultsOf(const ks_hmi::InstrumentedSignals& set, const kestrel::Model& model) {
     std::vector<SignalFault> faults;
     ChartItemFinder items;
-    std::unordered_set<std::string_view> uuids;
+    boost::unordered_flat_set<std::string_view> uuids;
     uuids.reserve(set.getCount());
     for (const auto& [position, signal] : numbered(set)) {
         std::optional<SignalFault> fault = sourceFault(signal, model, items);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "memory_host/kestrel/model.h"
+#include "workbench/session/optional_box.h"
 
 namespace ks_hmi {
 class SignalSpecification;
@@ -30,7 +31,7 @@ struct ChartItem {
 struct SignalSource {
     const kestrel::Block* block = nullptr;
     int port = 0;  ///< 1-based; 0 for a chart item
-    std::optional<ChartItem> item;
+    OptionalBox<ChartItem> item;
 };
 
 /// "model/block/path:2" or "model/chart/State".

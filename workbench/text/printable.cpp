@@ -27,24 +27,32 @@ constexpr auto kUnseen = std::to_array<Range>({
     {0x2FFFE, 0x2FFFF}, {0x3FFFE, 0x3FFFF}, {0xE0000, 0x10FFFF},
 });
 
+bool isSeenAscii(char32_t character) noexcept { return character >= 0x20 && character < 0x7F; }
+
 bool isUnseen(char32_t character) noexcept {
+    if (isSeenAscii(character)) return false;
     const auto* const range = std::lower_bound(kUnseen.begin(), kUnseen.end(), character,
                                                [](const Range& one, char32_t wanted) { return one.last < wanted; });
     return range != kUnseen.end() && character >= range->first;
 }
 
-// Gives each character of UTF-8 to `take(character, bytes)`; bytes that are none come one by one.
+// Gives the first character of UTF-8, if there is one, to `take(character, bytes)`; bytes that are none come one by
+// one.
+template <class Take>
+void takeCharacter(std::string_view& text, Take take) {
+    using Utf = boost::locale::utf::utf_traits<char>;
+    if (text.empty()) return;
+    const char* end = text.data();
+    const char32_t character = Utf::decode(end, text.data() + text.size());
+    const bool isOne = character != boost::locale::utf::illegal && character != boost::locale::utf::incomplete;
+    const std::size_t size = isOne ? static_cast<std::size_t>(end - text.data()) : 1;
+    take(isOne ? character : static_cast<unsigned char>(text.front()), text.substr(0, size), isOne);
+    text.remove_prefix(size);
+}
+
 template <class Take>
 void forEachCharacter(std::string_view text, Take take) {
-    using Utf = boost::locale::utf::utf_traits<char>;
-    while (!text.empty()) {
-        const char* end = text.data();
-        const char32_t character = Utf::decode(end, text.data() + text.size());
-        const bool isOne = character != boost::locale::utf::illegal && character != boost::locale::utf::incomplete;
-        const std::size_t size = isOne ? static_cast<std::size_t>(end - text.data()) : 1;
-        take(isOne ? character : static_cast<unsigned char>(text.front()), text.substr(0, size), isOne);
-        text.remove_prefix(size);
-    }
+    while (!text.empty()) takeCharacter(text, take);
 }
 
 std::string escapeInText(char32_t character) {
@@ -67,12 +75,17 @@ template <class Escape>
 std::string withoutUnseen(std::string_view text, Escape escape) {
     std::string result;
     result.reserve(text.size());
-    forEachCharacter(text, [&](char32_t character, std::string_view bytes, bool isOne) {
-        if (isOne && !isUnseen(character))
-            result += bytes;
-        else
-            result += escape(character);
-    });
+    while (!text.empty()) {
+        const auto end = std::find_if_not(text.begin(), text.end(), isSeenAscii);
+        result.append(text.begin(), end);
+        text.remove_prefix(static_cast<std::size_t>(end - text.begin()));
+        takeCharacter(text, [&](char32_t character, std::string_view bytes, bool isOne) {
+            if (isOne && !isUnseen(character))
+                result += bytes;
+            else
+                result += escape(character);
+        });
+    }
     return result;
 }
 

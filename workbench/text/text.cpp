@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <type_traits>
 
 #include "host/text.h"
 #include "host/values.h"
@@ -15,6 +16,13 @@ namespace {
 // In columns.
 constexpr std::size_t kLongestQuoted = 120;
 
+// Without looking for the first other one: texts are short, and a loop without an exit is fast.
+bool isAscii(auto text) noexcept {
+    unsigned units = 0;
+    for (const auto unit : text) units |= static_cast<std::make_unsigned_t<decltype(unit)>>(unit);
+    return units < 0x80;
+}
+
 std::size_t characterCount(std::string_view text) {
     return static_cast<std::size_t>(std::count_if(
         text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
@@ -22,9 +30,17 @@ std::size_t characterCount(std::string_view text) {
 
 }  // namespace
 
-std::u16string toUtf16(std::string_view text) { return ks_host::textOf(ks_host::makeText(text).get()); }
+std::u16string toUtf16(std::string_view text) {
+    if (isAscii(text)) return {text.begin(), text.end()};
+    return ks_host::textOf(ks_host::makeText(text).get());
+}
 
-std::string toUtf8(std::u16string_view text) { return fl::i18n::to_string(std::u16string(text)); }
+std::string toUtf8(std::u16string_view text) {
+    if (!isAscii(text)) return fl::i18n::to_string(std::u16string(text));
+    std::string bytes(text.size(), '\0');
+    std::transform(text.begin(), text.end(), bytes.begin(), [](char16_t unit) { return static_cast<char>(unit); });
+    return bytes;
+}
 
 std::string inQuotes(std::string_view text) {
     const std::string whole = printable(text);

@@ -56,6 +56,9 @@ using BitsOf = std::conditional_t<sizeof(Float) == sizeof(double), std::uint64_t
 template <class Float>
 std::string textOfFloat(Float value) {
     if (value == 0 && std::signbit(value)) return "-0.0";
+    // Larger ones are shorter with an exponent.
+    constexpr Float kShort = 10'000;
+    if (std::abs(value) < kShort && value == std::trunc(value)) return written(static_cast<int>(value));
     return written(value);
 }
 
@@ -107,6 +110,7 @@ Float exact(std::string_view text, Float value) {
     const bool isWhole = text.find_first_not_of("0123456789", text.starts_with('-') ? 1 : 0) == std::string_view::npos;
     if (!isWhole) return value;
     if (text == "-0") throw Error("the number -0 would be saved as -0.0; write -0.0, or 0 when no sign is meant");
+    if (text.size() <= std::numeric_limits<Float>::digits10) return value;
     if (fmt::format("{:.0f}", value) == text || written(value) == text) return value;
     throw Error(
         fmt::format(R"(the number {0} would be saved as {1:.0f}; write it as {{"$class": "int64", "size": [1, 1], )"
@@ -130,7 +134,14 @@ std::string textOfNumber(double value) { return textOfFloat(value); }
 
 double numberOfText(std::string_view text) { return parsed<double>(text, "double"); }
 
-double exactNumberOfText(std::string_view text) { return exact(text, numberOfText(text)); }
+double exactNumberOfText(std::string_view text) {
+    // A few digits, as most numbers are.
+    constexpr std::size_t kFew = std::numeric_limits<std::int32_t>::digits10;
+    std::int32_t whole = 0;
+    const char* const end = text.data() + text.size();
+    if (text.size() <= kFew && text.front() != '-' && std::from_chars(text.data(), end, whole).ptr == end) return whole;
+    return exact(text, numberOfText(text));
+}
 
 std::size_t lengthOfText(std::string_view text) { return parsed<std::size_t>(text, "length"); }
 

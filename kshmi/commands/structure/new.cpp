@@ -23,7 +23,7 @@ int runNew(const NewArguments& arguments, const Output& output) {
         sendModel(output, modelText(made));
         return kSuccess;
     }
-    writeNewModelFile(arguments.file, made.model, made.signals.get(), made.clients.get());
+    writeNewModelFile(arguments.file, contentsOf(made));
     output.out << fmt::format("{}: made the model {}, with no blocks\n", printable(std::string_view(arguments.file)),
                               printable(made.model.name()));
     return kSuccess;

@@ -1,0 +1,217 @@
+#include "workbench/json/plain_element.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "workbench/json/json_file.h"
+#include "workbench/text/text.h"
+
+namespace workbench {
+
+namespace {
+
+constexpr int kDeepest = 8;
+
+enum class Sign : std::uint8_t { plain, quote, foreign, other };
+
+// What may stand in a text as it is, what ends it, what may be part of a character.
+constexpr auto kSigns = [] {
+    std::array<Sign, 256> signs{};
+    for (std::size_t i = 0; i < signs.size(); ++i)
+        signs.at(i) = i >= 0x80 ? Sign::foreign : i < 0x20 || i == '\\' ? Sign::other : Sign::plain;
+    signs['"'] = Sign::quote;
+    return signs;
+}();
+
+Sign signOf(char c) noexcept { return kSigns[static_cast<unsigned char>(c)]; }
+
+// Whether all of eight characters are plain: none has its high bit, none is below a blank, a quote or a backslash.
+bool areEightPlain(const char* text) noexcept {
+    constexpr std::uint64_t kOnes = 0x0101010101010101U;
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, text, sizeof eight);
+    const auto zeros = [](std::uint64_t bytes) { return (bytes - kOnes) & ~bytes; };
+    const std::uint64_t low = (eight - kOnes * 0x20U) & ~eight;
+    return ((eight | low | zeros(eight ^ (kOnes * '"')) | zeros(eight ^ (kOnes * '\\'))) & (kOnes * 0x80U)) == 0;
+}
+
+bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+bool isUtf8(std::string_view text) { return toUtf8(toUtf16(text)) == text; }
+
+}  // namespace
+
+bool PlainElement::scan(std::string_view text) {
+    m_tokens.clear();
+    m_lines = 0;
+    m_rest = text;
+    skipBlanks();
+    if (!value(0)) return false;
+    skipBlanks();
+    if (!take(',') || !take('\n')) return false;
+    ++m_lines;
+    m_size = text.size() - m_rest.size();
+    return true;
+}
+
+bool PlainElement::take(char c) noexcept {
+    if (m_rest.empty() || m_rest.front() != c) return false;
+    m_rest.remove_prefix(1);
+    return true;
+}
+
+void PlainElement::skipBlanks() noexcept {
+    std::size_t at = 0;
+    for (; at < m_rest.size(); ++at) {
+        const char c = m_rest[at];
+        if (c == '\n')
+            ++m_lines;
+        else if (c != ' ' && c != '\t' && c != '\r')
+            break;
+    }
+    m_rest.remove_prefix(at);
+}
+
+void PlainElement::add(Kind kind, std::string_view text) {
+    m_tokens.push_back({kind, m_lines, text});
+    m_lines = 0;
+}
+
+bool PlainElement::value(int depth) {
+    if (m_rest.empty() || depth > kDeepest) return false;
+    switch (m_rest.front()) {
+        case '"':
+            return quoted(Kind::text);
+        case '{':
+            return object(depth);
+        case '[':
+            return array(depth);
+        case 't':
+            return word("true", Kind::yes);
+        case 'f':
+            return word("false", Kind::no);
+        case 'n':
+            return word("null", Kind::null);
+        default:
+            return number();
+    }
+}
+
+bool PlainElement::object(int depth) {
+    add(Kind::beginObject);
+    m_rest.remove_prefix(1);
+    skipBlanks();
+    if (!take('}')) {
+        if (!member(depth)) return false;
+        while (take(','))
+            if (!member(depth)) return false;
+        if (!take('}')) return false;
+    }
+    add(Kind::endObject);
+    return true;
+}
+
+bool PlainElement::member(int depth) {
+    skipBlanks();
+    if (!quoted(Kind::key)) return false;
+    skipBlanks();
+    if (!take(':')) return false;
+    skipBlanks();
+    if (!value(depth + 1)) return false;
+    skipBlanks();
+    return true;
+}
+
+bool PlainElement::array(int depth) {
+    add(Kind::beginArray);
+    m_rest.remove_prefix(1);
+    skipBlanks();
+    if (!take(']')) {
+        do {
+            skipBlanks();
+            if (!value(depth + 1)) return false;
+            skipBlanks();
+        } while (take(','));
+        if (!take(']')) return false;
+    }
+    add(Kind::endArray);
+    return true;
+}
+
+bool PlainElement::quoted(Kind kind) {
+    if (m_rest.empty() || m_rest.front() != '"') return false;
+    std::size_t at = 1;
+    bool isForeign = false;
+    while (m_rest.size() - at >= 8 && areEightPlain(m_rest.data() + at)) at += 8;
+    for (; at < m_rest.size(); ++at) {
+        const Sign sign = signOf(m_rest[at]);
+        if (sign == Sign::plain) continue;
+        if (sign != Sign::foreign) break;
+        isForeign = true;
+    }
+    if (at == m_rest.size() || m_rest[at] != '"') return false;
+    const std::string_view text = m_rest.substr(1, at - 1);
+    if (isForeign && !isUtf8(text)) return false;
+    add(kind, text);
+    m_rest.remove_prefix(at + 1);
+    return true;
+}
+
+// A whole number that every integer type has.
+bool PlainElement::number() {
+    constexpr std::size_t kMostDigits = 18;
+    const std::size_t start = m_rest.front() == '-' ? 1 : 0;
+    std::size_t end = start;
+    while (end < m_rest.size() && isDigit(m_rest[end])) ++end;
+    const std::size_t digits = end - start;
+    if (digits == 0 || digits > kMostDigits || end == m_rest.size()) return false;
+    if (m_rest[start] == '0' && digits > 1) return false;
+    if (std::string_view(" \t\r\n,]}").find(m_rest[end]) == std::string_view::npos) return false;
+    add(Kind::number, m_rest.substr(0, end));
+    m_rest.remove_prefix(end);
+    return true;
+}
+
+bool PlainElement::word(std::string_view word, Kind kind) {
+    if (!m_rest.starts_with(word)) return false;
+    add(kind);
+    m_rest.remove_prefix(word.size());
+    return true;
+}
+
+void PlainElement::tell(JsonSink& sink, std::size_t& line) const {
+    for (const Token& token : m_tokens) {
+        line += token.linesBefore;
+        switch (token.kind) {
+            case Kind::beginObject:
+                sink.beginObject();
+                break;
+            case Kind::key:
+                sink.key(token.text);
+                break;
+            case Kind::endObject:
+                sink.endObject();
+                break;
+            case Kind::beginArray:
+                sink.beginArray();
+                break;
+            case Kind::endArray:
+                sink.endArray();
+                break;
+            case Kind::text:
+                sink.string(token.text);
+                break;
+            case Kind::number:
+                sink.number(token.text);
+                break;
+            case Kind::null:
+                sink.null();
+                break;
+            default:
+                sink.boolean(token.kind == Kind::yes);
+        }
+    }
+    line += m_lines;
+}
+
+}  // namespace workbench
