@@ -30,6 +30,7 @@ constexpr const char* kPatternHelp =
 
 std::vector<SourceKind> kindsOf(const std::vector<std::string>& words) {
     std::vector<SourceKind> kinds;
+    kinds.reserve(words.size());
     for (const std::string& word : words) kinds.push_back(sourceKindOf(word).value());
     return kinds;
 }
