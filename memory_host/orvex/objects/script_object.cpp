@@ -1,12 +1,34 @@
 #include "memory_host/orvex/objects/script_object.h"
 
 #include <algorithm>
+#include <array>
+#include <optional>
 #include <utility>
 
 #include "memory_host/orvex/calls/errors.h"
 #include "memory_host/orvex/values/hv_array_impl.h"
 
 namespace orvex {
+
+namespace {
+
+// For each position among a class's properties the one that was asked for after it the last time, whatever the class:
+// object after object is asked for the same ones in the same order.
+constinit std::array<std::size_t, 32> g_slotAfter{};
+constinit std::size_t g_lastSlot = 0;
+
+std::optional<std::size_t> guessedSlot(const std::vector<ScriptProperty>& properties, std::string_view name) noexcept {
+    const std::size_t guess = g_slotAfter[g_lastSlot];
+    if (guess >= properties.size() || properties[guess].name != name) return std::nullopt;
+    g_lastSlot = guess;
+    return guess;
+}
+
+void rememberSlot(std::size_t slot) noexcept {
+    if (slot < g_slotAfter.size()) g_lastSlot = g_slotAfter[g_lastSlot] = slot;
+}
+
+}  // namespace
 
 ScriptObject::ScriptObject(std::shared_ptr<const ScriptClass> scriptClass)
     : COSObject("creating an object"), m_class(std::move(scriptClass)), m_values(m_class->properties.size()) {}
@@ -67,11 +89,14 @@ const hvArray* ScriptObject::stored(std::string_view name) const { return m_valu
 
 std::size_t ScriptObject::slotOf(std::string_view name) const {
     const auto& properties = m_class->properties;
+    if (const auto guess = guessedSlot(properties, name)) return *guess;
     const auto hasName = [&](const ScriptProperty& property) { return property.name == name; };
     const auto found = std::find_if(properties.begin(), properties.end(), hasName);
     if (found == properties.end())
         raise("UnknownProperty", "There is no property \"" + std::string(name) + "\" of class " + className() + ".");
-    return static_cast<std::size_t>(found - properties.begin());
+    const auto slot = static_cast<std::size_t>(found - properties.begin());
+    rememberSlot(slot);
+    return slot;
 }
 
 HvArrayPtr constructScriptObject(const std::shared_ptr<const ScriptClass>& scriptClass,
