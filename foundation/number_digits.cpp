@@ -51,16 +51,27 @@ char* putWhole(char* to, std::uint64_t whole) {
     return to + kWordDigits - zeros;
 }
 
-// The first digits of that many 65536ths, which have 16 decimals.
-char* putFraction(char* to, std::uint64_t in65536ths, int decimals) {
-    const std::uint64_t digits = in65536ths * kDecimalUnitsPer65536th;
-    putDigits(to, eightDigits(static_cast<std::uint32_t>(digits / kWordLimit)));
-    putDigits(to + kWordDigits, eightDigits(static_cast<std::uint32_t>(digits % kWordLimit)));
+// The first ones of 16 decimals.
+char* putDecimals(char* to, std::uint64_t sixteen, int decimals) {
+    putDigits(to, eightDigits(static_cast<std::uint32_t>(sixteen / kWordLimit)));
+    putDigits(to + kWordDigits, eightDigits(static_cast<std::uint32_t>(sixteen % kWordLimit)));
     return to + decimals;
 }
 
-// Block handles are integers or dyadic fractions as a rule: their decimal expansion ends within 17 digits and needs
-// no rounding. Null for every other number. Writes up to 8 bytes beyond the end.
+// Of 16 decimals as many as there is room for, half of the last one to the even one, without zeros at the end. They
+// amount neither to a whole nor to nothing: 17 digits tell every number from all others.
+char* putRoundedDecimals(char* to, std::uint64_t sixteen, int room) {
+    const std::uint64_t unit = kPowersOf10[static_cast<std::size_t>(kMostDecimals - room)];
+    std::uint64_t rounded = sixteen / unit;
+    const std::uint64_t rest = sixteen % unit;
+    rounded += static_cast<std::uint64_t>(rest > unit / 2 || (rest == unit / 2 && rounded % 2 == 1));
+    sixteen = rounded * unit;
+    for (; rounded % 10 == 0; rounded /= 10) --room;
+    return putDecimals(to, sixteen, room);
+}
+
+// Block handles are integers or dyadic fractions as a rule: their decimal expansion ends soon. Null for most other
+// numbers. Writes up to 16 bytes beyond the point.
 char* putExactDecimal(char* to, double number) {
     constexpr int kMantissaBits = std::numeric_limits<double>::digits - 1;
     constexpr int kBias = std::numeric_limits<double>::max_exponent - 1;
@@ -75,12 +86,16 @@ char* putExactDecimal(char* to, double number) {
     const int decimals = std::max(0, -shift);
     if (static_cast<int>(std::bit_width(mantissa)) + shift > kMostBits || decimals > kMostDecimals) return nullptr;
     const std::uint64_t whole = shift >= 0 ? mantissa << shift : mantissa >> decimals;
-    if (whole == 0 || whole >= kPowersOf10[static_cast<std::size_t>(kGeneralDigits - decimals)]) return nullptr;
+    if (whole == 0) return nullptr;
     if (std::signbit(number)) *to++ = '-';
+    const char* const begin = to;
     to = putWhole(to, whole);
     if (decimals == 0) return to;
+    const std::uint64_t in65536ths = (mantissa << (kMostDecimals - decimals)) & 0xFFFF;
+    const std::uint64_t sixteen = in65536ths * kDecimalUnitsPer65536th;
+    const int room = kGeneralDigits - static_cast<int>(to - begin);
     *to++ = '.';
-    return putFraction(to, (mantissa << (kMostDecimals - decimals)) & 0xFFFF, decimals);
+    return decimals > room ? putRoundedDecimals(to, sixteen, room) : putDecimals(to, sixteen, decimals);
 }
 
 }  // namespace

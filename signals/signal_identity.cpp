@@ -1,11 +1,16 @@
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
+#include <optional>
+#include <string_view>
 
+#include "foundation/ascii_hash.h"
 #include "foundation/key_text.h"
+#include "foundation/number_digits.h"
 #include "signals/signal_specification.h"
 
 namespace ks_hmi {
 
+using ks_hmi_foundation::AsciiHash;
 using ks_hmi_foundation::KeyText;
 
 SignalSpecification::BlockUUIDMap SignalSpecification::m_blockUUIDmap;
@@ -17,6 +22,22 @@ constexpr char kKeySeparator[] = "$$";
 // Kept: six decimals; handles that differ beyond them share an entry.
 std::string portKey(int port, double handle) {
     return std::string(KeyText().add(port).add("-").addFixed6(handle).text());
+}
+
+// The path key where all texts are ASCII; nothing otherwise.
+std::optional<std::uint64_t> asciiPathKey(std::u16string_view modelName, std::u16string_view blockPath,
+                                          std::u16string_view subPath, int port) {
+    AsciiHash hash;
+    if (!modelName.empty()) {
+        if (!hash.add(modelName)) return std::nullopt;
+        hash.add('/');
+    }
+    if (!hash.add(blockPath)) return std::nullopt;
+    hash.add('$').add('$');
+    if (!hash.add(subPath)) return std::nullopt;
+    hash.add('$').add('$');
+    char digits[ks_hmi_foundation::kMostIntBytes];
+    return hash.add(digits, ks_hmi_foundation::putInt(digits, port)).value();
 }
 
 std::string mintUUID() {
@@ -36,6 +57,8 @@ std::uint64_t SignalSpecification::getNonCachedInfoHash(const std::u16string& bl
                                                         int outputPortIndex, int logicalPortIndex,
                                                         const std::u16string& modelName) {
     const int port = pathKeyPort(outputPortIndex, logicalPortIndex);
+    if constexpr (AsciiHash::kIsBoosts)
+        if (const auto hash = asciiPathKey(modelName, blockPath, subPath, port)) return *hash;
     KeyText key;
     if (!modelName.empty()) key.add(modelName).add("/");
     return key.add(blockPath).add(kKeySeparator).add(subPath).add(kKeySeparator).add(port).hash();
