@@ -48,7 +48,7 @@ void InstrumentedSignals::insert(std::size_t index, SignalPtr spec) {
     if (index > m_signals.size()) errors::raise(errors::InvalidElementIndex(static_cast<long>(m_signals.size())));
     m_signals.insert(m_signals.begin() + offset(index), spec);
     Rollback unlisted([&]() noexcept { m_signals.erase(m_signals.begin() + offset(index)); });
-    addToObservedPortMap(spec);
+    enterIndex(spec, std::nullopt);
     unlisted.commit();
     m_indexes->forgetEnginePorts();
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -192,6 +193,11 @@ public:
 private:
     struct KS_HMI_LOCAL Indexes;
 
+    /// Enters the signal as `addToObservedPortMap` does, but leaves the cache of engine ports alone. Whether it has
+    /// entered a port.
+    KS_HMI_LOCAL bool enterIndex(const SignalPtr& spec, std::optional<std::uint64_t> knownPathKey);
+    /// Has a signal that was found by its path remember its handle and port.
+    KS_HMI_LOCAL void resolve(SignalPtr signal, double blockHandle, int portIdx, std::optional<std::uint64_t> pathKey);
     /// Takes a listed signal out of the index that a removal by position clears.
     KS_HMI_LOCAL void leaveIndex(const SignalPtr& signal);
     /// Removes those ascending positions, from the last to the first.

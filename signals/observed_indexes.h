@@ -20,8 +20,8 @@ inline constexpr std::size_t kActivities = 4;
 struct InstrumentedSignals::Indexes {
     /// One hash multimap in two tables: no path key ever equals a handle key.
     struct Ports {
-        SourceKeyIndex<HandleKey, HandleKeyHash> byHandle;
-        SourceKeyIndex<std::uint64_t, IdentityHash> byPath;
+        SourceKeyIndex byHandle;
+        SourceKeyIndex byPath;
 
         bool isEmpty() const noexcept { return byPath.isEmpty() && byHandle.isEmpty(); }
         /// After this one `enter` cannot throw, also when entries are erased before it.
@@ -32,9 +32,13 @@ struct InstrumentedSignals::Indexes {
         /// Under the path key and, once the signal is resolved, under its handle key.
         void enter(std::uint64_t pathKey, const SignalPtr& spec) {
             byPath.insert(pathKey, spec);
-            if (spec->m_cachedPortIdx != 0) byHandle.insert({spec->m_cachedBlockHandle, spec->m_cachedPortIdx}, spec);
+            if (spec->m_cachedPortIdx != 0) byHandle.insert(handleKeyOf(*spec), spec);
         }
     };
+
+    static std::uint64_t handleKeyOf(const SignalSpecification& spec) noexcept {
+        return handleKey(spec.m_cachedBlockHandle, spec.m_cachedPortIdx);
+    }
 
     using EnginePorts = boost::unordered_flat_set<std::uint64_t, NumberHash>;
     using ChartActivities = boost::unordered_flat_map<std::uint64_t, bool>;

@@ -19,14 +19,19 @@ std::uint64_t identity(const ksPort* port) { return reinterpret_cast<std::uintpt
 
 void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
     errors::requireRecord(spec);
+    if (enterIndex(spec, std::nullopt)) m_indexes->forgetEnginePorts();
+}
+
+bool InstrumentedSignals::enterIndex(const SignalPtr& spec, std::optional<std::uint64_t> knownPathKey) {
     if (isChartworkDomain(spec->m_domainType)) {
         addToObservedCWObjectCache(spec);
-        return;
+        return false;
     }
     // Kept: no look for an earlier entry; a signal entered twice is there twice.
+    const std::uint64_t pathKey = knownPathKey ? *knownPathKey : Indexes::pathKey(m_modelName, *spec);
     m_indexes->ports.makeRoom();
-    m_indexes->ports.enter(Indexes::pathKey(m_modelName, *spec), spec);
-    m_indexes->forgetEnginePorts();
+    m_indexes->ports.enter(pathKey, spec);
+    return true;
 }
 
 void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
@@ -40,11 +45,10 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
             return entry.m_outputPortIndex == removed->m_outputPortIndex &&
                    isSameText(entry.m_blockPath, removed->m_blockPath);
         });
-    erased += ports.byHandle.eraseIf({removed->m_cachedBlockHandle, removed->m_cachedPortIdx},
-                                     [&](const SignalSpecification& entry) {
-                                         return entry.m_cachedPortIdx == removed->m_cachedPortIdx &&
-                                                entry.m_cachedBlockHandle == removed->m_cachedBlockHandle;
-                                     });
+    erased += ports.byHandle.eraseIf(Indexes::handleKeyOf(*removed), [&](const SignalSpecification& entry) {
+        return entry.m_cachedPortIdx == removed->m_cachedPortIdx &&
+               entry.m_cachedBlockHandle == removed->m_cachedBlockHandle;
+    });
     if (erased != 0) m_indexes->forgetEnginePorts();
 }
 
@@ -54,6 +58,7 @@ void InstrumentedSignals::updateObservedPortMap() {
         if (isChartworkDomain(signal->m_domainType)) {
             addToObservedCWObjectCache(signal);
         } else {
+            rebuilt.makeRoom();
             rebuilt.enter(Indexes::pathKey(m_modelName, *signal), signal);
         }
     }
@@ -75,9 +80,10 @@ bool InstrumentedSignals::isKSPortObserved(const ksPort* port) const {
 }
 
 bool InstrumentedSignals::isPortObserved(double blockHandle, int portIdx) const {
-    return m_indexes->ports.byHandle.find({blockHandle, portIdx}, [&](const SignalSpecification& entry) {
+    // By value: what the match needs stays in registers.
+    return m_indexes->ports.byHandle.contains(handleKey(blockHandle, portIdx), [=](const SignalSpecification& entry) {
         return entry.m_cachedPortIdx == portIdx && entry.m_cachedBlockHandle == blockHandle;
-    }) != nullptr;
+    });
 }
 
 bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16string& blockPath,
@@ -89,18 +95,23 @@ bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16strin
         const bool isUnresolved = entry.m_cachedPortIdx == 0;
         return portIdx == 0 || isUnresolved || (m_rebindingPending && entry.m_cachedPortIdx == portIdx);
     };
-    const SignalPtr* const found = m_indexes->ports.byPath.find(
-        Indexes::pathKey(m_modelName, blockPath, subPath, outputPortIndex, logicalPortIndex), observes);
+    const std::uint64_t pathKey = Indexes::pathKey(m_modelName, blockPath, subPath, outputPortIndex, logicalPortIndex);
+    const SignalPtr* const found = m_indexes->ports.byPath.find(pathKey, observes);
     if (found == nullptr) return false;
     if (portIdx == 0 || (*found)->m_cachedPortIdx != 0) return true;
-    const SignalPtr signal = *found;
+    const bool isItsKey = isSameText((*found)->m_subPath, subPath) && (*found)->m_logicalPortIndex == logicalPortIndex;
+    resolve(*found, blockHandle, portIdx, isItsKey ? std::optional(pathKey) : std::nullopt);
+    return true;
+}
+
+// Kept: entered once more under its path key; no query minds, and the handle key joins.
+void InstrumentedSignals::resolve(SignalPtr signal, double blockHandle, int portIdx,
+                                  std::optional<std::uint64_t> pathKey) {
     Rollback unresolved(
         [&signal, earlier = signal->m_cachedBlockHandle]() noexcept { signal->setCachedInfo(earlier, 0); });
     signal->setCachedInfo(blockHandle, portIdx);
-    // Kept: entered once more under its path key; no query minds, and the handle key joins.
-    addToObservedPortMap(signal);
+    if (enterIndex(signal, pathKey)) m_indexes->forgetEnginePorts();
     unresolved.commit();
-    return true;
 }
 
 bool InstrumentedSignals::isPortObserved(SignalSpecification* spec) {
