@@ -1,8 +1,8 @@
 #pragma once
 
+#include <boost/smart_ptr/make_shared.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 #include <cstddef>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,7 +29,7 @@ void appendRecords(const hvArray* data, Append append) {
     // Kept: what is there already stays, so that the same data twice is held twice.
     const std::size_t count = hvGetNumberOfElements(data);
     for (std::size_t i = 0; i < count; ++i) {
-        append(boost::shared_ptr<Record>(std::make_unique<Record>(data, i, std::u16string())));
+        append(boost::make_shared<Record>(data, i, std::u16string()));
     }
 }
 

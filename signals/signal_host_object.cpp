@@ -59,7 +59,7 @@ void SignalSpecification::setFromHOS(const hvArray* object, const std::u16string
     m_signalName = properties.text("SignalName_");
     m_domainType = properties.text("DomainType_");
     m_visualType = properties.text("VisualType_");
-    extractDomainParamsFromHvArray(properties.require("DomainParams_"), m_domainParams);
+    readDomainParams(properties.require("DomainParams_"));
     m_outputPortIndex = properties.integer("OutputPortIndex_");
     m_logicalPortIndex = properties.integer("LogicalPortIndex_");
     m_decimation = properties.integer("Decimation_");
@@ -97,8 +97,12 @@ HvArrayPtr SignalSpecification::getDomainParamsAsHvArray() const {
     return params;
 }
 
-// Kept: the map given is left alone; every caller passes the record's own.
+// Kept: the map given is left alone; every caller means the record's own.
 void SignalSpecification::extractDomainParamsFromHvArray(const hvArray* value, DomainParamsMap&) {
+    readDomainParams(value);
+}
+
+void SignalSpecification::readDomainParams(const hvArray* value) {
     std::vector<DomainParam> params;
     const int fieldCount = hvIsEmpty(value) ? 0 : hvGetNumberOfFields(value);
     params.reserve(static_cast<std::size_t>(fieldCount));

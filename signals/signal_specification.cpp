@@ -105,7 +105,7 @@ void SignalSpecification::setFromPersistentData(const hvArray* s, std::size_t in
     element.readIfPresent("HideInPLV_", m_hideInPLV);
     m_domainType = textOf(element.find("DomainType_"));
     m_visualType = textOf(element.find("VisualType_"));
-    extractDomainParamsFromHvArray(element.find("DomainParams_"), m_domainParams);
+    readDomainParams(element.find("DomainParams_"));
 }
 
 bool SignalSpecification::isEqual(const SignalSpecification* other) const {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "foundation/export.h"
+#include "foundation/sparse.h"
 #include "host/hv_array.h"
 
 namespace ks_hmi {
@@ -15,16 +16,18 @@ namespace ks_hmi {
 /// What of a signal is saved. Comparing looks the domain parameters up; their order is the record's affair.
 struct SignalFields {
     using DomainParamsMap = std::unordered_map<std::u16string, std::u16string>;  ///< Values by name.
+    template <class T>
+    using Sparse = ks_hmi_foundation::Sparse<T>;  ///< What most signals leave empty.
 
     std::string m_uuid;                      ///< UTF-8; what observers name the signal by
     std::u16string m_blockPath;              ///< relative to the model
     std::string m_eid;                       ///< relative to the model
-    std::u16string m_subPath;                ///< below the block, e.g. inside a chart
+    Sparse<std::u16string> m_subPath;        ///< below the block, e.g. inside a chart
     std::u16string m_signalName;             ///< as shown to the user
     std::u16string m_subSysPath;             ///< of the enclosing subsystem
-    std::u16string m_domainType;             ///< empty for an output port
-    std::u16string m_visualType;             ///< kind of display that the signal feeds
-    DomainParamsMap m_domainParams;          ///< free-form, such as "SSID" and "Activity" of a chart signal
+    Sparse<std::u16string> m_domainType;     ///< empty for an output port
+    Sparse<std::u16string> m_visualType;     ///< kind of display that the signal feeds
+    Sparse<DomainParamsMap> m_domainParams;  ///< free-form, such as "SSID" and "Activity" of a chart signal
     std::int32_t m_outputPortIndex = 0;      ///< 1-based
     std::int32_t m_logicalPortIndex = 0;     ///< 1-based; found under it when not 0
     std::int32_t m_decimation = 1;           ///< keep every n-th sample
@@ -160,13 +163,14 @@ public:
 
     // ---- runtime only; open to sets and host classes like the fields ----
 
-    double m_cachedBlockHandle = 0.0;  ///< valid for one load of the model
-    std::int32_t m_cachedPortIdx = 0;  ///< 0 until the handle is resolved
-    std::string m_bindingRule;         ///< UTF-8; how the signal was bound: "eid", "path" or empty
-    bool m_excludeForSave = false;     ///< left out of the saved copy of a set
+    bool m_excludeForSave = false;      ///< left out of the saved copy of a set
+    std::int32_t m_cachedPortIdx = 0;   ///< 0 until the handle is resolved
+    double m_cachedBlockHandle = 0.0;   ///< valid for one load of the model
+    Sparse<std::string> m_bindingRule;  ///< UTF-8; how the signal was bound: "eid", "path" or empty
 
 private:
     KS_HMI_LOCAL SignalSpecification(const SignalSpecification&);
+    KS_HMI_LOCAL void readDomainParams(const hvArray* value);
 
     KS_HMI_LOCAL static BlockUUIDMap m_blockUUIDmap;
 };

@@ -140,7 +140,7 @@ TEST_F(SignalSpecificationTest, aUsedRecordKeepsPortAndFlagsThatAreMissingButNoT
     EXPECT_EQ(
         std::tie(used->m_logicalPortIndex, used->m_targetBufferedStreaming, used->m_isFrameBased, used->m_hideInPLV),
         std::tuple(3, true, true, true));
-    EXPECT_EQ(used->m_domainType + used->m_visualType, u"");
+    EXPECT_EQ(used->m_domainType.get() + used->m_visualType.get(), u"");
     EXPECT_TRUE(used->m_domainParams.empty());
 }
 
