@@ -1,6 +1,11 @@
 #include <malloc.h>
 
+#include <algorithm>
+#include <fstream>
 #include <iostream>
+#include <optional>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -46,7 +51,7 @@ void addAll(ks_bench::Suite& suite) {
     using namespace ks_bench;
     for (const auto add :
          {addHandleQueries, addPathQueries, addEnginePortQueries, addChartQueries, addKeyHashes, addPersistence,
-          addModelFiles, addGrowth, addRemovals, addMemory, addStart, addRecording, addPythonMarking})
+          addModelFiles, addGrowth, addRemovals, addMemory, addStart, addRecording, addPythonMarking, addToolRuns})
         add(suite);
 }
 
@@ -57,6 +62,18 @@ void keepHeap() {
     ::mallopt(M_MMAP_THRESHOLD, kNever);
 }
 
+// Takes an option of this program's own out of the arguments.
+std::optional<std::string> taken(std::vector<char*>& arguments, std::string_view option) {
+    const auto found = std::find_if(arguments.begin() + 1, arguments.end(), [&](std::string_view argument) {
+        return argument.substr(0, argument.find('=')) == option;
+    });
+    if (found == arguments.end()) return std::nullopt;
+    const std::string_view argument = *found;
+    arguments.erase(found);
+    const std::size_t sign = argument.find('=');
+    return std::string(sign == std::string_view::npos ? "" : argument.substr(sign + 1));
+}
+
 int run(int argc, char** argv) {
     // What follows on the command line wins.
     static char random[] = "--benchmark_enable_random_interleaving=true";
@@ -64,16 +81,24 @@ int run(int argc, char** argv) {
     static char minTime[] = "--benchmark_min_time=0.1";
     std::vector<char*> arguments{argv[0], random, repetitions, minTime};
     arguments.insert(arguments.end(), argv + 1, argv + argc);
+    const bool isFilesOnly = taken(arguments, "--files").has_value();
+    const std::optional<std::string> markdown = taken(arguments, "--markdown");
     int count = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
 
     ks_bench::Suite suite;
-    addAll(suite);
+    isFilesOnly ? ks_bench::addToolRuns(suite) : addAll(suite);
     MedianReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
-    suite.print(std::cout, reporter.medians());
+    if (!isFilesOnly) benchmark::RunSpecifiedBenchmarks(&reporter);
+    suite.compute(reporter.medians());
+    suite.print(std::cout);
+    if (markdown) {
+        std::ofstream file(*markdown);
+        suite.writePage(file);
+        if (!file.flush()) throw std::runtime_error(*markdown + ": cannot be written");
+    }
     return reporter.hasFailed() ? 1 : 0;
 }
 

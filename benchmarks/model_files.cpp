@@ -12,6 +12,7 @@
 
 #include "benchmarks/persistence.h"
 #include "benchmarks/sample_signals.h"
+#include "benchmarks/scratch_directory.h"
 #include "benchmarks/suite.h"
 #include "workbench/model_file/model_file.h"
 #include "workbench/session/session.h"
@@ -26,28 +27,8 @@ namespace json = boost::json;
 constexpr std::size_t kCount = 100'000;
 constexpr std::size_t kChunk = std::size_t{1} << 16U;
 
-// A directory in memory where there is one, so that no disk is measured; removed at the end.
-class Directory {
-public:
-    Directory()
-        : m_path((std::filesystem::exists("/dev/shm") ? "/dev/shm" : std::filesystem::temp_directory_path().string()) +
-                 "/ks_hmi_benchmarks-XXXXXX") {
-        if (::mkdtemp(m_path.data()) == nullptr) throw std::runtime_error(m_path + ": cannot be made");
-    }
-    Directory(const Directory&) = delete;
-    Directory& operator=(const Directory&) = delete;
-    ~Directory() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
-    std::string file(const char* name) const { return m_path + "/" + name; }
-
-private:
-    std::string m_path;
-};
-
-const Directory& directory() {
-    static const Directory s_directory;
+const ScratchDirectory& directory() {
+    static const ScratchDirectory s_directory;
     return s_directory;
 }
 
@@ -226,9 +207,9 @@ void addModelFiles(Suite& suite) {
     Suite::time("model file: save", save)->Unit(benchmark::kMillisecond);
     Suite::time("model file: bare dump", dump)->Unit(benchmark::kMillisecond);
     suite.compare(5, "kshmi load of 100000, bare streaming parse", "model file: load", "model file: bare parse",
-                  Limit::atMost(4));
+                  Limit::atMost(5));
     suite.compare(5, "kshmi save of 100000, hand-written dump", "model file: save", "model file: bare dump",
-                  Limit::atMost(8));
+                  Limit::atMost(7));
 }
 
 }  // namespace ks_bench

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <fstream>
+#include <thread>
 #include <utility>
 
 namespace ks_bench {
@@ -21,6 +23,19 @@ std::optional<double> medianOf(const Medians& medians, const std::string& name) 
 std::string limitText(const Limit& limit) {
     if (limit.kind == Limit::Kind::none) return "";
     return fmt::format("{} {:g}", limit.kind == Limit::Kind::atMost ? "<=" : ">=", limit.value);
+}
+
+#ifdef __clang__
+constexpr const char* kCompiler = "Clang " __clang_version__;
+#else
+constexpr const char* kCompiler = "GCC " __VERSION__;
+#endif
+
+std::string processorName() {
+    std::ifstream file("/proc/cpuinfo");
+    for (std::string line; std::getline(file, line);)
+        if (line.starts_with("model name")) return line.substr(line.find(": ") + 2);
+    return "A processor that does not tell its name";
 }
 
 const char* verdict(const Limit& limit, double figure) {
@@ -95,26 +110,49 @@ void Suite::excess(int goal, std::string what, std::string measured, std::string
 }
 
 void Suite::figure(int goal, std::string what, const char* unit, std::function<double()> compute, Limit limit) {
+    row(goal, std::move(what), limit, [=] { return Line{"", compute(), unit}; });
+}
+
+void Suite::row(int goal, std::string what, Limit limit, std::function<Line()> compute) {
     add(goal, std::move(what), limit, [=](const Medians&) -> std::optional<Line> {
         if (!benchmark::GetBenchmarkFilter().empty()) return std::nullopt;
-        return Line{"", compute(), unit};
+        return compute();
     });
 }
 
-void Suite::print(std::ostream& out, const Medians& medians) {
+void Suite::compute(const Medians& medians) {
     std::stable_sort(m_rows.begin(), m_rows.end(), [](const Row& a, const Row& b) { return a.goal < b.goal; });
+    for (const Row& row : m_rows)
+        if (std::optional<Line> line = row.compute(medians)) m_computed.push_back({&row, std::move(*line)});
+}
+
+void Suite::print(std::ostream& out) const {
     std::vector<std::string> missed;
     out << fmt::format("{:<4} {:<62} {:<44} {:>9} {:<8} {:<9} {}\n", "goal", "what", "measured / baseline", "figure",
                        "", "limit", "");
-    for (const Row& row : m_rows) {
-        const std::optional<Line> line = row.compute(medians);
-        if (!line) continue;
-        out << fmt::format("{:<4} {:<62} {:<44} {:>9.2f} {:<8} {:<9} {}\n", row.goal, row.what, line->detail,
-                           line->figure, line->unit, limitText(row.limit), verdict(row.limit, line->figure));
-        if (!row.limit.holds(line->figure)) missed.push_back(fmt::format("goal {}: {}", row.goal, row.what));
+    for (const auto& [row, line] : m_computed) {
+        out << fmt::format("{:<4} {:<62} {:<44} {:>9.2f} {:<8} {:<9} {}\n", row->goal, row->what, line.detail,
+                           line.figure, line.unit, limitText(row->limit), verdict(row->limit, line.figure));
+        if (!row->limit.holds(line.figure)) missed.push_back(fmt::format("goal {}: {}", row->goal, row->what));
     }
     out << fmt::format("\n{} of the goals above fall short\n", missed.empty() ? "none" : std::to_string(missed.size()));
     for (const std::string& what : missed) out << "  " << what << '\n';
+}
+
+void Suite::writePage(std::ostream& out) const {
+    out << "# Performance: the figures\n\nAs `./dev bench --write` wrote them; [performance.md](performance.md) tells "
+           "how "
+           "each is measured and what bounds it.\n\n";
+    out << fmt::format("{}, {} cores; {}.\n\n", processorName(), std::thread::hardware_concurrency(), kCompiler);
+    out << "| goal | what | measured / baseline | figure | limit | |\n|---|---|---|---|---|---|\n";
+    for (const auto& [row, line] : m_computed) {
+        const bool isMissed = !row->limit.holds(line.figure);
+        std::string what = row->what;
+        for (std::size_t at = 0; (at = what.find('|', at)) != std::string::npos; at += 2) what.insert(at, 1, '\\');
+        out << fmt::format("| {} | {} | {} | {:.2f} {} | {} | {} |\n", row->goal, what, line.detail, line.figure,
+                           line.unit, limitText(row->limit),
+                           isMissed ? "**missed**" : verdict(row->limit, line.figure));
+    }
 }
 
 std::string durationText(double nanoseconds) {

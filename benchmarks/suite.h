@@ -49,25 +49,37 @@ public:
     /// A figure that is no time; computed when the table is printed, unless a filter chose some benchmarks only.
     void figure(int goal, std::string what, const char* unit, std::function<double()> compute, Limit limit);
 
-    /// Prints the table, in the order of the goals, and how many goals are missed. Rows whose benchmarks did not
-    /// run are left out.
-    void print(std::ostream& out, const Medians& medians);
-
-private:
+    /// What is in a row beside its name and limit.
     struct Line {
         std::string detail;  ///< the times behind the figure
         double figure;
         const char* unit;
     };
+    /// A figure with what is behind it, computed as `figure` does.
+    void row(int goal, std::string what, Limit limit, std::function<Line()> compute);
+
+    /// Computes the rows, in the order of the goals. Those whose benchmarks did not run are left out.
+    void compute(const Medians& medians);
+    /// Prints what was computed as a table, and how many goals are missed.
+    void print(std::ostream& out) const;
+    /// The same as a page in Markdown, which names the machine.
+    void writePage(std::ostream& out) const;
+
+private:
     struct Row {
         int goal;
         std::string what;
         Limit limit;
         std::function<std::optional<Line>(const Medians&)> compute;
     };
+    struct Computed {
+        const Row* row;
+        Line line;
+    };
     void add(int goal, std::string what, Limit limit, std::function<std::optional<Line>(const Medians&)> compute);
 
     std::vector<Row> m_rows;
+    std::vector<Computed> m_computed;
 };
 
 /// "12.3 ns", "4.56 ms".
@@ -87,5 +99,6 @@ void addMemory(Suite& suite);
 void addStart(Suite& suite);
 void addRecording(Suite& suite);
 void addPythonMarking(Suite& suite);
+void addToolRuns(Suite& suite);
 
 }  // namespace ks_bench

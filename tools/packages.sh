@@ -10,7 +10,8 @@ lint_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 # A browser for the pages of reports: where there is none, the test that looks at them is skipped.
 page_packages=(chromium python3)
-bench_packages=(libbenchmark-dev)
+# Beside what is measured: the tools that one would take otherwise.
+bench_packages=(libbenchmark-dev jq python3)
 consumer_packages=(gcc python3-clang-14 abigail-tools xz-utils)
 package_packages=(dpkg-dev file lintian man-db)
 mutation_packages=(python3-clang-14)
@@ -56,7 +57,7 @@ is_there() {
         cmake) cmake_is_recent ;;
         ninja-build) have ninja ;;
         chromium) have chromium || have chromium-browser || have google-chrome ;;
-        pkg-config | doxygen | python3 | clang-format | clang-tidy | valgrind) have "$1" ;;
+        pkg-config | doxygen | python3 | jq | clang-format | clang-tidy | valgrind) have "$1" ;;
         libboost1.81-dev) boost_is_recent ;;
         python3-numpy) /usr/bin/python3 -c 'import numpy' 2>/dev/null ;;
         python3-pytest) /usr/bin/python3 -c 'import pytest' 2>/dev/null ;;
