@@ -18,12 +18,12 @@ public:
 
     /// `count` elements as `T()` makes them.
     static Ptr make(std::size_t count) {
-        const Ptr made = unwritten(count);
+        Ptr made = unwritten(count);
         std::uninitialized_value_construct_n(made->data(), count);
         return made;
     }
     static Ptr copyOf(const SharedArray& other) {
-        const Ptr made = unwritten(other.m_count);
+        Ptr made = unwritten(other.m_count);
         std::uninitialized_copy_n(other.data(), other.m_count, made->data());
         return made;
     }
