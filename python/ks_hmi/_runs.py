@@ -17,13 +17,15 @@ class Column:
     """One recorded signal, or one element of an array: `times` and `values`, one for each sample.
 
     Numbers and Booleans are a numpy array of float64, texts one of objects. `title`, `kind`, `unit`, `signal` (UUID),
-    `block`, `port`, `portName` and `element` say what it is; None or "" where the file does not.
+    `block`, `port`, `portName` and `element` say what it is; None or "" where the file does not. `items` has the names
+    of an enumeration's values, as far as a database knows them.
     """
 
     def __init__(self, data: Dict[str, Any]) -> None:
         self.title: str = data["title"]
         self.kind: str = data["kind"]
         self.unit: str = data["unit"]
+        self.items: Dict[int, str] = data["items"]
         self.signal: Optional[str] = data["signal"]
         self.block: Optional[str] = data["block"]
         self.port: Optional[int] = data["port"]

@@ -83,6 +83,9 @@ py::dict dictOf(const RecordedColumn& column) {
     out["title"] = column.title;
     out["kind"] = nameOf(column.kind);
     out["unit"] = column.unit;
+    py::dict items;
+    for (const ValueName& item : column.names) items[py::int_(item.value)] = item.name;
+    out["items"] = items;
     out["signal"] = textOrNone(column.signal);
     out["block"] = textOrNone(column.block);
     out["port"] = column.port > 0 ? py::object(py::int_(column.port)) : py::none();

@@ -19,7 +19,7 @@ def run(tmp_path):
 def test_columns_are_arrays(run):
     assert run.titles == ["speed", "gear (2)"] and "speed" in run and len(run) == 2
     speed = run["speed"]
-    assert speed.values.dtype == np.float64 and np.array_equal(speed.times, [0, 0.5, 1])
+    assert speed.items == {} and speed.values.dtype == np.float64 and np.array_equal(speed.times, [0, 0.5, 1])
     assert np.array_equal(speed.values, [1.5, 2.5, 3.5]) and repr(speed).startswith("<Column 'speed': 3 samples")
     assert list(run[1].values) == ["first", "second"] and np.array_equal(run[1].times, [0, 1])
     with pytest.raises(KeyError, match="there are: speed"):

@@ -160,7 +160,8 @@ FMI_EXPORT int fmi2GetBoolean(void* any, const unsigned* references, size_t coun
 FMI_EXPORT int fmi2GetString(void* any, const unsigned* references, size_t count, const char** values) {
     Unit* unit = any;
     (void)references;
-    snprintf(unit->text, sizeof unit->text, "step \"%d\",\nnext", unit->steps);
+    snprintf(unit->text, sizeof unit->text, unit->behaviour == COMPLAIN ? "\xC3\x28 %d" : "step \"%d\",\nnext",
+             unit->steps);
     for (size_t i = 0; i < count; ++i) values[i] = unit->text;
     return FMI_OK;
 }

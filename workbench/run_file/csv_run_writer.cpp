@@ -103,7 +103,7 @@ private:
             if (row.isPresent != nullptr && row.isPresent[i] == 0) continue;
             const std::uint64_t slot = row.slots[m_columns[i].slot];
             if (m_columns[i].kind == ValueKind::text)
-                appendQuotedCell(m_buffer, textAt(row.texts, slot));
+                appendQuotedCell(m_buffer, utf8At(row.texts, slot, m_mended));
             else if (m_columns[i].kind == ValueKind::binary)
                 appendDigits(textAt(row.texts, slot));
             else
@@ -122,6 +122,7 @@ private:
     CsvOutput m_output;
     const std::vector<RunColumn>& m_columns;
     bool m_hasTexts = false;
+    std::string m_mended;
     std::string m_buffer;    // of rows with texts
     std::string m_block;     // of rows without
     std::size_t m_used = 0;  // of the block

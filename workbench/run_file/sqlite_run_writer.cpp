@@ -119,7 +119,7 @@ private:
         if (column.kind == ValueKind::real)
             m_insert->bind(kValue, std::bit_cast<double>(slot));
         else if (column.kind == ValueKind::text)
-            m_insert->bind(kValue, textAt(texts, slot));
+            m_insert->bind(kValue, utf8At(texts, slot, m_mended));
         else if (column.kind == ValueKind::binary)
             m_insert->bindBytes(kValue, textAt(texts, slot));
         else if (column.isUnsigned && slot > kMost)
@@ -131,6 +131,7 @@ private:
     SqliteDatabase m_database;
     const std::vector<RunColumn>& m_columns;
     std::optional<SqliteStatement> m_insert;
+    std::string m_mended;
     std::int64_t m_run = 0;
     std::vector<std::int64_t> m_ids;
 };

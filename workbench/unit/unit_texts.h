@@ -1,10 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <string>
 #include <string_view>
 
+#include "workbench/text/text.h"
 #include "workbench/unit/unit_library.h"
 
 /// Texts that a unit gave, in one buffer.
@@ -26,6 +28,13 @@ inline std::string_view textAt(std::string_view texts, std::uint64_t slot) {
     const auto at = static_cast<std::size_t>(slot >> kTextSizeBits);
     const auto size = static_cast<std::size_t>(slot & std::numeric_limits<std::uint32_t>::max());
     return at <= texts.size() && size <= texts.size() - at ? texts.substr(at, size) : std::string_view();
+}
+
+/// The same as UTF-8: bytes that are none become U+FFFD. `room` holds what is not as it was.
+inline std::string_view utf8At(std::string_view texts, std::uint64_t slot, std::string& room) {
+    const std::string_view text = textAt(texts, slot);
+    if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; })) return text;
+    return room = toUtf8(toUtf16(text));
 }
 
 }  // namespace workbench

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "tests/workbench/record/record_test.h"
+#include "workbench/record/recorded_run.h"
 
 // Units that mean no good. Whatever one does to its own process and to what it shares with its parent, the tool ends in
 // time, says what happened, and leaves whole rows.
@@ -55,6 +56,14 @@ TEST_F(HostileUnit, doesNotDriveTheTerminalWithItsMessages) {
     EXPECT_EQ(finished.err.find('\x1B'), std::string::npos);
     expectParts(finished.err, {"t = 1 [error] probe: \uFFFD( \\x1b[31m %s %n at 1\n"});
     EXPECT_EQ(std::count(finished.err.begin(), finished.err.end(), '\n'), 49'000);
+}
+
+TEST_F(HostileUnit, textsThatAreNoUtf8AreMended) {
+    mark("state:text");
+    EXPECT_TRUE(runOn("record --quiet --until 0 " + setTo(kComplain)).out.ends_with("\r\n0,0,0,\"\uFFFD( 0\"\r\n"));
+    EXPECT_EQ(runOn("record --quiet --until 0 -o " + path("run.db") + " " + setTo(kComplain)).code, 0);
+    const workbench::RecordedRun run = workbench::readRecordedRun(path("run.db"));
+    EXPECT_EQ(run.columns.at(2).texts, std::vector<std::string>{"\uFFFD( 0"});
 }
 
 TEST_F(HostileUnit, mayWriteOverAllThatItShares) {
