@@ -56,7 +56,8 @@ private:
         return fmt::format("signal {} ({})", finding.position + 1, printable(std::string_view(finding.subject)));
     }
     static void pruneParameters(SignalSpecification& signal) {
-        std::erase_if(signal.m_domainParams.edit(), [](const auto& entry) { return !isFieldName(toUtf8(entry.first)); });
+        std::erase_if(signal.m_domainParams.edit(),
+                      [](const auto& entry) { return !isFieldName(toUtf8(entry.first)); });
     }
     static void pruneParameters(SignalClient& client) {
         client.m_observerParams = withoutWrongFields(client.m_observerParams.get());
