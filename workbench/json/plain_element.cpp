@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 #include "workbench/json/json_file.h"
@@ -26,14 +27,24 @@ constexpr auto kSigns = [] {
 
 Sign signOf(char c) noexcept { return kSigns[static_cast<unsigned char>(c)]; }
 
-// Whether all of eight characters are plain: none has its high bit, none is below a blank, a quote or a backslash.
-bool areEightPlain(const char* text) noexcept {
+// How many characters the text starts with that are plain. Eight at a time: a byte of `others` has its high bit when
+// the character has it, is below a blank, a quote or a backslash; and perhaps when one in front of it has.
+std::size_t plainLength(std::string_view text) noexcept {
     constexpr std::uint64_t kOnes = 0x0101010101010101U;
-    std::uint64_t eight = 0;
-    std::memcpy(&eight, text, sizeof eight);
-    const auto zeros = [](std::uint64_t bytes) { return (bytes - kOnes) & ~bytes; };
-    const std::uint64_t low = (eight - kOnes * 0x20U) & ~eight;
-    return ((eight | low | zeros(eight ^ (kOnes * '"')) | zeros(eight ^ (kOnes * '\\'))) & (kOnes * 0x80U)) == 0;
+    std::size_t at = 0;
+    for (std::uint64_t eight = 0; text.size() - at >= sizeof eight; at += sizeof eight) {
+        std::memcpy(&eight, text.data() + at, sizeof eight);
+        const auto zeros = [](std::uint64_t bytes) { return (bytes - kOnes) & ~bytes; };
+        const std::uint64_t low = (eight - kOnes * 0x20U) & ~eight;
+        const std::uint64_t others =
+            (eight | low | zeros(eight ^ (kOnes * '"')) | zeros(eight ^ (kOnes * '\\'))) & (kOnes * 0x80U);
+        if (others == 0) continue;
+        if constexpr (std::endian::native == std::endian::little)
+            return at + static_cast<std::size_t>(std::countr_zero(others)) / 8;
+        break;
+    }
+    while (at < text.size() && signOf(text[at]) == Sign::plain) ++at;
+    return at;
 }
 
 bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
@@ -61,15 +72,12 @@ bool PlainElement::take(char c) noexcept {
 }
 
 void PlainElement::skipBlanks() noexcept {
-    std::size_t at = 0;
-    for (; at < m_rest.size(); ++at) {
-        const char c = m_rest[at];
-        if (c == '\n')
-            ++m_lines;
-        else if (c != ' ' && c != '\t' && c != '\r')
-            break;
-    }
-    m_rest.remove_prefix(at);
+    const auto isBlank = [](char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; };
+    const char* at = m_rest.data();
+    const char* const end = at + m_rest.size();
+    if (at != end && *at > ' ') return;
+    for (; at != end && isBlank(*at); ++at) m_lines += *at == '\n' ? 1U : 0U;
+    m_rest = {at, end};
 }
 
 void PlainElement::add(Kind kind, std::string_view text) {
@@ -140,14 +148,12 @@ bool PlainElement::array(int depth) {
 
 bool PlainElement::quoted(Kind kind) {
     if (m_rest.empty() || m_rest.front() != '"') return false;
-    std::size_t at = 1;
+    std::size_t at = 1 + plainLength(m_rest.substr(1));
     bool isForeign = false;
-    while (m_rest.size() - at >= 8 && areEightPlain(m_rest.data() + at)) at += 8;
-    for (; at < m_rest.size(); ++at) {
-        const Sign sign = signOf(m_rest[at]);
-        if (sign == Sign::plain) continue;
-        if (sign != Sign::foreign) break;
+    while (at < m_rest.size() && signOf(m_rest[at]) == Sign::foreign) {
         isForeign = true;
+        ++at;
+        at += plainLength(m_rest.substr(at));
     }
     if (at == m_rest.size() || m_rest[at] != '"') return false;
     const std::string_view text = m_rest.substr(1, at - 1);

@@ -125,14 +125,14 @@ struct Field {
 };
 
 const std::vector<Field>& fieldTable(RecordKind kind) {
-    const auto tableOf = [](RecordKind one) {
-        std::vector<Field> table;
-        for (const std::string_view name : fieldsOf(one)) table.push_back({name, &kindOf(name)});
-        return table;
-    };
-    static const std::vector<Field> signalFields = tableOf(RecordKind::signal);
-    static const std::vector<Field> clientFields = tableOf(RecordKind::client);
-    return kind == RecordKind::signal ? signalFields : clientFields;
+    static const auto tables = [] {
+        std::array<std::vector<Field>, 2> result;
+        for (const RecordKind one : {RecordKind::signal, RecordKind::client})
+            for (const std::string_view name : fieldsOf(one))
+                result.at(static_cast<std::size_t>(one)).push_back({name, &kindOf(name)});
+        return result;
+    }();
+    return tables[static_cast<std::size_t>(kind)];
 }
 
 HvArrayPtr makeRecords(RecordKind kind, std::size_t count) {

@@ -96,6 +96,13 @@ void appendNames(std::string& out, const std::vector<const char*>& names) {
     appendJsonArray(out, names, [&](const char* name) { appendJsonText(out, std::string_view(name)); });
 }
 
+// Whole numbers of one digit, flags and ports mostly.
+bool appendSmallNumber(std::string& out, double value) {
+    if (!(value >= 0 && value <= 9) || std::signbit(value) || value != std::trunc(value)) return false;
+    out += static_cast<char>('0' + static_cast<int>(value));
+    return true;
+}
+
 void appendPlain(std::string& out, const hvArray* value) {
     switch (hvGetClassID(value)) {
         case hvDOUBLE_CLASS:
@@ -155,6 +162,8 @@ void appendTagged(std::string& out, const hvArray* value) {
 }  // namespace
 
 void appendJsonValue(std::string& out, const hvArray* value) {
+    const hvClassID classId = hvGetClassID(value);
+    if (classId == hvDOUBLE_CLASS && hasSize(value, 1, 1) && appendSmallNumber(out, *hvGetDoubles(value))) return;
     if (!value)
         out += "null";
     else if (isPlain(value))
