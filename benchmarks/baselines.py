@@ -7,12 +7,12 @@ import uuid
 
 def load(path):
     with open(path, encoding="utf-8") as file:
-        return json.loads(file.read())
+        return json.load(file)
 
 
 def save(model, path):
     with open(path, "w", encoding="utf-8") as file:
-        file.write(json.dumps(model))
+        json.dump(model, file, indent=2)
 
 
 def signal_of(block, port, name):
@@ -40,7 +40,7 @@ def main(what, path, out=None):
                 signals.append(signal_of(block, port, name))
         save(model, out)
     else:
-        sys.stdout.write(json.dumps(model))
+        json.dump(model, sys.stdout, indent=2)
 
 
 main(*sys.argv[1:])
