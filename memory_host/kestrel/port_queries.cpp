@@ -37,16 +37,23 @@ HvArrayPtr requireSignals(const hvArray* modelObject) {
     return signalsOf(name);
 }
 
-// The port signals of the model's set whose block is in an open model, in the set's order.
-std::vector<ObservedPort> observedPorts(const hvArray* modelObject) {
+// Gives the port signals of the model's set whose block is in an open model to `take`, in the set's order, each with
+// its block.
+template <class Take>
+void forEachObservedPort(const hvArray* modelObject, Take take) {
     const HvArrayPtr signals = requireSignals(modelObject);
-    std::vector<ObservedPort> ports;
     for (const SetElement element : elementsOf(signals.get())) {
         HvArrayPtr signal = element.get();
         if (isOnChart(signal.get())) continue;
-        if (const LoadedBlock found = signalBlock(signal.get()))
-            ports.push_back({std::move(signal), found.block->handle, found.owner->model().fullPath(*found.block)});
+        if (const LoadedBlock found = signalBlock(signal.get())) take(std::move(signal), found);
     }
+}
+
+std::vector<ObservedPort> observedPorts(const hvArray* modelObject) {
+    std::vector<ObservedPort> ports;
+    forEachObservedPort(modelObject, [&](HvArrayPtr signal, const LoadedBlock& found) {
+        ports.push_back({std::move(signal), found.block->handle, found.owner->model().fullPath(*found.block)});
+    });
     return ports;
 }
 
@@ -118,7 +125,10 @@ void getObservedPorts(orvex::Call& call) {
 void getPortsWithBadges(orvex::Call& call) {
     requireInputs(call, 1);
     std::vector<double> handles;
-    for (const ObservedPort& port : observedPorts(call.ins[0])) handles.push_back(port.blockHandle);
+    // The signals are let go one by one: as objects, all of a large model are many.
+    forEachObservedPort(call.ins[0], [&](const HvArrayPtr&, const LoadedBlock& found) {
+        if (handles.empty() || handles.back() != found.block->handle) handles.push_back(found.block->handle);
+    });
     std::sort(handles.begin(), handles.end());
     handles.erase(std::unique(handles.begin(), handles.end()), handles.end());
     HvArrayPtr row(hvCreateNumericMatrix(1, handles.size(), hvDOUBLE_CLASS, hvREAL));
