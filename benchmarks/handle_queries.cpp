@@ -93,7 +93,7 @@ void addHandleQueries(Suite& suite) {
         const std::string suffix = ", " + std::to_string(count);
         addForms<false>(suffix, count);
         suite.compare(1, withSize("handle and port, bare table, throughput", count), "handle: set" + suffix,
-                      "handle: bare table" + suffix, Limit::atMost(1.5));
+                      "handle: bare table" + suffix, Limit::atMost(1.25));
         addPlainForm(suite, suffix, count);
         addForms<true>(suffix + ", one by one", count);
         suite.compare(1, withSize("handle and port, bare table, one by one", count),
