@@ -63,8 +63,10 @@ void addCarry(CLI::App& app, Run& run) {
         ->add_option("NEW", arguments->files.after,
                      "the next version: a model file without marks, or .ssd, .ssp, .xml, .fmu")
         ->required();
-    command->add_option("-o,--output", arguments->files.output,
-                        "model file to write, - for the standard output; NEW itself if left out");
+    command
+        ->add_option("-o,--output", arguments->files.output,
+                     "model file to write, - for the standard output; NEW itself if left out")
+        ->type_name("FILE");
     command->add_option("--map", arguments->files.map, "CSV file of old and new names of blocks, ports and a/b/*")
         ->type_name("FILE");
     command

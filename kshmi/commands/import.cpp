@@ -158,20 +158,25 @@ void addImport(CLI::App& app, Run& run) {
                      "an .ssd or .ssp (System Structure and Parameterization 1.0, 2.0), modelDescription.xml or .fmu "
                      "(FMI 1.0, 2.0, 3.0)")
         ->required();
-    command->add_option("-o,--output", arguments->target, "model file to write; - is the standard output")->required();
+    command->add_option("-o,--output", arguments->target, "model file to write; - is the standard output")
+        ->type_name("FILE")
+        ->required();
     CLI::Option* const locals =
         command->add_flag("--locals", arguments->takesLocals, "take local variables as well as outputs");
     command->add_flag("--no-locals", arguments->leavesLocals, "outputs only, even if the version before has locals")
         ->excludes(locals);
     command->add_option("--name", arguments->name, "the model's name; what the file calls it if left out");
-    CLI::Option* const previous = command->add_option(
-        "--previous", arguments->previous, "model file of an earlier version: its blocks keep their identifiers");
+    CLI::Option* const previous =
+        command
+            ->add_option("--previous", arguments->previous,
+                         "model file of an earlier version: its blocks keep their identifiers")
+            ->type_name("FILE");
     command
         ->add_flag("--update", arguments->isUpdate,
-                   "MODEL is that earlier version, and is replaced; it must have no signals and clients")
+                   "the output is that earlier version, and is replaced; it must have no signals and clients")
         ->excludes(previous);
     command->add_flag("--json", arguments->isJson, "print JSON");
-    command->add_flag("--quiet", arguments->isQuiet, "print warnings only");
+    command->add_flag("-q,--quiet", arguments->isQuiet, "print warnings only");
     runWith(*command, runImport, arguments, run);
 }
 

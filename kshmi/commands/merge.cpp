@@ -53,6 +53,7 @@ void addMerge(CLI::App& app, Run& run) {
     command
         ->add_option("-o,--output", arguments->output,
                      "the file to write, which may be one of the three; - is the standard output")
+        ->type_name("FILE")
         ->required();
     command->add_flag("--json", arguments->isJson, "print JSON");
     command->add_flag("--all-lines", arguments->showsAll, "print everything, however much it is");

@@ -126,9 +126,9 @@ void addRecord(CLI::App& app, Run& run) {
     CLI::App* const command =
         app.add_subcommand("record", "Run the unit that a model was imported from, and keep what is observed");
     command->footer(
-        "A unit is a program, and this runs it, with all that you may do: run none that\n"
-        "you would not start yourself. It has a process of its own; when it crashes or is\n"
-        "stopped, what was recorded until then is kept, and the command ends with 6.\n"
+        "A unit is a program, and this runs it, with all that you may do: run none that you would not start yourself. "
+        "It has a process of its own; when it crashes or is stopped, what was recorded until then is kept, and the "
+        "command ends with 6.\n"
         "Examples:\n"
         "  kshmi record cruise.json --fmu cruise.fmu --until 10 -o run.csv\n"
         "  kshmi record cruise.json --fmu cruise.fmu --step 0.01 --set target=30 -o runs.db\n"

@@ -27,7 +27,7 @@ struct HelpPage {
     std::string usage;    ///< what follows it
     std::string summary;
     std::vector<HelpSection> sections;
-    std::string footer;  ///< lines that stay as they are
+    std::string footer;  ///< paragraphs of a line each; lines that are indented stay as they are
 };
 
 HelpPage helpPageOf(const CLI::App& app);

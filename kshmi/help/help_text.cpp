@@ -1,6 +1,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <sstream>
 
 #include "kshmi/help/help_page.h"
 #include "workbench/text/columns.h"
@@ -18,6 +19,15 @@ std::string entryText(const HelpEntry& entry, std::size_t column, std::size_t wi
     const std::size_t end = workbench::columnsOf(text);
     text += end + kIndent <= column ? std::string(column - end, ' ') : "\n" + std::string(column, ' ');
     return text + filled(entry.text, width - std::min(width, column), column) + '\n';
+}
+
+// Examples are indented, and stay as they can be copied.
+std::string footerText(const std::string& footer, std::size_t width) {
+    std::string text;
+    std::istringstream lines(footer);
+    for (std::string line; std::getline(lines, line);)
+        text += '\n' + (line.starts_with(' ') ? line : filled(line, width, 0));
+    return text;
 }
 
 std::size_t columnOf(const HelpPage& page) {
@@ -58,7 +68,7 @@ std::string helpText(const HelpPage& page, std::size_t width) {
         text += fmt::format("\n{}:\n", section.title);
         for (const HelpEntry& entry : section.entries) text += entryText(entry, column, line);
     }
-    return page.footer.empty() ? text : fmt::format("{}\n{}\n", text, page.footer);
+    return page.footer.empty() ? text : text + footerText(page.footer, line) + '\n';
 }
 
 }  // namespace kshmi

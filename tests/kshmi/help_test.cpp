@@ -26,9 +26,13 @@ TEST_F(Help, isToldByCommandTopicAndOption) {
     expectParts(run({"help", "globs"}).out, {"[a-z]"});
     expectParts(run({"help", "glob"}).err, {"did you mean \"globs\"?"});
     EXPECT_EQ(run({"help", "nonsense"}).code, 2);
-    std::istringstream lines(run({"help", "mark"}).out);
-    for (std::string line; std::getline(lines, line);)
-        EXPECT_TRUE(line.size() <= 80 || contains(line, "kshmi ")) << line;
+    for (const char* const command : {"mark", "carry", "diff", "import", "merge", "record"}) {
+        const std::string page = run({"help", command}).out;
+        expectParts(page, {"-q, --quiet"});
+        std::istringstream lines(page);
+        for (std::string line; std::getline(lines, line);)
+            EXPECT_TRUE(line.size() <= 80 || line.starts_with("  kshmi ")) << line;
+    }
 }
 
 TEST_F(Help, exitCodesAreToldEverywhere) {
