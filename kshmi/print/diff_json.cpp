@@ -22,7 +22,7 @@ void appendNames(std::string& out, const std::vector<std::u16string>& names) { a
 
 void appendChange(std::string& out, const ModelFile& before, const ModelFile& after, const BlockChange& change) {
     JsonObject object(out);
-    object.text("block", after.model.fullPath(*change.after)).text("was", before.model.fullPath(*change.before));
+    object.text("block", after.model.fullPath(*change.after)).text("from", before.model.fullPath(*change.before));
     object.truth("renamed", change.before->path != change.after->path).name("addedPorts");
     appendNames(out, change.addedPorts);
     object.name("removedPorts");
@@ -86,7 +86,7 @@ void appendRecord(std::string& out, const RecordChange& change, const Lists& lis
                     change.after ? lists.modelAfter : lists.modelBefore);
     else
         object.text("type", change.what);
-    if (change.before && change.after) object.number("was", *change.before + 1).truth("moved", change.isMoved);
+    if (change.before && change.after) object.number("fromPosition", *change.before + 1).truth("moved", change.isMoved);
     if (!change.fields.empty()) {
         object.name("fields");
         appendJsonArray(out, change.fields, [&](const FieldChange& field) {
