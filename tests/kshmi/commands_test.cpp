@@ -99,7 +99,8 @@ TEST_F(Commands, patternsMatchFullPathsNumbersAndNames) {
     expectParts(runOn("unmark --all m/Logic/* --all *:2").out, {"saved with 3 signals"});
     EXPECT_EQ(runOn("unmark --all m/Logic/*").code, kNothing);
     EXPECT_EQ(runOn("unmark Logic/On/Fast").code, kNothing);
-    expectParts(runOn("unmark --all m/Logics*").err, {"nothing matches \"m/Logics*\""});
+    expectParts(runOn("unmark --all m/Logics*").err, {"nothing matches \"m/Logics*\"; did you mean \"m/Logic*\"?"});
+    expectParts(runOn("unmark --all *lgoic/?n/*").err, {"did you mean \"*Logic/?n/*\"?"});
     expectParts(runOn("mark --all m/* --except m/Z*").err, {"\"m/Z*\" leaves nothing out"});
 }
 

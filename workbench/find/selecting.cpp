@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "workbench/find/glob.h"
+#include "workbench/find/spelling.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
@@ -29,9 +30,13 @@ bool isAnyMatched(const kestrel::Model& model, const Sources& sources, const std
                        [&](const SignalSource& source) { return globs.matches(model, source); });
 }
 
-Error nothingMatches(const std::string& pattern) {
+Error nothingMatches(const kestrel::Model& model, const Sources& sources, const std::string& pattern) {
     std::string text = "nothing matches " + inQuotes(pattern);
-    if (hasUnescapedBracket(pattern))
+    const std::string near =
+        nearPatterns(model, pattern, [&](const std::string& one) { return isAnyMatched(model, sources, one); });
+    if (!near.empty())
+        text += near;
+    else if (hasUnescapedBracket(pattern))
         text += R"(; "[" and "]" enclose a set of characters: for the brackets themselves write "\[" and "\]")";
     else
         text += R"(; patterns match whole paths like "MODEL/block/path", "block/path:1" and "chart/State")";
@@ -42,7 +47,7 @@ Sources matchingSources(const kestrel::Model& model, const std::vector<std::stri
     if (patterns.empty()) return {};
     Sources sources = allSourcesOf(model);
     for (const std::string& pattern : patterns)
-        if (!isAnyMatched(model, sources, pattern)) throw nothingMatches(pattern);
+        if (!isAnyMatched(model, sources, pattern)) throw nothingMatches(model, sources, pattern);
     std::erase_if(sources,
                   [&, globs = Globs(patterns)](const SignalSource& one) { return !globs.matches(model, one); });
     return sources;

@@ -2,6 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <set>
+
+#include "workbench/session/signal_source.h"
 #include "workbench/text/nearest.h"
 #include "workbench/text/text.h"
 
@@ -10,6 +14,9 @@ namespace workbench {
 namespace {
 
 constexpr std::size_t kLongestList = 300;
+// In patterns.
+constexpr std::string_view kSpecial = "*?[]\\";
+constexpr std::string_view kBetweenWords = "*?[]\\/:";
 
 // Without a port behind it.
 std::string blockPart(std::string_view path) {
@@ -36,6 +43,31 @@ std::string nearPorts(const kestrel::Block& block, std::u16string_view wanted) {
     Nearest nearest(toUtf8(wanted));
     for (const std::u16string& name : block.outputs) nearest.offer(toUtf8(name));
     return nearest.question();
+}
+
+// The names that paths of ports and chart items are made of.
+std::set<std::string> namesIn(const kestrel::Model& model) {
+    std::set<std::string> names{toUtf8(model.name())};
+    const auto add = [&](std::u16string_view path) {
+        for (std::size_t end = 0; end != std::u16string_view::npos;
+             path.remove_prefix(std::min(path.size(), end + 1))) {
+            end = path.find(u'/');
+            names.insert(toUtf8(path.substr(0, end)));
+        }
+    };
+    for (const kestrel::Block& block : model.blocks()) {
+        add(block.path);
+        for (const std::u16string& name : block.outputs) names.insert(toUtf8(name));
+        for (const ChartItem& item : chartItemsOf(block)) add(item.subPath);
+    }
+    return names;
+}
+
+std::string asPattern(std::string_view name) {
+    std::string pattern;
+    for (const char c : name)
+        pattern += kSpecial.find(c) == std::string_view::npos ? std::string{c} : std::string{'\\', c};
+    return pattern;
 }
 
 }  // namespace
@@ -74,5 +106,23 @@ std::string portList(const kestrel::Block& block, std::u16string_view wanted) {
 }
 
 bool isLikePattern(std::string_view text) { return text.find_first_of("*?[") != std::string_view::npos; }
+
+std::string nearPatterns(const kestrel::Model& model, std::string_view pattern,
+                         const std::function<bool(const std::string& pattern)>& matches) {
+    const std::set<std::string> names = namesIn(model);
+    Nearest meant(pattern);
+    for (std::size_t start = 0; start < pattern.size();) {
+        const std::size_t end = std::min(pattern.find_first_of(kBetweenWords, start), pattern.size());
+        Nearest word(pattern.substr(start, end - start));
+        for (const std::string& name : names) word.offer(name);
+        for (const std::string& name : word.found()) {
+            std::string near(pattern);
+            near.replace(start, end - start, asPattern(name));
+            if (matches(near)) meant.offer(near);
+        }
+        start = end + 1;
+    }
+    return meant.question();
+}
 
 }  // namespace workbench

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,5 +32,10 @@ std::string portList(const kestrel::Block& block, std::u16string_view wanted);
 
 /// Whether the text has characters that mean something in a pattern.
 bool isLikePattern(std::string_view text);
+
+/// The patterns that somebody who wrote one may have meant: with one of its words spelled as a name of the model, as
+/// far as that `matches` anything. `; did you mean "a*" or "b*"?`; empty when there is none.
+std::string nearPatterns(const kestrel::Model& model, std::string_view pattern,
+                         const std::function<bool(const std::string& pattern)>& matches);
 
 }  // namespace workbench
