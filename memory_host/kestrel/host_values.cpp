@@ -49,8 +49,9 @@ bool isOnChart(const hvArray* signal) {
 
 void requireInputs(const orvex::Call& call, std::size_t count) {
     if (call.ins.size() == count) return;
-    orvex::raise("WrongNumberOfInputs", "\"" + std::string(call.name) + "\" takes " + std::to_string(count) +
-                                            " arguments, and " + std::to_string(call.ins.size()) + " were given.");
+    orvex::raise("WrongNumberOfInputs", "Wrong number of arguments for \"" + std::string(call.name) +
+                                            "\": " + std::to_string(call.ins.size()) + " given, " +
+                                            std::to_string(count) + " needed.");
 }
 
 namespace {

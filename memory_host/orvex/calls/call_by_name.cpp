@@ -55,8 +55,8 @@ private:
 
 void requireOutputs(const FunctionEntry& entry, const Call& call) {
     if (entry.outputs == kAnyNumberOfOutputs || call.nOut <= entry.outputs) return;
-    raise("TooManyOutputs", "\"" + std::string(call.name) + "\" has " + std::to_string(entry.outputs) + " output(s); " +
-                                std::to_string(call.nOut) + " were asked for.");
+    raise("TooManyOutputs", "Too many outputs for \"" + std::string(call.name) + "\": " + std::to_string(call.nOut) +
+                                " asked for, at most " + std::to_string(entry.outputs) + " returned.");
 }
 
 // Where a name is looked for.

@@ -40,8 +40,8 @@ void checkCounts(const Callee& callee, const Call& call) {
         raise("TooManyInputs", "Too many arguments for " + callee.text() + ": " + std::to_string(given) +
                                    " given, at most " + std::to_string(most) + " taken.");
     if (call.nOut > 0 && static_cast<std::size_t>(call.nOut) > outputs)
-        raise("TooManyOutputs", "Too many outputs wanted of " + callee.text() + ": it has " + std::to_string(outputs) +
-                                    ", and " + std::to_string(call.nOut) + " were wanted.");
+        raise("TooManyOutputs", "Too many outputs for " + callee.text() + ": " + std::to_string(call.nOut) +
+                                    " asked for, at most " + std::to_string(outputs) + " returned.");
 }
 
 std::vector<hos::Argument> convertArguments(const Callee& callee, std::span<const hvArray* const> ins) {
