@@ -6,7 +6,7 @@
 
 #include "fmi.h"
 
-enum { ARRAY = 20, MATRIX = 21, TIME = 22, FED = 23, INPUT = 24, EVENTS = 30, SIZE = 40 };
+enum { ARRAY = 20, MATRIX = 21, TIME = 22, FED = 23, INPUT = 24, GEAR = 25, EVENTS = 30, SIZE = 40 };
 enum { WELL, EARLY, EVENT, FINISH, STAND_STILL };
 enum { MOST = 16 };
 
@@ -16,7 +16,7 @@ typedef struct {
     double time, input[MOST];
     uint64_t size;
     int64_t behaviour;
-    int32_t events, steps;
+    int32_t events, steps, gear;
     bool usesEvents, isInEventMode, isConfiguring, isInitializing;
     char text[32];
     uint8_t bytes[2];
@@ -136,7 +136,7 @@ NUMBERS(Int8, int8_t, -8)
 NUMBERS(UInt8, uint8_t, 200)
 NUMBERS(Int16, int16_t, -16000)
 NUMBERS(UInt16, uint16_t, 60000)
-NUMBERS(Int32, int32_t, references[i] == EVENTS ? unit->events : -unit->steps)
+NUMBERS(Int32, int32_t, references[i] == EVENTS ? unit->events : references[i] == GEAR ? unit->gear : -unit->steps)
 NUMBERS(UInt32, uint32_t, 4000000000U)
 NUMBERS(Int64, int64_t, INT64_MIN + unit->steps)
 NUMBERS(UInt64, uint64_t, UINT64_MAX)
@@ -163,6 +163,13 @@ FMI_EXPORT int fmi3SetFloat64(void* any, const uint32_t* references, size_t coun
     (void)references, (void)count;
     for (size_t i = 0; i < total && i < MOST; ++i) ((Unit*)any)->input[i] = values[i];
     return FMI_OK;
+}
+FMI_EXPORT int fmi3SetInt32(void* any, const uint32_t* references, size_t count, const int32_t* values, size_t total) {
+    Unit* unit = any;
+    (void)references, (void)count, (void)total;
+    unit->gear = values[0];
+    return expect(unit, unit->isInitializing || unit->isInEventMode || !unit->usesEvents,
+                  "an input jumps in step mode");
 }
 FMI_EXPORT int fmi3SetInt64(void* any, const uint32_t* references, size_t count, const int64_t* values, size_t total) {
     (void)references, (void)count, (void)total;

@@ -132,7 +132,7 @@ private:
         unit.configure(m_task.sizes);
         for (const UnitValue& value : m_task.values) unit.set(value);
         unit.enterInitialization(m_task.experiment);
-        m_inputs.at(m_time, [&](const UnitValue& value) { unit.set(value); });
+        m_inputs.at(m_time, [&](const UnitInput& input) { unit.set(input.value); });
         m_sender.tellTime(m_time);
         unit.exitInitialization();
         m_nextEvent = unit.handleEvents(m_hasEnded);
@@ -140,7 +140,8 @@ private:
 
     // One step, towards the target or to it.
     void advance(Unit& unit, double target) {
-        m_inputs.at(m_time, [&](const UnitValue& value) { unit.set(value); });
+        feed(unit);
+        if (m_hasEnded) return;
         const bool stopsForEvent = m_task.takesAnyStep && m_nextEvent && *m_nextEvent > m_time && *m_nextEvent < target;
         const double end = stopsForEvent ? *m_nextEvent : target;
         const UnitStep step = stepTo(unit, end);
@@ -150,6 +151,16 @@ private:
         m_hasEnded = step.hasEnded;
         m_sender.tellTime(m_time);
         if (step.needsEvent && !m_hasEnded) m_nextEvent = unit.handleEvents(m_hasEnded);
+    }
+
+    // What jumps may do so in an event only, where the unit has events.
+    void feed(Unit& unit) {
+        bool hasEvent = false;
+        m_inputs.at(m_time, [&](const UnitInput& input) {
+            if (!input.isInterpolated && m_task.start.usesEvents && !std::exchange(hasEvent, true)) unit.beginEvent();
+            unit.set(input.value);
+        });
+        if (hasEvent) m_nextEvent = unit.handleEvents(m_hasEnded);
     }
 
     UnitStep stepTo(Unit& unit, double end) {

@@ -87,10 +87,13 @@ public:
         m_isInEventMode = m_usesEvents;
     }
 
-    std::optional<double> handleEvents(bool& hasEnded) override {
-        if (!m_usesEvents) return std::nullopt;
+    void beginEvent() override {
         if (!m_isInEventMode) callSimple("fmi3EnterEventMode");
         m_isInEventMode = true;
+    }
+    std::optional<double> handleEvents(bool& hasEnded) override {
+        if (!m_usesEvents) return std::nullopt;
+        beginEvent();
         const std::optional<double> next = settleEvent(hasEnded);
         if (hasEnded) return std::nullopt;
         callSimple("fmi3EnterStepMode");

@@ -60,6 +60,8 @@ public:
     virtual void set(const UnitValue& value) = 0;
     virtual void enterInitialization(const UnitExperiment& experiment) = 0;
     virtual void exitInitialization() = 0;
+    /// Before what may only change in an event is set; `handleEvents` comes next. Of units with events only.
+    virtual void beginEvent() = 0;
     /// Handles what `UnitStep::needsEvent` asks for. Sets `hasEnded` when the unit does not want to go on. Returns the
     /// time of the next event, when the unit knows it.
     virtual std::optional<double> handleEvents(bool& hasEnded) = 0;

@@ -27,13 +27,13 @@ public:
     UnitInputs(const std::string& path, const FmiDescription& description, const std::vector<GivenSize>& sizes);
 
     bool empty() const noexcept { return m_inputs.empty(); }
-    /// Hands the values at that time to `take`, those that have changed since the last call only. Times must not
-    /// descend.
+    /// Hands the inputs, with their values at that time, to `take`, those that have changed since the last call only.
+    /// Times must not descend.
     template <class Take>
     void at(double time, Take take) {
         seek(time);
         for (UnitInput& input : m_inputs)
-            if (fill(input, time)) take(static_cast<const UnitValue&>(input.value));
+            if (fill(input, time)) take(static_cast<const UnitInput&>(input));
     }
 
 private:

@@ -240,6 +240,21 @@ TEST_F(RecordFmi3, arraysBecomeColumnsByElement) {
                "fmi3SetUInt64 reported an error: not in configuration mode");
 }
 
+TEST_F(RecordFmi3, inputsJumpInEventsWhereTheUnitHasThem) {
+    for (const char* const head : {"", R"(hasEventMode="true")"}) {
+        import3(R"(<Float64 name="y" valueReference="23" causality="output"><Dimension start="1"/></Float64>
+<Int32 name="gear" valueReference="25" causality="output"/><Int32 name="wish" valueReference="25" causality="input"/>
+<Float64 name="u" valueReference="24" causality="input"><Dimension start="1"/></Float64>)",
+                head);
+        mark("--all *");
+        const std::string inputs = "--inputs " + write("time,u[1],wish\n0,0,1\n0.5,1,1\n1,4,3\n", "in.csv");
+        EXPECT_EQ(plain(recorded("--until 1.5 --set n=1 --step 0.25 " + inputs)),
+                  "time y[1] gear\n0 0 1\n0.25 0 1\n0.5 0.5 1\n0.75 1 1\n1 2.5 1\n1.25 4 3\n1.5 4 3\n")
+            << head;
+        std::filesystem::remove(path());
+    }
+}
+
 TEST_F(RecordFmi3, earlyReturnsAndEventsAreHonoured) {
     const std::string variables = R"(<Float64 name="now" valueReference="22" causality="output"/>
 <Int32 name="events" valueReference="30" causality="output"/>)";
