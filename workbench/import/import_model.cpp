@@ -1,5 +1,7 @@
 #include "workbench/import/import_model.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <utility>
@@ -64,6 +66,16 @@ std::size_t portCountOf(const std::vector<kestrel::Block>& blocks) {
     return count;
 }
 
+// Who does not know of local variables is surprised.
+void noteNoOutputs(Structure& structure) {
+    std::string text = "has no outputs, so there is nothing to mark";
+    for (const ImportNote& note : structure.dropped.all())
+        if (note.text.starts_with("local "))
+            text = fmt::format("has no outputs; import it with --locals to take its {} {}", note.names.size(),
+                               note.names.size() == 1 ? note.text.substr(0, note.text.size() - 1) : note.text);
+    structure.warnings.add(text, "");
+}
+
 }  // namespace
 
 ModelFile modelFileOf(ImportedModel imported) {
@@ -94,6 +106,7 @@ ImportedModel importDocument(ForeignDocument document, const ImportOptions& opti
     if (!structure.name.empty()) name = asModelName(structure.name, structure.warnings);
     if (!options.name.empty()) name = options.name;
     const std::size_t ports = portCountOf(structure.blocks);
+    if (ports == 0) noteNoOutputs(structure);
     ImportedModel result{buildModel(std::move(name), shown, std::move(structure.blocks)),
                          std::move(origin),
                          std::move(structure.warnings),

@@ -60,11 +60,7 @@ public:
 
     void read() {
         const pugi::xml_node root = m_file.root();
-        m_structure.version = m_file.attribute(root, "version");
-        const std::string_view version = m_structure.version;
-        if (!version.starts_with("1.") && !version.starts_with("2."))
-            m_file.fail(root, fmt::format("the version {} of this format is unknown", inQuotes(version)),
-                        "save the structure in version 1.0 or 2.0");
+        readVersion(root);
         m_structure.name = m_file.attribute(root, "name");
         const pugi::xml_node system = XmlFile::child(root, "System");
         if (!system) m_file.fail(root, "holds no System", "have it written again by the program that made it");
@@ -74,6 +70,20 @@ public:
     }
 
 private:
+    void readVersion(pugi::xml_node root) {
+        m_structure.version = m_file.attribute(root, "version");
+        const std::string_view version = m_structure.version;
+        if (version.starts_with("1.") || version.starts_with("2.")) return;
+        // Old programs wrote drafts of 1.0, small ones leave it out.
+        if (!version.empty() && !version.starts_with("Draft"))
+            m_file.fail(root, fmt::format("the version {} of this format is unknown", inQuotes(version)),
+                        "save the structure in version 1.0 or 2.0");
+        const std::string what =
+            version.empty() ? "does not say its version" : fmt::format("is of the version {}", inQuotes(version));
+        m_structure.warnings.add(what + "; read as 1.0", "", m_file.lineOf(root));
+        if (version.empty()) m_structure.version = "1.0";
+    }
+
     std::string nameOf(pugi::xml_node node) {
         std::string name = m_file.attribute(node, "name");
         if (!name.empty()) return name;

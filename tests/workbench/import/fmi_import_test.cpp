@@ -77,6 +77,18 @@ TEST(FmiImport, takesWhatTheRealWorldNames) {
                                                "Speed km/h.v", "Speed km_h.v", "'a.b'.v"}));
 }
 
+TEST(FmiImport, saysWhereTheVariablesAreWhenThereIsNoOutput) {
+    const auto warningsOf = [](const char* names) {
+        std::string variables;
+        for (const char* name = names; *name != '\0'; ++name)
+            variables += std::string("<ScalarVariable name='") + *name + "'><Real/></ScalarVariable>";
+        return textOf(imported(fmi2(variables)).warnings);
+    };
+    EXPECT_EQ(warningsOf("ab"), "has no outputs; import it with --locals to take its 2 local variables: \n");
+    EXPECT_EQ(warningsOf("a"), "has no outputs; import it with --locals to take its 1 local variable: \n");
+    EXPECT_EQ(warningsOf(""), "has no outputs, so there is nothing to mark: \n");
+}
+
 TEST(FmiImport, takesAnUnknownCausalityForLocal) {
     const std::string xml = fmi2(R"(<ScalarVariable name="a" causality="sideways"><Real/></ScalarVariable>
 <ScalarVariable name="b" causality="sideways"><Real/></ScalarVariable>

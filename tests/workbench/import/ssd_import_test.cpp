@@ -77,7 +77,20 @@ TEST(SsdImport, tellsElementsOfOneNameApart) {
     EXPECT_EQ(textOf(model.warnings),
               "3 a component without connectors; its source is not looked at: a\n"
               "3 an element with the same name as one beside it: a\n"
-              "3 an element without a name; called \"unnamed\": \n");
+              "3 an element without a name; called \"unnamed\": \n"
+              "has no outputs, so there is nothing to mark: \n");
+}
+
+TEST(SsdImport, readsDraftsAndWhatDoesNotSayItsVersion) {
+    const std::string system = "<System name='a'><Connectors><Connector name='y' kind='output'/></Connectors></System>";
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "does not say its version; read as 1.0"},
+        {"Draft20180219", "is of the version \"Draft20180219\"; read as 1.0"}};
+    for (const auto& [version, said] : cases) {
+        const ImportedModel model = imported(ssd(system, version));
+        EXPECT_EQ(blocksOf(model), "a: y\n");
+        EXPECT_EQ(textOf(model.warnings), "1 " + said + ": \n");
+    }
 }
 
 TEST(SsdImport, refusesWhatIsNoSuchDescription) {
