@@ -76,8 +76,9 @@ void printRecordJson(const RecordResult& result, const std::string& file, const 
 
 std::string earlyEndOf(const RecordResult& result, const std::string& file) {
     if (result.end.kind == UnitEndKind::done) return {};
-    const std::string reason =
-        result.end.kind == UnitEndKind::interrupted ? "somebody asked to stop" : result.end.message;
+    std::string reason = result.end.kind == UnitEndKind::interrupted ? "somebody asked to stop" : result.end.message;
+    // The unit's own sentence goes on.
+    while (reason.ends_with('.') || reason.ends_with('\n')) reason.pop_back();
     return fmt::format("{}: stopped at {}: {}; what was recorded until then is kept in {}",
                        printable(std::string_view(result.unit)), timeText(result.end.time), printableMessage(reason),
                        file == kStandardStream ? "the output" : printable(std::string_view(file)));

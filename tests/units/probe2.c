@@ -12,7 +12,7 @@
 enum { SINE, FED, FETCHED_REALS, GAIN = 10, INPUT = 11, WIDE = 100 }; /* reals; from WIDE on any number of them */
 enum { COUNT, MODE, BEHAVIOUR, FETCHED, WISH };                       /* integers */
 enum { WELL, CRASH, HANG, FAIL, DISCARD, FINISH, LEAVE, SPAM, ABORT_AT_END, CHATTER, HANG_AT_END, FAIL_AT_START };
-enum { CLOSE_FILES = FAIL_AT_START + 1, LEAVE_PROCESSES, STAND_STILL, COMPLAIN, WRITE_OVER = 1000 };
+enum { CLOSE_FILES = FAIL_AT_START + 1, LEAVE_PROCESSES, STAND_STILL, COMPLAIN, LOSE_TRACK, WRITE_OVER = 1000 };
 enum { COMPLAINTS = 1000 };
 
 typedef struct {
@@ -78,6 +78,7 @@ static int misbehave(Unit* unit) {
             say(unit, FMI_ERROR, "too hot");
             return FMI_ERROR;
         case DISCARD:
+        case LOSE_TRACK:
         case FINISH:
             return FMI_DISCARD;
         case LEAVE:
@@ -111,17 +112,17 @@ FMI_EXPORT int fmi2DoStep(void* any, double time, double size, int final) {
     ++unit->steps;
     if (unit->behaviour >= WRITE_OVER) writeOverSharedMemory((unsigned)unit->behaviour);
     if (unit->behaviour == CHATTER) say(unit, FMI_OK, "stepped");
-    if (unit->behaviour == SPAM) puts("spam on standard output"), fflush(stdout);
+    if (unit->behaviour == SPAM) puts("spam on standard output"), raise(SIGKILL);
     return FMI_OK;
 }
 
 FMI_EXPORT int fmi2GetRealStatus(void* unit, int kind, double* value) {
-    *value = ((Unit*)unit)->time;
-    return kind == 2 ? FMI_OK : FMI_ERROR;
+    *value = ((Unit*)unit)->behaviour == LOSE_TRACK ? -1 : ((Unit*)unit)->time;
+    return ((Unit*)unit)->behaviour == LOSE_TRACK ? FMI_DISCARD : kind == 2 ? FMI_OK : FMI_ERROR;
 }
 FMI_EXPORT int fmi2GetBooleanStatus(void* unit, int kind, int* value) {
     *value = ((Unit*)unit)->behaviour == FINISH;
-    return kind == 3 ? FMI_OK : FMI_ERROR;
+    return kind == 3 && ((Unit*)unit)->behaviour != LOSE_TRACK ? FMI_OK : FMI_ERROR;
 }
 
 FMI_EXPORT int fmi2GetReal(void* any, const unsigned* references, size_t count, double* values) {
@@ -178,14 +179,7 @@ FMI_EXPORT int fmi2SetInteger(void* any, const unsigned* references, size_t coun
     return FMI_OK;
 }
 
-FMI_EXPORT int fmi2SetBoolean(void* unit, const unsigned* references, size_t count, const int* values) {
-    (void)unit, (void)references, (void)count, (void)values;
-    return FMI_OK;
-}
-FMI_EXPORT int fmi2SetString(void* unit, const unsigned* references, size_t count, const char* const* values) {
-    (void)unit, (void)references, (void)count, (void)values;
-    return FMI_OK;
-}
+/* What has no variable to set has no function: fmi2SetBoolean, fmi2SetString. */
 
 /* A state is when it was taken. */
 FMI_EXPORT int fmi2GetFMUstate(void* unit, void** state) {

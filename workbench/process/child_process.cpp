@@ -3,11 +3,14 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <signal.h>
+#include <stdio_ext.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "workbench/text/error.h"
@@ -30,6 +33,10 @@ void leaveStandardStreams() {
     if (nothing >= 0) ::dup2(nothing, STDIN_FILENO);
     if (nothing > STDERR_FILENO) ::close(nothing);
     ::dup2(STDERR_FILENO, STDOUT_FILENO);
+    // What the unit prints shall be seen even if it crashes; what its parent still has to write is the parent's.
+    ::__fpurge(stdout);
+    static std::array<char, BUFSIZ> buffer;
+    std::setvbuf(stdout, buffer.data(), _IOLBF, buffer.size());
 }
 
 // What is open here is not the unit's to write to.

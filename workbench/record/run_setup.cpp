@@ -49,11 +49,14 @@ const FmiVariable& variableCalled(const FmiDescription& description, const std::
 }
 
 void requireSettable(const FmiVariable& variable) {
-    const bool isFixed = variable.causality == FmiCausality::calculatedParameter ||
-                         variable.causality == FmiCausality::independent || variable.variability == "constant";
-    if (isFixed || !variable.valueReference || !unitTypeOf(variable.type))
+    const bool isConstant = variable.variability == "constant";
+    const bool isComputed =
+        variable.causality == FmiCausality::calculatedParameter || variable.causality == FmiCausality::independent;
+    if (isConstant || isComputed || !variable.valueReference || !unitTypeOf(variable.type))
         refuse("--set", fmt::format("{} cannot be set: it is {}", inQuotes(variable.name),
-                                    isFixed ? "computed by the unit" : "of a type without start values"));
+                                    isConstant   ? "a constant"
+                                    : isComputed ? "computed by the unit"
+                                                 : "of a type without start values"));
 }
 
 UnitValue parsedValue(const FmiVariable& variable, const FmiDescription& description,

@@ -28,14 +28,7 @@ struct Api {
           exitInitialization(library.get<Simple>("fmi2ExitInitializationMode")),
           terminate(library.get<Simple>("fmi2Terminate")),
           doStep(library.get<DoStep>("fmi2DoStep")),
-          getReal(library.get<Get<double>>("fmi2GetReal")),
-          getInteger(library.get<Get<int>>("fmi2GetInteger")),
-          getBoolean(library.get<Get<Boolean>>("fmi2GetBoolean")),
-          getString(library.get<Get<const char*>>("fmi2GetString")),
-          setReal(library.get<Set<double>>("fmi2SetReal")),
-          setInteger(library.get<Set<int>>("fmi2SetInteger")),
-          setBoolean(library.get<Set<Boolean>>("fmi2SetBoolean")),
-          setString(library.get<Set<const char*>>("fmi2SetString")) {}
+          getReal(library.get<Get<double>>("fmi2GetReal")) {}
 
     Instantiate instantiate;
     FreeInstance freeInstance;
@@ -43,13 +36,6 @@ struct Api {
     Simple enterInitialization, exitInitialization, terminate;
     DoStep doStep;
     Get<double> getReal;
-    Get<int> getInteger;
-    Get<Boolean> getBoolean;
-    Get<const char*> getString;
-    Set<double> setReal;
-    Set<int> setInteger;
-    Set<Boolean> setBoolean;
-    Set<const char*> setString;
 };
 
 // Called with the unit's own format and arguments.
@@ -103,15 +89,14 @@ public:
         const Reference* const reference = &value.reference;
         if (value.type == UnitType::float64) {
             const auto number = std::bit_cast<double>(value.slots.at(0));
-            check(m_api.setReal(m_unit, reference, 1, &number), "fmi2SetReal");
+            call<Set<double>>("fmi2SetReal", reference, 1, &number);
         } else if (value.type == UnitType::string) {
             const char* const text = value.texts.at(0).c_str();
-            check(m_api.setString(m_unit, reference, 1, &text), "fmi2SetString");
+            call<Set<const char*>>("fmi2SetString", reference, 1, &text);
         } else {
             const auto number = static_cast<int>(value.slots.at(0));
-            const bool isBoolean = value.type == UnitType::boolean;
-            check((isBoolean ? m_api.setBoolean : m_api.setInteger)(m_unit, reference, 1, &number),
-                  isBoolean ? "fmi2SetBoolean" : "fmi2SetInteger");
+            call<Set<int>>(value.type == UnitType::boolean ? "fmi2SetBoolean" : "fmi2SetInteger", reference, 1,
+                           &number);
         }
     }
 
@@ -123,6 +108,7 @@ public:
     }
     void exitInitialization() override { check(m_api.exitInitialization(m_unit), "fmi2ExitInitializationMode"); }
 
+    void beginEvent() override {}
     std::optional<double> handleEvents(bool&) override { return std::nullopt; }
 
     void keepState() override {
@@ -136,14 +122,14 @@ public:
         const Status status = m_api.doStep(m_unit, time, size, isFinal ? 1 : 0);
         if (status <= warning) return {time + size};
         if (status != discard) check(status, "fmi2DoStep");
-        UnitStep result{time, true};
+        // Many units do not know how far they came.
+        double reached = time;
+        if (m_library.get<GetRealStatus>("fmi2GetRealStatus")(m_unit, lastSuccessfulTime, &reached) > warning)
+            reached = time;
         Boolean hasEnded = 0;
-        check(m_library.get<GetRealStatus>("fmi2GetRealStatus")(m_unit, lastSuccessfulTime, &result.time),
-              "fmi2GetRealStatus");
-        check(m_library.get<GetBooleanStatus>("fmi2GetBooleanStatus")(m_unit, terminated, &hasEnded),
-              "fmi2GetBooleanStatus");
-        result.hasEnded = hasEnded != 0;
-        return result;
+        if (m_library.get<GetBooleanStatus>("fmi2GetBooleanStatus")(m_unit, terminated, &hasEnded) > warning)
+            hasEnded = 0;
+        return {reached, true, false, hasEnded != 0};
     }
 
     void read(const UnitReading& reading, std::uint64_t* slots, std::string& texts) override {
@@ -154,8 +140,7 @@ public:
         if (reading.type == UnitType::string) return readTexts(reading, slots, texts);
         m_numbers.resize(count);
         const bool isBoolean = reading.type == UnitType::boolean;
-        check((isBoolean ? m_api.getBoolean : m_api.getInteger)(m_unit, references, count, m_numbers.data()),
-              isBoolean ? "fmi2GetBoolean" : "fmi2GetInteger");
+        call<Get<int>>(isBoolean ? "fmi2GetBoolean" : "fmi2GetInteger", references, count, m_numbers.data());
         for (std::size_t i = 0; i < count; ++i)
             slots[i] = isBoolean ? static_cast<std::uint64_t>(m_numbers[i] != 0)
                                  : static_cast<std::uint64_t>(std::int64_t{m_numbers[i]});
@@ -166,9 +151,15 @@ public:
 private:
     void readTexts(const UnitReading& reading, std::uint64_t* slots, std::string& texts) {
         m_texts.assign(reading.count, nullptr);
-        check(m_api.getString(m_unit, reading.references.data(), reading.count, m_texts.data()), "fmi2GetString");
+        call<Get<const char*>>("fmi2GetString", reading.references.data(), reading.count, m_texts.data());
         for (std::size_t i = 0; i < reading.count; ++i)
             slots[i] = addText(texts, m_texts[i] != nullptr ? m_texts[i] : "");
+    }
+
+    // A unit may lack what it has no variables for.
+    template <class Function, class... Arguments>
+    void call(const char* function, Arguments... arguments) {
+        check(m_library.get<Function>(function)(m_unit, arguments...), function);
     }
 
     void check(Status status, const char* function) {

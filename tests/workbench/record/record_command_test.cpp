@@ -46,6 +46,7 @@ TEST_F(Record, aUnitThatStopsEarlyLeavesWhatWasRecorded) {
         {kHang, "stopped at t = 1: the unit did not come back within 0.3 s"},
         {kFail, "stopped at t = 1: fmi2DoStep reported an error: too hot at 1"},
         {kDiscard, "stopped at t = 1: the unit gave up the step to t = 1.5 at t = 1"},
+        {kLoseTrack, "stopped at t = 1: the unit gave up the step to t = 1.5 at t = 1"},
         {kFinish, "stopped at t = 1: the unit ended the run itself"},
         {kLeave, "stopped at t = 1: the unit ended its process itself, with exit code 3"}};
     for (const Misbehaviour& one : cases) {
@@ -66,7 +67,8 @@ TEST_F(Record, aUnitThatStopsEarlyLeavesWhatWasRecorded) {
 TEST_F(Record, aDiscardedStepIsTriedAgainWhereTheUnitCanGoBack) {
     import(probe2(R"(canHandleVariableCommunicationStepSize="true" canGetAndSetFMUstate="true")"));
     mark("state:count");
-    EXPECT_EQ(plain(recorded(setTo(kDiscard))), "time count\n0 0\n0.5 -1\n1 -2\n1.25 -3\n1.5 -4\n2 -5\n");
+    for (const Behaviour behaviour : {kDiscard, kLoseTrack})
+        EXPECT_EQ(plain(recorded(setTo(behaviour))), "time count\n0 0\n0.5 -1\n1 -2\n1.25 -3\n1.5 -4\n2 -5\n");
 }
 
 TEST_F(Record, whatCannotRunIsRefusedWithTheReason) {
@@ -127,15 +129,20 @@ TEST_F(Record, aUnitThatLiesIsFoundOut) {
 }
 
 TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
-    import(replaced(probe2(), "stopTime=\"2\"", ""));
+    const std::string more =
+        R"(<ScalarVariable name="fixed" valueReference="9" variability="constant"><Real start="1"/></ScalarVariable>
+<ScalarVariable name="label" valueReference="9" causality="parameter"><String start=""/></ScalarVariable>)";
+    import(replaced(probe2("", more), "stopTime=\"2\"", ""));
     mark("state:count");
     expectSaid("record", kWrongUsage, "--until: the unit does not say how long it is to run");
     expectSaid("record --until -1", kWrongUsage, "--until: -1 is no time after the start, t = 0");
     expectSaid("record --until 1 --step 0", kWrongUsage, "--step: 0 is no step to get to t = 1 with");
+    expectSaid("record --until 1 --set fixed=2", kWrongUsage, "--set: \"fixed\" cannot be set: it is a constant");
+    expectSaid("record --until 1 --set label=x", kStoppedEarly, "lacks the function fmi2SetString");
     expectSaid("record --until 1 --set gian=2", kWrongUsage,
                "--set: the unit has no variable \"gian\"; did you mean \"gain\"?");
     expectSaid("record --until 1 --set x=2", kWrongUsage,
-               "the unit has no variable \"x\"; it takes \"gain\", \"u\", \"wish\", \"behaviour\"");
+               "the unit has no variable \"x\"; it takes \"gain\", \"u\", \"wish\", \"behaviour\", \"label\"");
     expectSaid("record --until x", kWrongUsage, "--until: \"x\": give a number of seconds");
     expectSaid("record --until inf", kWrongUsage, "--until: \"inf\": give a number of seconds");
     expectSaid("record --timeout -1", kWrongUsage, "--timeout: \"-1\": give a number of seconds, 0 for no limit");
@@ -168,6 +175,9 @@ TEST_F(Record, theUnitsMessagesAndItsOwnOutputStayOutOfTheRecording) {
     const Finished finished = runOn("record --quiet --log --until 1 " + setTo(kChatter));
     EXPECT_EQ(finished.err, "t = 0 [information] probe: stepped at 0.5\nt = 0.5 [information] probe: stepped at 1\n");
     EXPECT_EQ(plain(finished.out), "time count\n0 0\n0.5 -1\n1 -2\n");
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(plain(runOn("record --quiet --until 1 " + setTo(kSpam)).out), "time count\n0 0\n");
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "spam on standard output\n");
 }
 
 }  // namespace

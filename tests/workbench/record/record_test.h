@@ -51,6 +51,7 @@ enum Behaviour {
     kLeaveProcesses,
     kStandStill,
     kComplain,
+    kLoseTrack,
     kWriteOver = 1000  ///< and above, each in another way
 };
 
