@@ -89,6 +89,19 @@ TEST_F(HostValues, deepCopySharesNothingAndKeepsTheOrigin) {
     EXPECT_EQ(hvGetClassWord(copiedInner), 2u);
 }
 
+TEST_F(HostValues, structsThatShareAFieldReplaceItEachForItself) {
+    const HvArrayPtr one = structOf(1);
+    const HvArrayPtr other = structOf(1);
+    hvSetField(one.get(), 0, "a", number(4).release());
+    hvSetField(other.get(), 0, "a", number(5).release());
+    orvex::shareField(other.get(), 0, "a", hvGetField(one.get(), 0, "a"));
+    EXPECT_EQ(hvGetField(other.get(), 0, "a"), hvGetField(one.get(), 0, "a"));
+    hvReplaceField(one.get(), 0, "a", number(6).release());
+    EXPECT_EQ(hvGetScalar(hvGetField(other.get(), 0, "a")), 4);
+    orvex::shareField(other.get(), 0, "a", nullptr);
+    EXPECT_EQ(hvGetField(other.get(), 0, "a"), nullptr);
+}
+
 TEST_F(HostValues, nullAndForeignValuesAreNeverUndefinedBehaviour) {
     const HvArrayPtr cell(hvCreateCellArray(1, std::array<std::size_t, 1>{2}.data()));
     for (const hvArray* value : {static_cast<const hvArray*>(nullptr), static_cast<const hvArray*>(cell.get())}) {
@@ -185,6 +198,7 @@ TEST_F(HostValues, misuseIsRefusedAndNamed) {
         {[&] { hvReplaceField(records.get(), 2, "a", number(1).release()); }, "IndexOutOfRange"},
         {[&] { hvReplaceField(scalar.get(), 0, "a", number(1).release()); }, "WrongClass"},
         {[&] { hvReplaceField(records.get(), 0, "a", stored); }, "InvalidArgument"},
+        {[&] { orvex::shareField(records.get(), 0, "a", scalar.get()); }, "InvalidArgument"},
         {[&] { hvSetCell(cell.get(), 1, number(1).release()); }, "IndexOutOfRange"},
         {[&] { hvCreateStructArray(1, &one, 2, repeated.data()); }, "InvalidFieldName"},
         {[&] { hvCreateCellArray(2, huge.data()); }, "TooLarge"},

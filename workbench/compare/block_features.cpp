@@ -90,10 +90,12 @@ bool BothVersions::isTelling(std::size_t oldBlock, std::size_t newBlock) const {
     return (likeness(oldBlock, newBlock) >= kHalf && !isWeak(oldBlock)) || shareRareName(oldBlock, newBlock);
 }
 
-std::u16string parentOf(const std::u16string& path) {
+std::u16string_view parentView(std::u16string_view path) noexcept {
     const std::size_t at = path.rfind(u'/');
-    return at == std::u16string::npos ? std::u16string() : path.substr(0, at);
+    return at == std::u16string_view::npos ? std::u16string_view() : path.substr(0, at);
 }
+
+std::u16string parentOf(const std::u16string& path) { return std::u16string(parentView(path)); }
 
 std::u16string_view lastSegment(std::u16string_view path) noexcept { return path.substr(path.rfind(u'/') + 1); }
 

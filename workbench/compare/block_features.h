@@ -87,6 +87,7 @@ private:
 /// The part of a path behind the last '/'.
 std::u16string_view lastSegment(std::u16string_view path) noexcept;
 /// The path before the last '/'; empty when there is none.
+std::u16string_view parentView(std::u16string_view path) noexcept;
 std::u16string parentOf(const std::u16string& path);
 /// The path from the last '/' but one on; the whole path when it has no more than two parts.
 std::u16string_view lastTwoSegments(std::u16string_view path) noexcept;

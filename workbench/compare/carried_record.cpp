@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "host/values.h"
+#include "memory_host/kestrel/signal_block.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
@@ -68,10 +69,10 @@ const std::u16string* MarkedSources::nameNow(const MarkedSource& source) {
 MarkedSource MarkedSources::of(const hvArray* signals, std::size_t position, const std::u16string* markedName) {
     MarkedSource source;
     source.eid = toUtf8(recordText(signals, position, "EID_"));
-    source.savedPath = recordText(signals, position, "BlockPath_");
-    source.block = savedBlock(m_old, signals, position);
     MarkPlace& place = source.place;
-    place.block = source.block ? source.block->path : source.savedPath;
+    place.block = recordText(signals, position, "BlockPath_");
+    source.block = kestrel::signalBlock(m_old, source.eid, place.block);
+    if (source.block) place.block = source.block->path;
     place.domain = recordText(signals, position, "DomainType_");
     place.port = place.domain.empty() ? numberOf(signals, position, "OutputPortIndex_") : 0;
     place.ssid = ssidOf(domainParameter(signals, position, "SSID"));
@@ -86,17 +87,19 @@ MarkedSource MarkedSources::of(const hvArray* signals, std::size_t position, con
     return source;
 }
 
-void putOn(hvArray* signals, std::size_t position, const MarkedSource& before, const NewSource& after) {
-    const std::u16string subsystem = recordText(signals, position, "SubSysPath_");
-    if (subsystem == parentOf(before.savedPath) || subsystem == parentOf(before.place.block))
-        setRecordText(signals, position, "SubSysPath_", parentOf(after.block->path));
-    setRecordText(signals, position, "BlockPath_", after.block->path);
-    setRecordText(signals, position, "EID_", toUtf16(after.block->eid));
-    if (recordText(signals, position, "SignalName_") == before.place.name)
+void putOn(hvArray* signals, std::size_t position, const MarkPlace& before, const kestrel::Block& block,
+           const MarkPlace& after) {
+    const std::u16string_view subsystem = recordView(signals, position, "SubSysPath_");
+    const bool isSavedParent = subsystem == parentView(recordView(signals, position, "BlockPath_"));
+    if (isSavedParent || subsystem == parentView(before.block))
+        setRecordText(signals, position, "SubSysPath_", parentView(block.path));
+    setRecordText(signals, position, "BlockPath_", block.path);
+    setRecordText(signals, position, "EID_", toUtf16(block.eid));
+    if (recordView(signals, position, "SignalName_") == before.name)
         setRecordText(signals, position, "SignalName_", after.name);
-    if (!before.place.domain.empty()) {
+    if (!before.domain.empty()) {
         setRecordText(signals, position, "SubPath_", after.name);
-        if (before.place.domain != u"cw_chart") setSsid(signals, position, after.ssid);
+        if (before.domain != u"cw_chart") setSsid(signals, position, after.ssid);
         return;
     }
     const int number = numberOf(signals, position, "OutputPortIndex_");

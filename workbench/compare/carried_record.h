@@ -14,9 +14,8 @@ namespace workbench {
 struct MarkedSource {
     const kestrel::Block* block = nullptr;  ///< in the old version; null when it does not have it
     MarkPlace place;
-    std::string eid;           ///< the block's
-    std::u16string savedPath;  ///< of the block, as the record has it
-    bool isNameKnown = true;   ///< false when neither the mark nor the model says what the port was called
+    std::string eid;          ///< the block's
+    bool isNameKnown = true;  ///< false when neither the mark nor the model says what the port was called
     bool hadSlid = false;
     bool isUnsure = false;  ///< it was parked because nobody said which of several places it is at
 };
@@ -46,7 +45,8 @@ private:
 };
 
 /// Sets what names the block, the port or item, and the signal where it has the port's name.
-void putOn(hvArray* signals, std::size_t position, const MarkedSource& before, const NewSource& after);
+void putOn(hvArray* signals, std::size_t position, const MarkPlace& before, const kestrel::Block& block,
+           const MarkPlace& after);
 
 /// Has clients name the new model where they named the old one, and the paths and identifiers of blocks.
 class ClientFollower {

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <memory>
+#include <string_view>
 #include <unordered_map>
 
 #include "host/values.h"
@@ -15,6 +15,13 @@ namespace workbench {
 
 namespace {
 
+// A mark that stays, or is back.
+struct Kept {
+    RecordPlace record;
+    const CarriedMark* mark;
+    const kestrel::Block* block;
+};
+
 // Puts the new file together.
 class Carrier {
 public:
@@ -23,93 +30,99 @@ public:
 
     CarriedModel run() {
         m_result.report.areIdentifiersRenewed = m_matching.blocks().areIdentifiersRenewed();
-        decideAll();
+        decideMarks();
+        decideParked();
         buildSignals();
         buildClients();
         return std::move(m_result);
     }
 
 private:
-    void decideAll();
+    void decideMarks();
     void decideParked();
     void buildSignals();
     void buildClients();
-    void park(const hvArray* signals, std::size_t position, const Decision& decision, bool isNameKnown);
+    void keep(const RecordPlace& record, const CarriedMark& mark, const kestrel::Block* block);
+    void park(const RecordPlace& record, const CarriedMark& mark, bool isBlockFound, bool isNameKnown);
 
     const ModelFile& m_old;
     CarriedModel m_result;
     MarkMatching m_matching;
     MarkedSources m_reader{m_old.model};
-    std::vector<RecordPlace> m_signals, m_clients;  // of the new file
-    std::vector<const Decision*> m_decisions;       // of its signals
-    std::vector<std::unique_ptr<Decision>> m_all;
-    std::vector<MarkedSource> m_sources;                                  // of its signals
-    std::unordered_map<std::u16string, const kestrel::Block*> m_blockOf;  // by the UUIDs of its signals
-    std::unordered_map<std::u16string, std::size_t> m_parkedAt;           // by the UUIDs of new parked marks
+    std::vector<Kept> m_kept;            // the signals of the new file
+    std::vector<RecordPlace> m_clients;  // of the new file
+    bool m_needsBlocks = false;          // somebody will ask m_blockOf
+    // By the UUIDs of its signals, and of new parked marks, as the report has them.
+    std::unordered_map<std::u16string_view, const kestrel::Block*> m_blockOf;
+    std::unordered_map<std::u16string_view, std::size_t> m_parkedAt;
 };
 
-void Carrier::decideAll() {
+void Carrier::decideMarks() {
     const hvArray* const signals = m_old.signals.get();
+    const hvArray* const clients = m_old.clients.get();
+    std::vector<CarriedMark>& marks = m_result.report.marks;
+    m_needsBlocks = hvGetNumberOfElements(clients) > 0 || !m_old.extras.parked.empty();
+    marks.reserve(hvGetNumberOfElements(signals));
+    m_kept.reserve(marks.capacity());
     for (const std::size_t i : ks_host::indicesOf(signals)) {
-        const MarkedSource source = m_reader.of(signals, i, m_old.extras.markedName(i));
-        m_all.push_back(std::make_unique<Decision>(m_matching.decide(source)));
-        Decision& decision = *m_all.back();
-        decision.mark.uuid = recordText(signals, i, "UUID");
-        decision.mark.position = i;
-        m_result.report.marks.push_back(decision.mark);
-        if (isParkedFate(decision.mark.fate)) {
-            park(signals, i, decision, source.isNameKnown);
-            continue;
-        }
-        m_signals.push_back({signals, i});
-        m_decisions.push_back(&decision);
-        m_sources.push_back(source);
-        m_blockOf[decision.mark.uuid] = decision.target.block;
+        MarkedSource source = m_reader.of(signals, i, m_old.extras.markedName(i));
+        Decision decision = m_matching.decide(source);
+        CarriedMark& mark = marks.emplace_back(std::move(decision.mark));
+        mark.before = std::move(source.place);
+        mark.uuid = recordText(signals, i, "UUID");
+        mark.position = i;
+        if (isParkedFate(mark.fate))
+            park({signals, i}, mark, decision.isBlockFound, source.isNameKnown);
+        else
+            keep({signals, i}, mark, decision.target.block);
     }
-    for (const std::size_t i : ks_host::indicesOf(m_old.clients.get())) m_clients.push_back({m_old.clients.get(), i});
-    decideParked();
+    for (const std::size_t i : ks_host::indicesOf(clients)) m_clients.push_back({clients, i});
 }
 
-void Carrier::park(const hvArray* signals, std::size_t position, const Decision& decision, bool isNameKnown) {
-    ParkedMark mark;
-    mark.signal = copyRecords(RecordKind::signal, {{signals, position}});
+void Carrier::keep(const RecordPlace& record, const CarriedMark& mark, const kestrel::Block* block) {
+    m_kept.push_back({record, &mark, block});
+    if (m_needsBlocks) m_blockOf[mark.uuid] = block;
+}
+
+void Carrier::park(const RecordPlace& record, const CarriedMark& mark, bool isBlockFound, bool isNameKnown) {
+    ParkedMark parked;
+    parked.signal = copyRecords(RecordKind::signal, {record});
     // A name that nobody knew stays unknown: the mark cannot come back by it.
-    if (isNameKnown) mark.markedName = decision.mark.before.name;
-    setRecordText(mark.signal.get(), 0, "BlockPath_", decision.mark.before.block);
-    mark.clients = copyRecords(RecordKind::client, {});
-    const bool isItem = !decision.mark.before.domain.empty();
-    mark.lost = !decision.isBlockFound ? LostWith::block : isItem ? LostWith::item : LostWith::port;
-    mark.isUnsure = decision.mark.fate == Fate::ambiguous;
-    mark.from = m_old.model.name();
-    m_parkedAt.emplace(decision.mark.uuid, m_result.file.extras.parked.size());
-    m_result.file.extras.parked.push_back(std::move(mark));
+    if (isNameKnown) parked.markedName = mark.before.name;
+    setRecordText(parked.signal.get(), 0, "BlockPath_", mark.before.block);
+    parked.clients = copyRecords(RecordKind::client, {});
+    const bool isItem = !mark.before.domain.empty();
+    parked.lost = !isBlockFound ? LostWith::block : isItem ? LostWith::item : LostWith::port;
+    parked.isUnsure = mark.fate == Fate::ambiguous;
+    parked.from = m_old.model.name();
+    m_parkedAt.emplace(mark.uuid, m_result.file.extras.parked.size());
+    m_result.file.extras.parked.push_back(std::move(parked));
 }
 
 void Carrier::decideParked() {
+    std::vector<CarriedMark>& marks = m_result.report.parked;
+    marks.reserve(m_old.extras.parked.size());
     for (const ParkedMark& parked : m_old.extras.parked) {
-        const std::u16string* const name = parked.markedName ? &*parked.markedName : nullptr;
-        MarkedSource source = m_reader.of(parked.signal.get(), 0, name);
+        const RecordPlace record{parked.signal.get(), 0};
+        MarkedSource source = m_reader.of(record.records, 0, parked.markedName ? &*parked.markedName : nullptr);
         source.isUnsure = parked.isUnsure;
-        m_all.push_back(std::make_unique<Decision>(m_matching.decide(source)));
-        Decision& decision = *m_all.back();
-        decision.mark.uuid = recordText(parked.signal.get(), 0, "UUID");
-        decision.mark.position = m_result.report.parked.size();
-        decision.mark.hadSlid = false;
-        const bool isTaken = m_blockOf.contains(decision.mark.uuid);
-        const bool stays = isParkedFate(decision.mark.fate);
+        Decision decision = m_matching.decide(source);
+        CarriedMark& mark = marks.emplace_back(std::move(decision.mark));
+        mark.before = std::move(source.place);
+        mark.uuid = recordText(record.records, 0, "UUID");
+        mark.position = marks.size() - 1;
+        mark.hadSlid = false;
+        const bool isTaken = m_blockOf.contains(mark.uuid);
+        const bool stays = isParkedFate(mark.fate);
         if (isTaken && !stays) {
             ++m_result.report.keptParked;
-            decision.mark.fate = Fate::ambiguous;
+            mark.fate = Fate::ambiguous;
         }
-        m_result.report.parked.push_back(decision.mark);
         if (stays || isTaken) {
             m_result.file.extras.parked.push_back(copyOf(parked));
             continue;
         }
-        m_signals.push_back({parked.signal.get(), 0});
-        m_decisions.push_back(&decision);
-        m_sources.push_back(source);
-        m_blockOf[decision.mark.uuid] = decision.target.block;
+        keep(record, mark, decision.target.block);
         for (const std::size_t i : ks_host::indicesOf(parked.clients.get()))
             m_clients.push_back({parked.clients.get(), i});
     }
@@ -117,10 +130,15 @@ void Carrier::decideParked() {
 
 void Carrier::buildSignals() {
     ModelFile& file = m_result.file;
-    file.signals = copyRecords(RecordKind::signal, m_signals);
-    for (std::size_t i = 0; i < m_decisions.size(); ++i) {
-        putOn(file.signals.get(), i, m_sources[i], m_decisions[i]->target);
-        file.extras.markedNames.emplace_back(m_decisions[i]->target.name);
+    std::vector<RecordPlace> records;
+    records.reserve(m_kept.size());
+    for (const Kept& one : m_kept) records.push_back(one.record);
+    file.signals = copyRecords(RecordKind::signal, records);
+    file.extras.markedNames.reserve(m_kept.size());
+    for (std::size_t i = 0; i < m_kept.size(); ++i) {
+        const CarriedMark& mark = *m_kept[i].mark;
+        putOn(file.signals.get(), i, mark.before, *m_kept[i].block, *mark.after);
+        file.extras.markedNames.emplace_back(mark.after->name);
     }
 }
 
@@ -130,7 +148,7 @@ void Carrier::buildClients() {
     std::unordered_map<std::size_t, std::vector<RecordPlace>> parked;
     std::vector<RecordPlace> kept;
     for (const RecordPlace& client : m_clients) {
-        const std::u16string uuid = recordText(client.records, client.position, "SignalUUID_");
+        const std::u16string_view uuid = recordView(client.records, client.position, "SignalUUID_");
         const auto at = m_parkedAt.find(uuid);
         at != m_parkedAt.end() && !m_blockOf.contains(uuid) ? parked[at->second].push_back(client)
                                                             : kept.push_back(client);
@@ -138,7 +156,7 @@ void Carrier::buildClients() {
     ModelFile& file = m_result.file;
     file.clients = copyRecords(RecordKind::client, kept);
     for (std::size_t i = 0; i < kept.size(); ++i) {
-        const auto block = m_blockOf.find(recordText(file.clients.get(), i, "SignalUUID_"));
+        const auto block = m_blockOf.find(recordView(file.clients.get(), i, "SignalUUID_"));
         follower.follow(file.clients.get(), i, block == m_blockOf.end() ? nullptr : block->second);
     }
     for (auto& [position, clients] : parked) {

@@ -12,7 +12,6 @@ struct MarkMatching::Pairings {
 
 Decision MarkMatching::decide(const MarkedSource& source) {
     Decision decision;
-    decision.mark.before = source.place;
     decision.mark.hadSlid = source.hadSlid;
     if (const CarryMap::Target* const target = m_map.source(source.place.block, source.place.name))
         return mapped(source, *target, std::move(decision));
@@ -50,9 +49,13 @@ void MarkMatching::lookForHeirs(const MarkedSource& source, Decision& decision) 
 }
 
 MarkMatching::Pairings& MarkMatching::pairingsOf(const kestrel::Block* old, const kestrel::Block& next) {
+    if (m_lastNext == &next && m_lastOld == old) return *m_last;
     std::shared_ptr<Pairings>& pairings = m_pairings[old][&next];
     if (!pairings) pairings = std::make_shared<Pairings>(old, next);
-    return *pairings;
+    m_lastOld = old;
+    m_lastNext = &next;
+    m_last = pairings.get();
+    return *m_last;
 }
 
 SourceMatch MarkMatching::sourceIn(const MarkedSource& source, const kestrel::Block& block) {

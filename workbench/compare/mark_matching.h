@@ -11,7 +11,7 @@ namespace workbench {
 
 /// What becomes of a mark, and where it goes.
 struct Decision {
-    CarriedMark mark;
+    CarriedMark mark;  ///< but for what the source says
     NewSource target = {};
     bool isBlockFound = true;
 };
@@ -48,6 +48,9 @@ private:
     BlockMatching m_blocks;
     std::unordered_map<const kestrel::Block*, std::unordered_map<const kestrel::Block*, std::shared_ptr<Pairings>>>
         m_pairings;
+    const kestrel::Block* m_lastOld = nullptr;   ///< of the pairings that were asked for last
+    const kestrel::Block* m_lastNext = nullptr;  ///< null at first
+    Pairings* m_last = nullptr;
 };
 
 }  // namespace workbench

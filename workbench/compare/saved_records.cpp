@@ -89,7 +89,14 @@ std::u16string recordText(const hvArray* records, std::size_t position, const ch
     return ks_host::textOf(hvGetField(records, position, field));
 }
 
+std::u16string_view recordView(const hvArray* records, std::size_t position, const char* field) noexcept {
+    const hvArray* const value = hvGetField(records, position, field);
+    return ks_host::isText(value) ? charsOf(value) : std::u16string_view();
+}
+
 void setRecordText(hvArray* records, std::size_t position, const char* field, std::u16string_view text) {
+    const hvArray* const before = hvGetField(records, position, field);
+    if (ks_host::isText(before) && charsOf(before) == text) return;
     hvReplaceField(records, position, field, ks_host::makeText(text).release());
 }
 
@@ -122,9 +129,10 @@ HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places) 
     HvArrayPtr copy(hvCreateStructArray(1, &count, static_cast<int>(fields.size()), fields.data()));
     for (std::size_t i = 0; i < count; ++i)
         for (const char* const field : fields) {
-            const hvArray* const value = hvGetField(places[i].records, places[i].position, field);
-            HvArrayPtr saved = value ? HvArrayPtr(hvCreateDeepCopy(value)) : unsetValue(field);
-            hvSetField(copy.get(), i, field, saved.release());
+            if (const hvArray* const value = hvGetField(places[i].records, places[i].position, field))
+                orvex::shareField(copy.get(), i, field, value);
+            else
+                hvSetField(copy.get(), i, field, unsetValue(field).release());
         }
     orvex::markAsPersisted(copy.get());
     return copy;

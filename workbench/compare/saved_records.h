@@ -16,6 +16,9 @@ namespace workbench {
 
 /// The text of a field; empty where it is unset.
 std::u16string recordText(const hvArray* records, std::size_t position, const char* field);
+/// The same, valid until the field is set or the records are gone.
+std::u16string_view recordView(const hvArray* records, std::size_t position, const char* field) noexcept;
+/// Leaves a field alone that has the text.
 void setRecordText(hvArray* records, std::size_t position, const char* field, std::u16string_view text);
 /// A parameter of a chart signal; empty when there is none.
 std::u16string domainParameter(const hvArray* signals, std::size_t position, const char* name);
@@ -35,7 +38,8 @@ struct RecordPlace {
     const hvArray* records = nullptr;
     std::size_t position = 0;
 };
-/// Copies of those records, in that order, marked as read from a file; what is unset is set to what it stands for.
+/// Those records, in that order, marked as read from a file; what is unset is set to what it stands for. The values are
+/// shared with the originals, which stay as they are when a field of the copy is set.
 HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places);
 
 /// A copy of its own.

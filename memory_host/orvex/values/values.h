@@ -22,6 +22,11 @@ OX_API HvArrayPtr makeObjectColumn(Objects objects, const Site& site = "makeObje
 /// Class and size for messages: "double 1x1", "struct 2x1", "null".
 OX_API std::string describeValue(const hvArray* value);
 
+/// Replaces a field of an element by a value that a struct or cell array holds, which both hold from then on: nobody
+/// changes a value while it is in a container. Null stands for no value. Counts as writing a field, and throws as that
+/// does; also for a value that is in no container.
+OX_API void shareField(hvArray* structArray, std::size_t index, const char* name, const hvArray* value);
+
 /// Marks a struct array as read from a saved file (its class word is then 18). Throws for any other value.
 OX_API void markAsPersisted(hvArray* structArray);
 

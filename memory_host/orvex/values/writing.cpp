@@ -75,6 +75,14 @@ void hvSetField(hvArray* structArray, std::size_t index, const char* name, hvArr
     [[maybe_unused]] hvArray* const lost = orvex::storedInField(structArray, index, name, value).detach();
 }
 
+void orvex::shareField(hvArray* structArray, std::size_t index, const char* name, const hvArray* value) {
+    faults::point(faults::Operation::writeField);
+    if (value && value->m_lifetime != Lifetime::contained)
+        raise("InvalidArgument", "Only a value in a container is shared with another one.");
+    const SharedValue earlier =
+        std::exchange(fieldSlot(structArray, index, name), SharedValue(const_cast<hvArray*>(value)));
+}
+
 void hvSetCell(hvArray* cellArray, std::size_t index, hvArray* value) {
     HvArrayPtr incoming = orvex::takenOver(cellArray, value);
     orvex::faults::point(orvex::faults::Operation::writeCell);
