@@ -1,26 +1,22 @@
-#include <fmt/compile.h>
 #include <fmt/format.h>
-#include <stdlib.h>
-#include <sys/resource.h>
 #include <zip.h>
 
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "benchmarks/scratch_directory.h"
 #include "benchmarks/suite.h"
 #include "workbench/change/marking.h"
 #include "workbench/import/import_model.h"
-#include "workbench/record/record_model.h"
 #include "workbench/session/session.h"
-#include "workbench/unit/fmi2_api.h"
-#include "workbench/unit/unit_library.h"
 
-// A recording beside the bare loop: the same steps of the same unit, the same variables read, the same numbers written.
-// In processor time, the unit's process included: what a recording costs on one processor, whatever else runs.
+// A recording beside the bare loop, both in processes of their own (recording_run.cpp). In processor time, the unit's
+// process included: what a recording costs on one processor, whatever else runs.
 namespace ks_bench {
 
 namespace {
@@ -42,21 +38,14 @@ std::string description(std::size_t outputs) {
     return xml + "</ModelVariables></fmiModelDescription>";
 }
 
-// Units with few outputs and many, and models of them in which the last ones are marked; removed at the end.
+// Units with few outputs and many, and models of them in which the last ones are marked.
 class Models {
 public:
     Models() {
-        if (::mkdtemp(m_path.data()) == nullptr) throw std::runtime_error(m_path + ": cannot be made");
         for (const std::size_t outputs : kOutputs) make(outputs);
     }
-    Models(const Models&) = delete;
-    Models& operator=(const Models&) = delete;
-    ~Models() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path, ignored);
-    }
 
-    std::string path(const std::string& name) const { return m_path + "/" + name; }
+    std::string path(const std::string& name) const { return m_directory.file(name); }
     std::string modelPath(std::size_t outputs) const { return path(fmt::format("{}.json", outputs)); }
 
 private:
@@ -81,7 +70,7 @@ private:
         if (::zip_close(archive) != 0) throw std::runtime_error(path + ": cannot be made");
     }
 
-    std::string m_path = "/tmp/ks_hmi_recording-XXXXXX";
+    ScratchDirectory m_directory;
 };
 
 const Models& models() {
@@ -89,81 +78,44 @@ const Models& models() {
     return models;
 }
 
-namespace api = workbench::fmi2;
+// What a run took, in seconds.
+struct Seconds {
+    double processor = 0.0;
+    double real = 0.0;
+};
+using Time = double Seconds::*;
 
-void logNothing(void*, const char*, api::Status, const char*, const char*, ...) {}
-
-void writeRow(std::FILE* file, double time, const std::array<double, kObserved>& values) {
-    std::array<char, 32 * (kObserved + 1)> row{};
-    char* at = fmt::format_to(row.data(), FMT_COMPILE("{}"), time);
-    for (const double value : values) {
-        *at++ = ',';
-        at = fmt::format_to(at, FMT_COMPILE("{}"), value);
-    }
-    *at++ = '\r';
-    *at++ = '\n';
-    std::fwrite(row.data(), 1, static_cast<std::size_t>(at - row.data()), file);
-}
-
-void runBare(std::FILE* file, std::size_t outputs) {
-    const workbench::UnitLibrary library(KS_HMI_PROBE);
-    const auto doStep = library.get<api::DoStep>("fmi2DoStep");
-    const auto getReal = library.get<api::Get<double>>("fmi2GetReal");
-    const api::Callbacks callbacks{logNothing, ::calloc, ::free, nullptr, nullptr};
-    api::Component const unit = library.get<api::Instantiate>("fmi2Instantiate")("wide", api::coSimulation, "probe",
-                                                                                 "file:///", &callbacks, 0, 0);
-    std::array<unsigned, kObserved> references{};
-    for (std::size_t i = 0; i < kObserved; ++i)
-        references[i] = static_cast<unsigned>(outputs - kObserved + i) + kFirstReference;
-    std::array<double, kObserved> values{};
-    for (int i = 0; i <= kSteps; ++i) {
-        getReal(unit, references.data(), references.size(), values.data());
-        writeRow(file, i * kStep, values);
-        if (i < kSteps) doStep(unit, i * kStep, (i + 1) * kStep - i * kStep, 1);
-    }
-    library.get<api::FreeInstance>("fmi2FreeInstance")(unit);
-}
-
-double secondsOf(const timeval& time) {
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
-}
-
-// That this process and those that it has waited for have used.
-double processorSeconds() {
-    double seconds = 0.0;
-    for (const auto who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
-        rusage usage{};
-        ::getrusage(who, &usage);
-        seconds += secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
-    }
+Seconds run(const std::string& arguments) {
+    const std::string path = models().path("run.csv");
+    const std::string line = fmt::format("'{}' '{}' {} {} {}", KS_HMI_RECORDING_RUN, path, kSteps, kStep, arguments);
+    std::FILE* const answer = ::popen(line.c_str(), "re");
+    Seconds seconds;
+    const int count = answer ? std::fscanf(answer, "%lf %lf", &seconds.processor, &seconds.real) : 0;
+    if (answer == nullptr || ::pclose(answer) != 0 || count != 2) throw std::runtime_error(line + ": failed");
+    std::filesystem::remove(path);
     return seconds;
 }
 
-void bare(benchmark::State& state, std::size_t outputs) {
-    const std::string path = models().path("bare.csv");
-    for ([[maybe_unused]] auto _ : state) {
-        const double start = processorSeconds();
-        std::FILE* const file = std::fopen(path.c_str(), "wb");
-        std::setvbuf(file, nullptr, _IOFBF, std::size_t{1} << 16U);
-        runBare(file, outputs);
-        std::fclose(file);
-        state.SetIterationTime(processorSeconds() - start);
-    }
+void measure(benchmark::State& state, const std::string& arguments, Time time) {
+    for ([[maybe_unused]] auto _ : state) state.SetIterationTime(run(arguments).*time);
 }
 
-void recording(benchmark::State& state, std::size_t outputs) {
-    workbench::Session session(models().modelPath(outputs));
-    workbench::RecordOptions options;
-    options.until = kSteps * kStep;
-    options.step = kStep;
-    options.target.path = models().path("run.csv");
-    options.target.replaces = true;
-    for ([[maybe_unused]] auto _ : state) {
-        const double start = processorSeconds();
-        if (workbench::recordModel(session, options).samples != kSteps + 1)
-            return state.SkipWithError("the run is not whole");
-        state.SetIterationTime(processorSeconds() - start);
-    }
+void addRun(const std::string& name, const std::function<std::string()>& arguments, Time time) {
+    Suite::time(name, [=](benchmark::State& state) { measure(state, arguments(), time); })
+        ->UseManualTime()
+        ->Iterations(1)
+        ->Unit(benchmark::kMillisecond);
+}
+
+void addPair(Suite& suite, std::size_t outputs, const char* kind, Time time, Limit limit) {
+    const std::string bare = fmt::format("record: bare loop of {}, {}", outputs, kind);
+    const std::string own = fmt::format("record: {} of {}, {}", kObserved, outputs, kind);
+    const auto loop = [=] { return fmt::format("'{}' {}", KS_HMI_PROBE, outputs - kObserved + kFirstReference); };
+    const auto model = [=] { return "'" + models().modelPath(outputs) + "'"; };
+    addRun(bare, loop, time);
+    addRun(own, model, time);
+    suite.compare(9, fmt::format("recording {} of {} outputs, 1e6 steps, {}", kObserved, outputs, kind), own, bare,
+                  limit);
 }
 
 }  // namespace
@@ -171,18 +123,8 @@ void recording(benchmark::State& state, std::size_t outputs) {
 void addRecording(Suite& suite) {
     constexpr double kMost = 1.15;
     for (const std::size_t outputs : kOutputs) {
-        const std::string bareName = fmt::format("record: bare loop of {}", outputs);
-        const std::string name = fmt::format("record: {} of {}", kObserved, outputs);
-        Suite::time(bareName, [outputs](benchmark::State& state) { bare(state, outputs); })
-            ->UseManualTime()
-            ->Iterations(1)
-            ->Unit(benchmark::kMillisecond);
-        Suite::time(name, [outputs](benchmark::State& state) { recording(state, outputs); })
-            ->UseManualTime()
-            ->Iterations(1)
-            ->Unit(benchmark::kMillisecond);
-        suite.compare(9, fmt::format("recording {} of {} outputs, 1e6 steps, processor time", kObserved, outputs), name,
-                      bareName, Limit::atMost(kMost));
+        addPair(suite, outputs, "processor time", &Seconds::processor, Limit::atMost(kMost));
+        addPair(suite, outputs, "real time", &Seconds::real, Limit{});
     }
 }
 
