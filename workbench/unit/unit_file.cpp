@@ -61,8 +61,9 @@ std::string platformsIn(const Archive& archive) {
 void requireRunnable(const std::string& path, const FmiDescription& description) {
     if (description.major == 1) refuse(path, "is a unit of FMI 1.0, which is not run; export it as 2.0 or 3.0");
     if (!description.coSimulation)
-        refuse(path, fmt::format("is a unit for {} only, which would need a solver; export it for co-simulation",
-                                 description.modelExchange ? "model exchange" : "scheduled execution"));
+        refuse(path, fmt::format("is a unit for {}; export it for co-simulation",
+                                 description.modelExchange ? "model exchange only, which would need a solver"
+                                                           : "scheduled execution only, which would need a scheduler"));
     if (description.abilities.needsProgram)
         refuse(path, "only runs together with the program that it comes from; export it as one that stands alone");
     if (description.coSimulation->empty() || description.coSimulation->find('/') != std::string::npos)
