@@ -37,6 +37,13 @@ bool isLink(zip* archive, std::uint64_t index) noexcept {
     return system == ZIP_OPSYS_UNIX && S_ISLNK(attributes >> 16U);
 }
 
+// As the format has it: many programs write what their system calls paths, "binaries\\linux64\\x.so" or "./x.xml".
+std::string properName(std::string name) {
+    std::replace(name.begin(), name.end(), '\\', '/');
+    while (name.starts_with("./")) name.erase(0, 2);
+    return name;
+}
+
 struct FileCloser {
     void operator()(zip_file_t* file) const noexcept { ::zip_fclose(file); }
 };
@@ -95,7 +102,7 @@ void Archive::checkEntries() {
     }
     std::set<std::string_view> seen;
     for (const std::string& name : m_names)
-        if (!seen.insert(name).second) failEntry(name, "appears twice");
+        if (!name.empty() && !seen.insert(name).second) failEntry(name, "appears twice");
 }
 
 std::uint64_t Archive::checkEntry(std::uint64_t index) {
@@ -104,8 +111,11 @@ std::uint64_t Archive::checkEntry(std::uint64_t index) {
     constexpr auto kNeeded = ZIP_STAT_NAME | ZIP_STAT_SIZE | ZIP_STAT_COMP_SIZE;
     if (::zip_stat_index(m_zip.get(), index, 0, &status) != 0 || (status.valid & kNeeded) != kNeeded)
         fail(fmt::format("entry {} has no name or no size", index + 1), "have the archive made again");
-    const std::string name = toUtf8(toUtf16(status.name));
-    if (!isInsideName(status.name)) failEntry(name, "would be unpacked outside the target");
+    const std::string given = toUtf8(toUtf16(status.name));
+    const std::string name = properName(given);
+    // "./" is the target itself.
+    if (!isInsideName(properName(status.name)) && (!name.empty() || given.empty()))
+        failEntry(given, "would be unpacked outside the target");
     if (isLink(m_zip.get(), index)) failEntry(name, "is a link");
     if ((status.valid & ZIP_STAT_ENCRYPTION_METHOD) != 0 && status.encryption_method != ZIP_EM_NONE)
         failEntry(name, "is encrypted");

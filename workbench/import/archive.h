@@ -36,7 +36,8 @@ public:
     /// Whether bytes begin as an archive does.
     static bool isArchive(std::string_view bytes) noexcept { return bytes.starts_with("PK\x03\x04"); }
 
-    /// Of all entries, folders too, in the archive's order.
+    /// Of all entries, folders too, in the archive's order, with '/' between their parts whatever the archive has;
+    /// empty for the target itself.
     const std::vector<std::string>& names() const noexcept { return m_names; }
     bool has(std::string_view name) const noexcept;
     /// The contents of an entry. Throws `Error` when it is not there, is damaged, or has more than

@@ -91,11 +91,21 @@ std::string refusalOfArchive(std::string bytes, const ArchiveLimits& limits = {}
 
 TEST(ImportedArchive, isRefusedWhenItWouldLeaveItsTarget) {
     const std::string again = "; have the archive made again";
-    for (const char* const name : {"../a", "a/../../b", "/etc/a", "a/./b", "a//b", "c:/a", "..\\a", "a\\b"})
+    for (const char* const name :
+         {"../a", "a/../../b", "/etc/a", "a/./b", "a//b", "c:/a", "..\\a", "\\\\a\\b", "./../a", ".//a"})
         EXPECT_EQ(
             refusalOfArchive(zipOf({{"a", "x"}, {name, "x"}})),
             "u.fmu: the entry " + inQuotes(std::string_view(name)) + " would be unpacked outside the target" + again);
     EXPECT_EQ(refusalOfArchive(zipOf({{"a", "/etc", true}})), "u.fmu: the entry \"a\" is a link" + again);
+}
+
+TEST(ImportedArchive, mayCallItsEntriesAsOtherSystemsDo) {
+    const Archive archive = Archive::ofBytes(
+        "u.fmu", zipOf({{"./", ""}, {"./././", ""}, {"./a", "x"}, {"b\\", ""}, {"b\\x64\\lib.so", "code"}}));
+    EXPECT_EQ(archive.names(), (std::vector<std::string>{"", "", "a", "b/", "b/x64/lib.so"}));
+    EXPECT_EQ(archive.read("b/x64/lib.so"), "code");
+    EXPECT_EQ(refusalOfArchive(zipOf({{"b/a", ""}, {"b\\a", ""}})),
+              "u.fmu: the entry \"b/a\" appears twice; have the archive made again");
 }
 
 TEST(ImportedArchive, isRefusedBeyondItsLimits) {
@@ -128,7 +138,8 @@ TEST(ImportedArchive, isRefusedWhenItIsDamaged) {
 TEST(ImportedArchive, unpacksBelowItsTargetAndReplacesNothing) {
     std::string folder = (std::filesystem::temp_directory_path() / "kshmi-archive-XXXXXX").string();
     ASSERT_NE(::mkdtemp(folder.data()), nullptr);
-    const Archive archive = Archive::ofBytes("u.fmu", zipOf({{"e/", ""}, {"b/x/lib.so", "code"}, {"top", "t"}}));
+    const Archive archive =
+        Archive::ofBytes("u.fmu", zipOf({{"./", ""}, {"e\\", ""}, {"b\\x/lib.so", "code"}, {"top", "t"}}));
     archive.extractTo(folder);
     std::ifstream file(folder + "/b/x/lib.so");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), "code");
