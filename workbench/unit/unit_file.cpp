@@ -1,6 +1,7 @@
 #include "workbench/unit/unit_file.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -44,8 +45,8 @@ std::string binaryOf(const FmiDescription& description) {
     return fmt::format("binaries/{}/{}.so", platformOf(description.major), *description.coSimulation);
 }
 
-// "darwin64, win64": what the archive has binaries for.
-std::string platformsIn(const Archive& archive) {
+// "darwin64" and "win64": what the archive has binaries for.
+std::set<std::string> platformsIn(const Archive& archive) {
     std::set<std::string> platforms;
     for (const std::string& name : archive.names()) {
         constexpr std::string_view kFolder = "binaries/";
@@ -53,9 +54,7 @@ std::string platformsIn(const Archive& archive) {
         if (name.starts_with(kFolder) && end != std::string::npos)
             platforms.insert(printable(std::string_view(name).substr(kFolder.size(), end - kFolder.size())));
     }
-    std::string list;
-    for (const std::string& platform : platforms) list += (list.empty() ? "" : ", ") + platform;
-    return list;
+    return platforms;
 }
 
 void requireRunnable(const std::string& path, const FmiDescription& description) {
@@ -72,11 +71,16 @@ void requireRunnable(const std::string& path, const FmiDescription& description)
 
 void requireBinary(const std::string& path, const FmiDescription& description, const Archive& archive) {
     if (archive.has(binaryOf(description))) return;
-    const std::string platforms = platformsIn(archive);
+    const std::set<std::string> platforms = platformsIn(archive);
     const std::string wanted = platformOf(description.major);
+    const std::string binary = printable(std::string_view(binaryOf(description)));
     if (platforms.empty()) refuse(path, "holds no binaries; have it exported with one for " + wanted);
+    if (platforms.contains(wanted))
+        refuse(path, fmt::format("has no {}, as its description calls it (modelIdentifier), but something else there; "
+                                 "have it exported again",
+                                 binary));
     refuse(path, fmt::format("has no {}, which this machine needs, but binaries for: {}; have it exported for {}",
-                             printable(std::string_view(binaryOf(description))), platforms, wanted));
+                             binary, fmt::join(platforms, ", "), wanted));
 }
 
 }  // namespace

@@ -81,6 +81,9 @@ TEST_F(Record, whatCannotRunIsRefusedWithTheReason) {
     };
     const Case cases[] = {
         {replaced(probe2(), "CoSimulation", "ModelExchange"), "binaries/linux64/probe2.so", "for model exchange only"},
+        {replaced(probe2(), "CoSimulation", "ScheduledExecution"), "binaries/linux64/probe2.so", "need a scheduler"},
+        {replaced(probe2(), "\"probe2\"", "\"probe\""), "binaries/linux64/probe2.so",
+         "has no binaries/linux64/probe.so, as its description calls it (modelIdentifier), but something else there"},
         {replaced(probe2(), "\"2.0\"", "\"1.0\""), "binaries/linux64/probe2.so", "a unit of FMI 1.0, which is not run"},
         {probe2(R"(needsExecutionTool="true")"), "binaries/linux64/probe2.so", "only runs together with the program"},
         {probe2(), "binaries/win64/probe2.so",
