@@ -14,6 +14,18 @@
 
 namespace workbench {
 
+namespace {
+
+// Programs and people put blanks behind commas.
+std::string_view bare(const CsvCell& cell) noexcept {
+    std::string_view text = cell.text;
+    if (cell.isQuoted) return text;
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    return text.substr(0, text.find_last_not_of(" \t") + 1);
+}
+
+}  // namespace
+
 // Reads the file into the inputs.
 class UnitInputs::Table {
 public:
@@ -23,11 +35,11 @@ public:
 
     void read() {
         std::vector<CsvCell> row;
-        if (!m_rows.next(row) || row.front().text != "time")
+        if (!m_rows.next(row) || bare(row.front()) != "time")
             m_rows.fail(!row.empty() && row.front().text.find_first_of(";\t") != std::string::npos
                             ? "its cells are not separated by commas; have it written with commas"
                             : "the first column of inputs is \"time\"; name it so");
-        for (std::size_t i = 1; i < row.size(); ++i) addColumn(row[i].text);
+        for (std::size_t i = 1; i < row.size(); ++i) addColumn(std::string(bare(row[i])));
         requireWholeArrays();
         while (m_rows.next(row)) addRow(row);
         if (m_inputs.m_times.empty()) m_rows.fail("holds no row of values; give one at least");
@@ -109,7 +121,7 @@ private:
             m_rows.fail(
                 fmt::format("has {}, but there are {} titles", counted(row.size(), "cell"), m_columns.size() + 1));
         try {
-            const auto time = std::bit_cast<double>(slotOfText(UnitType::float64, row.front().text, "time"));
+            const auto time = std::bit_cast<double>(slotOfText(UnitType::float64, bare(row.front()), "time"));
             if (!std::isfinite(time) || (!m_inputs.m_times.empty() && time < m_inputs.m_times.back()))
                 m_rows.fail(inQuotes(row.front().text) + " is no time after the one above; sort the rows");
             for (std::size_t i = 0; i < m_columns.size(); ++i) addCell(row[i + 1], i);
@@ -122,13 +134,14 @@ private:
 
     void addCell(const CsvCell& cell, std::size_t column) {
         const auto& [variable, type] = m_columns[column];
-        const bool repeats = cell.text.empty() && !cell.isQuoted;
+        const std::string_view text = isText(type) ? std::string_view(cell.text) : bare(cell);
+        const bool repeats = text.empty() && !cell.isQuoted;
         if (repeats && m_inputs.m_times.empty())
             m_rows.fail(inQuotes(variable->name) + " has no first value; an empty cell repeats the one above");
         std::vector<std::uint64_t>& slots = m_inputs.m_slots[column];
         std::vector<std::string>& texts = m_inputs.m_texts[column];
         if (!isText(type)) {
-            slots.push_back(repeats ? slots.back() : slotOfText(*variable, cell.text));
+            slots.push_back(repeats ? slots.back() : slotOfText(*variable, text));
         } else if (repeats) {
             texts.push_back(texts.back());
         } else {

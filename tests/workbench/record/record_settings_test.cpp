@@ -172,7 +172,7 @@ TEST_F(RecordSettings, jsonTellsHowItWent) {
 TEST_F(RecordSettings, inputsAreInterpolatedOrHeld) {
     import(probe2());
     mark("wave:fed");
-    const std::string inputs = "--inputs " + write("time,u,gain\n0,0,1\n1,1,\n2,3,10\n", "in.csv");
+    const std::string inputs = "--inputs " + write("time, u ,gain\n0, 0,1\n1,1 , \n 2,3,\t10\n", "in.csv");
     EXPECT_EQ(plain(recorded(inputs)), "time fed\n0 0\n0.5 0\n1 0.5\n1.5 1\n2 2\n");
     EXPECT_EQ(plain(recorded(inputs + " --until 3")), "time fed\n0 0\n0.5 0\n1 0.5\n1.5 1\n2 2\n2.5 30\n3 30\n");
     const auto refused = [&](const std::string& text, const std::string& said) {
