@@ -59,11 +59,11 @@ private:
     void look(std::size_t after) {
         const std::optional<std::size_t> before = m_pairs.ofSecond[after];
         if (!before) return m_diff.added.push_back(change(std::nullopt, after));
-        std::vector<FieldChange> fields = fieldChanges(*before, after);
-        if (fields.empty()) {
+        if (isSameName(*before, after) && isSameRecord(m_kind, {m_old, *before}, {m_new, after})) {
             ++m_diff.unchanged;
             return;
         }
+        std::vector<FieldChange> fields = fieldChanges(*before, after);
         RecordChange found = change(before, after);
         found.isMoved = m_kind == RecordKind::signal && isMoved(*before, after, fields);
         found.fields = std::move(fields);
@@ -74,12 +74,17 @@ private:
         for (const char* const field : fieldsOf(m_kind))
             if (!isSameField(m_old, before, m_new, after, field))
                 fields.push_back({field, canonicalField(m_old, before, field), canonicalField(m_new, after, field)});
-        if (m_kind == RecordKind::client) return fields;
+        if (!isSameName(before, after))
+            fields.push_back({std::string(kMarkedName), jsonOf(m_before.extras.markedName(before)),
+                              jsonOf(m_after.extras.markedName(after))});
+        return fields;
+    }
+    // What a signal was called; clients have no such name.
+    bool isSameName(std::size_t before, std::size_t after) const {
+        if (m_kind == RecordKind::client) return true;
         const std::u16string* const oldName = m_before.extras.markedName(before);
         const std::u16string* const newName = m_after.extras.markedName(after);
-        if ((oldName == nullptr) != (newName == nullptr) || (oldName && *oldName != *newName))
-            fields.push_back({std::string(kMarkedName), jsonOf(oldName), jsonOf(newName)});
-        return fields;
+        return (oldName == nullptr) == (newName == nullptr) && (!oldName || *oldName == *newName);
     }
     bool isMoved(std::size_t before, std::size_t after, const std::vector<FieldChange>& fields) const {
         return std::any_of(fields.begin(), fields.end(), [](const auto& one) { return isPlaceField(one.field); }) ||

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -42,11 +43,24 @@ bool isSame(const kestrel::Block& one, const kestrel::Block& other) {
 }
 
 // The blocks of a model by element identifier.
-std::vector<std::string> eidsOf(const kestrel::Model& model) {
-    std::vector<std::string> eids;
-    for (const kestrel::Block& block : model.blocks()) eids.push_back(block.eid);
+std::vector<std::uint32_t> eidsOf(const kestrel::Model& model, MergeKeys& keys) {
+    std::vector<std::uint32_t> eids;
+    for (const kestrel::Block& block : model.blocks()) eids.push_back(keys.of(block.eid));
     return eids;
 }
+
+// The ports of a block that a signal was put on, in the merged one.
+struct MergedPorts {
+    MergedPorts(const kestrel::Block& meant, const kestrel::Block& merged) : isSame(meant.outputs == merged.outputs) {
+        if (isSame) return;
+        for (std::size_t i = 0; i < merged.outputs.size(); ++i) {
+            const auto [place, isNew] = numbers.emplace(merged.outputs[i], i + 1);
+            if (!isNew) place->second = 0;
+        }
+    }
+    bool isSame;
+    std::unordered_map<std::u16string_view, std::size_t> numbers = {};  // 1-based; 0 where several have the name
+};
 
 class ModelMerge {
 public:
@@ -77,13 +91,15 @@ private:
     void tellCrowded(const kestrel::Block& block, const kestrel::Block* ours, const std::string& owner);
     void followNames(const kestrel::Model& model);
     bool followName(const kestrel::Model& model, MergedRecord& signal);
+    const MergedPorts& portsOf(const kestrel::Block& meant, const kestrel::Block& merged);
     void build(ModelFile& file);
     void mergeParked(ModelFile& file);
 
     const ModelFile& m_base;
     const ModelFile& m_ours;
     const ModelFile& m_theirs;
-    std::vector<MergedRecord> m_signals, m_clients;
+    MergedRecords m_signals, m_clients;
+    std::map<std::pair<const kestrel::Block*, const kestrel::Block*>, MergedPorts> m_ports;
     std::unordered_set<std::string> m_usedEids;
     std::vector<MergeConflict> m_conflicts;
 };
@@ -141,14 +157,15 @@ kestrel::Block ModelMerge::mergedBlock(const std::string& eid) {
 }
 
 void ModelMerge::addBlocks(kestrel::Model& model) {
-    for (const MergedRecord& signal : m_signals)
-        if (const kestrel::Block* const block = savedBlock(m_ours.model, signal.record.get(), 0))
-            m_usedEids.insert(block->eid);
+    for (const MergedRecord& signal : m_signals.records)
+        if (const kestrel::Block* const block = savedBlock(m_ours.model, signal.place())) m_usedEids.insert(block->eid);
     std::vector<kestrel::Block> blocks;
-    const auto stays = [this](const std::string& eid) { return staysBlock(eid); };
-    for (const std::string& eid :
-         mergedOrder(eidsOf(m_base.model), eidsOf(m_ours.model), eidsOf(m_theirs.model), stays))
-        blocks.push_back(mergedBlock(eid));
+    MergeKeys keys;
+    const auto base = eidsOf(m_base.model, keys), ours = eidsOf(m_ours.model, keys);
+    const auto theirs = eidsOf(m_theirs.model, keys);
+    const auto stays = [&](std::uint32_t eid) { return staysBlock(keys.text(eid)); };
+    for (const std::uint32_t eid : mergedOrder(keys, base, ours, theirs, stays))
+        blocks.push_back(mergedBlock(keys.text(eid)));
     settlePaths(blocks);
     for (kestrel::Block& block : blocks) model.add(std::move(block));
 }
@@ -181,46 +198,44 @@ void ModelMerge::tellCrowded(const kestrel::Block& block, const kestrel::Block* 
 
 // A number that meant one port on the side where it was set may be another port's in the merged block.
 void ModelMerge::followNames(const kestrel::Model& model) {
-    std::erase_if(m_signals, [&](MergedRecord& signal) { return !followName(model, signal); });
+    std::erase_if(m_signals.records, [&](MergedRecord& signal) { return !followName(model, signal); });
+}
+
+const MergedPorts& ModelMerge::portsOf(const kestrel::Block& meant, const kestrel::Block& merged) {
+    return m_ports.try_emplace({&meant, &merged}, meant, merged).first->second;
 }
 
 bool ModelMerge::followName(const kestrel::Model& model, MergedRecord& signal) {
-    hvArray* const record = signal.record.get();
-    const kestrel::Block* const block = savedBlock(model, record, 0);
+    const RecordPlace& place = signal.place();
+    const kestrel::Block* const block = savedBlock(model, place);
     const bool isOurs = signal.ours.records != nullptr;
     const auto conflict = [&](const char* text) {
-        m_conflicts.push_back({"signals", signal.key, "OutputPortIndex_", "",
-                               isOurs ? canonicalField(record, 0, "OutputPortIndex_") : "",
-                               isOurs ? "" : canonicalField(record, 0, "OutputPortIndex_"), text});
+        const std::string port = canonicalField(place.records, place.position, "OutputPortIndex_");
+        m_conflicts.push_back({"signals", m_signals.keys.text(signal.key), "OutputPortIndex_", "", isOurs ? port : "",
+                               isOurs ? "" : port, text});
         return isOurs;
     };
-    if (!block) return isOurs && !savedBlock(m_ours.model, record, 0) ? true : conflict("its block was removed");
-    if (!recordText(record, 0, "DomainType_").empty()) return true;
-    const ModelFile& side = signal.isPlacedByThem ? m_theirs : m_ours;
-    const kestrel::Block* const meant = savedBlock(side.model, record, 0);
-    const auto number =
-        static_cast<std::size_t>(ks_host::numberAt(hvGetField(record, 0, "OutputPortIndex_")).value_or(0.0));
-    if (!meant || number < 1 || number > meant->outputs.size() || meant->outputs == block->outputs) return true;
+    if (!block) return isOurs && !savedBlock(m_ours.model, place) ? true : conflict("its block was removed");
+    if (!recordView(place.records, place.position, "DomainType_").empty()) return true;
+    const kestrel::Block* const meant = savedBlock((signal.isPlacedByThem ? m_theirs : m_ours).model, place);
+    const auto number = static_cast<std::size_t>(
+        ks_host::numberAt(hvGetField(place.records, place.position, "OutputPortIndex_")).value_or(0.0));
+    if (!meant || number < 1 || number > meant->outputs.size()) return true;
+    const MergedPorts& ports = portsOf(*meant, *block);
     const std::u16string& name = meant->outputs[number - 1];
-    if (number <= block->outputs.size() && block->outputs[number - 1] == name) return true;
-    const auto found = std::ranges::find(block->outputs, name);
-    if (found == block->outputs.end() || std::ranges::count(block->outputs, name) > 1)
+    if (ports.isSame || (number <= block->outputs.size() && block->outputs[number - 1] == name)) return true;
+    const auto found = ports.numbers.find(name);
+    if (found == ports.numbers.end() || found->second == 0)
         return conflict("its port is not in the merged block, or not by a name of its own");
-    const auto place = static_cast<double>(found - block->outputs.begin()) + 1.0;
-    hvReplaceField(record, 0, "OutputPortIndex_", ks_host::makeDouble(place).release());
+    signal.newPort = found->second;
     return true;
 }
 
 void ModelMerge::build(ModelFile& file) {
-    std::vector<RecordPlace> signals;
-    std::vector<RecordPlace> clients;
-    for (const MergedRecord& signal : m_signals) {
-        signals.push_back({signal.record.get(), 0});
-        file.extras.markedNames.push_back(signal.markedName);
-    }
-    for (const MergedRecord& client : m_clients) clients.push_back({client.record.get(), 0});
-    file.signals = copyRecords(RecordKind::signal, signals);
-    file.clients = copyRecords(RecordKind::client, clients);
+    for (const MergedRecord& signal : m_signals.records)
+        file.extras.markedNames.push_back(signal.markedName ? std::optional(*signal.markedName) : std::nullopt);
+    file.signals = builtRecords(RecordKind::signal, m_signals.records);
+    file.clients = builtRecords(RecordKind::client, m_clients.records);
 }
 
 // Ours, without what they gave back, and with what they parked.
@@ -233,7 +248,9 @@ void ModelMerge::mergeParked(ModelFile& file) {
     };
     const auto inBase = uuidsOf(m_base), inTheirs = uuidsOf(m_theirs);
     auto taken = uuidsOf(m_ours);
-    for (const MergedRecord& signal : m_signals) taken.insert(recordText(signal.record.get(), 0, "UUID"));
+    for (const MergedRecord& signal : m_signals.records)
+        if (!m_theirs.extras.parked.empty())
+            taken.insert(recordText(signal.place().records, signal.place().position, "UUID"));
     const auto copy = [&](const ParkedMark& mark) { file.extras.parked.push_back(copyOf(mark)); };
     for (const ParkedMark& mark : m_ours.extras.parked)
         if (inTheirs.contains(uuidOf(mark)) || !inBase.contains(uuidOf(mark))) copy(mark);

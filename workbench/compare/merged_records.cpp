@@ -4,8 +4,7 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
-#include <unordered_set>
+#include <utility>
 
 #include "host/values.h"
 #include "workbench/json/json_text.h"
@@ -25,26 +24,43 @@ bool isPlaceField(RecordKind kind, std::string_view field) {
                                       : std::ranges::find(kClientPlace, field) != kClientPlace.end();
 }
 
+// The saved fields, and of a signal the name when it was marked.
+const std::vector<const char*>& mergedFields(RecordKind kind) {
+    const auto saved = [](RecordKind one) {
+        return std::vector<const char*>(fieldsOf(one).begin(), fieldsOf(one).end());
+    };
+    static const std::vector<const char*> clients = saved(RecordKind::client);
+    static const std::vector<const char*> signals = [&] {
+        std::vector<const char*> fields = saved(RecordKind::signal);
+        fields.push_back(kMarkedName.data());
+        return fields;
+    }();
+    return kind == RecordKind::signal ? signals : clients;
+}
+
 // One file's records of one kind.
 class Side {
 public:
-    Side(RecordKind kind, const ModelFile& file)
+    Side(RecordKind kind, const ModelFile& file, MergeKeys& keys)
         : m_kind(kind), m_file(file), m_records(kind == RecordKind::signal ? file.signals.get() : file.clients.get()) {
-        std::unordered_map<std::string, std::size_t> counts;
+        std::vector<std::size_t> counts;
         for (const std::size_t i : ks_host::indicesOf(m_records)) {
-            std::string key = toUtf8(recordText(m_records, i, "UUID"));
-            if (const std::size_t count = counts[key]++; count > 0) key += fmt::format(" ({})", count + 1);
-            m_positions.emplace(key, i);
-            m_keys.push_back(std::move(key));
+            const std::string uuid = toUtf8(recordView(m_records, i, "UUID"));
+            std::uint32_t key = keys.of(uuid);
+            if (key >= counts.size()) counts.resize(keys.size());
+            if (const std::size_t count = counts[key]++; count > 0)
+                key = keys.of(fmt::format("{} ({})", uuid, count + 1));
+            if (key >= m_positions.size()) m_positions.resize(keys.size());
+            if (!m_positions[key]) m_positions[key] = i;
+            m_keys.push_back(key);
         }
     }
 
-    const std::vector<std::string>& keys() const noexcept { return m_keys; }
-    std::optional<std::size_t> at(const std::string& key) const {
-        const auto found = m_positions.find(key);
-        return found == m_positions.end() ? std::nullopt : std::optional(found->second);
+    const std::vector<std::uint32_t>& keys() const noexcept { return m_keys; }
+    std::optional<std::size_t> at(std::uint32_t key) const {
+        return key < m_positions.size() ? m_positions[key] : std::nullopt;
     }
-    RecordPlace placeOf(const std::string& key) const {
+    RecordPlace placeOf(std::uint32_t key) const {
         const auto position = at(key);
         return position ? RecordPlace{m_records, *position} : RecordPlace{};
     }
@@ -55,91 +71,94 @@ public:
         return out;
     }
     bool isSame(std::size_t position, const Side& other, std::size_t otherPosition, const char* field) const {
-        if (field == kMarkedName) return json(position, field) == other.json(otherPosition, field);
+        if (field == kMarkedName) return isSameName(position, other, otherPosition);
         return isSameField(m_records, position, other.m_records, otherPosition, field);
     }
     bool isSame(std::size_t position, const Side& other, std::size_t otherPosition) const {
-        return std::ranges::all_of(fields(),
-                                   [&](const char* field) { return isSame(position, other, otherPosition, field); });
-    }
-    std::vector<const char*> fields() const {
-        const auto saved = fieldsOf(m_kind);
-        std::vector<const char*> all(saved.begin(), saved.end());
-        if (m_kind == RecordKind::signal) all.push_back(kMarkedName.data());
-        return all;
+        return isSameName(position, other, otherPosition) &&
+               isSameRecord(m_kind, {m_records, position}, {other.m_records, otherPosition});
     }
     const std::u16string* markedName(std::size_t position) const {
         return m_kind == RecordKind::signal ? m_file.extras.markedName(position) : nullptr;
     }
 
 private:
+    bool isSameName(std::size_t position, const Side& other, std::size_t otherPosition) const {
+        const std::u16string* const one = markedName(position);
+        const std::u16string* const another = other.markedName(otherPosition);
+        return one && another ? *one == *another : one == another;
+    }
+
     RecordKind m_kind;
     const ModelFile& m_file;
     const hvArray* m_records;
-    std::vector<std::string> m_keys;
-    std::unordered_map<std::string, std::size_t> m_positions;
+    std::vector<std::uint32_t> m_keys;
+    std::vector<std::optional<std::size_t>> m_positions;  // by key
 };
 
 class RecordsMerge {
 public:
     RecordsMerge(RecordKind kind, const ModelFile& base, const ModelFile& ours, const ModelFile& theirs,
                  std::vector<MergeConflict>& conflicts)
-        : m_kind(kind), m_base(kind, base), m_ours(kind, ours), m_theirs(kind, theirs), m_conflicts(conflicts) {}
+        : m_kind(kind),
+          m_base(kind, base, m_merged.keys),
+          m_ours(kind, ours, m_merged.keys),
+          m_theirs(kind, theirs, m_merged.keys),
+          m_conflicts(conflicts) {}
 
-    std::vector<MergedRecord> run() {
-        std::vector<MergedRecord> merged;
-        const auto stays = [this](const std::string& key) { return isIn(key); };
-        for (const std::string& key : mergedOrder(m_base.keys(), m_ours.keys(), m_theirs.keys(), stays))
-            merged.push_back(mergeOne(key));
-        return merged;
+    MergedRecords run() {
+        const auto stays = [this](std::uint32_t key) { return isIn(key); };
+        for (const std::uint32_t key : mergedOrder(m_merged.keys, m_base.keys(), m_ours.keys(), m_theirs.keys(), stays))
+            m_merged.records.push_back(mergeOne(key));
+        return std::move(m_merged);
     }
 
 private:
-    bool isIn(const std::string& key) {
+    bool isIn(std::uint32_t key) {
         const auto base = m_base.at(key), ours = m_ours.at(key), theirs = m_theirs.at(key);
+        if (ours && theirs) return true;
         const bool isOurChange = base && ours && !m_base.isSame(*base, m_ours, *ours);
         const bool isTheirChange = base && theirs && !m_base.isSame(*base, m_theirs, *theirs);
         const Presence presence =
             presenceOf(base.has_value(), ours.has_value(), theirs.has_value(), isOurChange, isTheirChange);
         const bool isConflict = presence == Presence::conflictIn || presence == Presence::conflictOut;
         if (isConflict)
-            m_conflicts.push_back({listName(), key, "", "present", ours ? "present" : "", theirs ? "present" : "",
+            m_conflicts.push_back({listName(), m_merged.keys.text(key), "", "present", ours ? "present" : "",
+                                   theirs ? "present" : "",
                                    ours ? "they removed it, and it has changed in ours; it stays"
                                         : "it was removed in ours, and they changed it; it stays removed"});
         return presence == Presence::in || presence == Presence::conflictIn;
     }
     const char* listName() const noexcept { return m_kind == RecordKind::signal ? "signals" : "clients"; }
 
-    MergedRecord mergeOne(const std::string& key) {
+    MergedRecord mergeOne(std::uint32_t key) {
         MergedRecord merged{key, m_ours.placeOf(key), m_theirs.placeOf(key)};
         const bool isOurs = merged.ours.records != nullptr;
         merged.isPlacedByThem = !isOurs;
-        merged.record = copyRecords(m_kind, {isOurs ? merged.ours : merged.theirs});
-        const Side& side = isOurs ? m_ours : m_theirs;
-        if (const std::u16string* const name = side.markedName((isOurs ? merged.ours : merged.theirs).position))
-            merged.markedName = *name;
-        if (isOurs && merged.theirs.records) mergeFields(key, merged);
+        merged.markedName = (isOurs ? m_ours : m_theirs).markedName(merged.place().position);
+        const bool isInBoth = isOurs && merged.theirs.records;
+        if (isInBoth && !m_ours.isSame(merged.ours.position, m_theirs, merged.theirs.position)) mergeFields(merged);
         return merged;
     }
-    void mergeFields(const std::string& key, MergedRecord& merged) {
+    void mergeFields(MergedRecord& merged) {
         std::vector<const char*> place;
-        for (const char* const field : m_ours.fields()) {
+        for (const char* const field : mergedFields(m_kind)) {
             if (isPlaceField(m_kind, field))
                 place.push_back(field);
             else
-                mergeGroup(key, {field}, merged);
+                mergeGroup({field}, merged);
         }
-        merged.isPlacedByThem = mergeGroup(key, place, merged);
+        merged.isPlacedByThem = mergeGroup(place, merged);
     }
     // Returns whether theirs was taken.
-    bool mergeGroup(const std::string& key, const std::vector<const char*>& group, MergedRecord& merged) {
+    bool mergeGroup(const std::vector<const char*>& group, MergedRecord& merged) {
         const std::size_t ours = merged.ours.position;
         const std::size_t theirs = merged.theirs.position;
         const auto isSame = [&](const Side& a, std::size_t i, const Side& b, std::size_t j) {
             return std::ranges::all_of(group, [&](const char* field) { return a.isSame(i, b, j, field); });
         };
         if (isSame(m_ours, ours, m_theirs, theirs)) return false;
-        const auto base = m_base.at(key);
+        const auto base = m_base.at(merged.key);
         if (base && isSame(m_base, *base, m_theirs, theirs)) return false;
         if (base && isSame(m_base, *base, m_ours, ours)) {
             take(group, merged);
@@ -147,36 +166,47 @@ private:
         }
         for (const char* const field : group)
             if (!m_ours.isSame(ours, m_theirs, theirs, field))
-                m_conflicts.push_back({listName(), key, field, base ? m_base.json(*base, field) : "",
-                                       m_ours.json(ours, field), m_theirs.json(theirs, field),
-                                       "both changed it, and differently; ours stays"});
+                m_conflicts.push_back({listName(), m_merged.keys.text(merged.key), field,
+                                       base ? m_base.json(*base, field) : "", m_ours.json(ours, field),
+                                       m_theirs.json(theirs, field), "both changed it, and differently; ours stays"});
         return false;
     }
     void take(const std::vector<const char*>& group, MergedRecord& merged) const {
         for (const char* const field : group) {
-            if (field == kMarkedName) {
-                const std::u16string* const name = m_theirs.markedName(merged.theirs.position);
-                merged.markedName = name ? std::optional(*name) : std::nullopt;
-                continue;
-            }
-            const HvArrayPtr theirs = copyRecords(m_kind, {merged.theirs});
-            const hvArray* const value = hvGetField(theirs.get(), 0, field);
-            hvReplaceField(merged.record.get(), 0, field, hvCreateDeepCopy(value));
+            if (field == kMarkedName)
+                merged.markedName = m_theirs.markedName(merged.theirs.position);
+            else
+                merged.theirFields.push_back(field);
         }
     }
 
     RecordKind m_kind;
+    MergedRecords m_merged;
     Side m_base, m_ours, m_theirs;
     std::vector<MergeConflict>& m_conflicts;
 };
 
-std::vector<std::string> common(const std::vector<std::string>& list, const std::unordered_set<std::string>& others) {
-    std::vector<std::string> result;
-    std::ranges::copy_if(list, std::back_inserter(result), [&](const auto& key) { return others.contains(key); });
+using Keys = std::vector<std::uint32_t>;
+
+std::vector<bool> setOf(const Keys& list, std::size_t count) {
+    std::vector<bool> set(count);
+    for (const std::uint32_t key : list) set[key] = true;
+    return set;
+}
+
+Keys common(const Keys& list, const std::vector<bool>& others) {
+    Keys result;
+    std::ranges::copy_if(list, std::back_inserter(result), [&](std::uint32_t key) { return others[key]; });
     return result;
 }
 
 }  // namespace
+
+std::uint32_t MergeKeys::of(const std::string& key) {
+    const auto [place, isNew] = m_numbers.emplace(key, static_cast<std::uint32_t>(m_texts.size()));
+    if (isNew) m_texts.push_back(&place->first);
+    return place->second;
+}
 
 Presence presenceOf(bool inBase, bool inOurs, bool inTheirs, bool isChangedByUs, bool isChangedByThem) {
     if (inOurs == inTheirs) return inOurs ? Presence::in : Presence::out;
@@ -185,35 +215,49 @@ Presence presenceOf(bool inBase, bool inOurs, bool inTheirs, bool isChangedByUs,
     return isChangedByThem ? Presence::conflictOut : Presence::out;
 }
 
-std::vector<std::string> mergedOrder(const std::vector<std::string>& base, const std::vector<std::string>& ours,
-                                     const std::vector<std::string>& theirs,
-                                     const std::function<bool(const std::string&)>& stays) {
-    const std::unordered_set<std::string> inBase(base.begin(), base.end());
-    const std::unordered_set<std::string> inOurs(ours.begin(), ours.end());
-    const bool isOursReordered = common(ours, inBase) != common(base, inOurs);
-    const std::vector<std::string>& first = isOursReordered ? ours : theirs;
-    const std::vector<std::string>& second = isOursReordered ? theirs : ours;
-    const std::unordered_set<std::string> inFirst(first.begin(), first.end());
-    // What only the second has goes behind what stands before it there.
-    std::unordered_map<std::string, std::vector<std::string>> behind;
-    std::string anchor;
-    for (const std::string& key : second)
-        inFirst.contains(key) ? static_cast<void>(anchor = key) : behind[anchor].push_back(key);
-    std::vector<std::string> order;
-    const auto append = [&](const std::string& key) {
+std::vector<std::uint32_t> mergedOrder(const MergeKeys& keys, const Keys& base, const Keys& ours, const Keys& theirs,
+                                       const std::function<bool(std::uint32_t)>& stays) {
+    const bool isOursReordered = common(ours, setOf(base, keys.size())) != common(base, setOf(ours, keys.size()));
+    const Keys& first = isOursReordered ? ours : theirs;
+    const Keys& second = isOursReordered ? theirs : ours;
+    const std::vector<bool> inFirst = setOf(first, keys.size());
+    // What only the second has goes behind what stands before it there; in front of all where that has no text.
+    std::vector<Keys> behind(keys.size() + 1);
+    const auto placeOf = [&](std::uint32_t key) {
+        return keys.text(key).empty() ? std::size_t{0} : key + std::size_t{1};
+    };
+    std::size_t anchor = 0;
+    for (const std::uint32_t key : second)
+        inFirst[key] ? static_cast<void>(anchor = placeOf(key)) : behind[anchor].push_back(key);
+    Keys order;
+    const auto append = [&](std::uint32_t key) {
         if (stays(key)) order.push_back(key);
     };
-    std::ranges::for_each(behind[""], append);
-    for (const std::string& key : first) {
+    std::ranges::for_each(behind[0], append);
+    for (const std::uint32_t key : first) {
         append(key);
-        if (!key.empty()) std::ranges::for_each(behind[key], append);
+        if (const std::size_t place = placeOf(key); place > 0) std::ranges::for_each(behind[place], append);
     }
     return order;
 }
 
-std::vector<MergedRecord> mergeRecords(RecordKind kind, const ModelFile& base, const ModelFile& ours,
-                                       const ModelFile& theirs, std::vector<MergeConflict>& conflicts) {
+MergedRecords mergeRecords(RecordKind kind, const ModelFile& base, const ModelFile& ours, const ModelFile& theirs,
+                           std::vector<MergeConflict>& conflicts) {
     return RecordsMerge(kind, base, ours, theirs, conflicts).run();
+}
+
+HvArrayPtr builtRecords(RecordKind kind, const std::vector<MergedRecord>& records) {
+    std::vector<RecordPlace> places;
+    places.reserve(records.size());
+    for (const MergedRecord& one : records) places.push_back(one.ours.records ? one.ours : one.theirs);
+    HvArrayPtr built = copyRecords(kind, places);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        for (const char* const field : records[i].theirFields) copyField(built.get(), i, field, records[i].theirs);
+        if (const auto port = records[i].newPort)
+            hvReplaceField(built.get(), i, "OutputPortIndex_",
+                           ks_host::makeDouble(static_cast<double>(*port)).release());
+    }
+    return built;
 }
 
 }  // namespace workbench

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <unordered_map>
+#include <utility>
 
 #include "host/values.h"
 #include "memory_host/kestrel/signal_block.h"
@@ -81,7 +83,47 @@ HvArrayPtr unsetValue(std::string_view field) {
     return HvArrayPtr(hvCreateStructArray(1, &kOne, 0, nullptr));
 }
 
+// A saved field, with what is looked up for each value of it.
+struct SavedField {
+    const char* name;
+    Form form;
+};
+
+const std::vector<SavedField>& savedFields(RecordKind kind) {
+    const auto fieldsWithForms = [](RecordKind one) {
+        std::vector<SavedField> fields;
+        for (const char* const name : fieldsOf(one)) fields.push_back({name, formOf(name)});
+        return fields;
+    };
+    static const std::vector<SavedField> signals = fieldsWithForms(RecordKind::signal);
+    static const std::vector<SavedField> clients = fieldsWithForms(RecordKind::client);
+    return kind == RecordKind::signal ? signals : clients;
+}
+
 std::u16string_view charsOf(const hvArray* value) { return {hvGetChars(value), hvGetNumberOfElements(value)}; }
+
+bool isEmptyStruct(const hvArray* value) {
+    return hvGetClassID(value) == hvSTRUCT_CLASS && hvGetNumberOfFields(value) == 0 &&
+           hvGetNumberOfElements(value) == 1;
+}
+
+// Without forming the texts, where it is seen at once.
+std::optional<bool> seenToBeSame(const hvArray* one, const hvArray* other, Form form) {
+    if (one == other) return true;
+    if (ks_host::isText(one) && ks_host::isText(other)) return charsOf(one) == charsOf(other);
+    if (form == Form::parameters && isEmptyStruct(one) && isEmptyStruct(other)) return true;
+    if (form != Form::number && form != Form::flag) return std::nullopt;
+    const double a = ks_host::numberAt(one).value_or(0.0);
+    const double b = ks_host::numberAt(other).value_or(0.0);
+    if (form == Form::flag) return (a != 0.0) == (b != 0.0);
+    const bool areWhole = a == std::trunc(a) && b == std::trunc(b);
+    return areWhole ? std::optional(a == b && std::signbit(a) == std::signbit(b)) : std::nullopt;
+}
+
+bool isSameValue(const hvArray* one, const hvArray* other, const SavedField& field) {
+    const std::optional<bool> isSame = seenToBeSame(one, other, field.form);
+    return isSame ? *isSame : canonical(one, field.name) == canonical(other, field.name);
+}
 
 }  // namespace
 
@@ -105,9 +147,9 @@ std::u16string domainParameter(const hvArray* signals, std::size_t position, con
     return parameters ? ks_host::textOf(hvGetField(parameters, 0, name)) : std::u16string();
 }
 
-const kestrel::Block* savedBlock(const kestrel::Model& model, const hvArray* signals, std::size_t position) {
-    return kestrel::signalBlock(model, toUtf8(recordText(signals, position, "EID_")),
-                                recordText(signals, position, "BlockPath_"));
+const kestrel::Block* savedBlock(const kestrel::Model& model, const RecordPlace& signal) {
+    return kestrel::signalBlock(model, toUtf8(recordView(signal.records, signal.position, "EID_")),
+                                recordText(signal.records, signal.position, "BlockPath_"));
 }
 
 std::string canonicalField(const hvArray* records, std::size_t position, const char* field) {
@@ -116,11 +158,15 @@ std::string canonicalField(const hvArray* records, std::size_t position, const c
 
 bool isSameField(const hvArray* one, std::size_t position, const hvArray* other, std::size_t otherPosition,
                  const char* field) {
-    const hvArray* const a = hvGetField(one, position, field);
-    const hvArray* const b = hvGetField(other, otherPosition, field);
-    if (!a && !b) return true;
-    if (a && b && ks_host::isText(a) && ks_host::isText(b)) return charsOf(a) == charsOf(b);
-    return canonical(a, field) == canonical(b, field);
+    return isSameValue(hvGetField(one, position, field), hvGetField(other, otherPosition, field),
+                       {field, formOf(field)});
+}
+
+bool isSameRecord(RecordKind kind, const RecordPlace& one, const RecordPlace& other) {
+    return std::ranges::all_of(savedFields(kind), [&](const SavedField& field) {
+        return isSameValue(hvGetField(one.records, one.position, field.name),
+                           hvGetField(other.records, other.position, field.name), field);
+    });
 }
 
 HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places) {
@@ -128,14 +174,16 @@ HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places) 
     const std::size_t count = places.size();
     HvArrayPtr copy(hvCreateStructArray(1, &count, static_cast<int>(fields.size()), fields.data()));
     for (std::size_t i = 0; i < count; ++i)
-        for (const char* const field : fields) {
-            if (const hvArray* const value = hvGetField(places[i].records, places[i].position, field))
-                orvex::shareField(copy.get(), i, field, value);
-            else
-                hvSetField(copy.get(), i, field, unsetValue(field).release());
-        }
+        for (const char* const field : fields) copyField(copy.get(), i, field, places[i]);
     orvex::markAsPersisted(copy.get());
     return copy;
+}
+
+void copyField(hvArray* records, std::size_t position, const char* field, const RecordPlace& from) {
+    if (const hvArray* const value = hvGetField(from.records, from.position, field))
+        orvex::shareField(records, position, field, value);
+    else
+        hvReplaceField(records, position, field, unsetValue(field).release());
 }
 
 ParkedMark copyOf(const ParkedMark& mark) {
@@ -150,21 +198,23 @@ ParkedMark copyOf(const ParkedMark& mark) {
 }
 
 RecordPairs pairRecords(const hvArray* first, const hvArray* second) {
+    constexpr auto kNone = static_cast<std::size_t>(-1);
     RecordPairs pairs;
     pairs.ofFirst.resize(hvGetNumberOfElements(first));
     pairs.ofSecond.resize(hvGetNumberOfElements(second));
-    struct Places {
-        std::vector<std::size_t> positions;
-        std::size_t next = 0;
-    };
-    std::unordered_map<std::u16string, Places> places;
-    for (std::size_t i = 0; i < pairs.ofSecond.size(); ++i)
-        places[recordText(second, i, "UUID")].positions.push_back(i);
+    std::unordered_map<std::u16string_view, std::size_t> next;  // the first that is left of a UUID
+    std::vector<std::size_t> after(pairs.ofSecond.size(), kNone);
+    next.reserve(pairs.ofSecond.size());
+    for (std::size_t i = pairs.ofSecond.size(); i-- > 0;) {
+        const auto [place, isNew] = next.emplace(recordView(second, i, "UUID"), i);
+        if (!isNew) after[i] = std::exchange(place->second, i);
+    }
     for (std::size_t i = 0; i < pairs.ofFirst.size(); ++i) {
-        const auto found = places.find(recordText(first, i, "UUID"));
-        if (found == places.end() || found->second.next == found->second.positions.size()) continue;
-        pairs.ofFirst[i] = found->second.positions[found->second.next++];
-        pairs.ofSecond[*pairs.ofFirst[i]] = i;
+        const auto found = next.find(recordView(first, i, "UUID"));
+        if (found == next.end() || found->second == kNone) continue;
+        pairs.ofFirst[i] = found->second;
+        pairs.ofSecond[found->second] = i;
+        found->second = after[found->second];
     }
     return pairs;
 }

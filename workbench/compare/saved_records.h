@@ -14,6 +14,12 @@
 /// Saved signals and clients as they stand in a file, without a host that has them open. Positions are 0-based.
 namespace workbench {
 
+/// One of the records of a struct array.
+struct RecordPlace {
+    const hvArray* records = nullptr;
+    std::size_t position = 0;
+};
+
 /// The text of a field; empty where it is unset.
 std::u16string recordText(const hvArray* records, std::size_t position, const char* field);
 /// The same, valid until the field is set or the records are gone.
@@ -24,7 +30,7 @@ void setRecordText(hvArray* records, std::size_t position, const char* field, st
 std::u16string domainParameter(const hvArray* signals, std::size_t position, const char* name);
 
 /// The block that a saved signal is on, null when the model does not have it.
-const kestrel::Block* savedBlock(const kestrel::Model& model, const hvArray* signals, std::size_t position);
+const kestrel::Block* savedBlock(const kestrel::Model& model, const RecordPlace& signal);
 
 /// The field as JSON in one form for everything that reads the same: a field that is unset as what it stands for, flags
 /// as true or false, parameters sorted by name.
@@ -33,14 +39,13 @@ std::string canonicalField(const hvArray* records, std::size_t position, const c
 bool isSameField(const hvArray* one, std::size_t position, const hvArray* other, std::size_t otherPosition,
                  const char* field);
 
-/// One of the records of a struct array.
-struct RecordPlace {
-    const hvArray* records = nullptr;
-    std::size_t position = 0;
-};
+/// Whether that is so of all saved fields.
+bool isSameRecord(RecordKind kind, const RecordPlace& one, const RecordPlace& other);
 /// Those records, in that order, marked as read from a file; what is unset is set to what it stands for. The values are
 /// shared with the originals, which stay as they are when a field of the copy is set.
 HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places);
+/// Has a field be what it is in another record, in the same way.
+void copyField(hvArray* records, std::size_t position, const char* field, const RecordPlace& from);
 
 /// A copy of its own.
 ParkedMark copyOf(const ParkedMark& mark);
