@@ -116,9 +116,16 @@ BlockMatching::Claim BlockMatching::claimOf(Position block, Position candidate, 
     const Position rival = rivalOf(block, candidate);
     const bool isOther = !isTwice && !isSaid && likeness < kLikely && isExactlyAnother(block, candidate);
     if (isOther && rival == kNone) return {};
-    if (rival == kNone) return {How::take, candidate, isByEid};
+    const bool isLess = rival != kNone && m_versions.likeness(block, rival) <= likeness;
+    if (rival == kNone || (isLess && hasKeptAll(block, candidate))) return {How::take, candidate, isByEid};
     if (!isTwice && isClearlyElsewhere(block, candidate, rival)) return {};
     return {How::unsure, candidate, isByEid};
+}
+
+// It got ports, even if so many that it is hardly like itself, and is no other block that was.
+bool BlockMatching::hasKeptAll(Position block, Position candidate) const {
+    return m_versions.shared(block, candidate) == m_versions.old.names[block].size() &&
+           !isExactlyAnother(block, candidate);
 }
 
 // Another block has exactly its names now, and it has exactly those of another one.

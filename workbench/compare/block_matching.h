@@ -86,6 +86,7 @@ private:
     Position exactlyAlike(Position block) const;
     bool isFromPath(Position block, Position candidate) const;
     bool isExactlyAnother(Position block, Position candidate) const;
+    bool hasKeptAll(Position block, Position candidate) const;
     bool isExchanged(Position block, Position candidate) const;
     Position rivalOf(Position block, Position candidate) const;
     bool isOwned(Position candidate, Position block) const;
