@@ -2,12 +2,12 @@
 
 #include <bitset>
 #include <boost/unordered/unordered_flat_map.hpp>
-#include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "foundation/text_hash.h"
+#include "signals/address_set.h"
 #include "signals/instrumented_signals.h"
 #include "signals/signal_specification.h"
 #include "signals/source_key_index.h"
@@ -40,19 +40,15 @@ struct InstrumentedSignals::Indexes {
         return handleKey(spec.m_cachedBlockHandle, spec.m_cachedPortIdx);
     }
 
-    using EnginePorts = boost::unordered_flat_set<std::uint64_t, NumberHash>;
     using ChartActivities = boost::unordered_flat_map<std::uint64_t, bool>;
     using ChartObjects = boost::unordered_flat_map<std::uint64_t, std::bitset<kActivities>>;
 
     Ports ports;
-    EnginePorts enginePorts;
+    AddressSet enginePorts;
     ChartActivities chartActivities;
     ChartObjects chartObjects;
 
-    void forgetEnginePorts() noexcept {
-        // Clearing walks the whole table, so an empty one is left alone.
-        if (!enginePorts.empty()) enginePorts.clear();
-    }
+    void forgetEnginePorts() noexcept { enginePorts.clear(); }
 
     /// Equal for equal parts of the non-cached source key, which `SignalSpecification` gives to those who ask for it.
     static std::uint64_t pathKey(std::u16string_view modelName, std::u16string_view blockPath,

@@ -11,12 +11,6 @@ namespace errors = plv_hmi_foundation::errors;
 using ks_hmi_foundation::isSameText;
 using ks_hmi_foundation::Rollback;
 
-namespace {
-
-std::uint64_t identity(const ksPort* port) { return reinterpret_cast<std::uintptr_t>(port); }
-
-}  // namespace
-
 void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
     errors::requireRecord(spec);
     if (enterIndex(spec, std::nullopt)) m_indexes->forgetEnginePorts();
@@ -70,14 +64,10 @@ void InstrumentedSignals::updateObservedPortMap() {
 bool InstrumentedSignals::isAnyPortObserved() const { return !m_indexes->ports.isEmpty(); }
 
 void InstrumentedSignals::cacheKSPorts(const std::vector<ksPort*>& ports) {
-    Indexes::EnginePorts cached(ports.size());
-    for (const ksPort* const port : ports) cached.insert(identity(port));
-    m_indexes->enginePorts.swap(cached);
+    m_indexes->enginePorts = AddressSet(ports);
 }
 
-bool InstrumentedSignals::isKSPortObserved(const ksPort* port) const {
-    return m_indexes->enginePorts.contains(identity(port));
-}
+bool InstrumentedSignals::isKSPortObserved(const ksPort* port) const { return m_indexes->enginePorts.contains(port); }
 
 bool InstrumentedSignals::isPortObserved(double blockHandle, int portIdx) const {
     // By value: what the match needs stays in registers.

@@ -22,14 +22,6 @@ inline std::uint64_t handleKey(double blockHandle, std::int32_t portIdx) noexcep
                                             port ^ ks_hmi_foundation::kSecondFactor);
 }
 
-/// For addresses and other numbers of which whole runs of bits never vary.
-struct NumberHash {
-    using is_avalanching = void;
-    std::size_t operator()(std::uint64_t number) const noexcept {
-        return ks_hmi_foundation::foldedProduct(number, ks_hmi_foundation::kFirstFactor);
-    }
-};
-
 /// For keys that are well mixed hashes already.
 struct IdentityHash {
     using is_avalanching = void;

@@ -1,3 +1,6 @@
+#include <random>
+#include <set>
+
 #include "tests/support/host_test.h"
 
 using namespace ks_test;
@@ -26,6 +29,27 @@ TEST_F(ObservedPorts, pathsMatchUnitByUnitAndSubPathsWhenTheirUtf8Does) {
             ASSERT_EQ(signals.isPortObserved(0.0, u"Gain", asked, 1, 0, 0), utf8(asked) == utf8(watched));
             ASSERT_EQ(signals.isPortObserved(0.0, asked, u"", 1, 0, 0), asked == watched);
         }
+    }
+}
+
+// Few ports and many are kept in different ways; neighbours, null and ports that are there twice are nothing special.
+TEST_F(ObservedPorts, enginePortsAreFoundAmongAnyNumber) {
+    std::mt19937_64 random(1);
+    for (const std::size_t count : {0U, 1U, 2U, 9U, 300U, 32'768U, 32'769U, 70'000U}) {
+        SCOPED_TRACE(count);
+        const std::uint64_t apart = count % 2 == 0 ? 8 : 4096;
+        const auto portAt = [&](std::uint64_t number) { return reinterpret_cast<ksPort*>(number * apart); };
+        std::set<ksPort*> known;
+        std::vector<ksPort*> cached;
+        while (cached.size() < count) {
+            cached.push_back(portAt(cached.size() == 5 ? 0 : random() % (2 * count)));
+            known.insert(cached.back());
+        }
+        set().cacheKSPorts(cached);
+        for (std::size_t number = 0; number < 2 * count + 10; ++number)
+            ASSERT_EQ(set().isKSPortObserved(portAt(number)), known.count(portAt(number)) != 0) << number;
+        set().add(port(u"Gain", 1));
+        for (const ksPort* const one : known) ASSERT_FALSE(set().isKSPortObserved(one));
     }
 }
 
