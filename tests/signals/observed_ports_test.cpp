@@ -102,6 +102,26 @@ TEST_F(ObservedPorts, aStaleHandleAnswersForItsPortWhileRebindingIsPending) {
     EXPECT_EQ(set().get(0)->m_cachedBlockHandle, 12.5) << "resolved once";
 }
 
+TEST_F(ObservedPorts, whatHasChangedSinceItWasEnteredStandsInNobodysWay) {
+    for (int i = 0; i < 2; ++i) set().add(resolvedPort(u"Gain", 1, 12.5));
+    set().get(0)->setCachedInfo(7.5, 1);
+    EXPECT_TRUE(set().isPortObserved(12.5, 1));
+    // A signal that is found under its old key is entered under that of what it is now.
+    for (const auto change : {+[](ks_hmi::SignalSpecification& signal) { signal.m_subPath = u"b"; },
+                              +[](ks_hmi::SignalSpecification& signal) { signal.m_logicalPortIndex = 4; }}) {
+        ks_hmi::InstrumentedSignals signals;
+        signals.add(port(u"Gain", 1));
+        ks_hmi::SignalSpecification& signal = *signals.get(0);
+        change(signal);
+        const auto isFound = [&] {
+            return signals.isPortObserved(0.0, u"Gain", signal.m_subPath, 1, 0, signal.m_logicalPortIndex);
+        };
+        EXPECT_FALSE(isFound());
+        EXPECT_TRUE(signals.isPortObserved(4.5, u"Gain", u"", 1, 1, 0));
+        EXPECT_TRUE(isFound());
+    }
+}
+
 TEST_F(ObservedPorts, aRemovalTakesOutWhatHasItsHandleAndPortByThen) {
     using Signal = ks_hmi::SignalSpecification;
     for (const auto change : {+[](Signal&signal, int by) { signal.m_cachedPortIdx += by; },
