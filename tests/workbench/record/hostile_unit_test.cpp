@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 
 #include "tests/workbench/record/record_test.h"
@@ -34,6 +35,20 @@ protected:
         return count;
     }
 };
+
+TEST_F(HostileUnit, goesWithAToolThatIsKilled) {
+    const auto waitFor = [&](int processes) {
+        for (int i = 0; i < 500 && countProcesses("kshmi-hung") != processes; ++i) ::usleep(20'000);
+        EXPECT_EQ(countProcesses("kshmi-hung"), processes);
+    };
+    const pid_t tool = ::fork();
+    if (tool == 0) ::_exit(runOn("record --quiet " + setTo(kHang)).code);
+    waitFor(1);
+    ::kill(tool, SIGKILL);
+    EXPECT_EQ(::waitpid(tool, nullptr, 0), tool);
+    waitFor(0);
+    for (const auto& left : std::filesystem::directory_iterator(path("tmp"))) std::filesystem::remove_all(left);
+}
 
 const char* const kWhole = "time count sine\n0 0 0\n0.5 -1 0.479425538604203\n1 -2 0.8414709848078965\n1.5 -3 ";
 

@@ -45,7 +45,7 @@ TEST_F(Record, aUnitThatStopsEarlyLeavesWhatWasRecorded) {
         {kCrash, "stopped at t = 1: the unit was brought down by signal 11 (Segmentation fault): about to crash at 1"},
         {kHang, "stopped at t = 1: the unit did not come back within 0.3 s"},
         {kFail, "stopped at t = 1: fmi2DoStep reported an error: too hot at 1"},
-        {kDiscard, "stopped at t = 1: the unit gave up the step to t = 1.5 at t = 1"},
+        {kDiscard, "stopped at t = 1: the unit gave up the step to t = 1.5 at t = 1.2"},
         {kLoseTrack, "stopped at t = 1: the unit gave up the step to t = 1.5 at t = 1"},
         {kFinish, "stopped at t = 1: the unit ended the run itself"},
         {kLeave, "stopped at t = 1: the unit ended its process itself, with exit code 3"}};
@@ -64,11 +64,50 @@ TEST_F(Record, aUnitThatStopsEarlyLeavesWhatWasRecorded) {
                "stopped at t = 0: fmi2EnterInitializationMode reported an error");
 }
 
+TEST_F(Record, aUnitIsCalledAsTheStandardHasIt) {
+    const std::string both = R"(canHandleVariableCommunicationStepSize="true" canGetAndSetFMUstate="true")";
+    std::filesystem::create_directory(path("% a"));
+    ::setenv("TMPDIR", path("% a").c_str(), 1);
+    import(replaced(probe2(both), "stepSize=\"0.5\"", R"(startTime="0.5" stepSize="0.5" tolerance="1e-4")"));
+    mark("state:count");
+    const std::string inputs = "--inputs " + write("time,u\n0,1\n1,2\n", "in.csv");
+    const std::string start = "0 files, 0 handlers, no input, error output\n";
+    EXPECT_EQ(calls("--until 1.3 --set gain=+3 " + inputs),
+              "instantiate, log 0, escaped\n" + start +
+                  "set real 10 to 3\n"
+                  "setup, tolerance 1 0.0001, start 0.5, stop 1 1.3\nenter initialization\nset real 11 to 1.5\n"
+                  "exit initialization\nget state, new\nstep 0.5 + 0.5, final 0\nset real 11 to 2\nget state, again\n"
+                  "step 1 + 0.3, final 0\nterminate\nfree state\nfree\n");
+    EXPECT_EQ(plain(read("run.csv")), "time count\n0.5 0\n1 -1\n1.3 -2\n");
+    write("time,u\n0,1\n1,1\n", "in.csv");
+    const std::string fed = calls("--until 1.5 --step 0.25 " + inputs);
+    EXPECT_EQ(fed.find("set real"), fed.rfind("set real")) << "again, though it has not changed";
+    pack(replaced(probe2(), "stopTime=\"2\"", ""));
+    expectParts(calls("--log --step 1 --until 1 " + setTo(kWarn)),
+                {"instantiate, log 1, ",
+                 "set integer 2 to " + std::to_string(kWarn) + "\nsetup, tolerance 0 0, start 0, stop 1 1\n",
+                 "exit initialization\nstep 0 + 1, final 1\nterminate\nfree\n"});
+    expectParts(calls("--until 2 " + setTo(kWarn)), {"step 1 + ", "terminate"});
+    const std::string died = calls("--until 2 " + setTo(kDie), kStoppedEarly);
+    EXPECT_TRUE(died.ends_with("step 1 + 0.5, final 1\n")) << died;
+    std::filesystem::remove(path("% a"));
+}
+
+TEST_F(Record, timesAreMultiplesOfTheStep) {
+    import(probe2());
+    mark("state:count");
+    EXPECT_EQ(plain(recorded("--until 1.1 --step 0.1")),
+              "time count\n0 0\n0.1 -1\n0.2 -2\n0.30000000000000004 -3\n0.4 -4\n0.5 -5\n0.6000000000000001 -6\n"
+              "0.7000000000000001 -7\n0.8 -8\n0.9 -9\n1 -10\n1.1 -11\n");
+    EXPECT_EQ(plain(recorded("--until 0.25 --step 0.1")), "time count\n0 0\n0.1 -1\n0.2 -2\n0.25 -3\n");
+}
+
 TEST_F(Record, aDiscardedStepIsTriedAgainWhereTheUnitCanGoBack) {
     import(probe2(R"(canHandleVariableCommunicationStepSize="true" canGetAndSetFMUstate="true")"));
     mark("state:count");
-    for (const Behaviour behaviour : {kDiscard, kLoseTrack})
-        EXPECT_EQ(plain(recorded(setTo(behaviour))), "time count\n0 0\n0.5 -1\n1 -2\n1.25 -3\n1.5 -4\n2 -5\n");
+    for (const auto& [behaviour, retried] : {std::pair(kDiscard, "1.2"), std::pair(kLoseTrack, "1.25")})
+        EXPECT_EQ(plain(recorded(setTo(behaviour))),
+                  "time count\n0 0\n0.5 -1\n1 -2\n" + std::string(retried) + " -3\n1.5 -4\n2 -5\n");
 }
 
 TEST_F(Record, whatCannotRunIsRefusedWithTheReason) {
@@ -144,8 +183,9 @@ TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
     expectSaid("record --until 1 --set label=x", kStoppedEarly, "lacks the function fmi2SetString");
     expectSaid("record --until 1 --set gian=2", kWrongUsage,
                "--set: the unit has no variable \"gian\"; did you mean \"gain\"?");
-    expectSaid("record --until 1 --set x=2", kWrongUsage,
-               "the unit has no variable \"x\"; it takes \"gain\", \"u\", \"wish\", \"behaviour\", \"label\"");
+    expectSaid(
+        "record --until 1 --set x=2", kWrongUsage,
+        "the unit has no variable \"x\"; it takes \"gain\", \"u\", \"held\", \"wish\", \"behaviour\", \"label\"");
     expectSaid("record --until x", kWrongUsage, "--until: \"x\": give a number of seconds");
     expectSaid("record --until inf", kWrongUsage, "--until: \"inf\": give a number of seconds");
     expectSaid("record --timeout -1", kWrongUsage, "--timeout: \"-1\": give a number of seconds, 0 for no limit");
@@ -153,19 +193,25 @@ TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
     expectSaid("record --until 1 --set gain=two", kWrongUsage, "--set: \"gain\": \"two\" is not a number");
     expectSaid("record --until 1 --set behaviour=1.5", kWrongUsage,
                "\"1.5\" is not a whole number from -2147483648 to");
+    for (const char* const wide : {"2147483648", "-2147483649", "18446744073709551616"})
+        expectSaid(std::string("record --until 1 --set behaviour=") + wide, kWrongUsage,
+                   "is not a whole number from -2147483648 to 2147483647");
     expectSaid("record --until 1 --set gain", kWrongUsage, "--set: \"gain\" is not NAME=VALUE");
     expectSaid("record --until 1 --set gain=1 --set gain=2", kWrongUsage, "\"gain\" is given twice");
     expectSaid("record --until 1 --json", kWrongUsage, "--json: the recording goes to standard output");
-    expectSaid("record --until 1 -o " + path(), kWrongUsage, "is what the run is made from; record to another file");
+    for (const char* const source : {"model.json", "unit.fmu"})
+        expectSaid("record --until 1 --replace -o " + path(source), kWrongUsage,
+                   "is what the run is made from; record to another file");
     EXPECT_EQ(runOn("record --until 1 --quiet -o " + path("run.csv")).code, 0);
     expectSaid("record --until 1 -o " + path("run.csv"), kBadFile, "exists already; give another name, or --replace");
-    EXPECT_EQ(runOn("record --until 1 --quiet --replace -o " + path("run.csv")).code, 0);
-    EXPECT_EQ(plain(read("run.csv")), "time count\n0 0\n0.5 -1\n1 -2\n");
+    EXPECT_EQ(runOn("record --until 0.5 --quiet --replace -o " + path("run.csv")).code, 0);
+    EXPECT_EQ(plain(read("run.csv")), "time count\n0 0\n0.5 -1\n");
 }
 
 TEST_F(Record, aUnitOfOneStepLengthDoesNotGetAShorterOne) {
-    import(probe2(""));
+    import(probe2(R"(canGetAndSetFMUstate="true")"));
     mark("state:count");
+    expectSaid("record " + setTo(kDiscard), kStoppedEarly, "stopped at t = 1: the unit gave up the step to t = 1.5");
     const Finished finished = runOn("record --quiet --until 0.8 --step 0.3");
     EXPECT_EQ(plain(finished.out), "time count\n0 0\n0.3 -1\n0.6 -2\n");
     expectParts(finished.err, {"takes steps of one length only; it runs until t = 0.6, not 0.8"});
@@ -175,6 +221,9 @@ TEST_F(Record, aUnitOfOneStepLengthDoesNotGetAShorterOne) {
 TEST_F(Record, theUnitsMessagesAndItsOwnOutputStayOutOfTheRecording) {
     import(probe2());
     mark("state:count");
+    const std::string talk = runOn("record --quiet --log --until 1.5 " + setTo(kTalk)).err;
+    EXPECT_EQ(std::count(talk.begin(), talk.end(), 'w'), 16383);
+    expectParts(runOn("record --quiet --log " + setTo(kThread)).err, {"[error] probe: from a thread at 1\n"});
     const Finished finished = runOn("record --quiet --log --until 1 " + setTo(kChatter));
     EXPECT_EQ(finished.err, "t = 0 [information] probe: stepped at 0.5\nt = 0.5 [information] probe: stepped at 1\n");
     EXPECT_EQ(plain(finished.out), "time count\n0 0\n0.5 -1\n1 -2\n");

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sqlite3.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -7,16 +8,20 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
 #include <cstdlib>
+#include <set>
+#include <string_view>
 #include <thread>
 #include <type_traits>
 
 #include "tests/support/sanitized.h"
 #include "tests/workbench/record/record_test.h"
 #include "workbench/record/recorded_run.h"
+#include "workbench/run_file/sqlite.h"
 
 // Recordings whose system calls fail, one after the other, and which are asked to stop. The tool's calls are linked to
 // the functions below, which make them unless it is their turn to fail.
@@ -28,14 +33,16 @@ struct Plan {
     std::size_t calls = 0;
     bool isFromThenOn = false;
     const char* reached = nullptr;
+    int error = ENOSPC;
+    std::string_view only = {};
 } g_plan;
 
 bool isToFail(const char* name) {
-    if (g_plan.at == 0) return false;
+    if (g_plan.at == 0 || (!g_plan.only.empty() && g_plan.only != name)) return false;
     ++g_plan.calls;
     if (g_plan.isFromThenOn ? g_plan.calls < g_plan.at : g_plan.calls != g_plan.at) return false;
     g_plan.reached = name;
-    errno = ENOSPC;
+    errno = g_plan.error;
     return true;
 }
 
@@ -106,8 +113,8 @@ protected:
 
 TEST_F(RecordFailures, eachCallThatFailsIsToldAndLeavesWholeRows) {
     const std::size_t descriptors = openDescriptors();
+    std::set<std::string> failed;
     for (const bool isFromThenOn : {false, true}) {
-        std::size_t failures = 0;
         for (std::size_t at = 1;; ++at) {
             std::filesystem::remove(path("run.csv"));
             g_plan = {at, 0, isFromThenOn, nullptr};
@@ -116,14 +123,25 @@ TEST_F(RecordFailures, eachCallThatFailsIsToldAndLeavesWholeRows) {
             expectWholeRows(read("run.csv"));
             expectNoChildren();
             if (plan.reached == nullptr) break;
-            ++failures;
+            failed.insert(plan.reached);
             EXPECT_TRUE(finished.code == kBadFile || finished.code == kHostRefused || finished.code == kSuccess)
                 << plan.reached << ": " << finished.code << finished.err;
             EXPECT_TRUE(finished.code == kSuccess || !finished.err.empty()) << plan.reached;
         }
-        EXPECT_GE(failures, 6U);
     }
+    const std::set<std::string> all{"close", "flock", "fork", "fstat", "fsync", "mkdtemp", "mmap", "open", "write"};
+    EXPECT_EQ(failed, all);
     EXPECT_EQ(openDescriptors(), descriptors);
+}
+
+TEST_F(RecordFailures, aWriteThatIsInterruptedIsMadeAgain) {
+    const std::string whole = runOn("record --quiet --until 6000").out;
+    for (std::size_t at = 1;; ++at) {
+        g_plan = {at, 0, false, nullptr, EINTR, "write"};
+        EXPECT_EQ(runOn("record --quiet --until 6000 --replace -o " + path("run.csv")).code, kSuccess);
+        EXPECT_TRUE(read("run.csv") == whole) << at;
+        if (std::exchange(g_plan, {}).reached == nullptr) break;
+    }
 }
 
 // SQLite makes its calls through a table of its own.
@@ -165,6 +183,7 @@ private:
 
 TEST_F(RecordFailures, eachCallOfTheDatabaseThatFailsLeavesAWholeOne) {
     ASSERT_EQ(runOn("record --quiet --until 3 -o " + path("earlier.db")).code, 0);
+    const std::size_t descriptors = openDescriptors();
     for (const bool isFromThenOn : {false, true}) {
         std::size_t failures = 0;
         for (std::size_t at = 1;; ++at) {
@@ -183,11 +202,14 @@ TEST_F(RecordFailures, eachCallOfTheDatabaseThatFailsLeavesAWholeOne) {
             EXPECT_TRUE(finished.code == kSuccess || !finished.err.empty()) << plan.reached;
             const workbench::RecordedRun earlier = workbench::readRecordedRun(path("run.db"), 1);
             EXPECT_EQ(earlier.outcome, "done") << plan.reached;
+            EXPECT_TRUE(earlier.runCount == 1 || workbench::readRecordedRun(path("run.db")).columns.size() == 2)
+                << "half a run: " << plan.reached;
             EXPECT_EQ(earlier.columns.at(0).values, (std::vector<double>{0, -1, -2, -3, -4, -5, -6})) << plan.reached;
             expectNoChildren();
         }
         EXPECT_GE(failures, 6U);
     }
+    EXPECT_EQ(openDescriptors(), descriptors);
 }
 
 TEST_F(RecordFailures, aFullDiskKeepsTheRowsThatFit) {
@@ -201,11 +223,41 @@ TEST_F(RecordFailures, aFullDiskKeepsTheRowsThatFit) {
     ::setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(csv.code, kBadFile);
     expectParts(csv.err, {"run.csv: cannot be written: File too large; recorded until t = "});
+    EXPECT_FALSE(contains(csv.err, "until t = 0\n"));
     expectWholeRows(read("run.csv"));
     EXPECT_GT(read("run.csv").size(), 99'900U);
     EXPECT_EQ(database.code, kBadFile);
     expectParts(database.err, {"run.db", "recorded until t = "});
+    // A text has a line break, which ends no row.
+    mark("state:text");
+    for (rlim_t size = 100'000; size < 100'050; size += 6) {
+        const rlimit tiny{size, before.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &tiny);
+        EXPECT_EQ(runOn("record --replace --until 1e6 -o " + path("run.csv")).code, kBadFile);
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_GT(read("run.csv").size(), size - 100);
+        EXPECT_EQ(workbench::readRecordedRun(path("run.csv")).columns.at(2).texts.at(1), "step \"1\",\nnext");
+    }
     expectNoChildren();
+}
+
+// Another program that writes to the database is waited for, for some seconds.
+TEST_F(RecordFailures, oneWriterAfterTheOther) {
+    using workbench::SqliteDatabase;
+    const std::string record = "record --quiet -o " + path("run.db");
+    ASSERT_EQ(runOn(record).code, 0);
+    SqliteDatabase other(path("run.db"), SqliteDatabase::Mode::write);
+    other.execute("BEGIN IMMEDIATE");
+    const Finished refused = runOn(record);
+    EXPECT_EQ(refused.code, kFileInUse);
+    expectParts(refused.err, {"run.db: another program is writing to the database; wait until it is done"});
+    std::thread ending([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        other.execute("COMMIT");
+    });
+    EXPECT_EQ(runOn(record).code, 0);
+    ending.join();
+    EXPECT_EQ(workbench::readRecordedRun(path("run.db")).runCount, 2);
 }
 
 TEST_F(RecordFailures, stopsWhenItIsAskedTo) {
@@ -227,6 +279,18 @@ TEST_F(RecordFailures, stopsWhenItIsAskedTo) {
     EXPECT_GT(read("run.csv").size(), 1000U);
     interrupted(setTo(kHang), 2);
     EXPECT_EQ(plain(read("run.csv")).substr(0, 40), "time count sine\n0 0 0\n0.5 -1 0.479425538");
+}
+
+TEST_F(RecordFailures, othersSeeTheRowsOfAUnitThatHangs) {
+    std::atomic<bool> hasEnded{false};
+    std::thread tool([&] {
+        runOn("record --quiet " + setTo(kHang) + "-o " + path("run.csv"));
+        hasEnded = true;
+    });
+    for (int i = 0; i < 500 && !read("run.csv").ends_with("\r\n1,-2,0.8414709848078965\r\n"); ++i) ::usleep(20'000);
+    EXPECT_TRUE(read("run.csv").ends_with("\r\n1,-2,0.8414709848078965\r\n") && !hasEnded);
+    for (int i = 0; i < 2; ++i) ::kill(::getpid(), SIGINT);
+    tool.join();
 }
 
 // What a process has, as the system counts it.
@@ -278,10 +342,21 @@ TEST_F(RecordFailures, whatAKilledToolLeavesGoesWithTheNextRun) {
     std::filesystem::create_directories(left + "/resources");
     const std::string young = path("tmp/kshmi-unit-young");
     std::filesystem::create_directory(young);
+    // Another run's, and another user's where there can be one.
+    const std::string locked = path("tmp/kshmi-unit-locked");
+    const std::string others = path("tmp/kshmi-unit-others");
+    for (const std::string& folder : {locked, others}) std::filesystem::create_directory(folder);
+    const int lock = ::open(locked.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+    const bool isOthers = ::chown(others.c_str(), 12345, 12345) == 0;
     const timespec old[2] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, left.c_str(), old, 0), 0);
+    for (const std::string& folder : {left, locked, others})
+        ASSERT_EQ(::utimensat(AT_FDCWD, folder.c_str(), old, 0), 0);
     EXPECT_EQ(runOn("record --quiet").code, 0);
     EXPECT_FALSE(std::filesystem::exists(left));
+    EXPECT_TRUE(std::filesystem::remove(locked));
+    EXPECT_EQ(std::filesystem::remove(others), isOthers);
+    ::close(lock);
     EXPECT_TRUE(std::filesystem::remove(young));
 }
 

@@ -1,4 +1,8 @@
+#include <fmt/format.h>
+
+#include <cmath>
 #include <limits>
+#include <memory>
 
 #include "signals/signal_specification.h"
 #include "tests/support/json_schema.h"
@@ -7,8 +11,10 @@
 #include "workbench/record/record_model.h"
 #include "workbench/record/recorded_run.h"
 #include "workbench/record/stream_out_blocks.h"
+#include "workbench/run_file/run_writer.h"
 #include "workbench/run_file/sqlite.h"
 #include "workbench/session/session.h"
+#include "workbench/unit/array_element.h"
 
 namespace kshmi {
 namespace {
@@ -27,6 +33,69 @@ TEST_F(RecordSettings, decimationAndMaxPointsLeaveCellsEmpty) {
               "time,count,mode,even\r\n0,0,,\r\n1,-2,,\r\n1.5,,,false\r\n2,-4,2,\r\n2.5,,3,\r\n");
     EXPECT_EQ(runOn("unmark state:count").code, 0);
     EXPECT_EQ(recorded("--until 4"), "time,mode,even\r\n3,,true\r\n3.5,2,\r\n4,3,\r\n");
+}
+
+TEST_F(RecordSettings, textsAreThinnedAsNumbersAre) {
+    import(probe2());
+    mark("state:text --decimation 2 --max-points 1");
+    mark("state:count --decimation 3");
+    mark("state:count --decimation 3 --again --name twin");
+    EXPECT_EQ(recorded("--until 2.5"),
+              "time,text,count,twin\r\n0,,0,0\r\n1.5,,-3,-3\r\n2,\"step \"\"4\"\",\nnext\",,\r\n");
+    EXPECT_EQ(runOn("record --quiet -o " + path("run.sqlite3")).code, 0);
+    const workbench::RecordedRun run = workbench::readRecordedRun(path("run.sqlite3"));
+    EXPECT_EQ(run.columns[0].times, std::vector<double>{2});
+    EXPECT_EQ(run.columns[1].times, (std::vector<double>{0, 1.5}));
+    workbench::SqliteDatabase(path("run.sqlite3"), workbench::SqliteDatabase::Mode::write)
+        .execute("UPDATE runs SET stop = NULL");
+    EXPECT_EQ(workbench::readRecordedRun(path("run.sqlite3")).stop, 2.0);
+}
+
+TEST_F(RecordSettings, whatIsNoNumberOrNoTextIsKept) {
+    const std::string none =
+        R"(<ScalarVariable name="state.none" valueReference="1" causality="output"><String/></ScalarVariable>)";
+    import(probe2("", none));
+    mark("state:none");
+    EXPECT_EQ(recorded("--until 0.5"), "time,none\r\n0,\"\"\r\n0.5,\"\"\r\n");
+    EXPECT_EQ(runOn("unmark state:none").code, 0);
+    mark("wave:fed");
+    const std::string options = "--set gain=inf --inputs " + write("time,u\n0,1\n0.5,-1\n1,0\n", "in.csv") + " -o ";
+    EXPECT_EQ(plain(recorded(options + "-")), "time fed\n0 Infinity\n0.5 Infinity\n1 -Infinity\n1.5 NaN\n2 NaN\n");
+    for (const char* const name : {"run.csv", "run.db"}) {
+        EXPECT_EQ(runOn("record --quiet " + options + path(name)).code, 0);
+        const std::vector<double> values = workbench::readRecordedRun(path(name)).columns.at(0).values;
+        ASSERT_EQ(values.size(), 5U);
+        EXPECT_TRUE(std::isinf(values[0]) && values[0] > 0 && values[2] == -values[0] && std::isnan(values[4])) << name;
+    }
+}
+
+// A writer that only says what it is given: the time, and which columns have a value.
+class ToldRows final : public workbench::RunWriter {
+public:
+    explicit ToldRows(std::string& told) : m_told(told) {}
+    void write(const workbench::RunRow& row) override {
+        m_told += fmt::format("{}:{}{}{} ", row.time, row.isPresent[0], row.isPresent[1], row.texts);
+    }
+    void flush() override { m_told += "| "; }
+    void finish(const workbench::UnitEnd& end) override { m_told += fmt::format("end {}", end.time); }
+
+private:
+    std::string& m_told;
+};
+
+TEST_F(RecordSettings, lastPointsWaitNoLongerThanTheyMust) {
+    std::vector<workbench::RunColumn> columns(2);
+    columns[0].maxPoints = 2;
+    std::string told;
+    const auto writer = workbench::keepingLastPoints(std::make_unique<ToldRows>(told), columns, 1);
+    const std::uint64_t slot = 0;
+    const std::uint8_t present[][2] = {{0, 1}, {1, 0}, {0, 1}, {1, 1}, {1, 0}, {1, 1}};
+    for (std::size_t i = 0; i < std::size(present); ++i) {
+        writer->write({static_cast<double>(i), &slot, std::string(1, static_cast<char>('a' + i)), present[i]});
+        writer->flush();
+    }
+    writer->finish({workbench::UnitEndKind::done, 5});
+    EXPECT_EQ(told, "0:01a | | | | 2:01c | 3:01d | 4:10e 5:11f end 5");
 }
 
 TEST_F(RecordSettings, titlesAreNamesMadeUnique) {
@@ -128,10 +197,21 @@ TEST_F(RecordSettings, aDatabaseTakesSeveralRuns) {
     const workbench::RecordedRun last = workbench::readRecordedRun(path("runs.db"));
     EXPECT_EQ(last.number, 2);
     EXPECT_EQ(last.outcome, "crashed");
+    EXPECT_TRUE(last.stop == 1.0 && last.until == 2.0);
     expectParts(last.message, {"Segmentation fault"});
     EXPECT_EQ(last.columns[1].times, (std::vector<double>{0, 0.5, 1}));
-    workbench::SqliteDatabase(path("runs.db"), workbench::SqliteDatabase::Mode::write)
-        .execute("UPDATE runs SET stop = NULL, outcome = 'running'");
+    workbench::SqliteDatabase raw(path("runs.db"), workbench::SqliteDatabase::Mode::write);
+    const auto row = [&](const char* statement) {
+        workbench::SqliteStatement rows = raw.prepare(statement);
+        return rows.step() ? std::string(rows.text(0)) : "";
+    };
+    EXPECT_EQ(row("SELECT start || ' ' || until || ' ' || step || ' ' || stop || ' ' || fmiVersion FROM runs"),
+              "0.0 0.5 0.5 0.5 2.0");
+    EXPECT_EQ(
+        row("SELECT title || ' ' || kind || ' ' || block || ' ' || port || ' ' || portName || ' ' || element || ' ' "
+            "|| variable || ' ' || decimation || ' ' || maxPoints FROM signals"),
+        "sine real probe/wave 1 sine  wave.sine 1 1");
+    raw.execute("UPDATE runs SET stop = NULL, outcome = 'running'");
     EXPECT_EQ(workbench::readRecordedRun(path("runs.db")).stop, 1.0);
     expectParts(runOn("report -o - --run " + path("runs.db")).out,
                 {"Not ended: it is still being recorded", "recorded, not ended"});
@@ -159,7 +239,7 @@ TEST_F(RecordSettings, valuesOfEnumerationsHaveNames) {
 
 TEST_F(RecordSettings, jsonTellsHowItWent) {
     import(probe2());
-    mark("state:count state:mode");
+    mark("state:count state:mode --decimation 2");
     const Finished finished = runOn("record --json " + setTo(kFail) + "-o " + path("run.csv"));
     EXPECT_EQ(finished.code, kStoppedEarly);
     std::ifstream file(KSHMI_OUTPUT_SCHEMA);
@@ -175,6 +255,10 @@ TEST_F(RecordSettings, inputsAreInterpolatedOrHeld) {
     const std::string inputs = "--inputs " + write("time, u ,gain\n0, 0,1\n1,1 , \n 2,3,\t10\n", "in.csv");
     EXPECT_EQ(plain(recorded(inputs)), "time fed\n0 0\n0.5 0\n1 0.5\n1.5 1\n2 2\n");
     EXPECT_EQ(plain(recorded(inputs + " --until 3")), "time fed\n0 0\n0.5 0\n1 0.5\n1.5 1\n2 2\n2.5 30\n3 30\n");
+    write("time,u\n0,0\n1,2\n", "in.csv");
+    EXPECT_EQ(plain(recorded(inputs + " --until 0.5 --step 0.25")), "time fed\n0 0\n0.25 0\n0.5 0.5\n");
+    write("time,held\n0,0\n1,2\n", "in.csv");
+    EXPECT_EQ(plain(recorded(inputs + " --until 1.5")), "time fed\n0 0\n0.5 0\n1 0\n1.5 2\n");
     const auto refused = [&](const std::string& text, const std::string& said) {
         expectSaid("record --inputs " + write(text, "in.csv"), kBadFile, said);
     };
@@ -253,6 +337,44 @@ TEST_F(RecordFmi3, inputsJumpInEventsWhereTheUnitHasThem) {
             << head;
         std::filesystem::remove(path());
     }
+}
+
+TEST_F(RecordFmi3, elementsCountTheLastDimensionFastest) {
+    const std::vector<std::uint64_t> extents{2, 3};
+    for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(workbench::elementAt(workbench::elementText(i, extents), extents), i);
+    EXPECT_EQ(workbench::elementText(3, extents), "[2,1]");
+    for (const char* const none : {"[3,1]", "[2,4]", "[0,1]", "[1]", "[1,1,1]", "[1;1]", "1,1", ""})
+        EXPECT_GE(workbench::elementAt(none, extents), 6U) << none;
+    import3(R"(<Float32 name="f" valueReference="0" causality="output"/>
+<Float32 name="g" valueReference="60" causality="parameter"/><UInt8 name="b" valueReference="61" causality="parameter"/>)");
+    mark("--all *:f");
+    expectSaid("record --set g=1e39", kWrongUsage, "--set: \"g\": \"1e39\" is not within the limits of a Float32");
+    expectSaid("record --set b=256", kWrongUsage, "\"256\" is not a whole number from 0 to 255");
+    expectSaid("record --set b=-1", kWrongUsage, "\"-1\" is not a whole number from 0 to 255");
+}
+
+TEST_F(RecordFmi3, aUnitIsCalledAsTheStandardHasIt) {
+    const std::string input =
+        R"(<Float64 name="u" valueReference="24" causality="input"><Dimension valueReference="40"/></Float64>
+<Float64 name="now" valueReference="22" causality="output"/>)";
+    const std::string others =
+        R"(<Boolean name="on" valueReference="26" causality="parameter"/><Boolean name="off" valueReference="27" causality="parameter"/>
+<String name="note" valueReference="28" causality="input"/>)";
+    import3(input + others, R"(hasEventMode="true" canGetAndSetFMUState="true")");
+    mark("--all *");
+    write("time,note\n0,a\n0.5,\n1,\"\"\n", "in.csv");
+    const std::string noted = calls("--set on=1 --set off=false --until 1.5 --inputs " + path("in.csv"));
+    expectParts(noted, {"set 26 to 1\nset 27 to 0\nenter initialization", "set 28 to a\n", "set 28 to \n"});
+    EXPECT_EQ(noted.rfind("set 28 to a"), noted.find("set 28 to a")) << "again, though it has not changed";
+    EXPECT_EQ(calls("--until 0.25 --set n=2 --set \"u=4 5\" " + setTo(kEvent)),
+              "instantiate, log 0, events 1, early 1, resources\nenter configuration\nset 40, 1 values to 2\nexit "
+              "configuration\n"
+              "set 24[0] to 4\nset 24[1] to 5\nset 50, 1 values to 2\n"
+              "enter initialization, tolerance 0 0, start 0, stop 1 0.25\nexit initialization\nenter steps\n"
+              "get state, new\nstep 0 + 0.25, final 0\nenter events\nenter steps\nterminate\nfree state\nfree\n");
+    expectParts(calls("--until 1.5 " + setTo(kDiscard3)),
+                {"step 1 + 0.5, final 0\nset state\nstep 1 + 0.25, final 0\n"});
+    EXPECT_FALSE(calls(setTo(kDie3), kStoppedEarly).ends_with("free\n"));
 }
 
 TEST_F(RecordFmi3, earlyReturnsAndEventsAreHonoured) {

@@ -28,11 +28,15 @@ inline std::string probe2(const std::string& head = R"(canHandleVariableCommunic
 <ScalarVariable name="state.text" valueReference="0" causality="output"><String/></ScalarVariable>
 <ScalarVariable name="gain" valueReference="10" causality="parameter" variability="tunable"><Real start="1"/></ScalarVariable>
 <ScalarVariable name="u" valueReference="11" causality="input"><Real start="0"/></ScalarVariable>
+<ScalarVariable name="held" valueReference="12" causality="input" variability="discrete"><Real start="0"/></ScalarVariable>
 <ScalarVariable name="wish" valueReference="4" causality="input"><Enumeration declaredType="Mode" start="1"/></ScalarVariable>
 <ScalarVariable name="state.wished" valueReference="4" causality="output"><Enumeration declaredType="Mode"/></ScalarVariable>
 <ScalarVariable name="behaviour" valueReference="2" causality="parameter"><Integer start="0"/></ScalarVariable>
 )" + more + "</ModelVariables></fmiModelDescription>";
 }
+
+/// What misbehaves of probe3.
+enum Behaviour3 { kEarly = 1, kEvent, kFinish3, kStandStill3, kDiscard3, kDie3 };
 
 /// Units that misbehave at t = 1, as tests/units/probe2.c numbers them.
 enum Behaviour {
@@ -52,6 +56,10 @@ enum Behaviour {
     kStandStill,
     kComplain,
     kLoseTrack,
+    kDie,
+    kWarn,
+    kThread,
+    kTalk,
     kWriteOver = 1000  ///< and above, each in another way
 };
 
@@ -103,6 +111,16 @@ protected:
         EXPECT_EQ(finished.err, "");
         EXPECT_EQ(finished.code, 0);
         return finished.out;
+    }
+    /// What the unit was called with meanwhile, a line for each call.
+    std::string calls(const std::string& options, int code = kSuccess) const {
+        ::setenv("KS_PROBE_CALLS", path("calls").c_str(), 1);
+        const Finished finished = runOn("record --quiet --replace -o " + path("run.csv") + " " + options);
+        ::unsetenv("KS_PROBE_CALLS");
+        EXPECT_EQ(finished.code, code) << finished.err;
+        std::string told = read("calls");
+        std::filesystem::remove(path("calls"));
+        return told;
     }
     /// The columns' cells, a line for each row, blanks between.
     static std::string plain(std::string csv) {
