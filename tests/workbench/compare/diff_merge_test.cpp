@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <utility>
 
+#include "host/values.h"
 #include "tests/workbench/compare/compare_test.h"
 #include "workbench/compare/diff.h"
 #include "workbench/compare/merge.h"
@@ -54,6 +56,65 @@ TEST(Diff, tellsContentsAndOrderApart) {
     ASSERT_EQ(diff.blocks.size(), 3U);
     EXPECT_EQ(diff.blocks[0].addedPorts, std::vector<std::u16string>{u"z"});
     EXPECT_TRUE(diff.blocks[0].isReordered);
+}
+
+std::string parked(const std::vector<std::string>& uuids) {
+    std::vector<std::string> marks;
+    for (const std::string& uuid : uuids)
+        marks.push_back(fmt::format(R"({{"signal": {}, "clients": [{}], "lost": "port", "from": "m0"}})",
+                                    text(Mark{uuid, "A", "1", 9}), client("c" + uuid, uuid, "A", "1", "m")));
+    return fmt::format(", \"parked\": [{}]", fmt::join(marks, ", "));
+}
+
+std::string uuidsIn(const ModelFile& file) {
+    std::string uuids;
+    for (const std::size_t i : ks_host::indicesOf(file.signals.get()))
+        uuids += toUtf8(recordText(file.signals.get(), i, "UUID")) + " ";
+    for (const ParkedMark& mark : file.extras.parked)
+        uuids += fmt::format("{}+{} ", toUtf8(recordText(mark.signal.get(), 0, "UUID")),
+                             hvGetNumberOfElements(mark.clients.get()));
+    return uuids;
+}
+
+TEST(Diff, tellsPortsChartsBlocksTwinsAndParkedMarksApart) {
+    const std::string chart = R"({"states": [{"path": "On", "ssid": 4}], "data": []})";
+    const std::vector<Block> blocks{{"A", "1", {"y", "y", "z"}}, {"L", "2", {}, chart}, {"B", "3", {}}};
+    const std::vector<Mark> twins{{"u", "A", "1", 1}, {"u", "A", "1", 3}};
+    const auto of = [&](const std::vector<Block>& after, const std::string& more = "") {
+        return diffModels(file(model("m", blocks, twins, {}, parked({"a"}))),
+                          file(model("m", after, twins, {}, more.empty() ? parked({"a"}) : more)));
+    };
+    EXPECT_TRUE(of(blocks).isSame());
+    EXPECT_EQ(of(blocks).signals.unchanged, 2U);
+    EXPECT_FALSE(of(blocks, parked({"b"})).isParkedSame);
+    EXPECT_TRUE(of({blocks[1], blocks[0], blocks[2]}).areBlocksReordered);
+    const ModelDiff ports = of({{"A", "1", {"y", "z"}}, blocks[1], blocks[2]});
+    EXPECT_EQ(ports.blocks.at(0).removedPorts, std::vector<std::u16string>{u"y"});
+    EXPECT_TRUE(of({blocks[0], {"L", "2", {}, replaced(chart, "4", "5")}, blocks[2]}).blocks.at(0).isChartChanged);
+    const ModelDiff other = of({blocks[0], blocks[1], {"N", "9", {}}});
+    ASSERT_EQ(other.blocks.size(), 2U);
+    EXPECT_TRUE(other.blocks[0].before == nullptr && other.blocks[1].after == nullptr);
+    const std::string text = comparableText(file(model("m", {blocks[1]}, {{"u", "L", "2", 1, "n"}})));
+    EXPECT_TRUE(contains(text, "  state 4 \"On\"\n") && contains(text, "  markedName: \"n\"\n")) << text;
+}
+
+TEST(Merge, keepsTwinsOrderChartsNamesAndWhatIsParked) {
+    const std::string chart = R"({"states": [{"path": "On", "ssid": 4}], "data": []})";
+    const auto of = [&](const std::vector<Mark>& marks, const std::vector<std::string>& waiting,
+                        const char* ssid = "4") {
+        return file(model("m", {{"A", "1", {"a", "b"}}, {"L", "2", {}, replaced(chart, "4", ssid)}}, marks, {},
+                          parked(waiting)));
+    };
+    const Mark one{"u", "A", "1", 1, "a"}, twin{"u", "A", "1", 2, "b"}, last{"v", "A", "1", 2},
+        shared{"s", "A", "1", 1};
+    const MergedModel merged =
+        mergeModels(of({one, twin, last}, {"a", "b", "c"}), of({last, one, twin, shared}, {"a", "b", "o", "x"}),
+                    of({one, {"u", "A", "1", 1, "z"}, {"t", "A", "1", 2}, last}, {"a", "c", "s", "x", "p"}, "5"));
+    EXPECT_TRUE(merged.conflicts.empty());
+    EXPECT_EQ(uuidsIn(merged.file), "v u u t s a+1 o+1 x+1 p+1 ");
+    EXPECT_EQ(*merged.file.extras.markedName(1), u"a");
+    EXPECT_EQ(*merged.file.extras.markedName(2), u"z");
+    EXPECT_EQ(merged.file.model.blocks().at(1).chart->states.at(0).ssid, 5U);
 }
 
 TEST(Merge, combinesWhatDoesNotContradict) {
@@ -121,6 +182,9 @@ TEST(Merge, leavesOursWhereBothChangedTheSame) {
         const bool isTold = std::ranges::any_of(merged.conflicts, [&](const MergeConflict& conflict) {
             return conflict.list == one.list && conflict.field == one.field;
         });
+        if (one.list == "model") {
+            EXPECT_EQ(merged.conflicts[0].base + merged.conflicts[0].ours + merged.conflicts[0].theirs, R"("m""o""t")");
+        }
         EXPECT_TRUE(isTold) << one.list << ' ' << one.field << '\n' << text;
         EXPECT_TRUE(contains(text, one.stays)) << text;
     }
