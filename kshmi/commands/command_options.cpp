@@ -164,6 +164,10 @@ std::string messageOf(const Error& error) {
             return fmt::format("{}; give --unmark to remove that, too", error.what());
         case Remedy::removeBelow:
             return fmt::format("{}; give --recursive to remove all of it", error.what());
+        case Remedy::nameUnit:
+            return fmt::format("{}; name the .fmu with --fmu", error.what());
+        case Remedy::replaceFile:
+            return fmt::format("{}, or --replace to have it replaced", error.what());
         case Remedy::removeDangling:
             return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(), file);
         case Remedy::settleNames:

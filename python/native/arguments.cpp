@@ -2,11 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <array>
-#include <cctype>
-#include <string_view>
-#include <utility>
-
 #include "workbench/text/error.h"
 
 namespace ks_hmi_python {
@@ -19,17 +14,6 @@ py::object valueIn(const py::dict& arguments, const char* name) {
 
 [[noreturn]] void refuse(const char* name, const py::object& value, const char* wanted) {
     throw py::type_error(fmt::format("{}= is {}; give {}", name, py::repr(value).cast<std::string>(), wanted));
-}
-
-bool isWordPart(char c) { return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '_' || c == '"'; }
-
-// Where the option stands as a word of its own.
-std::size_t findOption(std::string_view text, std::string_view option) {
-    for (std::size_t at = text.find(option); at != std::string_view::npos; at = text.find(option, at + 1)) {
-        const std::size_t end = at + option.size();
-        if ((at == 0 || !isWordPart(text[at - 1])) && (end == text.size() || !isWordPart(text[end]))) return at;
-    }
-    return std::string_view::npos;
 }
 
 }  // namespace
@@ -65,22 +49,6 @@ std::optional<std::int64_t> numberIn(const py::dict& arguments, const char* name
         throw workbench::Error(fmt::format("{}= is {}; give a whole number from {} to {}", name,
                                            py::str(index).cast<std::string>(), least, most));
     return number;
-}
-
-std::string withArguments(std::string text) {
-    constexpr std::array<std::pair<std::string_view, std::string_view>, 9> kOptions{{{"--activity", "activity="},
-                                                                                     {"--fmu", "unit="},
-                                                                                     {"--map", "map="},
-                                                                                     {"--name", "name="},
-                                                                                     {"--replace", "replace=True"},
-                                                                                     {"--set", "values="},
-                                                                                     {"--ssid", "ssid="},
-                                                                                     {"--step", "step="},
-                                                                                     {"--until", "until="}}};
-    for (const auto& [option, argument] : kOptions)
-        for (std::size_t at = findOption(text, option); at != std::string::npos; at = findOption(text, option))
-            text.replace(at, option.size(), argument);
-    return text;
 }
 
 }  // namespace ks_hmi_python

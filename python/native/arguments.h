@@ -36,7 +36,4 @@ void takeNumber(const py::dict& arguments, const char* name, std::int64_t least,
     if (const auto given = numberIn(arguments, name, least, most)) number = static_cast<Number>(*given);
 }
 
-/// The text with the options of the command line that it speaks of as arguments of this module.
-std::string withArguments(std::string text);
-
 }  // namespace ks_hmi_python

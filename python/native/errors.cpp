@@ -53,12 +53,15 @@ const char* wordOf(Remedy remedy) {
             return "unmark=True removes that, too";
         case Remedy::removeBelow:
             return "below=True removes all of it";
+        case Remedy::nameUnit:
+            return "unit= names the .fmu";
+        case Remedy::replaceFile:
+            return "replace=True replaces it";
         case Remedy::removeDangling:
             return "open(file, dangling=True), then unmark(dangling=True), removes such signals";
         case Remedy::settleNames:
             return "check(file, mend=[\"names\"]) lets marks follow their names; set(..., confirm=True) accepts what "
-                   "is "
-                   "there";
+                   "is there";
     }
     return "";
 }
@@ -68,9 +71,8 @@ py::object numberOrNone(std::size_t number) { return number > 0 ? py::object(py:
 void raise(const workbench::Error& error) {
     const py::object type = py::module_::import("ks_hmi._errors").attr("Error");
     const workbench::ErrorPlace& place = error.place();
-    const py::object made =
-        type(withArguments(error.text()), wordOf(error.code()), withArguments(place.file), numberOrNone(place.line),
-             numberOrNone(place.column), place.pointer, wordOf(error.remedy()));
+    const py::object made = type(error.text(), wordOf(error.code()), place.file, numberOrNone(place.line),
+                                 numberOrNone(place.column), place.pointer, wordOf(error.remedy()));
     PyErr_SetObject(type.ptr(), made.ptr());
 }
 

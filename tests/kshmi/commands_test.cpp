@@ -37,7 +37,7 @@ TEST_F(Commands, referencesNameWhatTheySay) {
         {"A:0", "no output port 0"},
         {"Logic:1", "it has none"},
         {"Logic/Off", "\"Off\""},
-        {"Logic/Both", "give --ssid"},
+        {"Logic/Both", "say which by its SSID, 5 or 8"},
         {"\"\"", "no such block"},
         {"*", "no such block"},
         {"\"\x1b[2J\n\t\xc2\x9b\"", "\"\\x1b[2J\\n\\t\\x9b\": the"},

@@ -88,8 +88,8 @@ def test_clients_watch_signals(model):
     (lambda model: model.set("Sensors/Speed:1", decimation=0), "request", "give a whole number from 1 to 2147483647"),
     (lambda model: model.mark("Plant:1", max_points=2**70), "request", "max_points= is 1180591620717411303424"),
     (lambda model: model.observe("Sensors/Speed:1", type="x", update_rate=-1), "request", "from 0 to 4294967295"),
-    (lambda model: model.record("run.csv"), "request", "name one with unit="),
-    (lambda model: model.query("Plant:1", activity="Self"), "request", "activity= and ssid= are for charts"),
+    (lambda model: model.record("run.csv"), "request", "unit= names the .fmu"),
+    (lambda model: model.query("Plant:1", activity="Self"), "request", "only charts have activities and SSIDs"),
     (lambda model: model.query(below="Plant", kinds="prot"), "request", "there are: port, chart, state, datum"),
     (lambda model: model.signals["x"], "noMatch", "model.signals lists"),
 ])

@@ -37,7 +37,7 @@ private:
 
     std::unordered_set<std::string> m_names;
     std::string m_text =
-        "# Where blocks and ports have gone: old name, new name. Correct the new names, then hand this file to --map.\n"
+        "# Where blocks and ports have gone: old name, new name. Correct the new names, then carry with this map.\n"
         "# A line may name a block (a/b), a port or chart item (a/b:speed) or all blocks below one (a/b/*).\n"
         "# An empty new name says that the old one is gone.\n"
         "old,new\n";

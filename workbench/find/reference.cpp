@@ -104,7 +104,7 @@ private:
             return miss(fmt::format("the SSID of {} in the chart {} is {}, not {}", inQuotes(text),
                                     inQuotes(block.path), list, *m_options.ssid));
         if (found.size() > 1)
-            return miss(fmt::format("the chart {} has a state and a datum named {}; give --ssid: {}",
+            return miss(fmt::format("the chart {} has a state and a datum named {}; say which by its SSID, {}",
                                     inQuotes(block.path), inQuotes(text), list));
         if (!found.empty()) return SignalSource{&block, 0, std::move(found.front())};
         return miss(fmt::format("the chart {} has no state or datum {}", inQuotes(block.path), inQuotes(text)));
@@ -155,7 +155,7 @@ std::vector<SignalSource> resolveReference(const kestrel::Model& model, std::str
                     isLikePattern(reference) ? Remedy::usePatterns : Remedy::none);
     const bool isOfChart = !options.activity.empty() || options.ssid;
     if (isOfChart && !found.front().second.front().item)
-        throw Error(inQuotes(reference) + ": --activity and --ssid are for charts; name a chart without a port");
+        throw Error(inQuotes(reference) + ": only charts have activities and SSIDs; name a chart without a port");
     return std::move(found.front().second);
 }
 

@@ -28,8 +28,7 @@ std::ifstream openFile(const std::string& path) {
         failImport({path}, std::string("cannot be opened: ") + std::strerror(errno),
                    "check the path and its permissions", ErrorCode::file);
     std::error_code code;
-    if (std::filesystem::is_directory(path, code))
-        failImport({path}, "is a directory", "name a file to import", ErrorCode::file);
+    if (std::filesystem::is_directory(path, code)) failImport({path}, "is a directory", "name a file", ErrorCode::file);
     return file;
 }
 

@@ -56,7 +56,7 @@ kestrel::Model buildModel(std::string name, const std::string& document, std::ve
     } catch (const kestrel::ModelError& error) {
         std::string what = error.what();
         if (what.ends_with('.')) what.pop_back();
-        failImport({document}, what, "give another name with --name");
+        failImport({document}, what, "give the model another name");
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <initializer_list>
 #include <utility>
 
 #include "workbench/import/foreign_file.h"
@@ -83,10 +84,13 @@ private:
     Clock::time_point m_flushedAt = Clock::now();
 };
 
-void requireOther(const std::string& output, const std::string& input) {
+// The files that a run is made from are not written over.
+void requireOther(const std::string& output, std::initializer_list<std::string_view> sources) {
+    if (output == kStandardStream) return;
     std::error_code code;
-    if (output != kStandardStream && std::filesystem::equivalent(output, input, code))
-        throw Error({output}, "is what the run is made from; record to another file", ErrorCode::request);
+    for (const std::string_view source : sources)
+        if (std::filesystem::equivalent(output, source, code))
+            throw Error({output}, "is what the run is made from; record to another file", ErrorCode::request);
 }
 
 void requireColumns(const RunPlan& plan, const Session& session) {
@@ -150,7 +154,7 @@ RecordResult recordModel(Session& session, const RecordOptions& options) {
     const IgnoredSignals ignoredSignals;
     RecordResult result;
     result.unit = unitPathOf(session, options);
-    for (const std::string& input : {session.path(), result.unit}) requireOther(options.target.path, input);
+    requireOther(options.target.path, {session.path(), result.unit, options.inputs});
     const FmiDescription description = readUnitFile(result.unit);
     UnitTask task;
     RunPlan plan = planTask(session, options, description, task);

@@ -19,9 +19,7 @@ namespace fs = std::filesystem;
 constexpr double kStepsByDefault = 500;
 constexpr double kMostSteps = 9007199254740992.0;  // 2^53
 
-[[noreturn]] void refuse(const char* option, const std::string& text) {
-    throw Error({option}, text, ErrorCode::request);
-}
+[[noreturn]] void refuse(const std::string& text) { throw Error(text); }
 
 void warn(const RecordOptions& options, const std::string& text) {
     if (options.warning) options.warning(text);
@@ -44,8 +42,8 @@ const FmiVariable& variableCalled(const FmiDescription& description, const std::
     Nearest nearest(name);
     for (const FmiVariable& variable : description.variables) nearest.offer(variable.name);
     const std::string question = nearest.question();
-    refuse("--set", fmt::format("the unit has no variable {}{}", inQuotes(name),
-                                question.empty() ? settableOf(description) : question));
+    refuse(fmt::format("the unit has no variable {}{}", inQuotes(name),
+                       question.empty() ? settableOf(description) : question));
 }
 
 void requireSettable(const FmiVariable& variable) {
@@ -53,10 +51,10 @@ void requireSettable(const FmiVariable& variable) {
     const bool isComputed =
         variable.causality == FmiCausality::calculatedParameter || variable.causality == FmiCausality::independent;
     if (isConstant || isComputed || !variable.valueReference || !unitTypeOf(variable.type))
-        refuse("--set", fmt::format("{} cannot be set: it is {}", inQuotes(variable.name),
-                                    isConstant   ? "a constant"
-                                    : isComputed ? "computed by the unit"
-                                                 : "of a type without start values"));
+        refuse(fmt::format("{} cannot be set: it is {}", inQuotes(variable.name),
+                           isConstant   ? "a constant"
+                           : isComputed ? "computed by the unit"
+                                        : "of a type without start values"));
 }
 
 UnitValue parsedValue(const FmiVariable& variable, const FmiDescription& description,
@@ -65,7 +63,7 @@ UnitValue parsedValue(const FmiVariable& variable, const FmiDescription& descrip
     try {
         return valueOfText(variable, count, text);
     } catch (const Error& error) {
-        throw error.at({"--set"});
+        throw Error("start value of " + error.text());
     }
 }
 
@@ -75,17 +73,15 @@ std::string unitPathOf(const Session& session, const RecordOptions& options) {
     if (!options.unit.empty()) return options.unit;
     const std::optional<Origin>& origin = session.origin();
     if (!origin || (origin->kind != "fmu" && origin->kind != "fmi"))
-        throw Error({session.path()}, "was not imported from a unit; name one with --fmu, or import one",
-                    ErrorCode::request);
+        throw Error({session.path()}, "was not imported from a unit", ErrorCode::request, Remedy::nameUnit);
     if (origin->kind == "fmi")
-        throw Error({session.path()},
-                    "was imported from a description, which cannot be run; name the .fmu that it is from with --fmu",
-                    ErrorCode::request);
+        throw Error({session.path()}, "was imported from a description, which cannot be run", ErrorCode::request,
+                    Remedy::nameUnit);
     const fs::path file(origin->file);
     const fs::path path = file.is_absolute() ? file : fs::path(session.path()).parent_path() / file;
     if (std::error_code code; !fs::exists(path, code))
-        throw Error({path.string()}, "is not where the model was imported from; name its place with --fmu",
-                    ErrorCode::file);
+        throw Error({path.string()}, "is not there any more, and the model was imported from it", ErrorCode::file,
+                    Remedy::nameUnit);
     return path.string();
 }
 
@@ -93,16 +89,16 @@ void planTimes(const FmiDescription& description, const RecordOptions& options, 
     const FmiExperiment& experiment = description.experiment;
     const double start = experiment.start.value_or(0.0);
     if (!options.until && !experiment.stop)
-        refuse("--until", "the unit does not say how long it is to run; give the time at which it ends");
+        refuse("the unit does not say how long it is to run; give the time at which the run ends");
     task.until = options.until.value_or(experiment.stop.value_or(start));
     if (!std::isfinite(task.until) || task.until < start)
-        refuse("--until", fmt::format("{} is no time after the start, t = {}", task.until, start));
+        refuse(fmt::format("the run cannot end at t = {}: it starts at t = {}", task.until, start));
     task.step = options.step.value_or(
         experiment.step.value_or(description.abilities.step.value_or((task.until - start) / kStepsByDefault)));
     if (task.until == start && !options.step && !(task.step > 0)) task.step = 1;
     if (!std::isfinite(task.step) || task.step <= 0 || (task.until - start) / task.step >= kMostSteps)
-        refuse("--step", fmt::format("{} is no step to get to t = {} with; give a positive number of seconds",
-                                     task.step, task.until));
+        refuse(fmt::format("steps of {} s do not lead from t = {} to t = {}; give {} step", task.step, start,
+                           task.until, task.step > 0 ? "a longer" : "a positive"));
     task.takesAnyStep = description.abilities.takesAnyStep;
     task.keepsState = description.abilities.keepsState && task.takesAnyStep;
     if (!task.takesAnyStep && hasShortStep(start, task.until, task.step)) {
@@ -121,7 +117,7 @@ void planValues(const FmiDescription& description, const RecordOptions& options,
         const FmiVariable& variable = variableCalled(description, name);
         requireSettable(variable);
         if (std::find(variables.begin(), variables.end(), &variable) != variables.end())
-            refuse("--set", inQuotes(name) + " is given twice; leave one out");
+            refuse(fmt::format("the start value of {} is given twice; leave one out", inQuotes(name)));
         variables.push_back(&variable);
         if (variable.causality != FmiCausality::structuralParameter) continue;
         task.sizes.push_back(parsedValue(variable, description, sizes, text));

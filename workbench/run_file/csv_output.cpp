@@ -58,7 +58,7 @@ void CsvOutput::open(const RunTarget& target) {
     m_isRegular = S_ISREG(status.st_mode);
     if (!m_isRegular) return;
     if (!target.replaces)
-        throw Error({m_path}, "exists already; give another name, or --replace to have it replaced", ErrorCode::file);
+        throw Error({m_path}, "exists already; give another name", ErrorCode::file, Remedy::replaceFile);
     if (::ftruncate(m_descriptor, 0) != 0) fail("cannot be replaced", errno);
 }
 

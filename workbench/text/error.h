@@ -28,6 +28,8 @@ enum class Remedy : std::uint8_t {
     usePatterns,     ///< say that what was given as a name is a pattern
     unmark,          ///< ask for the marks to be removed, too
     removeBelow,     ///< ask for what is below to be removed, too
+    nameUnit,        ///< say which .fmu is meant
+    replaceFile,     ///< ask for the file to be replaced
     removeDangling,  ///< remove the signals of the error's file whose source is gone
     settleNames,     ///< let the marks of the error's file follow their names, or confirm them
 };

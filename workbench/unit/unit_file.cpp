@@ -35,8 +35,8 @@ constexpr std::string_view kPlatform2 = "unknown";
 // With the bytes that mark UTF-8.
 constexpr const char* kBlanksAndMark = " \t\r\n\xEF\xBB\xBF";
 
-[[noreturn]] void refuse(const std::string& path, const std::string& text) {
-    throw Error({path}, text, ErrorCode::model);
+[[noreturn]] void refuse(const std::string& path, const std::string& text, Remedy remedy = Remedy::none) {
+    throw Error({path}, text, ErrorCode::model, remedy);
 }
 
 std::string platformOf(int major) { return major == 2 ? std::string(kPlatform2) : std::string(kMachine) + "-linux"; }
@@ -87,10 +87,10 @@ void requireBinary(const std::string& path, const FmiDescription& description, c
 
 FmiDescription readUnitFile(const std::string& path) {
     ForeignDocument document = readForeignFile(path);
-    if (!document.isPacked)
-        refuse(path, document.bytes.find_first_not_of(kBlanksAndMark) == document.bytes.find('<')
-                         ? "is a description only; name the .fmu that it is from with --fmu"
-                         : "is not a unit, which is a ZIP archive; name a .fmu");
+    const bool isDescription = document.bytes.find_first_not_of(kBlanksAndMark) == document.bytes.find('<');
+    if (!document.isPacked && isDescription)
+        refuse(path, "is a description only, without the unit itself", Remedy::nameUnit);
+    if (!document.isPacked) refuse(path, "is not a unit, which is a ZIP archive", Remedy::nameUnit);
     ImportNotes notes;
     const XmlFile xml(std::move(document.name), std::move(document.bytes), notes);
     if (localName(xml.root().name()) != "fmiModelDescription")

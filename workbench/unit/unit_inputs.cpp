@@ -88,9 +88,9 @@ private:
     void requireSettable(const FmiVariable& variable) {
         const bool isTunable = variable.causality == FmiCausality::parameter && variable.variability == "tunable";
         if (variable.causality != FmiCausality::input && !isTunable)
-            m_rows.fail(fmt::format("{} is neither an input nor a tunable parameter; leave its column out{}",
-                                    inQuotes(variable.name),
-                                    variable.causality == FmiCausality::parameter ? ", and use --set" : ""));
+            m_rows.fail(fmt::format(
+                "{} is neither an input nor a tunable parameter; leave its column out{}", inQuotes(variable.name),
+                variable.causality == FmiCausality::parameter ? ", and give it a start value" : ""));
         if (!variable.valueReference || !unitTypeOf(variable.type))
             m_rows.fail(inQuotes(variable.name) + " cannot be set; leave its column out");
     }
@@ -123,7 +123,7 @@ private:
         try {
             const auto time = std::bit_cast<double>(slotOfText(UnitType::float64, bare(row.front()), "time"));
             if (!std::isfinite(time) || (!m_inputs.m_times.empty() && time < m_inputs.m_times.back()))
-                m_rows.fail(inQuotes(row.front().text) + " is no time after the one above; sort the rows");
+                m_rows.fail(inQuotes(row.front().text) + " is not a time after the one above; sort the rows");
             for (std::size_t i = 0; i < m_columns.size(); ++i) addCell(row[i + 1], i);
             m_inputs.m_times.push_back(time);
         } catch (const Error& error) {

@@ -108,7 +108,7 @@ TEST(FmiImport, isNamedAsTheModelIs) {
     EXPECT_EQ(nameOf(R"(modelName="A")", {.name = "mine"}), "mine");
     EXPECT_EQ(
         refusalOf([&] { nameOf("", {.name = "a/b"}); }),
-        "some.xml: The model name \"a/b\" contains '/' or ':', which separate names; give another name with --name");
+        "some.xml: The model name \"a/b\" contains '/' or ':', which separate names; give the model another name");
     EXPECT_EQ(imported(fmi2("")).model.blocks().size(), 0U);
 }
 

@@ -144,7 +144,7 @@ TEST_F(ImportCommand, reportsAsJsonWithEveryName) {
               "kshmi: " + path("none.xml") +
                   ": cannot be opened: No such file or directory; check the path and its permissions\n");
     EXPECT_EQ(run({"import", path("."), "-o", path("new.json")}).err,
-              "kshmi: " + path(".") + ": is a directory; name a file to import\n");
+              "kshmi: " + path(".") + ": is a directory; name a file\n");
 }
 
 TEST_F(ImportCommand, readsArchivesAndFindsThemFromTheModel) {

@@ -136,16 +136,18 @@ TEST_F(Record, whatCannotRunIsRefusedWithTheReason) {
         expectSaid("record", kBadFile, one.said);
     }
     write("<fmi", "unit.fmu");
-    expectSaid("record", kBadFile, "unit.fmu: is a description only; name the .fmu that it is from");
+    expectSaid("record", kBadFile,
+               "unit.fmu: is a description only, without the unit itself; name the .fmu with --fmu");
     write("PK?", "unit.fmu");
-    expectSaid("record", kBadFile, "unit.fmu: is not a unit, which is a ZIP archive; name a .fmu");
+    expectSaid("record", kBadFile, "unit.fmu: is not a unit, which is a ZIP archive; name the .fmu with --fmu");
     pack(probe2());
     ::setenv("TMPDIR", path("none").c_str(), 1);
     expectSaid("record", kBadFile, "none: is not a folder, and the unit is to be unpacked there; set TMPDIR to one");
     std::filesystem::remove(path("unit.fmu"));
-    expectSaid("record", kBadFile, "unit.fmu: is not where the model was imported from; name its place with --fmu");
+    expectSaid("record", kBadFile,
+               "unit.fmu: is not there any more, and the model was imported from it; name the .fmu with --fmu");
     write(kModel);
-    expectSaid("record", kWrongUsage, "was not imported from a unit");
+    expectSaid("record", kWrongUsage, "was not imported from a unit; name the .fmu with --fmu");
 }
 
 TEST_F(Record, aUnitThatLiesIsFoundOut) {
@@ -176,13 +178,14 @@ TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
 <ScalarVariable name="label" valueReference="9" causality="parameter"><String start=""/></ScalarVariable>)";
     import(replaced(probe2("", more), "stopTime=\"2\"", ""));
     mark("state:count");
-    expectSaid("record", kWrongUsage, "--until: the unit does not say how long it is to run");
-    expectSaid("record --until -1", kWrongUsage, "--until: -1 is no time after the start, t = 0");
-    expectSaid("record --until 1 --step 0", kWrongUsage, "--step: 0 is no step to get to t = 1 with");
-    expectSaid("record --until 1 --set fixed=2", kWrongUsage, "--set: \"fixed\" cannot be set: it is a constant");
+    expectSaid("record", kWrongUsage, "the unit does not say how long it is to run; give the time");
+    expectSaid("record --until -1", kWrongUsage, "the run cannot end at t = -1: it starts at t = 0");
+    expectSaid("record --until 1 --step 0", kWrongUsage,
+               "steps of 0 s do not lead from t = 0 to t = 1; give a positive step");
+    expectSaid("record --until 1 --set fixed=2", kWrongUsage, "\"fixed\" cannot be set: it is a constant");
     expectSaid("record --until 1 --set label=x", kStoppedEarly, "lacks the function fmi2SetString");
     expectSaid("record --until 1 --set gian=2", kWrongUsage,
-               "--set: the unit has no variable \"gian\"; did you mean \"gain\"?");
+               "the unit has no variable \"gian\"; did you mean \"gain\"?");
     expectSaid(
         "record --until 1 --set x=2", kWrongUsage,
         "the unit has no variable \"x\"; it takes \"gain\", \"u\", \"held\", \"wish\", \"behaviour\", \"label\"");
@@ -190,17 +193,18 @@ TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
     expectSaid("record --until inf", kWrongUsage, "--until: \"inf\": give a number of seconds");
     expectSaid("record --timeout -1", kWrongUsage, "--timeout: \"-1\": give a number of seconds, 0 for no limit");
     expectSaid("record --until 1 -o " + path("none/run.csv"), kBadFile, "its folder is not there; make it first");
-    expectSaid("record --until 1 --set gain=two", kWrongUsage, "--set: \"gain\": \"two\" is not a number");
+    expectSaid("record --until 1 --set gain=two", kWrongUsage, "start value of \"gain\": \"two\" is not a number");
     expectSaid("record --until 1 --set behaviour=1.5", kWrongUsage,
                "\"1.5\" is not a whole number from -2147483648 to");
     for (const char* const wide : {"2147483648", "-2147483649", "18446744073709551616"})
         expectSaid(std::string("record --until 1 --set behaviour=") + wide, kWrongUsage,
                    "is not a whole number from -2147483648 to 2147483647");
     expectSaid("record --until 1 --set gain", kWrongUsage, "--set: \"gain\" is not NAME=VALUE");
-    expectSaid("record --until 1 --set gain=1 --set gain=2", kWrongUsage, "\"gain\" is given twice");
+    expectSaid("record --until 1 --set gain=1 --set gain=2", kWrongUsage, "the start value of \"gain\" is given twice");
     expectSaid("record --until 1 --json", kWrongUsage, "--json: the recording goes to standard output");
-    for (const char* const source : {"model.json", "unit.fmu"})
-        expectSaid("record --until 1 --replace -o " + path(source), kWrongUsage,
+    const std::string inputs = write("time,u\n0,1\n", "in.csv");
+    for (const std::string& source : {path(), path("unit.fmu"), inputs})
+        expectSaid("record --until 1 --replace --inputs " + inputs + " -o " + source, kWrongUsage,
                    "is what the run is made from; record to another file");
     EXPECT_EQ(runOn("record --until 1 --quiet -o " + path("run.csv")).code, 0);
     expectSaid("record --until 1 -o " + path("run.csv"), kBadFile, "exists already; give another name, or --replace");

@@ -226,7 +226,7 @@ TEST_F(RecordSettings, valuesOfEnumerationsHaveNames) {
     const std::string inputs = "--inputs " + write("time,wish\n0,off\n0.5,3\n1,\"eco, low\"\n", "in.csv");
     EXPECT_EQ(plain(recorded("--until 1.5 " + inputs)), "time mode wished\n0 1 1\n0.5 2 1\n1 3 3\n1.5 1 2\n");
     expectSaid("record --set wish=on", kWrongUsage,
-               "--set: \"wish\": \"on\" is not a number or one of \"off\", \"eco, low\"");
+               "start value of \"wish\": \"on\" is not a number or one of \"off\", \"eco, low\"");
     const Finished finished = runOn("record --json -o " + path("run.db"));
     expectParts(finished.out, {R"("items": [{"value": 1, "name": "off"}, {"value": 2, "name": "eco, low"}])"});
     const workbench::RecordedRun run = workbench::readRecordedRun(path("run.db"));
@@ -267,7 +267,7 @@ TEST_F(RecordSettings, inputsAreInterpolatedOrHeld) {
     refused("time,v\n0,1\n", "in.csv:1: the unit has no input \"v\"");
     refused("time,behaviour\n0,1\n", "in.csv:1: \"behaviour\" is neither an input nor a tunable parameter");
     refused("time,u\n0,1\n0.5,x\n", "in.csv:3: \"u\": \"x\" is not a number");
-    refused("time,u\n1,1\n0.5,2\n", "in.csv:3: \"0.5\" is no time after the one above; sort the rows");
+    refused("time,u\n1,1\n0.5,2\n", "in.csv:3: \"0.5\" is not a time after the one above; sort the rows");
     refused("time,u\n0,\n", "in.csv:2: \"u\" has no first value");
     refused("time,u\n", "holds no row of values");
     refused("time,u,u\n0,1,2\n", "the title \"u\" is there twice");
@@ -348,7 +348,8 @@ TEST_F(RecordFmi3, elementsCountTheLastDimensionFastest) {
     import3(R"(<Float32 name="f" valueReference="0" causality="output"/>
 <Float32 name="g" valueReference="60" causality="parameter"/><UInt8 name="b" valueReference="61" causality="parameter"/>)");
     mark("--all *:f");
-    expectSaid("record --set g=1e39", kWrongUsage, "--set: \"g\": \"1e39\" is not within the limits of a Float32");
+    expectSaid("record --set g=1e39", kWrongUsage,
+               "start value of \"g\": \"1e39\" is not within the limits of a Float32");
     expectSaid("record --set b=256", kWrongUsage, "\"256\" is not a whole number from 0 to 255");
     expectSaid("record --set b=-1", kWrongUsage, "\"-1\" is not a whole number from 0 to 255");
 }
