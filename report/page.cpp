@@ -3,7 +3,7 @@
 #include "report/assets.h"
 #include "report/html.h"
 #include "report/policy.h"
-#include "report/sections.h"
+#include "report/sections/sections.h"
 
 namespace report {
 

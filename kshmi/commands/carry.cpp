@@ -1,6 +1,6 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/carry_report.h"
+#include "kshmi/print/reports/carry_report.h"
 #include "workbench/compare/carry_files.h"
 
 namespace kshmi {

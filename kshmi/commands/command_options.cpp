@@ -8,7 +8,7 @@
 #include <limits>
 #include <system_error>
 
-#include "kshmi/print/findings.h"
+#include "kshmi/print/reports/findings.h"
 #include "workbench/files/standard_stream.h"
 #include "workbench/text/error.h"
 #include "workbench/text/nearest.h"

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/change_report.h"
 #include "kshmi/print/output.h"
+#include "kshmi/print/reports/change_report.h"
 #include "workbench/change/marking.h"
 #include "workbench/change/observing.h"
 #include "workbench/model_file/model_file.h"

@@ -2,7 +2,7 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/diff_report.h"
+#include "kshmi/print/reports/diff_report.h"
 #include "workbench/compare/compared_file.h"
 #include "workbench/compare/diff.h"
 #include "workbench/text/error.h"

@@ -7,7 +7,7 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/json_document.h"
+#include "kshmi/print/json/json_document.h"
 #include "workbench/import/import_model.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/error.h"

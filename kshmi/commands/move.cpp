@@ -2,8 +2,8 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/change_report.h"
-#include "kshmi/print/structure_records.h"
+#include "kshmi/print/json/structure_records.h"
+#include "kshmi/print/reports/change_report.h"
 #include "workbench/change/moving.h"
 #include "workbench/text/text.h"
 

@@ -5,7 +5,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/finding_kinds.h"
-#include "kshmi/print/findings.h"
+#include "kshmi/print/reports/findings.h"
 #include "workbench/check/settling.h"
 #include "workbench/text/text.h"
 

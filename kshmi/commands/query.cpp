@@ -6,8 +6,8 @@
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
 #include "kshmi/commands/several_files.h"
-#include "kshmi/print/json_records.h"
-#include "kshmi/print/name_notice.h"
+#include "kshmi/print/json/json_records.h"
+#include "kshmi/print/reports/name_notice.h"
 #include "workbench/find/asking.h"
 #include "workbench/text/text.h"
 

@@ -9,8 +9,8 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/stop_requests.h"
-#include "kshmi/print/name_notice.h"
-#include "kshmi/print/record_report.h"
+#include "kshmi/print/reports/name_notice.h"
+#include "kshmi/print/reports/record_report.h"
 
 namespace kshmi {
 

@@ -4,9 +4,9 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/change_report.h"
-#include "kshmi/print/lost_clients.h"
-#include "kshmi/print/structure_records.h"
+#include "kshmi/print/json/structure_records.h"
+#include "kshmi/print/reports/change_report.h"
+#include "kshmi/print/reports/lost_clients.h"
 #include "workbench/change/renumbering.h"
 #include "workbench/find/reference.h"
 #include "workbench/find/watching.h"

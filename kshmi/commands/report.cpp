@@ -5,8 +5,8 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/findings.h"
-#include "kshmi/print/page_report.h"
+#include "kshmi/print/reports/findings.h"
+#include "kshmi/print/reports/page_report.h"
 #include "report/page_file.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"

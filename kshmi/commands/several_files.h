@@ -10,7 +10,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
-#include "kshmi/print/json_document.h"
+#include "kshmi/print/json/json_document.h"
 #include "kshmi/print/output.h"
 
 /// Commands that look at one model file or at several.

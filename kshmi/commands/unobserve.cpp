@@ -3,7 +3,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/selecting.h"
-#include "kshmi/print/change_report.h"
+#include "kshmi/print/reports/change_report.h"
 #include "workbench/change/observing.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/selecting_clients.h"

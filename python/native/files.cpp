@@ -3,11 +3,11 @@
 #include <filesystem>
 #include <sstream>
 
-#include "kshmi/print/carry_report.h"
-#include "kshmi/print/diff_report.h"
-#include "kshmi/print/findings.h"
 #include "kshmi/print/output.h"
-#include "kshmi/print/page_report.h"
+#include "kshmi/print/reports/carry_report.h"
+#include "kshmi/print/reports/diff_report.h"
+#include "kshmi/print/reports/findings.h"
+#include "kshmi/print/reports/page_report.h"
 #include "python/native/define.h"
 #include "python/native/open_model.h"
 #include "report/page_file.h"

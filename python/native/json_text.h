@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "kshmi/print/json_records.h"
+#include "kshmi/print/json/json_records.h"
 #include "workbench/find/positions.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"

@@ -5,7 +5,7 @@
 #include <optional>
 #include <sstream>
 
-#include "kshmi/print/record_report.h"
+#include "kshmi/print/reports/record_report.h"
 #include "python/native/arguments.h"
 #include "python/native/open_model.h"
 #include "workbench/record/record_model.h"

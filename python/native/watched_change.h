@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "kshmi/print/record_watch.h"
-#include "kshmi/print/structure_records.h"
+#include "kshmi/print/json/record_watch.h"
+#include "kshmi/print/json/structure_records.h"
 #include "python/native/json_text.h"
 
 namespace ks_hmi_python {

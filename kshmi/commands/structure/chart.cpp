@@ -2,7 +2,7 @@
 
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/structure/structure_change.h"
-#include "kshmi/print/structure_records.h"
+#include "kshmi/print/json/structure_records.h"
 #include "workbench/find/reference.h"
 #include "workbench/structure/chart_items.h"
 #include "workbench/text/text.h"

@@ -4,7 +4,7 @@
 
 #include "kshmi/commands/commands.h"
 #include "kshmi/commands/structure/structure_change.h"
-#include "kshmi/print/structure_records.h"
+#include "kshmi/print/json/structure_records.h"
 #include "workbench/find/reference.h"
 #include "workbench/structure/ports.h"
 #include "workbench/text/text.h"

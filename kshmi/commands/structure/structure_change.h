@@ -6,8 +6,8 @@
 #include <string>
 
 #include "kshmi/commands/command_options.h"
-#include "kshmi/print/change_report.h"
-#include "kshmi/print/lost_clients.h"
+#include "kshmi/print/reports/change_report.h"
+#include "kshmi/print/reports/lost_clients.h"
 #include "workbench/find/watching.h"
 #include "workbench/text/text.h"
 

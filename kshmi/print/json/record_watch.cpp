@@ -1,10 +1,10 @@
-#include "kshmi/print/record_watch.h"
+#include "kshmi/print/json/record_watch.h"
 
 #include <cstddef>
 #include <string_view>
 #include <unordered_map>
 
-#include "kshmi/print/json_records.h"
+#include "kshmi/print/json/json_records.h"
 #include "workbench/find/watching.h"
 #include "workbench/json/json_object.h"
 #include "workbench/session/records.h"

@@ -1,7 +1,7 @@
 #include <fmt/format.h>
 
-#include "report/client_text.h"
-#include "report/sections.h"
+#include "report/sections/client_text.h"
+#include "report/sections/sections.h"
 #include "signals/signal_specification.h"
 #include "workbench/text/text.h"
 

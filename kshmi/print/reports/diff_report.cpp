@@ -1,4 +1,4 @@
-#include "kshmi/print/diff_report.h"
+#include "kshmi/print/reports/diff_report.h"
 
 #include <fmt/format.h>
 

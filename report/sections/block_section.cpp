@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <string>
 
-#include "report/sections.h"
+#include "report/sections/sections.h"
 #include "workbench/text/text.h"
 
 namespace report {

@@ -1,4 +1,4 @@
-#include "kshmi/print/structure_records.h"
+#include "kshmi/print/json/structure_records.h"
 
 #include <string_view>
 

@@ -1,11 +1,11 @@
-#include "kshmi/print/sarif.h"
+#include "kshmi/print/reports/sarif.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
 #include <string_view>
 
-#include "kshmi/print/findings.h"
+#include "kshmi/print/reports/findings.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
 

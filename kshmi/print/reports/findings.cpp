@@ -1,11 +1,11 @@
-#include "kshmi/print/findings.h"
+#include "kshmi/print/reports/findings.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <string_view>
 
-#include "kshmi/print/json_document.h"
+#include "kshmi/print/json/json_document.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
 

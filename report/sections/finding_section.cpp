@@ -3,7 +3,7 @@
 #include <optional>
 #include <utility>
 
-#include "report/sections.h"
+#include "report/sections/sections.h"
 #include "workbench/check/finding.h"
 
 namespace report {

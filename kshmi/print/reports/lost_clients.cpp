@@ -1,10 +1,10 @@
-#include "kshmi/print/lost_clients.h"
+#include "kshmi/print/reports/lost_clients.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 
-#include "kshmi/print/findings.h"
+#include "kshmi/print/reports/findings.h"
 #include "workbench/find/client_names.h"
 #include "workbench/text/text.h"
 

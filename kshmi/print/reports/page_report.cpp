@@ -1,9 +1,9 @@
-#include "kshmi/print/page_report.h"
+#include "kshmi/print/reports/page_report.h"
 
 #include <filesystem>
 
-#include "kshmi/print/findings.h"
-#include "kshmi/print/json_document.h"
+#include "kshmi/print/json/json_document.h"
+#include "kshmi/print/reports/findings.h"
 
 namespace kshmi {
 

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "report/sections.h"
+#include "report/sections/sections.h"
 #include "workbench/text/text.h"
 
 namespace report {

@@ -1,4 +1,4 @@
-#include "report/sections.h"
+#include "report/sections/sections.h"
 #include "workbench/compare/saved_records.h"
 #include "workbench/text/text.h"
 

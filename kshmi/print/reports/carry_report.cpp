@@ -1,4 +1,4 @@
-#include "kshmi/print/carry_report.h"
+#include "kshmi/print/reports/carry_report.h"
 
 #include <fmt/format.h>
 

@@ -1,12 +1,12 @@
-#include "kshmi/print/change_report.h"
+#include "kshmi/print/reports/change_report.h"
 
 #include <fmt/format.h>
 
 #include <iterator>
 #include <utility>
 
-#include "kshmi/print/json_document.h"
-#include "kshmi/print/name_notice.h"
+#include "kshmi/print/json/json_document.h"
+#include "kshmi/print/reports/name_notice.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 

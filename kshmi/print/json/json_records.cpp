@@ -1,4 +1,4 @@
-#include "kshmi/print/json_records.h"
+#include "kshmi/print/json/json_records.h"
 
 #include <optional>
 

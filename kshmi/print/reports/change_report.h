@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
+#include "kshmi/print/json/record_watch.h"
 #include "kshmi/print/output.h"
-#include "kshmi/print/record_watch.h"
 #include "workbench/json/json_object.h"
 #include "workbench/session/session.h"
 

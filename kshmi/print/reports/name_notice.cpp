@@ -1,9 +1,9 @@
-#include "kshmi/print/name_notice.h"
+#include "kshmi/print/reports/name_notice.h"
 
 #include <fmt/format.h>
 
-#include "kshmi/print/findings.h"
-#include "kshmi/print/json_records.h"
+#include "kshmi/print/json/json_records.h"
+#include "kshmi/print/reports/findings.h"
 #include "workbench/text/text.h"
 
 namespace kshmi {

@@ -1,11 +1,11 @@
-#include "kshmi/print/record_report.h"
+#include "kshmi/print/reports/record_report.h"
 
 #include <fmt/format.h>
 
 #include <set>
 
-#include "kshmi/print/json_document.h"
-#include "kshmi/print/json_records.h"
+#include "kshmi/print/json/json_document.h"
+#include "kshmi/print/json/json_records.h"
 #include "workbench/text/text.h"
 #include "workbench/values/number_text.h"
 

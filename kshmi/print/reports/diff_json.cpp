@@ -1,6 +1,6 @@
 #include <fmt/format.h>
 
-#include "kshmi/print/diff_report.h"
+#include "kshmi/print/reports/diff_report.h"
 #include "workbench/compare/saved_records.h"
 #include "workbench/json/json_object.h"
 #include "workbench/text/text.h"

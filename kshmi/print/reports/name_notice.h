@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "kshmi/print/json_document.h"
+#include "kshmi/print/json/json_document.h"
 #include "workbench/session/session.h"
 
 namespace kshmi {

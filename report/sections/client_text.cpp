@@ -1,4 +1,4 @@
-#include "report/client_text.h"
+#include "report/sections/client_text.h"
 
 #include "observers/signal_client.h"
 #include "workbench/find/client_names.h"
