@@ -75,7 +75,7 @@ int runMark(const MarkArguments& arguments, const Output& output) {
                       [&] { return fmt::format("{} as signal {}", describe(session.model(), one), position); });
     }
     if (arguments.settings.isExcludedFromSave.value_or(false))
-        output.err << "warning: the saved file does not have what is excluded from saving; without "
+        output.err << "kshmi: warning: the saved file does not have what is excluded from saving; without "
                       "--exclude-from-save it does\n";
     return report.finish();
 }

@@ -151,7 +151,7 @@ Selected select(const kestrel::Model& model, const SelectionArguments& arguments
     selection.kinds = kindsOf(arguments.kinds);
     Selected selected = workbench::select(model, selection);
     for (const std::string& pattern : selected.idle)
-        output.err << "warning: --except " << inQuotes(pattern) << " leaves nothing out\n";
+        output.err << "kshmi: warning: --except " << inQuotes(pattern) << " leaves nothing out\n";
     return selected;
 }
 

@@ -155,7 +155,8 @@ void warnOfExcluded(const Session& session, const Positions& signals, std::ostre
     for (const ks_hmi::SignalClient& client : recordsOf(session.clients()))
         clients += uuids.contains(client.m_signalUUID) ? 1U : 0U;
     err << fmt::format(
-        "warning: the saved file no longer has what is excluded from saving: {}{}\n", counted(signals.size(), "signal"),
+        "kshmi: warning: the saved file no longer has what is excluded from saving: {}{}\n",
+        counted(signals.size(), "signal"),
         clients > 0 ? fmt::format(", whose {} it leaves without a signal", counted(clients, "client")) : "");
 }
 

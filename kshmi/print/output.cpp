@@ -11,7 +11,7 @@
 namespace kshmi {
 
 void enterHost(std::ostream& err) {
-    workbench::enterHost([&err](const std::string& text) { err << "warning: " << text << '\n'; });
+    workbench::enterHost([&err](const std::string& text) { err << "kshmi: warning: " << text << '\n'; });
 }
 
 void tellProgress(const Output& output, std::string work) {

@@ -82,7 +82,7 @@ constexpr Row kSignalSpecification[] = {
     {"SignalName_", "Name of the signal, as shown."},
     {"SubSysPath_", "Path of the subsystem around the block."},
     {"Decimation_", "Every n-th sample is kept."},
-    {"MaxPoints_", "Most points to keep; 0 for any number."},
+    {"MaxPoints_", "Most points to keep; 0 for no limit."},
     {"TargetBufferedStreaming_", "Whether the target buffers the stream."},
     {"IsFrameBased_", "Whether the samples come in frames."},
     {"HideInPLV_", "Whether the signal viewer leaves the signal out."},

@@ -19,7 +19,7 @@ double nextHandle() {
 
 void refuseOpen(const std::u16string& name) {
     const std::string text = fl::i18n::to_string(name);
-    throw ModelError("A model named \"" + text + "\" is open already.", text);
+    throw ModelError("A model named \"" + text + "\" is open already. Close it first.", text);
 }
 
 }  // namespace

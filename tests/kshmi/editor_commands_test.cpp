@@ -184,7 +184,7 @@ TEST_F(EditorCommands, unmarkingAndDeletingPortsNamesTheClientsLeftWithoutASigna
     write(kModel);
     runOn("set --all * --confirm");
     EXPECT_EQ(runOn("unmark A --dry-run").err,
-              "warning: would be left without a signal: client 1 (ks_scope_observer)\n");
+              "kshmi: warning: would be left without a signal: client 1 (ks_scope_observer)\n");
     EXPECT_EQ(runOn("unmark Logic/On/Fast").err, "");
 }
 

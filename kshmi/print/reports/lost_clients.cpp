@@ -16,7 +16,7 @@ void warnOfLost(const Session& session, const DanglingWatch& watch, bool isDryRu
     const Positions lost = watch.lost();
     if (lost.empty()) return;
     constexpr std::size_t kMostNamed = 5;
-    err << fmt::format("warning: {}left without a signal: {}", isDryRun ? "would be " : "",
+    err << fmt::format("kshmi: warning: {}left without a signal: {}", isDryRun ? "would be " : "",
                        listed(lost, kMostNamed, [&](std::size_t position) { return nameOfClient(session, position); }));
     if (!isDryRun)
         err << fmt::format("; \"kshmi unobserve {} --dangling\" removes {}",
@@ -27,7 +27,8 @@ void warnOfLost(const Session& session, const DanglingWatch& watch, bool isDryRu
 void warnOfDeprecated(const ks_hmi::SignalClient& client, const std::string& file, std::ostream& err) {
     if (!client.isDeprecatedObserver()) return;
     err << fmt::format(
-        "warning: clients of the type {} are deprecated; validation drops them (\"kshmi unobserve {} --unused\")\n",
+        "kshmi: warning: clients of the type {} are deprecated; validation drops them (\"kshmi unobserve {} "
+        "--unused\")\n",
         inQuotes(std::string_view(client.m_observerType)), printableMessage(shellWord(file)));
 }
 
