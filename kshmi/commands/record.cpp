@@ -62,9 +62,9 @@ void listen(RecordOptions& options, const Output& output) {
         output.err << fmt::format("{} [{}] {}{}{}\n", timeText(time), levelText(level), printable(category),
                                   category.empty() ? "" : ": ", printable(text));
     };
-    options.progress = [&output](double time, double until, double seconds) {
-        tellProgress(output, fmt::format("{} of {:.10g} s, {:.3g} times real time", timeText(time), until,
-                                         seconds > 0 ? time / seconds : 0.0));
+    options.progress = [&output](const RunProgress& run) {
+        tellProgress(output, fmt::format("{} of {:.10g} s{}", timeText(run.time), run.until,
+                                         ratioText(run.time - run.start, run.seconds)));
     };
     options.control.stopRequests = StopRequests::count;
 }
@@ -114,7 +114,7 @@ void addRunOptions(CLI::App& command, RecordArguments& arguments) {
         ->type_name("FILE");
     command
         .add_option("--timeout", options.control.timeout,
-                    "stop a unit that takes longer than this for one step; 0, and nothing, for no limit")
+                    "stop a unit that takes longer than this for one step; no limit if 0 or left out")
         ->check(seconds("give a number of seconds, 0 for no limit", 0.0))
         ->type_name("SECONDS");
 }

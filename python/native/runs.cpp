@@ -1,12 +1,12 @@
 #include <pybind11/functional.h>
 #include <pybind11/numpy.h>
-#include <pybind11/stl.h>
 
 #include <optional>
 #include <sstream>
 
 #include "kshmi/print/reports/record_report.h"
 #include "python/native/arguments.h"
+#include "python/native/define.h"
 #include "python/native/open_model.h"
 #include "workbench/record/record_model.h"
 #include "workbench/record/recorded_run.h"
@@ -49,7 +49,10 @@ RecordOptions optionsOf(const py::dict& given) {
     take("output", options.target.path);
     take("replace", options.target.replaces);
     take("timeout", options.control.timeout);
-    take("progress", options.progress);
+    if (std::function<void(double, double, double)> told; given.contains("progress")) {
+        take("progress", told);
+        options.progress = [told](const RunProgress& run) { told(run.time, run.until, run.seconds); };
+    }
     options.warning = [](const std::string& text) { warn(text); };
     return options;
 }
@@ -120,13 +123,8 @@ py::dict readRun(const std::string& path, std::optional<int> number, const std::
 }  // namespace
 
 void bindRuns(py::module_& module) {
-    module.def("record", [](OpenModel& model, const py::dict& options) {
-        return inHost([&] { return record(model, options); });
-    });
-    module.def("readRun",
-               [](const std::string& path, std::optional<int> number, const std::shared_ptr<OpenModel>& model) {
-                   return inHost([&] { return readRun(path, number, model); });
-               });
+    define(module, "record", record);
+    define(module, "readRun", readRun);
 }
 
 }  // namespace ks_hmi_python

@@ -31,7 +31,7 @@ class Recorder final : public UnitListener {
 public:
     Recorder(const RecordOptions& options, const UnitTask& task, const std::vector<RunColumn>& columns,
              std::unique_ptr<RunWriter> writer)
-        : m_options(options), m_until(task.until), m_columns(columns), m_writer(std::move(writer)) {
+        : m_options(options), m_task(task), m_columns(columns), m_writer(std::move(writer)) {
         for (const RunColumn& column : columns) m_isThinned = m_isThinned || column.decimation > 1;
         m_isPresent.resize(m_isThinned ? columns.size() : 0);
     }
@@ -53,7 +53,7 @@ public:
             m_writer->flush();
             m_flushedAt = Clock::now();
         }
-        if (m_options.progress) m_options.progress(time, m_until, seconds());
+        if (m_options.progress) m_options.progress({m_task.experiment.start, time, m_task.until, seconds()});
     }
 
     void finish(const UnitEnd& end) { m_writer->finish(end); }
@@ -73,7 +73,7 @@ private:
     }
 
     const RecordOptions& m_options;
-    double m_until;
+    const UnitTask& m_task;
     const std::vector<RunColumn>& m_columns;
     std::unique_ptr<RunWriter> m_writer;
     bool m_isThinned = false;

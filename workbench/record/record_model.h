@@ -14,6 +14,14 @@
 
 namespace workbench {
 
+/// How far a run is: simulated times, and the seconds that it has taken.
+struct RunProgress {
+    double start;
+    double time;
+    double until;
+    double seconds;
+};
+
 struct RecordOptions {
     std::string unit = {};                       ///< path of the .fmu; empty: where the model was imported from
     std::optional<double> until = std::nullopt;  ///< nothing: where the unit's default experiment ends
@@ -22,8 +30,8 @@ struct RecordOptions {
     std::string inputs = {};                                       ///< path of a CSV file; empty for none
     RunTarget target = {};
     UnitControl control = {};
-    /// Told several times a second, with the seconds since the start.
-    std::function<void(double time, double until, double seconds)> progress = {};
+    /// Told several times a second.
+    std::function<void(const RunProgress& progress)> progress = {};
     /// A message of the unit.
     std::function<void(double time, UnitLogLevel level, std::string_view category, std::string_view text)> log = {};
     /// What is not as it was asked for, before the unit runs.

@@ -21,13 +21,6 @@ std::size_t signalCount(const RecordResult& result) {
     return positions.size();
 }
 
-// How many simulated seconds passed in one; empty when that says nothing.
-std::string ratioText(const RecordResult& result) {
-    const double simulated = result.end.time - result.start;
-    if (simulated <= 0 || result.seconds <= 0) return {};
-    return fmt::format(", {:.3g} times real time", simulated / result.seconds);
-}
-
 void appendItems(std::string& out, const ValueNames& items) {
     appendJsonArray(out, items, [&](const ValueName& item) {
         JsonObject(out).number("value", item.value).text("name", std::string_view(item.name)).close();
@@ -49,12 +42,16 @@ void appendColumn(std::string& out, const RunColumn& column, const Session& sess
 
 std::string timeText(double time) { return fmt::format("t = {:.10g}", time); }
 
+std::string ratioText(double simulated, double seconds) {
+    return simulated > 0 && seconds > 0 ? fmt::format(", {:.3g} times real time", simulated / seconds) : "";
+}
+
 void printRecord(const RecordResult& result, const std::string& file, std::ostream& out) {
     out << fmt::format("{}: {} in {}, {} from {} to {}\n", printable(std::string_view(file)),
                        counted(signalCount(result), "signal"), counted(result.columns.size(), "column"),
                        counted(result.samples, "sample"), timeText(result.start), timeText(result.end.time));
     out << fmt::format("{} ran for {:.3g} s{}\n", printable(std::string_view(result.unit)), result.seconds,
-                       ratioText(result));
+                       ratioText(result.end.time - result.start, result.seconds));
 }
 
 void printRecordJson(const RecordResult& result, const std::string& file, const Session& session, std::ostream& out) {

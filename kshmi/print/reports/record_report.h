@@ -16,5 +16,7 @@ void printRecordJson(const workbench::RecordResult& result, const std::string& f
 std::string earlyEndOf(const workbench::RecordResult& result, const std::string& file);
 /// "t = 1.5", as short as it can be told apart.
 std::string timeText(double time);
+/// ", 12.5 times real time": of so many simulated seconds in so many that passed; empty when that says nothing.
+std::string ratioText(double simulated, double seconds);
 
 }  // namespace kshmi
