@@ -70,7 +70,7 @@ std::string rename(OpenModel& model, const std::string& given) {
 std::string renumber(OpenModel& model, const std::string& path, const std::vector<int>& numbers) {
     Session& session = model.session();
     const kestrel::Block& block = resolveBlock(session.model(), path);
-    WatchedChange change(session);
+    WatchedChange change(session, block);
     change.ports(block, renumberPorts(session, block, numbers));
     return change.take("renumber");
 }
@@ -78,7 +78,7 @@ std::string renumber(OpenModel& model, const std::string& path, const std::vecto
 std::string addPort(OpenModel& model, const std::string& path, const std::string& name, std::optional<int> at) {
     Session& session = model.session();
     const kestrel::Block& block = resolveBlock(session.model(), path);
-    WatchedChange change(session);
+    WatchedChange change(session, block);
     const Renumbering moved = workbench::addPort(session, block, toUtf16(name), at);
     change.port(&Lists::added, block, {0, at.value_or(static_cast<int>(block.outputs.size())), toUtf16(name)});
     change.ports(block, moved);
@@ -89,7 +89,7 @@ std::string removePort(OpenModel& model, const std::string& path, const std::str
     Session& session = model.session();
     const kestrel::Block& block = resolveBlock(session.model(), path);
     const int port = portCalled(session.model(), block, call);
-    WatchedChange change(session);
+    WatchedChange change(session, block);
     change.ports(block, workbench::removePort(session, block, port, marksOf(isUnmarked)));
     return change.take("port remove");
 }
@@ -99,7 +99,7 @@ std::string renamePort(OpenModel& model, const std::string& path, const std::str
     const kestrel::Block& block = resolveBlock(session.model(), path);
     const int port = portCalled(session.model(), block, call);
     const bool isSame = block.outputs[static_cast<std::size_t>(port) - 1] == toUtf16(name);
-    WatchedChange change(session);
+    WatchedChange change(session, block);
     if (!isSame) workbench::renamePort(session, block, port, toUtf16(name));
     change.port(isSame ? &Lists::unchanged : &Lists::changed, block, {port, 0, toUtf16(name)});
     return change.take("port rename");
@@ -109,7 +109,7 @@ std::string addItem(OpenModel& model, ItemKind kind, const std::string& chart, c
                     std::optional<std::uint32_t> ssid) {
     Session& session = model.session();
     const kestrel::Block& block = resolveBlock(session.model(), chart);
-    WatchedChange change(session);
+    WatchedChange change(session, block);
     workbench::addItem(session, block, kind, toUtf16(name), ssid);
     change.item(&Lists::added, block, toUtf16(name));
     return change.take(kind == ItemKind::state ? "chart add-state" : "chart add-datum");
@@ -129,7 +129,7 @@ std::string removeItem(OpenModel& model, const std::string& call, std::optional<
                        bool isUnmarked) {
     Session& session = model.session();
     const SignalSource source = itemCalled(session.model(), call, {{}, ssid});
-    WatchedChange change(session);
+    WatchedChange change(session, *source.block);
     const RemovedItems removed =
         workbench::removeItem(session, *source.block, *source.item, belowOf(isBelow), marksOf(isUnmarked));
     for (const std::u16string& item : removed.items) change.item(&Lists::removed, *source.block, item);
@@ -140,7 +140,7 @@ std::string renameItem(OpenModel& model, const std::string& call, const std::str
                        std::optional<std::uint32_t> ssid) {
     Session& session = model.session();
     const SignalSource source = itemCalled(session.model(), call, {{}, ssid});
-    WatchedChange change(session);
+    WatchedChange change(session, *source.block);
     for (const auto& [before, after] : workbench::renameItem(session, *source.block, *source.item, toUtf16(name)).items)
         change.item(&Lists::changed, *source.block, after, before);
     return change.take("chart rename");

@@ -15,6 +15,9 @@ namespace ks_hmi_python {
 class WatchedChange {
 public:
     explicit WatchedChange(workbench::Session& session) : m_session(session), m_watch(session) {}
+    /// Of one block's ports or chart items, which is nothing to the signals on others.
+    WatchedChange(workbench::Session& session, const kestrel::Block& block)
+        : m_session(session), m_watch(session, &block) {}
 
     using Lists = ChangeText;
     using List = std::string& (Lists::*)();

@@ -64,6 +64,11 @@ Renumbering addPort(Session& session, const Block& block, const std::u16string& 
             fmt::format("{}: a new port can have a number from 1 to {}, not {}", inQuotes(block.path), last, port));
     std::vector<std::u16string> outputs = block.outputs;
     outputs.insert(outputs.begin() + offsetOf(port), name);
+    if (port == last) {
+        // No other port moves on, so there is nothing to follow.
+        session.model().setOutputs(std::u16string(block.path), std::move(outputs));
+        return {};
+    }
     return replacePorts(session, block, shiftedFrom(static_cast<std::size_t>(offsetOf(port)), 1, block),
                         std::move(outputs));
 }

@@ -1,6 +1,7 @@
 #include "kshmi/print/json/record_watch.h"
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 
@@ -66,33 +67,45 @@ void compare(const List& before, const List& after, const std::u16string& model,
 
 }  // namespace
 
-RecordWatch::RecordWatch(const Session& session) : m_session(session), m_signals(signals()), m_clients(clients()) {}
+RecordWatch::RecordWatch(const Session& session, const kestrel::Block* block)
+    : m_session(session), m_block(block), m_signals(signals()) {
+    if (block != nullptr)
+        for (const auto& seen : m_signals) m_uuids.insert(seen.record->m_uuid);
+    m_clients = clients();
+}
+
+bool RecordWatch::isWatched(const SignalClient& client) const {
+    return m_block == nullptr || m_uuids.contains(client.m_signalUUID);
+}
 
 RecordWatch::Signals RecordWatch::signals() const {
     const std::vector<std::string> states = nameStates(m_session);
     Signals seen;
-    for (const SignalSpecification& signal : recordsOf(m_session.signals())) {
+    for (const auto& [position, signal] : numbered(m_session.signals())) {
+        if (m_block != nullptr && blockOf(m_session.model(), signal) != m_block) continue;
         std::string text;
         JsonObject object(text);
         object.text("kind", std::string_view("signal"));
-        appendSignal(object, m_session, seen.size());
+        appendSignal(object, m_session, position);
         object.close();
-        seen.push_back({signal.clone(), placeOf(m_session.model(), signal), states[seen.size()], std::move(text)});
+        seen.push_back({signal.clone(), placeOf(m_session.model(), signal), states[position], std::move(text)});
     }
     return seen;
 }
 
 RecordWatch::Clients RecordWatch::clients() const {
-    const SignalUuids uuids(m_session);
+    std::optional<SignalUuids> uuids;
     const std::u16string& model = m_session.model().name();
     Clients seen;
-    for (const SignalClient& client : recordsOf(m_session.clients())) {
+    for (const auto& [position, client] : numbered(m_session.clients())) {
+        if (!isWatched(client)) continue;
+        if (!uuids) uuids.emplace(m_session);
         std::string text;
         JsonObject object(text);
         object.text("kind", std::string_view("client"));
-        appendClient(object, client, seen.size(), m_session, uuids);
+        appendClient(object, client, position, m_session, *uuids);
         object.close();
-        seen.push_back({client.clone(), placeOf(client), nameOf(stateOf(client, uuids, model)), std::move(text)});
+        seen.push_back({client.clone(), placeOf(client), nameOf(stateOf(client, *uuids, model)), std::move(text)});
     }
     return seen;
 }

@@ -2,6 +2,8 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "observers/streaming_clients.h"
@@ -14,8 +16,9 @@ namespace kshmi {
 /// Tells in JSON what becomes of a model's signals and clients while this lives, for whatever reason.
 class RecordWatch {
 public:
-    /// The session must outlive it.
-    explicit RecordWatch(const workbench::Session& session);
+    /// The session must outlive it. With a block, which must outlive it, too, only of the signals on that and their
+    /// clients: for changes that are nothing to others.
+    explicit RecordWatch(const workbench::Session& session, const kestrel::Block* block = nullptr);
 
     /// JSON objects, signals first, in the order of the sets. What was removed is told as it was.
     struct Changes {
@@ -38,9 +41,13 @@ private:
 
     Signals signals() const;
     Clients clients() const;
+    /// Whether it is the client of a signal that is watched.
+    bool isWatched(const ks_hmi::SignalClient& client) const;
 
     const workbench::Session& m_session;
+    const kestrel::Block* m_block;
     Signals m_signals;
+    std::unordered_set<std::string_view> m_uuids;  ///< of these; of a block only
     Clients m_clients;
 };
 
