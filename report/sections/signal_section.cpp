@@ -110,14 +110,6 @@ void writeSignal(Html& html, const Contents& contents, const PageIndex& index, s
 
 }  // namespace
 
-void openSection(Html& html, std::string_view id, std::string_view title, std::size_t count) {
-    html.add("<section id=\"{}\"><h2>{}", id, title);
-    if (count > 0) html.add(" <span data-of=\"{}\">{}</span>", grouped(count), grouped(count));
-    html.add("</h2>\n");
-}
-
-void closeSection(Html& html) { html.add("</section>\n"); }
-
 void writeSignals(Html& html, const Contents& contents, const PageIndex& index) {
     const std::size_t count = contents.session.signals().getCount();
     openSection(html, "signals", "Signals", count);

@@ -31,7 +31,6 @@ std::string blockNote(const Session& session) {
     return charts == 0 ? note : fmt::format("{}, {}", note, countedText(charts, "chart"));
 }
 
-// "1 dangling, 2 foreign": how it stands with those that do not simply watch.
 std::string clientNote(const Session& session, const PageIndex& index) {
     std::size_t watching = 0;
     for (const ks_hmi::SignalClient& client : recordsOf(session.clients()))
