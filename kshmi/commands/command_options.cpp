@@ -86,7 +86,7 @@ void addSettings(CLI::App& command, SignalSettings& settings) {
                        "signal name; of a new one the port's or chart item's name if left out");
     command.add_option("--decimation", settings.decimation, "keep every n-th sample")
         ->transform(wholeNumber(1, kLargest));
-    command.add_option("--max-points", settings.maxPoints, "most points to keep, 0 for any number")
+    command.add_option("--max-points", settings.maxPoints, "most points to keep; 0 for no limit")
         ->transform(wholeNumber(0, kLargest));
     addSwitch(command, "--frame-based", "--no-frame-based", settings.isFrameBased, "the signal is frame based",
               "it is not");
@@ -168,6 +168,11 @@ std::string messageOf(const Error& error) {
             return fmt::format("{}; name the .fmu with --fmu", error.what());
         case Remedy::replaceFile:
             return fmt::format("{}, or --replace to have it replaced", error.what());
+        case Remedy::updateFile:
+            return fmt::format("{}, or --update to import the next version onto it", error.what());
+        case Remedy::carryMarks:
+            return fmt::format("{}; import to a new file with --previous {} and carry them over with \"kshmi carry\"",
+                               error.what(), file);
         case Remedy::removeDangling:
             return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(), file);
         case Remedy::settleNames:

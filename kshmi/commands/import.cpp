@@ -2,9 +2,6 @@
 
 #include <utility>
 
-#include <algorithm>
-#include <filesystem>
-
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/json/json_document.h"
@@ -93,27 +90,6 @@ void tellJson(const ImportedModel& model, const ImportArguments& arguments, cons
     document.print(output.out);
 }
 
-// The version before: the model file to update, or the one named. Marks are not put on blocks unseen.
-std::optional<ModelFile> previousOf(const ImportArguments& arguments) {
-    const bool isThere = std::filesystem::exists(std::filesystem::symlink_status(arguments.target));
-    if (isThere && !arguments.isUpdate)
-        throw Error({arguments.target},
-                    "exists already; give another name, or --update to import the next version onto it",
-                    ErrorCode::file);
-    if (!arguments.isUpdate && arguments.previous.empty()) return std::nullopt;
-    ModelFile file = readModelFile(arguments.isUpdate ? arguments.target : arguments.previous);
-    const std::size_t signals = hvGetNumberOfElements(file.signals.get()) + file.extras.parked.size();
-    const std::size_t clients = hvGetNumberOfElements(file.clients.get());
-    if (arguments.isUpdate && signals + clients > 0)
-        throw Error(
-            {arguments.target},
-            fmt::format("holds {} and {}, which could end up on other ports; import to a new file with --previous {} "
-                        "and carry them over with \"kshmi carry\"",
-                        counted(signals, "signal"), counted(clients, "client"), arguments.target),
-            ErrorCode::request);
-    return file;
-}
-
 ImportOptions optionsOf(const ImportArguments& arguments, const ModelFile* previous, const Output& output) {
     ImportOptions options;
     options.name = arguments.name.empty() && arguments.isUpdate ? toUtf8(previous->model.name()) : arguments.name;
@@ -124,7 +100,7 @@ ImportOptions optionsOf(const ImportArguments& arguments, const ModelFile* previ
 }
 
 int runImport(const ImportArguments& arguments, const Output& output) {
-    const std::optional<ModelFile> previous = previousOf(arguments);
+    const std::optional<ModelFile> previous = versionBefore(arguments.target, arguments.previous, arguments.isUpdate);
     const ModelFile* const before = previous ? &*previous : nullptr;
     const ImportOptions options = optionsOf(arguments, before, output);
     ImportedModel model = importFile(arguments.source, arguments.target, options);

@@ -15,7 +15,7 @@ import sys as _sys
 from . import _native, host
 from ._data import Block, Client, Entry, Listing, Place, Signal
 from ._errors import Error, HostError, HostWarning, ModelWarning
-from ._files import carry, check, comparable, diff, import_model, merge, new, open, prune, read_run, report
+from ._files import carry, check, comparable, diff, import_model, merge, new, open, prune, read_run, report, sarif
 from ._model import Model
 from ._reports import (CarryReport, ChangeReport, CheckReport, DiffReport, MergeReport, PageReport, PruneReport,
                        QueryReport, RecordReport, Report)
@@ -27,6 +27,7 @@ __all__ = [
     "HostError", "HostWarning", "Listing", "MergeReport", "Model", "ModelWarning", "Object", "PageReport", "Place",
     "PruneReport", "QueryReport", "RecordReport", "Report", "Run", "Signal", "StructArray", "carry", "check",
     "comparable", "diff", "host", "import_model", "merge", "new", "open", "prune", "read_run", "report",
+    "sarif",
 ]
 
 

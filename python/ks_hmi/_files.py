@@ -6,6 +6,7 @@ import os
 from typing import Optional
 
 from . import _native
+from ._errors import Error
 from ._model import Model
 from ._reports import CarryReport, CheckReport, DiffReport, MergeReport, PageReport, PruneReport
 from ._runs import Run
@@ -24,16 +25,24 @@ def new(path: Path, name: Optional[str] = None) -> Model:
 
 
 def import_model(source: Path, path: Path, name: Optional[str] = None, local_variables: Optional[bool] = None,
-                 previous: Optional[Path] = None) -> Model:
+                 previous: Optional[Path] = None, update: bool = False) -> Model:
     """Makes a model of a system structure (.ssd, .ssp) or a unit (.fmu, modelDescription.xml), to be saved at `path`.
-    Blocks keep the identifiers that they have in the `previous` version's file."""
+    Blocks keep the identifiers that they have in the `previous` version's file. With `update` that is the file at
+    `path`, which `save` replaces; it must have no signals and clients."""
+    if update and previous is not None:
+        raise Error("update= takes the file at the path as the version before; give it without previous=")
     return Model(_native.importModel(os.fspath(source), os.fspath(path), name or "", local_variables,
-                                     "" if previous is None else os.fspath(previous)))
+                                     "" if previous is None else os.fspath(previous), update))
 
 
 def check(path: Path, mend: Texts = (), dry_run: bool = False) -> CheckReport:
     """Looks for what is wrong with a model file, or may go wrong; `mend` names kinds of findings to mend, or "all"."""
     return CheckReport(_native.check(os.fspath(path), texts(mend), dry_run))
+
+
+def sarif(*paths: Path) -> str:
+    """What is wrong with model files as a log in SARIF 2.1.0, as code hosts read it."""
+    return _native.sarif([os.fspath(path) for path in paths])
 
 
 def prune(path: Path, kinds: Texts = (), dry_run: bool = False) -> PruneReport:

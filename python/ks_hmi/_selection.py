@@ -18,7 +18,7 @@ def texts(given: Texts) -> List[str]:
     if isinstance(given, str):
         return [given]
     if not isinstance(given, Iterable):
-        raise TypeError(f"{given!r} is no text, and no list of texts")
+        raise TypeError(f"{given!r} is neither a text nor a list of texts")
     return [str(one) for one in given]
 
 
@@ -32,7 +32,7 @@ def references_of(given: Iterable[Union[Referable, Iterable[Referable]]]) -> Lis
         elif isinstance(one, Iterable) and not isinstance(one, Entry):
             references += references_of(one)
         else:
-            raise TypeError(f"{one!r} is no text, block, port, chart item or signal, and no list of these")
+            raise TypeError(f"{one!r} is not a text, block, port, chart item or signal, nor a list of these")
     return references
 
 
@@ -47,9 +47,9 @@ def calls_of(given: Calls) -> List[str]:
     if isinstance(given, (Signal, Client)):
         return [given.uuid]
     if isinstance(given, Entry):
-        raise TypeError(f"{given!r} is no signal or client")
+        raise TypeError(f"{given!r} is not a signal or client")
     if not isinstance(given, Iterable):
-        raise TypeError(f"{given!r} is no UUID, position, signal or client, and no list of these")
+        raise TypeError(f"{given!r} is not a UUID, position, signal or client, nor a list of these")
     return [call for one in given for call in calls_of(one)]
 
 

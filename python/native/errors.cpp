@@ -57,6 +57,10 @@ const char* wordOf(Remedy remedy) {
             return "unit= names the .fmu";
         case Remedy::replaceFile:
             return "replace=True replaces it";
+        case Remedy::updateFile:
+            return "update=True imports the next version onto it";
+        case Remedy::carryMarks:
+            return "import to a new file with this one as previous=, then carry() them over";
         case Remedy::removeDangling:
             return "open(file, dangling=True), then unmark(dangling=True), removes such signals";
         case Remedy::settleNames:

@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include <filesystem>
 #include <sstream>
 
 #include "kshmi/print/output.h"
@@ -8,6 +7,7 @@
 #include "kshmi/print/reports/diff_report.h"
 #include "kshmi/print/reports/findings.h"
 #include "kshmi/print/reports/page_report.h"
+#include "kshmi/print/reports/sarif.h"
 #include "python/native/define.h"
 #include "python/native/open_model.h"
 #include "report/page_file.h"
@@ -52,6 +52,14 @@ std::string check(const std::string& path, const Words& mended, bool isDryRun) {
     if (kinds.any()) file = settleFile(std::move(file.now), Settling::mend, kinds, isDryRun);
     warnOf(path, file.warnings);
     return checkReport(file, isDryRun);
+}
+
+std::string sarif(const Words& paths) {
+    std::ostringstream out;
+    kshmi::SarifLog log(out);
+    for (const std::string& path : paths) log.add(checkFile(path));
+    log.close();
+    return out.str();
 }
 
 std::string checkModel(OpenModel& model) {
@@ -99,8 +107,11 @@ CarryOptions optionsOf(const std::string& match, bool acceptsGuesses) {
     return options;
 }
 
-std::string carry(const CarryFiles& files, const CarryOptions& options, bool isDryRun) {
-    const CarriedFiles done = carryFiles(files, options);
+std::string carry(const std::string& before, const std::string& after, const std::string& output,
+                  const std::string& map, const std::string& proposal, const std::string& match, bool acceptsGuesses,
+                  bool isDryRun) {
+    const CarryFiles files{before, after, output, map, proposal};
+    const CarriedFiles done = carryFiles(files, optionsOf(match, acceptsGuesses));
     const CarryReport& report = done.carried.report;
     saveWithProposal(files, report, [&] {
         if (!isDryRun)
@@ -133,18 +144,17 @@ void warnOf(const ImportedModel& imported) {
 }
 
 std::shared_ptr<OpenModel> import(const std::string& source, const std::string& path, const std::string& name,
-                                  std::optional<bool> locals, const std::string& previous) {
-    if (std::filesystem::exists(std::filesystem::symlink_status(path)))
-        throw Error({path}, "exists already; give another name", ErrorCode::file);
-    std::optional<ModelFile> before;
-    if (!previous.empty()) before = readModelFile(previous);
+                                  std::optional<bool> locals, const std::string& previous, bool isUpdate) {
+    const std::optional<ModelFile> before = versionBefore(path, previous, isUpdate);
     ImportOptions options;
-    options.name = name;
+    options.name = name.empty() && isUpdate ? toUtf8(before->model.name()) : name;
     options.locals = locals;
     options.previous = before ? &*before : nullptr;
     ImportedModel imported = importFile(source, path, options);
     warnOf(imported);
-    return makeHeld<OpenModel>(path, modelFileOf(std::move(imported)));
+    ModelFile file = modelFileOf(std::move(imported));
+    if (isUpdate) file.version = before->version;
+    return makeHeld<OpenModel>(path, std::move(file));
 }
 
 }  // namespace
@@ -152,17 +162,14 @@ std::shared_ptr<OpenModel> import(const std::string& source, const std::string& 
 void bindFiles(py::module_& module) {
     define(module, "check", check);
     define(module, "checkModel", checkModel);
+    define(module, "sarif", sarif);
     define(module, "prune", prune);
     define(module, "diff", diff);
     define(module, "comparable", comparable);
     define(module, "merge", merge);
     define(module, "importModel", import);
     define(module, "report", writeReport);
-    module.def("carry", [](const std::string& before, const std::string& after, const std::string& output,
-                           const std::string& map, const std::string& proposal, const std::string& match, bool accept,
-                           bool dryRun) {
-        return inHost([&] { return carry({before, after, output, map, proposal}, optionsOf(match, accept), dryRun); });
-    });
+    define(module, "carry", carry);
 }
 
 }  // namespace ks_hmi_python

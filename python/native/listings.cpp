@@ -1,8 +1,7 @@
-#include <pybind11/stl.h>
-
 #include <string_view>
 
 #include "memory_host/orvex/objects/listing.h"
+#include "python/native/define.h"
 #include "python/native/values.h"
 #include "workbench/json/json_object.h"
 
@@ -66,12 +65,11 @@ std::string describeFunction(const std::string& name) {
 }  // namespace
 
 void bindListings(py::module_& module) {
-    module.def("namespaceNames", [] { return inHost(orvex::namespaceNames); });
-    module.def("classNames", [] { return inHost(orvex::classNames); });
-    module.def("functionNames", [] { return inHost(orvex::functionNames); });
-    module.def("describeClass", [](const std::string& name) { return inHost([&] { return describeClass(name); }); });
-    module.def("describeFunction",
-               [](const std::string& name) { return inHost([&] { return describeFunction(name); }); });
+    define(module, "namespaceNames", orvex::namespaceNames);
+    define(module, "classNames", orvex::classNames);
+    define(module, "functionNames", orvex::functionNames);
+    define(module, "describeClass", describeClass);
+    define(module, "describeFunction", describeFunction);
 }
 
 }  // namespace ks_hmi_python

@@ -1,10 +1,9 @@
-#include <pybind11/stl.h>
-
 #include <fmt/format.h>
 
 #include <algorithm>
 
 #include "python/native/arguments.h"
+#include "python/native/define.h"
 #include "python/native/json_text.h"
 #include "python/native/open_model.h"
 #include "workbench/change/mark_target.h"
@@ -131,19 +130,10 @@ std::string query(OpenModel& model, const py::dict& selection) {
 }  // namespace
 
 void bindMarking(py::module_& module) {
-    module.def("mark", [](OpenModel& model, const py::dict& selection, const py::dict& settings, bool again,
-                          bool skip) { return inHost([&] { return mark(model, selection, settings, again, skip); }); });
-    module.def("unmark",
-               [](OpenModel& model, const py::dict& selection, const std::vector<std::string>& calls, bool dangling) {
-                   return inHost([&] { return unmark(model, selection, calls, dangling); });
-               });
-    module.def("set", [](OpenModel& model, const py::dict& selection, const std::vector<std::string>& calls,
-                         const py::dict& settings, bool confirm) {
-        return inHost([&] { return set(model, selection, calls, settings, confirm); });
-    });
-    module.def("query", [](OpenModel& model, const py::dict& selection) {
-        return inHost([&] { return query(model, selection); });
-    });
+    define(module, "mark", mark);
+    define(module, "unmark", unmark);
+    define(module, "set", set);
+    define(module, "query", query);
 }
 
 }  // namespace ks_hmi_python

@@ -1,10 +1,9 @@
-#include <pybind11/stl.h>
-
 #include <fmt/format.h>
 
 #include <algorithm>
 
 #include "python/native/arguments.h"
+#include "python/native/define.h"
 #include "python/native/json_text.h"
 #include "python/native/open_model.h"
 #include "python/native/watched_change.h"
@@ -60,7 +59,7 @@ ClientSelection clientSelectionOf(const py::dict& given) {
     selection.types = given["types"].cast<std::vector<std::string>>();
     for (const auto& word : given["states"].cast<std::vector<std::string>>())
         if (!selection.addState(word))
-            throw Error(inQuotes(word) + " is no state; there are: " + listedWords(kClientStates));
+            throw Error(inQuotes(word) + " is not a state; there are: " + listedWords(kClientStates));
     return selection;
 }
 
@@ -104,18 +103,10 @@ std::string setClients(OpenModel& model, const py::dict& selection, const py::di
 }  // namespace
 
 void bindObserving(py::module_& module) {
-    module.def("observe", [](OpenModel& model, const py::dict& selection, const std::vector<std::string>& calls,
-                             const py::dict& settings) {
-        return inHost([&] { return observe(model, selection, calls, settings); });
-    });
-    module.def("unobserve", [](OpenModel& model, const py::dict& selection, const py::dict& clients) {
-        return inHost([&] { return unobserve(model, selection, clients); });
-    });
-    module.def("dropUnused", [](OpenModel& model) { return inHost([&] { return dropUnused(model); }); });
-    module.def("setClients",
-               [](OpenModel& model, const py::dict& selection, const py::dict& clients, const py::dict& settings) {
-                   return inHost([&] { return setClients(model, selection, clients, settings); });
-               });
+    define(module, "observe", observe);
+    define(module, "unobserve", unobserve);
+    define(module, "dropUnused", dropUnused);
+    define(module, "setClients", setClients);
 }
 
 }  // namespace ks_hmi_python

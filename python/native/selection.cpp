@@ -22,7 +22,7 @@ Texts textsIn(const py::dict& selection, const char* name) {
 
 SourceKind kindCalled(const std::string& word) {
     const std::optional<SourceKind> kind = sourceKindOf(word);
-    if (!kind) throw Error(inQuotes(word) + " is no kind; there are: " + listedWords(kSourceKinds));
+    if (!kind) throw Error(inQuotes(word) + " is not a kind; there are: " + listedWords(kSourceKinds));
     return *kind;
 }
 

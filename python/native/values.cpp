@@ -96,8 +96,8 @@ HvArrayPtr doubleOf(const py::handle& number) {
     const bool isTooLarge = value == -1.0 && PyErr_Occurred() != nullptr;
     PyErr_Clear();
     if (isTooLarge || !py::float_(value).equal(number)) {
-        const std::string text = py::str(number).cast<std::string>() +
-                                 " is no double; give numpy.int64 or numpy.uint64 of it, where it is one";
+        const std::string text = "a double cannot hold " + py::str(number).cast<std::string>() +
+                                 "; give numpy.int64 or numpy.uint64 of it, where one can";
         PyErr_SetString(PyExc_OverflowError, text.c_str());
         throw py::error_already_set();
     }

@@ -106,10 +106,10 @@ def test_what_cannot_be_is_an_error_that_says_what_to_do(model, work, code, word
     (lambda model: model.mark("Plant:1", hidden="no"), "hidden= is 'no'; give True or False"),
     (lambda model: model.set("Plant:1", name=3), "name= is 3; give a text"),
     (lambda model: model.record("run.csv", until="soon"), "until= is 'soon'; give what its type asks for"),
-    (lambda model: model.mark(3), "3 is no text, block, port"),
-    (lambda model: model.mark(model.clients[0]), "is no text, block, port"),
-    (lambda model: model.query(all=3), "3 is no text, and no list of texts"),
-    (lambda model: model.unmark(signals=1.5), "1.5 is no UUID, position"),
+    (lambda model: model.mark(3), "3 is not a text, block, port"),
+    (lambda model: model.mark(model.clients[0]), "is not a text, block, port"),
+    (lambda model: model.query(all=3), "3 is neither a text nor a list of texts"),
+    (lambda model: model.unmark(signals=1.5), "1.5 is not a UUID, position"),
     (lambda model: model.renumber("Sensors/Speed", ["a"]), "integer"),
 ])
 def test_arguments_of_another_kind_are_type_errors(model, work, words):
@@ -156,6 +156,8 @@ def test_files_are_checked_compared_and_carried(cruise, tmp_path):
     other.write_text(json.dumps(contents))
     checked = ks_hmi.check(other)
     assert not checked and "KS" in checked.findings[0].code and checked.findings[0].line
+    log = json.loads(ks_hmi.sarif(cruise, other))["runs"][0]["results"]
+    assert [one["ruleId"] for one in log] == [one.code for one in ks_hmi.check(cruise).findings + checked.findings]
     assert len(ks_hmi.check(other, mend=["uuids", "names"]).settled) == 2 and ks_hmi.check(other)
     with pytest.raises(ks_hmi.Error, match="mend=: there is no kind \"everything\""):
         ks_hmi.check(other, mend="everything")
@@ -183,6 +185,17 @@ def test_models_are_made_and_imported(tmp_path, cruise):
         car.save()
         car.save_as(tmp_path / "copy.json")
         assert car.path.endswith("copy.json")
+        with pytest.raises(ks_hmi.Error, match="could end up on other ports .*carry"):
+            ks_hmi.import_model(source, tmp_path / "car.json", update=True)
+        assert car.unmark(all="*")
+        car.save_as(tmp_path / "car.json", replace=True)
+    with pytest.raises(ks_hmi.Error, match="exists already; give another name .update=True"):
+        ks_hmi.import_model(source, tmp_path / "car.json")
+    before = (tmp_path / "car.json").read_text()
+    with ks_hmi.import_model(source, tmp_path / "car.json", update=True) as car:
+        assert car.name == "car" and not car.signals
+        car.save()
+    assert (tmp_path / "car.json").read_text() == before
 
 
 def test_closed_models_and_other_threads_are_refused(model, cruise):

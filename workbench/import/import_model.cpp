@@ -78,6 +78,21 @@ void noteNoOutputs(Structure& structure) {
 
 }  // namespace
 
+std::optional<ModelFile> versionBefore(const std::string& target, const std::string& previous, bool isUpdate) {
+    if (!isUpdate && std::filesystem::exists(std::filesystem::symlink_status(target)))
+        throw Error({target}, "exists already; give another name", ErrorCode::file, Remedy::updateFile);
+    if (!isUpdate && previous.empty()) return std::nullopt;
+    ModelFile file = readModelFile(isUpdate ? target : previous);
+    const std::size_t signals = hvGetNumberOfElements(file.signals.get()) + file.extras.parked.size();
+    const std::size_t clients = hvGetNumberOfElements(file.clients.get());
+    if (isUpdate && signals + clients > 0)
+        throw Error({target},
+                    fmt::format("holds {} and {}, which could end up on other ports", counted(signals, "signal"),
+                                counted(clients, "client")),
+                    ErrorCode::request, Remedy::carryMarks);
+    return file;
+}
+
 ModelFile modelFileOf(ImportedModel imported) {
     ModelFile file = newModelFile(imported.model.name());
     file.model = std::move(imported.model);

@@ -34,6 +34,11 @@ struct ImportedModel {
     std::size_t goneCount = 0;  ///< blocks that `previous` has and this model has not
 };
 
+/// The version that the import to `target` comes after: the model file there when it is to be updated, else the file
+/// that is named; nothing without either. Throws `Error` when there is a file that is not to be updated, and when one
+/// to be updated has marks or clients: they are not put on other blocks unseen.
+std::optional<ModelFile> versionBefore(const std::string& target, const std::string& previous, bool isUpdate);
+
 /// The same as a model file with nothing marked.
 ModelFile modelFileOf(ImportedModel imported);
 

@@ -30,6 +30,8 @@ enum class Remedy : std::uint8_t {
     removeBelow,     ///< ask for what is below to be removed, too
     nameUnit,        ///< say which .fmu is meant
     replaceFile,     ///< ask for the file to be replaced
+    updateFile,      ///< ask for the file to be updated to the next version
+    carryMarks,      ///< import to another file, with the error's file as the version before, and carry the marks over
     removeDangling,  ///< remove the signals of the error's file whose source is gone
     settleNames,     ///< let the marks of the error's file follow their names, or confirm them
 };
