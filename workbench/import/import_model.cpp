@@ -71,7 +71,7 @@ void noteNoOutputs(Structure& structure) {
     std::string text = "has no outputs, so there is nothing to mark";
     for (const ImportNote& note : structure.dropped.all())
         if (note.text.starts_with("local "))
-            text = fmt::format("has no outputs; import it with --locals to take its {} {}", note.names.size(),
+            text = fmt::format("has no outputs; it can be imported with its {} {} as ports", note.names.size(),
                                note.names.size() == 1 ? note.text.substr(0, note.text.size() - 1) : note.text);
     structure.warnings.add(text, "");
 }

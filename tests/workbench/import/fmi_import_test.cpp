@@ -84,8 +84,8 @@ TEST(FmiImport, saysWhereTheVariablesAreWhenThereIsNoOutput) {
             variables += std::string("<ScalarVariable name='") + *name + "'><Real/></ScalarVariable>";
         return textOf(imported(fmi2(variables)).warnings);
     };
-    EXPECT_EQ(warningsOf("ab"), "has no outputs; import it with --locals to take its 2 local variables: \n");
-    EXPECT_EQ(warningsOf("a"), "has no outputs; import it with --locals to take its 1 local variable: \n");
+    EXPECT_EQ(warningsOf("ab"), "has no outputs; it can be imported with its 2 local variables as ports: \n");
+    EXPECT_EQ(warningsOf("a"), "has no outputs; it can be imported with its 1 local variable as ports: \n");
     EXPECT_EQ(warningsOf(""), "has no outputs, so there is nothing to mark: \n");
 }
 
