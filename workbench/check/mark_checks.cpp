@@ -12,8 +12,8 @@
 #include "workbench/check/field_names.h"
 #include "workbench/check/record_checks.h"
 #include "workbench/session/chart_item_finder.h"
+#include "workbench/session/loading/signal_checks.h"
 #include "workbench/session/marked_names.h"
-#include "workbench/session/signal_checks.h"
 #include "workbench/text/text.h"
 
 namespace workbench {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/messages.h"
-#include "workbench/session/refused_field.h"
+#include "workbench/session/loading/refused_field.h"
 #include "workbench/text/text.h"
 
 namespace workbench {

@@ -10,8 +10,8 @@
 #include "observers/streaming_clients.h"
 #include "signals/instrumented_signals.h"
 #include "workbench/model_file/model_file.h"
+#include "workbench/session/loading/signal_checks.h"
 #include "workbench/session/marked_names.h"
-#include "workbench/session/signal_checks.h"
 #include "workbench/session/signal_source.h"
 
 namespace workbench {

@@ -1,4 +1,4 @@
-#include "workbench/session/record_alignment.h"
+#include "workbench/session/loading/record_alignment.h"
 
 #include <optional>
 #include <string>

@@ -1,4 +1,4 @@
-#include "workbench/session/refused_field.h"
+#include "workbench/session/loading/refused_field.h"
 
 #include <cstdint>
 #include <variant>

@@ -1,4 +1,4 @@
-#include "workbench/session/signal_checks.h"
+#include "workbench/session/loading/signal_checks.h"
 
 #include <fmt/format.h>
 

@@ -7,9 +7,9 @@
 
 #include "host/messages.h"
 #include "signals/signal_specification.h"
-#include "workbench/session/record_alignment.h"
+#include "workbench/session/loading/record_alignment.h"
+#include "workbench/session/loading/refused_field.h"
 #include "workbench/session/records.h"
-#include "workbench/session/refused_field.h"
 #include "workbench/session/script.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
