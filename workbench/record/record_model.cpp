@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <initializer_list>
@@ -132,6 +133,16 @@ RunHead headOf(const Session& session, const RecordOptions& options, const std::
             task.experiment.start,          task.until, task.step};
 }
 
+void warnOfLeftOut(const std::vector<std::string>& warnings, const RecordOptions& options) {
+    constexpr std::size_t kMostTold = 20;
+    if (!options.warning) return;
+    for (std::size_t i = 0; i < std::min(kMostTold, warnings.size()); ++i) options.warning(warnings[i]);
+    const std::size_t more = warnings.size() - std::min(kMostTold, warnings.size());
+    if (more > 0)
+        options.warning(fmt::format("{} {} not recorded, for reasons like these", counted(more, "more signal"),
+                                    more == 1 ? "is" : "are"));
+}
+
 // What the unit is to do, and what is recorded of it.
 RunPlan planTask(Session& session, const RecordOptions& options, const FmiDescription& description, UnitTask& task) {
     std::vector<GivenSize> sizes;
@@ -140,8 +151,7 @@ RunPlan planTask(Session& session, const RecordOptions& options, const FmiDescri
     if (!options.inputs.empty()) task.inputs = UnitInputs(options.inputs, description, sizes);
     EnginePorts ports(session);
     RunPlan plan = planRun(session, ports, description, sizes);
-    if (options.warning)
-        for (const std::string& warning : plan.warnings) options.warning(warning);
+    warnOfLeftOut(plan.warnings, options);
     requireColumns(plan, session);
     task.readings = std::move(plan.readings);
     task.slotCount = plan.slotCount;

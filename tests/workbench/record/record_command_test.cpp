@@ -162,6 +162,10 @@ TEST_F(Record, aUnitThatLiesIsFoundOut) {
                                "\"count\" is not recorded: it needs a "
                                "variable \"state.count\", which the unit does not have"});
     expectParts(finished.out, {"time,fed\r\n"});
+    run({"block", "add", path(), "Gone", "--outputs", "a,b,c,d,e,f,g,h,i,j,k,l,m,n,o,p,q,r,s,t,u"});
+    mark("Gone");
+    finished = runOn("record --quiet");
+    expectParts(finished.err, {"warning: 2 more signals are not recorded, for reasons like these"});
     write(workbench::testing::zipOf({{"modelDescription.xml", probe2()}, {"binaries/linux64/probe2.so", "no library"}}),
           "unit.fmu");
     expectSaid("record", kStoppedEarly, "stopped at t = 0: the unit's binary cannot be loaded");
