@@ -44,8 +44,8 @@ private:
 
     void readRow(const std::vector<CsvCell>& row) {
         if (row.size() != m_run.columns.size() + 1)
-            m_rows.fail(
-                fmt::format("has {}, but there are {} titles", counted(row.size(), "cell"), m_run.columns.size() + 1));
+            m_rows.fail(fmt::format("has {}, but there are {} titles; correct the row, or delete it",
+                                    counted(row.size(), "cell"), m_run.columns.size() + 1));
         const std::optional<double> time = numberIn(row.front().text);
         if (!time) m_rows.fail(fmt::format("the time {} is not a number", inQuotes(row.front().text)));
         if (!m_run.start) m_run.start = time;

@@ -2,6 +2,8 @@
 
 #include <sqlite3.h>
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "workbench/text/error.h"
@@ -12,10 +14,19 @@ namespace {
 
 constexpr int kPatience = 5000;  // milliseconds
 
+bool hasFolder(const std::string& path) {
+    std::error_code ignored;
+    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
+    return folder.empty() || std::filesystem::is_directory(folder, ignored);
+}
+
 [[noreturn]] void fail(const std::string& path, sqlite3* database, int code) {
     if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
         throw Error({path}, "another program is writing to the database; wait until it is done, or name another file",
                     ErrorCode::inUse);
+    if (code == SQLITE_NOTADB) throw Error({path}, "is not a database; give another name", ErrorCode::file);
+    if (code == SQLITE_CANTOPEN && !hasFolder(path))
+        throw Error({path}, "cannot be made: its folder is not there; make it first", ErrorCode::file);
     const std::string text = database != nullptr ? sqlite3_errmsg(database) : sqlite3_errstr(code);
     throw Error({path}, "the database reports an error: " + text, ErrorCode::file);
 }

@@ -196,7 +196,10 @@ TEST_F(Record, wrongUsageNamesTheOptionAndTheVariable) {
     expectSaid("record --until x", kWrongUsage, "--until: \"x\": give a number of seconds");
     expectSaid("record --until inf", kWrongUsage, "--until: \"inf\": give a number of seconds");
     expectSaid("record --timeout -1", kWrongUsage, "--timeout: \"-1\": give a number of seconds, 0 for no limit");
-    expectSaid("record --until 1 -o " + path("none/run.csv"), kBadFile, "its folder is not there; make it first");
+    for (const char* const file : {"none/run.csv", "none/run.db"})
+        expectSaid("record --until 1 -o " + path(file), kBadFile, "its folder is not there; make it first");
+    expectSaid("record --until 1 -o " + write("time\n0\n", "text.db"), kBadFile,
+               "is not a database; give another name");
     expectSaid("record --until 1 --set gain=two", kWrongUsage, "start value of \"gain\": \"two\" is not a number");
     expectSaid("record --until 1 --set behaviour=1.5", kWrongUsage,
                "\"1.5\" is not a whole number from -2147483648 to");

@@ -40,8 +40,8 @@ TEST_F(RecordedRunFile, csvGivesColumnsWithTheirOwnTimesAndKinds) {
 
 TEST_F(RecordedRunFile, whatIsNoRunIsRefused) {
     EXPECT_EQ(refusal("speed\n1\n"), "is not a recorded run: its first column is not \"time\"");
-    EXPECT_EQ(refusal("time,a\n0\n"), "has 1 cell, but there are 2 titles");
-    EXPECT_EQ(refusal("time,a\n0,1,2\n"), "has 3 cells, but there are 2 titles");
+    EXPECT_EQ(refusal("time,a\n0\n"), "has 1 cell, but there are 2 titles; correct the row, or delete it");
+    EXPECT_EQ(refusal("time,a\n0,1,2\n"), "has 3 cells, but there are 2 titles; correct the row, or delete it");
     EXPECT_EQ(refusal("time,a\n0,1\n", 2), "holds one run, as a CSV file does; ask for run 1, or for none");
     EXPECT_EQ(refusal("time,a\n0,1\n1,b\n"), "\"b\" is not a number, but others in column \"a\" are");
     EXPECT_EQ(refusal("time,a\nx,1\n"), "the time \"x\" is not a number");
