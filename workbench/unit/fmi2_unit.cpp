@@ -89,14 +89,14 @@ public:
         const Reference* const reference = &value.reference;
         if (value.type == UnitType::float64) {
             const auto number = std::bit_cast<double>(value.slots.at(0));
-            call<Set<double>>("fmi2SetReal", reference, 1, &number);
+            call<Set<double>>("fmi2SetReal", reference, std::size_t{1}, &number);
         } else if (value.type == UnitType::string) {
             const char* const text = value.texts.at(0).c_str();
-            call<Set<const char*>>("fmi2SetString", reference, 1, &text);
+            call<Set<const char*>>("fmi2SetString", reference, std::size_t{1}, &text);
         } else {
             const auto number = static_cast<int>(value.slots.at(0));
-            call<Set<int>>(value.type == UnitType::boolean ? "fmi2SetBoolean" : "fmi2SetInteger", reference, 1,
-                           &number);
+            call<Set<int>>(value.type == UnitType::boolean ? "fmi2SetBoolean" : "fmi2SetInteger", reference,
+                           std::size_t{1}, &number);
         }
     }
 
