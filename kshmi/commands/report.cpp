@@ -50,6 +50,7 @@ void tell(const ReportArguments& arguments, const report::Contents& contents, st
 int runReport(const ReportArguments& arguments, const Output& output) {
     if (arguments.isJson && arguments.target == kStandardStream)
         throw Error("--json: standard output has the page already; give -o a file");
+    requireOneInput({arguments.file, arguments.run}, {});
     kshmi::enterHost(output.err);
     report::PageSource source(arguments.file);
     if (!arguments.run.empty()) {
@@ -74,13 +75,16 @@ void addReport(CLI::App& app, Run& run) {
         addCommand(app, "report", "Make one HTML page of a model: what is marked, who watches it, what is wrong",
                    "  kshmi report cruise.json -o cruise.html\n"
                    "  kshmi report cruise.json --run run.csv -o cruise.html\n"
+                   "  kshmi record cruise.json | kshmi report cruise.json --run - -o cruise.html\n"
                    "  kshmi report cruise.json -o - > cruise.html",
                    arguments->file);
     command->add_option("-o,--output", arguments->target, "page to write; \"-\" is standard output")
         ->type_name("FILE")
         ->required();
     CLI::Option* const runOption =
-        command->add_option("--run", arguments->run, "what was recorded: CSV or SQLite, to be plotted")
+        command
+            ->add_option("--run", arguments->run,
+                         "what was recorded, to be plotted: CSV or SQLite; - is CSV on standard input")
             ->type_name("FILE");
     command->add_option("--run-number", arguments->runNumber, "which run of the file; the last one if left out")
         ->transform(wholeNumber(1, std::numeric_limits<std::int32_t>::max()))

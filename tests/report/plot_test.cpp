@@ -222,6 +222,9 @@ TEST_F(RunPage, saysWhatIsMissing) {
     EXPECT_EQ(none.code, 3);
     EXPECT_EQ(none.out, "");
     EXPECT_EQ(run({"report", path(), "--run-number", "1", "-o", "-"}).code, 2);
+    EXPECT_EQ(run({"report", "-", "--run", "-", "-o", "-"}).code, 2);
+    const kshmi::testing::StandardInput input(path("run.csv"));
+    expectParts(run({"report", path(), "--run", "-", "-o", "-"}).out, {"<dd>standard input</dd>", "1 × ∞"});
 }
 
 TEST_F(RunPage, staysSmallHoweverMuchWasRecorded) {

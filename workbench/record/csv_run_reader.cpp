@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstddef>
+#include <utility>
 
 #include "workbench/record/run_readers.h"
 #include "workbench/text/csv_row.h"
@@ -25,7 +26,7 @@ std::optional<double> numberIn(std::string_view text) {
 
 class CsvRunReader {
 public:
-    explicit CsvRunReader(const std::string& path) : m_rows(path, piecesOfFile(path)) { m_run.file = path; }
+    CsvRunReader(const std::string& file, TextSource source) : m_rows(file, std::move(source)) { m_run.file = file; }
 
     RecordedRun read() {
         readTitles();
@@ -78,6 +79,8 @@ private:
 
 }  // namespace
 
-RecordedRun readCsvRun(const std::string& path) { return CsvRunReader(path).read(); }
+RecordedRun readCsvRun(const std::string& file, TextSource source) {
+    return CsvRunReader(file, std::move(source)).read();
+}
 
 }  // namespace workbench

@@ -51,7 +51,8 @@ struct RecordedRun {
 
 /// Reads a run that `kshmi record` wrote: a CSV file, whose first column is the time and which says nothing of a column
 /// but its title, or an SQLite database, where `number` chooses a run, the last one if it is left out. Which it is, is
-/// told by the contents. Throws `Error` for a file that cannot be read or is none, and for a run that it has not.
+/// told by the contents; "-" is standard input, for CSV. Throws `Error` for a file that cannot be read or is none, and
+/// for a run that it has not.
 RecordedRun readRecordedRun(const std::string& path, std::optional<int> number = std::nullopt);
 
 /// Fills in signal, block, port and element of columns that lack them, by their titles: those that a recording of the

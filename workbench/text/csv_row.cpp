@@ -4,8 +4,10 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 namespace workbench {
@@ -22,6 +24,8 @@ TextSource piecesOfFile(const std::string& path) {
     const auto file = std::make_shared<std::ifstream>(path, std::ios::binary);
     if (!*file)
         throw Error({path}, fmt::format("cannot be opened: {}; check the path", std::strerror(errno)), ErrorCode::file);
+    if (std::error_code ignored; std::filesystem::is_directory(path, ignored))
+        throw Error({path}, "is a directory; name a file", ErrorCode::file);
     return [file, path](std::string& buffer) {
         const std::size_t old = buffer.size();
         buffer.resize(old + kPiece);
