@@ -66,7 +66,9 @@ bool observesSameChartObject(const SignalSpecification& a, const SignalSpecifica
 }  // namespace
 
 bool InstrumentedSignals::isChartworkDomain(const std::u16string& domainType) const {
-    return domainType == u"cw_state" || domainType == u"cw_chart" || domainType == u"cw_data";
+    // Views compare their sizes first.
+    const std::u16string_view type = domainType;
+    return type == u"cw_state" || type == u"cw_chart" || type == u"cw_data";
 }
 
 void InstrumentedSignals::constructCWLookupStr(std::vector<std::string>& list, const std::string& eid,

@@ -9,6 +9,7 @@
 #include "foundation/text_hash.h"
 #include "signals/address_set.h"
 #include "signals/instrumented_signals.h"
+#include "signals/near_signals.h"
 #include "signals/signal_specification.h"
 #include "signals/source_key_index.h"
 
@@ -22,17 +23,28 @@ struct InstrumentedSignals::Indexes {
     struct Ports {
         SourceKeyIndex byHandle;
         SourceKeyIndex byPath;
+        NearSignals near;  ///< those of `byHandle`
 
         bool isEmpty() const noexcept { return byPath.isEmpty() && byHandle.isEmpty(); }
         /// After this one `enter` cannot throw, also when entries are erased before it.
         void makeRoom() {
             byPath.makeRoom();
             byHandle.makeRoom();
+            near.makeRoom(byHandle);
         }
         /// Under the path key and, once the signal is resolved, under its handle key.
         void enter(std::uint64_t pathKey, const SignalPtr& spec) {
             byPath.insert(pathKey, spec);
-            if (spec->m_cachedPortIdx != 0) byHandle.insert(handleKeyOf(*spec), spec);
+            if (spec->m_cachedPortIdx == 0) return;
+            const std::uint64_t key = handleKeyOf(*spec);
+            if (byHandle.insert(key, spec)) near.add(key, *spec);
+        }
+        /// Erases those under the handle key that `matches`; returns how many there were.
+        template <class Matches>
+        std::size_t eraseByHandle(std::uint64_t key, Matches matches) {
+            const std::size_t erased = byHandle.eraseIf(key, matches);
+            if (erased != 0) near.change(key, byHandle.first(key));
+            return erased;
         }
     };
 

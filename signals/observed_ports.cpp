@@ -1,3 +1,6 @@
+#include <bit>
+#include <cstdint>
+#include <limits>
 #include <utility>
 
 #include "foundation/errors.h"
@@ -10,6 +13,26 @@ namespace ks_hmi {
 namespace errors = plv_hmi_foundation::errors;
 using ks_hmi_foundation::isSameText;
 using ks_hmi_foundation::Rollback;
+
+namespace {
+
+// A handle of NaN is no question's.
+const struct Nobody : SignalSpecification {
+    Nobody() { m_cachedBlockHandle = std::numeric_limits<double>::quiet_NaN(); }
+} kNobody;
+
+bool isOn(const SignalSpecification& signal, double blockHandle, int portIdx) noexcept {
+    const auto isPort = static_cast<unsigned>(signal.m_cachedPortIdx == portIdx);
+    return (isPort & static_cast<unsigned>(signal.m_cachedBlockHandle == blockHandle)) != 0;
+}
+
+const SignalSpecification& signalOrNobody(std::uintptr_t address) noexcept {
+    const auto nobody = std::bit_cast<std::uintptr_t>(static_cast<const SignalSpecification*>(&kNobody));
+    const std::uintptr_t isNobody = std::uintptr_t{0} - static_cast<std::uintptr_t>(address == 0);
+    return *std::bit_cast<const SignalSpecification*>(address | (isNobody & nobody));
+}
+
+}  // namespace
 
 void InstrumentedSignals::addToObservedPortMap(const SignalPtr& spec) {
     errors::requireRecord(spec);
@@ -39,7 +62,7 @@ void InstrumentedSignals::removeFromObservedPortMap(const SignalPtr& spec) {
             return entry.m_outputPortIndex == removed->m_outputPortIndex &&
                    isSameText(entry.m_blockPath, removed->m_blockPath);
         });
-    erased += ports.byHandle.eraseIf(Indexes::handleKeyOf(*removed), [&](const SignalSpecification& entry) {
+    erased += ports.eraseByHandle(Indexes::handleKeyOf(*removed), [&](const SignalSpecification& entry) {
         return entry.m_cachedPortIdx == removed->m_cachedPortIdx &&
                entry.m_cachedBlockHandle == removed->m_cachedBlockHandle;
     });
@@ -70,10 +93,19 @@ void InstrumentedSignals::cacheKSPorts(const std::vector<ksPort*>& ports) {
 bool InstrumentedSignals::isKSPortObserved(const ksPort* port) const { return m_indexes->enginePorts.contains(port); }
 
 bool InstrumentedSignals::isPortObserved(double blockHandle, int portIdx) const {
+    const Indexes::Ports& ports = m_indexes->ports;
+    const std::uint64_t key = handleKey(blockHandle, portIdx);
+    if (ports.near.isInUse()) {
+        const auto [address, isPassed] = ports.near.find(key);
+        const bool isIt = isOn(signalOrNobody(address), blockHandle, portIdx);
+        // Without a branch up to here, and this one is hardly ever taken.
+        const std::uint64_t isOpen = (address | isPassed) & (std::uint64_t{isIt} - 1);
+        if (isOpen == 0) [[likely]]
+            return isIt;
+    }
     // By value: what the match needs stays in registers.
-    return m_indexes->ports.byHandle.contains(handleKey(blockHandle, portIdx), [=](const SignalSpecification& entry) {
-        return entry.m_cachedPortIdx == portIdx && entry.m_cachedBlockHandle == blockHandle;
-    });
+    return ports.byHandle.contains(key,
+                                   [=](const SignalSpecification& entry) { return isOn(entry, blockHandle, portIdx); });
 }
 
 bool InstrumentedSignals::isPortObserved(double blockHandle, const std::u16string& blockPath,

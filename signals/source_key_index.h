@@ -37,12 +37,26 @@ public:
 
     bool isEmpty() const noexcept { return m_first.empty(); }
 
-    void insert(std::uint64_t key, const SignalPtr& signal) {
-        if (m_first.try_emplace(key, signal).second) return;
+    /// Whether it is the first of its key.
+    bool insert(std::uint64_t key, const SignalPtr& signal) {
+        if (m_first.try_emplace(key, signal).second) return true;
         Chain& chain = m_chains.try_emplace(key, Chain{kNone, kNone}).first->second;
         const std::uint32_t node = takeNode(signal);
         (chain.last == kNone ? chain.first : m_further[chain.last].next) = node;
         chain.last = node;
+        return false;
+    }
+
+    std::size_t keyCount() const noexcept { return m_first.size(); }
+    /// Null for none.
+    const SignalSpecification* first(std::uint64_t key) const {
+        const auto slot = m_first.find(key);
+        return slot == m_first.end() ? nullptr : slot->second.get();
+    }
+    /// Hands each key and its first signal to `take`.
+    template <class Take>
+    void forEachFirst(Take take) const {
+        for (const auto& [key, signal] : m_first) take(key, *signal);
     }
 
     /// After this one `insert` cannot throw, also when entries are erased before it. Entries may move in memory.

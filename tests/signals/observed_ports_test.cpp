@@ -53,6 +53,37 @@ TEST_F(ObservedPorts, enginePortsAreFoundAmongAnyNumber) {
     }
 }
 
+// Few signals and many are found in different ways, and each number of them passes through the ways of fewer.
+TEST_F(ObservedPorts, handlesAreFoundAmongAnyNumberOfSignals) {
+    for (const std::size_t count : {1U, 7U, 300U, 26'000U}) {
+        SCOPED_TRACE(count);
+        ks_hmi::InstrumentedSignals signals;
+        std::set<std::size_t> known;
+        const auto add = [&](std::size_t number) {
+            const std::u16string path{u'B', static_cast<char16_t>(number + 1)};
+            signals.add(resolvedPort(path, 1, static_cast<double>(number)));
+            known.insert(number);
+        };
+        const auto compare = [&] {
+            for (std::size_t number = 0; number < 2 * count; ++number) {
+                const auto handle = static_cast<double>(number);
+                ASSERT_EQ(signals.isPortObserved(handle, 1), known.count(number) != 0) << number;
+                ASSERT_FALSE(signals.isPortObserved(handle, 2) || signals.isPortObserved(handle + 0.5, 1));
+            }
+        };
+        for (std::size_t number = 0; number < count; ++number) add(number);
+        for (std::size_t number = 0; number < count; number += 3) add(number);
+        compare();
+        while (signals.getCount() > count / 2) {
+            known.erase(static_cast<std::size_t>(signals.get(signals.getCount() - 1)->m_cachedBlockHandle));
+            signals.remove(signals.getCount() - 1);
+        }
+        compare();
+        for (std::size_t number = count; number > 0; number -= (number + 2) / 3) add(number);
+        compare();
+    }
+}
+
 TEST_F(ObservedPorts, whatLeavesTheIndexIsReleased) {
     const ks_hmi::InstrumentedSignals::SignalPtr shared(resolvedPort(u"Gain", 1, 12.5).release());
     set().add(port(u"Gain", 1));
