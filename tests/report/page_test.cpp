@@ -72,9 +72,36 @@ TEST_F(Page, showsWhatTheFileHoldsAndWhatIsWrongWithIt) {
     EXPECT_EQ(html.find(path()), html.npos) << "tells where the file was";
 }
 
+TEST_F(Page, tellsApartWhatLooksAlike) {
+    const std::string html = page(kModel);
+    expectParts(html, {"<a href=\"#c2\">client 2</a>", "<i>state</i> On/Fast", "<i>datum</i> limit",
+                       "<b class=\"badge\">A</b>", "class=\"figure warning\" href=\"#findings\""});
+    EXPECT_EQ(count(html, "finding</a>"), 0U) << "what is wrong with all of the file is no signal's";
+    EXPECT_EQ(count(html, "the last 0 points") + count(html, ", line 0"), 0U);
+    const std::pair<const char*, const char*> ordinals[] = {{"3", "3rd"},       {"4", "4th"},   {"10", "10th"},
+                                                            {"11", "11th"},     {"21", "21st"}, {"112", "112th"},
+                                                            {"1000", "1,000th"}};
+    for (const auto& [number, ordinal] : ordinals)
+        expectParts(page(replaced(kModel, "\"Decimation_\": 2", "\"Decimation_\": " + std::string(number))),
+                    {"every " + std::string(ordinal) + " sample"});
+    const std::string faulty =
+        page(modelText(R"("y")", {{"a", 1, "y"}, {"b", 1, "y"}, {"c", 1, "y", "9", "Gone"}}, {clientText("d", "b")},
+                       R"(, "parked": [{"signal": )" + textOf(Mark{"p", 3, "old"}) + R"(, "clients": [)" +
+                           clientText("pc", "p") + R"(], "lost": "port", "from": "m0"}],
+"origin": {"kind": "ssp", "version": "1.0", "file": "some/where/s.ssp", "hash": ""})"));
+    EXPECT_TRUE(faulty.find("KS201") < faulty.find("KS209") && faulty.find("KS209") < faulty.find("KS501"));
+    expectParts(faulty, {"<li id=\"s2\" data-has=\"clients findings\">", "imported from s.ssp, SSP 1.0",
+                         "its port is gone, marked in m0</p><p>1 client</p>"});
+    EXPECT_EQ(faulty.find("some/where"), faulty.npos);
+    const std::string longName = page(replaced(kModel, "speed \\\"ü\\\"", std::string(300, 'w')));
+    EXPECT_EQ(longName.find(std::string(241, 'w')), longName.npos);
+}
+
 TEST_F(Page, asksNothingOfTheNetworkAndRunsNothingButItsOwnScript) {
     const std::string html = page(kModel);
     expectParts(html, {"default-src 'none'; style-src 'sha256-", "; script-src 'sha256-"});
+    const auto hashBehind = [&](const char* source) { return html.substr(html.find(source) + 12, 60); };
+    EXPECT_NE(hashBehind("style-src 's"), hashBehind("script-src '"));
     EXPECT_EQ(html.find("unsafe-"), html.npos);
     EXPECT_EQ(html.find("http:"), html.find("http://www.w3.org/2000/svg"));
     EXPECT_EQ(html.find("https:"), html.npos);
@@ -126,6 +153,11 @@ TEST_F(Page, isWrittenAsAWholeAndOverNothingElse) {
     const std::string html = read("page.html");
     EXPECT_EQ(html, page(kModel));
     EXPECT_EQ(run({"report", path(), "-o", target, "--quiet"}).out, "");
+    std::string outputs = "\"y0\"";
+    for (int i = 1; i < 3000; ++i) outputs += ", \"y" + std::to_string(i) + "\"";
+    finished = run({"report", write(modelText(outputs, {}), "large.json"), "-o", target, "--json"});
+    expectParts(finished.out, {"\"bytes\": " + std::to_string(read("page.html").size())});
+    run({"report", path(), "-o", target});
     finished = run({"report", path(), "-o", path()});
     EXPECT_EQ(finished.code, 3);
     expectParts(finished.err, {"exists already and is not a page; give another name"});
@@ -137,7 +169,7 @@ TEST_F(Page, isWrittenAsAWholeAndOverNothingElse) {
     expectParts(finished.err, {"broken.json:1"});
     EXPECT_EQ(run({"report", path("none.json"), "-o", target}).code, 3);
     EXPECT_EQ(read("page.html"), html);
-    EXPECT_EQ(fileCount(), 3U);
+    EXPECT_EQ(fileCount(), 4U);
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -84,6 +86,15 @@ TEST(Thinning, breaksTheLineWhereThereIsNoNumber) {
     EXPECT_EQ(thinned(std::vector<double>{0, kNan, 2, 1}, std::vector<double>{1, 2, 3, 4}, 0, 2, 100).size(), 2U);
 }
 
+TEST(Thinning, keepsTheFirstTheLastAndTheGapAtTheEndOfAColumn) {
+    const std::vector<double> times{0, 1, 2, 3};
+    EXPECT_EQ(thinned(times, std::vector<double>{5, 1, 9, 4}, 0, 4, 1),
+              (std::vector<Point>{{0, 5}, {1, 1}, {2, 9}, {3, 4}}));
+    const std::vector<Point> broken = thinned(times, std::vector<double>{1, kNan, 2, 3}, 0, 4, 2);
+    ASSERT_EQ(broken.size(), 4U);
+    EXPECT_TRUE(std::isnan(broken[1].value) && broken[2] == (Point{2, 2}));
+}
+
 TEST(Line, isShortAndLeavesBreaks) {
     const TimeAxis time{0.0, 10.0, {}};
     const ValueAxis values{0.0, 10.0, {}};
@@ -163,6 +174,7 @@ TEST(Axis, ofTimeHasTheUnitThatFits) {
     EXPECT_EQ(numberText(-0.0), "0");
     EXPECT_EQ(numberText(1.5e-7), "1.5e-7");
     EXPECT_EQ(numberText(123456.7), "123457");
+    EXPECT_EQ(numberText(kInfinite) + numberText(-kInfinite), "∞-∞");
 }
 
 class RunPage : public testing::PageTest {
@@ -179,7 +191,7 @@ TEST_F(RunPage, plotsEachSignalWithItsFigures) {
                        "<i>min <b>1</b></i><i>max <b>4</b></i><i>last <b>4</b></i><i>3 samples</i>"
                        "<i>1 gap</i>",
                        "<i>last <b>false</b></i><i>2 samples</i>", "<g id=\"t\">", "Recorded besides",
-                       "<th scope=\"row\">2 s</th><td>&lt;b&gt;</td>"});
+                       "<i>1 change</i><i>3 samples</i>", "<th scope=\"row\">2 s</th><td>&lt;b&gt;</td>"});
     EXPECT_EQ(count(html, "</div><svg role=\"img\" aria-label=\"speed &quot;ü&quot;\"><use href=\"#g4\"/>"), 1U);
     EXPECT_EQ(count(html, "<use href=\"#tl\"/>"), 1U);
 }
@@ -193,25 +205,33 @@ TEST_F(RunPage, tellsUnitsElementsAndWhyItStoppedEarly) {
     run.number = 2;
     run.runCount = 3;
     run.model = "<m>";
-    run.start = 0.0;
+    run.started = "2026-03-01T12:34:56Z";
+    run.start = -1.0;
     run.stop = 1.0;
     run.until = 2.0;
     run.outcome = "<failed>";
     run.message = "<too hot>";
-    run.columns.resize(2);
+    run.columns.resize(4);
     run.columns[0].unit = "<km/h>";
     run.columns[0].signal = "u-1";
     run.columns[0].element = "[<2>]";
     run.columns[0].times = {0.0, 1.0};
     run.columns[0].values = {3.0, 4.0};
     run.columns[1].signal = "u-2";
+    run.columns[2].kind = workbench::ValueKind::enumeration;
+    run.columns[2].times = {-1.0, 0.0};
+    run.columns[2].values = {1.0, 3.0};
+    run.columns[3].times = {-1.0, 0.0, 1.0};
+    run.columns[3].values = {kInfinite, kInfinite, -kInfinite};
     std::string html;
     writePage({session, checked, [](const workbench::Finding&) { return ""; }, &run},
               [&](std::string_view piece) { html += piece; });
-    expectParts(html,
-                {"<dd>run.db, run 2 of 3</dd>", "0 s to 1 s of 2 s", "Stopped early (&lt;failed&gt;): &lt;too hot&gt;",
-                 "The run is of the model &lt;m&gt;.", "<span class=\"unit\">&lt;km/h&gt;</span>",
-                 "<i class=\"which\">[&lt;2&gt;]</i>", "no samples", "2 of 2 signals recorded, stopped early"});
+    expectParts(html, {"<dd>run.db, run 2 of 3</dd>", "-1 s to 1 s of 2 s", "<dd>2026-03-01 12:34:56 UTC</dd>",
+                       "<path d=\"M600 560l600-560\"/>", "<path d=\"M0 560h600v-560\"/>",
+                       "<path class=\"inf\" d=\"M0 0h0M600 0h0M1200 560h0\"/>", "2 × ∞", "1 × -∞",
+                       "Stopped early (&lt;failed&gt;): &lt;too hot&gt;", "The run is of the model &lt;m&gt;.",
+                       "<span class=\"unit\">&lt;km/h&gt;</span>", "<i class=\"which\">[&lt;2&gt;]</i>", "no samples",
+                       "2 of 2 signals recorded, stopped early"});
     EXPECT_EQ(testing::Structure(html).faults(), std::vector<std::string>());
 }
 
@@ -225,6 +245,14 @@ TEST_F(RunPage, saysWhatIsMissing) {
     EXPECT_EQ(run({"report", "-", "--run", "-", "-o", "-"}).code, 2);
     const kshmi::testing::StandardInput input(path("run.csv"));
     expectParts(run({"report", path(), "--run", "-", "-o", "-"}).out, {"<dd>standard input</dd>", "1 × ∞"});
+}
+
+TEST_F(RunPage, showsTheFirstTexts) {
+    std::string csv = "time,other\n";
+    for (int i = 0; i < 26; ++i) csv += fmt::format("{0},\"t{0}\"\n", i);
+    const std::string html = pageOf(csv);
+    EXPECT_EQ(count(html, "<tr>"), 20U);
+    expectParts(html, {"<i>25 changes</i>", "and 6 changes more"});
 }
 
 TEST_F(RunPage, staysSmallHoweverMuchWasRecorded) {
