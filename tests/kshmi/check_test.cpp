@@ -189,6 +189,56 @@ TEST_F(CheckCommand, clientsOfDuplicatesGoToTheMarkThatStays) {
     EXPECT_TRUE(contains(read(), "\"UUID\": \"1\"") && contains(read(), "\"UUID\": \"2\""));
 }
 
+// A mark's clients go to one on the same activity, stay with another of its UUID, and go with it only when asked to.
+TEST_F(CheckCommand, clientsGoWithAndToTheRightMarks) {
+    const auto other = [](const std::string& uuid, const char* activity) {
+        return inChart(uuid, R"("Activity": ")" + std::string(activity) + R"(", "SSID": "4")");
+    };
+    const std::vector<Mark> marks{
+        {"a", 1, "x"}, other("s", "Self"),         other("c", "Child"),        other("d", "Child"), {"t", 1, "x"},
+        {"t", 2, "y"}, {"g", 1, "x", "9", "Gone"}, {"k", 1, "x", "9", "Gone"}, {"k", 3, "z"}};
+    const std::vector<std::string> clients{clientText("1", "d"), clientText("2", "t"), clientText("3", "g"),
+                                           clientText("4", "k")};
+    const std::string text = modelText(R"("x", "y", "z")", marks, clients);
+    const auto watched = [&](const std::string& kinds) {
+        write(text);
+        const Finished finished = runOn("prune --kinds " + kinds);
+        std::string uuids;
+        const json::value saved = json::parse(read());
+        for (const json::value& one : saved.at("clients").as_array())
+            uuids += std::string(one.at("SignalUUID_").as_string()) + " ";
+        return uuids;
+    };
+    write(text);
+    EXPECT_EQ(codes(), " KS209 KS209 KS208 KS201 KS201 KS208") << run({"check", path()}).out;
+    EXPECT_EQ(watched("duplicates"), "c t g k ");
+    EXPECT_EQ(watched("gone"), "d t g k ");
+    EXPECT_EQ(watched("gone,dangling"), "d t k ");
+    write(modelText(R"("x", "y")", {{"a", 1}, {"b", 2}}));
+    expectParts(run({"check", path()}).out,
+                {"KS304: 2 signals, this one first, were marked before names were kept [/signals/0]"});
+}
+
+TEST_F(CheckCommand, whatIsToldOnceIsNotToldTwice) {
+    const std::string chart =
+        modelText(R"("x")", {inChart("a", R"("Activity": "Run", "SSID": "7", "1st": "")", "cw_data")},
+                  {replaced(clientText("1", "a", "t", "else"), R"(["A"])", "[]"),
+                   replaced(clientText("2", "z"), R"(["A"])", R"(["A", "B"])"),
+                   clientText("3", "a", "t", "m", R"("cells": [{"2 b": 1}])")});
+    write(chart);
+    EXPECT_EQ(codes(), " KS206 KS211 KS407");
+    EXPECT_EQ(runOn("check --mend charts").code, 1);
+    EXPECT_TRUE(contains(read(), R"("Activity": "Data")")) << read();
+    // A record whose field has no value that it could have is told of that only, and signals of a lost block not at
+    // all.
+    write(replaced(replaced(chart, R"("Decimation_": 1)", R"("Decimation_": 0)"), R"("SSID": "7")", R"("SSID": "x")"));
+    EXPECT_EQ(codes(), " KS105 KS407");
+    write(replaced(modelText(R"("x")", {{"a", 1, "x"}, {"a", 1, "x"}}), R"("eid": "1")", R"("eid": "")"));
+    EXPECT_EQ(codes(), " KS103 KS208");
+    write(replaced(modelText(R"("x")", {}), R"("ssid": 7)", R"("ssid": 4)"));
+    EXPECT_EQ(codes(), " KS104");
+}
+
 TEST_F(CheckCommand, whatCannotBeReadIsNotChanged) {
     const std::string text = replaced(kFaulty, "\"Decimation_\": 1", "\"Decimation_\": 0");
     write(text);

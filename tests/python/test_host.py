@@ -174,3 +174,19 @@ def test_objects_and_functions_do_not_outlive_the_host(run_python):
                "ks_hmi._leave()\n"
                "try: kept[0].Model\n"
                "except ks_hmi.Error as error: print(error)\n")
+
+
+def test_shapes_come_back_as_they_went():
+    cells = np.array([[1.0, "a", 2.0], ["b", 3.0, "c"]], dtype=object)
+    numbers = np.arange(6.0).reshape(2, 3)
+    with host.function("test.echo")(lambda value: value):
+        assert np.array_equal(host.call("test.echo", cells), cells)
+        assert np.array_equal(host.call("test.echo", numbers), numbers)
+    with pytest.raises(host.HostError):
+        host.call("test.echo", 1)
+    records = [{"x": 1.0}, {"x": True}]
+    assert isinstance(host.StructArray(records).columns()["x"], list)
+    assert host.StructArray(records) != host.StructArray(records, shape=(1, 2))
+    with pytest.warns(host.HostWarning) as caught:
+        host.warn("careful", "a:b:c", (1,))
+    assert (caught[0].message.identifier, caught[0].message.arguments) == ("a:b:c", (1,))

@@ -1,4 +1,6 @@
 import json
+import os
+import pickle
 import threading
 
 import pytest
@@ -86,6 +88,7 @@ def test_clients_watch_signals(model):
     (lambda model: model.mark("Sensors/Speed:1", decimation=5), "request", "is marked already; set"),
     (lambda model: model.set("Sensors/Speed:1"), "request", "nothing to set"),
     (lambda model: model.set("Sensors/Speed:1", decimation=0), "request", "give a whole number from 1 to 2147483647"),
+    (lambda model: model.mark("Plant:1", decimation=2**31), "request", "from 1 to 2147483647"),
     (lambda model: model.mark("Plant:1", max_points=2**70), "request", "max_points= is 1180591620717411303424"),
     (lambda model: model.observe("Sensors/Speed:1", type="x", update_rate=-1), "request", "from 0 to 4294967295"),
     (lambda model: model.record("run.csv"), "request", "unit= names the .fmu"),
@@ -196,6 +199,59 @@ def test_models_are_made_and_imported(tmp_path, cruise):
         assert car.name == "car" and not car.signals
         car.save()
     assert (tmp_path / "car.json").read_text() == before
+
+
+def test_dry_runs_and_files_that_are_there_change_nothing(cruise, tmp_path):
+    contents = json.loads(cruise.read_text())
+    following, out, proposal = (tmp_path / name for name in ("next.json", "out.json", "map.csv"))
+    following.write_text(json.dumps({**contents, "signals": [], "clients": []}))
+    bare = following.read_text()
+    assert ks_hmi.carry(cruise, following, propose=proposal, dry_run=True) and following.read_text() == bare
+    assert proposal.exists() and ks_hmi.carry(cruise, following, out, map=proposal) and following.read_text() == bare
+    contents["signals"][0]["UUID"] = contents["signals"][1]["UUID"]
+    following.write_text(json.dumps(contents))
+    twice = following.read_text()
+    assert ks_hmi.check(following, mend="uuids", dry_run=True).settled and following.read_text() == twice
+    with pytest.raises(ks_hmi.Error, match="exists already"):
+        ks_hmi.import_model(os.environ["KS_HMI_EXAMPLE_UNIT"], out)
+    with ks_hmi.open(cruise) as model:
+        with pytest.raises(ks_hmi.Error, match="exists already"):
+            model.save_as(out)
+        model.save_as(out, replace=True)
+        model.mark("Plant:1")
+        out.write_text(out.read_text() + " ")
+        with pytest.raises(ks_hmi.Error) as caught:
+            model.save()
+        assert caught.value.code == "inUse" and caught.value.file == str(out)
+
+
+def test_what_is_gone_moved_or_not_saved_is_told(cruise, tmp_path):
+    contents = json.loads(cruise.read_text())
+    contents["signals"][1].update(BlockPath_="Gone", EID_="gone")
+    contents["blocks"][1]["outputs"].reverse()
+    contents["signals"][0]["markedName"] = "speed"
+    (tmp_path / "gone.json").write_text(json.dumps(contents))
+    with pytest.warns(ks_hmi.ModelWarning, match="1 mark does not stand"):
+        model = ks_hmi.open(tmp_path / "gone.json", dangling=True)
+    with model:
+        assert [one.position for one in model.unmark(dangling=True).removed] == [2]
+        assert len(model.set(signals=1, confirm=True).changed) == 1
+        assert [one.position for one in model.mark("Sensors/Pedal", excluded_from_save=True).added] == [6, 7]
+        with pytest.warns(ks_hmi.ModelWarning, match="2 signals excluded from saving"):
+            model.save()
+
+
+def test_what_is_named_is_what_is_meant(model):
+    assert places(model.query("Sensors/Speed:1", "Plant:1", below="Plant")) == ["cruise/Plant:1"]
+    assert model.query("Sensors/Speed:1") and not model.query("Sensors/Speed:1", "Sensors/Pedal:1")
+    signal = model.signals[2]
+    model.unmark(signals=1)
+    assert model.unmark(signals=signal).removed[0].uuid == signal.uuid
+    assert model.add_port("Sensors/Speed", "last").added[0].port == 3
+    assert repr(model.ports).count("<") == 4 and "and 10 more" in ks_hmi._data.table([{"a": 1}] * 70)
+    assert str(ks_hmi.Error("no", file="f", line=3, column=5)) == "f:3:5: no"
+    error = pickle.loads(pickle.dumps(ks_hmi.HostError("no", "a", "b", (1, "c"))))
+    assert (error.text, error.identifier, error.arguments) == ("no", "a:b", (1, "c"))
 
 
 def test_closed_models_and_other_threads_are_refused(model, cruise):

@@ -4,6 +4,7 @@ import numpy as np
 import pytest
 
 import ks_hmi
+from ks_hmi._model import _start_value
 
 CSV = 'time,speed,"gear (2)"\n0,1.5,"first"\n0.5,2.5,\n1,3.5,"second"\n'
 EVENT = "1,4.5,\n"  # what is as it was right before, at the same time
@@ -21,7 +22,7 @@ def test_columns_are_arrays(run):
     speed = run["speed"]
     assert speed.items == {} and speed.values.dtype == np.float64 and np.array_equal(speed.times, [0, 0.5, 1])
     assert np.array_equal(speed.values, [1.5, 2.5, 3.5]) and repr(speed).startswith("<Column 'speed': 3 samples")
-    assert list(run[1].values) == ["first", "second"] and np.array_equal(run[1].times, [0, 1])
+    assert run["gear (2)"] is run[1] and list(run[1].values) == ["first", "second"] and np.array_equal(run[1].times, [0, 1])
     with pytest.raises(KeyError, match="there are: speed"):
         run["sped"]
     assert "2 columns" in repr(run) and "gear (2)" in run._repr_html_()
@@ -52,6 +53,7 @@ def test_what_a_model_has_goes_into_frames(model):
     assert signals["port"].dtype == "Int64" and signals["item"].notna().sum() == signals["ssid"].notna().sum() == 1
     assert set(clients["signal"]) & set(signals["signal"]) and blocks["outputs"][1] == ["speed", "valid"]
     columns = list(signals.columns)
+    assert columns[:3] == ["signal", "position", "block"]
     model.unmark(all="*")
     assert list(model.signals.to_frame().columns) == columns and len(model.signals.to_frame()) == 0
     saved = model.signal_set.Persistence
@@ -85,6 +87,10 @@ def test_a_unit_is_recorded_and_its_run_read(tmp_path, output):
         told = []
         report = model.record(tmp_path / output, unit=os.environ["KS_HMI_EXAMPLE_UNIT"], until=2.0, step=0.5,
                               progress=lambda *times: told.append(times))
+        if output.endswith(".csv"):
+            with pytest.raises(ks_hmi.Error, match="exists already"):
+                model.record(tmp_path / output, until=0)
+            model.record(tmp_path / output, until=2, step=0.5, replace=True)
         assert report and report.samples == 5 and "record: done at t = 2" in repr(report)
         run = model.read_run(tmp_path / output)
         assert len(run) == len(model.signals) and {column.signal for column in run} == {
@@ -92,3 +98,8 @@ def test_a_unit_is_recorded_and_its_run_read(tmp_path, output):
         assert np.array_equal(run[0].times, [0, 0.5, 1, 1.5, 2])
         with pytest.raises(ks_hmi.Error, match="nosuch"):
             model.record(tmp_path / "other.csv", unit=os.environ["KS_HMI_EXAMPLE_UNIT"], values={"nosuch": True})
+
+
+def test_what_ends_early_is_not_true_and_truths_are_start_values():
+    assert not ks_hmi.RecordReport('{"outcome": "interrupted"}')
+    assert [_start_value(value) for value in (True, 1.5, "eco")] == ["true", "1.5", "eco"]
