@@ -75,7 +75,7 @@ void addReport(CLI::App& app, Run& run) {
         addCommand(app, "report", "Make one HTML page of a model: what is marked, who watches it, what is wrong",
                    "  kshmi report cruise.json -o cruise.html\n"
                    "  kshmi report cruise.json --run run.csv -o cruise.html\n"
-                   "  kshmi record cruise.json | kshmi report cruise.json --run - -o cruise.html\n"
+                   "  kshmi record cruise.json --fmu cruise.fmu | kshmi report cruise.json --run - -o cruise.html\n"
                    "  kshmi report cruise.json -o - > cruise.html",
                    arguments->file);
     command->add_option("-o,--output", arguments->target, "page to write; \"-\" is standard output")
