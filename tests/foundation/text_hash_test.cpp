@@ -1,9 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <vector>
 
+#include <boost/container_hash/hash.hpp>
+
+#include "foundation/ascii_hash.h"
 #include "foundation/text_hash.h"
 #include "host/text.h"
 
@@ -55,6 +59,27 @@ TEST(TextHashTest, takesLoneHalvesOfPairsForTheReplacementCharacter) {
                 const auto cut = std::u16string_view(whole).substr(1, whole.size() - 2);
                 ASSERT_EQ(hash(cut), hash(fl::i18n::to_ustring(fl::i18n::to_string(first + text).c_str())));
             }
+}
+
+// What is converted on the way has the hash of the narrow text, and says where there is none.
+TEST(AsciiHash, isBoostsOfTheNarrowText) {
+    using ks_hmi_foundation::AsciiHash;
+    for (std::size_t first = 0; first < 9; ++first)
+        for (std::size_t second = 0; second < 9; ++second) {
+            const std::string narrow = std::string(first, 'a') + '/' + std::string(second, '\x7F');
+            const std::u16string wide(narrow.begin() + static_cast<std::ptrdiff_t>(first) + 1, narrow.end());
+            AsciiHash hash;
+            EXPECT_TRUE(hash.add(std::u16string(first, u'a')) && hash.add('/').add(wide));
+            if (AsciiHash::kIsBoosts) {
+                EXPECT_EQ(hash.value(), boost::hash<std::string>()(narrow));
+            }
+            for (std::size_t i = 0; i < second; ++i)
+                for (const char16_t other : {u'\x80', u'\x100', u'\xFFFF'}) {
+                    std::u16string foreign = wide;
+                    foreign[i] = other;
+                    EXPECT_FALSE(AsciiHash().add(foreign));
+                }
+        }
 }
 
 }  // namespace
