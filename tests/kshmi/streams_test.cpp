@@ -55,6 +55,9 @@ TEST_F(Streams, whatIsNotChangedPassesThroughByteForByte) {
     EXPECT_EQ(dry.code, 0);
     EXPECT_EQ(dry.out, odd);
     EXPECT_EQ(through(odd, {"prune", "--dry-run", "--quiet"}).out, odd);
+    const std::string clean = R"({"kestrelModel":1, "name": "m",  "blocks": []})";
+    const Finished pruned = through(clean, {"prune"});
+    EXPECT_TRUE(pruned.code == 1 && pruned.out == clean) << pruned.err;
 }
 
 TEST_F(Streams, anErrorLetsNothingOut) {

@@ -214,6 +214,11 @@ TEST_F(CompareCommands, diffAndMergeTellAndEndAsTheyShould) {
         run({"diff", path("a.json"), path("b.json"), "--json"}).out,
         {R"({"kshmi": 1, "command": "diff")", R"("signal": {"uuid": "u3", "position": 3}, "block": "m/B", "port": 1)"});
     EXPECT_EQ(run({"diff", path("a.json")}).code, 2);
+    // As git calls it for a file that was renamed: a difference is no failure.
+    const auto renamed =
+        run({"diff", "a.json", path("a.json"), "1", "100644", path("b.json"), "2", "100644", "b.json", "renamed"});
+    EXPECT_EQ(renamed.code, 0);
+    expectParts(renamed.out, {"a.json -> b.json"});
     expectParts(run({"diff", "--text", path("a.json")}).out,
                 {"block \"A\" (identifier \"1\")\n  port 1 \"a\"\n", "  Decimation_: 1\n"});
 

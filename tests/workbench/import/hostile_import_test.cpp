@@ -115,6 +115,9 @@ TEST(ImportedArchive, isRefusedBeyondItsLimits) {
     const auto starts = [&](const ArchiveLimits& limits, const std::string& text) {
         EXPECT_TRUE(refusalOfArchive(bomb, limits).starts_with("u.fmu: " + text)) << refusalOfArchive(bomb, limits);
     };
+    std::string twice = zipOf({{"aa", "1"}, {"ab", "2"}});
+    for (std::size_t at = 0; (at = twice.find("ab", at)) != std::string::npos;) twice.replace(at, 2, "aa");
+    EXPECT_TRUE(refusalOfArchive(twice).starts_with("u.fmu: the entry \"aa\" appears twice;"));
     starts({.entries = 1}, "has 2 entries, more than 1;");
     starts({.entryBytes = 1 << 20}, "the entry \"a\" unpacks to more than 1048576 bytes;");
     starts({.totalBytes = 4 << 20, .ratio = 100000}, "unpacks to more than 4194304 bytes;");

@@ -1,5 +1,6 @@
 #include "tests/kshmi/kshmi_test.h"
 #include "tests/workbench/import/import_test.h"
+#include "workbench/import/foreign_file.h"
 
 namespace workbench {
 namespace {
@@ -53,6 +54,13 @@ TEST_F(ImportCommand, keepsOriginAndSourcesInFilesThatAreChangedAfterwards) {
     ASSERT_EQ(runOn("move a c/d").code, 0);
     EXPECT_TRUE(contains(read(), R"({"path": "c/d", "eid": "af63dc4c8601ec8c", "source": "a", "outputs": ["x"]})"));
     EXPECT_TRUE(contains(read(), R"("locals": true)"));
+    write(fmi2(R"(<ScalarVariable name="a.x" valueReference="7" causality="output"><Real/></ScalarVariable>
+<ScalarVariable name="a.inner" valueReference="8" causality="local"><Real/></ScalarVariable>)"),
+          "unit.xml");
+    ASSERT_EQ(import({"--update"}).code, 0);
+    EXPECT_TRUE(contains(read(), R"("outputs": ["x", "inner"])")) << read();
+    EXPECT_EQ(workbench::hashOfFile(write(std::string(100'000, 'a'), "large")),
+              "sha1:c4d4b30851182fc4eb8675494d42fd7f17e29c93");
 }
 
 TEST_F(ImportCommand, keepsIdentifiersFromVersionToVersion) {
