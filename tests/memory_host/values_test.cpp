@@ -102,6 +102,24 @@ TEST_F(HostValues, structsThatShareAFieldReplaceItEachForItself) {
     EXPECT_EQ(hvGetField(other.get(), 0, "a"), nullptr);
 }
 
+TEST_F(HostValues, equalNeighboursAreKeptOnceAndColumnsJoined) {
+    const auto text = [](const char* one) { return hvCreateString(one); };
+    const auto column = [](const std::array<hvArray*, 3>& values) {
+        HvArrayPtr records = structOf(values.size());
+        for (std::size_t i = 0; i < values.size(); ++i) hvSetField(records.get(), i, "a", values[i]);
+        orvex::shareRepeats(records.get());
+        return records;
+    };
+    const char* const longText = "a text that is too long to be in place";
+    const std::array columns{column({text("short"), text(longText), text(longText)}),
+                             column({number(0.0).release(), number(-0.0).release(), structOf(2).release()})};
+    const HvArrayPtr all = orvex::joinedColumns(columns);
+    const auto valueAt = [&](std::size_t i) { return hvGetField(all.get(), i, "a"); };
+    EXPECT_EQ(hvGetNumberOfElements(all.get()), 6u);
+    for (std::size_t i = 0; i < 5; ++i) EXPECT_EQ(valueAt(i) == valueAt(i + 1), i == 1) << i;
+    EXPECT_EQ(hvArrayToStdString(valueAt(2)), longText);
+}
+
 TEST_F(HostValues, nullAndForeignValuesAreNeverUndefinedBehaviour) {
     const HvArrayPtr cell(hvCreateCellArray(1, std::array<std::size_t, 1>{2}.data()));
     for (const hvArray* value : {static_cast<const hvArray*>(nullptr), static_cast<const hvArray*>(cell.get())}) {

@@ -2,12 +2,15 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <set>
 #include <string_view>
 #include <utility>
 
+#include "memory_host/orvex/values/values.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -64,11 +67,9 @@ void ModelFileParts::end(Place place) {
             m_hasBlocks = true;
             return;
         case Place::signal:
-            if (m_stage == Stage::model && m_signals.size() == kSlice) handOver(m_signals);
-            return;
+            return endRecord(m_signals, Stage::model, m_keptSignals);
         case Place::client:
-            if (m_stage == Stage::signals && m_clients.size() == kSlice) handOver(m_clients);
-            return;
+            return endRecord(m_clients, Stage::signals, m_keptClients);
         case Place::signals:
             if (m_stage == Stage::model) endHandingOver(m_signals, Stage::signals);
             return;
@@ -246,10 +247,34 @@ void ModelFileParts::endParked() {
     m_parkedClients.takeLines();
 }
 
+void ModelFileParts::endRecord(RecordTable& table, Stage stage, std::vector<RecordSlice>& kept) {
+    if (table.size() < kSlice) return;
+    if (m_stage == stage) handOver(table);
+    if (!m_sink) keep(table, kept);
+}
+
+// Most fields of a record are as they are in the one before, and are kept once for both.
+void ModelFileParts::keep(RecordTable& table, std::vector<RecordSlice>& kept) {
+    kept.push_back(table.takeSlice());
+    orvex::shareRepeats(kept.back().records.get());
+}
+
+RecordSlice ModelFileParts::takeKept(RecordTable& table, std::vector<RecordSlice>& kept) {
+    keep(table, kept);
+    RecordSlice all;
+    std::vector<HvArrayPtr> columns;
+    for (RecordSlice& slice : kept) {
+        columns.push_back(std::move(slice.records));
+        std::ranges::move(slice.markedNames, std::back_inserter(all.markedNames));
+    }
+    all.records = orvex::joinedColumns(columns);
+    return all;
+}
+
 ModelFile ModelFileParts::finish() {
     kestrel::Model model = buildModel();
-    RecordSlice signals = m_signals.takeSlice();
-    RecordSlice clients = m_clients.takeSlice();
+    RecordSlice signals = takeKept(m_signals, m_keptSignals);
+    RecordSlice clients = takeKept(m_clients, m_keptClients);
     m_extras.markedNames = std::move(signals.markedNames);
     return {std::move(model),      std::move(signals.records), std::move(clients.records),
             m_signals.takeLines(), m_clients.takeLines(),      std::move(m_extras)};

@@ -71,6 +71,9 @@ private:
     void handOverModel();
     void handOver(RecordTable& table);
     void endHandingOver(RecordTable& table, Stage stage);
+    void endRecord(RecordTable& table, Stage stage, std::vector<RecordSlice>& kept);
+    static void keep(RecordTable& table, std::vector<RecordSlice>& kept);
+    static RecordSlice takeKept(RecordTable& table, std::vector<RecordSlice>& kept);
     template <class Action>
     void atSink(Action action);
     [[noreturn]] void fail(const std::string& text) const { m_file.fail(m_pointer(), text); }
@@ -91,6 +94,7 @@ private:
     std::vector<PlacedBlock> m_blocks;
     RecordTable m_signals;
     RecordTable m_clients;
+    std::vector<RecordSlice> m_keptSignals, m_keptClients;  ///< without a sink, all but the last ones
     RecordTable m_parkedSignals;
     RecordTable m_parkedClients;
     ModelExtras m_extras;

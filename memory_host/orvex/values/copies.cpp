@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <utility>
+
 #include "memory_host/orvex/account/faults.h"
 #include "memory_host/orvex/account/scope_of_value.h"
 #include "memory_host/orvex/calls/errors.h"
@@ -44,12 +47,58 @@ const hvArray& copyable(const hvArray* value) {
     return *value;
 }
 
+StructData& structIn(hvArray* value) {
+    if (auto* const data = payloadOf<StructData>(value)) return *data;
+    raise("WrongClass", "This takes structs only, not " + describeValue(value) + ".");
+}
+
+bool isSame(const hvArray& one, const hvArray& other) {
+    if (one.m_class != other.m_class || !std::ranges::equal(one.m_dimensions.lengths(), other.m_dimensions.lengths()))
+        return false;
+    const auto* const elements = payloadOf<Elements>(&one);
+    const auto* const others = payloadOf<Elements>(&other);
+    if (elements && others) return *elements == *others;
+    const auto* const fields = payloadOf<StructData>(&one);
+    const auto* const otherFields = payloadOf<StructData>(&other);
+    return fields && otherFields && fields->names->size() == 0 && otherFields->names->size() == 0;
+}
+
 }  // namespace
 
 HvArrayPtr shareOf(const hvArray* value) {
     const hvArray& original = copyable(value);
     if (original.m_lifetime != Lifetime::contained) return sharedDataCopy(original, "shareOf");
     return HvArrayPtr(SharedValue(const_cast<hvArray*>(value)).detach());
+}
+
+void shareRepeats(hvArray* structArray) {
+    StructData& data = structIn(structArray);
+    const std::size_t fields = data.names->size();
+    for (std::size_t i = fields; i < data.values.size(); ++i) {
+        const SharedValue before = data.values[i - fields];
+        const SharedValue& value = data.values[i];
+        if (before && value && before != value && isSame(*before, *value)) data.values.forWriting(i) = before;
+    }
+}
+
+HvArrayPtr joinedColumns(std::span<const HvArrayPtr> columns) {
+    faults::point(faults::Operation::createValue);
+    if (columns.empty()) raise("InvalidArgument", "There is nothing to join.");
+    std::size_t count = 0;
+    for (const HvArrayPtr& column : columns) count += structIn(column.get()).values.size();
+    const FieldNames::Ptr names = structIn(columns.front().get()).names;
+    StructData joined{names, Children(count)};
+    std::size_t at = 0;
+    for (const HvArrayPtr& column : columns) {
+        const StructData& data = structIn(column.get());
+        if (!std::equal(names->begin(), names->end(), data.names->begin(), data.names->end()))
+            raise("InvalidArgument", "Structs with different fields cannot be joined.");
+        for (std::size_t i = 0; i < data.values.size(); ++i) joined.values.forWriting(at++) = data.values[i];
+    }
+    const std::size_t rows = names->size() == 0 ? 0 : count / names->size();
+    HvArrayPtr result = makeValue(hvSTRUCT_CLASS, Dimensions(rows, 1), std::move(joined), "joinedColumns");
+    result->m_fromFile = columns.front()->m_fromFile;
+    return result;
 }
 
 }  // namespace orvex

@@ -36,6 +36,11 @@ public:
     }
 
     const void* data() const noexcept { return m_many ? m_many->data() : m_few.data(); }
+    /// Of values of the same class and size.
+    bool operator==(const Elements& other) const noexcept {
+        const std::size_t bytes = m_many ? m_many->size() : kInPlace;
+        return std::memcmp(data(), other.data(), bytes) == 0;
+    }
     void* dataForWriting() {
         if (m_many && m_many->isShared()) m_many = SharedArray<std::byte>::copyOf(*m_many);
         return m_many ? m_many->data() : m_few.data();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -26,6 +27,13 @@ OX_API std::string describeValue(const hvArray* value);
 /// changes a value while it is in a container. Null stands for no value. Counts as writing a field, and throws as that
 /// does; also for a value that is in no container.
 OX_API void shareField(hvArray* structArray, std::size_t index, const char* name, const hvArray* value);
+
+/// Has elements of a struct array that hold the same text, numbers or empty struct in a field as the one in front of them
+/// share it: it takes less room and reads as before. Throws for any other value.
+OX_API void shareRepeats(hvArray* structArray);
+/// Struct arrays of the same fields, one behind the other as one N x 1; the values are shared with them. It is from a
+/// saved file when the first one is. Counts as creating a value. Throws for other values, and when there are none.
+OX_API HvArrayPtr joinedColumns(std::span<const HvArrayPtr> columns);
 
 /// Marks a struct array as read from a saved file (its class word is then 18). Throws for any other value.
 OX_API void markAsPersisted(hvArray* structArray);
