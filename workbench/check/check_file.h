@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,5 +29,25 @@ struct CheckedFile {
 CheckedFile checkFile(const std::string& path);
 /// The same of a text; `path` stands for its file.
 CheckedFile checkText(const std::string& path, const std::string& text);
+
+class RecordsCheck;
+
+/// Checks a model while it is being written: finds what a check of the file would find, without lines.
+class WrittenCheck {
+public:
+    /// `signals` and `clients` say how many there are. The model must outlive it, and not change meanwhile.
+    WrittenCheck(std::string path, const kestrel::Model& model, std::size_t signals, std::size_t clients);
+    ~WrittenCheck();
+    WrittenCheck(const WrittenCheck&) = delete;
+    WrittenCheck& operator=(const WrittenCheck&) = delete;
+    /// The next records: all signals in front of the clients, in order.
+    void take(RecordKind kind, const hvArray* records, const MarkedNameList& markedNames);
+    /// What was found, when all were taken.
+    CheckedFile end(const std::vector<ParkedMark>& parked);
+
+private:
+    CheckedFile m_checked;
+    std::unique_ptr<RecordsCheck> m_checks;
+};
 
 }  // namespace workbench

@@ -19,20 +19,17 @@ namespace {
 
 using ks_hmi::SignalClient;
 
-class ClientChecks {
+class ClientChecks final : public SliceChecks {
 public:
-    explicit ClientChecks(CheckedFile& checked)
-        : m_model(checked.contents->model), m_checks(checked, RecordKind::client) {
-        const hvArray* const signals = checked.contents->signals.get();
-        for (const std::size_t i : ks_host::indicesOf(signals))
-            if (const hvArray* const uuid = hvGetField(signals, i, "UUID"))
-                m_signals.insert(toUtf8(ks_host::textOf(uuid)));
-    }
+    ClientChecks(CheckedFile& checked, const kestrel::Model& model, const std::unordered_set<std::string>& signals,
+                 const CheckedList& list)
+        : m_model(model), m_checks(checked, RecordKind::client, list), m_signals(signals) {}
 
-    void run() {
+    void take(const CheckedSlice& slice) override {
         m_checks.each<SignalClient>(
-            [this](const SignalClient& client, std::size_t position) { check(client, position); });
+            slice, [this](const SignalClient& client, std::size_t position) { check(client, position); });
     }
+    void end() override {}
 
 private:
     void check(const SignalClient& client, std::size_t position);
@@ -45,7 +42,7 @@ private:
 
     const kestrel::Model& m_model;
     RecordChecks m_checks;
-    std::unordered_set<std::string> m_signals;
+    const std::unordered_set<std::string>& m_signals;  // UUIDs
 };
 
 void ClientChecks::check(const SignalClient& client, std::size_t position) {
@@ -83,6 +80,9 @@ void ClientChecks::checkParameters(const SignalClient& client, std::size_t posit
 
 }  // namespace
 
-void checkClients(CheckedFile& checked) { ClientChecks(checked).run(); }
+std::unique_ptr<SliceChecks> clientChecks(CheckedFile& checked, const kestrel::Model& model,
+                                          const std::unordered_set<std::string>& signals, const CheckedList& list) {
+    return std::make_unique<ClientChecks>(checked, model, signals, list);
+}
 
 }  // namespace workbench

@@ -61,38 +61,37 @@ struct PlaceHash {
     }
 };
 
-class MarkChecks {
+class MarkChecks final : public SliceChecks {
 public:
-    explicit MarkChecks(CheckedFile& checked)
-        : m_model(checked.contents->model),
-          m_extras(checked.contents->extras),
-          m_checks(checked, RecordKind::signal),
-          m_names(m_model) {
-        m_places.reserve(m_checks.count());
+    MarkChecks(CheckedFile& checked, const kestrel::Model& model, const CheckedList& list)
+        : m_model(model), m_checks(checked, RecordKind::signal, list), m_names(model) {
+        m_places.reserve(list.count);
         m_isModelWhole = std::none_of(checked.findings.begin(), checked.findings.end(),
                                       [](const Finding& finding) { return finding.code == FindingCode::blockPlace; });
     }
 
-    void run() {
-        m_checks.each<SignalSpecification>(
-            [this](const SignalSpecification& signal, std::size_t position) { check(signal, position); });
-        tellUnconfirmed();
+    void take(const CheckedSlice& slice) override {
+        m_checks.each<SignalSpecification>(slice, [&](const SignalSpecification& signal, std::size_t position) {
+            const std::size_t i = position - slice.first;
+            const bool hasName = i < slice.markedNames.size() && slice.markedNames[i];
+            check(signal, position, hasName ? &*slice.markedNames[i] : nullptr);
+        });
     }
+    // Tells of unconfirmed ones.
+    void end() override;
 
 private:
-    void check(const SignalSpecification& signal, std::size_t position);
+    void check(const SignalSpecification& signal, std::size_t position, const std::u16string* markedName);
     // Whether the name says where the signal has gone.
-    bool checkName(const SignalSpecification& signal, std::size_t position);
+    bool checkName(const SignalSpecification& signal, std::size_t position, const std::u16string* markedName);
     void checkParameters(const SignalSpecification& signal, std::size_t position);
     void checkPlace(const SignalSpecification& signal, std::size_t position);
     void add(FindingCode code, const SignalSpecification& signal, std::size_t position, const std::string& field,
              std::string text);
     void addMisfit(const SignalFault& fault, const SignalSpecification& signal, std::size_t position);
     std::string subjectOf(const SignalSpecification& signal) const;
-    void tellUnconfirmed();
 
     const kestrel::Model& m_model;
-    const ModelExtras& m_extras;
     RecordChecks m_checks;
     NameChecker m_names;
     ChartItemFinder m_items;
@@ -102,10 +101,10 @@ private:
     std::size_t m_firstUnconfirmed = 0;
 };
 
-void MarkChecks::check(const SignalSpecification& signal, std::size_t position) {
+void MarkChecks::check(const SignalSpecification& signal, std::size_t position, const std::u16string* markedName) {
     if (Finding* const finding = m_checks.checkUuid(signal.m_uuid, position)) finding->subject = subjectOf(signal);
     const std::optional<SignalFault> fault = sourceFault(signal, m_model, m_items);
-    const bool isFollowed = (!fault || fault->isDangling) && checkName(signal, position);
+    const bool isFollowed = (!fault || fault->isDangling) && checkName(signal, position, markedName);
     const bool isTold =
         fault && ((isFollowed && fault->isDangling) || (fault->misfit == Misfit::blockGone && !m_isModelWhole));
     if (fault && !isTold) addMisfit(*fault, signal, position);
@@ -116,8 +115,8 @@ void MarkChecks::check(const SignalSpecification& signal, std::size_t position) 
     if (!fault) checkPlace(signal, position);
 }
 
-bool MarkChecks::checkName(const SignalSpecification& signal, std::size_t position) {
-    const NameCheck name = m_names.check(signal, m_extras.markedName(position));
+bool MarkChecks::checkName(const SignalSpecification& signal, std::size_t position, const std::u16string* markedName) {
+    const NameCheck name = m_names.check(signal, markedName);
     if (name.state == NameState::unconfirmed && name.nameNow && m_unconfirmed++ == 0) m_firstUnconfirmed = position;
     const bool isElsewhere = name.state == NameState::moved || name.state == NameState::ambiguous;
     if (!isElsewhere && !(name.state == NameState::gone && name.nameNow)) return false;
@@ -161,7 +160,7 @@ std::string MarkChecks::subjectOf(const SignalSpecification& signal) const {
     return toUtf8(source.block ? fullName(m_model, source) : m_model.name() + u"/" + signal.m_blockPath);
 }
 
-void MarkChecks::tellUnconfirmed() {
+void MarkChecks::end() {
     if (m_unconfirmed == 0) return;
     m_checks.add(FindingCode::unconfirmed, m_firstUnconfirmed, "",
                  m_unconfirmed == 1
@@ -202,10 +201,11 @@ std::string describe(const ParkedMark& mark) {
 
 }  // namespace
 
-void checkMarks(CheckedFile& checked) { MarkChecks(checked).run(); }
+std::unique_ptr<SliceChecks> markChecks(CheckedFile& checked, const kestrel::Model& model, const CheckedList& list) {
+    return std::make_unique<MarkChecks>(checked, model, list);
+}
 
-void checkParked(CheckedFile& checked) {
-    const std::vector<ParkedMark>& parked = checked.contents->extras.parked;
+void checkParked(CheckedFile& checked, const std::vector<ParkedMark>& parked) {
     for (std::size_t i = 0; i < parked.size(); ++i) {
         Finding& finding = checked.findings.emplace_back();
         finding.code = FindingCode::parked;

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "workbench/check/check_file.h"
+#include "workbench/check/record_checks.h"
 #include "workbench/session/signal_source.h"
 
 namespace workbench {
@@ -18,9 +21,9 @@ struct ChartParameters {
 /// sub-path; the activity is the signal's, of a datum the one that there is. Nothing when there is a choice.
 std::optional<ChartParameters> chartParameters(const kestrel::Model& model, const ks_hmi::SignalSpecification& signal);
 
-/// Adds findings about the signals of the contents.
-void checkMarks(CheckedFile& checked);
-/// The same about parked marks.
-void checkParked(CheckedFile& checked);
+/// Adds findings about the signals of a file. What is given must outlive it, but for the list.
+std::unique_ptr<SliceChecks> markChecks(CheckedFile& checked, const kestrel::Model& model, const CheckedList& list);
+/// Adds findings about parked marks.
+void checkParked(CheckedFile& checked, const std::vector<ParkedMark>& parked);
 
 }  // namespace workbench

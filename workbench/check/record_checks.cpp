@@ -21,12 +21,10 @@ std::string recordPointer(const std::string& pointer) {
 
 }  // namespace
 
-RecordChecks::RecordChecks(CheckedFile& checked, RecordKind kind)
-    : m_checked(checked),
-      m_kind(kind),
-      m_records(kind == RecordKind::signal ? checked.contents->signals.get() : checked.contents->clients.get()) {
+RecordChecks::RecordChecks(CheckedFile& checked, RecordKind kind, const CheckedList& list)
+    : m_checked(checked), m_kind(kind), m_lines(list.lines) {
+    m_uuids.reserve(list.count);
     for (const Finding& finding : checked.findings) m_faulty.insert(recordPointer(finding.place.pointer));
-    m_uuids.reserve(count());
 }
 
 bool RecordChecks::isFaulty(std::size_t position) const {
@@ -35,8 +33,8 @@ bool RecordChecks::isFaulty(std::size_t position) const {
 }
 
 Finding& RecordChecks::add(FindingCode code, std::size_t position, const std::string& field, std::string text) {
-    const ModelFile& file = *m_checked.contents;
-    const auto& lines = m_kind == RecordKind::signal ? file.signalLines : file.clientLines;
+    static const RecordLines kNoLines;
+    const RecordLines& lines = m_lines ? *m_lines : kNoLines;
     return m_checked.findings.emplace_back(Finding{.code = code,
                                                    .place = recordPlace(m_checked.path, m_kind, lines, position, field),
                                                    .text = std::move(text),

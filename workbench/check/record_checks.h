@@ -13,18 +13,42 @@
 /// What the checks of signals and of clients have in common.
 namespace workbench {
 
+/// Records that follow one another in a file.
+struct CheckedSlice {
+    const hvArray* records;             ///< struct array with the saved fields
+    const MarkedNameList& markedNames;  ///< of signals; the last ones may be left out
+    std::size_t first = 0;              ///< position of the first one in the file, 0-based
+};
+
+/// What is known of a file's records of one kind before they come.
+struct CheckedList {
+    std::size_t count = 0;
+    const RecordLines* lines = nullptr;  ///< where they are; null when there is no file yet
+};
+
+/// The checks of one kind of records, which come slice by slice.
+class SliceChecks {
+public:
+    virtual ~SliceChecks() = default;
+    virtual void take(const CheckedSlice& slice) = 0;
+    /// All were taken.
+    virtual void end() = 0;
+};
+
 /// Adds findings about the records of one kind.
 class RecordChecks {
 public:
-    RecordChecks(CheckedFile& checked, RecordKind kind);
+    RecordChecks(CheckedFile& checked, RecordKind kind, const CheckedList& list);
 
-    std::size_t count() const noexcept { return hvGetNumberOfElements(m_records); }
-    /// Runs `check(record, position)` for each record that can be read. A field that the host refuses is a finding.
+    /// Runs `check(record, position)` for each of these records that can be read. A field that the host refuses is a
+    /// finding.
     template <class Record, class Check>
-    void each(Check check) {
-        for (const std::size_t i : ks_host::indicesOf(m_records)) {
+    void each(const CheckedSlice& slice, Check check) {
+        for (const std::size_t i : ks_host::indicesOf(slice.records)) {
             Record record;
-            if (!isFaulty(i) && isRead(i, [&] { record.setFromPersistentData(m_records, i); })) check(record, i);
+            const std::size_t position = slice.first + i;
+            const auto read = [&] { record.setFromPersistentData(slice.records, i); };
+            if (!isFaulty(position) && isRead(position, read)) check(record, position);
         }
     }
     Finding& add(FindingCode code, std::size_t position, const std::string& field, std::string text);
@@ -53,7 +77,7 @@ private:
 
     CheckedFile& m_checked;
     RecordKind m_kind;
-    const hvArray* m_records;
+    const RecordLines* m_lines;
     std::unordered_set<std::string> m_faulty;  ///< pointers of records
     std::unordered_map<std::string, std::size_t> m_uuids;
 };

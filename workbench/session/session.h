@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/hv_array.h"
@@ -94,6 +96,12 @@ public:
     /// What `save` would write, as a text.
     std::string text();
 
+    /// Sees records when they are saved: a slice of them as the file will have it, in order, all signals in front of
+    /// the clients.
+    using SaveWatch = std::function<void(RecordKind kind, const hvArray* records, const MarkedNameList& markedNames)>;
+    /// From now on `watch` sees what is written, as a file or as a text; null: nobody does.
+    void watchSaves(SaveWatch watch) { m_watch = std::move(watch); }
+
 private:
     class Loader;
     template <class Load>
@@ -107,6 +115,7 @@ private:
 
     /// What `save` writes. Throws `Error` when that must not be. The session must outlive it.
     ModelContents contents();
+    SliceSink watched(RecordKind kind, const SliceSink& sink) const;
     void saveSignals(const SliceSink& sink) const;
     void saveClients(const SliceSink& sink) const;
     SaveResult noteWritten(WrittenFile file);
@@ -122,6 +131,7 @@ private:
     ModelExtras m_extras;
     std::vector<SignalFault> m_dangling;
     TextSink m_sink;
+    SaveWatch m_watch;
     std::optional<MarkedNames> m_names;
     bool m_keepsUnsettled = false;
     std::optional<FileVersion> m_version;  ///< of the file that was read or saved last

@@ -89,10 +89,18 @@ void Session::saveClients(const SliceSink& sink) const {
                                        [&](const auto&, const HvArrayPtr& records) { sink(records.get(), {}); });
 }
 
+SliceSink Session::watched(RecordKind kind, const SliceSink& sink) const {
+    if (!m_watch) return sink;
+    return [this, kind, &sink](const hvArray* records, const MarkedNameList& markedNames) {
+        m_watch(kind, records, markedNames);
+        sink(records, markedNames);
+    };
+}
+
 ModelContents Session::contents() {
     requireSettledNames();
-    return {model(), [this](const SliceSink& sink) { saveSignals(sink); },
-            [this](const SliceSink& sink) { saveClients(sink); }, m_extras};
+    return {model(), [this](const SliceSink& sink) { saveSignals(watched(RecordKind::signal, sink)); },
+            [this](const SliceSink& sink) { saveClients(watched(RecordKind::client, sink)); }, m_extras};
 }
 
 std::size_t Session::leftOut() const {
