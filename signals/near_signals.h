@@ -12,7 +12,7 @@
 
 namespace ks_hmi {
 
-/// The first signals of an index's keys once more, as long as the processor's caches hold them easily. A question
+/// The first signals of an index's keys once more, as long as the processor's first cache holds them. A question
 /// compares all keys of one cache line: hits and misses take the same way, and the processor has nothing to guess.
 /// Borrows the signals.
 class NearSignals {
@@ -65,7 +65,7 @@ public:
 private:
     static constexpr std::size_t kPlaces = 3;
     static constexpr std::size_t kFewestLines = 4;
-    static constexpr std::size_t kMostLines = 16'384;  // 1 MiB
+    static constexpr std::size_t kMostLines = 512;  // 32 KiB
 
     struct alignas(64) Line {
         std::array<std::uint64_t, kPlaces> keys{};
