@@ -5,10 +5,12 @@
 #include <vector>
 
 #include "kshmi/commands/command_line.h"
+#include "kshmi/large_pages.h"
 #include "kshmi/print/terminal.h"
 #include "workbench/session/host_process.h"
 
 int main(int argc, char** argv) {
+    kshmi::useLargePages();
     std::ios::sync_with_stdio(false);
     const kshmi::Output output{std::cout, std::cerr, kshmi::isColourWelcome(STDOUT_FILENO),
                                kshmi::columnsOfTerminal(STDOUT_FILENO), ::isatty(STDERR_FILENO) == 1};

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/text.h"
+#include "memory_host/kestrel/text_index.h"
 
 namespace kestrel {
 
@@ -43,6 +44,9 @@ void checkPath(std::u16string_view path) {
                      holder.eid);
 }
 
+std::u16string_view pathOf(const Block& block) { return block.path; }
+std::string_view eidOf(const Block& block) { return block.eid; }
+
 bool isBelow(std::u16string_view path, std::u16string_view parent) {
     return path.size() > parent.size() && path.starts_with(parent) && path[parent.size()] == u'/';
 }
@@ -57,7 +61,14 @@ bool isBlockPath(std::u16string_view text) noexcept {
            text.find(u"//") == std::u16string_view::npos;
 }
 
-Model::Model(std::u16string name) : m_name(std::move(name)) { checkName(m_name); }
+struct Model::Indexes {
+    TextIndex<Block, std::u16string_view, pathOf> byPath;
+    TextIndex<Block, std::string_view, eidOf> byEid;
+};
+
+Model::Model(std::u16string name) : m_name(std::move(name)), m_indexes(std::make_unique<Indexes>()) {
+    checkName(m_name);
+}
 Model::Model(Model&&) noexcept = default;
 Model& Model::operator=(Model&&) noexcept = default;
 Model::~Model() = default;
@@ -73,50 +84,37 @@ const Block& Model::add(Block block) {
         const std::string text = fl::i18n::to_string(block.path);
         throw ModelError("The block " + quoted(text) + " needs an element identifier.", text);
     }
+    checkNames(block);
     Block& added = m_blocks.emplace_back(std::move(block));
     try {
-        enterNames(added);
-        added.handle = m_nextHandle ? m_nextHandle() : 0.0;
-        enterHandle(added);
+        enterNames(m_blocks.size() - 1);
     } catch (...) {
-        forget(added);
+        m_indexes->byPath.erase(m_blocks, m_blocks.size() - 1);
         m_blocks.pop_back();
         throw;
     }
+    added.handle = m_nextHandle ? m_nextHandle() : 0.0;
     return added;
 }
 
-// Each text is hashed once: who has it already is found on the way.
-void Model::enterNames(Block& block) {
-    const auto [byPath, isNewPath] = m_byPath.emplace(block.path, &block);
-    if (!isNewPath) throwPathTaken(m_name, *byPath->second);
-    const auto [byEid, isNewEid] = m_byEid.emplace(block.eid, &block);
-    if (!isNewEid) throwEidTaken(m_name, *byEid->second);
+void Model::checkNames(const Block& block) const {
+    if (const auto holder = m_indexes->byPath.searched(m_blocks, block.path)) throwPathTaken(m_name, m_blocks[*holder]);
+    if (const auto holder = m_indexes->byEid.searched(m_blocks, block.eid)) throwEidTaken(m_name, m_blocks[*holder]);
 }
 
-void Model::enterHandle(Block& block) {
-    if (m_nextHandle) m_byHandle.emplace(block.handle, &block);
-}
-
-void Model::forget(const Block& block) noexcept {
-    const auto byPath = m_byPath.find(block.path);
-    if (byPath != m_byPath.end() && byPath->second == &block) m_byPath.erase(byPath);
-    const auto byEid = m_byEid.find(block.eid);
-    if (byEid != m_byEid.end() && byEid->second == &block) m_byEid.erase(byEid);
+void Model::enterNames(std::size_t position) {
+    m_indexes->byPath.insert(m_blocks, position);
+    m_indexes->byEid.insert(m_blocks, position);
 }
 
 std::size_t Model::remove(std::u16string_view path) {
     const std::u16string removed(path);
     const auto isRemoved = [&](const Block& block) { return block.path == removed || isBelow(block.path, removed); };
     if (std::none_of(m_blocks.begin(), m_blocks.end(), isRemoved)) throwNoBlock(m_name, path);
-    m_byPath.clear();
-    m_byEid.clear();
-    m_byHandle.clear();
+    m_indexes->byPath.clear();
+    m_indexes->byEid.clear();
     const std::size_t count = std::erase_if(m_blocks, isRemoved);
-    for (Block& block : m_blocks) {
-        enterNames(block);
-        enterHandle(block);
-    }
+    for (std::size_t position = 0; position < m_blocks.size(); ++position) enterNames(position);
     return count;
 }
 
@@ -125,33 +123,31 @@ std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
     checkPath(newPath);
     if (isBelow(newPath, path)) throw ModelError("A block cannot move below itself, to " + quoted(text) + ".", text);
 
-    std::vector<std::pair<Block*, std::u16string>> moving;
+    std::vector<std::pair<std::size_t, std::u16string>> moving;
     std::unordered_set<const Block*> isMoving;
-    for (Block& block : m_blocks) {
+    for (std::size_t position = 0; position < m_blocks.size(); ++position) {
+        const Block& block = m_blocks[position];
         if (block.path != path && !isBelow(block.path, path)) continue;
-        moving.emplace_back(&block, std::u16string(newPath) + block.path.substr(path.size()));
+        moving.emplace_back(position, std::u16string(newPath) + block.path.substr(path.size()));
         isMoving.insert(&block);
     }
     if (moving.empty()) throwNoBlock(m_name, path);
-    for (const auto& [block, movedPath] : moving) {
+    for (const auto& [position, movedPath] : moving) {
         const Block* there = findByPath(movedPath);
         if (there && !isMoving.contains(there)) throwPathTaken(m_name, *there);
     }
-    std::vector<decltype(m_byPath)::node_type> entries;
-    entries.reserve(moving.size());
-    for (const auto& [block, movedPath] : moving) entries.push_back(m_byPath.extract(block->path));
-    for (std::size_t i = 0; i < moving.size(); ++i) {
-        moving[i].first->path = std::move(moving[i].second);
-        entries[i].key() = moving[i].first->path;
-        m_byPath.insert(std::move(entries[i]));
+    for (const auto& [position, movedPath] : moving) m_indexes->byPath.erase(m_blocks, position);
+    for (auto& [position, movedPath] : moving) {
+        m_blocks[position].path = std::move(movedPath);
+        m_indexes->byPath.insert(m_blocks, position);
     }
     return moving.size();
 }
 
 Block& Model::blockAt(std::u16string_view path) {
-    const auto found = m_byPath.find(path);
-    if (found == m_byPath.end()) throwNoBlock(m_name, path);
-    return *found->second;
+    const auto found = m_indexes->byPath.find(m_blocks, path);
+    if (!found) throwNoBlock(m_name, path);
+    return m_blocks[*found];
 }
 
 void Model::setOutputs(std::u16string_view path, std::vector<std::u16string> outputs) {
@@ -161,18 +157,25 @@ void Model::setOutputs(std::u16string_view path, std::vector<std::u16string> out
 void Model::setChart(std::u16string_view path, Chart chart) { blockAt(path).chart = std::move(chart); }
 
 const Block* Model::findByPath(std::u16string_view path) const noexcept {
-    const auto found = m_byPath.find(path);
-    return found == m_byPath.end() ? nullptr : found->second;
+    const auto found = m_indexes->byPath.find(m_blocks, path);
+    return found ? &m_blocks[*found] : nullptr;
 }
 
 const Block* Model::findByEid(std::string_view eid) const noexcept {
-    const auto found = m_byEid.find(eid);
-    return found == m_byEid.end() ? nullptr : found->second;
+    const auto found = m_indexes->byEid.find(m_blocks, eid);
+    return found ? &m_blocks[*found] : nullptr;
 }
 
+// Handles ascend, by 1 when one block is loaded after the other.
 const Block* Model::findByHandle(double handle) const noexcept {
-    const auto found = m_byHandle.find(handle);
-    return found == m_byHandle.end() ? nullptr : found->second;
+    if (!m_nextHandle || m_blocks.empty()) return nullptr;
+    const double distance = handle - m_blocks.front().handle;
+    if (!(distance >= 0.0 && handle <= m_blocks.back().handle)) return nullptr;
+    const auto guess = static_cast<std::size_t>(distance);
+    if (guess < m_blocks.size() && m_blocks[guess].handle == handle) return &m_blocks[guess];
+    const auto found = std::lower_bound(m_blocks.begin(), m_blocks.end(), handle,
+                                        [](const Block& block, double wanted) { return block.handle < wanted; });
+    return found != m_blocks.end() && found->handle == handle ? &*found : nullptr;
 }
 
 std::u16string Model::fullPath(const Block& block) const {
@@ -183,12 +186,7 @@ std::u16string Model::fullPath(const Block& block) const {
 
 void Model::assignHandles(double (*nextHandle)()) {
     m_nextHandle = nextHandle;
-    m_byHandle.clear();
-    m_byHandle.reserve(m_blocks.size());
-    for (Block& block : m_blocks) {
-        block.handle = nextHandle();
-        m_byHandle.emplace(block.handle, &block);
-    }
+    for (Block& block : m_blocks) block.handle = nextHandle();
 }
 
 }  // namespace kestrel

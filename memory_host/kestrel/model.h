@@ -3,11 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "host/api.h"
@@ -58,8 +58,9 @@ struct Block {
     std::optional<std::string> source = {};    ///< UTF-8; what an imported block is called where it comes from
 };
 
-/// A model: its name and its blocks in the order they were added. Look-ups by path, element
-/// identifier and handle take constant time. Blocks stay where they are in memory until one is removed.
+/// A model: its name and its blocks in the order they were added. Look-ups by path and element identifier take constant
+/// time; so do those by handle until a block of the model is removed while it is loaded, then logarithmic. Blocks stay
+/// where they are in memory until one is removed.
 class OX_API Model {
 public:
     /// Throws `ModelError` for a name that is empty or contains '/' or ':'.
@@ -101,17 +102,14 @@ private:
     friend class Models;
     void assignHandles(double (*nextHandle)());
     Block& blockAt(std::u16string_view path);
-    void enterNames(Block& block);
-    void enterHandle(Block& block);
-    void forget(const Block& block) noexcept;
+    void checkNames(const Block& block) const;
+    void enterNames(std::size_t position);
 
+    struct Indexes;
     std::u16string m_name;
-    double (*m_nextHandle)() = nullptr;  ///< null while the model is not loaded
+    double (*m_nextHandle)() = nullptr;  ///< null while the model is not loaded; each is greater than those before
     std::deque<Block> m_blocks;
-    // The keys view the texts inside the blocks, whose addresses are stable.
-    std::unordered_map<std::u16string_view, Block*> m_byPath;
-    std::unordered_map<std::string_view, Block*> m_byEid;
-    std::unordered_map<double, Block*> m_byHandle;
+    std::unique_ptr<Indexes> m_indexes;
 };
 
 }  // namespace kestrel

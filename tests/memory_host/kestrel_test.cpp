@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <functional>
 #include <set>
 #include <string>
@@ -61,6 +62,32 @@ TEST_F(Kestrel, moveTakesTheSubtreeAlongAndNoNeighbour) {
     EXPECT_EQ(model.findByPath(u"Intake/Air/Throttle")->eid, "2");
     EXPECT_EQ(model.findByPath(u"Air/Throttle"), nullptr);
     EXPECT_EQ(model.findByPath(u"Airbag")->eid, "3");
+}
+
+TEST_F(Kestrel, blocksAreFoundWhateverWasAskedForBefore) {
+    Model& model = loadedModels().load(engine()).model();
+    const auto expectAll = [&] {
+        // Forwards, backwards, and one again.
+        for (const std::size_t i : {0, 1, 2, 3, 3, 2, 1, 0, 2}) {
+            if (i >= model.blocks().size()) continue;
+            const Block& block = model.blocks()[i];
+            EXPECT_EQ(model.findByPath(block.path), &block);
+            EXPECT_EQ(model.findByEid(block.eid), &block);
+            EXPECT_EQ(model.findByHandle(block.handle), &block);
+            EXPECT_EQ(model.findByHandle(block.handle + 0.25), nullptr);
+        }
+        for (const double handle : {0.0, -1.0, 1e300, std::nan("")}) EXPECT_EQ(model.findByHandle(handle), nullptr);
+    };
+    model.add({.path = u"Cabin", .eid = "4"});
+    expectAll();
+    const double removed = model.findByEid("1")->handle;
+    EXPECT_EQ(model.remove(u"Air"), 2u);
+    EXPECT_EQ(model.findByHandle(removed), nullptr);
+    EXPECT_EQ(model.findByEid("1"), nullptr);
+    expectAll();
+    model.add({.path = u"Air", .eid = "1"});
+    model.move(u"Cabin", u"Air/Cabin");
+    expectAll();
 }
 
 TEST_F(Kestrel, aRefusedBlockLeavesNothingBehind) {

@@ -1,8 +1,11 @@
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <span>
 #include <vector>
 
 #include "host/text.h"
@@ -70,6 +73,22 @@ TEST_F(HostValues, sharedCopyKeepsItsDataWhenTheOtherIsWritten) {
     static_cast<char16_t*>(hvGetDataForWriting(other.get()))[0] = u'x';
     EXPECT_EQ(hvArrayToStdString(one.get()) + hvArrayToStdString(other.get()),
               "more than fits in placexore than fits in place");
+}
+
+TEST_F(HostValues, aStructColumnTakesItsValuesOver) {
+    constexpr std::array kNames{"a", "b"};
+    std::array<HvArrayPtr, 4> values{number(1), nullptr, text("two"), number(4)};
+    const HvArrayPtr column = orvex::makeStructColumn(kNames, values);
+    EXPECT_EQ(orvex::describeValue(column.get()), "struct 2x1");
+    EXPECT_EQ(hvGetScalar(hvGetField(column.get(), 0, "a")), 1);
+    EXPECT_EQ(hvGetField(column.get(), 0, "b"), nullptr);
+    EXPECT_EQ(hvArrayToStdString(hvGetField(column.get(), 1, "a")), "two");
+    EXPECT_EQ(hvGetScalar(hvGetField(column.get(), 1, "b")), 4);
+    EXPECT_TRUE(std::none_of(values.begin(), values.end(), [](const HvArrayPtr& value) { return value != nullptr; }));
+    EXPECT_EQ(orvex::describeValue(orvex::makeStructColumn(kNames, {}).get()), "struct 0x1");
+    values[0] = number(1);
+    const std::span three(values.begin(), 3);
+    EXPECT_TRUE(failureOf([&] { orvex::makeStructColumn(kNames, three); }).starts_with("InvalidDimensions"));
 }
 
 TEST_F(HostValues, deepCopySharesNothingAndKeepsTheOrigin) {

@@ -137,6 +137,10 @@ void JsonFile::readChunk(Parser& parser, JsonSink& sink, PlainElement& element, 
     while (!chunk.empty()) {
         // After the comma the parser waits for another element, and does so again after one that it has not seen.
         const bool isAtElement = m_column == 0 && m_before == ',' && parser.handler().isInArray();
+        if (const std::size_t taken = isAtElement ? sink.takeElement(chunk, m_line) : 0) {
+            chunk.remove_prefix(taken);
+            continue;
+        }
         if (isAtElement && element.scan(chunk)) {
             element.tell(sink, m_line);
             chunk.remove_prefix(element.size());

@@ -27,6 +27,12 @@ public:
     virtual void number(std::string_view text) = 0;
     virtual void boolean(bool value) = 0;
     virtual void null() = 0;
+    /// `text` starts with an array's next element, in a place of its own on the line `line`. A sink that takes the
+    /// element by itself, with the comma and the end of the line behind it, answers how long that is, and leaves the
+    /// line behind it in `line`; 0 otherwise, and it is told piece by piece.
+    virtual std::size_t takeElement([[maybe_unused]] std::string_view text, [[maybe_unused]] std::size_t& line) {
+        return 0;
+    }
 };
 
 /// A file that holds one JSON document.

@@ -72,7 +72,6 @@ public:
         appendJsonText(written, key);
         return written += ": ";
     }
-    JsonObject& written(std::string_view memberName) { return next(), m_out += memberName, *this; }
     JsonObject& text(std::string_view key, std::u16string_view value) {
         return name(key), appendJsonText(m_out, value), *this;
     }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "workbench/json/plain_text.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
@@ -12,9 +13,11 @@ namespace {
 
 constexpr char kFirstUnescaped = 0x20;
 
-bool needsEscape(char c) noexcept { return c == '"' || c == '\\' || (c >= 0 && c < kFirstUnescaped); }
+bool needsEscape(char c) noexcept { return (c == '"') | (c == '\\') | ((c >= 0) & (c < kFirstUnescaped)); }
 // Whether UTF-8 has it as it is.
-bool isPlain(char16_t unit) noexcept { return unit < 0x80 && unit >= kFirstUnescaped && unit != u'"' && unit != u'\\'; }
+bool isPlain(char16_t unit) noexcept {
+    return (unit < 0x80) & (unit >= kFirstUnescaped) & (unit != u'"') & (unit != u'\\');
+}
 
 void appendEscaped(std::string& out, char c) {
     if (c == '"' || c == '\\')
@@ -37,22 +40,39 @@ void appendUnquoted(std::string& out, std::string_view utf8) {
     }
 }
 
+// The text in quotes, if all units of it may stand there as they are. Looks at all of them, whatever is found: such
+// loops run over many units at a time.
+template <class Text, class MayStand>
+bool appendWhole(std::string& out, Text text, MayStand mayStand) {
+    const std::size_t start = out.size();
+    out.resize(start + text.size() + 2);
+    char* to = out.data() + start;
+    *to++ = '"';
+    bool isOther = false;
+    for (const auto unit : text) {
+        isOther |= !mayStand(unit);
+        *to++ = static_cast<char>(unit);
+    }
+    *to = '"';
+    if (isOther) out.resize(start);
+    return !isOther;
+}
+
 }  // namespace
 
 void appendJsonText(std::string& out, std::string_view utf8) {
+    if (appendWhole(out, utf8, [](char c) { return !needsEscape(c); })) return;
     out += '"';
     appendUnquoted(out, utf8);
     out += '"';
 }
 
+bool appendPlainJsonText(std::string& out, std::u16string_view text) { return appendWhole(out, text, isPlain); }
+
 void appendJsonText(std::string& out, std::u16string_view text) {
+    if (appendPlainJsonText(out, text)) return;
     out += '"';
-    const auto plain = std::find_if_not(text.begin(), text.end(), isPlain);
-    const std::size_t start = out.size();
-    out.resize(start + static_cast<std::size_t>(plain - text.begin()));
-    std::transform(text.begin(), plain, out.begin() + static_cast<std::ptrdiff_t>(start),
-                   [](char16_t unit) { return static_cast<char>(unit); });
-    if (plain != text.end()) appendUnquoted(out, toUtf8(std::u16string_view(plain, text.end())));
+    appendUnquoted(out, toUtf8(text));
     out += '"';
 }
 

@@ -52,6 +52,20 @@ bool isUtf8(std::string_view text) { return toUtf8(toUtf16(text)) == text; }
 
 }  // namespace
 
+std::optional<std::string_view> plainText(std::string_view json) {
+    if (json.empty() || json.front() != '"') return std::nullopt;
+    std::size_t at = 1 + plainLength(json.substr(1));
+    bool isForeign = false;
+    while (at < json.size() && signOf(json[at]) == Sign::foreign) {
+        isForeign = true;
+        ++at;
+        at += plainLength(json.substr(at));
+    }
+    if (at == json.size() || json[at] != '"') return std::nullopt;
+    const std::string_view text = json.substr(1, at - 1);
+    return isForeign && !isUtf8(text) ? std::nullopt : std::optional(text);
+}
+
 bool PlainElement::scan(std::string_view text) {
     m_tokens.clear();
     m_lines = 0;
@@ -147,19 +161,10 @@ bool PlainElement::array(int depth) {
 }
 
 bool PlainElement::quoted(Kind kind) {
-    if (m_rest.empty() || m_rest.front() != '"') return false;
-    std::size_t at = 1 + plainLength(m_rest.substr(1));
-    bool isForeign = false;
-    while (at < m_rest.size() && signOf(m_rest[at]) == Sign::foreign) {
-        isForeign = true;
-        ++at;
-        at += plainLength(m_rest.substr(at));
-    }
-    if (at == m_rest.size() || m_rest[at] != '"') return false;
-    const std::string_view text = m_rest.substr(1, at - 1);
-    if (isForeign && !isUtf8(text)) return false;
-    add(kind, text);
-    m_rest.remove_prefix(at + 1);
+    const std::optional<std::string_view> text = plainText(m_rest);
+    if (!text) return false;
+    add(kind, *text);
+    m_rest.remove_prefix(text->size() + 2);
     return true;
 }
 

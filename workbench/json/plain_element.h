@@ -2,12 +2,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 namespace workbench {
 
 class JsonSink;
+
+/// The text in quotes that `json` starts with, without escapes and in UTF-8; nothing where there is none.
+std::optional<std::string_view> plainText(std::string_view json);
 
 /// Reads an element of an array of which all is as programs write it: several times as fast as the parser, which takes
 /// what is not. It takes nothing that is not JSON.

@@ -7,6 +7,7 @@
 #include "workbench/model_file/model_file.h"
 #include "workbench/model_file/model_file_parts.h"
 #include "workbench/model_file/model_file_shapes.h"
+#include "workbench/model_file/plain_record.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 #include "workbench/values/host_value_builder.h"
@@ -39,6 +40,7 @@ public:
         if (!inValue()) failKind("null");
         build([&] { m_value.null(); });
     }
+    std::size_t takeElement(std::string_view text, std::size_t& line) override;
 
 private:
     struct Frame {
@@ -57,6 +59,7 @@ private:
     void enter(Place place, bool isArray);
     void leave();
     void recordKey(Frame& frame, std::string_view name);
+    void takeSignal(std::size_t& line);
     template <class Event>
     void build(Event event);
     void deliverValue();
@@ -72,6 +75,7 @@ private:
     std::vector<Frame> m_frames;
     HostValueBuilder m_value;
     std::size_t m_valueDepth = 0;
+    PlainRecord m_signal;
 };
 
 const Rule& ModelFileReader::expected() const noexcept {
@@ -181,6 +185,36 @@ void ModelFileReader::build(Event event) {
 void ModelFileReader::deliverValue() {
     const Frame& frame = m_frames.back();
     m_parts.setField(frame.place, frame.field, m_value.take());
+    advance();
+}
+
+std::size_t ModelFileReader::takeElement(std::string_view text, std::size_t& line) {
+    const bool isSignal = m_valueDepth == 0 && !m_frames.empty() && m_frames.back().place == Place::signals;
+    if (!isSignal || !m_signal.scan(text)) return 0;
+    takeSignal(line);
+    return m_signal.size();
+}
+
+// A field a line, between one for each bracket.
+void ModelFileReader::takeSignal(std::size_t& line) {
+    RecordTable& table = m_parts.records(Place::signal);
+    table.begin();
+    std::size_t field = 0;
+    try {
+        for (; field < m_signal.fields(); ++field) {
+            ++line;
+            table.takeField(m_signal, field);
+        }
+    } catch (const kssvIException& refusal) {
+        m_file.fail(pointer() + pointerToken(fieldsOf(RecordKind::signal)[field]), refusal.what());
+    }
+    if (m_signal.hasMarkedName()) {
+        ++line;
+        table.takeField(m_signal, RecordLines::kMarkedName);
+    }
+    ++line;
+    m_parts.end(Place::signal);
+    ++line;
     advance();
 }
 

@@ -81,18 +81,19 @@ FieldForm formOf(std::string_view name) {
 // What a list's records have in common.
 class RecordForm {
 public:
-    RecordForm(const hvArray* records, JsonLayout layout) : m_records(records), m_layout(layout) {
+    RecordForm(const hvArray* records, JsonLayout layout)
+        : m_records(records), m_markedName(memberOf(layout.between, kMarkedName)), m_last(layout.last) {
         for (int i = 0; i < hvGetNumberOfFields(records); ++i) {
             const char* const name = hvGetFieldNameByNumber(records, i);
-            m_fields.push_back({name, JsonObject::memberName(name), formOf(name)});
+            m_fields.push_back({name, memberOf(i == 0 ? layout.first : layout.between, name), formOf(name)});
         }
     }
 
     void append(std::string& out, std::size_t element, const std::u16string* markedName) const {
-        JsonObject object(out, m_layout);
-        for (const Field& field : m_fields) appendField(object, field, hvGetField(m_records, element, field.name));
-        if (markedName) object.text(kMarkedName, *markedName);
-        object.close();
+        out += '{';
+        for (const Field& field : m_fields) appendField(out, field, hvGetField(m_records, element, field.name));
+        if (markedName) appendJsonText(out += m_markedName, *markedName);
+        (out += m_last) += '}';
     }
 
 private:
@@ -102,10 +103,13 @@ private:
         FieldForm form;
     };
 
-    static void appendField(JsonObject& object, const Field& field, const hvArray* value) {
+    static std::string memberOf(std::string_view inFront, std::string_view name) {
+        return std::string(inFront) + JsonObject::memberName(name);
+    }
+    static void appendField(std::string& out, const Field& field, const hvArray* value) {
         // Parked records stay as they were read.
         if (!value && field.form == FieldForm::count) return;
-        std::string& out = object.written(field.member).out();
+        out += field.member;
         if (field.form == FieldForm::count)
             out += fmt::format("{}", hvGetScalarInt(value));
         else
@@ -113,7 +117,8 @@ private:
     }
 
     const hvArray* m_records;
-    JsonLayout m_layout;
+    std::string m_markedName;
+    std::string_view m_last;
     std::vector<Field> m_fields;
 };
 

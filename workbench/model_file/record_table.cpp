@@ -3,120 +3,20 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 #include <utility>
 
 #include "host/values.h"
 #include "memory_host/orvex/values/values.h"
 #include "observers/signal_client.h"
 #include "signals/signal_specification.h"
+#include "workbench/model_file/field_kinds.h"
+#include "workbench/model_file/plain_record.h"
 #include "workbench/text/error.h"
+#include "workbench/text/text.h"
 
 namespace workbench {
 
 namespace {
-
-// What a field must hold, where the library itself would read something else as empty or cut it.
-struct FieldKind {
-    const char* description;
-    bool (*holds)(const hvArray* value);
-};
-
-bool isText(const hvArray* value) {
-    return hvGetClassID(value) == hvCHAR_CLASS && hvGetNumberOfDimensions(value) == 2 && hvGetDimensions(value)[0] == 1;
-}
-
-bool isTextWithoutNul(const hvArray* value) {
-    return isText(value) && matrix::get_ustring(value).find(u'\0') == std::u16string::npos;
-}
-
-bool isListOfTexts(const hvArray* value) {
-    if (hvGetClassID(value) != hvCELL_CLASS) return false;
-    for (std::size_t i = 0; i < hvGetNumberOfElements(value); ++i)
-        if (!isText(hvGetCell(value, i))) return false;
-    return true;
-}
-
-bool isStructOfTexts(const hvArray* value) {
-    if (hvGetClassID(value) != hvSTRUCT_CLASS || hvGetNumberOfElements(value) != 1) return false;
-    for (int i = 0; i < hvGetNumberOfFields(value); ++i)
-        if (!isText(hvGetField(value, 0, hvGetFieldNameByNumber(value, i)))) return false;
-    return true;
-}
-
-bool isNumber(const hvArray* value) {
-    const hvClassID classId = hvGetClassID(value);
-    const bool isNumeric = classId == hvDOUBLE_CLASS || (classId >= hvSINGLE_CLASS && classId <= hvUINT64_CLASS);
-    return isNumeric && hvGetNumberOfElements(value) == 1;
-}
-
-bool isWholeWithin(const hvArray* value, double least, double most) {
-    if (!isNumber(value)) return false;
-    const double number = hvGetScalar(value);
-    return number >= least && number <= most && number == std::floor(number);
-}
-
-bool isCount(const hvArray* value) { return isWholeWithin(value, 0.0, std::numeric_limits<std::uint32_t>::max()); }
-
-template <int kLeast>
-bool isWhole(const hvArray* value) {
-    return isWholeWithin(value, kLeast, std::numeric_limits<std::int32_t>::max());
-}
-
-bool isTruth(const hvArray* value) {
-    const bool isLogical = hvGetClassID(value) == hvLOGICAL_CLASS && hvGetNumberOfElements(value) == 1;
-    return isLogical || isWholeWithin(value, 0.0, 1.0);
-}
-
-// For messages: a single number itself, of other values class and size.
-std::string describe(const hvArray* value) {
-    return isNumber(value) ? fmt::format("the number {}", hvGetScalar(value)) : orvex::describeValue(value);
-}
-
-constexpr FieldKind kAny{"a value", [](const hvArray*) { return true; }};
-constexpr FieldKind kText{"a text in one row", isText};
-constexpr FieldKind kTextWithoutNul{"a text without NUL characters", isTextWithoutNul};
-constexpr FieldKind kListOfTexts{"an array of texts", isListOfTexts};
-constexpr FieldKind kStructOfTexts{"an object of texts", isStructOfTexts};
-constexpr FieldKind kCount{"a whole number from 0 to 4294967295", isCount};
-constexpr FieldKind kWhole{"a whole number from -2147483648 to 2147483647",
-                           isWhole<std::numeric_limits<std::int32_t>::min()>};
-constexpr FieldKind kFromOne{"a whole number from 1 to 2147483647", isWhole<1>};
-constexpr FieldKind kTruth{"true or false, or 1 or 0,", isTruth};
-
-const FieldKind& kindOf(std::string_view field) {
-    static constexpr std::array<std::pair<std::string_view, const FieldKind*>, 25> kKinds{{
-        {"UUID", &kText},
-        {"BlockPath_", &kText},
-        {"EID_", &kText},
-        {"SubPath_", &kText},
-        {"OutputPortIndex_", &kWhole},
-        {"LogicalPortIndex_", &kWhole},
-        {"SignalName_", &kText},
-        {"SubSysPath_", &kText},
-        {"Decimation_", &kFromOne},
-        {"MaxPoints_", &kWhole},
-        {"TargetBufferedStreaming_", &kTruth},
-        {"IsFrameBased_", &kTruth},
-        {"HideInPLV_", &kTruth},
-        {"DomainType_", &kText},
-        {"DomainParams_", &kStructOfTexts},
-        {"VisualType_", &kText},
-        {"ModelPath_", &kListOfTexts},
-        {"ModelPathEID_", &kListOfTexts},
-        {"SourceModel_", &kText},
-        {"SignalUUID_", &kText},
-        {"ObserverType_", &kText},
-        {"UpdateRate_", &kCount},
-        {"DimensionChannel_", &kCount},
-        {"ObserveImaginaryPart_", &kTruth},
-        {"BusLeafPath_", &kTextWithoutNul},
-    }};
-    const auto* const found =
-        std::find_if(kKinds.begin(), kKinds.end(), [&](const auto& entry) { return entry.first == field; });
-    return found == kKinds.end() ? kAny : *found->second;
-}
 
 // A saved field, with what is looked up for each value of it.
 struct Field {
@@ -129,15 +29,10 @@ const std::vector<Field>& fieldTable(RecordKind kind) {
         std::array<std::vector<Field>, 2> result;
         for (const RecordKind one : {RecordKind::signal, RecordKind::client})
             for (const std::string_view name : fieldsOf(one))
-                result.at(static_cast<std::size_t>(one)).push_back({name, &kindOf(name)});
+                result.at(static_cast<std::size_t>(one)).push_back({name, &fieldKindOf(name)});
         return result;
     }();
     return tables[static_cast<std::size_t>(kind)];
-}
-
-HvArrayPtr makeRecords(RecordKind kind, std::size_t count) {
-    const auto fields = fieldsOf(kind);
-    return HvArrayPtr(hvCreateStructArray(1, &count, static_cast<int>(fields.size()), fields.data()));
 }
 
 }  // namespace
@@ -191,38 +86,42 @@ ErrorPlace recordPlace(const std::string& path, RecordKind kind, const RecordLin
 }
 
 void RecordTable::begin() {
-    m_rows.emplace_back();
+    m_values.resize(m_values.size() + fieldsOf(m_kind).size());
     m_markedNames.emplace_back();
     m_lines.begin(m_file.line());
 }
 
 void RecordTable::setField(std::size_t field, HvArrayPtr value) {
     const bool isMarkedName = field == RecordLines::kMarkedName;
-    const FieldKind& kind = isMarkedName ? kText : *fieldTable(m_kind)[field].kind;
+    const FieldKind& kind = isMarkedName ? markedNameKind() : *fieldTable(m_kind)[field].kind;
     if (value && !kind.holds(value.get()))
-        throw Error(
-            fmt::format("{} appears where {} is expected; correct it", describe(value.get()), kind.description));
+        throw Error(fmt::format("{} appears where {} is expected; correct it", describeFieldValue(value.get()),
+                                kind.description));
     if (!isMarkedName)
-        m_rows.back().at(field) = std::move(value);
+        m_values[m_values.size() - fieldsOf(m_kind).size() + field] = std::move(value);
     else if (value)
         m_markedNames.back() = ks_host::textOf(value.get());
 }
 
+void RecordTable::takeField(const PlainRecord& record, std::size_t field) {
+    noteField(field);
+    if (field == RecordLines::kMarkedName)
+        m_markedNames.back() = toUtf16(record.markedName());
+    else
+        m_values[m_values.size() - record.fields() + field] = record.value(field);
+}
+
 RecordSlice RecordTable::takeSlice() {
-    HvArrayPtr records = makeRecords(m_kind, m_rows.size());
-    const auto fields = fieldsOf(m_kind);
-    for (std::size_t i = 0; i < m_rows.size(); ++i)
-        for (std::size_t field = 0; field < fields.size(); ++field)
-            if (HvArrayPtr& value = m_rows[i].at(field)) hvSetField(records.get(), i, fields[field], value.release());
+    const std::size_t first = std::exchange(m_first, m_first + size());
+    HvArrayPtr records = orvex::makeStructColumn(fieldsOf(m_kind), m_values);
+    m_values.clear();
     m_hasGivenSlice = true;
-    const std::size_t first = std::exchange(m_first, m_first + m_rows.size());
-    m_rows.clear();
     orvex::markAsPersisted(records.get());
     return {first, std::move(records), std::exchange(m_markedNames, {})};
 }
 
 HvArrayPtr emptyRecords(RecordKind kind) {
-    HvArrayPtr records = makeRecords(kind, 0);
+    HvArrayPtr records = orvex::makeStructColumn(fieldsOf(kind), {});
     orvex::markAsPersisted(records.get());
     return records;
 }

@@ -63,6 +63,8 @@ ErrorPlace recordPlace(const std::string& path, RecordKind kind, const RecordLin
 /// A 0 x 1 struct array of all fields, marked as read from a file.
 HvArrayPtr emptyRecords(RecordKind kind);
 
+class PlainRecord;
+
 /// Gathers the records of one kind.
 class RecordTable {
 public:
@@ -73,10 +75,12 @@ public:
     void noteField(std::size_t field) { m_lines.note(field, m_file.line()); }
     /// Throws `Error`, with text only, for a value of the wrong kind.
     void setField(std::size_t field, HvArrayPtr value);
+    /// Notes and sets a field of a record that was read as a whole, in their order.
+    void takeField(const PlainRecord& record, std::size_t field);
 
     RecordKind kind() const noexcept { return m_kind; }
     /// How many records there are since the last slice.
-    std::size_t size() const noexcept { return m_rows.size(); }
+    std::size_t size() const noexcept { return m_markedNames.size(); }
     bool hasGivenSlice() const noexcept { return m_hasGivenSlice; }
     /// These records. The struct array is N x 1 of all fields, marked as read from a file; absent fields are unset.
     RecordSlice takeSlice();
@@ -89,7 +93,7 @@ private:
     RecordKind m_kind;
     std::size_t m_first = 0;
     bool m_hasGivenSlice = false;
-    std::vector<std::array<HvArrayPtr, RecordLines::kMostFields>> m_rows;
+    std::vector<HvArrayPtr> m_values;  ///< of each record all fields, null for absent ones
     RecordLines m_lines;
     MarkedNameList m_markedNames;
 };

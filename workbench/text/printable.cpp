@@ -27,7 +27,7 @@ constexpr auto kUnseen = std::to_array<Range>({
     {0x2FFFE, 0x2FFFF}, {0x3FFFE, 0x3FFFF}, {0xE0000, 0x10FFFF},
 });
 
-bool isSeenAscii(char32_t character) noexcept { return character >= 0x20 && character < 0x7F; }
+constexpr bool isSeenAscii(char32_t character) noexcept { return (character >= 0x20) & (character < 0x7F); }
 
 bool isUnseen(char32_t character) noexcept {
     if (isSeenAscii(character)) return false;
@@ -71,14 +71,28 @@ std::string escapeInJson(char32_t character) {
     return fmt::format("\\u{:04x}\\u{:04x}", 0xD800U + (rest >> 10U), 0xDC00U + (rest & 0x3FFU));
 }
 
+// How many characters the text starts with that are ASCII and seen; many at a time, in a loop without an exit.
+std::size_t seenLength(std::string_view text) noexcept {
+    constexpr std::size_t kMany = 32;
+    const auto areSeen = [](std::string_view many) {
+        bool all = true;
+        for (const char c : many) all &= isSeenAscii(static_cast<unsigned char>(c));
+        return all;
+    };
+    std::size_t at = 0;
+    while (text.size() - at >= kMany && areSeen({text.data() + at, kMany})) at += kMany;
+    while (at < text.size() && isSeenAscii(static_cast<unsigned char>(text[at]))) ++at;
+    return at;
+}
+
 template <class Escape>
 std::string withoutUnseen(std::string_view text, Escape escape) {
     std::string result;
     result.reserve(text.size());
     while (!text.empty()) {
-        const auto end = std::find_if_not(text.begin(), text.end(), isSeenAscii);
-        result.append(text.begin(), end);
-        text.remove_prefix(static_cast<std::size_t>(end - text.begin()));
+        const std::size_t seen = seenLength(text);
+        result.append(text.substr(0, seen));
+        text.remove_prefix(seen);
         takeCharacter(text, [&](char32_t character, std::string_view bytes, bool isOne) {
             if (isOne && !isUnseen(character))
                 result += bytes;

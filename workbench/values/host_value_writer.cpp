@@ -14,6 +14,7 @@
 #include "host/values.h"
 #include "memory_host/orvex/values/element_type.h"
 #include "workbench/json/json_object.h"
+#include "workbench/json/plain_text.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 #include "workbench/values/class_names.h"
@@ -122,6 +123,15 @@ void appendPlain(std::string& out, const hvArray* value) {
     }
 }
 
+// What most values are.
+bool appendUsual(std::string& out, const hvArray* value) {
+    const hvClassID classId = hvGetClassID(value);
+    if (classId == hvDOUBLE_CLASS) return hasSize(value, 1, 1) && appendSmallNumber(out, *hvGetDoubles(value));
+    if (classId != hvCHAR_CLASS) return false;
+    const std::u16string_view chars = charsOf(value);
+    return hasSize(value, 1, chars.size()) && appendPlainJsonText(out, chars);
+}
+
 void appendStructs(std::string& out, const hvArray* value, const std::vector<const char*>& names) {
     JsonArray array(out);
     for (const std::size_t element : ks_host::indicesOf(value))
@@ -162,8 +172,7 @@ void appendTagged(std::string& out, const hvArray* value) {
 }  // namespace
 
 void appendJsonValue(std::string& out, const hvArray* value) {
-    const hvClassID classId = hvGetClassID(value);
-    if (classId == hvDOUBLE_CLASS && hasSize(value, 1, 1) && appendSmallNumber(out, *hvGetDoubles(value))) return;
+    if (appendUsual(out, value)) return;
     if (!value)
         out += "null";
     else if (isPlain(value))

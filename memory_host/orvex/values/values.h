@@ -20,6 +20,12 @@ OX_API HvArrayPtr makeEmpty(const Site& site = "[]");
 /// An N x 1 object array; counts as creating a value.
 OX_API HvArrayPtr makeObjectColumn(Objects objects, const Site& site = "makeObjectColumn");
 
+/// An N x 1 struct array of these fields: `values` are those of the first element in the fields' order, then those of
+/// the second, null for none. It takes them over. Counts as creating a value; throws as that does, also for a value
+/// that is in a container.
+OX_API HvArrayPtr makeStructColumn(std::span<const char* const> fieldNames, std::span<HvArrayPtr> values,
+                                   const Site& site = "makeStructColumn");
+
 /// Class and size for messages: "double 1x1", "struct 2x1", "null".
 OX_API std::string describeValue(const hvArray* value);
 
@@ -28,8 +34,8 @@ OX_API std::string describeValue(const hvArray* value);
 /// does; also for a value that is in no container.
 OX_API void shareField(hvArray* structArray, std::size_t index, const char* name, const hvArray* value);
 
-/// Has elements of a struct array that hold the same text, numbers or empty struct in a field as the one in front of them
-/// share it: it takes less room and reads as before. Throws for any other value.
+/// Has elements of a struct array that hold the same text, numbers or empty struct in a field as the one in front of
+/// them share it: it takes less room and reads as before. Throws for any other value.
 OX_API void shareRepeats(hvArray* structArray);
 /// Struct arrays of the same fields, one behind the other as one N x 1; the values are shared with them. It is from a
 /// saved file when the first one is. Counts as creating a value. Throws for other values, and when there are none.

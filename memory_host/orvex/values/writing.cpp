@@ -14,7 +14,7 @@ void markAsPersisted(hvArray* structArray) {
 
 namespace {
 
-[[noreturn]] void refuseStored() {
+[[noreturn, gnu::cold, gnu::noinline]] void refuseStored() {
     raise("InvalidArgument", "A value in a container, or the container itself, cannot be stored; store a copy.");
 }
 
@@ -26,16 +26,16 @@ HvArrayPtr takenOver(const hvArray* container, hvArray* value) {
     return nullptr;
 }
 
-[[noreturn]] void refuseClass(const char* what, const hvArray* value) {
+[[noreturn, gnu::cold, gnu::noinline]] void refuseClass(const char* what, const hvArray* value) {
     raise("WrongClass", std::string(what) + ", not in " + describeValue(value) + ".");
 }
 
-[[noreturn]] void refuseIndex(std::size_t index, std::size_t count, const char* what) {
+[[noreturn, gnu::cold, gnu::noinline]] void refuseIndex(std::size_t index, std::size_t count, const char* what) {
     raise("IndexOutOfRange",
           std::string("There is no ") + what + " " + std::to_string(index + 1) + " of " + std::to_string(count) + ".");
 }
 
-[[noreturn]] void refuseField(const StructData& data, const char* name) {
+[[noreturn, gnu::cold, gnu::noinline]] void refuseField(const StructData& data, const char* name) {
     raise("UnknownField", "There is no field \"" + std::string(name ? name : "") +
                               "\" in a struct with these fields: " + data.names->joined() + ".");
 }
@@ -50,6 +50,13 @@ SharedValue& fieldSlot(hvArray* structArray, std::size_t index, const char* name
     return data->values.forWriting(index * data->names->size() + static_cast<std::size_t>(field));
 }
 
+FieldNames::Ptr fieldNamesOf(std::span<const char* const> names, std::size_t values) {
+    if (names.empty() ? values > 0 : values % names.size() != 0)
+        raise("InvalidDimensions",
+              std::to_string(values) + " values cannot fill structs of " + std::to_string(names.size()) + " fields.");
+    return FieldNames::of(names);
+}
+
 // Stores the value and gives back what was there, to be released when everything is in order again.
 SharedValue storedInField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
     HvArrayPtr incoming = takenOver(structArray, value);
@@ -59,6 +66,19 @@ SharedValue storedInField(hvArray* structArray, std::size_t index, const char* n
 }
 
 }  // namespace
+
+HvArrayPtr makeStructColumn(std::span<const char* const> fieldNames, std::span<HvArrayPtr> values, const Site& site) {
+    faults::point(faults::Operation::createValue);
+    StructData data{fieldNamesOf(fieldNames, values.size()), Children(values.size())};
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        HvArrayPtr incoming = takenOver(nullptr, values[i].get());
+        values[i].release();
+        data.values.forWriting(i) = contained(std::move(incoming));
+    }
+    const std::size_t rows = fieldNames.empty() ? 0 : values.size() / fieldNames.size();
+    return makeValue(hvSTRUCT_CLASS, Dimensions(rows, 1), std::move(data), site);
+}
+
 }  // namespace orvex
 
 void* hvGetDataForWriting(hvArray* value) {
