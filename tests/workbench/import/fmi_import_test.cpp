@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include "tests/workbench/import/import_test.h"
 #include "workbench/import/fmi_description.h"
 #include "workbench/import/variable_name.h"
@@ -81,7 +83,7 @@ TEST(FmiImport, saysWhereTheVariablesAreWhenThereIsNoOutput) {
     const auto warningsOf = [](const char* names) {
         std::string variables;
         for (const char* name = names; *name != '\0'; ++name)
-            variables += std::string("<ScalarVariable name='") + *name + "'><Real/></ScalarVariable>";
+            variables += fmt::format("<ScalarVariable name='{}'><Real/></ScalarVariable>", *name);
         return textOf(imported(fmi2(variables)).warnings);
     };
     EXPECT_EQ(warningsOf("ab"), "has no outputs; it can be imported with its 2 local variables as ports: \n");
