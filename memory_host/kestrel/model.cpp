@@ -136,11 +136,11 @@ std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
         const Block* there = findByPath(movedPath);
         if (there && !isMoving.contains(there)) throwPathTaken(m_name, *there);
     }
-    for (const auto& [position, movedPath] : moving) m_indexes->byPath.erase(m_blocks, position);
-    for (auto& [position, movedPath] : moving) {
-        m_blocks[position].path = std::move(movedPath);
-        m_indexes->byPath.insert(m_blocks, position);
-    }
+    auto byPath = m_indexes->byPath;  // An index that grows may find no memory.
+    for (const auto& [position, movedPath] : moving) byPath.erase(m_blocks, position);
+    for (const auto& [position, movedPath] : moving) byPath.insert(movedPath, position);
+    m_indexes->byPath = std::move(byPath);
+    for (auto& [position, movedPath] : moving) m_blocks[position].path = std::move(movedPath);
     return moving.size();
 }
 

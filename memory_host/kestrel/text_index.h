@@ -30,8 +30,10 @@ public:
         return found == m_entries.end() ? std::nullopt : std::optional<std::size_t>(found->position);
     }
     /// The text at that position, which no other has.
-    void insert(const List& list, std::size_t position) {
-        m_entries.insert({hashOf(textOf(list[position])), static_cast<std::uint32_t>(position)});
+    void insert(const List& list, std::size_t position) { insert(textOf(list[position]), position); }
+    /// What the text at that position is going to be.
+    void insert(Text text, std::size_t position) {
+        m_entries.insert({hashOf(text), static_cast<std::uint32_t>(position)});
     }
     void erase(const List& list, std::size_t position) {
         m_entries.erase({hashOf(textOf(list[position])), static_cast<std::uint32_t>(position)});
