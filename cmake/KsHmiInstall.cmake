@@ -61,6 +61,8 @@ function(ks_hmi_install_memory_host)
   ks_hmi_install_shared(memory_host ks_hmi_memory_host memory_host)
   ks_hmi_install_headers(memory_host_headers.txt memory_host_dev)
   ks_hmi_install_pkg_config(ks_hmi_memory_host memory_host_dev)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples/memory_host" "${PROJECT_SOURCE_DIR}/examples/recording"
+    DESTINATION "${KS_HMI_EXAMPLES_DIR}" COMPONENT memory_host_dev)
 endfunction()
 
 function(ks_hmi_install_tool)
@@ -121,8 +123,10 @@ endif()
 if(TARGET ks_hmi_python)
   ks_hmi_install_python()
 endif()
-install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT doc
+# Side by side as in the sources, so that their links hold.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT doc
   FILES_MATCHING PATTERN "*.md" PATTERN "*.json")
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT doc)
 # The same as a site, where tools/site/build has made it; of what Doxygen puts beside its pages, what they use.
 install(DIRECTORY "${PROJECT_BINARY_DIR}/html" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT doc OPTIONAL
   PATTERN "*.js" EXCLUDE)

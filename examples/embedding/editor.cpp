@@ -35,8 +35,9 @@ HvArrayPtr makeSet() {
     return object;
 }
 
-void mark(InstrumentedSignals& signals, const std::u16string& block, int port, double handle) {
-    auto record = SignalSpecification::createSigSpecFromPort(block, "block:1", port, 0, handle, kModel, false);
+void mark(InstrumentedSignals& signals, const std::u16string& block, int port) {
+    auto record = SignalSpecification::createSigSpecFromPort(block, "block:1", port, 0, 0.0, kModel, false);
+    record->setCachedInfo(0.0, 0);  // no handle is known yet: the first answer by path records it
     record->m_signalName = u"speed";
     signals.add(std::move(record));
 }
@@ -46,7 +47,7 @@ void tell(const char* question, bool answer) { std::cout << question << ": " << 
 void run() {
     const HvArrayPtr object = makeSet();
     InstrumentedSignals& signals = *InstrumentedSignals::getFromHvArray(object.get());
-    mark(signals, u"cruise/Sensors/Wheel Speed", 1, 42.0);
+    mark(signals, u"cruise/Sensors/Wheel Speed", 1);
     tell("port 1 of Wheel Speed is observed, asked by path",
          signals.isPortObserved(42.0, u"Sensors/Wheel Speed", u"", 1, 1, 0));
     tell("port 1 of Wheel Speed is observed, asked by handle", signals.isPortObserved(42.0, 1));
