@@ -139,6 +139,25 @@ TEST_F(HostValues, equalNeighboursAreKeptOnceAndColumnsJoined) {
     EXPECT_EQ(hvArrayToStdString(valueAt(2)), longText);
 }
 
+TEST_F(HostValues, elementsAreGatheredWithWhatTheyHaveNotSet) {
+    const HvArrayPtr records = structOf(2);
+    const HvArrayPtr absent = structOf(1);
+    hvSetField(records.get(), 1, "a", number(4).release());
+    hvSetField(absent.get(), 0, "a", number(5).release());
+    const std::array<orvex::StructElement, 3> elements{{{records.get(), 1}, {records.get(), 0}, {records.get(), 1}}};
+    const HvArrayPtr gathered = orvex::gatheredElements(elements, absent.get());
+    ASSERT_EQ(hvGetNumberOfElements(gathered.get()), 3u);
+    const hvArray* const first = hvGetField(gathered.get(), 0, "a");
+    EXPECT_EQ(first, hvGetField(records.get(), 1, "a"));
+    EXPECT_EQ(hvGetField(gathered.get(), 2, "a"), first);
+    EXPECT_EQ(hvGetField(gathered.get(), 1, "a"), hvGetField(absent.get(), 0, "a"));
+    hvReplaceField(gathered.get(), 0, "a", number(6).release());
+    EXPECT_EQ(hvGetScalar(hvGetField(records.get(), 1, "a")), 4);
+    const std::array<orvex::StructElement, 1> missing{{{records.get(), 2}}};
+    EXPECT_THROW(orvex::gatheredElements(missing, absent.get()), kssvIException);
+    EXPECT_THROW(orvex::gatheredElements(elements, first), kssvIException);
+}
+
 TEST_F(HostValues, nullAndForeignValuesAreNeverUndefinedBehaviour) {
     const HvArrayPtr cell(hvCreateCellArray(1, std::array<std::size_t, 1>{2}.data()));
     for (const hvArray* value : {static_cast<const hvArray*>(nullptr), static_cast<const hvArray*>(cell.get())}) {

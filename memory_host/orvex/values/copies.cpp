@@ -47,9 +47,14 @@ const hvArray& copyable(const hvArray* value) {
     return *value;
 }
 
-StructData& structIn(hvArray* value) {
+template <class Value>
+auto& structIn(Value* value) {
     if (auto* const data = payloadOf<StructData>(value)) return *data;
     raise("WrongClass", "This takes structs only, not " + describeValue(value) + ".");
+}
+
+bool areSame(const FieldNames& some, const FieldNames& others) {
+    return &some == &others || std::equal(some.begin(), some.end(), others.begin(), others.end());
 }
 
 bool isSame(const hvArray& one, const hvArray& other) {
@@ -91,14 +96,35 @@ HvArrayPtr joinedColumns(std::span<const HvArrayPtr> columns) {
     std::size_t at = 0;
     for (const HvArrayPtr& column : columns) {
         const StructData& data = structIn(column.get());
-        if (!std::equal(names->begin(), names->end(), data.names->begin(), data.names->end()))
-            raise("InvalidArgument", "Structs with different fields cannot be joined.");
+        if (!areSame(*names, *data.names)) raise("InvalidArgument", "Structs with different fields cannot be joined.");
         for (std::size_t i = 0; i < data.values.size(); ++i) joined.values.forWriting(at++) = data.values[i];
     }
     const std::size_t rows = names->size() == 0 ? 0 : count / names->size();
     HvArrayPtr result = makeValue(hvSTRUCT_CLASS, Dimensions(rows, 1), std::move(joined), "joinedColumns");
     result->m_fromFile = columns.front()->m_fromFile;
     return result;
+}
+
+HvArrayPtr gatheredElements(std::span<const StructElement> elements, const hvArray* absent) {
+    faults::point(faults::Operation::createValue);
+    const StructData& defaults = structIn(absent);
+    const std::size_t fields = defaults.names->size();
+    StructData gathered{defaults.names, Children(fields * elements.size())};
+    const FieldNames* known = nullptr;
+    std::size_t at = 0;
+    for (const StructElement& element : elements) {
+        const StructData& data = structIn(element.structArray);
+        if (data.names.get() != known && !areSame(*data.names, *defaults.names))
+            raise("InvalidArgument", "Structs with different fields cannot be gathered.");
+        known = data.names.get();
+        if (element.index >= element.structArray->m_dimensions.elements())
+            raise("IndexOutOfRange", "There is no element " + std::to_string(element.index + 1) + " to gather.");
+        for (std::size_t field = 0; field < fields; ++field, ++at) {
+            const SharedValue& value = data.values[element.index * fields + field];
+            gathered.values.forWriting(at) = value ? value : defaults.values[field];
+        }
+    }
+    return makeValue(hvSTRUCT_CLASS, Dimensions(elements.size(), 1), std::move(gathered), "gatheredElements");
 }
 
 }  // namespace orvex

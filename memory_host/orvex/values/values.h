@@ -41,6 +41,16 @@ OX_API void shareRepeats(hvArray* structArray);
 /// saved file when the first one is. Counts as creating a value. Throws for other values, and when there are none.
 OX_API HvArrayPtr joinedColumns(std::span<const HvArrayPtr> columns);
 
+/// One element of a struct array.
+struct StructElement {
+    const hvArray* structArray = nullptr;
+    std::size_t index = 0;
+};
+/// Elements of struct arrays that have the fields of `absent`, one behind the other as one N x 1. What they have not
+/// set is as in `absent`, a 1 x 1 struct. The values are shared with them. Counts as creating a value. Throws for other
+/// values and for elements that are not there.
+OX_API HvArrayPtr gatheredElements(std::span<const StructElement> elements, const hvArray* absent);
+
 /// Marks a struct array as read from a saved file (its class word is then 18). Throws for any other value.
 OX_API void markAsPersisted(hvArray* structArray);
 
