@@ -94,7 +94,7 @@ void printEnd(const CarryReport& report, const CarryRun& run, const Output& outp
 
 void appendPlace(std::string& out, const MarkPlace& place, const std::u16string& model) {
     JsonObject object(out);
-    object.text("block", model + u"/" + place.block);
+    object.text("block", std::u16string(model).append(1, u'/').append(place.block));
     if (place.domain.empty())
         object.number("port", place.port).text("portName", place.name);
     else
@@ -142,11 +142,11 @@ void printCarry(const CarryReport& report, const CarryRun& run, bool showsAll, c
     for (const bool isParked : {true, false})
         for (const CarriedMark& mark : report.marks)
             if (isParkedFate(mark.fate) == isParked && (mark.fate != Fate::same || mark.hadSlid))
-                lines.add(lineOf(mark));
+                lines.addMade([&] { return lineOf(mark); });
     for (const CarriedMark& mark : report.parked)
-        if (!isParkedFate(mark.fate)) lines.add(fmt::format("  back: {}", nameOf(*mark.after)));
+        if (!isParkedFate(mark.fate)) lines.addMade([&] { return fmt::format("  back: {}", nameOf(*mark.after)); });
     for (const CarriedMark& mark : report.parked)
-        if (isParkedFate(mark.fate)) lines.add("  still parked:" + lineOf(mark).substr(1));
+        if (isParkedFate(mark.fate)) lines.addMade([&] { return "  still parked:" + lineOf(mark).substr(1); });
     lines.print(output);
     printEnd(report, run, output);
 }

@@ -47,7 +47,7 @@ void printBlocks(const ModelDiff& diff, LineList& lines) {
     std::array<std::size_t, 3> counts{};
     for (const BlockChange& change : diff.blocks) ++counts[!change.before ? 0 : !change.after ? 1 : 2];
     if (!diff.blocks.empty()) lines.add("blocks: " + numbers(counts[0], counts[1], counts[2]));
-    for (const BlockChange& change : diff.blocks) lines.add(describe(change));
+    for (const BlockChange& change : diff.blocks) lines.addMade([&] { return describe(change); });
     if (diff.areBlocksReordered) lines.add("blocks: in another order");
 }
 
@@ -56,22 +56,25 @@ std::string nameOf(const RecordChange& change) {
     return fmt::format("{} {} ({})", position + 1, printable(std::string_view(change.what)), printable(change.uuid));
 }
 
+std::string describe(const FieldChange& change) {
+    return fmt::format("      {}: {} -> {}", change.field, change.before.empty() ? "nothing" : change.before,
+                       change.after.empty() ? "nothing" : change.after);
+}
+
 void printRecords(const RecordsDiff& diff, const char* title, LineList& lines) {
     if (diff.isSame()) return;
     const std::string order =
         diff.reordered.empty() ? "" : fmt::format(", {} elsewhere in the order", diff.reordered.size());
     lines.add(fmt::format("{}: {}{}, {} unchanged", title,
                           numbers(diff.added.size(), diff.removed.size(), diff.changed.size()), order, diff.unchanged));
-    for (const RecordChange& change : diff.added) lines.add("  + " + nameOf(change));
-    for (const RecordChange& change : diff.removed) lines.add("  - " + nameOf(change));
+    for (const RecordChange& change : diff.added) lines.addMade([&] { return "  + " + nameOf(change); });
+    for (const RecordChange& change : diff.removed) lines.addMade([&] { return "  - " + nameOf(change); });
     for (const RecordChange& change : diff.changed) {
-        lines.add(fmt::format("  ~ {}{}", nameOf(change), change.isMoved ? ", moved" : ""));
-        for (const FieldChange& field : change.fields)
-            lines.add(fmt::format("      {}: {} -> {}", field.field, field.before.empty() ? "nothing" : field.before,
-                                  field.after.empty() ? "nothing" : field.after));
+        lines.addMade([&] { return fmt::format("  ~ {}{}", nameOf(change), change.isMoved ? ", moved" : ""); });
+        for (const FieldChange& field : change.fields) lines.addMade([&] { return describe(field); });
     }
     for (const RecordChange& change : diff.reordered)
-        lines.add(fmt::format("  > {}, was at {}", nameOf(change), *change.before + 1));
+        lines.addMade([&] { return fmt::format("  > {}, was at {}", nameOf(change), *change.before + 1); });
 }
 
 }  // namespace
