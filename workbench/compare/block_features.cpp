@@ -9,14 +9,6 @@ namespace {
 
 constexpr double kHalf = 0.5;
 
-// Kinds of items are told apart by a character that ends a port's name nowhere.
-void appendItems(std::vector<std::uint32_t>& names, const kestrel::Chart& chart, Numbering<std::u16string>& numbers) {
-    const std::u16string mark(1, u'\0');
-    names.push_back(numbers.of(mark));
-    for (const kestrel::ChartState& state : chart.states) names.push_back(numbers.of(mark + u's' + state.path));
-    for (const kestrel::ChartData& datum : chart.data) names.push_back(numbers.of(mark + u'd' + datum.name));
-}
-
 void count(std::vector<std::size_t>& uses, std::uint32_t number) {
     if (number >= uses.size()) uses.resize(number + 1);
     ++uses[number];
@@ -42,20 +34,48 @@ BothVersions::BothVersions(const kestrel::Model& oldModel, const kestrel::Model&
 
 void BothVersions::add(VersionBlocks& version) {
     for (const kestrel::Block& block : version.model.blocks()) {
-        std::vector<std::uint32_t> names;
-        for (const std::u16string& output : block.outputs) names.push_back(m_names.of(output));
-        if (block.chart) appendItems(names, *block.chart, m_names);
-        std::sort(names.begin(), names.end());
-        names.erase(std::unique(names.begin(), names.end()), names.end());
-        for (const std::uint32_t name : names) count(version.uses, name);
-        for (std::u16string parent = parentOf(block.path); !parent.empty(); parent = parentOf(parent))
+        if (const std::optional<std::size_t> twin = &version == &next ? twinOf(block) : std::nullopt) {
+            version.names.push_back(old.names[*twin]);
+            version.sets.push_back(old.sets[*twin]);
+        } else {
+            addNew(version, block);
+        }
+        for (const std::uint32_t name : version.names.back()) count(version.uses, name);
+        count(version.setUses, version.sets.back());
+        for (auto parent = parentView(block.path); !parent.empty(); parent = parentView(parent))
             if (!version.parents.insert(parent).second) break;
         version.positions.emplace(&block, version.blocks.size());
         version.blocks.push_back(&block);
-        version.sets.push_back(m_sets.of(std::u32string(names.begin(), names.end())));
-        count(version.setUses, version.sets.back());
-        version.names.push_back(std::move(names));
     }
+}
+
+void BothVersions::addNew(VersionBlocks& version, const kestrel::Block& block) {
+    std::vector<std::uint32_t> names;
+    names.reserve(block.outputs.size());
+    for (const std::u16string& output : block.outputs) names.push_back(m_names.of(output));
+    if (block.chart) appendItems(names, *block.chart);
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    version.sets.push_back(m_sets.of(std::u32string(names.begin(), names.end())));
+    version.names.push_back(std::move(names));
+}
+
+// The old block at the same path, where it has the same names without a look at each.
+std::optional<std::size_t> BothVersions::twinOf(const kestrel::Block& block) const {
+    const kestrel::Block* const before = block.chart ? nullptr : old.model.findByPath(block.path);
+    const bool isTwin = before && !before->chart && before->outputs == block.outputs;
+    return isTwin ? old.at(before) : std::nullopt;
+}
+
+// Kinds of items are told apart by a character that ends a port's name nowhere.
+void BothVersions::appendItems(std::vector<std::uint32_t>& names, const kestrel::Chart& chart) {
+    const std::u16string mark(1, u'\0');
+    const auto append = [&](std::u16string name) {
+        names.push_back(m_names.of(m_itemNames.emplace_back(std::move(name))));
+    };
+    append(mark);
+    for (const kestrel::ChartState& state : chart.states) append(mark + u's' + state.path);
+    for (const kestrel::ChartData& datum : chart.data) append(mark + u'd' + datum.name);
 }
 
 std::vector<std::uint32_t> BothVersions::sharedNames(std::size_t oldBlock, std::size_t newBlock) const {
@@ -94,8 +114,6 @@ std::u16string_view parentView(std::u16string_view path) noexcept {
     const std::size_t at = path.rfind(u'/');
     return at == std::u16string_view::npos ? std::u16string_view() : path.substr(0, at);
 }
-
-std::u16string parentOf(const std::u16string& path) { return std::u16string(parentView(path)); }
 
 std::u16string_view lastSegment(std::u16string_view path) noexcept { return path.substr(path.rfind(u'/') + 1); }
 

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <boost/unordered/unordered_flat_map.hpp>
+#include <boost/unordered/unordered_flat_set.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "memory_host/kestrel/model.h"
@@ -18,8 +20,8 @@ namespace workbench {
 template <class Key>
 class Numbering {
 public:
-    std::uint32_t of(const Key& key) {
-        return m_numbers.emplace(key, static_cast<std::uint32_t>(m_numbers.size())).first->second;
+    std::uint32_t of(Key key) {
+        return m_numbers.emplace(std::move(key), static_cast<std::uint32_t>(m_numbers.size())).first->second;
     }
 
     /// Nothing for a key that has none.
@@ -29,7 +31,7 @@ public:
     }
 
 private:
-    std::unordered_map<Key, std::uint32_t> m_numbers;
+    boost::unordered_flat_map<Key, std::uint32_t, std::hash<Key>> m_numbers;
 };
 
 /// One version's blocks, by their position in the model (0-based).
@@ -38,20 +40,21 @@ struct VersionBlocks {
 
     const kestrel::Model& model;
     std::vector<const kestrel::Block*> blocks = {};
-    std::unordered_map<const kestrel::Block*, std::size_t> positions = {};
+    boost::unordered_flat_map<const kestrel::Block*, std::size_t> positions = {};
     std::vector<std::vector<std::uint32_t>> names = {};  ///< of ports and items, sorted, each once
     std::vector<std::uint32_t> sets = {};                ///< the same number for the same names
     std::vector<std::size_t> uses = {};                  ///< of each name: how many blocks have it
     std::vector<std::size_t> setUses = {};               ///< of each set
 
-    std::unordered_set<std::u16string> parents = {};  ///< all paths that blocks are below
+    /// All paths that blocks are below.
+    boost::unordered_flat_set<std::u16string_view, std::hash<std::u16string_view>> parents = {};
 
     std::size_t size() const noexcept { return blocks.size(); }
     const std::u16string& path(std::size_t block) const { return blocks[block]->path; }
     std::optional<std::size_t> at(const kestrel::Block* block) const;
 };
 
-/// Both versions, with the same numbers for the same names and sets.
+/// Both versions, with the same numbers for the same names and sets. The models must not change meanwhile.
 struct BothVersions {
     BothVersions(const kestrel::Model& oldModel, const kestrel::Model& newModel);
 
@@ -71,16 +74,20 @@ struct BothVersions {
     /// Whether one block at most of each version has the name.
     bool isRare(std::uint32_t name) const { return old.uses[name] <= 1 && next.uses[name] <= 1; }
     /// Of a port's name; nothing when no block has it.
-    std::optional<std::uint32_t> numberOf(const std::u16string& name) const { return m_names.find(name); }
+    std::optional<std::uint32_t> numberOf(std::u16string_view name) const { return m_names.find(name); }
 
     VersionBlocks old;
     VersionBlocks next;
 
 private:
     void add(VersionBlocks& version);
+    void addNew(VersionBlocks& version, const kestrel::Block& block);
+    std::optional<std::size_t> twinOf(const kestrel::Block& block) const;
+    void appendItems(std::vector<std::uint32_t>& names, const kestrel::Chart& chart);
     std::vector<std::uint32_t> sharedNames(std::size_t oldBlock, std::size_t newBlock) const;
 
-    Numbering<std::u16string> m_names;
+    Numbering<std::u16string_view> m_names;
+    std::deque<std::u16string> m_itemNames;
     Numbering<std::u32string> m_sets;
 };
 
@@ -88,7 +95,6 @@ private:
 std::u16string_view lastSegment(std::u16string_view path) noexcept;
 /// The path before the last '/'; empty when there is none.
 std::u16string_view parentView(std::u16string_view path) noexcept;
-std::u16string parentOf(const std::u16string& path);
 /// The path from the last '/' but one on; the whole path when it has no more than two parts.
 std::u16string_view lastTwoSegments(std::u16string_view path) noexcept;
 /// A name without case, underscores, blanks and hyphens.

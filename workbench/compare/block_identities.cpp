@@ -28,14 +28,13 @@ bool isNumbered(const VersionBlocks& version) {
 
 }  // namespace
 
-BlockMatching::Position BlockMatching::byEid(Position block) const {
-    if (m_by == MatchBy::path) return kNone;
-    return m_versions.next.at(m_versions.next.model.findByEid(m_versions.old.blocks[block]->eid)).value_or(kNone);
-}
-
-BlockMatching::Position BlockMatching::byPath(Position block) const {
-    if (m_by == MatchBy::identifier) return kNone;
-    return m_versions.next.at(m_versions.next.model.findByPath(m_versions.old.path(block))).value_or(kNone);
+void BlockMatching::findSameKeys() {
+    const VersionBlocks& next = m_versions.next;
+    for (const kestrel::Block* const block : m_versions.old.blocks) {
+        const auto positionOf = [&](const kestrel::Block* found) { return next.at(found).value_or(kNone); };
+        m_withEid.push_back(m_by == MatchBy::path ? kNone : positionOf(next.model.findByEid(block->eid)));
+        m_withPath.push_back(m_by == MatchBy::identifier ? kNone : positionOf(next.model.findByPath(block->path)));
+    }
 }
 
 // The new block with the same names, where no other block of either version has them.
@@ -139,8 +138,8 @@ BlockMatching::Position BlockMatching::rivalOf(Position block, Position candidat
     const double likeness = m_versions.likeness(block, candidate);
     std::set<Position> candidates;
     for (const std::uint32_t name : m_versions.old.names[block])
-        if (const auto at = m_holders.find(name); at != m_holders.end() && at->second.size() <= kMostHolders)
-            candidates.insert(at->second.begin(), at->second.end());
+        if (const auto holders = holdersOf(name); holders.size() <= kMostHolders)
+            candidates.insert(holders.begin(), holders.end());
     const auto isRival = [&](Position other) {
         return other != candidate && isUntaken(other) && m_versions.likeness(block, other) >= likeness &&
                !isOwned(other, block);

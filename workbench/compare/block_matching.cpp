@@ -1,6 +1,7 @@
 #include "workbench/compare/block_matching.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace workbench {
 
@@ -9,7 +10,7 @@ namespace {
 // A name that more blocks have tells nothing.
 constexpr std::size_t kMostHeirs = 32;
 
-std::ptrdiff_t countOf(const std::u16string& name, const VersionBlocks& version, std::size_t block) {
+std::ptrdiff_t countOf(std::u16string_view name, const VersionBlocks& version, std::size_t block) {
     return std::ranges::count(version.blocks[block]->outputs, name);
 }
 
@@ -28,10 +29,9 @@ BlockMatching::BlockMatching(const kestrel::Model& old, const kestrel::Model& ne
       m_openWithSet(m_versions.old.setUses),
       m_untakenWithSet(m_versions.next.setUses) {
     for (Position i = 0; i < m_versions.old.size(); ++i) m_oldWithSet[m_versions.old.sets[i]] = i;
-    for (Position i = 0; i < m_versions.next.size(); ++i) {
-        m_newWithSet[m_versions.next.sets[i]] = i;
-        for (const std::uint32_t name : m_versions.next.names[i]) m_holders[name].push_back(i);
-    }
+    for (Position i = 0; i < m_versions.next.size(); ++i) m_newWithSet[m_versions.next.sets[i]] = i;
+    gatherHolders();
+    findSameKeys();
     matchMapped();
     judgeIdentifiers();
     matchIdentities();
@@ -40,18 +40,28 @@ BlockMatching::BlockMatching(const kestrel::Model& old, const kestrel::Model& ne
     guess();
 }
 
+void BlockMatching::gatherHolders() {
+    const std::vector<std::size_t>& uses = m_versions.next.uses;
+    m_holderStarts.resize(uses.size() + 1);
+    std::partial_sum(uses.begin(), uses.end(), m_holderStarts.begin() + 1);
+    m_holders.resize(m_holderStarts.back());
+    std::vector<std::size_t> ends = m_holderStarts;
+    for (Position i = 0; i < m_versions.next.size(); ++i)
+        for (const std::uint32_t name : m_versions.next.names[i]) m_holders[ends[name]++] = i;
+}
+
 const BlockMatch& BlockMatching::of(const kestrel::Block& oldBlock) const {
     return m_matches[*m_versions.old.at(&oldBlock)];
 }
 
 std::vector<const kestrel::Block*> BlockMatching::heirs(const kestrel::Block* oldBlock,
-                                                        const std::u16string& name) const {
+                                                        std::u16string_view name) const {
     std::vector<const kestrel::Block*> found;
     const std::optional<std::uint32_t> number = m_versions.numberOf(name);
-    const auto holders = number ? m_holders.find(*number) : m_holders.end();
-    if (holders == m_holders.end() || holders->second.size() > kMostHeirs) return found;
+    const auto holders = number ? holdersOf(*number) : std::span<const Position>();
+    if (holders.size() > kMostHeirs) return found;
     const std::optional<Position> block = m_versions.old.at(oldBlock);
-    for (const Position candidate : holders->second) {
+    for (const Position candidate : holders) {
         const Position was = m_toOld[candidate];
         const bool hadIt =
             was != kNone && countOf(name, m_versions.old, was) >= countOf(name, m_versions.next, candidate);

@@ -2,7 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <span>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -55,7 +56,7 @@ public:
     bool areIdentifiersTrusted() const noexcept { return m_isTrusted; }
     /// Blocks that a port may have gone to whose block, if there was one, does not have it any more: they have a port
     /// of that name, were not found to be another block that had it, and the name or the block tells enough. In order.
-    std::vector<const kestrel::Block*> heirs(const kestrel::Block* oldBlock, const std::u16string& name) const;
+    std::vector<const kestrel::Block*> heirs(const kestrel::Block* oldBlock, std::u16string_view name) const;
 
 private:
     using Position = std::size_t;
@@ -81,8 +82,9 @@ private:
     Claim contestedClaim(Position block, Position byEid, Position byPath) const;
     void settleContests(Claims& claims) const;
     void settleContest(const std::vector<Position>& blocks, Claims& claims) const;
-    Position byEid(Position block) const;
-    Position byPath(Position block) const;
+    void findSameKeys();
+    Position byEid(Position block) const { return m_withEid[block]; }
+    Position byPath(Position block) const { return m_withPath[block]; }
     Position exactlyAlike(Position block) const;
     bool isFromPath(Position block, Position candidate) const;
     bool isExactlyAnother(Position block, Position candidate) const;
@@ -95,6 +97,7 @@ private:
 
     // Renamed blocks, in renamed_blocks.cpp.
     void matchRenamed();
+    bool isAnythingLeft() const;
     void matchUniqueSets();
     void matchBelowRenamed();
     void matchBelow(Position block);
@@ -124,6 +127,11 @@ private:
     bool isFree(Position block) const { return isOpen(block) && m_matches[block].how == MatchHow::none; }
     bool isUntaken(Position candidate) const { return candidate != kNone && m_toOld[candidate] == kNone; }
     void match(Position block, Position candidate, MatchHow how);
+    void gatherHolders();
+    /// New blocks with the name, in order.
+    std::span<const Position> holdersOf(std::uint32_t name) const {
+        return std::span(m_holders).subspan(m_holderStarts[name], m_holderStarts[name + 1] - m_holderStarts[name]);
+    }
     /// Whether as many old blocks with the set are to be found as there are new ones for them.
     bool areAsMany(std::uint32_t set) const { return m_openWithSet[set] == m_untakenWithSet[set]; }
 
@@ -132,10 +140,12 @@ private:
     const CarryMap& m_map;
     std::vector<BlockMatch> m_matches;  ///< by old position
     std::vector<Position> m_toNew, m_toOld;
-    std::vector<bool> m_isGone;                                          ///< old blocks that a person says are gone
-    std::vector<Position> m_oldWithSet, m_newWithSet;                    ///< one of the blocks with each set
-    std::vector<std::size_t> m_openWithSet, m_untakenWithSet;            ///< how many old and new blocks have it
-    std::unordered_map<std::uint32_t, std::vector<Position>> m_holders;  ///< new blocks with each name
+    std::vector<bool> m_isGone;                                ///< old blocks that a person says are gone
+    std::vector<Position> m_oldWithSet, m_newWithSet;          ///< one of the blocks with each set
+    std::vector<std::size_t> m_openWithSet, m_untakenWithSet;  ///< how many old and new blocks have it
+    std::vector<Position> m_holders;                           ///< new blocks with the first name, with the second, ...
+    std::vector<std::size_t> m_holderStarts;                   ///< in them, of each name, and the end
+    std::vector<Position> m_withEid, m_withPath;               ///< the new blocks with each old one's
     MatchedParents m_parents;
     std::size_t m_matchedCount = 0;
     bool m_isRenewed = false;

@@ -18,7 +18,7 @@ void setNumber(hvArray* records, std::size_t position, const char* field, int nu
     hvReplaceField(records, position, field, ks_host::makeDouble(number).release());
 }
 
-std::uint32_t ssidOf(const std::u16string& text) {
+std::uint32_t ssidOf(std::u16string_view text) {
     const std::string digits = toUtf8(text);
     std::uint32_t number = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), number);
@@ -49,39 +49,53 @@ std::u16string firstOf(const hvArray* records, std::size_t position, const char*
 
 }  // namespace
 
+const kestrel::Block* MarkedSources::blockOf(std::u16string_view eid, std::u16string_view path) {
+    if (!m_lastBlock || m_lastEid != eid || m_lastPath != path) {
+        m_lastEid = eid;
+        m_lastPath = path;
+        m_lastBlock = kestrel::signalBlock(m_old, toUtf8(eid), m_lastPath);
+    }
+    return *m_lastBlock;
+}
+
 const ItemNames& MarkedSources::itemsOf(const kestrel::Block& block) {
     return m_items.try_emplace(&block, &block).first->second;
 }
 
-// What the old version calls the port or item now, null when it does not have it.
-const std::u16string* MarkedSources::nameNow(const MarkedSource& source) {
-    if (!source.block) return nullptr;
+// What the old version calls the port or item now, nothing when it does not have it.
+std::optional<std::u16string_view> MarkedSources::nameNow(const MarkedSource& source) {
+    using Name = std::optional<std::u16string_view>;
+    if (!source.block) return std::nullopt;
     if (source.place.domain.empty()) {
         const auto number = static_cast<std::size_t>(source.place.port);
-        return number >= 1 && number <= source.block->outputs.size() ? &source.block->outputs[number - 1] : nullptr;
+        const std::vector<std::u16string>& ports = source.block->outputs;
+        return number >= 1 && number <= ports.size() ? Name(ports[number - 1]) : std::nullopt;
     }
-    if (source.place.domain == u"cw_chart") return nullptr;
+    if (source.place.domain == u"cw_chart") return std::nullopt;
     const ItemNames::Items& items = itemsOf(*source.block).of(source.place.domain);
     const auto found = items.bySsid.find(source.place.ssid);
-    return found == items.bySsid.end() ? nullptr : &found->second;
+    return found == items.bySsid.end() ? std::nullopt : Name(found->second);
 }
 
 MarkedSource MarkedSources::of(const hvArray* signals, std::size_t position, const std::u16string* markedName) {
     MarkedSource source;
-    source.eid = toUtf8(recordText(signals, position, "EID_"));
+    source.savedPath = recordView(signals, position, "BlockPath_");
+    source.savedEid = recordView(signals, position, "EID_");
+    source.block = blockOf(source.savedEid, source.savedPath);
     MarkPlace& place = source.place;
-    place.block = recordText(signals, position, "BlockPath_");
-    source.block = kestrel::signalBlock(m_old, source.eid, place.block);
-    if (source.block) place.block = source.block->path;
-    place.domain = recordText(signals, position, "DomainType_");
-    place.port = place.domain.empty() ? numberOf(signals, position, "OutputPortIndex_") : 0;
-    place.ssid = ssidOf(domainParameter(signals, position, "SSID"));
-    place.activity = domainParameter(signals, position, "Activity");
-    const std::u16string* const name = nameNow(source);
+    place.block = source.block ? std::u16string_view(source.block->path) : source.savedPath;
+    place.domain = recordView(signals, position, "DomainType_");
     const bool isItem = !place.domain.empty();
+    if (isItem) {
+        place.ssid = ssidOf(domainParameter(signals, position, "SSID"));
+        place.activity = domainParameter(signals, position, "Activity");
+    } else {
+        place.port = numberOf(signals, position, "OutputPortIndex_");
+    }
+    const std::optional<std::u16string_view> name = nameNow(source);
     // An item keeps its identifier when it is renamed; it has slid only where its name is another's now.
     if (isItem && name && markedName && !itemsOf(*source.block).has(*markedName)) markedName = nullptr;
-    place.name = markedName ? *markedName : name ? *name : recordText(signals, position, "SubPath_");
+    place.name = markedName ? *markedName : name ? *name : recordView(signals, position, "SubPath_");
     source.isNameKnown = markedName || name || isItem;
     source.hadSlid = place.domain != u"cw_chart" && source.block && markedName && (!name || *name != *markedName);
     return source;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "workbench/compare/carry.h"
@@ -10,11 +11,11 @@
 
 namespace workbench {
 
-/// What a saved signal was put on, as far as the old version tells.
+/// What a saved signal was put on, as far as the old version tells. The texts are that version's.
 struct MarkedSource {
     const kestrel::Block* block = nullptr;  ///< in the old version; null when it does not have it
     MarkPlace place;
-    std::string eid;          ///< the block's
+    std::u16string_view savedPath, savedEid;  ///< the block's, as they are in the record
     bool isNameKnown = true;  ///< false when neither the mark nor the model says what the port was called
     bool hadSlid = false;
     bool isUnsure = false;  ///< it was parked because nobody said which of several places it is at
@@ -24,7 +25,7 @@ struct MarkedSource {
 struct NewSource {
     const kestrel::Block* block = nullptr;
     int port = 0;
-    std::u16string name;
+    std::u16string_view name;
     std::uint32_t ssid = 0;
 };
 
@@ -37,11 +38,15 @@ public:
     MarkedSource of(const hvArray* signals, std::size_t position, const std::u16string* markedName);
 
 private:
+    const kestrel::Block* blockOf(std::u16string_view eid, std::u16string_view path);
     const ItemNames& itemsOf(const kestrel::Block& block);
-    const std::u16string* nameNow(const MarkedSource& source);
+    std::optional<std::u16string_view> nameNow(const MarkedSource& source);
 
     const kestrel::Model& m_old;
     std::unordered_map<const kestrel::Block*, ItemNames> m_items;  ///< of charts
+    /// What was asked for last: most signals are on the block of the one before.
+    std::u16string m_lastEid, m_lastPath;
+    std::optional<const kestrel::Block*> m_lastBlock;
 };
 
 /// Sets what names the block, the port or item, and the signal where it has the port's name.

@@ -20,6 +20,7 @@ struct Kept {
     RecordPlace record;
     const CarriedMark* mark;
     const kestrel::Block* block;
+    bool isAsSaved;  // nothing of its record changes
 };
 
 // Puts the new file together.
@@ -42,16 +43,23 @@ private:
     void decideParked();
     void buildSignals();
     void buildClients();
-    void keep(const RecordPlace& record, const CarriedMark& mark, const kestrel::Block* block);
+    CarriedMark& enter(std::vector<CarriedMark>& marks, const RecordPlace& record, const MarkedSource& source,
+                       const CarriedMark& mark);
+    bool isAsSaved(const MarkedSource& source, const CarriedMark& mark, const kestrel::Block& block);
+    void keep(const RecordPlace& record, const CarriedMark& mark, const kestrel::Block* block, bool isAsSaved);
     void park(const RecordPlace& record, const CarriedMark& mark, bool isBlockFound, bool isNameKnown);
 
     const ModelFile& m_old;
     CarriedModel m_result;
     MarkMatching m_matching;
     MarkedSources m_reader{m_old.model};
-    std::vector<Kept> m_kept;            // the signals of the new file
-    std::vector<RecordPlace> m_clients;  // of the new file
-    bool m_needsBlocks = false;          // somebody will ask m_blockOf
+    std::vector<Kept> m_kept;                     // the signals of the new file
+    std::vector<RecordPlace> m_clients;           // of the new file
+    bool m_needsBlocks = false;                   // somebody will ask m_blockOf
+    MarkPlace m_before;                           // of the mark that was entered last
+    std::u16string_view m_movedTo;                // where the last one is that is on another block
+    const kestrel::Block* m_lastBlock = nullptr;  // that was looked at last, and its identifier
+    std::u16string m_lastEid;
     // By the UUIDs of its signals, and of new parked marks, as the report has them.
     std::unordered_map<std::u16string_view, const kestrel::Block*> m_blockOf;
     std::unordered_map<std::u16string_view, std::size_t> m_parkedAt;
@@ -65,22 +73,48 @@ void Carrier::decideMarks() {
     marks.reserve(hvGetNumberOfElements(signals));
     m_kept.reserve(marks.capacity());
     for (const std::size_t i : ks_host::indicesOf(signals)) {
-        MarkedSource source = m_reader.of(signals, i, m_old.extras.markedName(i));
-        Decision decision = m_matching.decide(source);
-        CarriedMark& mark = marks.emplace_back(std::move(decision.mark));
-        mark.before = std::move(source.place);
-        mark.uuid = recordText(signals, i, "UUID");
-        mark.position = i;
+        const MarkedSource source = m_reader.of(signals, i, m_old.extras.markedName(i));
+        const Decision decision = m_matching.decide(source);
+        const CarriedMark& mark = enter(marks, {signals, i}, source, decision.mark);
+        const kestrel::Block* const block = decision.target.block;
         if (isParkedFate(mark.fate))
             park({signals, i}, mark, decision.isBlockFound, source.isNameKnown);
         else
-            keep({signals, i}, mark, decision.target.block);
+            keep({signals, i}, mark, block, isAsSaved(source, mark, *block));
     }
     for (const std::size_t i : ks_host::indicesOf(clients)) m_clients.push_back({clients, i});
 }
 
-void Carrier::keep(const RecordPlace& record, const CarriedMark& mark, const kestrel::Block* block) {
-    m_kept.push_back({record, &mark, block});
+// The report keeps the texts.
+CarriedMark& Carrier::enter(std::vector<CarriedMark>& marks, const RecordPlace& record, const MarkedSource& source,
+                            const CarriedMark& mark) {
+    CarriedTexts& texts = m_result.report.texts;
+    CarriedMark& entered = marks.emplace_back(mark);
+    entered.before = m_before = texts.keep(source.place, m_before);
+    if (mark.after) {
+        const bool hasMoved = mark.after->block != m_before.block;
+        MarkPlace like = m_before;
+        if (hasMoved) like.block = m_movedTo;
+        entered.after = texts.keep(*mark.after, like);
+        if (hasMoved) m_movedTo = entered.after->block;
+    }
+    entered.uuid = texts.keep(recordView(record.records, record.position, "UUID"));
+    entered.position = record.position;
+    return entered;
+}
+
+// A port whose block, name and number are what they were.
+bool Carrier::isAsSaved(const MarkedSource& source, const CarriedMark& mark, const kestrel::Block& block) {
+    if (mark.fate != Fate::same || !mark.before.domain.empty() || source.savedPath != block.path) return false;
+    if (m_lastBlock != &block) {
+        m_lastBlock = &block;
+        m_lastEid = toUtf16(block.eid);
+    }
+    return source.savedEid == m_lastEid;
+}
+
+void Carrier::keep(const RecordPlace& record, const CarriedMark& mark, const kestrel::Block* block, bool isAsSaved) {
+    m_kept.push_back({record, &mark, block, isAsSaved});
     if (m_needsBlocks) m_blockOf[mark.uuid] = block;
 }
 
@@ -88,7 +122,7 @@ void Carrier::park(const RecordPlace& record, const CarriedMark& mark, bool isBl
     ParkedMark parked;
     parked.signal = copyRecords(RecordKind::signal, {record});
     // A name that nobody knew stays unknown: the mark cannot come back by it.
-    if (isNameKnown) parked.markedName = mark.before.name;
+    if (isNameKnown) parked.markedName.emplace(mark.before.name);
     setRecordText(parked.signal.get(), 0, "BlockPath_", mark.before.block);
     parked.clients = copyRecords(RecordKind::client, {});
     const bool isItem = !mark.before.domain.empty();
@@ -106,10 +140,8 @@ void Carrier::decideParked() {
         const RecordPlace record{parked.signal.get(), 0};
         MarkedSource source = m_reader.of(record.records, 0, parked.markedName ? &*parked.markedName : nullptr);
         source.isUnsure = parked.isUnsure;
-        Decision decision = m_matching.decide(source);
-        CarriedMark& mark = marks.emplace_back(std::move(decision.mark));
-        mark.before = std::move(source.place);
-        mark.uuid = recordText(record.records, 0, "UUID");
+        const Decision decision = m_matching.decide(source);
+        CarriedMark& mark = enter(marks, record, source, decision.mark);
         mark.position = marks.size() - 1;
         mark.hadSlid = false;
         const bool isTaken = m_blockOf.contains(mark.uuid);
@@ -122,7 +154,7 @@ void Carrier::decideParked() {
             m_result.file.extras.parked.push_back(copyOf(parked));
             continue;
         }
-        keep(record, mark, decision.target.block);
+        keep(record, mark, decision.target.block, /*isAsSaved=*/false);
         for (const std::size_t i : ks_host::indicesOf(parked.clients.get()))
             m_clients.push_back({parked.clients.get(), i});
     }
@@ -137,7 +169,7 @@ void Carrier::buildSignals() {
     file.extras.markedNames.reserve(m_kept.size());
     for (std::size_t i = 0; i < m_kept.size(); ++i) {
         const CarriedMark& mark = *m_kept[i].mark;
-        putOn(file.signals.get(), i, mark.before, *m_kept[i].block, *mark.after);
+        if (!m_kept[i].isAsSaved) putOn(file.signals.get(), i, mark.before, *m_kept[i].block, *mark.after);
         file.extras.markedNames.emplace_back(mark.after->name);
     }
 }
@@ -167,6 +199,20 @@ void Carrier::buildClients() {
 }
 
 }  // namespace
+
+std::u16string_view CarriedTexts::keep(std::u16string_view text) {
+    if (m_pieces.empty() || m_pieces.back().capacity() - m_pieces.back().size() < text.size())
+        m_pieces.emplace_back().reserve(std::max(kPiece, text.size()));
+    std::vector<char16_t>& piece = m_pieces.back();
+    piece.insert(piece.end(), text.begin(), text.end());
+    return {piece.data() + piece.size() - text.size(), text.size()};
+}
+
+MarkPlace CarriedTexts::keep(MarkPlace place, const MarkPlace& like) {
+    for (const auto text : {&MarkPlace::block, &MarkPlace::name, &MarkPlace::domain, &MarkPlace::activity})
+        place.*text = place.*text == like.*text ? like.*text : keep(place.*text);
+    return place;
+}
 
 std::size_t CarryReport::count(Fate fate) const noexcept {
     return static_cast<std::size_t>(std::ranges::count(marks, fate, &CarriedMark::fate));

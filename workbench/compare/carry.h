@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "workbench/compare/block_matching.h"
@@ -31,18 +32,30 @@ inline constexpr std::array<Fate, kFateCount> kFates{Fate::same,      Fate::renu
                                                      Fate::lostBlock, Fate::lostSource};
 constexpr bool isParkedFate(Fate fate) noexcept { return fate >= Fate::ambiguous; }
 
-/// A port or chart item.
+/// A port or chart item. The texts are kept elsewhere, those of a report by the report.
 struct MarkPlace {
-    std::u16string block;  ///< path below the model
-    int port = 0;          ///< 1-based; 0 for a chart item
-    std::u16string name;   ///< of the port; the sub-path of an item
-    std::u16string domain = {};
-    std::uint32_t ssid = 0;
-    std::u16string activity = {};
+    std::u16string_view block;  ///< path below the model
+    std::u16string_view name;   ///< of the port; the sub-path of an item
+    int port = 0;               ///< 1-based; 0 for a chart item
+    std::uint32_t ssid = 0;     ///< of a chart item, as what follows
+    std::u16string_view domain = {};
+    std::u16string_view activity = {};
+};
+
+/// Keeps texts: each stays where it is, also when this is moved.
+class CarriedTexts {
+public:
+    std::u16string_view keep(std::u16string_view text);
+    /// `like` is one whose texts are kept already; what is the same in both is not kept again.
+    MarkPlace keep(MarkPlace place, const MarkPlace& like);
+
+private:
+    static constexpr std::size_t kPiece = std::size_t{1} << 14U;
+    std::vector<std::vector<char16_t>> m_pieces;  ///< none of them ever grows beyond what was reserved
 };
 
 struct CarriedMark {
-    std::u16string uuid;
+    std::u16string_view uuid;
     std::size_t position = 0;  ///< in the old list of signals, or of parked marks; 0-based
     Fate fate = Fate::lostBlock;
     MarkPlace before;
@@ -53,6 +66,7 @@ struct CarriedMark {
 };
 
 struct CarryReport {
+    CarriedTexts texts;
     std::vector<CarriedMark> marks;   ///< all signals of the old version, in order
     std::vector<CarriedMark> parked;  ///< all its parked marks; those that came back have no parked fate
     std::size_t clients = 0;          ///< that stay in the list, or are back in it

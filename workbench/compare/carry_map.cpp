@@ -21,7 +21,9 @@ std::u16string withoutModel(std::u16string text, const kestrel::Model& model, bo
 
 bool isPrefix(const std::u16string& text) { return text.ends_with(u"/*"); }
 
-std::u16string keyOf(const std::u16string& path, const std::u16string& name) { return path + u'\0' + name; }
+std::u16string keyOf(std::u16string_view path, std::u16string_view name) {
+    return std::u16string(path).append(1, u'\0').append(name);
+}
 
 }  // namespace
 
@@ -48,13 +50,16 @@ CarryMap::CarryMap(std::string file, std::string_view text, const ModelFile& old
     }
 }
 
-const CarryMap::Target* CarryMap::block(const std::u16string& oldPath) const {
-    if (const auto found = m_blocks.find(oldPath); found != m_blocks.end()) return &found->second;
-    const auto found = m_below.find(oldPath);
+const CarryMap::Target* CarryMap::block(std::u16string_view oldPath) const {
+    if (m_blocks.empty() && m_below.empty()) return nullptr;
+    const std::u16string path(oldPath);
+    if (const auto found = m_blocks.find(path); found != m_blocks.end()) return &found->second;
+    const auto found = m_below.find(path);
     return found == m_below.end() ? nullptr : &found->second;
 }
 
-const CarryMap::Target* CarryMap::source(const std::u16string& oldPath, const std::u16string& name) const {
+const CarryMap::Target* CarryMap::source(std::u16string_view oldPath, std::u16string_view name) const {
+    if (m_sources.empty()) return nullptr;
     const auto found = m_sources.find(keyOf(oldPath, name));
     return found == m_sources.end() ? nullptr : &found->second;
 }

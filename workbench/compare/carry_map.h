@@ -33,9 +33,9 @@ public:
     CarryMap(std::string file, std::string_view text, const ModelFile& old, const kestrel::Model& next);
 
     /// What is said of the block itself, or else, with the longest path, of all below one; null when nothing is.
-    const Target* block(const std::u16string& oldPath) const;
+    const Target* block(std::u16string_view oldPath) const;
     /// What is said of a port or item; null when nothing is.
-    const Target* source(const std::u16string& oldPath, const std::u16string& name) const;
+    const Target* source(std::u16string_view oldPath, std::u16string_view name) const;
 
 private:
     void read(const std::vector<CsvCell>& row, std::size_t line);

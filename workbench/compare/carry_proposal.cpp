@@ -12,7 +12,9 @@ namespace workbench {
 
 namespace {
 
-std::string nameOf(const MarkPlace& place) { return toUtf8(place.block + u":" + place.name); }
+std::string nameOf(const MarkPlace& place) {
+    return toUtf8(std::u16string(place.block).append(1, u':').append(place.name));
+}
 
 // One line of the map, each old name once.
 class Proposal {

@@ -1,14 +1,30 @@
 #include "workbench/compare/mark_matching.h"
 
+#include "workbench/text/text.h"
+
 namespace workbench {
 
 struct MarkMatching::Pairings {
     explicit Pairings(const kestrel::Block* old, const kestrel::Block& next)
-        : ports(old ? *old : kEmpty, next), items(old, next) {}
+        : ports(old ? *old : kEmpty, next), m_old(old), m_next(next) {}
     static inline const kestrel::Block kEmpty{};
+    const ItemPairing& items() {
+        if (!m_items) m_items.emplace(m_old, m_next);
+        return *m_items;
+    }
     PortPairing ports;
-    ItemPairing items;
+
+private:
+    const kestrel::Block* m_old;
+    const kestrel::Block& m_next;
+    std::optional<ItemPairing> m_items;
 };
+
+MarkMatching::MarkMatching(const kestrel::Model& old, const kestrel::Model& next, const CarryOptions& options,
+                           const CarryMap& map)
+    : m_next(next), m_options(options), m_map(map), m_blocks(old, next, options.by, map) {}
+
+MarkMatching::~MarkMatching() = default;
 
 Decision MarkMatching::decide(const MarkedSource& source) {
     Decision decision;
@@ -50,8 +66,8 @@ void MarkMatching::lookForHeirs(const MarkedSource& source, Decision& decision) 
 
 MarkMatching::Pairings& MarkMatching::pairingsOf(const kestrel::Block* old, const kestrel::Block& next) {
     if (m_lastNext == &next && m_lastOld == old) return *m_last;
-    std::shared_ptr<Pairings>& pairings = m_pairings[old][&next];
-    if (!pairings) pairings = std::make_shared<Pairings>(old, next);
+    std::unique_ptr<Pairings>& pairings = m_pairings[{old, &next}];
+    if (!pairings) pairings = std::make_unique<Pairings>(old, next);
     m_lastOld = old;
     m_lastNext = &next;
     m_last = pairings.get();
@@ -60,14 +76,14 @@ MarkMatching::Pairings& MarkMatching::pairingsOf(const kestrel::Block* old, cons
 
 SourceMatch MarkMatching::sourceIn(const MarkedSource& source, const kestrel::Block& block) {
     if (!source.isNameKnown) return {};
-    const Pairings& pairings = pairingsOf(source.block, block);
+    Pairings& pairings = pairingsOf(source.block, block);
     const MarkPlace& place = source.place;
     if (place.domain.empty()) return pairings.ports.of(place.name, source.hadSlid ? 0 : place.port);
-    return pairings.items.of(place.domain, place.name,
-                             source.hadSlid || !source.block ? std::nullopt : std::optional(place.ssid));
+    return pairings.items().of(place.domain, place.name,
+                               source.hadSlid || !source.block ? std::nullopt : std::optional(place.ssid));
 }
 
-SourceMatch MarkMatching::portNamed(const std::u16string& name, const kestrel::Block& block) {
+SourceMatch MarkMatching::portNamed(std::u16string_view name, const kestrel::Block& block) {
     return pairingsOf(nullptr, block).ports.of(name, 0);
 }
 
@@ -76,7 +92,7 @@ BlockMatch MarkMatching::blockOfOrphan(const MarkedSource& source) {
     if (const CarryMap::Target* const target = m_map.block(source.place.block))
         return {target->block ? MatchHow::map : MatchHow::none, target->block, 1};
     const kestrel::Block* const byPath = m_next.findByPath(source.place.block);
-    const kestrel::Block* const byEid = source.eid.empty() ? nullptr : m_next.findByEid(source.eid);
+    const kestrel::Block* const byEid = source.savedEid.empty() ? nullptr : m_next.findByEid(toUtf8(source.savedEid));
     const auto hasIt = [&](const kestrel::Block* block) {
         return block && sourceIn(source, *block).how == SourceHow::same;
     };
@@ -95,7 +111,7 @@ Decision MarkMatching::mapped(const MarkedSource& source, const CarryMap::Target
     if (isPort)
         decision.target.port = portNamed(target.name, *target.block).port;
     else
-        decision.target.ssid = pairingsOf(nullptr, *target.block).items.of(source.place.domain, target.name, {}).ssid;
+        decision.target.ssid = pairingsOf(nullptr, *target.block).items().of(source.place.domain, target.name, {}).ssid;
     const bool fits = isPort ? decision.target.port > 0 : decision.target.ssid > 0;
     if (!fits) decision.mark.fate = Fate::ambiguous;
     if (fits) decision.mark.after = placeOf(source, decision.target);
@@ -103,7 +119,7 @@ Decision MarkMatching::mapped(const MarkedSource& source, const CarryMap::Target
 }
 
 MarkPlace MarkMatching::placeOf(const MarkedSource& source, const NewSource& target) {
-    return {target.block->path, target.port, target.name, source.place.domain, target.ssid, source.place.activity};
+    return {target.block->path, target.name, target.port, target.ssid, source.place.domain, source.place.activity};
 }
 
 void MarkMatching::settle(const MarkedSource& source, const BlockMatch& block, const SourceMatch& match,

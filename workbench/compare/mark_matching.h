@@ -1,7 +1,9 @@
 #pragma once
 
+#include <boost/container_hash/hash.hpp>
+#include <boost/unordered/unordered_flat_map.hpp>
 #include <memory>
-#include <unordered_map>
+#include <utility>
 
 #include "workbench/compare/block_matching.h"
 #include "workbench/compare/carried_record.h"
@@ -9,7 +11,7 @@
 
 namespace workbench {
 
-/// What becomes of a mark, and where it goes.
+/// What becomes of a mark, and where it goes. The texts are the models'.
 struct Decision {
     CarriedMark mark;  ///< but for what the source says
     NewSource target = {};
@@ -21,8 +23,8 @@ class MarkMatching {
 public:
     /// Keeps references to the models and the map.
     MarkMatching(const kestrel::Model& old, const kestrel::Model& next, const CarryOptions& options,
-                 const CarryMap& map)
-        : m_next(next), m_options(options), m_map(map), m_blocks(old, next, options.by, map) {}
+                 const CarryMap& map);
+    ~MarkMatching();
 
     const BlockMatching& blocks() const noexcept { return m_blocks; }
     Decision decide(const MarkedSource& source);
@@ -33,7 +35,7 @@ private:
     Pairings& pairingsOf(const kestrel::Block* old, const kestrel::Block& next);
     SourceMatch sourceIn(const MarkedSource& source, const kestrel::Block& block);
     BlockMatch blockOfOrphan(const MarkedSource& source);
-    SourceMatch portNamed(const std::u16string& name, const kestrel::Block& block);
+    SourceMatch portNamed(std::u16string_view name, const kestrel::Block& block);
     void lookForHeirs(const MarkedSource& source, Decision& decision);
     Decision mapped(const MarkedSource& source, const CarryMap::Target& target, Decision decision);
     static MarkPlace placeOf(const MarkedSource& source, const NewSource& target);
@@ -46,8 +48,8 @@ private:
     CarryOptions m_options;
     const CarryMap& m_map;
     BlockMatching m_blocks;
-    std::unordered_map<const kestrel::Block*, std::unordered_map<const kestrel::Block*, std::shared_ptr<Pairings>>>
-        m_pairings;
+    using BlockPair = std::pair<const kestrel::Block*, const kestrel::Block*>;
+    boost::unordered_flat_map<BlockPair, std::unique_ptr<Pairings>, boost::hash<BlockPair>> m_pairings;
     const kestrel::Block* m_lastOld = nullptr;   ///< of the pairings that were asked for last
     const kestrel::Block* m_lastNext = nullptr;  ///< null at first
     Pairings* m_last = nullptr;

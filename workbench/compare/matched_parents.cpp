@@ -4,33 +4,33 @@
 
 namespace workbench {
 
-void MatchedParents::note(const std::u16string& oldPath, const std::u16string& newPath) {
-    std::u16string before = oldPath;
-    std::u16string after = newPath;
-    while (!before.empty() && !after.empty()) {
-        enter(m_forward, before, after);
-        enter(m_back, after, before);
-        before = parentOf(before);
-        after = parentOf(after);
+// Where two paths are known to belong together, so are those above them.
+void MatchedParents::note(std::u16string_view oldPath, std::u16string_view newPath) {
+    while (!oldPath.empty() && !newPath.empty()) {
+        const bool isKnown = enter(m_forward, oldPath, newPath);
+        if (enter(m_back, newPath, oldPath) && isKnown) return;
+        oldPath = parentView(oldPath);
+        newPath = parentView(newPath);
     }
 }
 
-void MatchedParents::enter(Paths& paths, const std::u16string& from, const std::u16string& to) {
+// Whether nothing has changed by it.
+bool MatchedParents::enter(Paths& paths, std::u16string_view from, std::u16string_view to) {
     const auto [there, isNew] = paths.emplace(from, to);
-    if (!isNew && there->second != to) there->second.clear();
+    if (isNew || there->second == to) return !isNew;
+    there->second = {};
+    return false;
 }
 
-const std::u16string* MatchedParents::find(const Paths& paths, const std::u16string& path) {
+std::u16string_view MatchedParents::find(const Paths& paths, std::u16string_view path) {
     const auto found = paths.find(path);
-    return found == paths.end() || found->second.empty() ? nullptr : &found->second;
+    return found == paths.end() ? std::u16string_view() : found->second;
 }
 
-bool MatchedParents::correspond(const std::u16string& oldPath, const std::u16string& newPath) const {
+bool MatchedParents::correspond(std::u16string_view oldPath, std::u16string_view newPath) const {
     if (oldPath.empty() || newPath.empty()) return oldPath == newPath;
     if (isUnknown(oldPath, newPath)) return oldPath == newPath;
-    const std::u16string* const forward = find(m_forward, oldPath);
-    const std::u16string* const back = find(m_back, newPath);
-    return forward && back && *forward == newPath && *back == oldPath;
+    return find(m_forward, oldPath) == newPath && find(m_back, newPath) == oldPath;
 }
 
 }  // namespace workbench

@@ -48,6 +48,12 @@ void BlockMatching::matchRenamed() {
     }
 }
 
+bool BlockMatching::isAnythingLeft() const {
+    for (Position i = 0; i < m_matches.size(); ++i)
+        if (isFree(i) && !m_versions.old.names[i].empty()) return std::ranges::find(m_toOld, kNone) != m_toOld.end();
+    return false;
+}
+
 // What one old and one new block alone have a key in common, among those that are not yet found or among all.
 template <class KeyOf, class Accept>
 void BlockMatching::matchUnique(Among among, KeyOf keyOf, Accept accept) {
@@ -55,6 +61,7 @@ void BlockMatching::matchUnique(Among among, KeyOf keyOf, Accept accept) {
         Position block = kNone, candidate = kNone;
         bool isUnique = true;
     };
+    if (!isAnythingLeft()) return;
     std::unordered_map<std::u16string, Pair> pairs;
     const auto enter = [](Position& place, Pair& pair, Position position) {
         if (place != kNone) pair.isUnique = false;
@@ -83,8 +90,8 @@ void BlockMatching::matchUniqueSets() {
 
 // All others with its names were found; its parent is gone, and that of the candidate is new.
 bool BlockMatching::isAloneInNew(Position block, Position candidate) const {
-    const std::u16string parent = parentOf(m_versions.old.path(block));
-    const std::u16string newParent = parentOf(m_versions.next.path(candidate));
+    const std::u16string_view parent = parentView(m_versions.old.path(block));
+    const std::u16string_view newParent = parentView(m_versions.next.path(candidate));
     return m_versions.old.names[block].size() > 1 && !parent.empty() && !newParent.empty() &&
            !m_versions.next.parents.contains(parent) && !m_versions.old.parents.contains(newParent) &&
            m_parents.isUnknown(parent, newParent);
@@ -95,8 +102,8 @@ bool BlockMatching::isInContext(Position block, Position candidate) const {
     const std::u16string& before = m_versions.old.path(block);
     const std::u16string& after = m_versions.next.path(candidate);
     if (areNumberedApart(lastSegment(before), lastSegment(after))) return false;
-    const std::u16string parent = parentOf(before);
-    const std::u16string newParent = parentOf(after);
+    const std::u16string_view parent = parentView(before);
+    const std::u16string_view newParent = parentView(after);
     if (!m_parents.correspond(parent, newParent)) return false;
     return parent != newParent || isBetweenSame(block, candidate);
 }
@@ -113,10 +120,9 @@ bool BlockMatching::isBetweenSame(Position block, Position candidate) const {
 // Below a renamed parent: the only one that is left with those names.
 void BlockMatching::matchAmongSiblings() {
     const auto keyOf = [this](const VersionBlocks& version, Position i) {
-        const std::u16string parent = parentOf(version.path(i));
-        const bool isOld = &version == &m_versions.old;
-        const std::u16string* const now = isOld ? m_parents.of(parent) : nullptr;
-        return setKey(version, i) + (now ? *now : parent);
+        const std::u16string_view parent = parentView(version.path(i));
+        const std::u16string_view now = &version == &m_versions.old ? m_parents.of(parent) : parent;
+        return setKey(version, i).append(now.empty() ? parent : now);
     };
     matchUnique(Among::open, keyOf,
                 [this](Position block, Position candidate) { return isInContext(block, candidate); });
@@ -129,11 +135,12 @@ void BlockMatching::matchBelowRenamed() {
 }
 
 void BlockMatching::matchBelow(Position block) {
-    const std::u16string& path = m_versions.old.path(block);
+    const std::u16string_view path = m_versions.old.path(block);
     for (std::size_t at = path.rfind(u'/'); at != std::u16string::npos && at > 0; at = path.rfind(u'/', at - 1)) {
-        const std::u16string* const renamed = m_parents.of(path.substr(0, at));
-        if (!renamed || path.compare(0, at, *renamed) == 0) continue;
-        const kestrel::Block* const below = m_versions.next.model.findByPath(*renamed + path.substr(at));
+        const std::u16string_view renamed = m_parents.of(path.substr(0, at));
+        if (renamed.empty() || path.substr(0, at) == renamed) continue;
+        const kestrel::Block* const below =
+            m_versions.next.model.findByPath(std::u16string(renamed).append(path.substr(at)));
         const Position candidate = m_versions.next.at(below).value_or(kNone);
         if (isUntaken(candidate) && m_versions.likeness(block, candidate) >= kLikely)
             return match(block, candidate, MatchHow::rule);

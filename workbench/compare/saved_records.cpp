@@ -83,6 +83,12 @@ HvArrayPtr unsetValue(std::string_view field) {
     return HvArrayPtr(hvCreateStructArray(1, &kOne, 0, nullptr));
 }
 
+HvArrayPtr unsetRecord(RecordKind kind) {
+    std::vector<HvArrayPtr> values;
+    for (const char* const field : fieldsOf(kind)) values.push_back(unsetValue(field));
+    return orvex::makeStructColumn(fieldsOf(kind), values);
+}
+
 // A saved field, with what is looked up for each value of it.
 struct SavedField {
     const char* name;
@@ -142,9 +148,8 @@ void setRecordText(hvArray* records, std::size_t position, const char* field, st
     hvReplaceField(records, position, field, ks_host::makeText(text).release());
 }
 
-std::u16string domainParameter(const hvArray* signals, std::size_t position, const char* name) {
-    const hvArray* const parameters = hvGetField(signals, position, "DomainParams_");
-    return parameters ? ks_host::textOf(hvGetField(parameters, 0, name)) : std::u16string();
+std::u16string_view domainParameter(const hvArray* signals, std::size_t position, const char* name) {
+    return recordView(hvGetField(signals, position, "DomainParams_"), 0, name);
 }
 
 const kestrel::Block* savedBlock(const kestrel::Model& model, const RecordPlace& signal) {
@@ -170,11 +175,10 @@ bool isSameRecord(RecordKind kind, const RecordPlace& one, const RecordPlace& ot
 }
 
 HvArrayPtr copyRecords(RecordKind kind, const std::vector<RecordPlace>& places) {
-    const auto fields = fieldsOf(kind);
-    const std::size_t count = places.size();
-    HvArrayPtr copy(hvCreateStructArray(1, &count, static_cast<int>(fields.size()), fields.data()));
-    for (std::size_t i = 0; i < count; ++i)
-        for (const char* const field : fields) copyField(copy.get(), i, field, places[i]);
+    std::vector<orvex::StructElement> elements;
+    elements.reserve(places.size());
+    for (const RecordPlace& place : places) elements.push_back({place.records, place.position});
+    HvArrayPtr copy = orvex::gatheredElements(elements, unsetRecord(kind).get());
     orvex::markAsPersisted(copy.get());
     return copy;
 }

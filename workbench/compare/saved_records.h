@@ -26,8 +26,8 @@ std::u16string recordText(const hvArray* records, std::size_t position, const ch
 std::u16string_view recordView(const hvArray* records, std::size_t position, const char* field) noexcept;
 /// Leaves a field alone that has the text.
 void setRecordText(hvArray* records, std::size_t position, const char* field, std::u16string_view text);
-/// A parameter of a chart signal; empty when there is none.
-std::u16string domainParameter(const hvArray* signals, std::size_t position, const char* name);
+/// A parameter of a chart signal, valid as long; empty when there is none.
+std::u16string_view domainParameter(const hvArray* signals, std::size_t position, const char* name);
 
 /// The block that a saved signal is on, null when the model does not have it.
 const kestrel::Block* savedBlock(const kestrel::Model& model, const RecordPlace& signal);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -22,45 +23,54 @@ enum class SourceHow : std::uint8_t {
 
 struct SourceMatch {
     SourceHow how = SourceHow::lost;
-    int port = 0;                ///< 1-based; 0 for a chart item, and where a guess has no best candidate
-    std::u16string name = {};    ///< of the port or item
+    int port = 0;  ///< 1-based; 0 for a chart item, and where a guess has no best candidate
+    /// Of the port or item; valid as long as the pairing and its models.
+    std::u16string_view name = {};
     std::uint32_t ssid = 0;      ///< of the item
     std::size_t candidates = 0;  ///< of a guess
 };
 
-/// The output ports of a block in two versions. Made in time that is linear in the ports, asked in constant time.
+/// The output ports of a block in two versions, which must stay as they are. Made in time that is linear in the ports,
+/// asked in constant time.
 class PortPairing {
 public:
-    PortPairing(const kestrel::Block& old, const kestrel::Block& next);
+    PortPairing(const kestrel::Block& old, const kestrel::Block& next)
+        : m_old(old), m_next(next), m_isSame(old.outputs == next.outputs) {}
     /// Of the port with that name; `number` (1-based) tells which, where several have it, and 0 that nobody knows.
-    SourceMatch of(const std::u16string& name, int number) const;
+    SourceMatch of(std::u16string_view name, int number);
 
 private:
-    using Index = std::unordered_map<std::u16string, std::vector<int>>;
-    static Index numbersOf(const kestrel::Block& block);
+    using Index = std::unordered_map<std::u16string_view, std::vector<int>>;
+    /// What is looked at where not all ports are as they were.
+    struct Names {
+        Names(const kestrel::Block& oldBlock, const kestrel::Block& newBlock);
+        Index old, next;
+        std::unordered_map<std::u16string, std::vector<int>> added;  ///< by plain name
+        std::size_t lostCount = 0, addedCount = 0;
+        int lastAdded = 0;
+    };
+
     SourceMatch at(int number, SourceHow how, std::size_t candidates = 1) const;
     SourceMatch amongSeveral(const std::vector<int>& before, const std::vector<int>& after, int number) const;
-    SourceMatch renamed(const std::u16string& name) const;
+    SourceMatch renamed(std::u16string_view name) const;
 
+    const kestrel::Block& m_old;
     const kestrel::Block& m_next;
     bool m_isSame;  ///< all ports are as they were
-    Index m_old, m_new;
-    std::unordered_map<std::u16string, std::vector<int>> m_added;  ///< by plain name
-    std::size_t m_lostCount = 0, m_addedCount = 0;
-    int m_lastAdded = 0;
+    std::unique_ptr<const Names> m_names;
 };
 
-/// The items of a chart, by path or name and by identifier.
+/// The items of a chart, by path or name and by identifier. The block must stay as it is.
 struct ItemNames {
     /// A block may have no chart.
     explicit ItemNames(const kestrel::Block* block);
 
     struct Items {
-        std::unordered_map<std::u16string, std::uint32_t> bySubPath;
-        std::unordered_map<std::uint32_t, std::u16string> bySsid;
+        std::unordered_map<std::u16string_view, std::uint32_t> bySubPath;
+        std::unordered_map<std::uint32_t, std::u16string_view> bySsid;
     };
-    const Items& of(const std::u16string& domain) const { return domain == u"cw_state" ? states : data; }
-    bool has(const std::u16string& name) const {
+    const Items& of(std::u16string_view domain) const { return domain == u"cw_state" ? states : data; }
+    bool has(std::u16string_view name) const {
         return states.bySubPath.contains(name) || data.bySubPath.contains(name);
     }
 
@@ -74,7 +84,7 @@ public:
     /// Either may have no chart.
     ItemPairing(const kestrel::Block* old, const kestrel::Block& next);
     /// Of the state or datum of that path or name; `ssid` is what it had, nothing when nobody knows.
-    SourceMatch of(const std::u16string& domain, const std::u16string& path, std::optional<std::uint32_t> ssid) const;
+    SourceMatch of(std::u16string_view domain, std::u16string_view path, std::optional<std::uint32_t> ssid) const;
 
 private:
     ItemNames m_old, m_new;
