@@ -15,8 +15,9 @@ namespace workbench {
 namespace {
 
 constexpr std::size_t kHeadRoom = 4096;
-constexpr std::size_t kWorthWaking = SharedRing::kCapacity / 16;
-constexpr std::size_t kMostAtOnce = SharedRing::kCapacity / 4;
+constexpr std::size_t kMostAtOnce = std::size_t{1} << 15U;
+// A wake-up costs as much as some hundred samples.
+constexpr std::size_t kRoomWorthWaking = SharedRing::kCapacity / 4 * 3;
 // Wake-ups that get lost cost no more than this.
 constexpr int kPatience = 50;
 constexpr long kNanosecondsOfMillisecond = 1'000'000;
@@ -75,19 +76,9 @@ void SharedRing::put(const void* bytes, std::size_t size) {
     }
 }
 
-void SharedRing::publish() { m_shared->head.store(m_head, std::memory_order_release); }
-
-void SharedRing::send(const void* head, std::size_t headSize, const void* body, std::size_t bodySize) {
-    const std::size_t size = headSize + bodySize;
-    const std::size_t at = m_head % kCapacity;
-    if (size <= kCapacity - at && size <= kCapacity - (m_head - m_knownTail)) {
-        std::memcpy(m_bytes + at, head, headSize);
-        std::memcpy(m_bytes + at + headSize, body, bodySize);
-        m_head += size;
-    } else {
-        put(head, headSize);
-        put(body, bodySize);
-    }
+void SharedRing::sendInPieces(const void* head, std::size_t headSize, const void* body, std::size_t bodySize) {
+    put(head, headSize);
+    put(body, bodySize);
     publish();
     if (m_head - m_told >= kWorthWaking) flush();
 }
@@ -95,11 +86,6 @@ void SharedRing::send(const void* head, std::size_t headSize, const void* body, 
 void SharedRing::flush() {
     m_told = m_head;
     wake(m_shared->receiverWaits, m_shared->sent);
-}
-
-void SharedRing::tellTime(double time) noexcept {
-    m_shared->time.store(time, std::memory_order_relaxed);
-    m_shared->beat.store(++m_beat, std::memory_order_relaxed);
 }
 
 bool SharedRing::receive(std::string& out) {
@@ -112,7 +98,7 @@ bool SharedRing::receive(std::string& out) {
     out.append(m_bytes, size - first);
     m_tail += size;
     m_shared->tail.store(m_tail);
-    wake(m_shared->senderWaits, m_shared->received);
+    if (kCapacity - (there - size) >= kRoomWorthWaking) wake(m_shared->senderWaits, m_shared->received);
     return true;
 }
 

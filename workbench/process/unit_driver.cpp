@@ -79,12 +79,12 @@ private:
         const std::size_t size = m_body.size();
         m_body.append((kPadding - size % kPadding) % kPadding, '\0');
         const UnitMessageHead head{message, static_cast<std::uint32_t>(size), time};
-        m_ring.send(&head, sizeof head, m_body.data(), m_body.size());
+        m_ring.send(head, m_body.data(), m_body.size());
     }
 
     void send(UnitMessage message, double time, const void* body, std::size_t size) {
         const UnitMessageHead head{message, static_cast<std::uint32_t>(size), time};
-        m_ring.send(&head, sizeof head, body, size);
+        m_ring.send(head, body, size);
     }
 
     SharedRing& m_ring;

@@ -20,6 +20,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int kPause = 50;  // milliseconds
 constexpr std::chrono::milliseconds kBetweenProgress{200};
+// Taken between two looks at the process.
+constexpr std::size_t kMostPieces = 32;
 // What a unit may take for its last step, and for going.
 constexpr std::chrono::seconds kGrace{2};
 
@@ -41,7 +43,10 @@ constexpr bool isUpTo(char byte, Enumeration last) noexcept {
 class Decoder {
 public:
     Decoder(const UnitTask& task, const UnitControl& control, UnitListener& listener)
-        : m_listener(listener), m_slots(task.slotCount), m_logs(control.logs), m_time(task.experiment.start) {}
+        : m_listener(listener),
+          m_slotSize(task.slotCount * sizeof(std::uint64_t)),
+          m_logs(control.logs),
+          m_time(task.experiment.start) {}
 
     std::string& pending() noexcept { return m_pending; }
 
@@ -83,10 +88,10 @@ private:
     }
 
     bool takeSample(double time, std::string_view body) {
-        const std::size_t size = m_slots.size() * sizeof(std::uint64_t);
-        if (body.size() < size) return false;
-        if (size > 0) std::memcpy(m_slots.data(), body.data(), size);
-        m_listener.sample({time, m_number++, m_slots.data(), body.substr(size)});
+        if (body.size() < m_slotSize) return false;
+        // Aligned, whatever was sent: all before it is filled up to whole slots.
+        const auto* const slots = reinterpret_cast<const std::uint64_t*>(body.data());
+        m_listener.sample({time, m_number++, slots, body.substr(m_slotSize)});
         return true;
     }
 
@@ -101,7 +106,7 @@ private:
     }
 
     UnitListener& m_listener;
-    std::vector<std::uint64_t> m_slots;
+    std::size_t m_slotSize;
     bool m_logs;
     double m_time;
     std::string m_pending;
@@ -131,6 +136,12 @@ public:
 
 private:
     bool receive() {
+        std::size_t pieces = 0;
+        while (pieces < kMostPieces && receivePiece()) ++pieces;
+        return pieces > 0;
+    }
+
+    bool receivePiece() {
         const std::size_t before = m_decoder.pending().size();
         bool isWhole = m_ring.receive(m_decoder.pending());
         const bool hasReceived = m_decoder.pending().size() > before;

@@ -14,7 +14,8 @@ namespace workbench {
 
 namespace {
 
-constexpr std::size_t kBufferSize = std::size_t{1} << 16U;
+// What the system does for a file it does for each block.
+constexpr std::size_t kBufferSize = std::size_t{1} << 19U;
 // Longest number with its comma.
 constexpr std::size_t kCellSize = 32;
 
@@ -73,7 +74,8 @@ public:
         }
         m_buffer += "\r\n";
         flush();
-        if (!m_hasTexts) m_block.resize(kBufferSize + (columns.size() + 1) * kCellSize);
+        if (!m_hasTexts)
+            m_block = std::make_unique_for_overwrite<char[]>(kBufferSize + (columns.size() + 1) * kCellSize);
     }
 
     void write(const RunRow& row) override {
@@ -87,7 +89,7 @@ public:
     void flush() override {
         m_output.append(m_buffer);
         m_buffer.clear();
-        m_output.append(std::string_view(m_block).substr(0, m_used));
+        m_output.append(std::string_view(m_block.get(), m_used));
         m_used = 0;
     }
 
@@ -101,9 +103,8 @@ private:
         return column.kind == ValueKind::text || column.kind == ValueKind::binary;
     }
 
-    // The block is as large as it can get: growing and shrinking it would clear every row first.
     void writeNumbers(const RunRow& row) {
-        char* at = putReal(m_block.data() + m_used, row.time);
+        char* at = putReal(m_block.get() + m_used, row.time);
         const std::uint64_t* const slots = row.slots;
         const std::uint8_t* isPresent = row.isPresent;
         for (const Cell *cell = m_cells.data(), *const end = cell + m_cells.size(); cell != end; ++cell) {
@@ -111,7 +112,7 @@ private:
             if (isPresent == nullptr || *isPresent++ != 0) at = putNumber(at, *cell, slots[cell->slot]);
         }
         at = putText(at, "\r\n");
-        m_used = static_cast<std::size_t>(at - m_block.data());
+        m_used = static_cast<std::size_t>(at - m_block.get());
     }
 
     void writeMixed(const RunRow& row) {
@@ -143,9 +144,9 @@ private:
     std::vector<Cell> m_cells;
     bool m_hasTexts = false;
     std::string m_mended;
-    std::string m_buffer;    // of rows with texts
-    std::string m_block;     // of rows without
-    std::size_t m_used = 0;  // of the block
+    std::string m_buffer;             // of rows with texts
+    std::unique_ptr<char[]> m_block;  // of rows without
+    std::size_t m_used = 0;           // of the block
 };
 
 }  // namespace

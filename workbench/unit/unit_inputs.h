@@ -31,6 +31,7 @@ public:
     /// Times must not descend.
     template <class Take>
     void at(double time, Take take) {
+        if (m_inputs.empty()) return;
         seek(time);
         for (UnitInput& input : m_inputs)
             if (fill(input, time)) take(static_cast<const UnitInput&>(input));

@@ -113,10 +113,10 @@ TEST_F(RecordFailures, eachCallThatFailsIsToldAndLeavesWholeRows) {
 }
 
 TEST_F(RecordFailures, aWriteThatIsInterruptedIsMadeAgain) {
-    const std::string whole = runOn("record --quiet --until 6000").out;
+    const std::string whole = runOn("record --quiet --until 30000").out;
     for (std::size_t at = 1;; ++at) {
         g_plan = {at, 0, false, nullptr, EINTR, "write"};
-        EXPECT_EQ(runOn("record --quiet --until 6000 --replace -o " + path("run.csv")).code, kSuccess);
+        EXPECT_EQ(runOn("record --quiet --until 30000 --replace -o " + path("run.csv")).code, kSuccess);
         EXPECT_TRUE(read("run.csv") == whole) << at;
         if (std::exchange(g_plan, {}).reached == nullptr) break;
     }
