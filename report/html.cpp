@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "workbench/text/columns.h"
 #include "workbench/text/text.h"
@@ -13,6 +14,8 @@ namespace {
 
 // In columns. What is longer says nothing more to a reader.
 constexpr std::size_t kLongestName = 240;
+
+constexpr std::size_t kPiece = std::size_t{1} << 16U;
 
 std::string asReferences(std::string_view text, bool isPath = false) {
     std::string html;
@@ -75,6 +78,11 @@ std::string shown(const Name& name) { return isolated(asReferences(shortName(nam
 std::string shown(const Path& path) { return isolated(asReferences(shortName(path), true)); }
 
 std::string shown(const Message& message) { return asReferences(workbench::printableMessage(message.text)); }
+
+void Html::append(fmt::string_view pattern, fmt::format_args arguments) {
+    fmt::vformat_to(std::back_inserter(m_text), pattern, arguments);
+    if (m_text.size() >= kPiece && m_sink) flush();
+}
 
 void Html::flush() {
     if (m_sink) m_sink(m_text);

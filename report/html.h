@@ -1,10 +1,9 @@
 #pragma once
 
-#include <fmt/format.h>
+#include <fmt/core.h>
 
 #include <concepts>
 #include <cstddef>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -72,8 +71,7 @@ public:
     /// Appends the pattern, with each argument as `shown` has it: texts are escaped, whatever they hold.
     template <class... Args>
     Html& add(fmt::format_string<decltype(shown(std::declval<const Args&>()))...> pattern, const Args&... args) {
-        fmt::format_to(std::back_inserter(m_text), pattern, shown(args)...);
-        if (m_text.size() >= kPiece && m_sink) flush();
+        append(pattern, fmt::make_format_args(shown(args)...));
         return *this;
     }
     /// Hands on what is left.
@@ -81,7 +79,7 @@ public:
     Markup take() { return {std::move(m_text)}; }
 
 private:
-    static constexpr std::size_t kPiece = std::size_t{1} << 16U;
+    void append(fmt::string_view pattern, fmt::format_args arguments);
 
     workbench::TextSink m_sink;
     std::string m_text;

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <iterator>
 
 namespace report {
 
@@ -32,14 +31,14 @@ public:
         const int right = place.x - m_at.x;
         const int down = place.y - m_at.y;
         m_piece += !m_isLine ? "l" : right >= 0 ? " " : "";
-        fmt::format_to(std::back_inserter(m_piece), "{}{}{}", right, down >= 0 ? " " : "", down);
+        m_piece += fmt::format("{}{}{}", right, down >= 0 ? " " : "", down);
         m_at = place;
         m_isLine = true;
     }
 
     void stepTo(Place place) {
-        if (place.x != m_at.x) fmt::format_to(std::back_inserter(m_piece), "h{}", place.x - m_at.x);
-        if (place.y != m_at.y) fmt::format_to(std::back_inserter(m_piece), "v{}", place.y - m_at.y);
+        if (place.x != m_at.x) m_piece += fmt::format("h{}", place.x - m_at.x);
+        if (place.y != m_at.y) m_piece += fmt::format("v{}", place.y - m_at.y);
         m_at = place;
     }
 
@@ -52,7 +51,7 @@ private:
     void endPiece() {
         if (!m_isOpen) return;
         std::string& path = m_piece.empty() ? m_drawn.dots : m_drawn.line;
-        fmt::format_to(std::back_inserter(path), "M{} {}{}", m_start.x, m_start.y, m_piece.empty() ? "h0" : m_piece);
+        path += fmt::format("M{} {}{}", m_start.x, m_start.y, m_piece.empty() ? "h0" : m_piece);
     }
 
     DrawnLine m_drawn;

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <fmt/format.h>
-
 #include <concepts>
 #include <cstddef>
-#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -80,7 +77,7 @@ public:
     }
     JsonObject& truth(std::string_view key, bool value) { return name(key), m_out += value ? "true" : "false", *this; }
     JsonObject& number(std::string_view key, std::integral auto value) {
-        return name(key), fmt::format_to(std::back_inserter(m_out), "{}", value), *this;
+        return name(key), m_out += std::to_string(value), *this;
     }
     JsonObject& null(std::string_view key) { return name(key), m_out += "null", *this; }
     /// The text that it is written to, for the value of the member that was named last.

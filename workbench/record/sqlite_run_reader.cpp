@@ -15,8 +15,7 @@ namespace {
 
 std::string hexadecimal(std::string_view bytes) {
     std::string digits;
-    for (const char byte : bytes)
-        fmt::format_to(std::back_inserter(digits), "{:02x}", static_cast<unsigned char>(byte));
+    for (const char byte : bytes) digits += fmt::format("{:02x}", static_cast<unsigned char>(byte));
     return digits;
 }
 
