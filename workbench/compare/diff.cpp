@@ -125,12 +125,35 @@ Names missing(const Names& names, const Names& others) {
     return result;
 }
 
-Names without(const Names& names, const Names& others) {
-    std::unordered_set<std::u16string_view> left(others.begin(), others.end());
+// Those that `others` has, or, with `has` false, does not have.
+Names sifted(const Names& names, const Names& others, bool has) {
+    const std::unordered_set<std::u16string_view> known(others.begin(), others.end());
     Names result;
     for (const std::u16string& name : names)
-        if (!left.contains(name)) result.push_back(name);
+        if (known.contains(name) == has) result.push_back(name);
     return result;
+}
+
+bool isWithin(const Names& few, const Names& many) {
+    auto next = few.begin();
+    for (const std::u16string& name : many)
+        if (next != few.end() && *next == name) ++next;
+    return next == few.end();
+}
+
+// Of ports with the same name, any may be the one that was added or removed.
+bool isReordered(const BlockChange& change) {
+    const Names& before = change.before->outputs;
+    const Names& after = change.after->outputs;
+    const Names old = sifted(before, after, true);
+    const Names now = sifted(after, before, true);
+    const bool hasMore = !sifted(change.addedPorts, before, true).empty();
+    const bool hasFewer = !sifted(change.removedPorts, after, true).empty();
+    if (!hasMore || !hasFewer) return hasMore ? !isWithin(old, now) : !isWithin(now, old);
+    const auto sure = [&](const Names& names) {
+        return sifted(sifted(names, change.addedPorts, false), change.removedPorts, false);
+    };
+    return sure(old) != sure(now);
 }
 
 bool isSameChart(const kestrel::Block& one, const kestrel::Block& other) {
@@ -148,7 +171,7 @@ std::optional<BlockChange> changeOf(const kestrel::Block& before, const kestrel:
     if (before.outputs != after.outputs) {
         change.addedPorts = missing(after.outputs, before.outputs);
         change.removedPorts = missing(before.outputs, after.outputs);
-        change.isReordered = without(before.outputs, change.removedPorts) != without(after.outputs, change.addedPorts);
+        change.isReordered = isReordered(change);
     }
     const bool isSame = before.path == after.path && before.eid == after.eid && before.outputs == after.outputs &&
                         !change.isChartChanged;

@@ -58,6 +58,23 @@ TEST(Diff, tellsContentsAndOrderApart) {
     EXPECT_TRUE(diff.blocks[0].isReordered);
 }
 
+// Of ports with one name nobody knows which was removed: the order has changed where it has whichever it was.
+TEST(Diff, tellsTheOrderOfPortsApartFromTheirNumber) {
+    const auto isReordered = [](const std::vector<std::string>& before, const std::vector<std::string>& after) {
+        const ModelFile old = file(model("m", {{"A", "1", before}}, {}));
+        const ModelFile next = file(model("m", {{"A", "1", after}}, {}));
+        return diffModels(old, next).blocks.at(0).isReordered;
+    };
+    EXPECT_FALSE(isReordered({"y", "z", "y"}, {"z", "y"}));
+    EXPECT_FALSE(isReordered({"y", "z", "y"}, {"y", "z"}));
+    EXPECT_FALSE(isReordered({"z", "y"}, {"y", "z", "n", "y"}));
+    EXPECT_FALSE(isReordered({"y", "z", "y", "x"}, {"n", "z", "y"}));
+    EXPECT_TRUE(isReordered({"y", "y", "z"}, {"z", "y"}));
+    EXPECT_TRUE(isReordered({"z", "y"}, {"y", "y", "z"}));
+    EXPECT_FALSE(isReordered({"y", "y", "z", "a"}, {"y", "z", "a", "z"}));
+    EXPECT_TRUE(isReordered({"y", "y", "z", "a", "b"}, {"y", "z", "b", "a", "z"}));
+}
+
 std::string parked(const std::vector<std::string>& uuids) {
     std::vector<std::string> marks;
     for (const std::string& uuid : uuids)
