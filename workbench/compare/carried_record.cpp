@@ -3,7 +3,6 @@
 #include <charconv>
 
 #include "host/values.h"
-#include "memory_host/kestrel/signal_block.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
@@ -49,15 +48,6 @@ std::u16string firstOf(const hvArray* records, std::size_t position, const char*
 
 }  // namespace
 
-const kestrel::Block* MarkedSources::blockOf(std::u16string_view eid, std::u16string_view path) {
-    if (!m_lastBlock || m_lastEid != eid || m_lastPath != path) {
-        m_lastEid = eid;
-        m_lastPath = path;
-        m_lastBlock = kestrel::signalBlock(m_old, toUtf8(eid), m_lastPath);
-    }
-    return *m_lastBlock;
-}
-
 const ItemNames& MarkedSources::itemsOf(const kestrel::Block& block) {
     return m_items.try_emplace(&block, &block).first->second;
 }
@@ -81,7 +71,7 @@ MarkedSource MarkedSources::of(const hvArray* signals, std::size_t position, con
     MarkedSource source;
     source.savedPath = recordView(signals, position, "BlockPath_");
     source.savedEid = recordView(signals, position, "EID_");
-    source.block = blockOf(source.savedEid, source.savedPath);
+    source.block = m_blocks.of(source.savedEid, source.savedPath);
     MarkPlace& place = source.place;
     place.block = source.block ? std::u16string_view(source.block->path) : source.savedPath;
     place.domain = recordView(signals, position, "DomainType_");

@@ -33,20 +33,16 @@ struct NewSource {
 /// model, which must not change meanwhile.
 class MarkedSources {
 public:
-    explicit MarkedSources(const kestrel::Model& old) : m_old(old) {}
+    explicit MarkedSources(const kestrel::Model& old) : m_blocks(old) {}
     /// `markedName` may be null: none was kept.
     MarkedSource of(const hvArray* signals, std::size_t position, const std::u16string* markedName);
 
 private:
-    const kestrel::Block* blockOf(std::u16string_view eid, std::u16string_view path);
     const ItemNames& itemsOf(const kestrel::Block& block);
     std::optional<std::u16string_view> nameNow(const MarkedSource& source);
 
-    const kestrel::Model& m_old;
+    SavedBlocks m_blocks;
     std::unordered_map<const kestrel::Block*, ItemNames> m_items;  ///< of charts
-    /// What was asked for last: most signals are on the block of the one before.
-    std::u16string m_lastEid, m_lastPath;
-    std::optional<const kestrel::Block*> m_lastBlock;
 };
 
 /// Sets what names the block, the port or item, and the signal where it has the port's name.

@@ -39,8 +39,9 @@ CarryMap::CarryMap(std::string file, std::string_view text, const ModelFile& old
     for (const kestrel::Block& block : old.model.blocks()) m_oldPaths.emplace(block.path, &block);
     for (const ParkedMark& mark : old.extras.parked)
         m_oldPaths.emplace(recordText(mark.signal.get(), 0, "BlockPath_"), nullptr);
+    SavedBlocks blocks(old.model);
     for (std::size_t i = 0; i < hvGetNumberOfElements(old.signals.get()); ++i)
-        if (!savedBlock(old.model, {old.signals.get(), i}))
+        if (!blocks.of({old.signals.get(), i}))
             m_oldPaths.emplace(recordText(old.signals.get(), i, "BlockPath_"), nullptr);
     CsvRows rows(m_file, pieceOf(text), CsvComments::hash);
     std::vector<CsvCell> row;

@@ -65,7 +65,7 @@ struct MergedPorts {
 class ModelMerge {
 public:
     ModelMerge(const ModelFile& base, const ModelFile& ours, const ModelFile& theirs)
-        : m_base(base), m_ours(ours), m_theirs(theirs) {}
+        : m_base(base), m_ours(ours), m_theirs(theirs), m_ourBlocks(ours.model), m_theirBlocks(theirs.model) {}
 
     MergedModel run() {
         m_signals = mergeRecords(RecordKind::signal, m_base, m_ours, m_theirs, m_conflicts);
@@ -90,7 +90,7 @@ private:
     void settlePaths(std::vector<kestrel::Block>& blocks);
     void tellCrowded(const kestrel::Block& block, const kestrel::Block* ours, const std::string& owner);
     void followNames(const kestrel::Model& model);
-    bool followName(const kestrel::Model& model, MergedRecord& signal);
+    bool followName(SavedBlocks& blocks, MergedRecord& signal);
     const MergedPorts& portsOf(const kestrel::Block& meant, const kestrel::Block& merged);
     void build(ModelFile& file);
     void mergeParked(ModelFile& file);
@@ -98,6 +98,7 @@ private:
     const ModelFile& m_base;
     const ModelFile& m_ours;
     const ModelFile& m_theirs;
+    SavedBlocks m_ourBlocks, m_theirBlocks;
     MergedRecords m_signals, m_clients;
     std::map<std::pair<const kestrel::Block*, const kestrel::Block*>, MergedPorts> m_ports;
     std::unordered_set<std::string> m_usedEids;
@@ -157,8 +158,12 @@ kestrel::Block ModelMerge::mergedBlock(const std::string& eid) {
 }
 
 void ModelMerge::addBlocks(kestrel::Model& model) {
-    for (const MergedRecord& signal : m_signals.records)
-        if (const kestrel::Block* const block = savedBlock(m_ours.model, signal.place())) m_usedEids.insert(block->eid);
+    const kestrel::Block* last = nullptr;
+    for (const MergedRecord& signal : m_signals.records) {
+        const kestrel::Block* const block = m_ourBlocks.of(signal.place());
+        if (block && block != last) m_usedEids.insert(block->eid);
+        last = block;
+    }
     std::vector<kestrel::Block> blocks;
     MergeKeys keys;
     const auto base = eidsOf(m_base.model, keys), ours = eidsOf(m_ours.model, keys);
@@ -198,16 +203,17 @@ void ModelMerge::tellCrowded(const kestrel::Block& block, const kestrel::Block* 
 
 // A number that meant one port on the side where it was set may be another port's in the merged block.
 void ModelMerge::followNames(const kestrel::Model& model) {
-    std::erase_if(m_signals.records, [&](MergedRecord& signal) { return !followName(model, signal); });
+    SavedBlocks blocks(model);
+    std::erase_if(m_signals.records, [&](MergedRecord& signal) { return !followName(blocks, signal); });
 }
 
 const MergedPorts& ModelMerge::portsOf(const kestrel::Block& meant, const kestrel::Block& merged) {
     return m_ports.try_emplace({&meant, &merged}, meant, merged).first->second;
 }
 
-bool ModelMerge::followName(const kestrel::Model& model, MergedRecord& signal) {
+bool ModelMerge::followName(SavedBlocks& blocks, MergedRecord& signal) {
     const RecordPlace& place = signal.place();
-    const kestrel::Block* const block = savedBlock(model, place);
+    const kestrel::Block* const block = blocks.of(place);
     const bool isOurs = signal.ours.records != nullptr;
     const auto conflict = [&](const char* text) {
         const std::string port = canonicalField(place.records, place.position, "OutputPortIndex_");
@@ -215,9 +221,9 @@ bool ModelMerge::followName(const kestrel::Model& model, MergedRecord& signal) {
                                isOurs ? "" : port, text});
         return isOurs;
     };
-    if (!block) return isOurs && !savedBlock(m_ours.model, place) ? true : conflict("its block was removed");
+    if (!block) return isOurs && !m_ourBlocks.of(place) ? true : conflict("its block was removed");
     if (!recordView(place.records, place.position, "DomainType_").empty()) return true;
-    const kestrel::Block* const meant = savedBlock((signal.isPlacedByThem ? m_theirs : m_ours).model, place);
+    const kestrel::Block* const meant = (signal.isPlacedByThem ? m_theirBlocks : m_ourBlocks).of(place);
     const auto number = static_cast<std::size_t>(
         ks_host::numberAt(hvGetField(place.records, place.position, "OutputPortIndex_")).value_or(0.0));
     if (!meant || number < 1 || number > meant->outputs.size()) return true;

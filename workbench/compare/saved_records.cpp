@@ -152,9 +152,18 @@ std::u16string_view domainParameter(const hvArray* signals, std::size_t position
     return recordView(hvGetField(signals, position, "DomainParams_"), 0, name);
 }
 
-const kestrel::Block* savedBlock(const kestrel::Model& model, const RecordPlace& signal) {
-    return kestrel::signalBlock(model, toUtf8(recordView(signal.records, signal.position, "EID_")),
-                                recordText(signal.records, signal.position, "BlockPath_"));
+const kestrel::Block* SavedBlocks::of(const RecordPlace& signal) {
+    const std::u16string_view path = recordView(signal.records, signal.position, "BlockPath_");
+    return of(recordView(signal.records, signal.position, "EID_"), path);
+}
+
+const kestrel::Block* SavedBlocks::of(std::u16string_view eid, std::u16string_view path) {
+    if (!m_block || m_eid != eid || m_path != path) {
+        m_eid = eid;
+        m_path = path;
+        m_block = kestrel::signalBlock(*m_model, toUtf8(eid), m_path);
+    }
+    return *m_block;
 }
 
 std::string canonicalField(const hvArray* records, std::size_t position, const char* field) {
@@ -168,6 +177,7 @@ bool isSameField(const hvArray* one, std::size_t position, const hvArray* other,
 }
 
 bool isSameRecord(RecordKind kind, const RecordPlace& one, const RecordPlace& other) {
+    if (orvex::areSeenToBeSame({one.records, one.position}, {other.records, other.position})) return true;
     return std::ranges::all_of(savedFields(kind), [&](const SavedField& field) {
         return isSameValue(hvGetField(one.records, one.position, field.name),
                            hvGetField(other.records, other.position, field.name), field);

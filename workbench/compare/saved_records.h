@@ -29,8 +29,20 @@ void setRecordText(hvArray* records, std::size_t position, const char* field, st
 /// A parameter of a chart signal, valid as long; empty when there is none.
 std::u16string_view domainParameter(const hvArray* signals, std::size_t position, const char* name);
 
-/// The block that a saved signal is on, null when the model does not have it.
-const kestrel::Block* savedBlock(const kestrel::Model& model, const RecordPlace& signal);
+/// Finds the blocks that saved signals are on, most of which are on that of the one before. It does not outlive the
+/// model, which must not change meanwhile.
+class SavedBlocks {
+public:
+    explicit SavedBlocks(const kestrel::Model& model) : m_model(&model) {}
+    /// Null when the model does not have it.
+    const kestrel::Block* of(const RecordPlace& signal);
+    const kestrel::Block* of(std::u16string_view eid, std::u16string_view path);
+
+private:
+    const kestrel::Model* m_model;
+    std::u16string m_eid, m_path;  ///< what was asked for last
+    std::optional<const kestrel::Block*> m_block;
+};
 
 /// The field as JSON in one form for everything that reads the same: a field that is unset as what it stands for, flags
 /// as true or false, parameters sorted by name.

@@ -80,9 +80,10 @@ void shareRepeats(hvArray* structArray) {
     StructData& data = structIn(structArray);
     const std::size_t fields = data.names->size();
     for (std::size_t i = fields; i < data.values.size(); ++i) {
-        const SharedValue before = data.values[i - fields];
-        const SharedValue& value = data.values[i];
-        if (before && value && before != value && isSame(*before, *value)) data.values.forWriting(i) = before;
+        hvArray* const before = data.values[i - fields].get();
+        const hvArray* const value = data.values[i].get();
+        if (before && value && before != value && isSame(*before, *value))
+            data.values.forWriting(i) = SharedValue(before);
     }
 }
 
@@ -103,6 +104,20 @@ HvArrayPtr joinedColumns(std::span<const HvArrayPtr> columns) {
     HvArrayPtr result = makeValue(hvSTRUCT_CLASS, Dimensions(rows, 1), std::move(joined), "joinedColumns");
     result->m_fromFile = columns.front()->m_fromFile;
     return result;
+}
+
+bool areSeenToBeSame(const StructElement& one, const StructElement& other) noexcept {
+    const auto* const some = payloadOf<StructData>(one.structArray);
+    const auto* const others = payloadOf<StructData>(other.structArray);
+    const auto isThere = [](const StructElement& it) { return it.index < it.structArray->m_dimensions.elements(); };
+    if (!some || !others || !areSame(*some->names, *others->names) || !isThere(one) || !isThere(other)) return false;
+    const std::size_t fields = some->names->size();
+    for (std::size_t field = 0; field < fields; ++field) {
+        const hvArray* const value = some->values[one.index * fields + field].get();
+        const hvArray* const another = others->values[other.index * fields + field].get();
+        if (value != another && !(value && another && isSame(*value, *another))) return false;
+    }
+    return true;
 }
 
 HvArrayPtr gatheredElements(std::span<const StructElement> elements, const hvArray* absent) {

@@ -46,6 +46,9 @@ struct StructElement {
     const hvArray* structArray = nullptr;
     std::size_t index = 0;
 };
+/// Whether two elements of struct arrays hold the same texts, numbers and empty structs in the same fields. False also
+/// where that is not seen at once, as of other values.
+OX_API bool areSeenToBeSame(const StructElement& one, const StructElement& other) noexcept;
 /// Elements of struct arrays that have the fields of `absent`, one behind the other as one N x 1. What they have not
 /// set is as in `absent`, a 1 x 1 struct. The values are shared with them. Counts as creating a value. Throws for other
 /// values and for elements that are not there.
