@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "kshmi/print/reports/findings.h"
+#include "workbench/check/field_names.h"
 #include "workbench/files/standard_stream.h"
 #include "workbench/text/error.h"
 #include "workbench/text/nearest.h"
@@ -38,6 +39,16 @@ void addSwitch(CLI::App& command, const std::string& on, const std::string& off,
 std::string fileWord(const std::string& called) {
     const std::string stream(kStandardStream);
     return called == calledInMessages(stream) ? stream : shellWord(called);
+}
+
+HvArrayPtr parametersOf(const std::string& json) {
+    HvArrayPtr value = hostValueOf("--params", json);
+    for (const std::string& name : wrongFieldNames(value.get()))
+        throw Error(
+            fmt::format("--params: {} cannot be the name of a parameter; start it with a letter and go on with "
+                        "letters, digits and \"_\"",
+                        inQuotes(std::string_view(name))));
+    return value;
 }
 
 }  // namespace
@@ -111,7 +122,7 @@ void addClientSettings(CLI::App& command, ClientArguments& arguments) {
 
 ClientSettings settingsOf(const ClientArguments& arguments) {
     if (arguments.type && arguments.type->empty()) throw Error("the kind of client is empty; name it");
-    return {arguments.type,        arguments.params ? hostValueOf("--params", *arguments.params) : nullptr,
+    return {arguments.type,        arguments.params ? parametersOf(*arguments.params) : nullptr,
             arguments.updateRate,  arguments.channel,
             arguments.isImaginary, arguments.busLeaf};
 }

@@ -10,19 +10,22 @@ using namespace workbench;
 
 namespace {
 
-std::string kindList(IsOfKind isAllowed) {
-    const std::vector<FindingKind> kinds = findingKinds(isAllowed);
-    return listed(kinds, kinds.size(), [](FindingKind kind) { return textOf(kind); });
+// The words for help and completion; what is none of them is refused where the option is read.
+CLI::Validator kindList(IsOfKind isAllowed) {
+    std::string words;
+    for (const FindingKind kind : findingKinds(isAllowed)) words += fmt::format("{},", textOf(kind));
+    return {[](std::string&) { return std::string(); }, fmt::format("{{{}all}}", words)};
 }
 
 }  // namespace
 
 CLI::Option* addKinds(CLI::App& command, const char* name, std::vector<std::string>& words, IsOfKind isAllowed,
                       const std::string& help) {
-    return command.add_option(name, words, fmt::format("{}: {}, or all", help, kindList(isAllowed)))
+    return command.add_option(name, words, help)
         ->delimiter(',')
         ->allow_extra_args(false)
-        ->type_name("KINDS");
+        ->type_name("KINDS")
+        ->check(kindList(isAllowed));
 }
 
 }  // namespace kshmi

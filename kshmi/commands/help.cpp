@@ -108,7 +108,7 @@ void addCompletion(CLI::App& app, Run& run) {
 void addExample(CLI::App& app, Run& run) {
     const auto isUnit = std::make_shared<bool>(false);
     CLI::App* const command =
-        app.add_subcommand("example", "Print a model file on which all examples of this help can be tried");
+        app.add_subcommand("example", "Print the model file, cruise.json, of the examples in this help");
     command->footer("Examples:\n  kshmi example > cruise.json\n  kshmi example --unit > cruise.fmu");
     command->add_flag("--unit", *isUnit, "print a unit (.fmu) instead, which can be imported and recorded");
     command->callback([=, &run] {

@@ -152,6 +152,8 @@ Selected select(const kestrel::Model& model, const SelectionArguments& arguments
     Selected selected = workbench::select(model, selection);
     for (const std::string& pattern : selected.idle)
         output.err << "kshmi: warning: --except " << inQuotes(pattern) << " leaves nothing out\n";
+    if (selected.sources().empty() && isNarrowed(arguments))
+        output.err << "kshmi: warning: nothing is selected: --except and --kind leave nothing of it\n";
     return selected;
 }
 

@@ -154,10 +154,10 @@ void warnOfExcluded(const Session& session, const Positions& signals, std::ostre
     std::size_t clients = 0;
     for (const ks_hmi::SignalClient& client : recordsOf(session.clients()))
         clients += uuids.contains(client.m_signalUUID) ? 1U : 0U;
-    err << fmt::format(
-        "kshmi: warning: the saved file no longer has what is excluded from saving: {}{}\n",
-        counted(signals.size(), "signal"),
-        clients > 0 ? fmt::format(", whose {} it leaves without a signal", counted(clients, "client")) : "");
+    if (clients > 0)
+        err << fmt::format(
+            "kshmi: warning: {} watched what is excluded from saving and will find no signal in the file\n",
+            counted(clients, "client"));
 }
 
 int runSet(const SetArguments& arguments, const Output& output) {

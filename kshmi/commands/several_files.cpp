@@ -116,9 +116,9 @@ int lookAtFiles(std::string_view command, const std::vector<std::string>& files,
     enterHost(output.err);
     Tour tour(command, output, isJson, look);
     int worst = kSuccess;
-    if (files.size() == 1) worst = tour.at(files.front());
-    if (files.size() > 1)
-        for (const std::string& file : files) worst = std::max(worst, tour.amongOthers(file));
+    // In JSON a failure is told at its file, also when it is the only one.
+    if (files.size() == 1 && !isJson) return tour.at(files.front());
+    for (const std::string& file : files) worst = std::max(worst, tour.amongOthers(file));
     if (isJson) tour.printJson();
     return worst;
 }

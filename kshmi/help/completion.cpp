@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "kshmi/help/help_page.h"
+#include "kshmi/help/topics.h"
 
 namespace kshmi {
 
@@ -24,10 +25,23 @@ std::vector<std::string> commandNames(const CLI::App& app) {
     return names;
 }
 
+// Words that stand for themselves behind a command: its members, what an argument can be, what help is given on.
+std::vector<std::string> wordsBehind(const CLI::App& app) {
+    std::vector<std::string> words = commandNames(app);
+    for (const CLI::Option* const option : app.get_options())
+        if (option->get_positional())
+            for (std::string& value : valuesOf(*option)) words.push_back(std::move(value));
+    if (app.get_name() == "help" && app.get_parent() != nullptr) {
+        words = commandNames(*app.get_parent());
+        for (const Topic& topic : topics()) words.emplace_back(topic.name);
+    }
+    return words;
+}
+
 // A branch for each command: which words may follow, and which values an option takes. "-" stands for files.
 void appendBashCases(std::string& script, const CLI::App& app) {
     script += fmt::format("        '{}') words='{}'; commands='{}' ;;\n", fullNameOf(app),
-                          fmt::join(optionNames(app), " "), fmt::join(commandNames(app), " "));
+                          fmt::join(optionNames(app), " "), fmt::join(wordsBehind(app), " "));
     for (const CLI::App* const command : commandsOf(app)) appendBashCases(script, *command);
 }
 
@@ -81,7 +95,9 @@ void appendZshFunction(std::string& script, const CLI::App& app) {
     script += fmt::format("    _arguments{}", commands.empty() ? "" : " -C");
     for (const CLI::Option* const option : optionsOf(app)) script += zshOption(*option);
     if (commands.empty()) {
-        script += " \\\n            '*:file:_files'\n}\n\n";
+        const std::vector<std::string> words = wordsBehind(app);
+        const std::string offered = words.empty() ? "file:_files" : fmt::format("word:({})", fmt::join(words, " "));
+        script += fmt::format(" \\\n            '*:{}'\n}}\n\n", offered);
         return;
     }
     script += fmt::format(

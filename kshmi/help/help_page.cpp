@@ -55,6 +55,11 @@ HelpSection& sectionOf(HelpPage& page, const std::string& title) {
 
 std::string usageOf(const CLI::App& app) {
     std::string usage = "[OPTIONS]";
+    for (const CLI::Option* const option : optionsOf(app))
+        if (option->get_required())
+            usage += fmt::format(" {}", takesValue(*option)
+                                            ? fmt::format("{} {}", namesOf(*option).back(), valueWord(*option))
+                                            : namesOf(*option).back());
     for (const CLI::Option* const option : positionalsOf(app)) usage += " " + positionalWord(*option);
     return commandsOf(app).empty() ? usage : usage + " COMMAND ...";
 }

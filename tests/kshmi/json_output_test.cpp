@@ -129,6 +129,7 @@ TEST_F(JsonOutput, ofSeveralFilesIsOneDocument) {
               json::parse(R"({"signals": 1, "clients": 1, "blocks": 3, "ports": 4, "items": 5})"));
     const json::value wanted = told({"show", path(), path("none.json"), "--json"}).at("files").at(1).at("error");
     expectParts(std::string(wanted.at("text").as_string()), {"cannot be opened"});
+    EXPECT_EQ(told({"show", path("none.json"), "--json"}).at("files").at(0).at("error"), wanted);
 }
 
 TEST_F(JsonOutput, tellsWhatWasChangedByUuidAndPosition) {

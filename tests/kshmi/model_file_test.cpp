@@ -54,16 +54,18 @@ constexpr Refusal kMisshapen[] = {
     {"\"OutputPortIndex_\": 1", "\"OutputPortIndex_\": 1.5", ":16: /signals/0/OutputPortIndex_: the number 1.5"},
     {"\"IsFrameBased_\": 1", "\"IsFrameBased_\": 7", "the number 7 appears where true or false"},
     {"\"DomainType_\": \"\"", "\"DomainType_\": \"cw\"", "/signals/0/DomainType_: the domain \"cw\" is not one of"},
-    {"\"DomainParams_\": {}", "\"DomainParams_\": {\"a\": 1}", "/signals/0/DomainParams_: struct 1x1"},
+    {"\"DomainParams_\": {}", "\"DomainParams_\": {\"a\": 1}",
+     "/signals/0/DomainParams_: an object whose \"a\" is no text appears"},
     {"\"UUID\": \"u-2\"", "\"UUID\": \"\"", "/signals/1/UUID: the signal has no UUID"},
     {"\"clients\": [\n", "\"clients\": [\n3,", "/clients/0: the number 3 appears where an object"},
     {"\"SignalUUID_\": \"u-9\"", "\"SignalUuid\": \"u-9\"", ":67: /clients/1/SignalUuid: this key is unknown"},
     {"      \"SignalUUID_\": \"u-9\",\n", "", ":62: /clients/1/SignalUUID_: "},
     {"\"UUID\": \"c-2\"", "\"UUID\": \"\"", ":63: /clients/1/UUID: the client has no UUID"},
-    {"[\"A\"]", "[3]", ":51: /clients/0/ModelPath_: cell 1x1 appears where an array of texts"},
+    {"[\"A\"]", "[3]", ":51: /clients/0/ModelPath_: an array with something else in it appears"},
     {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1.5", "/clients/0/UpdateRate_: the number 1.5 appears where a whole"},
     {"\"UpdateRate_\": 1", "\"UpdateRate_\": 4294967296", "number from 0 to 4294967295"},
-    {"Part_\": true", "Part_\": \"on\"", "/clients/0/ObserveImaginaryPart_: char 1x2 appears where true or false"},
+    {"Part_\": true", "Part_\": \"on\"",
+     "/clients/0/ObserveImaginaryPart_: the text \"on\" appears where true or false"},
 };
 
 // What only reading the values and the model tells.
@@ -92,7 +94,7 @@ constexpr Refusal kMeaningless[] = {
     {"[\"NaN\", 1]", "[\"NaN\"]", "/clients/0/ObserverParams_/range: \"data\" has 1 element"},
     {"\"UUID\": \"c-2\"", "\"UUID\": \"c-1\"", ":63: /clients/1/UUID: another client has"},
     {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1, \"UpdateRate_\": 2", "/clients/0/UpdateRate_: this key appears twice"},
-    {"\"bus.leaf\"", "\"bus\\u0000leaf\"", "/clients/0/BusLeafPath_: char 1x8 appears where a text without NUL"},
+    {"\"bus.leaf\"", "\"bus\\u0000leaf\"", "/clients/0/BusLeafPath_: the text \"bus\\x00leaf\" appears where a text"},
 };
 
 class ModelFiles : public testing::KshmiTest {

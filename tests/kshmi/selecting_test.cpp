@@ -115,6 +115,7 @@ TEST_F(Selecting, whatIsNotThereIsAnsweredWithWhatMayBeMeant) {
         {"query Logik", "did you mean \"Logic\"?"},
         {"query B:1", "did you mean \"A/B\"?"},
         {"query A:vlaid", "has no output port \"vlaid\"; it has 1 (y), 2 (valid); did you mean \"valid\"?"},
+        {"query --all * --kind state --except *", "nothing is selected: --except and --kind leave nothing of it"},
         {"query A/*", "has no such block; a name is taken literally here: for a pattern give --all 'GLOB'"},
         {"query --all m/Nothing*", "patterns match whole paths"},
         {"query --all m/A[1]", R"(for the brackets themselves write "\[" and "\]")"},

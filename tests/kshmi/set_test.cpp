@@ -64,6 +64,7 @@ TEST_F(Settings, belongToWhatTheyAreSaidOf) {
         {"set A --hide --show", "excludes"},
         {"set A --clients --new-type \"\"", "the kind of client is empty"},
         {"set --signal u-9 --name x", "no signal has the UUID or position \"u-9\""},
+        {R"(set A --clients --params "{\"a b\": 1}")", "\"a b\" cannot be the name of a parameter"},
         {"set --client 0 --params 1", "no client has the UUID or position \"0\""},
     };
     for (const auto& [line, message] : refusals) {
@@ -88,8 +89,7 @@ TEST_F(Settings, thatLeaveASignalOutOfTheFileAreWarnedOf) {
     expectParts(runOn("mark A:2 --exclude-from-save").err,
                 {"warning: the saved file does not have what is excluded from saving"});
     expectParts(runOn("set A --exclude-from-save").err,
-                {"warning: the saved file no longer has what is excluded from saving: 1 signal, whose 1 client it "
-                 "leaves without a signal"});
+                {"warning: 1 client watched what is excluded from saving and will find no signal in the file"});
     EXPECT_FALSE(contains(read(), "\"UUID\": \"u-1\""));
     expectParts(runOn("clients").out, {"dangling"});
 }

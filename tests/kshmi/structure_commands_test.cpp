@@ -157,6 +157,10 @@ TEST_F(StructureCommands, identifiersOfWhatIsGoneAreNotGivenAgain) {
     write(replaced(read(), "\"EID_\": \"4\"", "\"EID_\": \"x\""));
     write(replaced(read(), "\"ModelPathEID_\": [\"1\"]", "\"ModelPathEID_\": [\"1\", \"70\"]"));
     expectParts(change("block add C").out, {"element identifier 71"});
+    // There is no number behind the largest.
+    change("block add Last --eid 18446744073709551615");
+    expectParts(change("block add D").out, {"element identifier 18446744073709551614"});
+    expectParts(change("block add E").out, {"element identifier 18446744073709551613"});
 }
 
 TEST_F(StructureCommands, whatIsChangedIsToldAsJson) {

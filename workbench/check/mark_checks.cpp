@@ -188,18 +188,20 @@ std::optional<ChartParameters> chartParameters(const kestrel::Model& model, cons
 namespace {
 
 std::string describe(const ParkedMark& mark) {
-    const std::u16string path = ks_host::textOf(hvGetField(mark.signal.get(), 0, "BlockPath_"));
-    const std::string name = mark.markedName && !mark.markedName->empty() ? inQuotes(*mark.markedName) + " of " : "";
     const std::size_t clients = hvGetNumberOfElements(mark.clients.get());
     const std::string with = clients > 0 ? " with " + counted(clients, "client") : "";
-    if (mark.isUnsure)
-        return fmt::format("the mark on {}{} is parked{}: nobody has said which {} after {} it is on", name,
-                           inQuotes(path), with, textOf(mark.lost), inQuotes(mark.from));
-    return fmt::format("the mark on {}{} is parked{}: {} lost its {}", name, inQuotes(path), with, inQuotes(mark.from),
-                       textOf(mark.lost));
+    const char* const why = mark.isUnsure ? "{} is parked{}: nobody has said which {} after {} it is on"
+                                          : "{} is parked{}: its {} was lost after {}";
+    return fmt::format(fmt::runtime(why), nameOfParked(mark), with, textOf(mark.lost), inQuotes(mark.from));
 }
 
 }  // namespace
+
+std::string nameOfParked(const ParkedMark& mark) {
+    const std::u16string path = ks_host::textOf(hvGetField(mark.signal.get(), 0, "BlockPath_"));
+    const std::string name = mark.markedName && !mark.markedName->empty() ? inQuotes(*mark.markedName) + " of " : "";
+    return fmt::format("the mark on {}{}", name, inQuotes(path));
+}
 
 std::unique_ptr<SliceChecks> markChecks(CheckedFile& checked, const kestrel::Model& model, const CheckedList& list) {
     return std::make_unique<MarkChecks>(checked, model, list);

@@ -23,6 +23,8 @@ std::optional<ChartParameters> chartParameters(const kestrel::Model& model, cons
 
 /// Adds findings about the signals of a file. What is given must outlive it, but for the list.
 std::unique_ptr<SliceChecks> markChecks(CheckedFile& checked, const kestrel::Model& model, const CheckedList& list);
+/// "the mark on "speed" of "Sensors/Speed"".
+std::string nameOfParked(const ParkedMark& mark);
 /// Adds findings about parked marks.
 void checkParked(CheckedFile& checked, const std::vector<ParkedMark>& parked);
 

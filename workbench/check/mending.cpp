@@ -32,14 +32,19 @@ public:
 
     void followNames() {
         for (const FollowedMark& one : workbench::followNames(m_session))
-            m_settled.push_back(
-                {FindingKind::names, fmt::format("signal {}: from {} to {}, after its name {}", one.position + 1,
-                                                 printable(one.from), printable(one.to), inQuotes(one.name))});
+            m_settled.push_back({FindingKind::names, fmt::format("signal {}: {}, after its name {}", one.position + 1,
+                                                                 wayOf(one), inQuotes(one.name))});
     }
 
     std::vector<Settled> take() noexcept { return std::move(m_settled); }
 
 private:
+    std::string wayOf(const FollowedMark& one) const {
+        if (one.from != one.to) return fmt::format("from {} to {}", printable(one.from), printable(one.to));
+        const std::u16string ssid = m_session.signals().get(one.position)->getValueForDomainParams(u"SSID");
+        return fmt::format("{} has the SSID {} now", printable(one.to), printable(ssid));
+    }
+
     static std::string newUuid() { return SignalSpecification::getUUIDFromBlockHandle(0, 0.0, /*useMap=*/false); }
 
     std::string mendSignal(SignalSpecification& signal, FindingKind kind) const {

@@ -11,6 +11,7 @@
 #include "workbench/change/marking.h"
 #include "workbench/change/observing.h"
 #include "workbench/check/field_names.h"
+#include "workbench/check/mark_checks.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/signal_index.h"
 #include "workbench/session/records.h"
@@ -32,9 +33,11 @@ public:
         if (!has(m_kinds, kind) || !finding.record) return;
         const bool isSignal = finding.record == RecordKind::signal;
         if (kind == FindingKind::parameters) {
-            isSignal ? pruneParameters(*m_session.signals().get(finding.position))
-                     : pruneParameters(*m_session.clients().get(finding.position));
-            tell(kind, fmt::format("{} of {}", finding.text, nameOf(finding)));
+            const std::vector<std::string> names = isSignal
+                                                       ? pruneParameters(*m_session.signals().get(finding.position))
+                                                       : pruneParameters(*m_session.clients().get(finding.position));
+            for (const std::string& name : names)
+                tell(kind, fmt::format("the parameter {} of {}", inQuotes(std::string_view(name)), nameOf(finding)));
         } else if ((isSignal ? m_signals : m_clients).insert(finding.position).second) {
             tell(kind, nameOf(finding));
         }
@@ -55,17 +58,25 @@ private:
         if (finding.record == RecordKind::client) return nameOfClient(m_session, finding.position);
         return fmt::format("signal {} ({})", finding.position + 1, printable(std::string_view(finding.subject)));
     }
-    static void pruneParameters(SignalSpecification& signal) {
-        std::erase_if(signal.m_domainParams.edit(),
-                      [](const auto& entry) { return !isFieldName(toUtf8(entry.first)); });
+    // What is removed: of several findings on one record, the first takes it all.
+    static std::vector<std::string> pruneParameters(SignalSpecification& signal) {
+        std::vector<std::string> wrong;
+        std::erase_if(signal.m_domainParams.edit(), [&](const auto& entry) {
+            std::string name = toUtf8(entry.first);
+            if (isFieldName(name)) return false;
+            wrong.push_back(std::move(name));
+            return true;
+        });
+        std::ranges::sort(wrong);
+        return wrong;
     }
-    static void pruneParameters(SignalClient& client) {
-        client.m_observerParams = withoutWrongFields(client.m_observerParams.get());
+    static std::vector<std::string> pruneParameters(SignalClient& client) {
+        std::vector<std::string> wrong = wrongFieldNames(client.m_observerParams.get());
+        if (!wrong.empty()) client.m_observerParams = withoutWrongFields(client.m_observerParams.get());
+        return wrong;
     }
     void pruneParked() {
-        for (const ParkedMark& mark : m_session.parked())
-            tell(FindingKind::parked,
-                 fmt::format("the mark of {}, which lost its {}", inQuotes(mark.from), textOf(mark.lost)));
+        for (const ParkedMark& mark : m_session.parked()) tell(FindingKind::parked, nameOfParked(mark));
         m_session.dropParked();
     }
     std::unordered_set<std::string_view> keptUuids() const;

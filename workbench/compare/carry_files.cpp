@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "workbench/files/atomic_file.h"
+#include "workbench/files/same_file.h"
 #include "workbench/import/import_model.h"
 #include "workbench/text/error.h"
 
@@ -51,6 +52,9 @@ CarriedModel carryTo(const std::string& file, const ModelFile& old, ModelFile ne
 }  // namespace
 
 CarriedFiles carryFiles(const CarryFiles& files, const CarryOptions& options) {
+    if (isSameFile(files.target(), files.before))
+        throw Error({files.target()}, "has the marks that are carried, and stays as it is; give another file with -o",
+                    ErrorCode::request);
     const ModelFile old = readModelFile(files.before);
     ModelFile next = nextVersion(files, old);
     const CarryMap map = readMap(files.map, old, next.model);

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "memory_host/orvex/values/values.h"
+#include "workbench/text/text.h"
 
 namespace workbench {
 
@@ -33,11 +34,17 @@ bool isListOfTexts(const hvArray* value) {
     return true;
 }
 
+// The name of the first such field of a 1x1 struct, or null.
+const char* firstOtherThanText(const hvArray* value) {
+    for (int i = 0; i < hvGetNumberOfFields(value); ++i) {
+        const char* const name = hvGetFieldNameByNumber(value, i);
+        if (!isText(hvGetField(value, 0, name))) return name;
+    }
+    return nullptr;
+}
+
 bool isStructOfTexts(const hvArray* value) {
-    if (hvGetClassID(value) != hvSTRUCT_CLASS || hvGetNumberOfElements(value) != 1) return false;
-    for (int i = 0; i < hvGetNumberOfFields(value); ++i)
-        if (!isText(hvGetField(value, 0, hvGetFieldNameByNumber(value, i)))) return false;
-    return true;
+    return hvGetClassID(value) == hvSTRUCT_CLASS && hvGetNumberOfElements(value) == 1 && !firstOtherThanText(value);
 }
 
 bool isNumber(const hvArray* value) {
@@ -112,8 +119,16 @@ const FieldKind& fieldKindOf(std::string_view field) {
 
 const FieldKind& markedNameKind() noexcept { return kText; }
 
-std::string describeFieldValue(const hvArray* value) {
-    return isNumber(value) ? fmt::format("the number {}", hvGetScalar(value)) : orvex::describeValue(value);
+std::string describeFieldValue(const hvArray* value, const FieldKind& wanted) {
+    if (isNumber(value)) return fmt::format("the number {}", hvGetScalar(value));
+    if (isText(value)) return "the text " + inQuotes(matrix::get_ustring(value));
+    if (hvGetClassID(value) == hvCELL_CLASS)
+        return &wanted == &kListOfTexts ? "an array with something else in it" : "an array";
+    if (hvGetClassID(value) != hvSTRUCT_CLASS || hvGetNumberOfElements(value) != 1) return orvex::describeValue(value);
+    if (&wanted == &kStructOfTexts)
+        if (const char* const name = firstOtherThanText(value))
+            return fmt::format("an object whose {} is no text", inQuotes(std::string_view(name)));
+    return "an object";
 }
 
 }  // namespace workbench

@@ -24,7 +24,7 @@ struct FieldKind {
 const FieldKind& fieldKindOf(std::string_view field);
 /// Of marked names.
 const FieldKind& markedNameKind() noexcept;
-/// For messages: a single number itself, of other values class and size.
-std::string describeFieldValue(const hvArray* value);
+/// For messages: what a value is that is not of the wanted kind.
+std::string describeFieldValue(const hvArray* value, const FieldKind& wanted);
 
 }  // namespace workbench

@@ -95,7 +95,7 @@ void RecordTable::setField(std::size_t field, HvArrayPtr value) {
     const bool isMarkedName = field == RecordLines::kMarkedName;
     const FieldKind& kind = isMarkedName ? markedNameKind() : *fieldTable(m_kind)[field].kind;
     if (value && !kind.holds(value.get()))
-        throw Error(fmt::format("{} appears where {} is expected; correct it", describeFieldValue(value.get()),
+        throw Error(fmt::format("{} appears where {} is expected; correct it", describeFieldValue(value.get(), kind),
                                 kind.description));
     if (!isMarkedName)
         m_values[m_values.size() - fieldsOf(m_kind).size() + field] = std::move(value);

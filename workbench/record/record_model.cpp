@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <initializer_list>
 #include <utility>
 
+#include "workbench/files/same_file.h"
 #include "workbench/import/foreign_file.h"
 #include "workbench/record/engine_ports.h"
 #include "workbench/record/ignored_signals.h"
@@ -87,10 +87,8 @@ private:
 
 // The files that a run is made from are not written over.
 void requireOther(const std::string& output, std::initializer_list<std::string_view> sources) {
-    if (output == kStandardStream) return;
-    std::error_code code;
     for (const std::string_view source : sources)
-        if (std::filesystem::equivalent(output, source, code))
+        if (isSameFile(output, source))
             throw Error({output}, "is what the run is made from; record to another file", ErrorCode::request);
 }
 

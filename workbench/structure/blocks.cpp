@@ -27,15 +27,20 @@ std::uint64_t numberOf(std::string_view eid) {
 
 // Beyond all that are in the file: records of blocks that are gone must not find this one.
 std::string freshEid(const Session& session) {
-    std::uint64_t most = 0;
-    const auto note = [&](std::string_view eid) { most = std::max(most, numberOf(eid)); };
+    std::vector<std::uint64_t> numbers{0};
+    const auto note = [&](std::string_view eid) { numbers.push_back(numberOf(eid)); };
     for (const kestrel::Block& block : session.model().blocks()) note(block.eid);
     for (const auto& signal : recordsOf(session.signals())) note(signal.m_eid);
     for (const auto& client : recordsOf(session.clients()))
         for (const auto& eid : client.m_modelPathEID) note(eid);
     if (session.origin())
         for (const GoneBlock& block : session.origin()->gone) note(block.eid);
-    return std::to_string(most + 1);
+    std::ranges::sort(numbers);
+    std::uint64_t fresh = numbers.back();
+    // Behind the largest number of all there is none.
+    if (fresh != std::numeric_limits<std::uint64_t>::max()) return std::to_string(fresh + 1);
+    while (std::ranges::binary_search(numbers, fresh)) --fresh;
+    return std::to_string(fresh);
 }
 
 }  // namespace

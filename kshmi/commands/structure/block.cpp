@@ -80,7 +80,10 @@ void describeAdd(CLI::App& app, Run& run) {
                                          "  kshmi block add cruise.json Control/Gear --chart --eid 40",
                                          arguments->file);
     command->add_option("PATH", arguments->path, "path of the block; its parents need not be there")->required();
-    command->add_option("--outputs", arguments->outputs, "names of its output ports, with commas between");
+    command->add_option(
+        "--outputs", arguments->outputs,
+        "names of its output ports, with commas between; blanks belong to a name, and one with a comma is for "
+        "\"kshmi port add\"");
     command->add_option("--eid", arguments->eid, "element identifier; a new number if left out");
     command->add_flag("--chart", arguments->isChart, "the block is a chart");
     addChangeOptions(*command, arguments->options);

@@ -63,7 +63,8 @@ void rename(Session& session, ChangeReport& report, const ChartArguments& argume
 CLI::App* describe(CLI::App& app, const char* name, const char* help, const char* examples, const char* item,
                    ChartArguments& arguments) {
     CLI::App* const command = addCommand(app, name, help, examples, arguments.file);
-    command->add_option(item, arguments.item, "path of the chart, or of the state or datum below it")->required();
+    const bool isChart = std::string_view(item) == "CHART";
+    command->add_option(item, arguments.item, isChart ? "path of the block" : "path of the state or datum")->required();
     command->add_option("--ssid", arguments.reference.ssid, "its identifier within the chart")
         ->transform(wholeNumber());
     addChangeOptions(*command, arguments.options);

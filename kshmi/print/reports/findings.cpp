@@ -47,7 +47,10 @@ void printFindings(const CheckedFile& checked, std::ostream& out) {
         if (finding.place.column > 0) place += fmt::format(":{}", finding.place.column);
         out << fmt::format("{}: {} {}: {}", place, textOf(rule.level), rule.id, printableMessage(finding.text));
         if (!finding.place.pointer.empty()) out << " [" << printableMessage(finding.place.pointer) << ']';
-        out << "\n    " << printableMessage(remedyOf(finding)) << '\n';
+        out << '\n';
+        // What refuses a file says itself what to do.
+        if (finding.cure != Cure::byHand || finding.text.find("; ") == std::string::npos)
+            out << "    " << printableMessage(remedyOf(finding)) << '\n';
     }
 }
 

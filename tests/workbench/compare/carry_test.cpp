@@ -284,6 +284,10 @@ TEST_F(CarryCommand, tellsSavesAndEndsWithOneWhenAMarkIsParked) {
     const auto dry = run({"carry", path("old.json"), path("new.json"), "--dry-run", "--propose", path("map.csv")});
     EXPECT_EQ(dry.code, 1) << dry.err;
     EXPECT_EQ(read("new.json"), next);
+    std::filesystem::create_symlink(path("old.json"), path("link.json"));
+    for (const char* const target : {"old.json", "link.json"})
+        expectParts(run({"carry", path("old.json"), path("new.json"), "-o", path(target)}).err,
+                    {target, "has the marks that are carried, and stays as it is"});
     expectParts(dry.out,
                 {"2 marks\n", "  renumbered                 1\n", "  ambiguous                  1\n",
                  "  ambiguous: A:1 \"a\", perhaps A:2 \"c\"\n", "  renumbered: A:2 \"b\" -> A:1 \"b\"\n", "dry run"});

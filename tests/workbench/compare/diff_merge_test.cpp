@@ -260,7 +260,7 @@ TEST_F(CompareCommands, gitUsesThem) {
         " diff --text' && "
         "git config merge.kestrel.name 'model files' && git config merge.kestrel.driver '" +
         tool +
-        " merge %O %A %B -o %A' && "
+        " merge %O %A %B -o %A --path %P' && "
         "echo '*.json diff=kestrel merge=kestrel' > .gitattributes");
     const auto commit = [&](const std::string& text) {
         write(text, "m.json");
@@ -279,7 +279,8 @@ TEST_F(CompareCommands, gitUsesThem) {
     EXPECT_TRUE(contains(read("m.json"), R"("VisualType_": "t")"));
     shell("git checkout -qb other HEAD~2");
     commit(marked({kMarks[0], kMarks[1], with(kMarks[2], R"(, "VisualType_": "other")")}));
-    expectParts(shell("git merge theirs"), {"CONFLICT", "both changed it, and differently"});
+    expectParts(shell("git merge theirs"),
+                {"CONFLICT", "kshmi: m.json: 1 conflict", "both changed it, and differently"});
     EXPECT_TRUE(contains(read("m.json"), R"("VisualType_": "other")"));
 }
 
