@@ -86,6 +86,8 @@ private:
         m_lines.assign(std::bit_ceil((addresses.size() + kMostLoad - 1) / kMostLoad), line);
         for (const Object* const address : addresses)
             if (!isInLines(numberOf(address))) insert(numberOf(address), free);
+        // The others may have taken all places of its own line.
+        insert(free, free);
     }
 
     void insert(std::uint64_t address, std::uint64_t free) noexcept {

@@ -53,9 +53,19 @@ TEST_F(ObservedPorts, enginePortsAreFoundAmongAnyNumber) {
     }
 }
 
+TEST_F(ObservedPorts, enginePortsAreFoundWhereverTheyFindRoom) {
+    std::mt19937_64 random(1);
+    std::vector<ksPort*> ports(256);
+    for (int round = 0; round < 1'000; ++round) {
+        for (ksPort*& one : ports) one = reinterpret_cast<ksPort*>(random());
+        set().cacheKSPorts(ports);
+        for (const ksPort* const one : ports) ASSERT_TRUE(set().isKSPortObserved(one)) << round;
+    }
+}
+
 // Few signals and many are found in different ways, and each number of them passes through the ways of fewer.
 TEST_F(ObservedPorts, handlesAreFoundAmongAnyNumberOfSignals) {
-    for (const std::size_t count : {1U, 7U, 300U, 2'000U}) {
+    for (const std::size_t count : {1U, 7U, 300U, 500U, 2'000U}) {
         SCOPED_TRACE(count);
         ks_hmi::InstrumentedSignals signals;
         std::set<std::size_t> known;
@@ -165,6 +175,12 @@ TEST_F(ObservedPorts, aRemovalTakesOutWhatHasItsHandleAndPortByThen) {
         change(*signals.get(0), -1);
         EXPECT_TRUE(signals.isPortObserved(12.5, 1));
     }
+    // One that has gone does not answer for one that has changed.
+    for (int i = 0; i < 2; ++i) set().add(resolvedPort(u"Gain", 1, 12.5));
+    set().get(1)->setCachedInfo(7.5, 1);
+    const auto gone = set().share(0);
+    set().remove(std::size_t{0});
+    EXPECT_FALSE(set().isPortObserved(12.5, 1));
 }
 
 }  // namespace
