@@ -30,6 +30,14 @@ TEST_F(InstrumentedSignalsClass, elementsAreReachedByOneBasedPositions) {
     EXPECT_EQ(set().getCount(), 1U);
 }
 
+TEST_F(InstrumentedSignalsClass, namesAndListsMayBeLong) {
+    const std::u16string name(300, u'm');
+    const auto named = call(ks_hmi::InstrumentedSignals::kHostClass, {text(name).get()});
+    EXPECT_EQ(matrix::get_ustring(property(named.get(), "Model").get()), name);
+    for (int i = 0; i < 257; ++i) set().add(port(u"Gain", 1));
+    EXPECT_EQ(hvGetScalar(property(object(), "Count").get()), 257.0);
+}
+
 TEST_F(InstrumentedSignalsClass, positionZeroAndTooLargeOnesRaiseTheCount) {
     const auto spec = signal(u"Gain", 1);
     for (int i = 0; i < 3; ++i) call("add", {object(), spec.get()}, 0);

@@ -78,8 +78,8 @@ def test_functions_in_python_are_the_hosts():
     with pytest.raises(ks_hmi.HostError) as caught:
         host.call("sums", outputs=3)
     assert caught.value.identifier == "orvex:errors:TooManyOutputs"
-    with host.function("sums")(lambda: None):
-        assert host.call("sums") is None
+    with host.function("sums")(lambda: None) as kept:
+        assert host.call("sums") is None and kept() is None
     assert host.call("sums", 1, outputs=2) == (1.0, 1.0)
     sums.end()
     with pytest.raises(ks_hmi.HostError, match="There is no function"):
@@ -151,6 +151,8 @@ def test_what_a_method_does_cannot_be_taken_over(model):
     with host.function("getUUID", outputs=1)(lambda *given: "another"):
         method = model.signal_set.getUUID
         assert method(1) == model.signals[0].uuid and host.call("getUUID", model.signal_set, 1) == "another"
+        with pytest.raises(ks_hmi.HostError):
+            method(1, outputs=2)
         assert "getUUID(" in repr(method) and repr(method).startswith("<method")
 
 

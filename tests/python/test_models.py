@@ -15,6 +15,7 @@ def places(entries):
 def test_sequences_tell_what_the_model_has(model):
     assert (model.name, len(model.blocks), len(model.signals)) == ("cruise", 10, 6)
     assert model.blocks[1].path == "cruise/Sensors/Speed" and model.blocks[-1].path == "cruise/Plant/Brakes"
+    assert [model.signals[-back].position for back in (1, 2, 6)] == [6, 5, 1]
     assert [port.portName for port in model["Sensors/Speed"].outputs] == ["speed", "valid"]
     assert [item.item for item in model["Control/Mode"].chart] == ["", "Off", "Engaged", "Engaged/Holding", "target"]
     assert [port.block for port in model.ports].count("cruise/Sensors/Speed") == 2 and len(model.ports) == sum(
@@ -141,6 +142,7 @@ def test_ten_thousand_ports_are_marked_in_one_call(tmp_path):
         references = [port for block in model.blocks for port in block.outputs]
         assert repr(model.mark(references)) == "<mark: 10000 added>"
         assert len(model.signals) == 10_000 and model.query(all="*")
+        assert len(model.unmark(signals=model.signals).removed) == 10_000 and not model.signals
 
 
 def test_files_are_checked_compared_and_carried(cruise, tmp_path):
@@ -249,6 +251,7 @@ def test_what_is_named_is_what_is_meant(model):
     assert model.unmark(signals=signal).removed[0].uuid == signal.uuid
     assert model.add_port("Sensors/Speed", "last").added[0].port == 3
     assert repr(model.ports).count("<") == 4 and "and 10 more" in ks_hmi._data.table([{"a": 1}] * 70)
+    assert ks_hmi._data.table([{"a": 1}] * 70).count("<td>") == 60
     assert str(ks_hmi.Error("no", file="f", line=3, column=5)) == "f:3:5: no"
     error = pickle.loads(pickle.dumps(ks_hmi.HostError("no", "a", "b", (1, "c"))))
     assert (error.text, error.identifier, error.arguments) == ("no", "a:b", (1, "c"))
@@ -270,6 +273,9 @@ def test_closed_models_and_other_threads_are_refused(model, cruise):
     assert repr(model) == "<Model, closed>"
     with pytest.raises(ks_hmi.Error, match="was closed"):
         model.query("Plant:1")
+    with pytest.raises(ZeroDivisionError), ks_hmi.open(cruise) as another:
+        1 / 0
+    assert not another.is_open
 
 
 def test_what_is_shown_informs_and_is_no_markup(tmp_path, model):

@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "memory_host/orvex/objects/object_system.h"
+#include "observers/signal_client.h"
 #include "tests/support/host_recorder.h"
 #include "tests/support/host_test.h"
 
@@ -66,6 +67,21 @@ TEST_F(SignalSpecificationTest, persistedElementReadsBackEqual) {
     EXPECT_EQ(hvGetClassID(hvGetField(data.get(), 1, "HideInPLV_")), hvDOUBLE_CLASS);
     EXPECT_EQ(hvGetField(data.get(), 0, "UUID"), nullptr);
     EXPECT_TRUE(orvex::warnings().empty());
+}
+
+TEST_F(SignalSpecificationTest, fieldsStandInTheOrderInWhichModelsAreSaved) {
+    std::string names;
+    for (const char* const name : std::span(SignalSpecification::getStructFields(), 20))
+        names += std::string(" ") + name;
+    EXPECT_EQ(names,
+              " UUID BlockPath_ EID_ SubPath_ OutputPortIndex_ LogicalPortIndex_ SignalName_ SubSysPath_ Decimation_"
+              " MaxPoints_ TargetBufferedStreaming_ IsFrameBased_ HideInPLV_ DomainType_ DomainParams_ VisualType_"
+              " BindingRule_ CachedBlockHandle_ CachedPortIdx_ ExcludeForSave_");
+    names.clear();
+    for (const char* const name : ks_hmi::SignalClient::getStructFields()) names += std::string(" ") + name;
+    EXPECT_EQ(names,
+              " UUID ModelPath_ ModelPathEID_ SourceModel_ SignalUUID_ ObserverType_ ObserverParams_ UpdateRate_"
+              " DimensionChannel_ ObserveImaginaryPart_ BusLeafPath_");
 }
 
 TEST_F(SignalSpecificationTest, savedPathIsTheAlignedOneAndEmptyWhenTheHostCannotAlign) {
