@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "host/messages.h"
+#include "kshmi/large_pages.h"
 #include "workbench/record/record_model.h"
 #include "workbench/session/host_process.h"
 #include "workbench/session/session.h"
@@ -119,6 +120,7 @@ int measureRecording(const Run& run) {
 
 int main(int argc, char** argv) {
     if (argc != 5 && argc != 6) return 2;
+    kshmi::useLargePages();  // As the tool does when it starts.
     const Run run{argv[1], std::atoi(argv[2]), std::atof(argv[3]), argv[4]};
     try {
         if (argc == 5) return measureRecording(run);
