@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -62,6 +63,7 @@ public:
         const pugi::xml_node variables = XmlFile::child(root, "ModelVariables");
         if (!variables)
             m_file.fail(root, "has no list of variables (ModelVariables)", "have it written again by its exporter");
+        m_result.variables.reserve(static_cast<std::size_t>(std::distance(variables.begin(), variables.end())));
         for (const pugi::xml_node node : variables)
             if (node.type() == pugi::node_element) readVariable(node);
         for (const auto& [section, label] : kSections)

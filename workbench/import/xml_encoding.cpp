@@ -82,6 +82,7 @@ std::string converted(const std::string& file, std::string bytes, const char* en
 }
 
 bool isUtf8(std::string& bytes) {
+    if (std::none_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) != 0; })) return true;
     Converter converter("UTF-8");
     return converter.isOpen() && (static_cast<void>(converter.convert(bytes)), converter.isClean());
 }

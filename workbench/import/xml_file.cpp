@@ -26,12 +26,10 @@ XmlFile::XmlFile(std::string name, std::string bytes, ImportNotes& warnings)
 
 void XmlFile::findLines() {
     m_lineStarts.push_back(0);
-    for (std::size_t i = 0; i < m_text.size(); ++i) {
-        if (m_text[i] == '\n') m_lineStarts.push_back(i + 1);
-        // The parser would take it for the end.
-        if (m_text[i] == '\0')
-            failImport(placeAt(static_cast<std::ptrdiff_t>(i)), "a NUL byte is not XML", "remove it");
-    }
+    for (std::size_t end = 0; (end = m_text.find('\n', end)) != std::string::npos;) m_lineStarts.push_back(++end);
+    // The parser would take it for the end.
+    if (const std::size_t nul = m_text.find('\0'); nul != std::string::npos)
+        failImport(placeAt(static_cast<std::ptrdiff_t>(nul)), "a NUL byte is not XML", "remove it");
 }
 
 void XmlFile::parse() {
