@@ -14,7 +14,7 @@ namespace workbench {
 /// finds there, and waits for nothing longer than it was told to.
 class SharedRing {
 public:
-    static constexpr std::size_t kCapacity = std::size_t{1} << 22U;
+    static constexpr std::size_t kCapacity = std::size_t{1} << 21U;
 
     /// Throws `std::bad_alloc`.
     SharedRing();

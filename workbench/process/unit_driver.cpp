@@ -117,7 +117,9 @@ public:
         for (std::uint64_t number = 1; number <= count;) {
             if (m_ring.isToStop()) return UnitEndKind::interrupted;
             const double target =
-                number == count ? m_task.until : m_task.experiment.start + static_cast<double>(number) * m_task.step;
+                number == count
+                    ? m_task.until
+                    : m_task.experiment.start + static_cast<double>(static_cast<std::int64_t>(number)) * m_task.step;
             advance(unit, target);
             if (m_time >= target) ++number;
             if (m_time > m_sampledAt) takeSample(unit);
@@ -199,7 +201,8 @@ private:
     void takeSample(Unit& unit) {
         m_texts.clear();
         for (const UnitReadingPlan& plan : m_task.readings)
-            if (m_number % plan.decimation == 0) unit.read(plan.reading, m_slots.data() + plan.firstSlot, m_texts);
+            if (plan.decimation == 1 || m_number % plan.decimation == 0)
+                unit.read(plan.reading, m_slots.data() + plan.firstSlot, m_texts);
         ++m_number;
         m_sender.sample(m_time, m_slots, m_texts);
         m_sampledAt = m_time;

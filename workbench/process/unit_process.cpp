@@ -22,6 +22,7 @@ constexpr int kPause = 50;  // milliseconds
 constexpr std::chrono::milliseconds kBetweenProgress{200};
 // Taken between two looks at the process.
 constexpr std::size_t kMostPieces = 32;
+constexpr std::size_t kMostSamples = 64;
 // What a unit may take for its last step, and for going.
 constexpr std::chrono::seconds kGrace{2};
 
@@ -56,12 +57,13 @@ public:
         UnitMessageHead head;
         while (m_pending.size() - at >= sizeof head) {
             std::memcpy(&head, m_pending.data() + at, sizeof head);
-            if (head.size > kLongestMessage) return false;
+            if (head.size > kLongestMessage) return handOn(false);
             const std::size_t whole = sizeof head + paddedSize(head.size);
             if (m_pending.size() - at < whole) break;
-            if (!take(head, std::string_view(m_pending).substr(at + sizeof head, head.size))) return false;
+            if (!take(head, std::string_view(m_pending).substr(at + sizeof head, head.size))) return handOn(false);
             at += whole;
         }
+        handOn(true);
         m_pending.erase(0, at);
         return true;
     }
@@ -91,8 +93,14 @@ private:
         if (body.size() < m_slotSize) return false;
         // Aligned, whatever was sent: all before it is filled up to whole slots.
         const auto* const slots = reinterpret_cast<const std::uint64_t*>(body.data());
-        m_listener.sample({time, m_number++, slots, body.substr(m_slotSize)});
-        return true;
+        m_samples.push_back({time, m_number++, slots, body.substr(m_slotSize)});
+        return m_samples.size() < kMostSamples || handOn(true);
+    }
+
+    bool handOn(bool result) {
+        if (!m_samples.empty()) m_listener.samples(m_samples);
+        m_samples.clear();
+        return result;
     }
 
     bool takeLog(double time, std::string_view body) {
@@ -101,6 +109,7 @@ private:
         const auto level = static_cast<UnitLogLevel>(body.front());
         const std::string text = said(body.substr(end + 1));
         if (level == UnitLogLevel::error) m_lastError = text;
+        handOn(true);
         if (m_logs) m_listener.message(time, level, said(body.substr(1, end - 1)), text);
         return true;
     }
@@ -111,6 +120,7 @@ private:
     double m_time;
     std::string m_pending;
     std::uint64_t m_number = 0;
+    std::vector<UnitSample> m_samples;  // not yet handed on
     std::optional<UnitEnd> m_end;
     std::string m_lastError;
 };

@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "workbench/process/unit_task.h"
 
@@ -16,7 +17,8 @@ public:
     UnitListener& operator=(const UnitListener&) = delete;
     virtual ~UnitListener() = default;
 
-    virtual void sample(const UnitSample& sample) = 0;
+    /// Some that follow one another; they are gone afterwards.
+    virtual void samples(const std::vector<UnitSample>& samples) = 0;
     /// What the unit says of itself, as far as it is asked to.
     virtual void message(double time, UnitLogLevel level, std::string_view category, std::string_view text) = 0;
     /// Several times a second, how far the unit is.

@@ -37,12 +37,13 @@ public:
         m_isPresent.resize(m_isThinned ? columns.size() : 0);
     }
 
-    void sample(const UnitSample& sample) override {
-        ++m_count;
-        m_time = sample.time;
-        RunRow row{sample.time, sample.slots, sample.texts, nullptr};
-        if (m_isThinned && !findPresent(sample.number, row)) return;
-        m_writer->write(row);
+    void samples(const std::vector<UnitSample>& samples) override {
+        if (m_isThinned) return writeThinned(samples);
+        m_rows.clear();
+        for (const UnitSample& sample : samples) m_rows.push_back({sample.time, sample.slots, sample.texts, nullptr});
+        m_count += samples.size();
+        m_time = samples.back().time;
+        m_writer->write(m_rows);
     }
 
     void message(double time, UnitLogLevel level, std::string_view category, std::string_view text) override {
@@ -63,6 +64,16 @@ public:
     double seconds() const { return secondsSince(m_startedAt); }
 
 private:
+    void writeThinned(const std::vector<UnitSample>& samples) {
+        m_rows.resize(1);
+        for (const UnitSample& sample : samples) {
+            ++m_count;
+            m_time = sample.time;
+            m_rows.front() = {sample.time, sample.slots, sample.texts, nullptr};
+            if (findPresent(sample.number, m_rows.front())) m_writer->write(m_rows);
+        }
+    }
+
     bool findPresent(std::uint64_t number, RunRow& row) {
         bool isAny = false;
         for (std::size_t i = 0; i < m_columns.size(); ++i) {
@@ -78,6 +89,7 @@ private:
     const std::vector<RunColumn>& m_columns;
     std::unique_ptr<RunWriter> m_writer;
     bool m_isThinned = false;
+    std::vector<RunRow> m_rows;
     std::vector<std::uint8_t> m_isPresent;
     std::uint64_t m_count = 0;
     double m_time = 0.0;

@@ -78,12 +78,14 @@ public:
             m_block = std::make_unique_for_overwrite<char[]>(kBufferSize + (columns.size() + 1) * kCellSize);
     }
 
-    void write(const RunRow& row) override {
-        if (m_hasTexts)
-            writeMixed(row);
-        else
-            writeNumbers(row);
-        if (m_buffer.size() + m_used >= kBufferSize) flush();
+    void write(const std::vector<RunRow>& rows) override {
+        for (const RunRow& row : rows) {
+            if (m_hasTexts)
+                writeMixed(row);
+            else
+                writeNumbers(row);
+            if (m_buffer.size() + m_used >= kBufferSize) flush();
+        }
     }
 
     void flush() override {

@@ -15,16 +15,8 @@ public:
     LastPoints(std::unique_ptr<RunWriter> writer, const std::vector<RunColumn>& columns, std::size_t slotCount)
         : m_writer(std::move(writer)), m_columns(columns), m_slotCount(slotCount), m_kept(columns.size()) {}
 
-    void write(const RunRow& row) override {
-        Waiting& waiting = m_rows.emplace_back();
-        waiting.time = row.time;
-        waiting.slots.assign(row.slots, row.slots + m_slotCount);
-        waiting.texts = row.texts;
-        waiting.isPresent.assign(m_columns.size(), 1);
-        if (row.isPresent != nullptr) waiting.isPresent.assign(row.isPresent, row.isPresent + m_columns.size());
-        for (std::size_t i = 0; i < m_columns.size(); ++i)
-            if (waiting.isPresent[i] != 0 && m_columns[i].maxPoints > 0) keep(i, waiting);
-        while (!m_rows.empty() && m_rows.front().undecided == 0) writeFirst();
+    void write(const std::vector<RunRow>& rows) override {
+        for (const RunRow& row : rows) add(row);
     }
 
     void flush() override { m_writer->flush(); }
@@ -47,6 +39,18 @@ private:
         std::uint64_t oldest = 0;  // number of its row
     };
 
+    void add(const RunRow& row) {
+        Waiting& waiting = m_rows.emplace_back();
+        waiting.time = row.time;
+        waiting.slots.assign(row.slots, row.slots + m_slotCount);
+        waiting.texts = row.texts;
+        waiting.isPresent.assign(m_columns.size(), 1);
+        if (row.isPresent != nullptr) waiting.isPresent.assign(row.isPresent, row.isPresent + m_columns.size());
+        for (std::size_t i = 0; i < m_columns.size(); ++i)
+            if (waiting.isPresent[i] != 0 && m_columns[i].maxPoints > 0) keep(i, waiting);
+        while (!m_rows.empty() && m_rows.front().undecided == 0) writeFirst();
+    }
+
     void keep(std::size_t column, Waiting& waiting) {
         ++waiting.undecided;
         Kept& kept = m_kept[column];
@@ -66,7 +70,7 @@ private:
         const Waiting& row = m_rows.front();
         bool isEmpty = true;
         for (const std::uint8_t isPresent : row.isPresent) isEmpty = isEmpty && isPresent == 0;
-        if (!isEmpty) m_writer->write({row.time, row.slots.data(), row.texts, row.isPresent.data()});
+        if (!isEmpty) m_writer->write({{row.time, row.slots.data(), row.texts, row.isPresent.data()}});
         m_rows.pop_front();
         ++m_written;
     }

@@ -39,7 +39,7 @@ public:
     RunWriter& operator=(const RunWriter&) = delete;
     virtual ~RunWriter() = default;
 
-    virtual void write(const RunRow& row) = 0;
+    virtual void write(const std::vector<RunRow>& rows) = 0;
     /// Hands on what is held back, so that others see it.
     virtual void flush() = 0;
     virtual void finish(const UnitEnd& end) = 0;

@@ -39,14 +39,9 @@ public:
         flush();
     }
 
-    void write(const RunRow& row) override {
+    void write(const std::vector<RunRow>& rows) override {
         if (!m_database.isInTransaction()) m_database.execute("BEGIN IMMEDIATE");
-        for (std::size_t i = 0; i < m_columns.size(); ++i) {
-            if (row.isPresent != nullptr && row.isPresent[i] == 0) continue;
-            m_insert->bind(1, m_ids[i]).bind(2, row.time);
-            bindValue(m_columns[i], row.slots[m_columns[i].slot], row.texts);
-            m_insert->run();
-        }
+        for (const RunRow& row : rows) writeRow(row);
     }
 
     void flush() override {
@@ -65,6 +60,15 @@ public:
     }
 
 private:
+    void writeRow(const RunRow& row) {
+        for (std::size_t i = 0; i < m_columns.size(); ++i) {
+            if (row.isPresent != nullptr && row.isPresent[i] == 0) continue;
+            m_insert->bind(1, m_ids[i]).bind(2, row.time);
+            bindValue(m_columns[i], row.slots[m_columns[i].slot], row.texts);
+            m_insert->run();
+        }
+    }
+
     void addRun(const RunHead& head) {
         const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
         m_database

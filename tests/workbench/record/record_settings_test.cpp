@@ -71,8 +71,9 @@ TEST_F(RecordSettings, whatIsNoNumberOrNoTextIsKept) {
 class ToldRows final : public workbench::RunWriter {
 public:
     explicit ToldRows(std::string& told) : m_told(told) {}
-    void write(const workbench::RunRow& row) override {
-        m_told += fmt::format("{}:{}{}{} ", row.time, row.isPresent[0], row.isPresent[1], row.texts);
+    void write(const std::vector<workbench::RunRow>& rows) override {
+        for (const workbench::RunRow& row : rows)
+            m_told += fmt::format("{}:{}{}{} ", row.time, row.isPresent[0], row.isPresent[1], row.texts);
     }
     void flush() override { m_told += "| "; }
     void finish(const workbench::UnitEnd& end) override { m_told += fmt::format("end {}", end.time); }
@@ -89,7 +90,7 @@ TEST_F(RecordSettings, lastPointsWaitNoLongerThanTheyMust) {
     const std::uint64_t slot = 0;
     const std::uint8_t present[][2] = {{0, 1}, {1, 0}, {0, 1}, {1, 1}, {1, 0}, {1, 1}};
     for (std::size_t i = 0; i < std::size(present); ++i) {
-        writer->write({static_cast<double>(i), &slot, std::string(1, static_cast<char>('a' + i)), present[i]});
+        writer->write({{static_cast<double>(i), &slot, std::string(1, static_cast<char>('a' + i)), present[i]}});
         writer->flush();
     }
     writer->finish({workbench::UnitEndKind::done, 5});
