@@ -38,8 +38,17 @@ std::string jsonOf(const std::optional<kestrel::Chart>& chart) {
     return fmt::format("{{{}}}", out);
 }
 
+template <class Value>
+bool isSame(const Value& one, const Value& other) {
+    return one == other;
+}
+
+bool isSame(const std::optional<kestrel::Chart>& one, const std::optional<kestrel::Chart>& other) {
+    return (!one && !other) || jsonOf(one) == jsonOf(other);
+}
+
 bool isSame(const kestrel::Block& one, const kestrel::Block& other) {
-    return one.path == other.path && one.outputs == other.outputs && jsonOf(one.chart) == jsonOf(other.chart);
+    return one.path == other.path && one.outputs == other.outputs && isSame(one.chart, other.chart);
 }
 
 // The blocks of a model by element identifier.
@@ -119,6 +128,7 @@ std::u16string ModelMerge::mergedName() {
 template <class Value>
 Value ModelMerge::mergeField(const char* field, const kestrel::Block* base, const kestrel::Block& ours,
                              const kestrel::Block& theirs, Value kestrel::Block::*member) {
+    if (isSame(ours.*member, theirs.*member)) return ours.*member;
     const std::string oursJson = jsonOf(ours.*member);
     const std::string theirsJson = jsonOf(theirs.*member);
     const std::string baseJson = base ? jsonOf(base->*member) : "";
@@ -213,7 +223,9 @@ const MergedPorts& ModelMerge::portsOf(const kestrel::Block& meant, const kestre
 
 bool ModelMerge::followName(SavedBlocks& blocks, MergedRecord& signal) {
     const RecordPlace& place = signal.place();
-    const kestrel::Block* const block = blocks.of(place);
+    const std::u16string_view path = recordView(place.records, place.position, "BlockPath_");
+    const std::u16string_view eid = recordView(place.records, place.position, "EID_");
+    const kestrel::Block* const block = blocks.of(eid, path);
     const bool isOurs = signal.ours.records != nullptr;
     const auto conflict = [&](const char* text) {
         const std::string port = canonicalField(place.records, place.position, "OutputPortIndex_");
@@ -221,9 +233,9 @@ bool ModelMerge::followName(SavedBlocks& blocks, MergedRecord& signal) {
                                isOurs ? "" : port, text});
         return isOurs;
     };
-    if (!block) return isOurs && !m_ourBlocks.of(place) ? true : conflict("its block was removed");
+    if (!block) return isOurs && !m_ourBlocks.of(eid, path) ? true : conflict("its block was removed");
     if (!recordView(place.records, place.position, "DomainType_").empty()) return true;
-    const kestrel::Block* const meant = (signal.isPlacedByThem ? m_theirBlocks : m_ourBlocks).of(place);
+    const kestrel::Block* const meant = (signal.isPlacedByThem ? m_theirBlocks : m_ourBlocks).of(eid, path);
     const auto number = static_cast<std::size_t>(
         ks_host::numberAt(hvGetField(place.records, place.position, "OutputPortIndex_")).value_or(0.0));
     if (!meant || number < 1 || number > meant->outputs.size()) return true;

@@ -172,8 +172,11 @@ std::string canonicalField(const hvArray* records, std::size_t position, const c
 
 bool isSameField(const hvArray* one, std::size_t position, const hvArray* other, std::size_t otherPosition,
                  const char* field) {
-    return isSameValue(hvGetField(one, position, field), hvGetField(other, otherPosition, field),
-                       {field, formOf(field)});
+    const hvArray* const value = hvGetField(one, position, field);
+    const hvArray* const another = hvGetField(other, otherPosition, field);
+    if (value == another) return true;
+    if (ks_host::isText(value) && ks_host::isText(another)) return charsOf(value) == charsOf(another);
+    return isSameValue(value, another, {field, formOf(field)});
 }
 
 bool isSameRecord(RecordKind kind, const RecordPlace& one, const RecordPlace& other) {
