@@ -1,7 +1,7 @@
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
 #include "kshmi/print/reports/carry_report.h"
-#include "workbench/compare/carry_files.h"
+#include "workbench/carry/carry_files.h"
 
 namespace kshmi {
 

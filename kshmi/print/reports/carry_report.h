@@ -3,7 +3,7 @@
 #include <string>
 
 #include "kshmi/print/output.h"
-#include "workbench/compare/carry.h"
+#include "workbench/carry/carry.h"
 
 namespace kshmi {
 

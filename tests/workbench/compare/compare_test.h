@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tests/kshmi/kshmi_test.h"
-#include "workbench/compare/carry.h"
+#include "workbench/carry/carry.h"
 #include "workbench/compare/saved_records.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"

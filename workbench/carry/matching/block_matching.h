@@ -7,9 +7,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "workbench/compare/block_features.h"
-#include "workbench/compare/carry_map.h"
-#include "workbench/compare/matched_parents.h"
+#include "workbench/carry/carry_map.h"
+#include "workbench/carry/matching/block_features.h"
+#include "workbench/carry/matching/matched_parents.h"
 
 /// Which block of a next version is which of the old one.
 namespace workbench {

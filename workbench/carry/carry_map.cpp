@@ -1,4 +1,4 @@
-#include "workbench/compare/carry_map.h"
+#include "workbench/carry/carry_map.h"
 
 #include <fmt/format.h>
 

@@ -1,5 +1,5 @@
 #include "tests/workbench/compare/compare_test.h"
-#include "workbench/compare/carry_files.h"
+#include "workbench/carry/carry_files.h"
 
 // What a mark that is carried takes along, and what it leaves.
 namespace workbench::testing {

@@ -5,9 +5,9 @@
 #include <memory>
 #include <utility>
 
-#include "workbench/compare/block_matching.h"
-#include "workbench/compare/carried_record.h"
-#include "workbench/compare/source_pairing.h"
+#include "workbench/carry/carried_record.h"
+#include "workbench/carry/matching/block_matching.h"
+#include "workbench/carry/matching/source_pairing.h"
 
 namespace workbench {
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "workbench/compare/block_matching.h"
-#include "workbench/compare/carry_map.h"
+#include "workbench/carry/carry_map.h"
+#include "workbench/carry/matching/block_matching.h"
 #include "workbench/model_file/model_file.h"
 
 /// Puts the marks of one version of a model on the next one: by names, never by numbers.

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <map>
 
-#include "workbench/compare/block_matching.h"
+#include "workbench/carry/matching/block_matching.h"
 
 namespace workbench {
 

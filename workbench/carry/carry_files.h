@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "workbench/compare/carry.h"
+#include "workbench/carry/carry.h"
 
 namespace workbench {
 

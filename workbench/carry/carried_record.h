@@ -5,9 +5,9 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "workbench/compare/carry.h"
+#include "workbench/carry/carry.h"
+#include "workbench/carry/matching/source_pairing.h"
 #include "workbench/compare/saved_records.h"
-#include "workbench/compare/source_pairing.h"
 
 namespace workbench {
 

@@ -1,6 +1,6 @@
-#include "workbench/compare/matched_parents.h"
+#include "workbench/carry/matching/matched_parents.h"
 
-#include "workbench/compare/block_features.h"
+#include "workbench/carry/matching/block_features.h"
 
 namespace workbench {
 

@@ -1,4 +1,4 @@
-#include "workbench/compare/carried_record.h"
+#include "workbench/carry/carried_record.h"
 
 #include <charconv>
 

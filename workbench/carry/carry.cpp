@@ -1,4 +1,4 @@
-#include "workbench/compare/carry.h"
+#include "workbench/carry/carry.h"
 
 #include <fmt/format.h>
 
@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "host/values.h"
-#include "workbench/compare/mark_matching.h"
+#include "workbench/carry/mark_matching.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 

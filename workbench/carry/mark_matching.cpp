@@ -1,4 +1,4 @@
-#include "workbench/compare/mark_matching.h"
+#include "workbench/carry/mark_matching.h"
 
 #include "workbench/text/text.h"
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "workbench/compare/carry.h"
+#include "workbench/carry/carry.h"
 #include "workbench/text/csv_row.h"
 #include "workbench/text/text.h"
 

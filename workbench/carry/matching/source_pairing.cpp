@@ -1,8 +1,8 @@
-#include "workbench/compare/source_pairing.h"
+#include "workbench/carry/matching/source_pairing.h"
 
 #include <algorithm>
 
-#include "workbench/compare/block_features.h"
+#include "workbench/carry/matching/block_features.h"
 
 namespace workbench {
 

@@ -1,4 +1,4 @@
-#include "workbench/compare/block_features.h"
+#include "workbench/carry/matching/block_features.h"
 
 #include <algorithm>
 #include <iterator>

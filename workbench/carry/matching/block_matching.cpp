@@ -1,4 +1,4 @@
-#include "workbench/compare/block_matching.h"
+#include "workbench/carry/matching/block_matching.h"
 
 #include <algorithm>
 #include <numeric>

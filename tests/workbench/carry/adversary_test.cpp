@@ -1,5 +1,5 @@
-#include "tests/workbench/compare/author.h"
-#include "workbench/compare/block_features.h"
+#include "tests/workbench/carry/author.h"
+#include "workbench/carry/matching/block_features.h"
 
 namespace workbench::testing {
 namespace {

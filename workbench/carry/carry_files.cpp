@@ -1,4 +1,4 @@
-#include "workbench/compare/carry_files.h"
+#include "workbench/carry/carry_files.h"
 
 #include <algorithm>
 #include <array>

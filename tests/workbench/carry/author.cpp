@@ -1,4 +1,4 @@
-#include "tests/workbench/compare/author.h"
+#include "tests/workbench/carry/author.h"
 
 namespace workbench::testing {
 
