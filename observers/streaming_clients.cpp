@@ -38,7 +38,10 @@ void StreamingClients::set(std::size_t index, ClientPtr client) {
     m_clients[index].swap(client);
 }
 
-SignalClient* StreamingClients::get(std::size_t index) const { return share(index).get(); }
+SignalClient* StreamingClients::get(std::size_t index) const {
+    errors::requirePosition(index, m_clients.size());
+    return m_clients[index].get();
+}
 
 StreamingClients::ClientPtr StreamingClients::share(std::size_t index) const {
     errors::requirePosition(index, m_clients.size());

@@ -33,7 +33,10 @@ void InstrumentedSignals::setModelName(const std::u16string& newName) {
 
 std::size_t InstrumentedSignals::getCount() const { return m_signals.size(); }
 
-SignalSpecification* InstrumentedSignals::get(std::size_t index) const { return share(index).get(); }
+SignalSpecification* InstrumentedSignals::get(std::size_t index) const {
+    errors::requirePosition(index, m_signals.size());
+    return m_signals[index].get();
+}
 
 InstrumentedSignals::SignalPtr InstrumentedSignals::share(std::size_t index) const {
     errors::requirePosition(index, m_signals.size());
