@@ -88,6 +88,7 @@ const char* nameOf(ClientState state) noexcept {
 DanglingWatch::DanglingWatch(const Session& session) : m_session(session), m_before(dangling()) {}
 
 Positions DanglingWatch::dangling() const {
+    if (m_session.clients().getCount() == 0) return {};
     const SignalUuids uuids(m_session);
     return positionsWhere(m_session.clients(),
                           [&](const SignalClient& client) { return watched(client, uuids) == Watched::gone; });
