@@ -11,6 +11,9 @@
 
 int main(int argc, char** argv) {
     kshmi::useLargePages();
+#ifdef NDEBUG  // others look at what still lives
+    workbench::leaveSignalsToProcess();
+#endif
     std::ios::sync_with_stdio(false);
     const kshmi::Output output{std::cout, std::cerr, kshmi::isColourWelcome(STDOUT_FILENO),
                                kshmi::columnsOfTerminal(STDOUT_FILENO), ::isatty(STDERR_FILENO) == 1};

@@ -3,6 +3,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/object_system.h"
 #include "memory_host/kestrel/host_side.h"
 #include "memory_host/orvex/account/ledger.h"
 #include "memory_host/orvex/account/scope_errors.h"
@@ -31,6 +32,8 @@ std::string whatIsAmiss() {
 }
 #endif
 
+constinit bool g_leavesSignals = false;
+
 }  // namespace
 
 const char* const kLibrary = KS_HMI_LIBRARY_NAME;
@@ -46,6 +49,14 @@ void enterHost(WarningSink warnings) {
     if (library()) return;
     kestrel::installHostSide();
     library().emplace(kLibrary);
+}
+
+void leaveSignalsToProcess() noexcept { g_leavesSignals = true; }
+
+void leaveSignals(const hvArray* set) noexcept {
+    // Never released with the process.
+    static auto& left = *new hos::ObjectInterface;
+    if (g_leavesSignals) left = omGetArrayElement(set, 0);
 }
 
 std::string leaveHost() {

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 
+#include "host/hv_array.h"
+
 namespace workbench {
 
 /// Receives the host's warnings: UTF-8, one line, without control characters.
@@ -18,6 +20,13 @@ void enterHost(WarningSink warnings);
 /// for each thing that still lives, because nobody released it, and for each value that was used or kept against its
 /// scope. Empty as it should be, and in release builds, which do not look.
 std::string leaveHost();
+
+/// From now on the set of signals of a session that ends stays until another one begins, or the process ends: taking a
+/// hundred thousand records apart is idle for a process whose work is done. For those in which nobody looks at what
+/// still lives in the host.
+void leaveSignalsToProcess() noexcept;
+/// Keeps that set, when the above was said, and releases the one before. Null for none.
+void leaveSignals(const hvArray* set) noexcept;
 
 /// File name of the library.
 extern const char* const kLibrary;

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "foundation/model_path.h"
+#include "workbench/session/host_process.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -17,6 +18,7 @@ std::u16string fullEid(const kestrel::Model& model, const kestrel::Block& block)
 }  // namespace
 
 Session::~Session() {
+    leaveSignals(signalSet());
     const std::u16string name = m_loaded->model().name();
     kestrel::loadedModels().unload(name);
 }

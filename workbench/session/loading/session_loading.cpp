@@ -7,6 +7,7 @@
 
 #include "host/messages.h"
 #include "signals/signal_specification.h"
+#include "workbench/session/host_process.h"
 #include "workbench/session/loading/record_alignment.h"
 #include "workbench/session/loading/refused_field.h"
 #include "workbench/session/records.h"
@@ -72,6 +73,7 @@ Session::Session(std::string path, ModelFile file, Opening opening) : m_path(std
 
 template <class Load>
 void Session::openOrUnload(Opening opening, Load load) {
+    leaveSignals(nullptr);
     try {
         Loader loader(*this);
         RestOfModelFile rest = load(loader);
