@@ -27,7 +27,7 @@ struct MarkArguments {
 
 std::string describe(const kestrel::Model& model, const MarkTarget& wanted) {
     const std::string name = printable(fullName(model, wanted.source));
-    if (wanted.source.item) return fmt::format("{} ({})", name, printable(wanted.activity));
+    if (wanted.source.item) return fmt::format("{} ({})", name, printable(*wanted.activity));
     return fmt::format("{} ({})", name, printable(portName(wanted.source)));
 }
 
@@ -50,19 +50,16 @@ void keep(const Session& session, const MarkTarget& wanted, Fate fate, ChangeRep
     report.keep(fate, "already marked " + describe(session.model(), wanted), [&](JsonObject& object) {
         object.text("kind", std::string_view("signal"));
         appendSource(object, session.model(), wanted.source);
-        if (wanted.source.item) object.text("activity", wanted.activity);
+        if (wanted.source.item) object.text("activity", *wanted.activity);
     });
 }
 
-int runMark(const MarkArguments& arguments, const Output& output) {
-    requireSelection(arguments.what, false);
-    kshmi::enterHost(output.err);
-    Session session(arguments.file);
+// What is wanted is forgotten before anything is saved: of many ports it takes as much room as saving.
+void markWanted(Session& session, const MarkArguments& arguments, const Output& output, ChangeReport& report) {
     const std::vector<MarkTarget> wanted =
         markTargets(session, select(session.model(), arguments.what, output).sources(),
                     arguments.what.selection.options, arguments.isAgain);
     if (arguments.settings.isAny() && !arguments.isMarkedSkipped) requireUnmarked(session, wanted);
-    ChangeReport report(output, "mark", arguments.options, session);
     std::size_t position = session.signals().getCount();
     addSignals(session, wanted, arguments.settings);
     for (const MarkTarget& one : wanted) {
@@ -74,6 +71,14 @@ int runMark(const MarkArguments& arguments, const Output& output) {
         report.change("mark", "marked",
                       [&] { return fmt::format("{} as signal {}", describe(session.model(), one), position); });
     }
+}
+
+int runMark(const MarkArguments& arguments, const Output& output) {
+    requireSelection(arguments.what, false);
+    kshmi::enterHost(output.err);
+    Session session(arguments.file);
+    ChangeReport report(output, "mark", arguments.options, session);
+    markWanted(session, arguments, output, report);
     if (arguments.settings.isExcludedFromSave.value_or(false))
         output.err << "kshmi: warning: the saved file does not have what is excluded from saving; without "
                       "--exclude-from-save it does\n";

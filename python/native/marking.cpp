@@ -35,7 +35,7 @@ void appendWanted(std::string& out, const Session& session, const MarkTarget& wa
     JsonObject object(out);
     object.text("kind", std::string_view("signal"));
     kshmi::appendSource(object, session.model(), wanted.source);
-    if (wanted.source.item) object.text("activity", wanted.activity);
+    if (wanted.source.item) object.text("activity", *wanted.activity);
     object.close();
 }
 

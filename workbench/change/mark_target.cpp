@@ -11,8 +11,9 @@ std::vector<MarkTarget> markTargets(const Session& session, std::vector<SignalSo
     std::vector<MarkTarget> targets;
     targets.reserve(sources.size());
     for (SignalSource& source : sources) {
-        std::u16string activity = source.item ? activityFor(*source.item, options) : std::u16string();
-        const bool isThere = !isAgain && isMarked(session, source, activity);
+        OptionalBox<std::u16string> activity;
+        if (source.item) activity = activityFor(*source.item, options);
+        const bool isThere = !isAgain && isMarked(session, source, activity ? *activity : std::u16string());
         targets.push_back({std::move(source), std::move(activity), isThere});
     }
     return targets;
@@ -23,7 +24,8 @@ void addSignals(Session& session, const std::vector<MarkTarget>& targets, const 
     allOrNone(
         [&] {
             for (const MarkTarget& target : targets)
-                if (!target.isMarked) addSignal(session, target.source, target.activity, settings);
+                if (!target.isMarked)
+                    addSignal(session, target.source, target.activity ? *target.activity : std::u16string(), settings);
         },
         [&] { removeSignals(session, positionsBetween(before, session.signals().getCount())); });
 }

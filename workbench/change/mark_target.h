@@ -13,8 +13,8 @@ namespace workbench {
 /// A port or chart item that is to be marked.
 struct MarkTarget {
     SignalSource source;
-    std::u16string activity;  ///< of a chart item
-    bool isMarked = false;    ///< already, and not to be marked again
+    OptionalBox<std::u16string> activity;  ///< of a chart item
+    bool isMarked = false;                 ///< already, and not to be marked again
 };
 
 /// The sources in their order, chart items with the activity that the options name. With `isAgain` none counts as
