@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <functional>
 #include <span>
 #include <utility>
 
@@ -24,8 +23,8 @@ struct Saved {
     std::size_t position;
 };
 
-template <class Set, class Ptr = decltype(std::declval<const Set&>().share(0))>
-std::vector<Saved<Ptr>> sharedOf(const Set& set, const std::function<bool(const RecordIn<const Set>&)>& isSaved) {
+template <class Set, class IsSaved, class Ptr = decltype(std::declval<const Set&>().share(0))>
+std::vector<Saved<Ptr>> sharedOf(const Set& set, IsSaved isSaved) {
     std::vector<Saved<Ptr>> shared;
     shared.reserve(set.getCount());
     for (const auto& [position, record] : numbered(set))

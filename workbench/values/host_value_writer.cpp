@@ -126,10 +126,11 @@ void appendPlain(std::string& out, const hvArray* value) {
 // What most values are.
 bool appendUsual(std::string& out, const hvArray* value) {
     const hvClassID classId = hvGetClassID(value);
-    if (classId == hvDOUBLE_CLASS) return hasSize(value, 1, 1) && appendSmallNumber(out, *hvGetDoubles(value));
-    if (classId != hvCHAR_CLASS) return false;
-    const std::u16string_view chars = charsOf(value);
-    return hasSize(value, 1, chars.size()) && appendPlainJsonText(out, chars);
+    if (classId == hvDOUBLE_CLASS)
+        return hvGetNumberOfElements(value) == 1 &&
+               appendSmallNumber(out, *static_cast<const double*>(hvGetData(value)));
+    const bool isRow = classId == hvCHAR_CLASS && hvGetNumberOfDimensions(value) == 2 && *hvGetDimensions(value) == 1;
+    return isRow && appendPlainJsonText(out, charsOf(value));
 }
 
 void appendStructs(std::string& out, const hvArray* value, const std::vector<const char*>& names) {

@@ -1,5 +1,6 @@
 #include "memory_host/orvex/account/running_call.h"
 
+#include <array>
 #include <functional>
 #include <unordered_set>
 #include <utility>
@@ -17,9 +18,13 @@ struct NameHash {
 };
 
 const std::string* internedName(std::string_view name) {
+    // Of each length the last one: the same few are called again and again.
+    static std::array<const std::string*, 32> recent{};
+    const std::string*& last = recent[name.size() % recent.size()];
+    if (last && *last == name) return last;
     static auto& names = *new std::unordered_set<std::string, NameHash, std::equal_to<>>;
     const auto known = names.find(name);
-    return &*(known == names.end() ? names.emplace(name).first : known);
+    return last = &*(known == names.end() ? names.emplace(name).first : known);
 }
 
 }  // namespace

@@ -153,12 +153,13 @@ hvArray* hvCreateSharedDataCopy(const hvArray* value) {
 }
 
 void THvArrayDeleter::destroy(hvArray* value) noexcept {
-    if (!value) return;
-    if (value->m_lifetime == orvex::Lifetime::expired) return orvex::reportExpired(value);
-    if (value->m_place) orvex::leaveScopes(value);
-    intrusive_ptr_release(value);
+    if (value) orvex::release(value);
 }
 
-void THvArrayDeleter::operator()(hvArray* value) const noexcept { destroy(value); }
+void THvArrayDeleter::operator()(hvArray* value) const noexcept {
+    if (value) orvex::release(value);
+}
 
-void matrix::destroyArray(hvArray* value) noexcept { THvArrayDeleter::destroy(value); }
+void matrix::destroyArray(hvArray* value) noexcept {
+    if (value) orvex::release(value);
+}

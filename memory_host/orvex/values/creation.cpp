@@ -47,14 +47,14 @@ hvArray* createText(Elements units, std::size_t length, const Site& site) {
 }
 
 hvArray* createText(std::u16string_view text, const Site& site) {
-    Elements units(text.size() * sizeof(char16_t));
+    Elements units = Elements::unwritten(text.size() * sizeof(char16_t));
     std::copy(text.begin(), text.end(), static_cast<char16_t*>(units.dataForWriting()));
     return createText(std::move(units), text.size(), site);
 }
 
 // Mostly ASCII, of which each byte is a unit: found out on the way.
 hvArray* createTextOfUtf8(std::string_view text, const Site& site) {
-    Elements units(text.size() * sizeof(char16_t));
+    Elements units = Elements::unwritten(text.size() * sizeof(char16_t));
     auto* to = static_cast<char16_t*>(units.dataForWriting());
     unsigned char all = 0;
     for (const char byte : text) {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstring>
 #include <functional>
+#include <utility>
 
 #include "memory_host/orvex/calls/errors.h"
 
@@ -35,7 +37,9 @@ FieldNames::Ptr FieldNames::of(std::span<const char* const> names) {
 }
 
 FieldNames::FieldNames(std::span<const char* const> names)
-    : m_slots(std::bit_ceil(kSlotsForEach * std::max<std::size_t>(names.size(), 1))), m_after(names.size()) {
+    : m_slots(std::bit_ceil(kSlotsForEach * std::max<std::size_t>(names.size(), 1))),
+      m_after(names.size()),
+      m_seldomAfter(names.size()) {
     m_names.reserve(names.size());
     for (const char* const name : names) {
         if (!name || !*name) raise("InvalidFieldName", "A struct's field needs a name.");
@@ -63,12 +67,21 @@ std::size_t FieldNames::hashOf(std::string_view name) const noexcept {
     return m_names.size() <= kFew ? quickHash(name) : std::hash<std::string_view>()(name);
 }
 
+int FieldNames::seldomNext(const char* name) const noexcept {
+    const std::uint32_t guess = m_seldomAfter[m_last];
+    if (std::strcmp(m_names[guess].c_str(), name) != 0) return searched(name);
+    std::swap(m_after[m_last], m_seldomAfter[m_last]);
+    m_last = guess;
+    return static_cast<int>(guess);
+}
+
 int FieldNames::searched(std::string_view name) const noexcept {
     const std::size_t last = m_slots.size() - 1;
     for (std::size_t slot = hashOf(name) & last; m_slots[slot] != 0; slot = (slot + 1) & last) {
         const std::uint32_t position = m_slots[slot] - 1;
         if (m_names[position] != name) continue;
-        m_last = m_after[m_last] = position;
+        m_seldomAfter[m_last] = std::exchange(m_after[m_last], position);
+        m_last = position;
         return static_cast<int>(position);
     }
     return -1;

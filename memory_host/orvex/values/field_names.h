@@ -29,7 +29,8 @@ public:
     int find(const char* name) const noexcept {
         if (m_names.empty()) return -1;
         const std::uint32_t guess = m_after[m_last];
-        if (std::strcmp(m_names[guess].c_str(), name) != 0) return searched(name);
+        const char* const guessed = m_names[guess].c_str();
+        if (name != guessed && std::strcmp(guessed, name) != 0) return seldomNext(name);
         m_last = guess;
         return static_cast<int>(guess);
     }
@@ -39,6 +40,7 @@ public:
 private:
     explicit FieldNames(std::span<const char* const> names);
     bool areThose(std::span<const char* const> names) const noexcept;
+    int seldomNext(const char* name) const noexcept;
     int searched(std::string_view name) const noexcept;
     std::size_t hashOf(std::string_view name) const noexcept;
     void enter(std::size_t position);
@@ -46,8 +48,9 @@ private:
     std::vector<std::string> m_names;
     /// Positions plus 1, each at its name's hash or the next free slot behind it; 0 is free.
     std::vector<std::uint32_t> m_slots;
-    /// For each position the one that was asked for after it the last time.
+    /// For each position the one that was asked for after it the last time, and another one that was before.
     mutable std::vector<std::uint32_t> m_after;
+    mutable std::vector<std::uint32_t> m_seldomAfter;
     mutable std::uint32_t m_last = 0;  ///< the position found last
 };
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <variant>
@@ -43,6 +44,11 @@ struct hvArray final : orvex::LedgerEntry {
     hvArray& operator=(const hvArray&) = delete;
     ~hvArray() {
         if (m_place) orvex::leaveScopes(this);
+        // Most values hold elements: their end is nothing to look up.
+        if (auto* const elements = std::get_if<orvex::Elements>(&m_payload))
+            std::destroy_at(elements);
+        else
+            std::destroy_at(&m_payload);
     }
 
     static void* operator new(std::size_t bytes) { return orvex::takeStorage(bytes); }
@@ -54,7 +60,9 @@ struct hvArray final : orvex::LedgerEntry {
     /// See SharedValue.
     mutable std::uint32_t m_owners = 1;
     orvex::Dimensions m_dimensions;
-    orvex::Payload m_payload;
+    union {
+        orvex::Payload m_payload;  ///< always there
+    };
     /// In the list of local or of loose values: the next one, and what points here; null outside them.
     hvArray* m_next = nullptr;
     hvArray** m_place = nullptr;
@@ -66,6 +74,13 @@ inline void intrusive_ptr_release(const hvArray* value) noexcept {
 }
 
 namespace orvex {
+
+/// What `THvArrayDeleter` does.
+inline void release(hvArray* value) noexcept {
+    if (value->m_lifetime == Lifetime::expired) return reportExpired(value);
+    if (value->m_place) leaveScopes(value);
+    intrusive_ptr_release(value);
+}
 
 /// A new value. `contents`, a payload or one of its alternatives, has as many elements as `dimensions` say. No counting
 /// point for faults.

@@ -35,6 +35,13 @@ public:
         return one;
     }
 
+    /// Whatever there is, to be written throughout before it is read.
+    static Elements unwritten(std::size_t bytes) {
+        Elements some(0);
+        if (bytes > kInPlace) some.m_many = SharedArray<std::byte>::makeUnwritten(bytes);
+        return some;
+    }
+
     const void* data() const noexcept { return m_many ? m_many->data() : m_few.data(); }
     /// Of values of the same class and size.
     bool operator==(const Elements& other) const noexcept {
@@ -66,6 +73,14 @@ public:
     SharedValue& forWriting(std::size_t position) {
         if (m_values->isShared()) m_values = SharedArray<SharedValue>::copyOf(*m_values);
         return m_values->data()[position];
+    }
+
+    /// Whether copies have them, too.
+    bool isShared() const noexcept { return m_values && m_values->isShared(); }
+    /// Puts the value there and gives back what was there, where nothing is shared.
+    SharedValue exchange(std::size_t position, SharedValue value) noexcept {
+        m_values->data()[position].swap(value);
+        return value;
     }
 
 private:

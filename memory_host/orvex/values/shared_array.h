@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <type_traits>
 
 #include "memory_host/orvex/values/small_storage.h"
 
@@ -21,6 +22,10 @@ public:
         Ptr made = unwritten(count);
         std::uninitialized_value_construct_n(made->data(), count);
         return made;
+    }
+    /// The same with whatever is in the storage.
+    static Ptr makeUnwritten(std::size_t count) requires std::is_trivially_default_constructible_v<T> {
+        return unwritten(count);
     }
     static Ptr copyOf(const SharedArray& other) {
         Ptr made = unwritten(other.m_count);

@@ -1,3 +1,4 @@
+#include <optional>
 #include <utility>
 
 #include "memory_host/orvex/account/faults.h"
@@ -40,13 +41,20 @@ HvArrayPtr takenOver(const hvArray* container, hvArray* value) {
                               "\" in a struct with these fields: " + data.names->joined() + ".");
 }
 
-SharedValue& fieldSlot(hvArray* structArray, std::size_t index, const char* name) {
-    auto* data = payloadOf<StructData>(structArray);
+[[noreturn, gnu::cold, gnu::noinline]] void refuseSlot(const hvArray* structArray, std::size_t index,
+                                                       const char* name) {
+    const auto* data = payloadOf<StructData>(structArray);
     if (!data) refuseClass("Fields are set in a struct", structArray);
     const std::size_t count = structArray->m_dimensions.elements();
     if (index >= count) refuseIndex(index, count, "element");
-    const int field = name ? data->fieldNumber(name) : -1;
-    if (field < 0) refuseField(*data, name);
+    refuseField(*data, name);
+}
+
+SharedValue& fieldSlot(hvArray* structArray, std::size_t index, const char* name) {
+    auto* data = payloadOf<StructData>(structArray);
+    const bool isElement = data && index < structArray->m_dimensions.elements();
+    const int field = isElement && name ? data->fieldNumber(name) : -1;
+    if (field < 0) refuseSlot(structArray, index, name);
     return data->values.forWriting(index * data->names->size() + static_cast<std::size_t>(field));
 }
 
@@ -63,6 +71,23 @@ SharedValue storedInField(hvArray* structArray, std::size_t index, const char* n
     faults::point(faults::Operation::writeField);
     SharedValue& slot = fieldSlot(structArray, index, name);
     return std::exchange(slot, contained(std::move(incoming)));
+}
+
+// The field's position among the values where storing there cannot fail, as mostly; else nothing.
+std::optional<std::size_t> everydayPlace(const hvArray* structArray, std::size_t index, const char* name,
+                                         const hvArray* value) noexcept {
+    const auto* data = payloadOf<StructData>(structArray);
+    const bool isEveryday = data && !data->values.isShared() && !faults::internal::g_active && value &&
+                            value != structArray && value->m_lifetime != Lifetime::contained &&
+                            value->m_lifetime != Lifetime::expired;
+    if (!isEveryday || !name || index >= structArray->m_dimensions.elements()) return std::nullopt;
+    const int field = data->fieldNumber(name);
+    if (field < 0) return std::nullopt;
+    return index * data->names->size() + static_cast<std::size_t>(field);
+}
+
+[[gnu::noinline]] void replaceField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
+    const SharedValue earlier = storedInField(structArray, index, name, value);
 }
 
 }  // namespace
@@ -87,7 +112,12 @@ void* hvGetDataForWriting(hvArray* value) {
 }
 
 void hvReplaceField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
-    const orvex::SharedValue earlier = orvex::storedInField(structArray, index, name, value);
+    const auto place = orvex::everydayPlace(structArray, index, name, value);
+    if (!place) return orvex::replaceField(structArray, index, name, value);
+    if (value->m_place) orvex::leaveScopes(value);
+    value->m_lifetime = orvex::Lifetime::contained;
+    auto& values = orvex::payloadOf<orvex::StructData>(structArray)->values;
+    const orvex::SharedValue earlier = values.exchange(*place, orvex::SharedValue(value, /*add_ref=*/false));
 }
 
 void hvSetField(hvArray* structArray, std::size_t index, const char* name, hvArray* value) {
