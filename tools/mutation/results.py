@@ -27,11 +27,12 @@ class Equivalents:
 
 
 def places(changes):
-    """Where they are: each file once, with the lines."""
-    lines = {}
+    """Where they are: each file once, with its functions. Lines would be others after the next change."""
+    names = {}
     for change in changes:
-        lines.setdefault(change.file, set()).add(change.line)
-    return "; ".join(f"`{file}` {', '.join(map(str, sorted(found)))}" for file, found in sorted(lines.items()))
+        names.setdefault(change.file, set()).add(change.function.rpartition("::")[2])
+    return "; ".join(f"`{file}` ({', '.join(f'`{name}`' for name in sorted(found))})"
+                     for file, found in sorted(names.items()))
 
 
 def fits(text, pattern):
