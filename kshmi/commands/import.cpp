@@ -4,9 +4,8 @@
 
 #include "kshmi/commands/command_options.h"
 #include "kshmi/commands/commands.h"
-#include "kshmi/print/json/json_document.h"
+#include "kshmi/print/reports/import_report.h"
 #include "workbench/import/import_model.h"
-#include "workbench/json/json_object.h"
 #include "workbench/text/error.h"
 #include "workbench/text/text.h"
 
@@ -66,30 +65,6 @@ void tell(const ImportedModel& model, const ImportArguments& arguments, bool has
                               counted(model.portCount, "port"));
 }
 
-void appendNotes(std::string& out, const ImportNotes& notes) {
-    appendJsonArray(out, notes.all(), [&](const ImportNote& note) {
-        JsonObject object(out);
-        object.text("text", note.text).number("count", note.names.size());
-        if (note.line > 0) object.number("line", note.line);
-        object.name("names");
-        appendJsonTexts(out, note.names);
-        object.close();
-    });
-}
-
-void tellJson(const ImportedModel& model, const ImportArguments& arguments, const Output& output) {
-    JsonDocument document("import");
-    JsonObject& object = document.object();
-    object.text("file", arguments.target).text("model", model.model.name());
-    object.text("kind", model.origin.kind).text("version", model.origin.version);
-    object.number("blocks", model.model.blocks().size()).number("ports", model.portCount);
-    object.number("kept", model.keptCount).number("gone", model.goneCount).name("dropped");
-    appendNotes(document.text(), model.dropped);
-    object.name("warnings");
-    appendNotes(document.text(), model.warnings);
-    document.print(output.out);
-}
-
 ImportOptions optionsOf(const ImportArguments& arguments, const ModelFile* previous, const Output& output) {
     ImportOptions options;
     options.name = arguments.name.empty() && arguments.isUpdate ? toUtf8(previous->model.name()) : arguments.name;
@@ -113,7 +88,7 @@ int runImport(const ImportArguments& arguments, const Output& output) {
     std::swap(file.model, model.model);
     warn(model, output);
     if (arguments.isJson)
-        tellJson(model, arguments, beside);
+        printImportJson(model, arguments.target, beside.out);
     else if (!arguments.isQuiet)
         tell(model, arguments, before != nullptr, beside);
     return kSuccess;
