@@ -5,7 +5,7 @@ build_packages=(g++ cmake ninja-build pkg-config libboost1.81-dev libcli11-dev l
 # The Python module is left out of the build where these are not.
 python_packages=(python3-dev pybind11-dev python3-numpy)
 # Tests of it that need more than is there are skipped.
-python_test_packages=(python3-pytest mypy python3-pandas)
+python_test_packages=(python3-pytest mypy python3-pandas python3-jsonschema)
 lint_packages=(clang-format clang-tidy)
 fuzz_packages=(clang libclang-rt-14-dev)
 # A browser for the pages of reports: where there is none, the test that looks at them is skipped.
@@ -62,6 +62,7 @@ is_there() {
         python3-numpy) /usr/bin/python3 -c 'import numpy' 2>/dev/null ;;
         python3-pytest) /usr/bin/python3 -c 'import pytest' 2>/dev/null ;;
         mypy) /usr/bin/python3 -c 'import mypy' 2>/dev/null ;;
+        python3-jsonschema) /usr/bin/python3 -c 'import jsonschema' 2>/dev/null ;;
         python3-pandas) /usr/bin/python3 -c 'import pandas' 2>/dev/null ;;
         python3-markdown-it) /usr/bin/python3 -c 'import markdown_it' 2>/dev/null ;;
         python3-clang-14) /usr/bin/python3 -c 'import clang.cindex' 2>/dev/null ;;

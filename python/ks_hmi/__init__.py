@@ -13,21 +13,22 @@ import atexit as _atexit
 import sys as _sys
 
 from . import _native, host
-from ._data import Block, Client, Entry, Listing, Place, Signal
-from ._errors import Error, HostError, HostWarning, ModelWarning
+from ._data import Block, Client, Entries, Entry, Finding, Place, Signal
+from ._errors import Error, HostError, HostWarning, ModelWarning, NotFound
 from ._files import carry, check, comparable, diff, import_model, merge, new, open, prune, read_run, report, sarif
+from ._listing import Listing
 from ._model import Model
-from ._reports import (CarryReport, ChangeReport, CheckReport, DiffReport, MergeReport, PageReport, PruneReport,
-                       QueryReport, RecordReport, Report)
+from ._reports import (CarryReport, ChangeReport, CheckReport, DiffReport, ImportReport, MergeReport, PageReport,
+                       PruneReport, QueryReport, RecordReport, Report)
 from ._runs import Column, Run
 from ._values import Object, StructArray
 
 __all__ = [
-    "Block", "CarryReport", "ChangeReport", "CheckReport", "Client", "Column", "DiffReport", "Entry", "Error",
-    "HostError", "HostWarning", "Listing", "MergeReport", "Model", "ModelWarning", "Object", "PageReport", "Place",
-    "PruneReport", "QueryReport", "RecordReport", "Report", "Run", "Signal", "StructArray", "carry", "check",
-    "comparable", "diff", "host", "import_model", "merge", "new", "open", "prune", "read_run", "report",
-    "sarif",
+    "Block", "CarryReport", "ChangeReport", "CheckReport", "Client", "Column", "DiffReport", "Entries", "Entry",
+    "Error", "Finding", "HostError", "HostWarning", "ImportReport", "Listing", "MergeReport", "Model",
+    "ModelWarning", "NotFound", "Object", "PageReport", "Place", "PruneReport", "QueryReport", "RecordReport",
+    "Report", "Run", "Signal", "StructArray", "carry", "check", "comparable", "diff", "host", "import_model",
+    "merge", "new", "open", "prune", "read_run", "report", "sarif",
 ]
 
 

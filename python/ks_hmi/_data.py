@@ -3,9 +3,9 @@
 from __future__ import annotations
 
 import json
+import shlex
 from html import escape
-from typing import (Any, Callable, ClassVar, Dict, Generic, Iterator, List, Sequence, Type, TypeVar, Union,
-                    overload)
+from typing import Any, ClassVar, Dict, List, Optional, Sequence, Set, SupportsIndex, Type, TypeVar, Union, overload
 
 
 class Entry(Dict[str, Any]):
@@ -15,6 +15,8 @@ class Entry(Dict[str, Any]):
         try:
             return self[name]
         except KeyError:
+            if name in self._optional:
+                return None
             raise AttributeError(f"{type(self).__name__} has no {name!r}; it has: {', '.join(self)}") from None
 
     def __dir__(self) -> List[str]:
@@ -22,6 +24,8 @@ class Entry(Dict[str, Any]):
 
     # Of a pandas frame with a row for each such entry; what else an entry has comes behind.
     _columns: ClassVar[Sequence[str]] = ()
+    # Attributes that are None where the JSON has no such member.
+    _optional: ClassVar[Sequence[str]] = ()
 
     def _row(self) -> Dict[str, Any]:
         return dict(self)
@@ -41,6 +45,7 @@ class Place(Entry):
     """An output port, or a chart with its states and data; `observed` tells whether a signal is on it."""
 
     _columns = ("block", "port", "portName", "observed")
+    _optional = ("port", "portName", "item", "domain", "ssid", "activity", "observed")
 
     @property
     def reference(self) -> str:
@@ -48,13 +53,14 @@ class Place(Entry):
 
     def __repr__(self) -> str:
         name = f" {self['portName']!r}" if "portName" in self else ""
-        return f"<{self.reference}{name}{', observed' if self['observed'] else ''}>"
+        return f"<{self.reference}{name}{', observed' if self.observed else ''}>"
 
 
 class Block(Entry):
-    """A block with its `outputs`, and what its `chart` has if it is one."""
+    """A block with its `outputs`, and what its `chart` has; None if it is none."""
 
     _columns = ("block", "eid", "outputs", "chart", "observed")
+    _optional = ("chart",)
 
     @property
     def path(self) -> str:
@@ -84,6 +90,7 @@ class Signal(Entry):
 
     _columns = ("signal", "position", "block", "port", "portName", "item", "domain", "ssid", "activity", "name",
                 "decimation", "maxPoints", "frameBased", "hidden", "buffered", "visualType", "excludedFromSave")
+    _optional = ("port", "portName", "item", "domain", "ssid", "activity")
 
     def _row(self) -> Dict[str, Any]:
         return {**self, "signal": self.uuid, "position": self.position}
@@ -129,6 +136,23 @@ class Client(Entry):
                f"{self['state']}>"
 
 
+class Finding(Entry):
+    """What `check` finds. `remedy` is the tool's command; `call` is the same in Python."""
+
+    _columns = ("code", "name", "level", "kind", "line", "pointer", "text", "remedy")
+    _optional = ("line", "pointer", "signal", "client")
+
+    @property
+    def call(self) -> str:
+        words = shlex.split(self["remedy"]) if self["remedy"].startswith("kshmi ") else []
+        if len(words) == 5 and words[3] in ("--mend", "--kinds"):
+            return f"ks_hmi.{words[1]}({words[2]!r}, {words[3][2:]}={words[4]!r})"
+        if words and words[-1] == "--confirm":
+            meant = "all='*'" if words[3] == "--all" else repr(words[3])
+            return f"ks_hmi.open({words[2]!r}).set({meant}, confirm=True), then save()"
+        return str(self["remedy"])
+
+
 def counted(count: int, what: str) -> str:
     return f"{count} {what}{'' if count == 1 else 's'}"
 
@@ -141,9 +165,20 @@ def typed(member: Dict[str, Any]) -> Entry:
         return Client(member)
     if "signal" in member and "decimation" in member:
         return Signal(member)
-    if "block" in member and "observed" in member:
+    if "block" in member and ("observed" in member or member.get("kind") in ("signal", "port", "item")):
         return Place(member)
-    return Entry(member)
+    return Finding(member) if "remedy" in member and "level" in member else with_entries(Entry(member))
+
+
+EntryT = TypeVar("EntryT", bound=Entry)
+
+
+def with_entries(entry: EntryT) -> EntryT:
+    """Its lists can make frames, too."""
+    for name, value in entry.items():
+        if isinstance(value, list) and (not value or isinstance(value[0], Entry)):
+            entry[name] = Entries(value)
+    return entry
 
 
 def load(text: str) -> Any:
@@ -175,58 +210,32 @@ def table(rows: Sequence[Dict[str, Any]], most: int = 60) -> str:
 T = TypeVar("T", bound=Entry)
 
 
-class Listing(Sequence[T], Generic[T]):
-    """A model's blocks, ports, signals or clients as they are whenever one looks. Numbers count from 0, as in every
-    sequence; a text finds a block by path, a port by reference, a signal or client by UUID."""
+class Entries(List[T]):
+    """A list of blocks, ports, signals, clients or findings that shows as a table and makes a frame; so do slices."""
 
-    def __init__(self, kind: Type[T], count: Callable[[], int], load_slice: Callable[[int, int], str],
-                 find: Callable[[str], Union[int, T]], what: str = "") -> None:
+    def __init__(self, entries: Sequence[T] = (), kind: Optional[Type[T]] = None) -> None:
+        super().__init__(entries)
         self._kind = kind
-        self._what = what or kind.__name__.lower()
-        self._count = count
-        self._load_slice = load_slice
-        self._find = find
-
-    def __len__(self) -> int:
-        return self._count()
 
     @overload
-    def __getitem__(self, index: Union[int, str]) -> T: ...
+    def __getitem__(self, index: SupportsIndex) -> T: ...
     @overload
-    def __getitem__(self, index: slice) -> List[T]: ...
+    def __getitem__(self, index: slice) -> "Entries[T]": ...
 
-    def __getitem__(self, index: Union[int, str, slice]) -> Union[T, List[T]]:
-        if isinstance(index, slice):
-            return self._all()[index]
-        if isinstance(index, str):
-            found = self._find(index)
-            if not isinstance(found, int):
-                return found
-            index = found
-        count = len(self)
-        position = index + count if index < 0 else index
-        if not 0 <= position < count:
-            raise IndexError(f"there is no {self._what} {index}; there are {count}")
-        return load(self._load_slice(position, position + 1))[0]
-
-    def __iter__(self) -> Iterator[T]:
-        return iter(self._all())
-
-    def _all(self) -> List[T]:
-        return load(self._load_slice(0, len(self)))
-
-    def __repr__(self) -> str:
-        first = ", ".join(map(repr, load(self._load_slice(0, min(3, len(self))))))
-        return f"<{counted(len(self), self._what)}: {first}{', ...' if len(self) > 3 else ''}>"
+    def __getitem__(self, index: Union[SupportsIndex, slice]) -> Union[T, "Entries[T]"]:
+        return Entries(super().__getitem__(index), self._kind) if isinstance(index, slice) else super().__getitem__(
+            index)
 
     def _repr_html_(self) -> str:
-        return table(self._all())
+        return table(self)
 
     def to_frame(self) -> Any:
         """A pandas frame with a row each; signals and clients are told by UUID and position."""
         import pandas
-        rows = [one._row() for one in self._all()]
-        others = dict.fromkeys(name for row in rows for name in row if name not in (*self._kind._columns, "kind"))
-        frame = pandas.DataFrame(rows, columns=[*self._kind._columns, *others])
-        numbers = {name: "Int64" for name in ("port", "ssid") if name in frame}
-        return frame.astype(numbers)
+        kinds: Set[Type[Entry]] = {type(one) for one in self} or {self._kind or Entry}
+        columns = [*kinds.pop()._columns] if len(kinds) == 1 else []
+        rows = [one._row() for one in self]
+        known = (*columns, "kind") if columns else ()
+        others = dict.fromkeys(name for row in rows for name in row if name not in known)
+        frame = pandas.DataFrame(rows, columns=[*columns, *others])
+        return frame.astype({name: "Int64" for name in ("port", "ssid", "line") if name in frame})

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import sys as _sys
 import warnings as _warnings
 from typing import Optional, Tuple, Union
 
@@ -37,6 +38,10 @@ class Error(Exception):
         return ": ".join(parts) + (f" ({self.remedy})" if self.remedy else "")
 
 
+class NotFound(Error, KeyError):
+    """What a sequence, or a run, has not under that name; a KeyError, too."""
+
+
 class HostError(Error):
     """A failure of the host: `identifier` ("catalogue:key") and `arguments` tell which one."""
 
@@ -68,4 +73,7 @@ class HostWarning(UserWarning):
 
 def _warn(catalogue: str, key: str, text: str, arguments: Tuple[Union[int, str], ...]) -> None:
     warning = HostWarning(text, f"{catalogue}:{key}", arguments) if catalogue else ModelWarning(text)
-    _warnings.warn(warning, stacklevel=3)
+    level, frame = 1, _sys._getframe()
+    while frame.f_back and frame.f_globals.get("__package__") == __package__:  # it is about the line that calls us
+        level, frame = level + 1, frame.f_back
+    _warnings.warn(warning, stacklevel=level)

@@ -6,12 +6,16 @@ import json
 import os
 from typing import Any, Callable, Iterable, Mapping, Optional, Union
 
+import numpy as np
+
 from . import _native
-from ._data import Block, Client, Entry, Listing, Place, Signal, counted, load
+from ._arguments import checked
+from ._data import Block, Client, Entry, Place, Signal, counted, load
 from ._errors import Error
-from ._reports import ChangeReport, CheckReport, QueryReport, RecordReport
+from ._listing import Listing
+from ._reports import ChangeReport, CheckReport, ImportReport, QueryReport, RecordReport
 from ._runs import Run
-from ._selection import Calls, Path, Referable, Texts, calls_of, given, selection_of, texts
+from ._selection import Calls, Path, Referable, Texts, calls_of, given, path_of, selection_of, texts
 from ._structure import Structure
 from ._values import Object
 
@@ -43,6 +47,12 @@ class Model(Structure):
     def origin(self) -> Optional[Entry]:
         """Where the model was imported from."""
         return load(_native.origin(self._held))
+
+    @property
+    def import_report(self) -> Optional[ImportReport]:
+        """What the import that made this model has taken and left out; None of a model that was opened."""
+        text = _native.importReport(self._held)
+        return ImportReport(text) if text else None
 
     @property
     def blocks(self) -> Listing[Block]:
@@ -93,6 +103,7 @@ class Model(Structure):
 
     # ---- what is observed
 
+    @checked
     def mark(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
              kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
              name: Optional[str] = None, decimation: Optional[int] = None, max_points: Optional[int] = None,
@@ -110,14 +121,16 @@ class Model(Structure):
         selection = selection_of(references, all, except_, kinds, below, activity, ssid)
         return ChangeReport(_native.mark(self._held, selection, settings, again, skip_marked))
 
+    @checked
     def unmark(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
                kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
                signals: Calls = (), dangling: bool = False) -> ChangeReport:
         """Removes signals; `dangling` those whose block, port or chart item is gone."""
-        calls = calls_of(signals)
+        calls = calls_of(signals, "signals")
         selection = selection_of(references, all, except_, kinds, below, activity, ssid, bool(calls) or dangling)
         return ChangeReport(_native.unmark(self._held, selection, calls, dangling))
 
+    @checked
     def set(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
             kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
             signals: Calls = (), name: Optional[str] = None, decimation: Optional[int] = None,
@@ -128,10 +141,11 @@ class Model(Structure):
         settings = given(name=name, decimation=decimation, max_points=max_points, frame_based=frame_based,
                          hidden=hidden, buffered=buffered, excluded_from_save=excluded_from_save,
                          visual_type=visual_type)
-        calls = calls_of(signals)
+        calls = calls_of(signals, "signals")
         selection = selection_of(references, all, except_, kinds, below, activity, ssid, bool(calls))
         return ChangeReport(_native.set(self._held, selection, calls, settings, confirm))
 
+    @checked
     def query(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
               kinds: Texts = (), below: str = "", activity: Optional[str] = None,
               ssid: Optional[int] = None) -> QueryReport:
@@ -141,6 +155,7 @@ class Model(Structure):
 
     # ---- who watches
 
+    @checked
     def observe(self, *references: Union[Referable, Iterable[Referable]], type: str, all: Texts = (),
                 except_: Texts = (), kinds: Texts = (), below: str = "", activity: Optional[str] = None,
                 ssid: Optional[int] = None, signals: Calls = (),
@@ -148,19 +163,21 @@ class Model(Structure):
                 channel: Optional[int] = None, imaginary: Optional[bool] = None,
                 bus_leaf: Optional[str] = None) -> ChangeReport:
         """Has a client of that observer type watch each marked port and chart item that is meant."""
-        calls = calls_of(signals)
+        calls = calls_of(signals, "signals")
         selection = selection_of(references, all, except_, kinds, below, activity, ssid, bool(calls))
-        settings = given(type=type, params=None if params is None else json.dumps(params), update_rate=update_rate,
+        settings = given(type=type, params=_json_of(params), update_rate=update_rate,
                          channel=channel, imaginary=imaginary, bus_leaf=bus_leaf)
         return ChangeReport(_native.observe(self._held, selection, calls, settings))
 
+    @checked
     def unobserve(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
                   kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
                   clients: Calls = (), types: Texts = (), states: Texts = (), unused: bool = False) -> ChangeReport:
         """Removes clients: of signals, by UUID or position, or in a state ("watching", "dangling", "elsewhere",
         "foreign", "deprecated"); with `types` only those. `unused`, given alone, has the host drop what it does not
         need: clients of deprecated kinds and those whose signal is gone."""
-        who = {"clients": calls_of(clients), "types": texts(types), "states": texts(states)}
+        who = {"clients": calls_of(clients, "clients"), "types": texts(types, "types"),
+               "states": texts(states, "states")}
         selection = selection_of(references, all, except_, kinds, below, activity, ssid, any(who.values()) or unused)
         if unused:
             if any(selection.values()) or any(who.values()):
@@ -168,6 +185,7 @@ class Model(Structure):
             return ChangeReport(_native.dropUnused(self._held))
         return ChangeReport(_native.unobserve(self._held, selection, who))
 
+    @checked
     def set_clients(self, *references: Union[Referable, Iterable[Referable]], all: Texts = (), except_: Texts = (),
                     kinds: Texts = (), below: str = "", activity: Optional[str] = None, ssid: Optional[int] = None,
                     clients: Calls = (), types: Texts = (), states: Texts = (),
@@ -175,9 +193,10 @@ class Model(Structure):
                     update_rate: Optional[int] = None, channel: Optional[int] = None,
                     imaginary: Optional[bool] = None, bus_leaf: Optional[str] = None) -> ChangeReport:
         """Changes the settings of clients in place; who is meant, as in `unobserve`."""
-        who = {"clients": calls_of(clients), "types": texts(types), "states": texts(states)}
+        who = {"clients": calls_of(clients, "clients"), "types": texts(types, "types"),
+               "states": texts(states, "states")}
         selection = selection_of(references, all, except_, kinds, below, activity, ssid, any(who.values()))
-        settings = given(type=new_type, params=None if params is None else json.dumps(params), update_rate=update_rate,
+        settings = given(type=new_type, params=_json_of(params), update_rate=update_rate,
                          channel=channel, imaginary=imaginary, bus_leaf=bus_leaf)
         return ChangeReport(_native.setClients(self._held, selection, who, settings))
 
@@ -191,6 +210,7 @@ class Model(Structure):
         """Writes the file, as a whole or not at all. Refused when somebody else has changed it since."""
         _native.save(self._held)
 
+    @checked
     def save_as(self, path: Path, replace: bool = False) -> None:
         """The same into another file, which is the model's from then on."""
         _native.saveAs(self._held, os.fspath(path), replace)
@@ -205,6 +225,7 @@ class Model(Structure):
     def __exit__(self, *exception: object) -> None:
         self.close()
 
+    @checked
     def record(self, output: Path, unit: Optional[Path] = None, until: Optional[float] = None,
                step: Optional[float] = None, values: Optional[Mapping[str, object]] = None,
                inputs: Optional[Path] = None, timeout: Optional[float] = None, replace: bool = False,
@@ -214,14 +235,15 @@ class Model(Structure):
 
         A unit is a program: run none that you would not start yourself. `values` are start values by variable. `output`
         is a database for .db, .sqlite and .sqlite3, else CSV; `read_run` reads it. `progress` is told the simulated
-        time, where it ends, and the seconds that have passed; `log` the simulated time, category and text of messages.
+        time, where it ends, and the seconds that have passed: five times a second, and when the run is over; `log` the
+        simulated time, category and text of messages.
         """
         start = None if values is None else [(name, _start_value(value)) for name, value in values.items()]
-        options = given(output=os.fspath(output), unit=None if unit is None else os.fspath(unit), until=until,
-                        step=step, values=start, inputs=None if inputs is None else os.fspath(inputs),
-                        timeout=timeout, replace=replace, progress=progress, log=log)
+        options = given(output=os.fspath(output), unit=path_of(unit), until=until, step=step, values=start,
+                        inputs=path_of(inputs), timeout=timeout, replace=replace, progress=progress, log=log)
         return RecordReport(_native.record(self._held, options))
 
+    @checked
     def read_run(self, path: Path, number: Optional[int] = None) -> Run:
         """A recorded run, each column with the signal that it is of."""
         return Run(_native.readRun(os.fspath(path), number, self._held))
@@ -243,4 +265,13 @@ class Model(Structure):
 
 
 def _start_value(value: object) -> str:
-    return str(value).lower() if isinstance(value, bool) else str(value)
+    return str(value).lower() if isinstance(value, (bool, np.bool_)) else str(value)
+
+
+def _json_of(params: Optional[Mapping[str, Any]]) -> Optional[str]:
+    def plain(value: Any) -> Any:
+        if isinstance(value, (np.ndarray, np.generic)):
+            return value.tolist()
+        raise TypeError(f"params= has {value!r}; give texts, numbers, truths, and lists and dictionaries of these, as "
+                        "in params={\"max\": 180}")
+    return None if params is None else json.dumps(params, default=plain)

@@ -5,7 +5,7 @@ from __future__ import annotations
 from html import escape
 from typing import Any, Dict, Iterator, List, Optional
 
-from ._data import Entry, Place, counted, load, table
+from ._data import Entries, Entry, Finding, Place, counted, load, table
 
 
 class Report:
@@ -61,40 +61,62 @@ class ChangeReport(Report):
         return any(self.data[name] for name in ("added", "changed", "removed"))
 
 
-class QueryReport(Report):
+class FileReport(Report):
+    """Of one file: what the JSON tells of it is here, too."""
+
+    def __getitem__(self, name: str) -> Any:
+        return self.data[name] if name in self.data else self.data["files"][0][name]
+
+    def __getattr__(self, name: str) -> Any:
+        if not name.startswith("_") and name in self.data["files"][0]:
+            return self[name]
+        return super().__getattr__(name)
+
+    def __dir__(self) -> List[str]:
+        return [*super().__dir__(), *self.data["files"][0]]
+
+
+class QueryReport(FileReport):
     """The `answers`. True when there is one, and all are observed: as the tool's own exit code."""
 
+    @property
+    def answers(self) -> Entries[Place]:
+        return Entries(self["answers"], Place)
+
     def __bool__(self) -> bool:
-        return bool(self.data["answers"]) and all(answer["observed"] for answer in self.data["answers"])
+        return bool(self.answers) and all(answer["observed"] for answer in self.answers)
 
     def __len__(self) -> int:
-        return len(self.data["answers"])
+        return len(self.answers)
 
     def __iter__(self) -> Iterator[Place]:
-        return iter(self.data["answers"])
+        return iter(self.answers)
+
+    def _repr_html_(self) -> str:
+        return f"<p>{escape(repr(self)[1:-1])}</p>" + table(self.answers)
 
     def __repr__(self) -> str:
         return f"<query: {counted(len(self), 'answer')}, {len(self.observed)} observed>"
 
     @property
-    def observed(self) -> List[Place]:
+    def observed(self) -> Entries[Place]:
         """The answers that are."""
-        return [answer for answer in self.data["answers"] if answer["observed"]]
+        return Entries([answer for answer in self.answers if answer["observed"]], Place)
 
 
-class CheckReport(Report):
+class CheckReport(FileReport):
     """The `findings`, and what was `settled`. True when there is no error among them."""
 
     def __bool__(self) -> bool:
         return self.data["errors"] == 0
 
     @property
-    def findings(self) -> List[Entry]:
-        return self.data["files"][0]["findings"]
+    def findings(self) -> Entries[Finding]:
+        return Entries(self["findings"], Finding)
 
     @property
     def settled(self) -> List[Entry]:
-        return self.data["files"][0]["settled"]
+        return self["settled"]
 
     def __repr__(self) -> str:
         data = self.data
@@ -103,6 +125,20 @@ class CheckReport(Report):
 
     def _repr_html_(self) -> str:
         return f"<p>{escape(repr(self)[1:-1])}</p>" + table(self.findings)
+
+
+class ImportReport(Report):
+    """What was imported, and what was left out, `dropped`, or taken with `warnings`: of each a `text`, the `count` and
+    the `names`. True when nothing was left out."""
+
+    def __bool__(self) -> bool:
+        return not self.data["dropped"]
+
+    def __repr__(self) -> str:
+        data = self.data
+        dropped = ", ".join(f"{note['count']} {note['text']}" for note in data["dropped"])
+        return f"<import: {counted(data['blocks'], 'block')}, {counted(data['ports'], 'port')}" \
+               f"{'; left out: ' if dropped else ''}{dropped}>"
 
 
 class PruneReport(Report):

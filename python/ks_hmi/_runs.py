@@ -8,6 +8,7 @@ from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Optional, Sequence,
 import numpy as np
 
 from ._data import table
+from ._errors import NotFound
 
 if TYPE_CHECKING:
     from numpy.typing import NDArray
@@ -16,9 +17,10 @@ if TYPE_CHECKING:
 class Column:
     """One recorded signal, or one element of an array: `times` and `values`, one for each sample.
 
-    Numbers and Booleans are a numpy array of float64, texts one of objects. `title`, `kind`, `unit`, `signal` (UUID),
-    `block`, `port`, `portName` and `element` say what it is; None or "" where the file does not. `items` has the names
-    of an enumeration's values, as far as a database knows them.
+    Numbers and Booleans are a numpy array of float64, texts one of objects. `title`, `kind`, `unit`, `signal` (its UUID
+    as a text: `model.signals[column.signal]` is the signal), `block`, `port`, `portName` and `element` say what it is;
+    None or "" where the file does not. `items` has the names of an enumeration's values, as far as a database knows
+    them.
     """
 
     def __init__(self, data: Dict[str, Any]) -> None:
@@ -78,7 +80,7 @@ class Run(Sequence[Column]):
         if not isinstance(key, str):
             return self.columns[key]
         if key not in self._by_title:
-            raise KeyError(f"there is no column {key!r}; there are: {', '.join(self.titles)}")
+            raise NotFound(f"there is no column {key!r}; there are: {', '.join(self.titles)}", "noMatch", self.file)
         return self._by_title[key]
 
     def __iter__(self) -> Iterator[Column]:

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import os
+from operator import index
 from typing import Any, Dict, Iterable, List, Optional, Union
 
 from ._data import Client, Entry, Signal
@@ -14,12 +15,25 @@ Texts = Union[str, Iterable[str]]
 Calls = Union[str, int, Entry, Iterable[Union[str, int, Entry]]]
 
 
-def texts(given: Texts) -> List[str]:
+def is_whole(given: Any) -> bool:
+    """Also numpy's numbers, but no truth, and no array."""
+    return hasattr(given, "__index__") and not isinstance(given, bool) and not getattr(given, "ndim", 0)
+
+
+def path_of(given: Optional[Path]) -> Optional[str]:
+    return None if given is None else os.fspath(given)
+
+
+def texts(given: Texts, name: str) -> List[str]:
     if isinstance(given, str):
         return [given]
     if not isinstance(given, Iterable):
-        raise TypeError(f"{given!r} is neither a text nor a list of texts")
-    return [str(one) for one in given]
+        raise TypeError(f"{name}= is {given!r}; give a text or a list of texts, as in {name}=[\"a\", \"b\"]")
+    given = list(given)
+    for one in given:
+        if not isinstance(one, str):
+            raise TypeError(f"{name}= has {one!r}; give texts, as in {name}=[\"a\", \"b\"]")
+    return given
 
 
 def references_of(given: Iterable[Union[Referable, Iterable[Referable]]]) -> List[str]:
@@ -32,31 +46,36 @@ def references_of(given: Iterable[Union[Referable, Iterable[Referable]]]) -> Lis
         elif isinstance(one, Iterable) and not isinstance(one, Entry):
             references += references_of(one)
         else:
-            raise TypeError(f"{one!r} is not a text, block, port, chart item or signal, nor a list of these")
+            raise TypeError(f"{one!r} is not a text, block, port, chart item or signal, nor a list of these; a "
+                            "reference is like \"Sensors/Speed:valid\"")
     return references
 
 
 def reference_of(given: Referable) -> str:
-    return references_of([given])[0]
+    references = references_of([given])
+    if len(references) != 1:
+        raise TypeError(f"{given!r} is not one thing but {len(references)}; give one after the other")
+    return references[0]
 
 
-def calls_of(given: Calls) -> List[str]:
+def calls_of(given: Calls, name: str) -> List[str]:
     """UUIDs and positions, also of signals and clients of this module."""
-    if isinstance(given, (str, int)):
-        return [str(given)]
+    if isinstance(given, str):
+        return [given]
+    if is_whole(given):
+        return [str(index(given))]  # type: ignore[arg-type]
     if isinstance(given, (Signal, Client)):
         return [given.uuid]
-    if isinstance(given, Entry):
-        raise TypeError(f"{given!r} is not a signal or client")
-    if not isinstance(given, Iterable):
-        raise TypeError(f"{given!r} is not a UUID, position, signal or client, nor a list of these")
-    return [call for one in given for call in calls_of(one)]
+    if isinstance(given, (bool, Entry)) or not isinstance(given, Iterable):
+        raise TypeError(f"{name}= has {given!r}, which is not a UUID, position, signal or client; give it like "
+                        f"{name}=[1, 2]")
+    return [call for one in given for call in calls_of(one, name)]
 
 
 def selection_of(references: Iterable[Any], all: Texts, except_: Texts, kinds: Texts, below: str,
                activity: Optional[str], ssid: Optional[int], others: bool = False) -> Dict[str, Any]:
-    selection: Dict[str, Any] = {"references": references_of(references), "all": texts(all),
-                                 "except": texts(except_), "kinds": texts(kinds), "below": below,
+    selection: Dict[str, Any] = {"references": references_of(references), "all": texts(all, "all"),
+                                 "except": texts(except_, "except_"), "kinds": texts(kinds, "kinds"), "below": below,
                                  "activity": activity, "ssid": ssid}
     if not others and not any(selection[name] for name in ("references", "all", "except", "kinds", "below")):
         raise Error("nothing to work on; name a port, or give all=\"*\" or below=")

@@ -108,8 +108,8 @@ def _cells(cells: List[Any], shape: Sequence[int]) -> NDArray[Any]:
 
 
 class Object:
-    """An object of the host. Its properties are attributes, its methods are called: `object.isObserved(3.5, 1)`;
-    `outputs=` says how many results a method is to give. What there is, `dir(object)` and `object._description`
+    """An object of the host. Its properties are attributes, its methods are called: `signals.getUUID(1)`;
+    `outputs=` says how many results a method is to give. What there is, `dir(object)` and `host.describe(object)`
     tell."""
 
     def __init__(self, held: _native.HeldValue) -> None:

@@ -16,6 +16,7 @@ from __future__ import annotations
 from typing import Any, Callable, List, Optional, Sequence, Union
 
 from . import _native
+from ._arguments import checked
 from ._data import Entry, load
 from ._errors import Error, HostError, HostWarning
 from ._values import Method, Object, StructArray, described
@@ -24,12 +25,14 @@ __all__ = ["Class", "Function", "HostError", "HostWarning", "Method", "Namespace
            "classes", "describe", "function", "functions", "namespaces", "new", "warn"]
 
 
+@checked
 def call(name: str, *arguments: Any, outputs: int = 1) -> Any:
     """Calls a host function, a constructor or a static method by its name; with more than one of the `outputs` they
     come as a tuple. What the host does not give is None."""
     return _native.callByName(name, arguments, outputs)
 
 
+@checked
 def new(class_name: str, *arguments: Any) -> Object:
     """An object of that class, by its full name."""
     if class_name not in classes():
@@ -49,8 +52,13 @@ def functions() -> List[str]:
     return _native.functionNames()
 
 
-def describe(name: str) -> Entry:
-    """What the host says of a class or function: properties, methods, inputs, outputs, a sentence for each."""
+def describe(name: Union[str, Object]) -> Entry:
+    """What the host says of a class, by name or of an object, or of a function: properties, methods, inputs, outputs, a
+    sentence for each."""
+    if isinstance(name, Object):
+        name = name._held.className
+    if not isinstance(name, str):
+        raise TypeError(f"name= is {name!r}; give the name of a class or function, or an object")
     for description in (_native.describeClass(name), _native.describeFunction(name)):
         if description != "null":
             return load(description)
@@ -82,9 +90,11 @@ class Function:
         return f"<host function {self.name!r} in Python: {self.function!r}>"
 
 
+@checked
 def function(name: str, outputs: Optional[int] = None) -> Callable[[Callable[..., Any]], Function]:
     """Makes a Python function one of the host, in front of whatever has that name; the function gets the inputs, and
-    returns its output, or a tuple of them. What it raises is a failure of the call. For use as a decorator:
+    returns its output, or a tuple of them, of which a caller gets as many as it asks for. With `outputs=1` a tuple is a
+    value as any other, a cell array. What it raises is a failure of the call. For use as a decorator:
 
     >>> @host.function("twice", outputs=1)
     ... def twice(number):
@@ -93,6 +103,7 @@ def function(name: str, outputs: Optional[int] = None) -> Callable[[Callable[...
     return lambda made: Function(name, made, outputs)
 
 
+@checked
 def warn(text: str, identifier: str = "python:warning", arguments: Sequence[Union[int, str]] = ()) -> None:
     """Has the host warn, as its own functions do."""
     catalogue, _, key = identifier.rpartition(":")

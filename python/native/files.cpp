@@ -6,6 +6,7 @@
 #include "kshmi/print/reports/carry_report.h"
 #include "kshmi/print/reports/diff_report.h"
 #include "kshmi/print/reports/findings.h"
+#include "kshmi/print/reports/import_report.h"
 #include "kshmi/print/reports/page_report.h"
 #include "kshmi/print/reports/sarif.h"
 #include "python/native/define.h"
@@ -17,7 +18,6 @@
 #include "workbench/compare/compared_file.h"
 #include "workbench/compare/diff.h"
 #include "workbench/import/import_model.h"
-#include "workbench/json/json_object.h"
 #include "workbench/text/text.h"
 
 namespace ks_hmi_python {
@@ -35,15 +35,12 @@ void warnOf(const std::string& file, const std::vector<std::string>& warnings) {
 std::string checkReport(const SettledFile& file, bool isDryRun) {
     kshmi::FindingCounts counts;
     counts.add(file.now);
-    std::string out;
-    JsonObject object(out);
-    object.number("kshmi", 1).text("command", std::string_view("check")).name("files");
-    out += '[';
-    kshmi::appendCheckedFile(out, file.now, file.settled);
-    out += ']';
-    object.number("errors", counts.errors).number("warnings", counts.warnings).number("notes", counts.notes);
-    object.truth("dryRun", isDryRun).close();
-    return out;
+    std::string text;
+    kshmi::appendCheckedFile(text, file.now, file.settled);
+    return fmt::format(
+        "{{\"kshmi\": 1, \"command\": \"check\", \"files\": [\n  {}\n], "
+        "\"errors\": {}, \"warnings\": {}, \"notes\": {}, \"dryRun\": {}}}\n",
+        printableJson(text), counts.errors, counts.warnings, counts.notes, isDryRun);
 }
 
 std::string check(const std::string& path, const Words& mended, bool isDryRun) {
@@ -152,9 +149,13 @@ std::shared_ptr<OpenModel> import(const std::string& source, const std::string& 
     options.previous = before ? &*before : nullptr;
     ImportedModel imported = importFile(source, path, options);
     warnOf(imported);
+    std::ostringstream report;
+    kshmi::printImportJson(imported, path, report);
     ModelFile file = modelFileOf(std::move(imported));
     if (isUpdate) file.version = before->version;
-    return makeHeld<OpenModel>(path, std::move(file));
+    auto model = makeHeld<OpenModel>(path, std::move(file));
+    model->importReport = report.str();
+    return model;
 }
 
 }  // namespace

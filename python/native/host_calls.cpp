@@ -1,5 +1,6 @@
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -40,34 +41,41 @@ py::object call(CallByName callHost, const std::string& name, const py::tuple& a
 class PythonFunction final : public Held {
 public:
     PythonFunction(const std::string& name, py::function function, std::optional<int> outputs)
-        : m_registration(std::in_place,
-                         orvex::registerFunction(
-                             name, [function = std::move(function)](orvex::Call& call) { run(function, call); },
-                             outputs.value_or(orvex::kAnyNumberOfOutputs))) {}
+        : m_registration(
+              std::in_place,
+              orvex::registerFunction(
+                  name, [function = std::move(function), outputs](orvex::Call& call) { run(function, outputs, call); },
+                  outputs.value_or(orvex::kAnyNumberOfOutputs))) {}
     ~PythonFunction() override = default;
     void release() noexcept override { m_registration.reset(); }
 
 private:
-    static void run(const py::function& function, orvex::Call& call) {
+    static void run(const py::function& function, std::optional<int> outputs, orvex::Call& call) {
         try {
             py::tuple arguments(call.ins.size());
             for (std::size_t i = 0; i < call.ins.size(); ++i) arguments[i] = pythonOf(call.ins[i]);
-            answer(function(*arguments), call);
+            answer(function(*arguments), outputs, call);
         } catch (py::error_already_set& error) {
             throwAsHost(error);
         }
     }
 
-    static void answer(const py::object& result, orvex::Call& call) {
-        if (call.nOut <= 1) {
+    // A tuple is the outputs, and a list where there are several; of a function with one output it is that one.
+    static bool areOutputs(const py::object& result, std::optional<int> outputs, int wanted) {
+        if (outputs && *outputs <= 1) return false;
+        return py::isinstance<py::tuple>(result) || (py::isinstance<py::list>(result) && (outputs || wanted > 1));
+    }
+
+    static void answer(const py::object& result, std::optional<int> outputs, orvex::Call& call) {
+        const bool isSequence = areOutputs(result, outputs, call.nOut);
+        if (!isSequence && call.nOut <= 1) {
             if (!result.is_none()) call.outs[0] = hostOf(result);
             return;
         }
-        const bool isSequence = py::isinstance<py::tuple>(result) || py::isinstance<py::list>(result);
-        if (!isSequence || py::len(result) < static_cast<std::size_t>(call.nOut))
+        if (!isSequence || (call.nOut > 1 && py::len(result) < static_cast<std::size_t>(call.nOut)))
             throw py::type_error("the caller wants " + std::to_string(call.nOut) +
                                  " outputs: return a tuple of as many");
-        for (std::size_t i = 0; i < call.outs.size(); ++i) {
+        for (std::size_t i = 0; i < std::min(call.outs.size(), py::len(result)); ++i) {
             const py::object output = result[py::int_(i)];
             if (!output.is_none()) call.outs[i] = hostOf(output);
         }

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <sstream>
 #include <string>
 #include <string_view>
 
+#include "kshmi/print/json/json_document.h"
 #include "kshmi/print/json/json_records.h"
 #include "workbench/find/positions.h"
 #include "workbench/find/watching.h"
@@ -27,7 +29,15 @@ inline void appendClientThing(std::string& out, const workbench::Session& sessio
     object.close();
 }
 
-/// A report of what has changed: the lists are filled in by their elements, each with its comma.
+/// The whole document, as the tool prints it.
+inline std::string textOf(kshmi::JsonDocument& document) {
+    std::ostringstream out;
+    document.print(out);
+    return out.str();
+}
+
+/// A report of what has changed: the lists are filled in by their elements, each with its comma. Nothing is saved by
+/// it.
 class ChangeText {
 public:
     std::string& added() { return next(m_added); }
@@ -37,25 +47,27 @@ public:
     std::string& unchanged() { return next(m_unchanged); }
 
     std::string take(std::string_view command, const workbench::Session& session) const {
-        std::string out;
-        workbench::JsonObject object(out);
-        object.number("kshmi", 1).text("command", command).text("file", std::string_view(session.path()));
-        object.text("model", session.model().name());
+        constexpr const workbench::JsonLayout& kLayout = kshmi::JsonDocument::kElements;
+        kshmi::JsonDocument document(command);
+        workbench::JsonObject& object = document.object();
+        object.text("file", std::string_view(session.path())).text("model", session.model().name());
+        object.truth("dryRun", false).truth("saved", false);
         const auto list = [&](const char* name, const std::string& elements) {
-            object.name(name).out() += "[" + elements + "]";
+            std::string& out = object.name(name).out() += '[';
+            if (!elements.empty()) (out += kLayout.first).append(elements) += kLayout.last;
+            out += ']';
         };
         list("added", m_added);
         list("changed", m_changed);
         list("removed", m_removed);
         list("skipped", m_skipped);
         list("unchanged", m_unchanged);
-        object.close();
-        return out;
+        return textOf(document);
     }
 
 private:
     static std::string& next(std::string& list) {
-        if (!list.empty()) list += ", ";
+        if (!list.empty()) list += kshmi::JsonDocument::kElements.between;
         return list;
     }
 

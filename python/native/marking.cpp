@@ -1,7 +1,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 
+#include "kshmi/print/reports/name_notice.h"
 #include "python/native/arguments.h"
 #include "python/native/define.h"
 #include "python/native/json_text.h"
@@ -114,17 +116,17 @@ std::string set(OpenModel& model, const py::dict& selection, const std::vector<s
 std::string query(OpenModel& model, const py::dict& selection) {
     const Session& session = model.session();
     const Chosen chosen = choose(session, selection);
-    std::string out;
-    JsonObject object(out);
-    object.number("kshmi", 1).text("command", std::string_view("query")).text("file", std::string_view(session.path()));
-    object.text("model", session.model().name()).name("answers");
-    appendJsonArray(out, chosen.selected.sources(), [&](const SignalSource& source) {
-        JsonObject answer(out);
+    kshmi::JsonEntry entry;
+    entry.object().text("file", std::string_view(session.path())).text("model", session.model().name());
+    kshmi::listUnsettled(entry, session);
+    entry.list("answers", chosen.selected.sources(), [&](const SignalSource& source) {
+        JsonObject answer(entry.text());
         kshmi::appendAnswer(answer, session.model(), ask(session, source, chosen.options));
         answer.close();
     });
-    object.close();
-    return out;
+    kshmi::JsonDocument document("query");
+    document.list("files", std::array{entry.take()}, [&](const std::string& file) { document.text() += file; });
+    return textOf(document);
 }
 
 }  // namespace

@@ -1,12 +1,19 @@
+#include <fmt/format.h>
+
 #include <filesystem>
 
+#include "observers/signal_client.h"
 #include "python/native/define.h"
 #include "python/native/json_text.h"
 #include "python/native/open_model.h"
+#include "signals/signal_specification.h"
 #include "workbench/change/renaming.h"
 #include "workbench/find/asking.h"
 #include "workbench/find/reference.h"
+#include "workbench/find/selecting_clients.h"
+#include "workbench/find/signal_index.h"
 #include "workbench/model_file/model_file.h"
+#include "workbench/session/records.h"
 #include "workbench/text/text.h"
 
 namespace ks_hmi_python {
@@ -85,6 +92,16 @@ void appendBlock(std::string& out, const Session& session, const kestrel::Block&
     object.close();
 }
 
+// What a sequence of Python has, or has not: that is told by its own kind of error there.
+template <class Find>
+auto lookedUp(Find find) {
+    try {
+        return find();
+    } catch (const Error& error) {
+        throw Error(error.text(), ErrorCode::noMatch, error.remedy());
+    }
+}
+
 // Elements `from` to `to` of a list, 0-based.
 template <class Append>
 std::string slice(std::size_t from, std::size_t to, Append append) {
@@ -105,7 +122,8 @@ std::string blocks(OpenModel& model, std::size_t from, std::size_t to) {
 }
 
 std::string blockCalled(OpenModel& model, const std::string& path) {
-    return blockText(model.session(), resolveBlock(model.session().model(), path));
+    const Session& session = model.session();
+    return lookedUp([&] { return blockText(session, resolveBlock(session.model(), path)); });
 }
 
 // The ports that positions count, block after block.
@@ -131,9 +149,11 @@ std::string ports(OpenModel& model, std::size_t from, std::size_t to) {
 }
 
 std::string portCalled(OpenModel& model, const std::string& reference) {
-    const std::vector<SignalSource> sources = resolveReference(model.session().model(), reference, {});
+    const kestrel::Model& blocks = model.session().model();
+    const std::vector<SignalSource> sources = lookedUp([&] { return resolveReference(blocks, reference, {}); });
     if (sources.size() != 1 || sources.front().item)
-        throw Error(inQuotes(reference) + ": is not one port; say which, as in \"block:1\" or \"block:name\"");
+        throw Error(inQuotes(reference) + ": is not one port; say which, as in \"block:1\" or \"block:name\"",
+                    sources.front().item ? ErrorCode::noMatch : ErrorCode::request);
     std::string out;
     appendPlace(out, model.session(), sources.front());
     return out;
@@ -158,14 +178,52 @@ std::string origin(OpenModel& model) {
     return out;
 }
 
+std::string importReport(OpenModel& model) { return model.importReport; }
 std::size_t signalCount(OpenModel& model) { return model.session().signals().getCount(); }
 std::size_t clientCount(OpenModel& model) { return model.session().clients().getCount(); }
 std::size_t blockCount(OpenModel& model) { return model.session().model().blocks().size(); }
 std::string name(OpenModel& model) { return toUtf8(model.session().model().name()); }
 std::string path(OpenModel& model) { return model.session().path(); }
 std::string text(OpenModel& model) { return model.session().text(); }
-std::size_t signalNumber(OpenModel& model, const std::string& call) { return signalCalled(model.session(), call); }
-std::size_t clientNumber(OpenModel& model, const std::string& call) { return clientCalled(model.session(), call); }
+
+// What a reference stands for where no record has it as its UUID.
+Selected sourcesCalled(const Session& session, const std::string& call, const char* kind, Remedy remedy) {
+    try {
+        Selected selected;
+        selected.matching = resolveReference(session.model(), call, {});
+        return selected;
+    } catch (const Error& error) {
+        throw Error(fmt::format("no {} has this UUID, and as a reference: {}", kind, error.text()), ErrorCode::noMatch,
+                    remedy);
+    }
+}
+
+template <class Set>
+std::size_t theOnly(const Positions& found, const Set& set, const std::string& call, const char* kind, Remedy remedy) {
+    if (found.size() == 1) return found.front();
+    if (found.empty())
+        throw Error(fmt::format("{}: there is no {} on it", inQuotes(call), kind), ErrorCode::noMatch, remedy);
+    const auto uuidOf = [&](std::size_t position) { return set.get(position)->m_uuid; };
+    throw Error(fmt::format("{}: there are {} on it; take one by its UUID: {}", inQuotes(call),
+                            counted(found.size(), kind), listed(found, 3, uuidOf)),
+                ErrorCode::request);
+}
+
+std::size_t signalNumber(OpenModel& model, const std::string& call) {
+    const Session& session = model.session();
+    if (const auto found = SignalUuids(session).positionOf(call)) return *found;
+    const Selected selected = sourcesCalled(session, call, "signal", Remedy::listSignals);
+    return theOnly(signalsOn(selected, {}, SignalIndex(session)), session.signals(), call, "signal",
+                   Remedy::listSignals);
+}
+
+std::size_t clientNumber(OpenModel& model, const std::string& call) {
+    const Session& session = model.session();
+    for (const auto& [position, client] : numbered(session.clients()))
+        if (client.m_uuid == call) return position;
+    const Selected selected = sourcesCalled(session, call, "client", Remedy::listClients);
+    return theOnly(selectClients(session, &selected, {}, {}), session.clients(), call, "client", Remedy::listClients);
+}
 
 }  // namespace
 
@@ -187,6 +245,7 @@ void bindModels(py::module_& module) {
     define(module, "path", path);
     define(module, "text", text);
     define(module, "origin", origin);
+    define(module, "importReport", importReport);
     define(module, "blocks", blocks);
     define(module, "blockCalled", blockCalled);
     define(module, "portCount", portCount);

@@ -22,6 +22,8 @@ public:
     bool isOpen() const noexcept { return m_session.has_value(); }
     void release() noexcept override { m_session.reset(); }
 
+    std::string importReport;  ///< what the tool would print of the import that made it; empty without one
+
 private:
     std::optional<workbench::Session> m_session;
 };

@@ -70,6 +70,7 @@ std::string record(OpenModel& model, const py::dict& given) {
     options.control.stopRequests = [&] { return interruption.count(); };
     const RecordResult result = recordModel(model.session(), options);
     interruption.raise();
+    if (options.progress) options.progress({result.start, result.end.time, result.until, result.seconds});
     std::ostringstream out;
     kshmi::printRecordJson(result, options.target.path, model.session(), out);
     return out.str();

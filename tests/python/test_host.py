@@ -80,8 +80,12 @@ def test_functions_in_python_are_the_hosts():
     assert caught.value.identifier == "orvex:errors:TooManyOutputs"
     with host.function("sums")(lambda: None) as kept:
         assert host.call("sums") is None and kept() is None
-    assert host.call("sums", 1, outputs=2) == (1.0, 1.0)
+    assert host.call("sums", 1, outputs=2) == (1.0, 1.0) and host.call("sums", 4) == 4.0
     sums.end()
+    for outputs, result, first in [(2, (1, 2), 1.0), (2, [1, 2], 1.0), (None, (1, 2), 1.0), (1, (1, 2), [1.0, 2.0]),
+                                   (None, [1, 2], [1.0, 2.0]), (2, (), None)]:
+        with host.function("gives", outputs)(lambda: result):
+            assert host.call("gives") == first
     with pytest.raises(ks_hmi.HostError, match="There is no function"):
         host.call("sums")
 
@@ -135,7 +139,8 @@ def test_classes_are_discovered(model):
     description = host.describe("Kestrel.HMI.InstrumentedSignals")
     names = [one.name for one in [*description.properties, *description.methods]]
     assert (made.Model, made.Count) == ("other", 0) and "Model: 'other'" in repr(made)
-    assert set(names) <= set(dir(made)) and description.sentence
+    assert set(names) <= set(dir(made)) and description.sentence and host.describe(made) == description
+    assert model.signal_set.getUUID(1) == model.signals[0].uuid  # as help(host.Object) has it
     saved = model.signal_set.Persistence
     assert isinstance(saved, StructArray) and saved.columns()["SignalName_"][0] == "speed" == saved[0].SignalName_
     assert model.signal_set == model.signal_set and model.signal_set != made

@@ -12,24 +12,15 @@ def places(entries):
     return [entry.reference for entry in entries]
 
 
-def test_sequences_tell_what_the_model_has(model):
-    assert (model.name, len(model.blocks), len(model.signals)) == ("cruise", 10, 6)
-    assert model.blocks[1].path == "cruise/Sensors/Speed" and model.blocks[-1].path == "cruise/Plant/Brakes"
-    assert [model.signals[-back].position for back in (1, 2, 6)] == [6, 5, 1]
-    assert [port.portName for port in model["Sensors/Speed"].outputs] == ["speed", "valid"]
-    assert [item.item for item in model["Control/Mode"].chart] == ["", "Off", "Engaged", "Engaged/Holding", "target"]
-    assert [port.block for port in model.ports].count("cruise/Sensors/Speed") == 2 and len(model.ports) == sum(
-        len(block.outputs) for block in model.blocks)
-    assert model.ports["Sensors/Speed:valid"] == model["Sensors/Speed"].outputs[1] == model.ports[4]
-    with pytest.raises(ks_hmi.Error, match="is not one port"):
-        model.ports["Sensors/Speed"]
-    signal = model.signals[0]
-    assert (signal.uuid, signal.position, signal.visualType) == ("51670000-0000-4000-8000-000000000001", 1, "dial")
-    assert model.signals[signal.uuid] == signal and list(model.signals)[0] == signal == model.signals[0:1][0]
-    with pytest.raises(IndexError, match="no signal 6; there are 6"):
-        model.signals[6]
-    with pytest.raises(AttributeError, match="has no 'colour'"):
-        signal.colour
+def test_two_versions_of_a_model_are_open_side_by_side(model, cruise, tmp_path):
+    other = tmp_path / "after.json"
+    other.write_bytes(cruise.read_bytes())
+    with pytest.raises(ks_hmi.Error, match=r"open already .close\(\) it first, or rename\(\) it"):
+        ks_hmi.open(other)
+    model.rename("before")
+    with ks_hmi.open(other) as after:
+        assert after.unmark("Sensors/Speed:1") and model.query("Sensors/Speed:1")
+        assert [one.state for one in model.clients] == ["watching"] * 3 + [model.clients[3].state]
 
 
 def test_marks_are_made_changed_and_removed_and_saved(model, cruise):
@@ -79,47 +70,6 @@ def test_clients_watch_signals(model):
     with pytest.raises(ks_hmi.Error, match="is not marked; mark it first"):
         model.observe("Sensors/Pedal:1", type="ks_scope_observer")
     assert len(model.clients) == before + 1
-
-
-@pytest.mark.parametrize("work, code, words", [
-    (lambda model: model.mark("Sensors/Sped:1"), "request", 'did you mean "Sensors/Speed"'),
-    (lambda model: model.mark("Sensors/*"), "request", "give a pattern as all="),
-    (lambda model: model.mark(all="nothing*"), "noMatch", "nothing"),
-    (lambda model: model.mark(), "request", "nothing to work on"),
-    (lambda model: model.mark("Sensors/Speed:1", decimation=5), "request", "is marked already; set"),
-    (lambda model: model.set("Sensors/Speed:1"), "request", "nothing to set"),
-    (lambda model: model.set("Sensors/Speed:1", decimation=0), "request", "give a whole number from 1 to 2147483647"),
-    (lambda model: model.mark("Plant:1", decimation=2**31), "request", "from 1 to 2147483647"),
-    (lambda model: model.mark("Plant:1", max_points=2**70), "request", "max_points= is 1180591620717411303424"),
-    (lambda model: model.observe("Sensors/Speed:1", type="x", update_rate=-1), "request", "from 0 to 4294967295"),
-    (lambda model: model.record("run.csv"), "request", "unit= names the .fmu"),
-    (lambda model: model.query("Plant:1", activity="Self"), "request", "only charts have activities and SSIDs"),
-    (lambda model: model.query(below="Plant", kinds="prot"), "request", "there are: port, chart, state, datum"),
-    (lambda model: model.signals["x"], "noMatch", "model.signals lists"),
-])
-def test_what_cannot_be_is_an_error_that_says_what_to_do(model, work, code, words):
-    before = model.text()
-    with pytest.raises(ks_hmi.Error) as caught:
-        work(model)
-    assert words in str(caught.value) and caught.value.code == code and model.text() == before
-
-
-@pytest.mark.parametrize("work, words", [
-    (lambda model: model.mark("Plant:1", decimation="10"), "decimation= is '10'; give a whole number"),
-    (lambda model: model.mark("Plant:1", decimation=True), "decimation= is True; give a whole number"),
-    (lambda model: model.mark("Plant:1", hidden="no"), "hidden= is 'no'; give True or False"),
-    (lambda model: model.set("Plant:1", name=3), "name= is 3; give a text"),
-    (lambda model: model.record("run.csv", until="soon"), "until= is 'soon'; give what its type asks for"),
-    (lambda model: model.mark(3), "3 is not a text, block, port"),
-    (lambda model: model.mark(model.clients[0]), "is not a text, block, port"),
-    (lambda model: model.query(all=3), "3 is neither a text nor a list of texts"),
-    (lambda model: model.unmark(signals=1.5), "1.5 is not a UUID, position"),
-    (lambda model: model.renumber("Sensors/Speed", ["a"]), "integer"),
-])
-def test_arguments_of_another_kind_are_type_errors(model, work, words):
-    with pytest.raises(TypeError) as caught:
-        work(model)
-    assert words in str(caught.value)
 
 
 def test_errors_of_files_name_the_place(tmp_path):
