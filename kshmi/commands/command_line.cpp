@@ -107,13 +107,27 @@ void refuseStrayWords(const CLI::App& app) {
     for (const CLI::App* const command : app.get_subcommands()) refuseStrayWords(*command);
 }
 
+// What the parser says when an option's value is missing, in plain words; all else as it is.
+std::string inPlainWords(const std::string& mistake) {
+    constexpr std::string_view kMissing = " missing";
+    constexpr std::string_view kRequired = ": 1 required ";
+    const std::size_t end = mistake.find(kRequired);
+    if (end == std::string::npos || !mistake.ends_with(kMissing)) return mistake;
+    const std::string option = mistake.substr(0, end);
+    std::string type = mistake.substr(end + kRequired.size());
+    type.resize(type.size() - kMissing.size());
+    if (const std::size_t range = type.find(':'); range != std::string::npos) type.replace(range, 1, " (").append(")");
+    return fmt::format("{0} needs a value behind it: {0} {1}{2}", option, type,
+                       type == "GLOB" ? fmt::format(", for example {} '*'", option) : "");
+}
+
 [[noreturn]] void refuse(const CLI::App& app, const CLI::ParseError& error) {
     refuseStrayWords(app);
     const CLI::App& command = chosenCommand(app);
     const std::string name = fullNameOf(command);
     const bool isMemberMissing = !commandsOf(command).empty() && command.get_parent() != nullptr;
     if (isMemberMissing) throw Error(fmt::format("say what \"{}\" is to do: {}", name, listOf(command)));
-    const std::string mistake = shortened(error.what(), kLongestMistake);
+    const std::string mistake = shortened(inPlainWords(error.what()), kLongestMistake);
     if (mistake.ends_with('?')) throw Error(mistake);
     throw Error(fmt::format("{}; \"kshmi help{}\" explains it", mistake, name.substr(kProgram.size())));
 }

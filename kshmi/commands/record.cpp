@@ -27,10 +27,6 @@ struct RecordArguments {
     bool isQuiet = false;
 };
 
-constexpr const char* levelText(UnitLogLevel level) noexcept {
-    return level == UnitLogLevel::error ? "error" : level == UnitLogLevel::warning ? "warning" : "information";
-}
-
 // Lets a finite number pass.
 CLI::Validator seconds(const char* wanted, double least) {
     const auto check = [=](const std::string& text) {
@@ -59,7 +55,7 @@ void listen(RecordOptions& options, const Output& output) {
     };
     options.warning = [&output](const std::string& text) { output.err << "kshmi: warning: " << text << '\n'; };
     options.log = [&output](double time, UnitLogLevel level, std::string_view category, std::string_view text) {
-        output.err << fmt::format("{} [{}] {}{}{}\n", timeText(time), levelText(level), printable(category),
+        output.err << fmt::format("{} [{}] {}{}{}\n", timeText(time), nameOf(level), printable(category),
                                   category.empty() ? "" : ": ", printable(text));
     };
     options.progress = [&output](const RunProgress& run) {

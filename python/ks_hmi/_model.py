@@ -212,7 +212,8 @@ class Model(Structure):
 
     @checked
     def save_as(self, path: Path, replace: bool = False) -> None:
-        """The same into another file, which is the model's from then on."""
+        """Writes into another file, as a whole or not at all, which is the model's file from then on. Refused when it
+        is there already, unless told to replace it."""
         _native.saveAs(self._held, os.fspath(path), replace)
 
     def close(self) -> None:
@@ -230,13 +231,14 @@ class Model(Structure):
                step: Optional[float] = None, values: Optional[Mapping[str, object]] = None,
                inputs: Optional[Path] = None, timeout: Optional[float] = None, replace: bool = False,
                progress: Optional[Callable[[float, float, float], None]] = None,
-               log: Optional[Callable[[float, str, str], None]] = None) -> RecordReport:
+               log: Optional[Callable[[float, str, str, str], None]] = None) -> RecordReport:
         """Runs the unit that the model was imported from, in a process of its own, and keeps what is observed.
 
         A unit is a program: run none that you would not start yourself. `values` are start values by variable. `output`
         is a database for .db, .sqlite and .sqlite3, else CSV; `read_run` reads it. `progress` is told the simulated
-        time, where it ends, and the seconds that have passed: five times a second, and when the run is over; `log` the
-        simulated time, category and text of messages.
+        time, where it ends, and the seconds that have passed: five times a second, and when the run is over; `log` of
+        each of the unit's messages the simulated time, the level ("information", "warning", "error"), the category and
+        the text.
         """
         start = None if values is None else [(name, _start_value(value)) for name, value in values.items()]
         options = given(output=os.fspath(output), unit=path_of(unit), until=until, step=step, values=start,

@@ -61,9 +61,9 @@ std::string record(OpenModel& model, const py::dict& given) {
     RecordOptions options = optionsOf(given);
     if (given.contains("log")) {
         options.control.logs = true;
-        options.log = [log = given["log"].cast<py::function>()](double time, UnitLogLevel /*level*/,
+        options.log = [log = given["log"].cast<py::function>()](double time, UnitLogLevel level,
                                                                 std::string_view category, std::string_view text) {
-            log(time, std::string(category), std::string(text));
+            log(time, nameOf(level), std::string(category), std::string(text));
         };
     }
     Interruption interruption;

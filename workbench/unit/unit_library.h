@@ -16,6 +16,10 @@ public:
 };
 
 enum class UnitLogLevel : std::uint8_t { information, warning, error };
+/// "information", "warning", "error"
+constexpr const char* nameOf(UnitLogLevel level) noexcept {
+    return level == UnitLogLevel::error ? "error" : level == UnitLogLevel::warning ? "warning" : "information";
+}
 /// Takes a unit's message. Called by whatever thread the unit has.
 using UnitLog = std::function<void(UnitLogLevel level, std::string_view category, std::string_view text)>;
 
