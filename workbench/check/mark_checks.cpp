@@ -190,8 +190,9 @@ namespace {
 std::string describe(const ParkedMark& mark) {
     const std::size_t clients = hvGetNumberOfElements(mark.clients.get());
     const std::string with = clients > 0 ? " with " + counted(clients, "client") : "";
-    const char* const why = mark.isUnsure ? "{} is parked{}: nobody has said which {} after {} it is on"
-                                          : "{} is parked{}: its {} was lost after {}";
+    const char* const why = mark.isUnsure
+                                ? "{} is parked{}: its {} may have another name after {}, and nobody has said which"
+                                : "{} is parked{}: its {} was lost after {}";
     return fmt::format(fmt::runtime(why), nameOfParked(mark), with, textOf(mark.lost), inQuotes(mark.from));
 }
 

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include "workbench/compare/twice_added.h"
+
 namespace workbench {
 
 std::optional<ModelFile> readUnlessEmpty(const std::string& path) {
@@ -19,9 +21,10 @@ std::pair<ModelFile, ModelFile> readCompared(const std::string& before, const st
 }
 
 MergedModel mergeFiles(const std::string& base, const std::string& ours, const std::string& theirs) {
-    const auto [one, other] = readCompared(ours, theirs);
+    auto [one, other] = readCompared(ours, theirs);
     std::optional<ModelFile> before = readUnlessEmpty(base);
     if (!before) before = newModelFile(one.model.name());
+    tellApart(*before, one, other);
     return mergeModels(*before, one, other);
 }
 

@@ -4,52 +4,20 @@
 
 #include <algorithm>
 #include <map>
+#include <type_traits>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "host/values.h"
+#include "workbench/compare/block_fields.h"
 #include "workbench/compare/merged_records.h"
-#include "workbench/json/json_object.h"
+#include "workbench/compare/twice_added.h"
+#include "workbench/compare/used_sources.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
 
 namespace {
-
-std::string jsonOf(std::u16string_view text) {
-    std::string out;
-    appendJsonText(out, text);
-    return out;
-}
-
-std::string jsonOf(const std::vector<std::u16string>& names) {
-    std::string out;
-    appendJsonTexts(out, names);
-    return out;
-}
-
-std::string jsonOf(const std::optional<kestrel::Chart>& chart) {
-    if (!chart) return "";
-    std::string out;
-    for (const kestrel::ChartState& state : chart->states)
-        out += fmt::format("{} {}, ", jsonOf(state.path), state.ssid);
-    for (const kestrel::ChartData& datum : chart->data) out += fmt::format("{} {}, ", jsonOf(datum.name), datum.ssid);
-    if (!out.empty()) out.resize(out.size() - 2);
-    return fmt::format("{{{}}}", out);
-}
-
-template <class Value>
-bool isSame(const Value& one, const Value& other) {
-    return one == other;
-}
-
-bool isSame(const std::optional<kestrel::Chart>& one, const std::optional<kestrel::Chart>& other) {
-    return (!one && !other) || jsonOf(one) == jsonOf(other);
-}
-
-bool isSame(const kestrel::Block& one, const kestrel::Block& other) {
-    return one.path == other.path && one.outputs == other.outputs && isSame(one.chart, other.chart);
-}
 
 // The blocks of a model by element identifier.
 std::vector<std::uint32_t> eidsOf(const kestrel::Model& model, MergeKeys& keys) {
@@ -95,6 +63,7 @@ private:
                      const kestrel::Block& theirs, Value kestrel::Block::*member);
     bool staysBlock(const std::string& eid);
     kestrel::Block mergedBlock(const std::string& eid);
+    void noteUse();
     void addBlocks(kestrel::Model& model);
     void settlePaths(std::vector<kestrel::Block>& blocks);
     void tellCrowded(const kestrel::Block& block, const kestrel::Block* ours, const std::string& owner);
@@ -111,6 +80,7 @@ private:
     MergedRecords m_signals, m_clients;
     std::map<std::pair<const kestrel::Block*, const kestrel::Block*>, MergedPorts> m_ports;
     std::unordered_set<std::string> m_usedEids;
+    UsedSources m_used;  // by signals that we placed, of blocks that are not the same in theirs
     std::vector<MergeConflict> m_conflicts;
 };
 
@@ -134,6 +104,10 @@ Value ModelMerge::mergeField(const char* field, const kestrel::Block* base, cons
     const std::string baseJson = base ? jsonOf(base->*member) : "";
     if (oursJson == theirsJson || (base && theirsJson == baseJson)) return ours.*member;
     if (base && oursJson == baseJson) return theirs.*member;
+    if constexpr (!std::is_same_v<Value, std::u16string>)
+        if (base)
+            if (auto both = withBothAdditions(base->*member, ours.*member, theirs.*member))
+                return Value(std::move(*both));
     m_conflicts.push_back(
         {"blocks", ours.eid, field, baseJson, oursJson, theirsJson, "both changed it, and differently; ours stays"});
     return ours.*member;
@@ -164,16 +138,38 @@ kestrel::Block ModelMerge::mergedBlock(const std::string& eid) {
     merged.path = mergeField("path", base, *ours, *theirs, &kestrel::Block::path);
     merged.outputs = mergeField("outputs", base, *ours, *theirs, &kestrel::Block::outputs);
     merged.chart = mergeField("chart", base, *ours, *theirs, &kestrel::Block::chart);
+    const auto keepOurs = [&](const char* field, const std::string& oursJson, const std::string& theirsJson) {
+        m_conflicts.push_back({"blocks", eid, field, "", oursJson, theirsJson,
+                               "they took something out that signals are on; ours stays"});
+    };
+    if (!m_used.arePortsIn(*ours, merged.outputs)) {
+        keepOurs("outputs", jsonOf(ours->outputs), jsonOf(theirs->outputs));
+        merged.outputs = ours->outputs;
+    }
+    if (!m_used.areItemsIn(*ours, merged)) {
+        keepOurs("chart", jsonOf(ours->chart), jsonOf(theirs->chart));
+        merged.chart = ours->chart;
+    }
     return merged;
 }
 
-void ModelMerge::addBlocks(kestrel::Model& model) {
+void ModelMerge::noteUse() {
     const kestrel::Block* last = nullptr;
+    bool isSameInTheirs = false;
     for (const MergedRecord& signal : m_signals.records) {
         const kestrel::Block* const block = m_ourBlocks.of(signal.place());
-        if (block && block != last) m_usedEids.insert(block->eid);
+        if (block && block != last) {
+            m_usedEids.insert(block->eid);
+            const kestrel::Block* const theirs = m_theirs.model.findByEid(block->eid);
+            isSameInTheirs = !theirs || isSame(*block, *theirs);
+        }
+        if (block && !isSameInTheirs && !signal.isPlacedByThem) m_used.note(*block, signal.place());
         last = block;
     }
+}
+
+void ModelMerge::addBlocks(kestrel::Model& model) {
+    noteUse();
     std::vector<kestrel::Block> blocks;
     MergeKeys keys;
     const auto base = eidsOf(m_base.model, keys), ours = eidsOf(m_ours.model, keys);
@@ -227,15 +223,20 @@ bool ModelMerge::followName(SavedBlocks& blocks, MergedRecord& signal) {
     const std::u16string_view eid = recordView(place.records, place.position, "EID_");
     const kestrel::Block* const block = blocks.of(eid, path);
     const bool isOurs = signal.ours.records != nullptr;
-    const auto conflict = [&](const char* text) {
-        const std::string port = canonicalField(place.records, place.position, "OutputPortIndex_");
-        m_conflicts.push_back({"signals", m_signals.keys.text(signal.key), "OutputPortIndex_", "", isOurs ? port : "",
-                               isOurs ? "" : port, text});
+    const auto conflict = [&](const char* text, const char* field = "OutputPortIndex_") {
+        const std::string value = canonicalField(place.records, place.position, field);
+        m_conflicts.push_back(
+            {"signals", m_signals.keys.text(signal.key), field, "", isOurs ? value : "", isOurs ? "" : value,
+             fmt::format("{}: the mark on {} {}", text, inQuotes(path), isOurs ? "stays as it is" : "is left out")});
         return isOurs;
     };
-    if (!block) return isOurs && !m_ourBlocks.of(eid, path) ? true : conflict("its block was removed");
-    if (!recordView(place.records, place.position, "DomainType_").empty()) return true;
+    if (!block) return isOurs && !m_ourBlocks.of(eid, path) ? true : conflict("its block is not in the merged model");
     const kestrel::Block* const meant = (signal.isPlacedByThem ? m_theirBlocks : m_ourBlocks).of(eid, path);
+    if (!recordView(place.records, place.position, "DomainType_").empty()) {
+        const bool isThere =
+            !meant || hasItemOf(*block, *meant, domainParameter(place.records, place.position, "SSID"));
+        return isThere ? true : conflict("its chart item is not in the merged block", "DomainParams_");
+    }
     const auto number = static_cast<std::size_t>(
         ks_host::numberAt(hvGetField(place.records, place.position, "OutputPortIndex_")).value_or(0.0));
     if (!meant || number < 1 || number > meant->outputs.size()) return true;

@@ -3,44 +3,29 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <charconv>
-#include <cstdint>
 #include <utility>
 
 #include "signals/signal_specification.h"
 #include "workbench/session/records.h"
 #include "workbench/structure/ports.h"
 #include "workbench/text/error.h"
+#include "workbench/text/fresh_numbers.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
 
 namespace {
 
-// The identifier as a number, 0 when it is none.
-std::uint64_t numberOf(std::string_view eid) {
-    std::uint64_t number = 0;
-    const char* const end = eid.data() + eid.size();
-    const auto [stop, code] = std::from_chars(eid.data(), end, number);
-    return code == std::errc() && stop == end ? number : 0;
-}
-
 // Beyond all that are in the file: records of blocks that are gone must not find this one.
 std::string freshEid(const Session& session) {
-    std::vector<std::uint64_t> numbers{0};
-    const auto note = [&](std::string_view eid) { numbers.push_back(numberOf(eid)); };
-    for (const kestrel::Block& block : session.model().blocks()) note(block.eid);
-    for (const auto& signal : recordsOf(session.signals())) note(signal.m_eid);
+    FreshNumbers numbers;
+    for (const kestrel::Block& block : session.model().blocks()) numbers.note(block.eid);
+    for (const auto& signal : recordsOf(session.signals())) numbers.note(signal.m_eid);
     for (const auto& client : recordsOf(session.clients()))
-        for (const auto& eid : client.m_modelPathEID) note(eid);
+        for (const auto& eid : client.m_modelPathEID) numbers.note(eid);
     if (session.origin())
-        for (const GoneBlock& block : session.origin()->gone) note(block.eid);
-    std::ranges::sort(numbers);
-    std::uint64_t fresh = numbers.back();
-    // Behind the largest number of all there is none.
-    if (fresh != std::numeric_limits<std::uint64_t>::max()) return std::to_string(fresh + 1);
-    while (std::ranges::binary_search(numbers, fresh)) --fresh;
-    return std::to_string(fresh);
+        for (const GoneBlock& block : session.origin()->gone) numbers.note(block.eid);
+    return std::to_string(numbers.next());
 }
 
 }  // namespace

@@ -186,7 +186,8 @@ TEST(Merge, leavesOursWhereBothChangedTheSame) {
         {marked(kMarks, {kBlocks[0], kBlocks[1], {"N", "8", {}}}),
          marked(kMarks, {kBlocks[0], kBlocks[1], {"N", "9", {}}}), "blocks", "path", R"("eid": "8")"},
         {marked({kMarks[0], kMarks[1], kMarks[2], {"o", "A", "1", 1}}),
-         marked({kMarks[0], kMarks[2]}, {{"A", "1", {"b"}}, kBlocks[1]}), "signals", "OutputPortIndex_", ""},
+         marked({kMarks[0], kMarks[2]}, {{"A", "1", {"b"}}, kBlocks[1]}), "blocks", "outputs",
+         R"("outputs": ["a", "b"])"},
     };
     for (const Conflicting& one : cases) {
         const MergedModel merged = mergeModels(file(base), file(one.ours), file(one.theirs));
