@@ -42,7 +42,11 @@ try:
 except ks_hmi.Error as error:
     print(error)
 
-# %% Nothing is wrong with the file
-print(ks_hmi.check(folder / "marked.json"))
+# %% What may go wrong with the file: the example has a client whose signal is gone
+checked = ks_hmi.check(folder / "marked.json")
+print(checked)
+for finding in checked.findings:
+    print(finding.text)
+    print(" ", finding.call)
 model.close()
 shutil.rmtree(folder)

@@ -23,6 +23,8 @@ from ._reports import (CarryReport, ChangeReport, CheckReport, DiffReport, Impor
 from ._runs import Column, Run
 from ._values import Object, StructArray
 
+__version__ = _native.version
+
 __all__ = [
     "Block", "CarryReport", "ChangeReport", "CheckReport", "Client", "Column", "DiffReport", "Entries", "Entry",
     "Error", "Finding", "HostError", "HostWarning", "ImportReport", "Listing", "MergeReport", "Model",

@@ -10,7 +10,7 @@ from operator import index
 from typing import Any, Callable, Dict, List, Mapping, NoReturn, Tuple, TypeVar, cast
 
 from ._errors import Error
-from ._selection import is_whole
+from ._selection import is_whole, utf8
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
@@ -28,7 +28,7 @@ def _refuse(name: str, value: object, wanted: str, example: str = "") -> NoRetur
 
 
 def _text(name: str, value: Any) -> str:
-    return str(value) if isinstance(value, str) else _refuse(name, value, "a text", '"speed"')
+    return utf8(name, value) if isinstance(value, str) else _refuse(name, value, "a text", '"speed"')
 
 
 def _truth(name: str, value: Any) -> bool:
@@ -53,6 +53,8 @@ def _number(name: str, value: Any) -> float:
 
 def _path(name: str, value: Any) -> Any:
     is_path = isinstance(value, (str, os.PathLike))
+    if is_path and isinstance(os.fspath(value), str):
+        utf8(name, os.fspath(value))
     return value if is_path else _refuse(name, value, "a path", '"cruise.json"')
 
 
@@ -67,6 +69,8 @@ def _wholes(name: str, value: Any) -> List[int]:
 
 def _port(name: str, value: Any) -> Any:
     is_port = isinstance(value, str) or is_whole(value)
+    if isinstance(value, str):
+        utf8(name, value)
     return value if is_port else _refuse(name, value, "a port's number or name", '"speed"')
 
 

@@ -7,7 +7,7 @@ from typing import Any, Callable, Generic, Iterator, Sequence, SupportsIndex, Ty
 
 from ._data import Block, Entries, T, counted, load, table
 from ._errors import Error, NotFound
-from ._selection import is_whole
+from ._selection import is_whole, utf8
 
 
 class Listing(Sequence[T], Generic[T]):
@@ -50,7 +50,7 @@ class Listing(Sequence[T], Generic[T]):
 
     def _found(self, text: str) -> Union[int, T]:
         try:
-            return self._find(text)
+            return self._find(utf8(f"{self._what}s", text))
         except Error as error:
             if error.code != "noMatch":
                 raise

@@ -2,6 +2,8 @@
 
 from typing import Any, Callable, Dict, List, Optional, Tuple, Union
 
+version: str
+
 class Model:
     @property
     def isOpen(self) -> bool: ...

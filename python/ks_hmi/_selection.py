@@ -20,27 +20,38 @@ def is_whole(given: Any) -> bool:
     return hasattr(given, "__index__") and not isinstance(given, bool) and not getattr(given, "ndim", 0)
 
 
+def utf8(name: str, text: str) -> str:
+    """A text of whole characters."""
+    if not text.isascii():
+        try:
+            text.encode()
+        except UnicodeEncodeError:
+            raise Error(f"{name}= has {text!r}, in which half of a surrogate pair stands alone; give whole "
+                        "characters") from None
+    return text
+
+
 def path_of(given: Optional[Path]) -> Optional[str]:
     return None if given is None else os.fspath(given)
 
 
 def texts(given: Texts, name: str) -> List[str]:
     if isinstance(given, str):
-        return [given]
+        return [utf8(name, given)]
     if not isinstance(given, Iterable):
         raise TypeError(f"{name}= is {given!r}; give a text or a list of texts, as in {name}=[\"a\", \"b\"]")
     given = list(given)
     for one in given:
         if not isinstance(one, str):
             raise TypeError(f"{name}= has {one!r}; give texts, as in {name}=[\"a\", \"b\"]")
-    return given
+    return [utf8(name, one) for one in given]
 
 
 def references_of(given: Iterable[Union[Referable, Iterable[Referable]]]) -> List[str]:
     references: List[str] = []
     for one in given:
         if isinstance(one, str):
-            references.append(one)
+            references.append(utf8("references", one))
         elif isinstance(getattr(type(one), "reference", None), property):
             references.append(one.reference)  # type: ignore[attr-defined]
         elif isinstance(one, Iterable) and not isinstance(one, Entry):
@@ -61,7 +72,7 @@ def reference_of(given: Referable) -> str:
 def calls_of(given: Calls, name: str) -> List[str]:
     """UUIDs and positions, also of signals and clients of this module."""
     if isinstance(given, str):
-        return [given]
+        return [utf8(name, given)]
     if is_whole(given):
         return [str(index(given))]  # type: ignore[arg-type]
     if isinstance(given, (Signal, Client)):

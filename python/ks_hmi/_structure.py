@@ -18,7 +18,8 @@ class Structure:
 
     @checked
     def rename(self, name: str) -> ChangeReport:
-        """Gives the model another name; the file keeps its own."""
+        """Gives the model another name, also one that a block has; `rename_block` renames blocks. The file's name stays
+        as it is."""
         return ChangeReport(_native.rename(self._held, name))
 
     @checked

@@ -91,6 +91,7 @@ std::string unmark(OpenModel& model, const py::dict& selection, const std::vecto
     removeSignals(session, std::move(positions));
     const SignalUuids uuids(session);
     for (const std::size_t position : watch.lost()) appendClientThing(text.changed(), session, position, uuids);
+    warnOfLost(session, watch);
     return text.take("unmark", session);
 }
 

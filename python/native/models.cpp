@@ -9,6 +9,7 @@
 #include "signals/signal_specification.h"
 #include "workbench/change/renaming.h"
 #include "workbench/find/asking.h"
+#include "workbench/find/client_names.h"
 #include "workbench/find/reference.h"
 #include "workbench/find/selecting_clients.h"
 #include "workbench/find/signal_index.h"
@@ -55,11 +56,35 @@ void tellSaved(const Session& session, const Session::SaveResult& saved) {
     if (saved.leftOut > 0) warn(counted(saved.leftOut, "signal") + " excluded from saving, and not in the file");
 }
 
-void save(OpenModel& model) { tellSaved(model.session(), model.session().save()); }
+// What was let in although it dangles cannot be saved, and trying again does not help.
+[[noreturn]] void explain(const Session& session, const Error& error) {
+    for (const SignalFault& fault : faultsOf(session.signals(), session.model()))
+        if (fault.isDangling)
+            throw Error(error.place(),
+                        fmt::format("not saved, the file is as it was: signal {} is on {}, which the model no longer "
+                                    "has; unmark(dangling=True) removes such signals",
+                                    fault.position + 1, nameOfSignal(session, fault.position)),
+                        ErrorCode::model);
+    throw error;
+}
+
+template <class Save>
+void saving(OpenModel& model, Save save) {
+    try {
+        tellSaved(model.session(), save(model.session()));
+    } catch (const Error& error) {
+        if (error.code() == ErrorCode::host) explain(model.session(), error);
+        throw;
+    }
+}
+
+void save(OpenModel& model) {
+    saving(model, [](Session& session) { return session.save(); });
+}
 
 void saveAs(OpenModel& model, const std::string& path, bool replaces) {
     using enum Session::Existing;
-    tellSaved(model.session(), model.session().saveAs(path, replaces ? replace : refuse));
+    saving(model, [&](Session& session) { return session.saveAs(path, replaces ? replace : refuse); });
 }
 
 void appendPlace(std::string& out, const Session& session, const SignalSource& source) {

@@ -3,6 +3,7 @@
 
 PYBIND11_MODULE(_native, module) {
     using namespace ks_hmi_python;
+    module.attr("version") = KS_HMI_VERSION;
     translateErrors(module);
     bindHostTurn(module);
     bindModels(module);

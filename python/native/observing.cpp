@@ -8,6 +8,7 @@
 #include "python/native/open_model.h"
 #include "python/native/watched_change.h"
 #include "workbench/change/observing.h"
+#include "workbench/find/client_names.h"
 #include "workbench/find/selecting_clients.h"
 #include "workbench/text/text.h"
 #include "workbench/values/host_value_builder.h"
@@ -101,6 +102,15 @@ std::string setClients(OpenModel& model, const py::dict& selection, const py::di
 }
 
 }  // namespace
+
+void warnOfLost(const Session& session, const DanglingWatch& watch) {
+    const Positions lost = watch.lost();
+    if (lost.empty()) return;
+    constexpr std::size_t kMostNamed = 5;
+    const auto nameOf = [&](std::size_t position) { return nameOfClient(session, position); };
+    warn(fmt::format("left without a signal: {}; unobserve(states=\"dangling\") removes {}",
+                     listed(lost, kMostNamed, nameOf), lost.size() == 1 ? "it" : "them"));
+}
 
 void bindObserving(py::module_& module) {
     define(module, "observe", observe);

@@ -5,6 +5,7 @@
 
 #include "python/native/host_turn.h"
 #include "workbench/find/selecting.h"
+#include "workbench/find/watching.h"
 #include "workbench/session/session.h"
 #include "workbench/text/text.h"
 
@@ -30,6 +31,9 @@ private:
 
 /// A block with its outputs and what its chart has, as JSON.
 std::string blockText(const workbench::Session& session, const kestrel::Block& block);
+
+/// Warns of clients that have lost their signals since the watch was made.
+void warnOfLost(const workbench::Session& session, const workbench::DanglingWatch& watch);
 
 /// "a, b, c", for messages.
 template <class Words>

@@ -34,10 +34,12 @@ std::string addBlock(OpenModel& model, const std::string& path, const std::strin
 
 std::string removeBlock(OpenModel& model, const std::string& path, bool isBelow, bool isUnmarked) {
     Session& session = model.session();
+    const DanglingWatch watch(session);
     WatchedChange change(session);
     const std::u16string meant = resolveParent(session.model(), path);
     for (const std::u16string& block : removeBlocks(session, meant, belowOf(isBelow), marksOf(isUnmarked)).blocks)
         change.block(&Lists::removed, block);
+    warnOfLost(session, watch);
     return change.take("block remove");
 }
 
@@ -70,8 +72,10 @@ std::string rename(OpenModel& model, const std::string& given) {
 std::string renumber(OpenModel& model, const std::string& path, const std::vector<int>& numbers) {
     Session& session = model.session();
     const kestrel::Block& block = resolveBlock(session.model(), path);
+    const DanglingWatch watch(session);
     WatchedChange change(session, block);
     change.ports(block, renumberPorts(session, block, numbers));
+    warnOfLost(session, watch);
     return change.take("renumber");
 }
 
@@ -89,8 +93,10 @@ std::string removePort(OpenModel& model, const std::string& path, const std::str
     Session& session = model.session();
     const kestrel::Block& block = resolveBlock(session.model(), path);
     const int port = portCalled(session.model(), block, call);
+    const DanglingWatch watch(session);
     WatchedChange change(session, block);
     change.ports(block, workbench::removePort(session, block, port, marksOf(isUnmarked)));
+    warnOfLost(session, watch);
     return change.take("port remove");
 }
 
@@ -129,10 +135,12 @@ std::string removeItem(OpenModel& model, const std::string& call, std::optional<
                        bool isUnmarked) {
     Session& session = model.session();
     const SignalSource source = itemCalled(session.model(), call, {{}, ssid});
+    const DanglingWatch watch(session);
     WatchedChange change(session, *source.block);
     const RemovedItems removed =
         workbench::removeItem(session, *source.block, *source.item, belowOf(isBelow), marksOf(isUnmarked));
     for (const std::u16string& item : removed.items) change.item(&Lists::removed, *source.block, item);
+    warnOfLost(session, watch);
     return change.take("chart remove");
 }
 

@@ -68,6 +68,17 @@ def test_arguments_of_another_kind_are_type_errors(model, work, words):
     assert words in str(caught.value) and "_native" not in str(caught.value)
 
 
+@pytest.mark.parametrize("work", [
+    lambda model: model.set("Plant", name="\ud83d"), lambda model: model.add_block("\ud800"),
+    lambda model: model.mark("a\udc00"), lambda model: model.query(all="\ud800"), lambda model: model.signals["\ud800"],
+    lambda model: model.add_block("A", outputs=["\ud800"]), lambda model: model.remove_port("Plant", "\ud800"),
+    lambda model: model.unmark(signals="\ud800"), lambda model: ks_hmi.open("\ud800"), lambda model: model["\ud800"],
+])
+def test_half_a_character_is_refused(model, work):
+    with pytest.raises(ks_hmi.Error, match="half of a surrogate pair"):
+        work(model)
+
+
 def test_numpy_has_numbers_truths_and_arrays_that_do(model):
     added = model.mark("Sensors/Pedal:1", decimation=np.int32(5), hidden=np.bool_(True)).added[0]
     assert (added.decimation, added.hidden) == (5, True)

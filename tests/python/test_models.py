@@ -64,7 +64,9 @@ def test_clients_watch_signals(model):
     added = model.observe("Plant", type="ks_scope_observer", params={"max": 180.5}, update_rate=3).added
     assert [(one.type, one.updateRate, one.params) for one in added] == [("ks_scope_observer", 3, {"max": 180.5})] * 2
     assert model.set_clients(clients=[added[0].uuid], channel=2).changed[0].channel == 2
-    lost = model.unmark("Plant:1").changed
+    with pytest.warns(ks_hmi.ModelWarning, match=r"left without a signal: client 5 .*; unobserve\(states=") as warned:
+        lost = model.unmark("Plant:1").changed
+    assert warned[0].filename == __file__
     assert [one.state for one in lost] == ["dangling"] and model.clients[lost[0].uuid].state == "dangling"
     assert model.unobserve(states="dangling", types="ks_scope_observer").removed[0].uuid == added[0].uuid
     with pytest.raises(ks_hmi.Error, match="is not marked; mark it first"):
@@ -186,8 +188,10 @@ def test_what_is_gone_moved_or_not_saved_is_told(cruise, tmp_path):
     with pytest.warns(ks_hmi.ModelWarning, match="1 mark does not stand"):
         model = ks_hmi.open(tmp_path / "gone.json", dangling=True)
     with model:
-        assert [one.position for one in model.unmark(dangling=True).removed] == [2]
         assert len(model.set(signals=1, confirm=True).changed) == 1
+        with pytest.raises(ks_hmi.Error, match=r"signal 2 is on .*Gone.*; unmark\(dangling=True\) removes"):
+            model.save()
+        assert [one.position for one in model.unmark(dangling=True).removed] == [2]
         assert [one.position for one in model.mark("Sensors/Pedal", excluded_from_save=True).added] == [6, 7]
         with pytest.warns(ks_hmi.ModelWarning, match="2 signals excluded from saving"):
             model.save()

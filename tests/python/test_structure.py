@@ -43,7 +43,8 @@ def test_marks_follow_their_ports(plant):
     assert plant.rename_port("Plant/Engine", 3, "rpm") and not plant.rename_port("Plant/Engine", "rpm", "rpm")
     with pytest.raises(ks_hmi.Error, match="unmark=True"):
         plant.remove_port("Plant/Engine", "rpm")
-    gone = plant.remove_port("Plant/Engine", "rpm", unmark=True)
+    with pytest.warns(ks_hmi.ModelWarning, match="left without a signal"):
+        gone = plant.remove_port("Plant/Engine", "rpm", unmark=True)
     assert things(gone.removed) == [("port", "rpm"), ("signal", "rpm")] and gone.changed[0].state == "dangling"
     swapped = plant.renumber("Plant/Engine", [2, 1])
     assert swapped.command == "renumber" and plant.signals[0].port == 1 and plant.signals[0].portName == "torque"
