@@ -45,6 +45,9 @@ struct MarkPlace {
 /// Keeps texts: each stays where it is, also when this is moved.
 class CarriedTexts {
 public:
+    CarriedTexts() = default;
+    CarriedTexts(CarriedTexts&&) noexcept = default;
+    CarriedTexts& operator=(CarriedTexts&&) noexcept = default;
     std::u16string_view keep(std::u16string_view text);
     /// `like` is one whose texts are kept already; what is the same in both is not kept again.
     MarkPlace keep(MarkPlace place, const MarkPlace& like);
