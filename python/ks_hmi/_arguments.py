@@ -10,7 +10,7 @@ from operator import index
 from typing import Any, Callable, Dict, List, Mapping, NoReturn, Tuple, TypeVar, cast
 
 from ._errors import Error
-from ._selection import is_whole, utf8
+from ._selection import is_reference, is_whole, utf8
 
 Function = TypeVar("Function", bound=Callable[..., Any])
 
@@ -74,6 +74,17 @@ def _port(name: str, value: Any) -> Any:
     return value if is_port else _refuse(name, value, "a port's number or name", '"speed"')
 
 
+def _one_thing(name: str, value: Any) -> Any:
+    is_one = isinstance(value, str) or is_reference(value) or (isinstance(value, (list, tuple)) and len(value) == 1)
+    return value if is_one else _refuse(name, value, "a text, block, port or chart item", '"Plant/Engine"')
+
+
+def _message_arguments(name: str, value: Any) -> Tuple[Any, ...]:
+    if isinstance(value, (str, bytes)) or not hasattr(value, "__iter__"):
+        _refuse(name, value, "texts and whole numbers", '(90, "C")')
+    return tuple(utf8(name, one) if isinstance(one, str) else one for one in value)
+
+
 def _named(name: str, value: Any) -> Mapping[str, Any]:
     is_named = isinstance(value, Mapping) and all(isinstance(one, str) for one in value)
     return cast(Mapping[str, Any], value) if is_named else _refuse(name, value, "a dictionary with names")
@@ -85,7 +96,8 @@ def _call(name: str, value: Any) -> Any:
 
 _CHECKS: Dict[str, Callable[[str, Any], Any]] = {
     "str": _text, "bool": _truth, "int": _whole, "float": _number, "Path": _path, "Iterable[int]": _wholes,
-    "Union[int, str]": _port, "Mapping": _named, "Callable": _call}
+    "Union[int, str]": _port, "Referable": _one_thing, "Sequence": _message_arguments, "Mapping": _named,
+    "Callable": _call}
 
 
 def _check_of(annotation: str) -> Tuple[Any, bool]:

@@ -35,6 +35,11 @@ def path_of(given: Optional[Path]) -> Optional[str]:
     return None if given is None else os.fspath(given)
 
 
+def is_reference(given: object) -> bool:
+    """Blocks, ports, chart items and signals know how they are called."""
+    return isinstance(getattr(type(given), "reference", None), property)
+
+
 def texts(given: Texts, name: str) -> List[str]:
     if isinstance(given, str):
         return [utf8(name, given)]
@@ -52,9 +57,9 @@ def references_of(given: Iterable[Union[Referable, Iterable[Referable]]]) -> Lis
     for one in given:
         if isinstance(one, str):
             references.append(utf8("references", one))
-        elif isinstance(getattr(type(one), "reference", None), property):
+        elif is_reference(one):
             references.append(one.reference)  # type: ignore[attr-defined]
-        elif isinstance(one, Iterable) and not isinstance(one, Entry):
+        elif isinstance(one, Iterable) and not isinstance(one, (Entry, bytes)):
             references += references_of(one)
         else:
             raise TypeError(f"{one!r} is not a text, block, port, chart item or signal, nor a list of these; a "

@@ -19,6 +19,7 @@ from . import _native
 from ._arguments import checked
 from ._data import Entry, load
 from ._errors import Error, HostError, HostWarning
+from ._selection import utf8
 from ._values import Method, Object, StructArray, described
 
 __all__ = ["Class", "Function", "HostError", "HostWarning", "Method", "Namespace", "Object", "StructArray", "call",
@@ -57,7 +58,9 @@ def describe(name: Union[str, Object]) -> Entry:
     sentence for each."""
     if isinstance(name, Object):
         name = name._held.className
-    if not isinstance(name, str):
+    if isinstance(name, str):
+        utf8("name", name)
+    else:
         raise TypeError(f"name= is {name!r}; give the name of a class or function, or an object")
     for description in (_native.describeClass(name), _native.describeFunction(name)):
         if description != "null":

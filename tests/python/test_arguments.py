@@ -50,7 +50,11 @@ def test_what_cannot_be_is_an_error_that_says_what_to_do(model, work, code, word
     (lambda model: model.unmark(signals=[True]), "signals= has True, which is not"),
     (lambda model: model.renumber("Sensors/Speed", ["a"]), "is ['a']; give whole numbers, as in numbers=[2, 1]"),
     (lambda model: model.remove_port("Sensors/Speed", None), "port= is None; give a port's number or name"),
-    (lambda model: model.remove_block(["Plant", "Control"]), "is not one thing but 2"),
+    (lambda model: model.remove_block(["Plant", "Control"]), "is ['Plant', 'Control']; give a text, block, port"),
+    (lambda model: model.move([["Plant", "Control"]], "New"), "is not one thing but 2"),
+    (lambda model: model.add_port(None, "new"), 'block= is None; give a text, block, port or chart item, as in block="'),
+    (lambda model: model.mark(b"Plant"), "b'Plant' is not a text"),
+    (lambda model: host.warn("warm", arguments=90), "is 90; give texts and whole numbers, as in arguments=(90,"),
     (lambda model: model.rename(3), "name= is 3; give a text"),
     (lambda model: model.observe("Plant", type="x", params={"a": {1}}), "params= has {1}; give texts, numbers"),
     (lambda model: model.observe("Plant"), "'type'"),
@@ -72,7 +76,8 @@ def test_arguments_of_another_kind_are_type_errors(model, work, words):
     lambda model: model.set("Plant", name="\ud83d"), lambda model: model.add_block("\ud800"),
     lambda model: model.mark("a\udc00"), lambda model: model.query(all="\ud800"), lambda model: model.signals["\ud800"],
     lambda model: model.add_block("A", outputs=["\ud800"]), lambda model: model.remove_port("Plant", "\ud800"),
-    lambda model: model.unmark(signals="\ud800"), lambda model: ks_hmi.open("\ud800"), lambda model: model["\ud800"],
+    lambda model: model.unmark(signals="\ud800"), lambda model: ks_hmi.open("\ud800"),
+    lambda model: host.describe("\ud800"), lambda model: model["\ud800"],
 ])
 def test_half_a_character_is_refused(model, work):
     with pytest.raises(ks_hmi.Error, match="half of a surrogate pair"):
