@@ -63,7 +63,9 @@ public:
         const pugi::xml_node variables = XmlFile::child(root, "ModelVariables");
         if (!variables)
             m_file.fail(root, "has no list of variables (ModelVariables)", "have it written again by its exporter");
-        m_result.variables.reserve(static_cast<std::size_t>(std::distance(variables.begin(), variables.end())));
+        const auto count = static_cast<std::size_t>(std::distance(variables.begin(), variables.end()));
+        m_result.variables.reserve(count);
+        m_names.reserve(count);
         for (const pugi::xml_node node : variables)
             if (node.type() == pugi::node_element) readVariable(node);
         for (const auto& [section, label] : kSections)

@@ -53,6 +53,7 @@ public:
     Planner(Session& session, EnginePorts& ports, const FmiDescription& description,
             const std::vector<GivenSize>& sizes)
         : m_session(session), m_ports(ports), m_description(description), m_sizes(sizes) {
+        m_variables.reserve(description.variables.size());
         for (const FmiVariable& variable : description.variables) m_variables.emplace(variable.name, &variable);
     }
 
