@@ -13,6 +13,8 @@ function(ks_hmi_configure_target target)
   if(KS_HMI_WARNINGS_AS_ERRORS AND NOT KS_HMI_SANITIZE)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
+  set_target_properties(${target} PROPERTIES
+    UNITY_BUILD_CODE_BEFORE_INCLUDE "// NOLINTNEXTLINE(bugprone-suspicious-include)")
   if(KS_HMI_SANITIZE)
     target_compile_options(${target} PRIVATE -fsanitize=${KS_HMI_SANITIZE} -fno-omit-frame-pointer
                                              -fno-sanitize-recover=all)
@@ -22,11 +24,23 @@ function(ks_hmi_configure_target target)
   endif()
 endfunction()
 
-# What most sources of the target take in, parsed once.
-function(ks_hmi_precompile_headers target)
-  if(KS_HMI_PRECOMPILE_HEADERS)
-    target_precompile_headers(${target} ${ARGN})
+# Not worth optimising where every instruction is checked: it is compiled for longer than it runs.
+function(ks_hmi_build_quickly target)
+  if(KS_HMI_SANITIZE)
+    target_compile_options(${target} PRIVATE -O0)
   endif()
+endfunction()
+
+# What takes long to compile and is quick to join: from nothing several sources at a time, if so wanted.
+function(ks_hmi_join_sources target)
+  if(KS_HMI_JOIN_SOURCES)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON)
+  endif()
+endfunction()
+
+# Sources that name things of their own as their neighbours do stay units of their own where several make one.
+function(ks_hmi_keep_apart target)
+  set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
 
 # Functions that return into overwritten memory stop, calls are bound before anything runs and their table is closed

@@ -14,7 +14,7 @@ using namespace ks_hmi_foundation;
 
 namespace {
 
-constexpr const char* kStructFields[] = {
+constexpr const char* kClientFields[] = {
     "UUID",          "ModelPath_",      "ModelPathEID_", "SourceModel_",      "SignalUUID_",
     "ObserverType_", "ObserverParams_", "UpdateRate_",   "DimensionChannel_", "ObserveImaginaryPart_",
     "BusLeafPath_",
@@ -53,9 +53,9 @@ SignalClient::SignalClient(const hvArray* value, std::size_t index, const std::u
     }
 }
 
-std::span<const char* const> SignalClient::getStructFields() { return kStructFields; }
+std::span<const char* const> SignalClient::getStructFields() { return kClientFields; }
 
-int SignalClient::getNumStructFields() { return static_cast<int>(std::size(kStructFields)); }
+int SignalClient::getNumStructFields() { return static_cast<int>(std::size(kClientFields)); }
 
 void readFields(SignalClient& client, FieldSource& source) {
     client.m_uuid = source.narrowText("UUID");

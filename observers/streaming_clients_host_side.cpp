@@ -9,7 +9,7 @@ using namespace ks_hmi_foundation;
 
 namespace {
 
-hos::InternedName className() {
+hos::InternedName clientsClassName() {
     static const hos::InternedName name = hos::internal::makeInterned(StreamingClients::kHostClass);
     return name;
 }
@@ -35,7 +35,7 @@ HvArrayPtr StreamingClients::copy() const {
 bool StreamingClients::isValidType(const hvArray* value) { return isNoneOrOneOf(value, kHostClass); }
 
 StreamingClients* StreamingClients::getFromHvArray(const hvArray* value) {
-    return nativeObject<StreamingClients>(value, className());
+    return nativeObject<StreamingClients>(value, clientsClassName());
 }
 
 void StreamingClients::validateAndRemoveUnused(const hvArray* value) {
@@ -59,7 +59,7 @@ void StreamingClients::handleModelRename(const hvArray* value) {
 void StreamingClients::getAlignedObservers(const hvArray* value, std::vector<ClientPtr>& out) {
     out.clear();
     const hos::ObjectInterface held = heldObject(value);
-    const auto* const clients = static_cast<StreamingClients*>(hos::getNativeInstance(held, className()));
+    const auto* const clients = static_cast<StreamingClients*>(hos::getNativeInstance(held, clientsClassName()));
     if (clients == nullptr) return;
     const auto result = tryCallHost<1>("getAlignedObservers", {value});
     if (!result) return;

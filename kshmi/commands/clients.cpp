@@ -34,7 +34,7 @@ using ks_hmi::SignalClient;
 using ks_hmi::StreamingClients;
 
 // A client with what the library answers for it.
-struct Answer {
+struct ClientAnswer {
     std::size_t position = 0;  // 0-based, in the set
     StreamingClients::ClientPtr client;
     std::vector<std::u16string> path;
@@ -46,14 +46,14 @@ struct Answer {
     std::string notes;
 };
 
-std::vector<Answer> answersOf(Session& session) {
+std::vector<ClientAnswer> answersOf(Session& session) {
     // Ports are known of signals that are bound.
     session.signals().applyRebindingRules(session.signalSet(), true);
     const std::u16string& model = session.model().name();
     const SignalUuids uuids(session);
-    std::vector<Answer> answers;
+    std::vector<ClientAnswer> answers;
     for (const StreamingClients::ClientPtr& client : alignedClients(session)) {
-        Answer answer;
+        ClientAnswer answer;
         answer.position = answers.size();
         answer.client = client;
         client->getAlignedBlockPath(model, answer.path, answer.subPath);
@@ -69,7 +69,7 @@ std::vector<Answer> answersOf(Session& session) {
 }
 
 // The block with port or item, behind the blocks on the way there unless they are that very block.
-std::string whereabouts(const Answer& answer) {
+std::string whereabouts(const ClientAnswer& answer) {
     if (answer.path.empty()) return "signal " + inQuotes(std::string_view(answer.client->m_signalUUID));
     std::string text;
     for (std::size_t i = 0; i + 1 < answer.path.size(); ++i)
@@ -81,7 +81,7 @@ std::string whereabouts(const Answer& answer) {
 }
 
 // What is not as it is when nothing is said, of the client and of its signal.
-std::string settingsText(const Answer& answer) {
+std::string settingsText(const ClientAnswer& answer) {
     std::vector<std::string> settings;
     const auto channel = static_cast<std::uint32_t>(answer.client->m_dimensionChannel);
     if (channel != 1) settings.push_back(fmt::format("channel {}", channel));
@@ -90,12 +90,12 @@ std::string settingsText(const Answer& answer) {
     return listed(settings);
 }
 
-void printText(const Session& session, const std::vector<Answer>& answers, const Output& output) {
+void printText(const Session& session, const std::vector<ClientAnswer>& answers, const Output& output) {
     constexpr auto kRight = TextTable::Align::right;
     output.out << fmt::format("model {}: {}\n", printable(session.model().name()), counted(answers.size(), "client"));
     if (answers.empty()) return;
     TextTable table({{"#", kRight}, {"TYPE"}, {"WATCHES"}, {"RATE", kRight}, {"SETTINGS"}, {"NOTES"}});
-    for (const Answer& answer : answers) {
+    for (const ClientAnswer& answer : answers) {
         const SignalClient& client = *answer.client;
         table.add({std::to_string(answer.position + 1), printable(std::string_view(client.m_observerType)),
                    whereabouts(answer), std::to_string(static_cast<std::uint32_t>(client.m_updateRate)),
@@ -105,11 +105,11 @@ void printText(const Session& session, const std::vector<Answer>& answers, const
     table.print(output.out, output.width);
 }
 
-void addAnswers(const Session& session, const std::vector<Answer>& answers, JsonMembers& json) {
+void addClientAnswers(const Session& session, const std::vector<ClientAnswer>& answers, JsonMembers& json) {
     const SignalUuids uuids(session);
     json.object().text("model", session.model().name());
     listUnsettled(json, session);
-    json.list("clients", answers, [&](const Answer& answer) {
+    json.list("clients", answers, [&](const ClientAnswer& answer) {
         JsonObject object(json.text());
         appendClient(object, *answer.client, answer.position, session, uuids);
         object.name("path");
@@ -123,9 +123,9 @@ void addAnswers(const Session& session, const std::vector<Answer>& answers, Json
 
 // Leaves the clients that are selected.
 void narrow(const Session& session, const ClientsArguments& arguments, const Output& output,
-            std::vector<Answer>& answers) {
+            std::vector<ClientAnswer>& answers) {
     const Positions positions = selectedClients(session, arguments.what, arguments.clients, output);
-    std::erase_if(answers, [&](const Answer& answer) {
+    std::erase_if(answers, [&](const ClientAnswer& answer) {
         return !std::binary_search(positions.begin(), positions.end(), answer.position);
     });
 }
@@ -134,9 +134,9 @@ int listClients(const ClientsArguments& arguments, const std::string& file, Json
     const bool isGiven = arguments.clients.isAnything() || !arguments.clients.types.empty();
     Session session(file);
     noticeNames(session, output.err);
-    std::vector<Answer> answers = answersOf(session);
+    std::vector<ClientAnswer> answers = answersOf(session);
     if (isGiven || isAnythingSelected(arguments.what)) narrow(session, arguments, output, answers);
-    json ? addAnswers(session, answers, *json) : printText(session, answers, output);
+    json ? addClientAnswers(session, answers, *json) : printText(session, answers, output);
     return kSuccess;
 }
 

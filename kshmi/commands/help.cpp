@@ -26,9 +26,9 @@ namespace {
 
 using namespace workbench;
 
-constexpr std::size_t kUsualWidth = 80;
+constexpr std::size_t kUsualPageWidth = 80;
 
-std::size_t widthOf(const Output& output) { return output.width > 0 ? output.width : kUsualWidth; }
+std::size_t widthOf(const Output& output) { return output.width > 0 ? output.width : kUsualPageWidth; }
 
 HelpSection topicList() {
     HelpSection section{"Topics (kshmi help TOPIC)", {}};

@@ -18,9 +18,9 @@ using namespace workbench;
 namespace {
 
 // The files, one after the other.
-class Tour {
+class FileTour {
 public:
-    Tour(std::string_view command, const Output& output, bool isJson, const Look& look)
+    FileTour(std::string_view command, const Output& output, bool isJson, const Look& look)
         : m_output(output), m_isJson(isJson), m_look(look), m_document(command), m_files(listOf(m_document)) {}
 
     int at(const std::string& file) {
@@ -114,7 +114,7 @@ std::vector<std::string> takeFiles(const std::string& first, std::vector<std::st
 int lookAtFiles(std::string_view command, const std::vector<std::string>& files, bool isJson, const Output& output,
                 const Look& look) {
     enterHost(output.err);
-    Tour tour(command, output, isJson, look);
+    FileTour tour(command, output, isJson, look);
     int worst = kSuccess;
     // In JSON a failure is told at its file, also when it is the only one.
     if (files.size() == 1 && !isJson) return tour.at(files.front());

@@ -53,7 +53,7 @@ void appendItems(std::string& out, const BlockNode& node) {
     });
 }
 
-void appendBlock(std::string& out, const kestrel::Model& model, const BlockNode& node) {
+void appendShownBlock(std::string& out, const kestrel::Model& model, const BlockNode& node) {
     JsonObject object(out);
     object.text("block", model.fullPath(*node.block)).text("eid", std::string_view(node.block->eid)).name("outputs");
     appendPorts(out, node);
@@ -77,7 +77,7 @@ void addShown(const ShownModel& shown, JsonMembers& json) {
         appendSignal(object, session, i);
         object.close();
     });
-    json.list("blocks", blocks, [&](const BlockNode* node) { appendBlock(json.text(), session.model(), *node); });
+    json.list("blocks", blocks, [&](const BlockNode* node) { appendShownBlock(json.text(), session.model(), *node); });
     json.list("clients", shown.clients, [&](std::size_t i) {
         JsonObject object(json.text());
         appendClient(object, *session.clients().get(i), i, session, uuids);

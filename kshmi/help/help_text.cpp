@@ -12,12 +12,12 @@ namespace {
 
 constexpr std::size_t kUsualWidth = 80;
 constexpr std::size_t kWidestTerm = 24;
-constexpr std::size_t kIndent = 2;
+constexpr std::size_t kTermIndent = 2;
 
 std::string entryText(const HelpEntry& entry, std::size_t column, std::size_t width) {
-    std::string text = std::string(kIndent, ' ') + entry.term;
+    std::string text = std::string(kTermIndent, ' ') + entry.term;
     const std::size_t end = workbench::columnsOf(text);
-    text += end + kIndent <= column ? std::string(column - end, ' ') : "\n" + std::string(column, ' ');
+    text += end + kTermIndent <= column ? std::string(column - end, ' ') : "\n" + std::string(column, ' ');
     return text + filled(entry.text, width - std::min(width, column), column) + '\n';
 }
 
@@ -34,7 +34,7 @@ std::size_t columnOf(const HelpPage& page) {
     std::size_t widest = 0;
     for (const HelpSection& section : page.sections)
         for (const HelpEntry& entry : section.entries) widest = std::max(widest, workbench::columnsOf(entry.term));
-    return std::min(widest, kWidestTerm) + 2 * kIndent;
+    return std::min(widest, kWidestTerm) + 2 * kTermIndent;
 }
 
 }  // namespace

@@ -10,16 +10,16 @@ using namespace workbench;
 
 namespace {
 
-constexpr std::size_t kGap = 2;
+constexpr std::size_t kColumnGap = 2;
 constexpr std::size_t kWidestCell = 120;
 // A wrapped column is no narrower, if its texts are not.
 constexpr std::size_t kNarrowestCell = 8;
-constexpr std::size_t kMostLines = 4;
+constexpr std::size_t kMostCellLines = 4;
 
 std::size_t lineWidthOf(const std::vector<std::size_t>& widths) {
     std::size_t width = 0;
-    for (const std::size_t column : widths) width += column > 0 ? column + kGap : 0;
-    return width - std::min(width, kGap);
+    for (const std::size_t column : widths) width += column > 0 ? column + kColumnGap : 0;
+    return width - std::min(width, kColumnGap);
 }
 
 }  // namespace
@@ -69,7 +69,7 @@ void TextTable::printRow(std::ostream& out, const std::vector<std::string>& cell
     std::size_t height = 1;
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const bool isWhole = widths[i] == 0 || columnsOf(cells[i]) <= widths[i];
-        columns.push_back(isWhole ? std::vector{cells[i]} : wrapped(cells[i], widths[i], kMostLines));
+        columns.push_back(isWhole ? std::vector{cells[i]} : wrapped(cells[i], widths[i], kMostCellLines));
         height = std::max(height, columns.back().size());
     }
     for (std::size_t row = 0; row < height; ++row) {
@@ -79,7 +79,7 @@ void TextTable::printRow(std::ostream& out, const std::vector<std::string>& cell
             const std::string cell = row < columns[i].size() ? columns[i][row] : "";
             const std::string padding(widths[i] - std::min(widths[i], columnsOf(cell)), ' ');
             line += m_columns[i].align == Align::right ? padding + cell : cell + padding;
-            line.append(kGap, ' ');
+            line.append(kColumnGap, ' ');
         }
         line.erase(line.find_last_not_of(' ') + 1);
         out << line << '\n';

@@ -11,36 +11,37 @@ namespace kestrel {
 
 namespace {
 
-std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+std::string inQuotes(const std::string& text) { return "\"" + text + "\""; }
 
 void checkName(const std::u16string& name) {
     const std::string text = fl::i18n::to_string(name);
     if (name.empty()) throw ModelError("A model needs a name.", text);
     if (name.find_first_of(u"/:") != std::u16string::npos)
-        throw ModelError("The model name " + quoted(text) + " contains '/' or ':', which separate names.", text);
+        throw ModelError("The model name " + inQuotes(text) + " contains '/' or ':', which separate names.", text);
 }
 
 [[noreturn]] void throwNoBlock(const std::u16string& modelName, std::u16string_view path) {
     const std::string text = fl::i18n::to_string(std::u16string(path));
-    throw ModelError("Model " + quoted(fl::i18n::to_string(modelName)) + " has no block " + quoted(text) + ".", text);
+    throw ModelError("Model " + inQuotes(fl::i18n::to_string(modelName)) + " has no block " + inQuotes(text) + ".",
+                     text);
 }
 
 void checkPath(std::u16string_view path) {
     if (isBlockPath(path)) return;
     const std::string text = fl::i18n::to_string(std::u16string(path));
-    throw ModelError(quoted(text) + " is not a block path. A path consists of names separated by '/'.", text);
+    throw ModelError(inQuotes(text) + " is not a block path. A path consists of names separated by '/'.", text);
 }
 
 [[noreturn]] void throwPathTaken(const std::u16string& modelName, const Block& holder) {
     const std::string path = fl::i18n::to_string(holder.path);
-    throw ModelError("Model " + quoted(fl::i18n::to_string(modelName)) + " has a block with the path " + quoted(path) +
-                         " (element identifier " + quoted(holder.eid) + ").",
+    throw ModelError("Model " + inQuotes(fl::i18n::to_string(modelName)) + " has a block with the path " +
+                         inQuotes(path) + " (element identifier " + inQuotes(holder.eid) + ").",
                      path);
 }
 
 [[noreturn]] void throwEidTaken(const std::u16string& modelName, const Block& holder) {
-    throw ModelError("Model " + quoted(fl::i18n::to_string(modelName)) + " has a block with the element identifier " +
-                         quoted(holder.eid) + " (path " + quoted(fl::i18n::to_string(holder.path)) + ").",
+    throw ModelError("Model " + inQuotes(fl::i18n::to_string(modelName)) + " has a block with the element identifier " +
+                         inQuotes(holder.eid) + " (path " + inQuotes(fl::i18n::to_string(holder.path)) + ").",
                      holder.eid);
 }
 
@@ -82,7 +83,7 @@ const Block& Model::add(Block block) {
     checkPath(block.path);
     if (block.eid.empty()) {
         const std::string text = fl::i18n::to_string(block.path);
-        throw ModelError("The block " + quoted(text) + " needs an element identifier.", text);
+        throw ModelError("The block " + inQuotes(text) + " needs an element identifier.", text);
     }
     checkNames(block);
     Block& added = m_blocks.emplace_back(std::move(block));
@@ -121,7 +122,7 @@ std::size_t Model::remove(std::u16string_view path) {
 std::size_t Model::move(std::u16string_view path, std::u16string_view newPath) {
     const std::string text = fl::i18n::to_string(std::u16string(newPath));
     checkPath(newPath);
-    if (isBelow(newPath, path)) throw ModelError("A block cannot move below itself, to " + quoted(text) + ".", text);
+    if (isBelow(newPath, path)) throw ModelError("A block cannot move below itself, to " + inQuotes(text) + ".", text);
 
     std::vector<std::pair<std::size_t, std::u16string>> moving;
     std::unordered_set<const Block*> isMoving;

@@ -16,7 +16,7 @@ struct Place {
 };
 
 // Writes steps from place to place in as few characters as they take.
-class Path {
+class PathWriter {
 public:
     void moveTo(Place place) {
         endPiece();
@@ -70,7 +70,7 @@ int unitsOf(double share, std::size_t units) {
 
 DrawnLine drawn(std::span<const Point> points, const TimeAxis& time, const ValueAxis& values, Grid grid,
                 bool isStepped) {
-    Path path;
+    PathWriter path;
     bool isDrawing = false;
     for (const Point& point : points) {
         const bool isBreak = std::isnan(point.value);

@@ -20,7 +20,7 @@ namespace {
 // In the pixels of the style sheet.
 constexpr std::size_t kHeight = 112;
 constexpr std::size_t kLowHeight = 28;
-constexpr std::size_t kMostLabels = 7;
+constexpr std::size_t kMostPlotLabels = 7;
 // Of a name, in columns.
 constexpr std::size_t kLongestLabel = 18;
 // Of whole numbers.
@@ -106,7 +106,7 @@ std::optional<ValueAxis> namedAxis(const ValueNames& names, const ColumnFigures&
     const double from = figures.least - room;
     const double to = figures.greatest + room;
     const bool areExact = std::abs(from) < kMostExact && std::abs(to) < kMostExact;
-    if (names.empty() || !areExact || to - from >= static_cast<double>(kMostLabels)) return std::nullopt;
+    if (names.empty() || !areExact || to - from >= static_cast<double>(kMostPlotLabels)) return std::nullopt;
     ValueAxis axis{from, to, {}};
     for (double value = from; value <= to; ++value) {
         const std::string* const name = nameOf(names, value);
@@ -157,7 +157,7 @@ void writePlotFrame(Html& html, const PlotFrame& frame) {
     html.add("<svg class=\"defs\" aria-hidden=\"true\"><defs>\n");
     writeTimeAxis(html, frame.time, "t", kHeight);
     writeTimeAxis(html, frame.time, "tl", kLowHeight);
-    for (std::size_t labels = 2; labels <= kMostLabels; ++labels) writeGrid(html, labels);
+    for (std::size_t labels = 2; labels <= kMostPlotLabels; ++labels) writeGrid(html, labels);
     html.add("\n</defs></svg>\n");
 }
 

@@ -20,7 +20,7 @@ std::string bits(std::initializer_list<bool> answers) {
 }
 
 // Name, type, access codes, and the answers to the questions in the order in which the host declares them.
-std::string describe(const hos::COSPropInfo& p) {
+std::string describeMember(const hos::COSPropInfo& p) {
     return *p.getName().text() + ": " + p.getType()->text() + ' ' + std::to_string(p.getGetAccess()) + '/' +
            std::to_string(p.getSetAccess()) + ' ' +
            bits({p.isHidden(), p.isTransient(), p.isDependent(), p.isWarnOnCopyError(), p.isAbortedOnEqualAssignment(),
@@ -28,15 +28,15 @@ std::string describe(const hos::COSPropInfo& p) {
                  p.isCaseInsensitive(), p.isOfferedForCompletion()});
 }
 
-std::string list(std::span<const hos::InternedName> types) {
+std::string listOfTypes(std::span<const hos::InternedName> types) {
     std::string text;
     for (const hos::InternedName type : types) text += (text.empty() ? "" : ", ") + *type.text();
     return '(' + text + ')';
 }
 
-std::string describe(const hos::COSMethodInfo& m) {
+std::string describeMember(const hos::COSMethodInfo& m) {
     const hos::COSMethodSignature& signature = m.getSignature();
-    return *m.getName().text() + list(signature.inputTypes()) + " -> " + list(signature.outputTypes()) +
+    return *m.getName().text() + listOfTypes(signature.inputTypes()) + " -> " + listOfTypes(signature.outputTypes()) +
            (signature.optionalArguments() == 1 ? " optional" : "") + (m.isStatic() ? " static" : "");
 }
 
@@ -51,8 +51,8 @@ protected:
 
         Lines lines() const {
             Lines result;
-            for (const auto& property : native->properties()) result.push_back(describe(*property));
-            for (const auto& method : native->methods()) result.push_back(describe(*method));
+            for (const auto& property : native->properties()) result.push_back(describeMember(*property));
+            for (const auto& method : native->methods()) result.push_back(describeMember(*method));
             return result;
         }
         void assign(const char* name, const hos::PropValue& value) const {

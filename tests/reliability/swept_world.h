@@ -7,10 +7,9 @@
 
 #include "observers/model_observers.h"
 #include "observers/streaming_clients.h"
+#include "tests/support/engine_port.h"
 #include "tests/support/host_test.h"
 #include "tests/support/plain_signal_set.h"
-
-struct ksPort {};
 
 namespace ks_test {
 

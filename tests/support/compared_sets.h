@@ -6,14 +6,10 @@
 #include <optional>
 #include <stdexcept>
 
+#include "tests/support/engine_port.h"
 #include "tests/support/host_test.h"
 #include "tests/support/plain_signal_set.h"
 #include "tests/support/random_operation.h"
-
-/// The engine's ports are opaque to the library; here they need only addresses.
-struct ksPort {
-    int number = 0;
-};
 
 namespace ks_test {
 

@@ -55,21 +55,21 @@ std::string dimensionsOf(const hvArray* value) {
     return text == "1x1" ? "" : " " + text;
 }
 
-template <class Items, class Describe>
-std::string list(const Items& items, Describe describeOne) {
+template <class Values>
+std::string list(const Values& values) {
     std::string text;
-    for (const auto& item : items) text += (text.empty() ? "" : ", ") + describeOne(item);
+    for (const hvArray* const value : values) text += (text.empty() ? "" : ", ") + describe(value);
     return text;
 }
 
 std::string describeCells(const hvArray* value) {
     std::vector<const hvArray*> cells(hvGetNumberOfElements(value));
     for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = hvGetCell(value, i);
-    return "{" + list(cells, &describe) + "}";
+    return "{" + list(cells) + "}";
 }
 
 std::string describeCall(int nIn, const hvArray* const* ins) {
-    return "(" + list(std::span(ins, static_cast<std::size_t>(nIn)), &describe) + ")";
+    return "(" + list(std::span(ins, static_cast<std::size_t>(nIn))) + ")";
 }
 
 std::string word(const hvArray* value) { return describe(value); }

@@ -17,7 +17,7 @@ void setNumber(hvArray* records, std::size_t position, const char* field, int nu
     hvReplaceField(records, position, field, ks_host::makeDouble(number).release());
 }
 
-std::uint32_t ssidOf(std::u16string_view text) {
+std::uint32_t ssidNumber(std::u16string_view text) {
     const std::string digits = toUtf8(text);
     std::uint32_t number = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), number);
@@ -77,7 +77,7 @@ MarkedSource MarkedSources::of(const hvArray* signals, std::size_t position, con
     place.domain = recordView(signals, position, "DomainType_");
     const bool isItem = !place.domain.empty();
     if (isItem) {
-        place.ssid = ssidOf(domainParameter(signals, position, "SSID"));
+        place.ssid = ssidNumber(domainParameter(signals, position, "SSID"));
         place.activity = domainParameter(signals, position, "Activity");
     } else {
         place.port = numberOf(signals, position, "OutputPortIndex_");

@@ -9,7 +9,7 @@ namespace workbench {
 
 namespace {
 
-void appendBlock(std::string& out, const kestrel::Block& block) {
+void appendBlockText(std::string& out, const kestrel::Block& block) {
     out += fmt::format("block {} (identifier {})\n", inQuotes(block.path), inQuotes(block.eid));
     for (std::size_t i = 0; i < block.outputs.size(); ++i)
         out += fmt::format("  port {} {}\n", i + 1, inQuotes(block.outputs[i]));
@@ -36,7 +36,7 @@ void appendMarkedName(std::string& out, const std::u16string* name) {
 
 std::string comparableText(const ModelFile& file) {
     std::string out = fmt::format("model {}\n", inQuotes(file.model.name()));
-    for (const kestrel::Block& block : file.model.blocks()) appendBlock(out, block);
+    for (const kestrel::Block& block : file.model.blocks()) appendBlockText(out, block);
     for (const std::size_t i : ks_host::indicesOf(file.signals.get())) {
         appendRecord(out, RecordKind::signal, file.signals.get(), i);
         appendMarkedName(out, file.extras.markedName(i));

@@ -18,7 +18,7 @@ namespace workbench {
 
 namespace {
 
-constexpr std::size_t kChunkSize = 65536;
+constexpr std::size_t kArchiveChunk = 65536;
 
 std::string textOfError(zip_error_t& error) {
     std::string text = ::zip_error_strerror(&error);
@@ -137,7 +137,7 @@ void Archive::unpack(std::size_t position, Take take) const {
     const std::string& name = m_names[position];
     const std::unique_ptr<zip_file_t, FileCloser> file(::zip_fopen_index(m_zip.get(), position, 0));
     if (!file) failEntry(name, std::string("cannot be unpacked: ") + ::zip_strerror(m_zip.get()));
-    std::array<char, kChunkSize> chunk;
+    std::array<char, kArchiveChunk> chunk;
     std::uint64_t total = 0;
     // The size in the list need not be true.
     while (total <= m_sizes[position]) {

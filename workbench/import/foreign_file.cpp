@@ -18,7 +18,7 @@ namespace workbench {
 
 namespace {
 
-constexpr std::size_t kChunkSize = 65536;
+constexpr std::size_t kFileChunk = 65536;
 constexpr std::size_t kSignatureSize = 4;
 constexpr std::array<std::string_view, 2> kDocuments{"SystemStructure.ssd", "modelDescription.xml"};
 
@@ -34,7 +34,7 @@ std::ifstream openFile(const std::string& path) {
 
 std::string wholeFile(const std::string& path, std::ifstream& file, const ArchiveLimits& limits) {
     std::string bytes;
-    std::array<char, kChunkSize> chunk;
+    std::array<char, kFileChunk> chunk;
     do {
         file.read(chunk.data(), chunk.size());
         bytes.append(chunk.data(), static_cast<std::size_t>(file.gcount()));
@@ -94,7 +94,7 @@ ForeignDocument readForeignBytes(const std::string& name, std::string bytes, con
 std::string hashOfFile(const std::string& path) {
     std::ifstream file = openFile(path);
     boost::uuids::detail::sha1 sha1;
-    std::array<char, kChunkSize> chunk;
+    std::array<char, kFileChunk> chunk;
     do {
         file.read(chunk.data(), chunk.size());
         sha1.process_bytes(chunk.data(), static_cast<std::size_t>(file.gcount()));

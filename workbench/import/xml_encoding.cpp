@@ -19,7 +19,7 @@ namespace workbench {
 
 namespace {
 
-constexpr std::size_t kChunkSize = 65536;
+constexpr std::size_t kTextChunk = 65536;
 constexpr std::string_view kUtf8 = "UTF-8";
 
 // What may be declared, and what the converter calls it.
@@ -52,7 +52,7 @@ public:
     std::string convert(std::string& bytes) {
         std::string result;
         result.reserve(bytes.size());
-        std::array<char, kChunkSize> chunk;
+        std::array<char, kTextChunk> chunk;
         char* in = bytes.data();
         std::size_t left = bytes.size();
         while (left > 0) {

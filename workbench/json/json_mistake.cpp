@@ -14,7 +14,7 @@ namespace json = boost::json;
 
 namespace {
 
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 constexpr const char* kHalfPair = "half of a surrogate pair in \\u escapes";
 
 bool isAscii(char c) noexcept { return static_cast<unsigned char>(c) < 0x80; }
@@ -101,7 +101,7 @@ std::string mistakeBetween(const JsonStop& stop, std::string_view used, std::str
 std::string describeSyntax(const JsonStop& stop) {
     const std::string_view used = stop.piece.substr(0, std::min(stop.used, stop.piece.size()));
     const std::string_view rest = stop.piece.substr(used.size());
-    if (used.empty() && rest.starts_with(kByteOrderMark))
+    if (used.empty() && rest.starts_with(kUtf8Mark))
         return "the file starts with a byte order mark (save it without one)";
     if (rest.starts_with("\xFF\xFE") || rest.starts_with("\xFE\xFF") || rest.starts_with('\0'))
         return "the file is in UTF-16 (save it in UTF-8)";

@@ -17,7 +17,7 @@ using Plain = FieldKind::Plain;
 
 constexpr std::string_view kBegin = "    {\n      ";
 constexpr std::string_view kBetween = ",\n      ";
-constexpr std::string_view kEnd = "\n    },\n";
+constexpr std::string_view kRecordEnd = "\n    },\n";
 
 }  // namespace
 
@@ -33,7 +33,7 @@ bool PlainRecord::scan(std::string_view text) {
         if (!take(m_members[field].key) || !takeValue(field)) return false;
     m_hasMarkedName = take(m_markedNameKey);
     if (m_hasMarkedName && !takeText(m_texts.size() - 1)) return false;
-    if (!take(kEnd)) return false;
+    if (!take(kRecordEnd)) return false;
     m_size = text.size() - m_rest.size();
     return true;
 }

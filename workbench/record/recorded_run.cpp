@@ -21,7 +21,7 @@ TextSource chained(std::string start, TextSource rest) {
     };
 }
 
-TextSource sourceOf(const std::string& path) {
+TextSource textSourceOf(const std::string& path) {
     if (path != kStandardStream) return piecesOfFile(path);
     return chained(readStandardInput(), [](std::string&) { return false; });
 }
@@ -30,7 +30,7 @@ TextSource sourceOf(const std::string& path) {
 
 RecordedRun readRecordedRun(const std::string& path, std::optional<int> number) {
     const std::string called = calledInMessages(path);
-    TextSource source = sourceOf(path);
+    TextSource source = textSourceOf(path);
     std::string start;
     source(start);
     const bool isDatabase = SqliteDatabase::isDatabase(start);

@@ -15,7 +15,7 @@ namespace workbench {
 namespace {
 
 // What the system does for a file it does for each block.
-constexpr std::size_t kBufferSize = std::size_t{1} << 19U;
+constexpr std::size_t kRowsBuffer = std::size_t{1} << 19U;
 // Longest number with its comma.
 constexpr std::size_t kCellSize = 32;
 
@@ -75,7 +75,7 @@ public:
         m_buffer += "\r\n";
         flush();
         if (!m_hasTexts)
-            m_block = std::make_unique_for_overwrite<char[]>(kBufferSize + (columns.size() + 1) * kCellSize);
+            m_block = std::make_unique_for_overwrite<char[]>(kRowsBuffer + (columns.size() + 1) * kCellSize);
     }
 
     void write(const std::vector<RunRow>& rows) override {
@@ -84,7 +84,7 @@ public:
                 writeMixed(row);
             else
                 writeNumbers(row);
-            if (m_buffer.size() + m_used >= kBufferSize) flush();
+            if (m_buffer.size() + m_used >= kRowsBuffer) flush();
         }
     }
 

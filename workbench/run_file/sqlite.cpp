@@ -12,7 +12,7 @@ namespace workbench {
 
 namespace {
 
-constexpr int kPatience = 5000;  // milliseconds
+constexpr int kLockPatience = 5000;  // milliseconds
 
 bool hasFolder(const std::string& path) {
     std::error_code ignored;
@@ -91,7 +91,7 @@ SqliteDatabase::SqliteDatabase(std::string path, Mode mode) : m_path(std::move(p
     const int code = sqlite3_open_v2(m_path.c_str(), &database, flags, nullptr);
     m_database.reset(database);
     if (code != SQLITE_OK) fail(m_path, database, code);
-    sqlite3_busy_timeout(database, kPatience);
+    sqlite3_busy_timeout(database, kLockPatience);
 }
 
 void SqliteDatabase::execute(const char* statements) {

@@ -34,18 +34,18 @@ constexpr std::array<std::pair<std::string_view, UnitType>, 16> kTypes{{{"Real",
                                                                         {"UInt64", UnitType::uint64},
                                                                         {"Binary", UnitType::binary}}};
 
-struct Range {
+struct NumberRange {
     std::int64_t least;
     std::uint64_t most;
 };
 
 template <class T>
-constexpr Range rangeOf() {
+constexpr NumberRange rangeOf() {
     return {static_cast<std::int64_t>(std::numeric_limits<T>::min()),
             static_cast<std::uint64_t>(std::numeric_limits<T>::max())};
 }
 
-Range rangeOf(UnitType type) {
+NumberRange rangeOf(UnitType type) {
     switch (type) {
         case UnitType::int8:
             return rangeOf<std::int8_t>();
@@ -82,7 +82,7 @@ std::optional<Number> parsed(std::string_view text) {
 }
 
 std::uint64_t slotOfWhole(UnitType type, std::string_view text, const std::string& variable) {
-    const Range range = rangeOf(type);
+    const NumberRange range = rangeOf(type);
     if (const auto number = parsed<std::uint64_t>(text); number && *number <= range.most) return *number;
     const auto number = parsed<std::int64_t>(text);
     if (number && *number >= range.least && *number < 0) return static_cast<std::uint64_t>(*number);

@@ -13,7 +13,7 @@ namespace {
 
 void appendValue(std::string& out, const std::string& json) { out += json.empty() ? "null" : json; }
 
-void appendBlock(std::string& out, const ModelFile& file, const kestrel::Block& block) {
+void appendDiffBlock(std::string& out, const ModelFile& file, const kestrel::Block& block) {
     JsonObject object(out);
     object.text("block", file.model.fullPath(block)).number("ports", block.outputs.size()).close();
 }
@@ -44,13 +44,13 @@ void appendBlocks(std::string& out, const ModelDiff& diff, const ModelFile& befo
     };
     list(
         "added", [](const auto& one) { return !one.before; },
-        [&](const auto& one) { appendBlock(out, after, *one.after); });
+        [&](const auto& one) { appendDiffBlock(out, after, *one.after); });
     list(
         "changed", [](const auto& one) { return one.before && one.after; },
         [&](const auto& one) { appendChange(out, before, after, one); });
     list(
         "removed", [](const auto& one) { return !one.after; },
-        [&](const auto& one) { appendBlock(out, before, *one.before); });
+        [&](const auto& one) { appendDiffBlock(out, before, *one.before); });
     object.truth("reordered", diff.areBlocksReordered).close();
 }
 

@@ -13,13 +13,13 @@ namespace {
 
 using Entry = std::shared_ptr<const FunctionEntry>;
 
-struct NameHash {
+struct FunctionNameHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view name) const noexcept { return std::hash<std::string_view>()(name); }
 };
 
 // For each name the definition, if there is one, and the registrations in front of it; the last counts.
-using Table = std::unordered_map<std::string, std::vector<Entry>, NameHash, std::equal_to<>>;
+using Table = std::unordered_map<std::string, std::vector<Entry>, FunctionNameHash, std::equal_to<>>;
 
 Table& table() {
     static Table& instance = *new Table;

@@ -19,7 +19,9 @@ namespace orvex {
 
 namespace {
 
-std::string lastPart(std::string_view dottedName) { return std::string(dottedName.substr(dottedName.rfind('.') + 1)); }
+std::string lastPartOf(std::string_view dottedName) {
+    return std::string(dottedName.substr(dottedName.rfind('.') + 1));
+}
 
 std::vector<std::string> sorted(std::vector<std::string> names) {
     std::sort(names.begin(), names.end());
@@ -119,7 +121,7 @@ ClassListing namedClass(const std::string& fullName) {
     ClassListing listing;
     listing.fullName = fullName;
     listing.sentence = sentenceOf(findNote(fullName));
-    const std::string name = lastPart(fullName);
+    const std::string name = lastPartOf(fullName);
     listing.constructor = notedCall(name, noteOn(fullName, name));
     return listing;
 }

@@ -13,7 +13,7 @@ namespace orvex {
 namespace {
 
 // Up to here a few characters tell names apart well enough.
-constexpr std::size_t kFew = 32;
+constexpr std::size_t kFewNames = 32;
 constexpr std::size_t kSlotsForEach = 4;
 
 std::size_t quickHash(std::string_view name) noexcept {
@@ -64,7 +64,7 @@ bool FieldNames::areThose(std::span<const char* const> names) const noexcept {
 }
 
 std::size_t FieldNames::hashOf(std::string_view name) const noexcept {
-    return m_names.size() <= kFew ? quickHash(name) : std::hash<std::string_view>()(name);
+    return m_names.size() <= kFewNames ? quickHash(name) : std::hash<std::string_view>()(name);
 }
 
 int FieldNames::seldomNext(const char* name) const noexcept {

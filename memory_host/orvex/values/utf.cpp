@@ -75,7 +75,7 @@ bool isAsciiText(Text text) noexcept {
 
 // Unit by unit, many of them at a time; for ASCII only.
 template <class Target, class Source>
-Target converted(Source text) {
+Target copiedAs(Source text) {
     Target result(text.size(), 0);
     std::transform(text.begin(), text.end(), result.begin(),
                    [](auto unit) { return static_cast<typename Target::value_type>(unit); });
@@ -97,12 +97,12 @@ Target transcoded(Source text, Decode decode) {
 }  // namespace
 
 std::u16string utf16Of(std::string_view text) {
-    if (isAsciiText(text)) return converted<std::u16string>(text);
+    if (isAsciiText(text)) return copiedAs<std::u16string>(text);
     return transcoded<std::u16string>(text, decodeUtf8);
 }
 
 std::string utf8Of(std::u16string_view text) {
-    if (isAsciiText(text)) return converted<std::string>(text);
+    if (isAsciiText(text)) return copiedAs<std::string>(text);
     return transcoded<std::string>(text, decodeUtf16);
 }
 

@@ -9,8 +9,8 @@ using kshmi::testing::replaced;
 
 namespace {
 
-CarriedModel carried(const std::string& before, const std::string& after, const std::string& map = "",
-                     const CarryOptions& options = {}) {
+CarriedModel carriedWith(const std::string& before, const std::string& after, const std::string& map = "",
+                         const CarryOptions& options = {}) {
     const ModelFile old = file(before);
     ModelFile next = file(after);
     const CarryMap entries = map.empty() ? CarryMap() : CarryMap("map.csv", map, old, next.model);
@@ -27,7 +27,7 @@ TEST(CarriedRecords, namesAndIdentifiersFollow) {
         model("m", {{"A", "1", {"a", "b"}}, {"R", "2", {"r"}}}, {{"u", "A", "1", 1, "a"}}, {clients[0], clients[1]}),
         R"("SignalName_": "s")", R"("SignalName_": "a")");
     const CarriedModel result =
-        carried(before, model("m", {{"A", "8", {"b", "n"}}, {"T", "9", {"r"}}}), "A:a,A:n\nR,T\n");
+        carriedWith(before, model("m", {{"A", "8", {"b", "n"}}, {"T", "9", {"r"}}}), "A:a,A:n\nR,T\n");
     const auto field = [&](const hvArray* records, std::size_t i, const char* name) {
         return canonicalField(records, i, name);
     };
@@ -46,7 +46,7 @@ TEST(CarriedRecords, whatIsParkedSaysWhereItWas) {
                                      {{"u", "Old/A", "1", 1}, {"u", "P/A", "1", 2}, {"v", "Old/A", "1", 1}, item},
                                      {client("c", "u", "P/A", "1", "m"), client("d", "v", "P/A", "1", "m")});
     const std::string after = model("m", {{"P/A", "1", {"b"}}, {"L", "2", {"q"}, R"({"states": [], "data": []})"}});
-    const CarriedModel result = carried(before, after);
+    const CarriedModel result = carriedWith(before, after);
     const std::vector<ParkedMark>& parked = result.file.extras.parked;
     ASSERT_EQ(parked.size(), 3U);
     EXPECT_EQ(recordText(parked[0].signal.get(), 0, "BlockPath_"), u"P/A");
@@ -59,17 +59,17 @@ TEST(CarriedRecords, whatIsParkedSaysWhereItWas) {
     EXPECT_EQ(map.find("P/A:a,"), map.rfind("P/A:a,")) << "proposed once";
 
     // Beside a mark of its UUID a parked one does not come back; one that does not is proposed again.
-    const CarriedModel back = carried(modelText(result.file), model("m", {{"P/A", "1", {"a", "b"}}}));
+    const CarriedModel back = carriedWith(modelText(result.file), model("m", {{"P/A", "1", {"a", "b"}}}));
     EXPECT_EQ(back.report.keptParked, 1U);
     EXPECT_EQ(back.report.returnedCount(), 1U);
     EXPECT_TRUE(contains(proposedMap(back.report), "\nL,")) << proposedMap(back.report);
     EXPECT_EQ(
-        messageOf([&] { carried(before, replaced(modelText(result.file), "\"UUID\": \"u\"", "\"UUID\": \"w\"")); }),
+        messageOf([&] { carriedWith(before, replaced(modelText(result.file), "\"UUID\": \"u\"", "\"UUID\": \"w\"")); }),
         "the new version has 1 signal, 1 client and 3 parked marks of its own already; carry the marks to a file "
         "without any");
-    const std::string waiting = modelText(carried(before, model("m", {{"Z", "9", {"z"}}})).file);
+    const std::string waiting = modelText(carriedWith(before, model("m", {{"Z", "9", {"z"}}})).file);
     EXPECT_TRUE(
-        messageOf([&] { carried(before, waiting); }).starts_with("the new version has 0 signals, 0 clients and 4"));
+        messageOf([&] { carriedWith(before, waiting); }).starts_with("the new version has 0 signals, 0 clients and 4"));
 }
 
 TEST(CarriedRecords, theLongerPrefixAndTheBlockItselfDecide) {
@@ -79,10 +79,10 @@ TEST(CarriedRecords, theLongerPrefixAndTheBlockItselfDecide) {
         "m",
         {{"N/B/x", "5", {"a"}}, {"M/x", "6", {"a"}}, {"M/y", "7", {"b"}}, {"K", "8", {"b"}}, {"L", "9", {}, kChart}});
     for (const char* const map : {"A/*,N/*\nA/B/*,M/*\nA/B/y,K\n", "A/B/y,K\nA/B/*,M/*\nA/*,N/*\n"}) {
-        const CarriedModel result = carried(before, after, map);
+        const CarriedModel result = carriedWith(before, after, map);
         EXPECT_EQ(placeOf(result.file, "u") + placeOf(result.file, "v"), "M/x:1K:1") << map;
     }
-    EXPECT_EQ(carried(before, after, "A/B/x:a,L:On\n").report.marks.at(0).fate, Fate::ambiguous);
+    EXPECT_EQ(carriedWith(before, after, "A/B/x:a,L:On\n").report.marks.at(0).fate, Fate::ambiguous);
 }
 
 class CarriedFile : public kshmi::testing::KshmiTest {};

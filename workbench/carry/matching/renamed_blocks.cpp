@@ -11,7 +11,7 @@ namespace {
 constexpr int kMostRounds = 32;
 // A name that more blocks have tells too little to be gone by.
 constexpr std::size_t kMostSharing = 32;
-constexpr double kLikely = 0.5;
+constexpr double kLikelyRenamed = 0.5;
 
 std::u16string setKey(const VersionBlocks& version, std::size_t block) {
     return {static_cast<char16_t>(version.sets[block] >> 16U), static_cast<char16_t>(version.sets[block])};
@@ -32,7 +32,7 @@ void BestLikeness::offer(std::size_t candidate, double value) noexcept {
 
 bool BestLikeness::isClear() const noexcept {
     constexpr double kLead = 2.0;
-    return likeness >= kLikely && likeness >= kLead * next;
+    return likeness >= kLikelyRenamed && likeness >= kLead * next;
 }
 
 void BlockMatching::matchRenamed() {
@@ -142,7 +142,7 @@ void BlockMatching::matchBelow(Position block) {
         const kestrel::Block* const below =
             m_versions.next.model.findByPath(std::u16string(renamed).append(path.substr(at)));
         const Position candidate = m_versions.next.at(below).value_or(kNone);
-        if (isUntaken(candidate) && m_versions.likeness(block, candidate) >= kLikely)
+        if (isUntaken(candidate) && m_versions.likeness(block, candidate) >= kLikelyRenamed)
             return match(block, candidate, MatchHow::rule);
     }
 }
