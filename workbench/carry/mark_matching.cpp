@@ -30,7 +30,7 @@ Decision MarkMatching::decide(const MarkedSource& source) {
     Decision decision;
     decision.mark.hadSlid = source.hadSlid;
     if (const CarryMap::Target* const target = m_map.source(source.place.block, source.place.name))
-        return mapped(source, *target, std::move(decision));
+        return mapped(source, *target, decision);
     const BlockMatch block = source.block ? m_blocks.of(*source.block) : blockOfOrphan(source);
     decision.isBlockFound = block.how != MatchHow::none && block.how != MatchHow::guess;
     decision.mark.isBlockUnsure = block.how == MatchHow::guess;
