@@ -111,6 +111,9 @@ need_packages() {
         return 0
     fi
     if [[ " ${missing[*]} " == *" libboost1.81-dev "* ]]; then refuse_to_replace_boost; fi
+    # apt refuses to run twice at a time.
+    exec 8>"${TMPDIR:-/tmp}/ks-hmi-packages.lock"
+    flock 8
     say "installing: ${missing[*]}"
     as_root env DEBIAN_FRONTEND=noninteractive apt-get update -q </dev/null ||
         printf 'dev: the package lists could not be refreshed; trying with those that are here\n' >&2
@@ -119,4 +122,5 @@ need_packages() {
         die "apt could not install: ${missing[*]}
   What it said is above. This system must offer these packages, or what they are for must be
   installed some other way (Boost 1.81 or later: set BOOST_ROOT)."
+    exec 8>&-
 }
