@@ -15,7 +15,7 @@ namespace workbench {
 
 namespace {
 
-std::string jsonOf(const std::u16string* text) {
+std::string jsonIfThere(const std::u16string* text) {
     std::string out;
     if (text) appendJsonText(out, std::u16string_view(*text));
     return out;
@@ -75,8 +75,8 @@ private:
             if (!isSameField(m_old, before, m_new, after, field))
                 fields.push_back({field, canonicalField(m_old, before, field), canonicalField(m_new, after, field)});
         if (!isSameName(before, after))
-            fields.push_back({std::string(kMarkedName), jsonOf(m_before.extras.markedName(before)),
-                              jsonOf(m_after.extras.markedName(after))});
+            fields.push_back({std::string(kMarkedName), jsonIfThere(m_before.extras.markedName(before)),
+                              jsonIfThere(m_after.extras.markedName(after))});
         return fields;
     }
     // What a signal was called; clients have no such name.
@@ -223,7 +223,7 @@ std::string describeSignal(const hvArray* signals, std::size_t position) {
 ModelDiff diffModels(const ModelFile& before, const ModelFile& after) {
     ModelDiff diff;
     if (before.model.name() != after.model.name())
-        diff.name = FieldChange{"name", jsonOf(&before.model.name()), jsonOf(&after.model.name())};
+        diff.name = FieldChange{"name", jsonIfThere(&before.model.name()), jsonIfThere(&after.model.name())};
     compareBlocks(before.model, after.model, diff);
     diff.signals = RecordsComparison(RecordKind::signal, before, after).run();
     diff.clients = RecordsComparison(RecordKind::client, before, after).run();
