@@ -57,8 +57,8 @@ void requireSense(const SetArguments& arguments, const ClientSettings& client) {
 }
 
 Positions signalsOf(const Session& session, const SetArguments& arguments, const Output& output) {
-    Positions positions = signalsOn(select(session.model(), arguments.what, output), arguments.what.selection.options,
-                                    SignalIndex(session));
+    Positions positions =
+        signalsOn(session, select(session.model(), arguments.what, output), arguments.what.selection.options);
     for (const std::string& call : arguments.signals) positions.push_back(signalCalled(session, call));
     sortUnique(positions);
     return positions;

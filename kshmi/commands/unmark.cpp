@@ -6,7 +6,6 @@
 #include "workbench/change/marking.h"
 #include "workbench/find/client_names.h"
 #include "workbench/find/positions.h"
-#include "workbench/find/signal_index.h"
 #include "workbench/find/watching.h"
 
 namespace kshmi {
@@ -24,8 +23,8 @@ struct UnmarkArguments {
 };
 
 Positions positionsOf(const Session& session, const UnmarkArguments& arguments, const Output& output) {
-    Positions positions = signalsOn(select(session.model(), arguments.what, output), arguments.what.selection.options,
-                                    SignalIndex(session));
+    Positions positions =
+        signalsOn(session, select(session.model(), arguments.what, output), arguments.what.selection.options);
     for (const std::string& call : arguments.signals) positions.push_back(signalCalled(session, call));
     for (const SignalFault& fault : session.dangling()) positions.push_back(fault.position);
     sortUnique(positions);

@@ -11,7 +11,6 @@
 #include "workbench/change/mark_target.h"
 #include "workbench/change/marking.h"
 #include "workbench/find/asking.h"
-#include "workbench/find/signal_index.h"
 #include "workbench/text/text.h"
 
 namespace ks_hmi_python {
@@ -72,7 +71,7 @@ std::string mark(OpenModel& model, const py::dict& selection, const py::dict& gi
 
 Positions signalsMeant(Session& session, const py::dict& selection, const std::vector<std::string>& calls) {
     const Chosen chosen = choose(session, selection);
-    Positions positions = signalsOn(chosen.selected, chosen.options, SignalIndex(session));
+    Positions positions = signalsOn(session, chosen.selected, chosen.options);
     for (const std::string& call : calls) positions.push_back(signalCalled(session, call));
     return positions;
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "workbench/find/glob.h"
+#include "workbench/find/signal_index.h"
 #include "workbench/find/spelling.h"
 #include "workbench/text/text.h"
 
@@ -15,7 +16,10 @@ namespace {
 using Sources = std::vector<SignalSource>;
 
 Sources allSourcesOf(const kestrel::Model& model) {
+    std::size_t ports = 0;
+    for (const kestrel::Block& block : model.blocks()) ports += block.outputs.size();
     Sources sources;
+    sources.reserve(ports);
     for (const kestrel::Block& block : model.blocks()) {
         for (int port = 1; port <= static_cast<int>(block.outputs.size()); ++port)
             sources.push_back({&block, port, std::nullopt});
@@ -89,6 +93,17 @@ Error notMarked(const ListedReference& reference) {
     return reference.place.file.empty() ? error : error.at(reference.place);
 }
 
+std::vector<const kestrel::Block*> blocksOf(const Selected& selected) {
+    std::vector<const kestrel::Block*> blocks;
+    const auto add = [&](const Sources& sources) {
+        for (const SignalSource& source : sources)
+            if (blocks.empty() || blocks.back() != source.block) blocks.push_back(source.block);
+    };
+    for (const NamedSources& named : selected.named) add(named.sources);
+    add(selected.matching);
+    return blocks;
+}
+
 }  // namespace
 
 SourceKind kindOf(const SignalSource& source) {
@@ -141,7 +156,8 @@ Selected select(const kestrel::Model& model, const Selection& selection) {
     return selected;
 }
 
-Positions signalsOn(const Selected& selected, const ReferenceOptions& options, const SignalIndex& index) {
+Positions signalsOn(const Session& session, const Selected& selected, const ReferenceOptions& options) {
+    const SignalIndex index(session, blocksOf(selected));
     Positions positions;
     const auto add = [&](const Sources& sources) {
         const std::size_t before = positions.size();

@@ -10,7 +10,6 @@
 
 #include "workbench/find/positions.h"
 #include "workbench/find/reference.h"
-#include "workbench/find/signal_index.h"
 #include "workbench/session/session.h"
 #include "workbench/session/signal_source.h"
 #include "workbench/text/error.h"
@@ -69,6 +68,6 @@ Selected select(const kestrel::Model& model, const Selection& selection);
 
 /// Positions of the signals on what is selected, ascending; with an activity only those that have it. Throws `Error`
 /// for a reference that names nothing that is marked.
-Positions signalsOn(const Selected& selected, const ReferenceOptions& options, const SignalIndex& index);
+Positions signalsOn(const Session& session, const Selected& selected, const ReferenceOptions& options);
 
 }  // namespace workbench

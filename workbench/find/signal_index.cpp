@@ -1,5 +1,6 @@
 #include "workbench/find/signal_index.h"
 
+#include <boost/unordered/unordered_flat_set.hpp>
 #include <functional>
 
 #include "workbench/session/records.h"
@@ -8,8 +9,21 @@ namespace workbench {
 
 SignalIndex::SignalIndex(const Session& session) : m_session(session) {
     m_positions.reserve(session.signals().getCount());
-    for (const auto& [position, signal] : numbered(session.signals()))
-        m_positions[keyOf(sourceOf(session.model(), signal))].push_back(position);
+    enter([](const kestrel::Block*) { return true; });
+}
+
+SignalIndex::SignalIndex(const Session& session, std::span<const kestrel::Block* const> blocks) : m_session(session) {
+    if (blocks.empty()) return;
+    const boost::unordered_flat_set<const kestrel::Block*> wanted(blocks.begin(), blocks.end());
+    enter([&](const kestrel::Block* block) { return wanted.contains(block); });
+}
+
+template <class IsWanted>
+void SignalIndex::enter(IsWanted isWanted) {
+    for (const auto& [position, signal] : numbered(m_session.signals())) {
+        const SignalSource source = sourceOf(m_session.model(), signal);
+        if (isWanted(source.block)) m_positions[keyOf(source)].push_back(position);
+    }
 }
 
 const std::vector<std::size_t>& SignalIndex::on(const SignalSource& source) const {

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <boost/unordered/unordered_flat_map.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "workbench/find/reference.h"
@@ -17,6 +18,8 @@ namespace workbench {
 class SignalIndex {
 public:
     explicit SignalIndex(const Session& session);
+    /// The same for sources that are on these blocks only.
+    SignalIndex(const Session& session, std::span<const kestrel::Block* const> blocks);
 
     /// Positions (0-based, ascending) of the signals on the source, of all activities.
     const std::vector<std::size_t>& on(const SignalSource& source) const;
@@ -34,9 +37,11 @@ private:
         std::size_t operator()(const Key& key) const noexcept;
     };
     static Key keyOf(const SignalSource& source) noexcept;
+    template <class IsWanted>
+    void enter(IsWanted isWanted);
 
     const Session& m_session;
-    std::unordered_map<Key, std::vector<std::size_t>, Hash> m_positions;
+    boost::unordered_flat_map<Key, std::vector<std::size_t>, Hash> m_positions;
 };
 
 }  // namespace workbench
