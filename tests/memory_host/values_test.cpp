@@ -212,6 +212,15 @@ TEST_F(HostValues, fieldsAreFoundWhateverTheirNamesHaveInCommon) {
             EXPECT_EQ(fieldOf(record, 0, texts[i]), static_cast<double>(i)) << count;
         for (const char* const other : {"", "x", "xx", "xxxx", "xaxx", "xxxxxxxxxxx"})
             EXPECT_EQ(hvGetField(record.get(), 0, other), nullptr) << count << other;
+        // In orders that come and go, by names that are written elsewhere and by the struct's own.
+        for (std::size_t step = 0; step < 20 * count; ++step) {
+            const std::size_t i = step * (1 + step / count % 3) % count;
+            EXPECT_EQ(fieldOf(record, 0, texts[i]), static_cast<double>(i)) << count << " at " << step;
+            const std::size_t own = step % 5 == 0 ? 0 : i;
+            EXPECT_EQ(fieldOf(record, 0, hvGetFieldNameByNumber(record.get(), static_cast<int>(own))),
+                      static_cast<double>(own))
+                << count << " at " << step;
+        }
     }
 }
 
