@@ -12,7 +12,6 @@
 #include "workbench/find/client_names.h"
 #include "workbench/find/reference.h"
 #include "workbench/find/selecting_clients.h"
-#include "workbench/find/signal_index.h"
 #include "workbench/model_file/model_file.h"
 #include "workbench/session/records.h"
 #include "workbench/text/text.h"
@@ -238,8 +237,7 @@ std::size_t signalNumber(OpenModel& model, const std::string& call) {
     const Session& session = model.session();
     if (const auto found = SignalUuids(session).positionOf(call)) return *found;
     const Selected selected = sourcesCalled(session, call, "signal", Remedy::listSignals);
-    return theOnly(signalsOn(selected, {}, SignalIndex(session)), session.signals(), call, "signal",
-                   Remedy::listSignals);
+    return theOnly(signalsOn(session, selected, {}), session.signals(), call, "signal", Remedy::listSignals);
 }
 
 std::size_t clientNumber(OpenModel& model, const std::string& call) {
