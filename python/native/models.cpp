@@ -172,7 +172,7 @@ std::string ports(OpenModel& model, std::size_t from, std::size_t to) {
     return out;
 }
 
-std::string portCalled(OpenModel& model, const std::string& reference) {
+std::string portNameOf(OpenModel& model, const std::string& reference) {
     const kestrel::Model& blocks = model.session().model();
     const std::vector<SignalSource> sources = lookedUp([&] { return resolveReference(blocks, reference, {}); });
     if (sources.size() != 1 || sources.front().item)
@@ -273,7 +273,7 @@ void bindModels(py::module_& module) {
     define(module, "blockCalled", blockCalled);
     define(module, "portCount", portCount);
     define(module, "ports", ports);
-    define(module, "portCalled", portCalled);
+    define(module, "portCalled", portNameOf);
     define(module, "signals", signals);
     define(module, "signalNumber", signalNumber);
     define(module, "clients", clients);

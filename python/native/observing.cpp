@@ -19,7 +19,7 @@ using namespace workbench;
 
 namespace {
 
-ClientSettings settingsOf(const py::dict& given) {
+ClientSettings clientSettingsOf(const py::dict& given) {
     ClientSettings settings;
     settings.type = textIn(given, "type");
     if (settings.type && settings.type->empty()) throw Error("the kind of client is empty; name it");
@@ -43,7 +43,7 @@ void warnOfDeprecated(const Session& session, const Positions& positions) {
 std::string observe(OpenModel& model, const py::dict& selection, const std::vector<std::string>& calls,
                     const py::dict& given) {
     Session& session = model.session();
-    const ClientSettings settings = settingsOf(given);
+    const ClientSettings settings = clientSettingsOf(given);
     const Chosen chosen = choose(session, selection);
     const Positions added =
         addClients(session, signalsToWatch(session, chosen.selected, chosen.options, calls), settings);
@@ -88,7 +88,7 @@ std::string dropUnused(OpenModel& model) {
 
 std::string setClients(OpenModel& model, const py::dict& selection, const py::dict& clients, const py::dict& given) {
     Session& session = model.session();
-    const ClientSettings settings = settingsOf(given);
+    const ClientSettings settings = clientSettingsOf(given);
     if (!settings.isAny()) throw Error("nothing to set; give update_rate=, params= or another setting");
     const Positions positions = clientsMeant(session, selection, clients);
     const Positions changed = changeClients(session, positions, settings);
