@@ -42,7 +42,6 @@ public:
         m_rows.clear();
         for (const UnitSample& sample : samples) m_rows.push_back({sample.time, sample.slots, sample.texts, nullptr});
         m_count += samples.size();
-        m_time = samples.back().time;
         m_writer->write(m_rows);
     }
 
@@ -60,7 +59,7 @@ public:
 
     void finish(const UnitEnd& end) { m_writer->finish(end); }
     std::uint64_t count() const noexcept { return m_count; }
-    double time() const noexcept { return m_time; }
+    std::optional<double> keptUntil() const noexcept { return m_writer->keptUntil(); }
     double seconds() const { return secondsSince(m_startedAt); }
 
 private:
@@ -68,7 +67,6 @@ private:
         m_rows.resize(1);
         for (const UnitSample& sample : samples) {
             ++m_count;
-            m_time = sample.time;
             m_rows.front() = {sample.time, sample.slots, sample.texts, nullptr};
             if (findPresent(sample.number, m_rows.front())) m_writer->write(m_rows);
         }
@@ -92,7 +90,6 @@ private:
     std::vector<RunRow> m_rows;
     std::vector<std::uint8_t> m_isPresent;
     std::uint64_t m_count = 0;
-    double m_time = 0.0;
     const Clock::time_point m_startedAt = Clock::now();
     Clock::time_point m_flushedAt = Clock::now();
 };
@@ -125,8 +122,9 @@ UnitEnd runRecorded(const UnitTask& task, const RecordOptions& options, Recorder
         recorder.finish(end);
         return end;
     } catch (const Error& error) {
-        throw Error(error.place(), fmt::format("{}; recorded until t = {}", error.text(), recorder.time()),
-                    error.code());
+        const std::optional<double> kept = recorder.keptUntil();
+        const std::string what = kept ? fmt::format("recorded until t = {}", *kept) : "nothing was recorded";
+        throw Error(error.place(), fmt::format("{}; {}", error.text(), what), error.code());
     }
 }
 

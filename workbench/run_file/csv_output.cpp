@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 #include "workbench/text/error.h"
 
@@ -18,15 +19,16 @@ namespace {
 
 constexpr mode_t kMode = 0666;
 
-// Size of the rows that end within the first bytes.
-std::size_t wholeRows(std::string_view rows, std::size_t size) {
+// The last row that ends within the first bytes.
+std::string_view lastRow(std::string_view rows, std::size_t size) {
+    std::size_t begin = 0;
     std::size_t end = 0;
     bool isQuoted = false;
     for (std::size_t i = 0; i < size; ++i) {
         if (rows[i] == '"') isQuoted = !isQuoted;
-        if (rows[i] == '\n' && !isQuoted) end = i + 1;
+        if (rows[i] == '\n' && !isQuoted) begin = std::exchange(end, i + 1);
     }
-    return end;
+    return rows.substr(begin, end - begin);
 }
 
 }  // namespace
@@ -77,7 +79,8 @@ void CsvOutput::append(std::string_view rows) {
 }
 
 void CsvOutput::failWriting(std::string_view rows, std::size_t written, int error) {
-    m_size += wholeRows(rows, written);
+    m_lastKept = lastRow(rows, written);
+    m_size += static_cast<std::size_t>(m_lastKept.data() + m_lastKept.size() - rows.data());
     // A row that is cut off would be taken for one with other values.
     if (m_isRegular && ::ftruncate(m_descriptor, static_cast<off_t>(m_size)) != 0)
         fail("its last row is cut off, and cannot be taken away", errno);

@@ -19,6 +19,8 @@ public:
 
     /// Whole rows. Throws `Error`.
     void append(std::string_view rows);
+    /// Of the rows of an `append` that threw, the last one that is kept whole; empty for none of them.
+    std::string_view lastKept() const noexcept { return m_lastKept; }
     /// Has all of it on the disk. Throws `Error`.
     void close();
 
@@ -32,6 +34,7 @@ private:
     int m_descriptor = -1;
     bool m_isRegular = false;
     std::size_t m_size = 0;  ///< of whole rows
+    std::string_view m_lastKept;
 };
 
 }  // namespace workbench

@@ -2,12 +2,14 @@
 #include <fmt/format.h>
 
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 
 #include "workbench/run_file/csv_output.h"
 #include "workbench/run_file/run_writer.h"
 #include "workbench/text/csv_row.h"
+#include "workbench/text/error.h"
 #include "workbench/unit/unit_texts.h"
 
 namespace workbench {
@@ -84,15 +86,17 @@ public:
                 writeMixed(row);
             else
                 writeNumbers(row);
+            m_time = row.time;
             if (m_buffer.size() + m_used >= kRowsBuffer) flush();
         }
     }
 
     void flush() override {
-        m_output.append(m_buffer);
+        append(m_buffer);
         m_buffer.clear();
-        m_output.append(std::string_view(m_block.get(), m_used));
+        append(std::string_view(m_block.get(), m_used));
         m_used = 0;
+        m_keptUntil = m_time;
     }
 
     void finish(const UnitEnd&) override {
@@ -100,7 +104,20 @@ public:
         m_output.close();
     }
 
+    std::optional<double> keptUntil() const noexcept override { return m_keptUntil; }
+
 private:
+    void append(std::string_view rows) {
+        try {
+            m_output.append(rows);
+        } catch (const Error&) {
+            double time = 0.0;
+            const std::string_view row = m_output.lastKept();
+            if (std::from_chars(row.data(), row.data() + row.size(), time).ec == std::errc()) m_keptUntil = time;
+            throw;
+        }
+    }
+
     static bool isTextual(const RunColumn& column) noexcept {
         return column.kind == ValueKind::text || column.kind == ValueKind::binary;
     }
@@ -145,6 +162,8 @@ private:
     CsvOutput m_output;
     std::vector<Cell> m_cells;
     bool m_hasTexts = false;
+    std::optional<double> m_time;  // of the last row
+    std::optional<double> m_keptUntil;
     std::string m_mended;
     std::string m_buffer;             // of rows with texts
     std::unique_ptr<char[]> m_block;  // of rows without

@@ -26,6 +26,8 @@ public:
         m_writer->finish(end);
     }
 
+    std::optional<double> keptUntil() const noexcept override { return m_writer->keptUntil(); }
+
 private:
     struct Waiting {
         double time = 0.0;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,8 @@ public:
     /// Hands on what is held back, so that others see it.
     virtual void flush() = 0;
     virtual void finish(const UnitEnd& end) = 0;
+    /// Time of the last row that was handed on, also after one of these has thrown; nothing when there is none.
+    virtual std::optional<double> keptUntil() const noexcept = 0;
 };
 
 enum class RunFormat : std::uint8_t { csv, sqlite };

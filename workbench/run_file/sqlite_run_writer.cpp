@@ -46,6 +46,7 @@ public:
 
     void flush() override {
         if (m_database.isInTransaction()) m_database.execute("COMMIT");
+        m_keptUntil = m_time;
     }
 
     void finish(const UnitEnd& end) override {
@@ -59,6 +60,8 @@ public:
         flush();
     }
 
+    std::optional<double> keptUntil() const noexcept override { return m_keptUntil; }
+
 private:
     void writeRow(const RunRow& row) {
         for (std::size_t i = 0; i < m_columns.size(); ++i) {
@@ -67,6 +70,7 @@ private:
             bindValue(m_columns[i], row.slots[m_columns[i].slot], row.texts);
             m_insert->run();
         }
+        m_time = row.time;
     }
 
     void addRun(const RunHead& head) {
@@ -136,6 +140,8 @@ private:
     const std::vector<RunColumn>& m_columns;
     std::optional<SqliteStatement> m_insert;
     std::string m_mended;
+    std::optional<double> m_time;  // of the last row
+    std::optional<double> m_keptUntil;
     std::int64_t m_run = 0;
     std::vector<std::int64_t> m_ids;
 };

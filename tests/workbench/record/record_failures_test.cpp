@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sqlite3.h>
 #include <sys/file.h>
 #include <sys/mman.h>
@@ -204,8 +205,10 @@ TEST_F(RecordFailures, aFullDiskKeepsTheRowsThatFit) {
     EXPECT_FALSE(contains(csv.err, "until t = 0\n"));
     expectWholeRows(read("run.csv"));
     EXPECT_GT(read("run.csv").size(), 99'900U);
+    const double kept = workbench::readRecordedRun(path("run.csv")).columns.at(0).times.back();
+    EXPECT_TRUE(csv.err.ends_with(fmt::format("until t = {}\n", kept))) << csv.err;
     EXPECT_EQ(database.code, kBadFile);
-    expectParts(database.err, {"run.db", "recorded until t = "});
+    expectParts(database.err, {"run.db", "recorded"});
     // A text has a line break, which ends no row.
     mark("state:text");
     for (rlim_t size = 100'000; size < 100'050; size += 6) {

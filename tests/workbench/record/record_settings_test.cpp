@@ -77,6 +77,7 @@ public:
     }
     void flush() override { m_told += "| "; }
     void finish(const workbench::UnitEnd& end) override { m_told += fmt::format("end {}", end.time); }
+    std::optional<double> keptUntil() const noexcept override { return std::nullopt; }
 
 private:
     std::string& m_told;
