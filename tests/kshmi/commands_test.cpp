@@ -161,9 +161,13 @@ TEST_F(Commands, aBlockAtTheOldPathOfAMovedOneIsNotObserved) {
 }
 
 TEST_F(Commands, portsWithAnotherLogicalNumberAreObserved) {
-    write(replaced(kModel, "\"LogicalPortIndex_\": 0", "\"LogicalPortIndex_\": 2"));
-    EXPECT_EQ(query("A:1"), 0);
-    EXPECT_EQ(query("A:2"), 1);
+    for (const int port : {1, 2}) {
+        const std::string moved =
+            replaced(kModel, "\"OutputPortIndex_\": 1", "\"OutputPortIndex_\": " + std::to_string(port));
+        write(replaced(moved, "\"LogicalPortIndex_\": 0", "\"LogicalPortIndex_\": " + std::to_string(3 - port)));
+        EXPECT_EQ(query("A:1"), port - 1);
+        EXPECT_EQ(query("A:2"), 2 - port);
+    }
 }
 
 TEST_F(Commands, signalsTakeTheNewNameOfARenamedState) {

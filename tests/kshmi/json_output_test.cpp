@@ -143,15 +143,31 @@ TEST_F(JsonOutput, tellsWhatWasChangedByUuidAndPosition) {
     const std::string uuid(signal.at("signal").at("uuid").as_string());
     expectParts(read(), {"\"" + uuid + "\""});
 
-    const json::value changed = output("set A:2 --name x");
+    const json::value changed = output("set A:2 --name x --hide");
     EXPECT_EQ(changed.at("changed").at(0).at("signal"), signal.at("signal"));
     EXPECT_EQ(changed.at("changed").at(0).at("name"), "x");
+    EXPECT_EQ(changed.at("changed").at(0).at("hidden"), true);
+    EXPECT_EQ(changed.at("changed").at(0).at("buffered"), false);
     EXPECT_EQ(output("unmark A:2 --dry-run").at("dryRun"), true);
     EXPECT_EQ(output("unmark A:2").at("removed").at(0).at("signal"), signal.at("signal"));
     EXPECT_EQ(output("query Logic/On/Fast").at("files").at(0).at("answers").at(0),
               json::parse(R"({"block": "m/Logic", "item": "On/Fast",
         "domain": "cw_state", "ssid": 4, "observed": true})"));
     EXPECT_EQ(output("renumber A 0,1").at("removed").as_array().size(), 2U);
+    write(replaced(kModel, "\"EID_\": \"1\"", "\"EID_\": \"77\""));
+    const json::array removed = output("unmark Logic/On/Fast --dangling").at("removed").as_array();
+    ASSERT_EQ(removed.size(), 2U);
+    const json::value& gone = removed[0];
+    EXPECT_EQ(serialize(gone.at("block")) + serialize(gone.at("gone")) + serialize(gone.at("port")), "\"m/A\"true1");
+}
+
+TEST_F(JsonOutput, isWholeHoweverLongItIs) {
+    std::string blocks;
+    for (int i = 0; i < 2'000; ++i)
+        blocks += "{\"path\": \"B" + std::to_string(i) + "\", \"eid\": \"b" + std::to_string(i) +
+                  "\", \"outputs\": [\"y\", \"z\"]}, ";
+    write(replaced(kModel, "{\"path\": \"A\"", blocks + "{\"path\": \"A\""));
+    EXPECT_EQ(output("query --all B*").at("files").at(0).at("answers").as_array().size(), 4'000U);
 }
 
 }  // namespace

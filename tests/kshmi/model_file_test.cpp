@@ -94,6 +94,8 @@ constexpr Refusal kMeaningless[] = {
     {"[\"NaN\", 1]", "[\"NaN\"]", "/clients/0/ObserverParams_/range: \"data\" has 1 element"},
     {"\"UUID\": \"c-2\"", "\"UUID\": \"c-1\"", ":63: /clients/1/UUID: another client has"},
     {"\"UpdateRate_\": 1", "\"UpdateRate_\": 1, \"UpdateRate_\": 2", "/clients/0/UpdateRate_: this key appears twice"},
+    {"\"VisualType_\": \"scope\"", "\"UUID\": \"u-3\"", ":27: /signals/0/UUID: this key appears twice"},
+    {"  \"clients\": [\n", "  \"parked\": [\n", "/parked/0/UUID: this key is unknown"},
     {"\"bus.leaf\"", "\"bus\\u0000leaf\"", "/clients/0/BusLeafPath_: the text \"bus\\x00leaf\" appears where a text"},
 };
 

@@ -1,5 +1,6 @@
 #include "tests/kshmi/kshmi_test.h"
 #include "tests/support/json_schema.h"
+#include "workbench/change/moving.h"
 #include "workbench/model_file/model_file.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
@@ -203,6 +204,9 @@ TEST_F(StructureCommands, aBlockThatIsAddedCanBeUsedAtOnce) {
     workbench::enterHost(WarningSink());
     Session session(path());
     kestrel::Model& model = session.model();
+    moveBlocks(session, u"A", u"Z");
+    EXPECT_TRUE(session.isObserved(*model.findByPath(u"Z"), 1)) << "also where nobody has asked before";
+    moveBlocks(session, u"Z", u"A");
     const kestrel::Block& added = model.add({.path = u"New", .eid = "9", .outputs = {u"y"}});
     EXPECT_NE(added.handle, 0.0);
     EXPECT_EQ(model.findByHandle(added.handle), &added);

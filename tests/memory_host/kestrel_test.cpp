@@ -55,6 +55,13 @@ protected:
     }
 };
 
+TEST_F(Kestrel, blocksMoveToWhereOthersOfThemWere) {
+    Model model(u"m");
+    for (const char16_t* const path : {u"A/B", u"A/B/B"}) model.add({path, path[3] == u'/' ? "2" : "1", 0.0, {}, {}});
+    EXPECT_EQ(model.move(u"A/B", u"A"), 2u);
+    EXPECT_EQ(model.findByPath(u"A/B")->eid, "2");
+}
+
 TEST_F(Kestrel, moveTakesTheSubtreeAlongAndNoNeighbour) {
     Model model = engine();
     EXPECT_EQ(model.move(u"Air", u"Intake/Air"), 2u);

@@ -137,6 +137,12 @@ TEST_F(HostValues, equalNeighboursAreKeptOnceAndColumnsJoined) {
     EXPECT_EQ(hvGetNumberOfElements(all.get()), 6u);
     for (std::size_t i = 0; i < 5; ++i) EXPECT_EQ(valueAt(i) == valueAt(i + 1), i == 1) << i;
     EXPECT_EQ(hvArrayToStdString(valueAt(2)), longText);
+    // Equal bytes of another class, and texts that differ in the last byte only.
+    const std::u16string one(20, u'a'), other = std::u16string(19, u'a') + u'\x161';
+    const auto words = column({ks_test::text(one).release(), ks_test::text(other).release(), nullptr});
+    const auto zeros = column({number(0.0).release(), logical(false).release(), nullptr});
+    for (const HvArrayPtr* const two : {&words, &zeros})
+        EXPECT_NE(hvGetField(two->get(), 0, "a"), hvGetField(two->get(), 1, "a"));
 }
 
 TEST_F(HostValues, elementsAreGatheredWithWhatTheyHaveNotSet) {

@@ -57,6 +57,18 @@ TEST_F(ObservedSignal, answersFromTheObservedSignalAndKeepsIt) {
     EXPECT_EQ(aligned(*client), (Aligned{{}, u""})) << "no identifier to find the moved block by";
 }
 
+TEST_F(ObservedSignal, isFoundAtItsNewPosition) {
+    const auto client = clientOf(u"Gain");
+    for (const int decimation : {2, 3}) {
+        set().add(port(u"Gain", 1));
+        set().get(set().getCount() - 1)->m_decimation = decimation;
+    }
+    client->m_signalUUID = set().get(1)->m_uuid;
+    EXPECT_EQ(client->clone()->getDecimation(u"m1"), 2);
+    set().remove(std::size_t{0});
+    EXPECT_EQ(client->getDecimation(u"m1"), 2);
+}
+
 TEST_F(ObservedSignal, aStructIsAsGoodAsAnObjectForTheObservedSignal) {
     const auto infoOf = [](const orvex::ScriptObject&) {
         HvArrayPtr signal = structOf(1, {ks_hmi::SignalSpecification::getStructFields(), 16});

@@ -181,13 +181,14 @@ def test_dry_runs_and_files_that_are_there_change_nothing(cruise, tmp_path):
 
 def test_what_is_gone_moved_or_not_saved_is_told(cruise, tmp_path):
     contents = json.loads(cruise.read_text())
-    contents["signals"][1].update(BlockPath_="Gone", EID_="gone")
+    contents["signals"][1].update(BlockPath_="Gone", EID_="gone", markedName="x")
     contents["blocks"][1]["outputs"].reverse()
     contents["signals"][0]["markedName"] = "speed"
     (tmp_path / "gone.json").write_text(json.dumps(contents))
     with pytest.warns(ks_hmi.ModelWarning, match="1 mark does not stand"):
         model = ks_hmi.open(tmp_path / "gone.json", dangling=True)
     with model:
+        assert not model.set(signals=2, confirm=True), "there is nothing to confirm it by"
         assert len(model.set(signals=1, confirm=True).changed) == 1
         with pytest.raises(ks_hmi.Error, match=r"signal 2 is on .*Gone.*; unmark\(dangling=True\) removes"):
             model.save()

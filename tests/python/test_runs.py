@@ -92,6 +92,7 @@ def test_a_unit_is_recorded_and_its_run_read(tmp_path, output):
                 model.record(tmp_path / output, until=0)
             model.record(tmp_path / output, until=2, step=0.5, replace=True)
         assert [one[:2] for one in told][-1] == (2.0, 2.0)  # also of a run that is over at once
+        assert {one[1] for one in told} == {2.0}
         assert report and report.samples == 5 and "record: done at t = 2" in repr(report)
         run = model.read_run(tmp_path / output)
         assert len(run) == len(model.signals) and {column.signal for column in run} == {

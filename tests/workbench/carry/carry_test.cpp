@@ -130,6 +130,12 @@ TEST(Carry, goesByNamesAndNeverByNumbers) {
          {{"P/N", "1", {"y"}}, {"P/A", "2", {"y"}}, {"P/B", "3", {"y"}}, {"P/C", "4", {"y"}}, {"P/D", "5", {"y"}}},
          Fate::same,
          "P/A:1"},
+        {"the name's last letter gone",
+         {{"P/A2", "1", {"y"}}},
+         {"u", "P/A2", "1", 1},
+         {{"P/A", "1", {"y"}}},
+         Fate::renamed,
+         "P/A:1"},
         {"slid before", one, {"u", "P/A", "1", 1, "b"}, {{"P/A", "1", {"a", "b"}}}, Fate::renumbered, "P/A:2"},
         {"slid, and its name is gone", one, {"u", "P/A", "1", 1, "old"}, one, Fate::lostSource, ""},
         {"dangling, and back", one, {"u", "P/B", "5", 1, "b"}, {{"P/B", "5", {"a", "b"}}}, Fate::renumbered, "P/B:2"},
@@ -197,6 +203,8 @@ TEST(Carry, whatWasAmbiguousComesBackByAPersonsWordOnly) {
     EXPECT_TRUE(contains(second, "\"lost\": \"block\",\n      \"unsure\": true,"));
     const std::string third = model("m", {{"P/A", "1", {"y"}}, {"Q/C", "8", {"y"}}, {"Q/D", "9", {"y"}}});
     EXPECT_EQ(placeOf(carried(second, third).file, "u"), "");
+    EXPECT_TRUE(contains(modelText(carried(second, third).file), "\"unsure\": true,"))
+        << "nor is it sure when it stays";
     EXPECT_EQ(placeOf(carried(second, third, {MatchBy::both, true}).file, "u"), "P/A:1");
     const CarriedModel mapped = carried(second, third, {}, "P/A,Q/D\n");
     EXPECT_EQ(placeOf(mapped.file, "u"), "Q/D:1");

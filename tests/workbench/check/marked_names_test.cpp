@@ -1,5 +1,7 @@
+#include "signals/signal_specification.h"
 #include "tests/workbench/check/name_test.h"
 #include "workbench/change/marking.h"
+#include "workbench/change/renaming.h"
 #include "workbench/check/check_file.h"
 #include "workbench/session/session.h"
 #include "workbench/text/error.h"
@@ -88,10 +90,20 @@ TEST_F(MarkedNames, noEditOfPortsLetsAMarkSlide) {
     }
 }
 
+TEST_F(MarkedNames, placesThatMayBeMeantAreNamed) {
+    for (const auto& [outputs, places] : {std::pair{R"("y", "x", "x", "x")", "2, 3 or 4"},
+                                          {R"("y", "x", "x", "x", "x")", "2, 3, 4 or 5"},
+                                          {R"("y", "x", "x", "x", "x", "x")", "2, 3, 4, 5 and 1 more"}}) {
+        write(modelText(outputs, {{"u-1", 1, "x"}}));
+        expectSaid("check", 1, std::string("which may be port ") + places + " now (\"y\" is here now)");
+    }
+}
+
 TEST_F(MarkedNames, ofChartsItemsAreFollowedBySsid) {
     const Mark state{"u-1", 0, "On", "2", "L", "On", "cw_state", R"("Activity": "Self", "SSID": "4")"};
     const Mark chart{"u-2", 0, "", "2", "L", "", "cw_chart", R"("Activity": "Self", "SSID": "0")"};
-    const std::string before = modelText("", {state, chart});
+    // A datum of the state's name is no place for it.
+    const std::string before = replaced(modelText("", {state, chart}), R"("name": "n")", R"("name": "On")");
     struct {
         const char* states;
         const char* codes;
@@ -149,6 +161,15 @@ TEST_F(MarkedNames, areConfirmedOneByOneAndTheFileIsFreeThen) {
     EXPECT_EQ(runOn("set A:1 --decimation 2").code, 0);
 }
 
+TEST_F(MarkedNames, whatElseIsWrongIsStillFoundWhenTheyAreMended) {
+    write(replaced(modelText(R"("y", "x")", {{"u-1", 1, "x"}}, {clientText("c", "gone")}), R"("SignalName_")",
+                   R"("LogicalPortIndex_": 1, "SignalName_")"));
+    const std::string mended = runOn("check --mend names").out;
+    const std::string left = runOn("check").out;
+    expectParts(mended, {"mended signal 1", "KS401", left.substr(0, left.find('\n'))});
+    EXPECT_EQ(valuesIn(read(), "LogicalPortIndex_"), "2");
+}
+
 // Two marks on one port, one of them from before the ports changed places, with one UUID.
 TEST_F(MarkedNames, marksOnOnePortGoTheirOwnWays) {
     write(modelText(R"("y", "x")", {{"u", 1, "x"}, {"u", 1, "y"}, {"u", 1, "x"}}, {clientText("c", "u")}));
@@ -170,6 +191,17 @@ TEST_F(MarkedNames, areConfirmedByPositionAndForgottenWithTheirMarks) {
     workbench::removeSignals(session, {1});
     session.save();
     EXPECT_EQ(valuesIn(read(), "markedName"), R"("a""b")");
+    // Under the UUID that the port's mark had.
+    workbench::addSignal(session, {session.model().findByPath(u"A"), 2, {}}, u"", {});
+    session.save();
+    EXPECT_EQ(valuesIn(read(), "UUID"), R"("u-1""u-3""u-2")");
+    EXPECT_EQ(valuesIn(read(), "markedName"), R"("a""b""b")");
+    write(modelText(R"("a", "b")", {{"u-1", 1, "a"}, {"u-2", 2}, {"u-3", 2, "b"}}), "other.json");
+    workbench::renameModel(session, u"n");
+    workbench::Session other(path("other.json"));
+    other.signals().get(0)->m_excludeForSave = true;
+    other.save();
+    EXPECT_EQ(valuesIn(read("other.json"), "markedName"), R"("b")") << "of the last, not of the one without a name";
 }
 
 }  // namespace

@@ -104,6 +104,9 @@ TEST(Diff, tellsPortsChartsBlocksTwinsAndParkedMarksApart) {
     EXPECT_TRUE(of(blocks).isSame());
     EXPECT_EQ(of(blocks).signals.unchanged, 2U);
     EXPECT_FALSE(of(blocks, parked({"b"})).isParkedSame);
+    EXPECT_FALSE(
+        of(blocks, replaced(parked({"a"}), "MaxPoints_\": 0", "MaxPoints_\": 0, \"markedName\": \"x\"")).isParkedSame);
+    EXPECT_EQ(of({{"A", "9", {"y", "y", "z"}}, blocks[1], blocks[2]}).blocks.size(), 1U) << "another identifier";
     EXPECT_TRUE(of({blocks[1], blocks[0], blocks[2]}).areBlocksReordered);
     const ModelDiff ports = of({{"A", "1", {"y", "z"}}, blocks[1], blocks[2]});
     EXPECT_EQ(ports.blocks.at(0).removedPorts, std::vector<std::u16string>{u"y"});
@@ -231,6 +234,17 @@ TEST_F(CompareCommands, diffAndMergeTellAndEndAsTheyShould) {
     expectParts(
         run({"diff", path("a.json"), path("b.json"), "--json"}).out,
         {R"({"kshmi": 1, "command": "diff")", R"("signal": {"uuid": "u3", "position": 3}, "block": "m/B", "port": 1)"});
+    write(marked({{"u2", "A2", "1", 1}, {"u1", "A2", "1", 2}}, {{"A2", "1", {"b", "a"}}}, "n"), "d.json");
+    expectParts(
+        run({"diff", path("a.json"), path("d.json"), "--json"}).out,
+        {R"({"block": "n/A2", "from": "m/A", "renamed": true, "addedPorts": [], "removedPorts": [], "reordered": true)",
+         R"({"uuid": "u2", "position": 1}, "block": "n/A2", "port": 1, "fromPosition": 2, "moved": true, "fields": [)"
+         R"({"field": "BlockPath_", "before": "A", "after": "A2"}, {"field": "OutputPortIndex_", "before": 2, "after")",
+         R"("removed": [{"signal": {"uuid": "u3", "position": 3}, "block": "m/B", "port": 1}])"});
+    expectParts(
+        run({"merge", path("a.json"), path("a.json"), path("d.json"), "-o", path("no.json"), "--dry-run", "--json"})
+            .out,
+        {R"("dryRun": true, "saved": false, "signals": 2, "clients": 1, "conflicts": [])"});
     EXPECT_EQ(run({"diff", path("a.json")}).code, 2);
     // As git calls it for a file that was renamed: a difference is no failure.
     const auto renamed =
@@ -248,7 +262,7 @@ TEST_F(CompareCommands, diffAndMergeTellAndEndAsTheyShould) {
     write("{", "bad.json");
     EXPECT_EQ(run({"merge", path("a.json"), path("bad.json"), path("c.json"), "-o", path("out2.json")}).code,
               kshmi::kBadFile);
-    EXPECT_EQ(fileCount(), 5U);
+    EXPECT_EQ(fileCount(), 6U);
 }
 
 TEST_F(CompareCommands, gitUsesThem) {

@@ -121,8 +121,16 @@ TEST_F(ImportCommand, putsNoMarksOnBlocksUnseen) {
                          "file with --previous "))
         << refused.err;
     EXPECT_EQ(read(), marked);
+    write(kshmi::testing::replaced(
+        plain, "\"clients\": []",
+        R"("clients": [], "parked": [{"signal": {"UUID": "p"}, "clients": [], "lost": "port", "from": "m"}])"));
+    EXPECT_EQ(import({"--update"}).code, 2) << "parked marks, too";
     std::filesystem::remove(path());
     EXPECT_EQ(import({"--update"}).code, kshmi::kBadFile);
+    std::filesystem::create_symlink(path("nowhere.json"), path());
+    EXPECT_EQ(import().code, kshmi::kBadFile);
+    EXPECT_TRUE(std::filesystem::is_symlink(path()));
+    std::filesystem::remove(path());
     EXPECT_EQ(fileCount(), 1U);
 }
 

@@ -11,6 +11,7 @@
 namespace workbench {
 namespace {
 
+using kshmi::testing::contains;
 using kshmi::testing::replaced;
 
 std::string signalText(const std::string& uuid, const std::string& path, const std::string& name) {
@@ -94,6 +95,10 @@ TEST_F(PlainRecord, isReadAsOneThatIsNotPlain) {
 }
 
 TEST_F(PlainRecord, takesNothingThatWouldBeRefused) {
+    const std::string swapped =
+        replaced(replaced(documentOf(kMiddle), "\"clients\"", "\"none\""), "\"signals\"", "\"clients\"");
+    EXPECT_TRUE(contains(readingOf(replaced(swapped, "\"none\"", "\"signals\"")),
+                         "/clients/0/BlockPath_: this key is unknown"));
     for (std::size_t at = kMiddle.find('{'); at < kMiddle.size(); ++at)
         for (const char c : {'"', '\\', '}', '-', '7', ' ', '\n', '\xC3'}) {
             std::string changed = kMiddle;

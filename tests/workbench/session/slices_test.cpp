@@ -43,7 +43,8 @@ std::string signalText(std::size_t number, const char* pathPrefix) {
     add("OutputPortIndex_", std::to_string(isChart ? 0 : number % 2 + 1));
     add("LogicalPortIndex_", "0");
     add("SignalName_", fmt::format(R"("s{}")", isChart ? "\\n" : ""));
-    add("SubSysPath_", R"("")");
+    const std::string_view prefix = pathPrefix;
+    add("SubSysPath_", fmt::format(R"("{}")", isChart ? "" : prefix.substr(0, prefix.find('/'))));
     add("Decimation_", std::to_string(number + 1));
     for (const char* const field : {"MaxPoints_", "TargetBufferedStreaming_", "IsFrameBased_", "HideInPLV_"})
         add(field, "0");
