@@ -104,6 +104,13 @@ def test_files_are_checked_compared_and_carried(cruise, tmp_path):
     other.write_text(json.dumps({**contents, "signals": [], "clients": []}))
     report = ks_hmi.carry(cruise, other, tmp_path / "carried.json")
     assert report and report.counts.renumbered == 1 and "renumbered" in repr(report)
+    swapped = json.loads(json.dumps({**contents, "signals": [], "clients": []}))
+    one, two = (block for block in swapped["blocks"] if block["path"] in ("Sensors/Speed", "Sensors/Pedal"))
+    one["eid"], two["eid"] = two["eid"], one["eid"]
+    (tmp_path / "swapped.json").write_text(json.dumps(swapped))
+    for match in ("path", "id"):
+        report = ks_hmi.carry(cruise, tmp_path / "swapped.json", tmp_path / f"{match}.json", match=match)
+        assert bool(report) == (match == "path")
     assert ks_hmi.diff(cruise, cruise).same and not ks_hmi.diff(cruise, cruise)
     assert ks_hmi.diff(cruise, tmp_path / "carried.json").signals.changed
     other.write_text(json.dumps(contents))
