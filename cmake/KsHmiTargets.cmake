@@ -24,7 +24,7 @@ function(ks_hmi_configure_target target)
   endif()
 endfunction()
 
-# Not worth optimising where every instruction is checked: it is compiled for longer than it runs.
+# Not worth optimising where every instruction is checked: it is compiled for longer than it runs. What it calls is.
 function(ks_hmi_build_quickly target)
   if(KS_HMI_SANITIZE)
     target_compile_options(${target} PRIVATE -O0)
