@@ -21,10 +21,9 @@ class SignalSpecification;
 /// a port or a chart's activity is observed without walking the list.
 ///
 /// Positions are 0-based. A position outside the set raises the host's exception "InvalidElementIndex"
-/// with the number of signals; nothing is changed then. A null record is refused with a host exception
-/// before anything changes. Records are shared: with the index, and with callers that hold a pointer; who looks
-/// into one includes its own header.
-/// Thread: the host's interpreter thread.
+/// with the number of signals; nothing is changed then. (Its text is the one that scripts see, who count from 1.) A
+/// null record is refused with a host exception before anything changes. Records are shared: with the index, and with
+/// callers that hold a pointer; who looks into one includes its own header. Thread: the host's interpreter thread.
 class KS_HMI_EXPORT InstrumentedSignals {
 public:
     using SignalPtr = boost::shared_ptr<SignalSpecification>;  ///< Shared with the index and with callers.
@@ -125,7 +124,8 @@ public:
     /// Replaces the cache of observed engine ports. Every change to the list or the index empties it, but for the
     /// removal by position of a chart signal and a rebuild that enters no port.
     void cacheKSPorts(const std::vector<ksPort*>& ports);
-    bool isKSPortObserved(const ksPort* port) const;  ///< Whether the cache holds it. Does not allocate.
+    /// Whether the cache holds it; null is an address like any other. Does not allocate.
+    bool isKSPortObserved(const ksPort* port) const;
     /// By block handle and port. A handle of NaN is never observed. Does not allocate.
     bool isPortObserved(double blockHandle, int portIdx) const;
     /// By handle and port, else by path and port.
@@ -165,11 +165,10 @@ public:
     // ---- what an editor asks of a whole model; the host answers, the indexes take no part ----
 
     /// Fills `out` with the observed ports of the host's model object. The texts and flags are the host function's:
-    /// a full path to list below and a kind of display (empty for all), and whether hidden signals and those not
-    /// to be saved are listed. `out` becomes empty when the host refuses (a warning), and is unchanged when something
-    /// is thrown.
-    /// Integers truncate toward zero and saturate; NaN is 0, and a true flag. What a result does not hold keeps the
-    /// field's default.
+    /// a full path to list below and a kind of display (empty, not null, for all), and whether hidden signals and those
+    /// not to be saved are listed. `out` becomes empty when the host refuses (a warning), and is unchanged when
+    /// something is thrown. Integers truncate toward zero and saturate; NaN is 0, and a true flag. What a result does
+    /// not hold keeps the field's default.
     static void getObservedPorts(const hvArray* modelObject, const char* belowPath, const char* visualType,
                                  std::vector<Source>& out, bool withHidden, bool withUnsaved);
     /// Adds the handles of the blocks that carry badges to `out`, which is not cleared. Unchanged for a null or empty

@@ -55,6 +55,7 @@ public:
     SignalSpecification();
     /// Reads element `index` (0-based) of a persisted struct array, or the host object `data` (its
     /// element 0, whatever `index` is), whose references lose the leading `modelName`.
+    /// Whatever is no struct is read as an object, and refused by the host if it is none.
     /// Throws the host's exception when a field cannot be read, naming the field and the 1-based element.
     SignalSpecification(const hvArray* data, std::size_t index, const std::u16string& modelName);
     ~SignalSpecification();
@@ -81,7 +82,8 @@ public:
     /// even when the struct has such fields.
     /// Of missing fields, "LogicalPortIndex_" and the three flags keep their values; domain type, visual type and
     /// parameters become empty. Any other missing field, and a number field without a number, throws the host's
-    /// exception; what was read before it stays read.
+    /// exception; what was read before it stays read. A text field of another class reads as empty; numbers truncate
+    /// toward zero and saturate.
     void setFromPersistentData(const hvArray* s, std::size_t index);
 
     // ---- the host's forms ----
@@ -152,7 +154,9 @@ public:
     /// that is entered nowhere. Throws Boost's entropy error when the system has no randomness to give.
     static std::string getUUIDFromBlockHandle(const int& port, const double& handle, const bool& useMap);
     /// A new record for a block's output port, with the UUID that the map has for it or a fresh one, which is
-    /// not entered in the map. References may carry the model's name and are stored without it.
+    /// not entered in the map. References may carry the model's name and are stored without it. Handle and port are
+    /// cached as they are given, a handle of 0.0 as well: where it is not known yet, `setCachedInfo(0.0, 0)` makes
+    /// the record one that is found by its path. All else has its default.
     static std::unique_ptr<SignalSpecification> createSigSpecFromPort(const std::u16string& blockPath,
                                                                       const std::string& eid, int portIdx,
                                                                       int logicalPortIdx, double blockHandle,

@@ -162,6 +162,9 @@ TEST_F(StructureCommands, identifiersOfWhatIsGoneAreNotGivenAgain) {
     change("block add Last --eid 18446744073709551615");
     expectParts(change("block add D").out, {"element identifier 18446744073709551614"});
     expectParts(change("block add E").out, {"element identifier 18446744073709551613"});
+    change("block add Z --chart");
+    change("chart add-state Z Last --ssid 4294967295");
+    expectParts(change("chart add-datum Z d").out, {"SSID 4294967294"});
 }
 
 TEST_F(StructureCommands, whatIsChangedIsToldAsJson) {

@@ -116,15 +116,13 @@ private:
         if (ours.empty()) return;
         const Block* const baseBlock = m_base.model.findByEid(block.eid);
         const Items base = itemsOf(baseBlock);
-        FreshNumbers numbers;
+        FreshNumbers numbers(std::numeric_limits<std::uint32_t>::max());
         for (const Block* const one : {&block, oursBlock, baseBlock})
             if (one && one->chart) noteItems(*one->chart, numbers);
         for (const auto& [ssid, item] : itemsOf(&block)) {
             const auto found = ours.find(ssid);
             if (found == ours.end() || found->second == item || base.contains(ssid)) continue;
-            const std::uint64_t fresh = numbers.next();
-            if (fresh <= std::numeric_limits<std::uint32_t>::max())
-                m_items[block.eid].emplace(ssid, static_cast<std::uint32_t>(fresh));
+            m_items[block.eid].emplace(ssid, static_cast<std::uint32_t>(numbers.next()));
         }
     }
 

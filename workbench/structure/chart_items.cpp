@@ -3,10 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 
 #include "signals/signal_specification.h"
 #include "workbench/structure/blocks.h"
 #include "workbench/text/error.h"
+#include "workbench/text/fresh_numbers.h"
 #include "workbench/text/text.h"
 
 namespace workbench {
@@ -28,11 +30,11 @@ void requireFree(const Block& block, std::u16string_view domain, const std::u16s
 }
 
 std::uint32_t freshSsid(const Session& session, const Block& block) {
-    std::uint32_t most = 0;
-    for (const ChartItem& item : chartItemsOf(block)) most = std::max(most, item.ssid);
+    FreshNumbers numbers(std::numeric_limits<std::uint32_t>::max());
+    for (const ChartItem& item : chartItemsOf(block)) numbers.note(std::uint64_t{item.ssid});
     for (const std::size_t i : marksOn(session, [&](const SignalSource& source) { return source.block == &block; }))
-        most = std::max(most, ssidOf(*session.signals().get(i)).value_or(0));
-    return most + 1;
+        numbers.note(std::uint64_t{ssidOf(*session.signals().get(i)).value_or(0)});
+    return static_cast<std::uint32_t>(numbers.next());
 }
 
 std::uint32_t requireSsid(const Block& block, std::uint32_t ssid) {

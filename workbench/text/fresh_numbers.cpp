@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <limits>
 #include <system_error>
 
 namespace workbench {
@@ -17,10 +16,10 @@ void FreshNumbers::note(std::string_view text) {
 std::uint64_t FreshNumbers::next() {
     if (m_sorted < m_taken.size()) std::ranges::sort(m_taken);
     std::uint64_t fresh = m_taken.back();
-    if (fresh != std::numeric_limits<std::uint64_t>::max())
+    if (fresh < m_most)
         ++fresh;
     else
-        while (std::ranges::binary_search(m_taken, fresh)) --fresh;
+        for (fresh = m_most; std::ranges::binary_search(m_taken, fresh);) --fresh;
     m_taken.insert(std::ranges::upper_bound(m_taken, fresh), fresh);
     m_sorted = m_taken.size();
     return fresh;

@@ -108,7 +108,14 @@ void HostValueBuilder::deliver(HvArrayPtr value) {
     m_isComplete = true;
 }
 
+void HostValueBuilder::beginLevel() {
+    // What a file may nest, less the levels in front of a value of a parked client, where it may come to be.
+    constexpr std::size_t kMost = 251;
+    if (++m_levels > kMost) throw Error(fmt::format("more than {} levels of nesting in one value", kMost));
+}
+
 void HostValueBuilder::beginObject() {
+    beginLevel();
     if (taggedTop()) throw Error("an object appears where a member of a \"$class\" object is expected");
     m_stack.push_back(Node{.kind = Kind::plainStruct});
 }
@@ -146,12 +153,14 @@ void HostValueBuilder::taggedKey(Node& node, std::string_view name) {
 }
 
 void HostValueBuilder::endObject() {
+    --m_levels;
     Node node = std::move(m_stack.back());
     m_stack.pop_back();
     deliver(build(node));
 }
 
 void HostValueBuilder::beginArray() {
+    beginLevel();
     Node* const node = taggedTop();
     if (!node) {
         m_stack.push_back(Node{.kind = Kind::cell});
@@ -163,6 +172,7 @@ void HostValueBuilder::beginArray() {
 }
 
 void HostValueBuilder::endArray() {
+    --m_levels;
     Node& node = m_stack.back();
     if (node.kind == Kind::tagged) {
         node.isListOpen = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -51,12 +52,14 @@ private:
     Node* top() noexcept { return m_stack.empty() ? nullptr : &m_stack.back(); }
     /// The tagged object whose lists or members take the next scalar; null when the scalar is a value.
     Node* taggedTop() noexcept;
+    void beginLevel();
     void deliver(HvArrayPtr value);
     void taggedKey(Node& node, std::string_view name);
     void taggedString(Node& node, std::string_view text);
     static HvArrayPtr build(Node& node);
 
     std::vector<Node> m_stack;
+    std::size_t m_levels = 0;  ///< of objects and arrays that are open
     HvArrayPtr m_result;
     bool m_isComplete = false;
 };

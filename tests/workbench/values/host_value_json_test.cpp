@@ -121,6 +121,7 @@ TEST_F(HostValueJson, formsThatNoValueHasAreRefused) {
          "not a valid int8; give a whole number from -128 to 127"},
         {R"({"$class": "uint8", "size": [1, 1], "data": [1.5]})", "not a valid uint8"},
         {R"({"$class": "logical", "size": [1, 1], "data": [1]})", "true or false"},
+        {std::string(252, '[') + std::string(252, ']'), "more than 251 levels of nesting in one value"},
         {R"({"$class": "cell", "size": [1, 1], "data": 3})", "appears where"},
         {R"({"$class": "cell", "size": [1, 1], "fields": []})", "\"fields\" is unknown"},
         {R"({"$class": "struct", "size": [1, 2], "fields": ["a"], "data": [1]})", "needs 2"},
