@@ -107,8 +107,10 @@ void refuseStrayWords(const CLI::App& app) {
     for (const CLI::App* const command : app.get_subcommands()) refuseStrayWords(*command);
 }
 
-// What the parser says when an option's value is missing, in plain words; all else as it is.
+// What the parser says when an option's value is missing or there is one too many, in plain words; all else as it is.
 std::string inPlainWords(const std::string& mistake) {
+    if (const std::size_t end = mistake.find(": At Most 1 required but received "); end != std::string::npos)
+        return mistake.substr(0, end) + " is given more than once; give it once";
     constexpr std::string_view kMissing = " missing";
     constexpr std::string_view kRequired = ": 1 required ";
     const std::size_t end = mistake.find(kRequired);

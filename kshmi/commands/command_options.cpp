@@ -73,7 +73,7 @@ CLI::Validator oneOf(const std::vector<std::string>& words) {
         if (std::find(words.begin(), words.end(), text) != words.end()) return std::string();
         Nearest nearest(text);
         for (const std::string& word : words) nearest.offer(word);
-        return fmt::format("{} is none of {}{}", inQuotes(text), listed(words), nearest.question());
+        return fmt::format("{} is not one of {}{}", inQuotes(text), listed(words), nearest.question());
     });
     return check;
 }
@@ -188,7 +188,8 @@ std::string messageOf(const Error& error) {
             return fmt::format("{}, or remove such signals with \"kshmi unmark {} --dangling\"", error.what(), file);
         case Remedy::settleNames:
             return fmt::format(
-                "{}; let marks follow their names with \"kshmi check {} --mend names\", or accept what is there with "
+                "{}; let marks whose name is still there follow it with \"kshmi check {} --mend names\", or accept "
+                "what is there with "
                 "\"kshmi set {} REF --confirm\"",
                 error.what(), file, file);
         case Remedy::none:

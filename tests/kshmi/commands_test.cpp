@@ -121,7 +121,7 @@ TEST_F(Commands, chartOptionsApplyToAllThatIsSelectedOrAreRefused) {
     EXPECT_EQ(runOn("mark Logic/On/Fast --activity Child").code, 0);
     EXPECT_EQ(runOn("unmark --all m/* --activity Child").code, 0);
     EXPECT_EQ(read(), kModel);
-    expectSaid("unmark --all m/* --activity Idle", 2, "is none of Self, Child, Leaf, Data");
+    expectSaid("unmark --all m/* --activity Idle", 2, "is not one of Self, Child, Leaf, Data");
     expectSaid("unmark --all m/* --ssid 4", 2, "--ssid is for one chart");
     expectSaid("unobserve --all m/* --ssid 4", 2, "--ssid is for one chart");
     expectSaid("unmark --dangling --activity Self", 2, "name the chart as REF");

@@ -65,8 +65,9 @@ TEST_F(Help, asksWhatWasMeant) {
         {{"show"}, "MODEL is required; \"kshmi help show\""},
         {{"block"}, "say what \"kshmi block\" is to do: add, remove, rename"},
         {{"mark", path(), path()}, "model.json\": is a file; this command works on one model at a time"},
+        {{"set", path(), "A", "--name", "a", "--name", "b"}, "--name is given more than once; give it once"},
         {{"query", path(), "Logic", "--activity", "Chidl"},
-         "is none of Self, Child, Leaf, Data; did you mean \"Child\"?"},
+         "is not one of Self, Child, Leaf, Data; did you mean \"Child\"?"},
     };
     for (const auto& [words, said] : cases) {
         const testing::Finished finished = run(words);

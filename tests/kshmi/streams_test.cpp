@@ -63,7 +63,7 @@ TEST_F(Streams, whatIsNotChangedPassesThroughByteForByte) {
 TEST_F(Streams, anErrorLetsNothingOut) {
     const std::pair<std::vector<std::string>, const char*> cases[] = {
         {{"mark", "nowhere"}, "standard input: \"nowhere\": the model \"m\" has no such block"},
-        {{"set", "A", "--name"}, "TEXT missing"},
+        {{"set", "A", "--name"}, "--name needs a value behind it"},
         {{"mark", "--from", "-"}, "standard input (-) is named twice"},
     };
     for (const auto& [words, said] : cases) {

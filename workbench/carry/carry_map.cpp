@@ -67,7 +67,7 @@ const CarryMap::Target* CarryMap::source(std::u16string_view oldPath, std::u16st
 
 void CarryMap::read(const std::vector<CsvCell>& row, std::size_t line) {
     if (row.size() != 2)
-        fail(line, fmt::format("{} where two belong, old and new; put names with commas in double quotes",
+        fail(line, fmt::format("{} instead of two, old and new; put names with commas in double quotes",
                                counted(row.size(), "column")));
     std::u16string before = toUtf16(row[0].text);
     std::u16string after = toUtf16(row[1].text);

@@ -43,7 +43,9 @@ void appendColumn(std::string& out, const RunColumn& column, const Session& sess
 std::string timeText(double time) { return fmt::format("t = {:.10g}", time); }
 
 std::string ratioText(double simulated, double seconds) {
-    return simulated > 0 && seconds > 0 ? fmt::format(", {:.3g} times real time", simulated / seconds) : "";
+    if (simulated <= 0 || seconds <= 0) return "";
+    const double rate = simulated / seconds;
+    return fmt::format(", {} times real time", rate < 1000 ? fmt::format("{:.3g}", rate) : fmt::format("{:.0f}", rate));
 }
 
 void printRecord(const RecordResult& result, const std::string& file, std::ostream& out) {

@@ -262,7 +262,7 @@ TEST(CarryMap, saysWhereThingsAre) {
               "map.csv:1: the new model has no block \"N/q\"; correct the name or leave it empty to say that the old "
               "one is gone");
     EXPECT_EQ(refusal("\nA/x,N/x,1\n"),
-              "map.csv:2: 3 columns where two belong, old and new; put names with commas in double quotes");
+              "map.csv:2: 3 columns instead of two, old and new; put names with commas in double quotes");
     for (const char* const map :
          {"A/x:q,N/x:a\n", "A/x:a,N/x:q\n", "A/*,N\n", "Q/*,N/*\n", "\"A/x,N/x\n", "A\"x,y\n", "\"A\"x,y\n"})
         EXPECT_TRUE(refusal(map).starts_with("map.csv:1: ")) << map << refusal(map);
