@@ -107,8 +107,8 @@ const Topic* topicOf(std::string_view name) {
 }
 
 std::size_t textStart(std::string_view line) {
-    constexpr std::size_t kWidestTerm = 30;
-    return line.starts_with("  ") ? line.rfind("  ", kWidestTerm) + 2 : 0;
+    constexpr std::size_t kWidestListTerm = 30;
+    return line.starts_with("  ") ? line.rfind("  ", kWidestListTerm) + 2 : 0;
 }
 
 std::string topicText(const Topic& topic, std::size_t width) {

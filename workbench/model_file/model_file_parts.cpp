@@ -182,8 +182,8 @@ void ModelFileParts::setNumber(Place place, double value) {
 }
 
 std::uint32_t ModelFileParts::ssidOf(double value) const {
-    constexpr double kMost = std::numeric_limits<std::uint32_t>::max();
-    if (!(value >= 1.0) || value > kMost || value != std::floor(value))
+    constexpr double kMostSsid = std::numeric_limits<std::uint32_t>::max();
+    if (!(value >= 1.0) || value > kMostSsid || value != std::floor(value))
         fail("an SSID is a whole number from 1 on (0 is the chart itself)");
     return static_cast<std::uint32_t>(value);
 }

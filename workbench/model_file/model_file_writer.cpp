@@ -146,9 +146,9 @@ public:
     List(const TextSink& sink, std::string& out) : m_sink(sink), m_out(out), m_array(out, kList) {}
     // Makes room for one more element.
     void next() {
-        constexpr std::size_t kMost = std::size_t{1} << 16U;
+        constexpr std::size_t kMostKept = std::size_t{1} << 16U;
         m_array.next();
-        if (m_out.size() < kMost) return;
+        if (m_out.size() < kMostKept) return;
         m_sink(m_out);
         m_out.clear();
     }

@@ -31,8 +31,8 @@ void BestLikeness::offer(std::size_t candidate, double value) noexcept {
 }
 
 bool BestLikeness::isClear() const noexcept {
-    constexpr double kLead = 2.0;
-    return likeness >= kLikelyRenamed && likeness >= kLead * next;
+    constexpr double kLeadOfRivals = 2.0;
+    return likeness >= kLikelyRenamed && likeness >= kLeadOfRivals * next;
 }
 
 void BlockMatching::matchRenamed() {
