@@ -24,13 +24,16 @@ protected:
     }
     ~HostileUnit() override { EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a process is left"; }
 
-    // Processes of that name, of whatever parent.
-    static int countProcesses(const std::string& name) {
+    // Processes of that name, of whatever parent, that run a unit of this test: others run beside it.
+    int countProcesses(const std::string& name) const {
         int count = 0;
         for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
             std::ifstream file(entry.path() / "comm");
             std::string its;
-            if (std::getline(file, its) && its == name) ++count;
+            if (!std::getline(file, its) || its != name) continue;
+            std::ifstream maps(entry.path() / "maps");
+            const std::string mapped{std::istreambuf_iterator<char>(maps), {}};
+            if (contains(mapped, path("tmp"))) ++count;
         }
         return count;
     }
