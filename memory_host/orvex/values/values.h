@@ -43,8 +43,8 @@ OX_API HvArrayPtr joinedColumns(std::span<const HvArrayPtr> columns);
 
 /// One element of a struct array.
 struct StructElement {
-    const hvArray* structArray = nullptr;
-    std::size_t index = 0;
+    const hvArray* structArray = nullptr;  ///< not owned
+    std::size_t index = 0;                 ///< 0-based
 };
 /// Whether two elements of struct arrays hold the same texts, numbers and empty structs in the same fields. False also
 /// where that is not seen at once, as of other values.
