@@ -48,21 +48,23 @@ template <class Item>
 std::optional<std::vector<Item>> bothExtended(const std::vector<Item>& base, const std::vector<Item>& ours,
                                               const std::vector<Item>& theirs) {
     if (!isExtended(base, ours) || !isExtended(base, theirs)) return std::nullopt;
+    std::unordered_map<std::u16string_view, std::size_t> inOurs;
+    for (const Item& item : ours) inOurs.emplace(nameOf(item), inOurs.size());
     std::unordered_set<std::u16string_view> inTheirs;
     for (const Item& item : theirs) inTheirs.insert(nameOf(item));
-    std::vector<Item> merged = ours;
-    auto place = merged.begin();
+    std::vector<Item> merged;
+    std::size_t next = 0;  // of ours
     for (const Item& item : theirs) {
-        const auto found =
-            std::find_if(merged.begin(), merged.end(), [&](const Item& one) { return nameOf(one) == nameOf(item); });
-        if (found != merged.end()) {
-            if (!isSameItem(*found, item)) return std::nullopt;
-            place = found + 1;
+        const auto found = inOurs.find(nameOf(item));
+        if (found == inOurs.end()) {
+            while (next < ours.size() && !inTheirs.contains(nameOf(ours[next]))) merged.push_back(ours[next++]);
+            merged.push_back(item);
             continue;
         }
-        while (place != merged.end() && !inTheirs.contains(nameOf(*place))) ++place;
-        place = merged.insert(place, item) + 1;
+        if (!isSameItem(ours[found->second], item)) return std::nullopt;
+        while (next <= found->second) merged.push_back(ours[next++]);
     }
+    while (next < ours.size()) merged.push_back(ours[next++]);
     return merged;
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/objects/dotted_name.h"
 
 namespace orvex {
 
@@ -31,14 +32,10 @@ void addMember(std::vector<std::unique_ptr<Member>>& members, std::unique_ptr<Me
     members.push_back(std::move(member));
 }
 
-std::string_view shortNameIn(const std::string& dottedName) {
-    return std::string_view(dottedName).substr(dottedName.rfind('.') + 1);
-}
-
 }  // namespace
 
 NativeClass::NativeClass(std::unique_ptr<hos::COSClassInfo> info, std::string fullName)
-    : m_info(std::move(info)), m_fullName(std::move(fullName)), m_shortName(shortNameIn(m_fullName)) {}
+    : m_info(std::move(info)), m_fullName(std::move(fullName)), m_shortName(lastPart(m_fullName)) {}
 
 void NativeClass::addProperty(std::unique_ptr<hos::COSPropInfo> property) {
     addMember(m_properties, std::move(property), "property", m_fullName);

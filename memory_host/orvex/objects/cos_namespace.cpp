@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "memory_host/orvex/calls/errors.h"
+#include "memory_host/orvex/objects/dotted_name.h"
 #include "memory_host/orvex/objects/pinned_libraries.h"
 #include "memory_host/orvex/objects/script_class.h"
 
@@ -18,8 +19,6 @@ Namespaces& topLevel() {
     static auto& namespaces = *new Namespaces;
     return namespaces;
 }
-
-std::string_view lastPart(std::string_view dottedName) { return dottedName.substr(dottedName.rfind('.') + 1); }
 
 Namespace* findIn(const Namespaces& namespaces, std::string_view name) {
     for (const auto& candidate : namespaces)

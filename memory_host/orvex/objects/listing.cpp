@@ -9,6 +9,7 @@
 #include "memory_host/orvex/calls/function_table.h"
 #include "memory_host/orvex/objects/cos_class.h"
 #include "memory_host/orvex/objects/cos_namespace.h"
+#include "memory_host/orvex/objects/dotted_name.h"
 #include "memory_host/orvex/objects/notes_table.h"
 #include "memory_host/orvex/objects/script_class_table.h"
 #include "memory_host/orvex/objects/types.h"
@@ -18,10 +19,6 @@
 namespace orvex {
 
 namespace {
-
-std::string lastPartOf(std::string_view dottedName) {
-    return std::string(dottedName.substr(dottedName.rfind('.') + 1));
-}
 
 std::vector<std::string> sorted(std::vector<std::string> names) {
     std::sort(names.begin(), names.end());
@@ -121,7 +118,7 @@ ClassListing namedClass(const std::string& fullName) {
     ClassListing listing;
     listing.fullName = fullName;
     listing.sentence = sentenceOf(findNote(fullName));
-    const std::string name = lastPartOf(fullName);
+    const std::string name(lastPart(fullName));
     listing.constructor = notedCall(name, noteOn(fullName, name));
     return listing;
 }
